@@ -1,0 +1,24 @@
+# Compiler and linker settings that hold for every target of ours.
+option(KESP_SANITIZE "Build the native unit tests under AddressSanitizer and UBSan" ON)
+option(KESP_COVERAGE "Build the native unit tests for line coverage (turns the sanitizers off)" OFF)
+
+add_library(kesp_options INTERFACE)
+target_include_directories(kesp_options INTERFACE "${CMAKE_SOURCE_DIR}")
+target_compile_options(kesp_options INTERFACE -Wall -Wextra -Wconversion -Werror)
+if(WIN32)
+  target_compile_definitions(kesp_options INTERFACE
+    UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0601 WINVER=0x0601)
+  # One file and system DLLs only: the C++ runtime, the unwinder and the thread library are linked in.
+  target_link_options(kesp_options INTERFACE
+    -static -static-libgcc -static-libstdc++ -Wl,--dynamicbase -Wl,--nxcompat)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    target_link_options(kesp_options INTERFACE -Wl,--high-entropy-va)
+  endif()
+elseif(KESP_COVERAGE)
+  target_compile_options(kesp_options INTERFACE --coverage -O0)
+  target_link_options(kesp_options INTERFACE --coverage)
+elseif(KESP_SANITIZE)
+  target_compile_options(kesp_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(kesp_options INTERFACE -fsanitize=address,undefined)
+endif()

@@ -1,0 +1,150 @@
+// The network transport: settings, connection, and line input and output over one TCP connection.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "network/eos_scanner.h"
+#include "network/instruments.h"
+#include "network/socket_control.h"
+#include "network/tcp_events.h"
+#include "support/binary_value.h"
+#include "support/enumerations.h"
+#include "support/environment.h"
+#include "support/failure.h"
+#include "support/log.h"
+
+namespace kesp {
+
+// CKespTCP talks to one instrument at a time. It owns its socket control and the collection of discovered
+// instruments; it is used by one thread. Settings are plain values except where their setter says otherwise.
+// A setter or method that throws leaves the settings as they were.
+class CKespTCP final : private SocketListener {
+ public:
+  // `events` receives the object's events and may be null; it must outlive the object or be taken back with
+  // SetEvents(nullptr).
+  CKespTCP(Environment& environment, const SocketControlFactory& make_socket, CKespTCPEvents* events = nullptr);
+  ~CKespTCP() override;
+  CKespTCP(const CKespTCP&) = delete;
+  CKespTCP& operator=(const CKespTCP&) = delete;
+
+  void SetEvents(CKespTCPEvents* events) { events_ = events; }
+
+  // Whether text replies with a character above 128 are refused. True at first.
+  bool CheckNonAscii() const { return check_non_ascii_; }
+  void SetCheckNonAscii(bool value) { check_non_ascii_ = value; }
+
+  // Whether a reply is complete when EOSChar has arrived; otherwise any arrival (text) or a quiet gap (binary)
+  // completes it. True at first.
+  bool TerminateOnEOS() const { return terminate_on_eos_; }
+  void SetTerminateOnEOS(bool value) { terminate_on_eos_ = value; }
+
+  // Whether CR and LF of text replies become blanks and the ends are trimmed. True at first.
+  bool StripCRLF() const { return strip_crlf_; }
+  void SetStripCRLF(bool value) { strip_crlf_ = value; }
+
+  // Milliseconds that connecting, closing and reading may take, 3000 at first. Not range-checked. Counted in
+  // whole calendar seconds: 3000 ends a wait after 3 to 4 seconds.
+  std::int16_t TimeOutmSecs() const { return time_out_msecs_; }
+  void SetTimeOutmSecs(std::int16_t value) { time_out_msecs_ = value; }
+
+  // The text that ends a reply, a carriage return at first. An empty text never ends one. Commands end with a
+  // carriage return whatever this says.
+  const std::wstring& EOSChar() const { return eos_char_; }
+  void SetEOSChar(const std::wstring& value) { eos_char_ = value; }
+
+  // 10 hexadecimal digits and "K", different for each object.
+  const std::wstring& GetKey() const { return key_; }
+
+  // The socket's state at this moment.
+  EKespTCPState State() const { return socket_->State(); }
+
+  // The TCP port, 0 at first. A value below 1 throws ERR_INVALID_PORT. Ports above 32767 cannot be set.
+  std::int16_t Port() const { return port_; }
+  void SetPort(std::int16_t value);
+
+  // The instrument's address, "0.0.0.0" at first. An empty text throws ERR_INVALID_IP_ADDRESS; nothing else is
+  // checked, so a host name is good too.
+  const std::wstring& IPAddress() const { return ip_address_; }
+  void SetIPAddress(const std::wstring& value);
+
+  // The diagnostic log, off at first.
+  bool CreateLogFile() const { return create_log_file_; }
+  void SetCreateLogFile(bool value) { create_log_file_ = value; }
+  const std::wstring& LogFilename() const { return log_filename_; }
+  void SetLogFilename(const std::wstring& value) { log_filename_ = value; }
+
+  // The instruments found so far; the object's own collection, empty at first.
+  const std::shared_ptr<CInstruments>& Devices() const { return devices_; }
+
+  // The protocol of the next Initialize, sckTCPProtocol at first.
+  EKespProtocol Protocol() const { return protocol_; }
+  void SetProtocol(EKespProtocol value) { protocol_ = value; }
+
+  // Whether the address is known (ipStatic, at first) or to be discovered; stored only.
+  EIPType IPType() const { return ip_type_; }
+  void SetIPType(EIPType value) { ip_type_ = value; }
+
+  // Connects to IPAddress and Port and returns true; at once when the object counts itself connected. Pumps
+  // messages while it waits. Throws ERR_INVALID_IP_ADDRESS (empty or "0.0.0.0"), ERR_INVALID_PORT,
+  // ERR_CONNECTING (the connection could not be started), ERR_TIMEOUT (not connected in time: four attempts of
+  // TimeOutmSecs when the host does not answer at all, one otherwise; or the old connection did not close).
+  // After a failure the socket stays as it is; the next Initialize closes it first.
+  bool Initialize();
+
+  // Closes the connection and returns true; also when there is none. Throws ERR_CLOSING.
+  bool Uninitialize();
+
+  // Sends cmd and a carriage return and pumps messages once; returns true. Forgets that an earlier reply was
+  // complete. Throws ERR_NOT_INITIALIZED, ERR_NO_CONNECTION, ERR_SEND_DATA.
+  bool WriteLine(const std::wstring& cmd = {});
+
+  // Waits for a complete reply, pumping messages, takes everything received into `result` as text, checks and
+  // strips it as set, and returns true. Throws ERR_NOT_INITIALIZED, ERR_NO_CONNECTION, ERR_TIMEOUT (`result` is
+  // unchanged, a partial reply stays for the next read), ERR_GET_DATA (the instrument sent more than the socket
+  // may hold), ERR_INVALID_CHARACTERS of the serial list (`result` holds the reply).
+  // With the UDP protocol it waits for TimeOutmSecs at the most and returns true then too, `result` unchanged.
+  bool ReadLine(std::wstring& result);
+
+  // Waits for a reply, pumping messages, takes everything received into `result` as bytes and returns true. With
+  // TerminateOnEOS false a reply is complete when nothing came for more than lTimeoutms milliseconds. Throws as
+  // ReadLine does, except that nothing is checked or stripped.
+  bool ReadLineBinary(BinaryValue& result, std::int32_t lTimeoutms = 100);
+
+ private:
+  // SocketListener
+  void OnConnect() override;
+  void OnClose() override;
+  void OnError(SocketError& error) override;
+  void OnDataArrival(std::int32_t bytes_total) override;
+  void OnSendProgress(std::int32_t bytes_sent, std::int32_t bytes_remaining) override;
+  void OnSendComplete() override;
+  std::shared_ptr<void> KeepAlive() override;
+
+  // to be completed by the implementer
+
+  Environment& environment_;
+  CKespTCPEvents* events_;
+  LogWriter log_;
+  std::wstring key_;
+  std::unique_ptr<SocketControl> socket_;
+  std::wstring ip_address_ = L"0.0.0.0";
+  std::int16_t port_ = 0;
+  std::wstring eos_char_ = L"\r";
+  std::int16_t time_out_msecs_ = 3000;
+  bool data_ready_ = false;
+  bool strip_crlf_ = true;
+  bool check_non_ascii_ = true;
+  bool terminate_on_eos_ = true;
+  std::shared_ptr<CInstruments> devices_;
+  std::wstring log_filename_ = L"CKespTCP.log";
+  bool create_log_file_ = false;
+  EKespProtocol protocol_ = EKespProtocol::sckTCPProtocol;
+  EIPType ip_type_ = EIPType::ipStatic;
+  bool connected_ = false;
+  std::int32_t last_arrival_tick_ = 0;
+};
+
+}  // namespace kesp

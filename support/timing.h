@@ -1,0 +1,37 @@
+// Time arithmetic and the pumping delay.
+#pragma once
+
+#include <cstdint>
+
+#include "support/clock.h"
+#include "support/message_pump.h"
+
+namespace kesp {
+
+// start + milliseconds as signed 32-bit numbers. Throws Overflow() when the sum does not fit, which happens for
+// deadlines around the tick counter's sign change, about 24.8 days after system start.
+std::int32_t Deadline(std::int32_t start, std::int32_t milliseconds);
+
+// Returns after at least that many milliseconds, pumping messages all the while and at least once. Does not
+// sleep: a waiting call keeps one processor busy and so reacts at once. Throws Overflow() as Deadline does.
+void Delay(Clock& clock, MessagePump& pump, std::int32_t milliseconds);
+
+// Counts calendar seconds since its creation the way a difference of two whole-second times does: it steps
+// whenever a calendar second begins. So "more than 3 elapsed" is true 3 to 4 seconds after the start. It runs
+// on the tick counter; setting the computer's clock meanwhile changes nothing. Good for 49 days.
+class ElapsedSeconds {
+ public:
+  explicit ElapsedSeconds(Clock& clock);
+
+  std::int32_t Count() const;
+
+  // Whether Count() exceeds milliseconds / 1000 (a fraction counts: 500 ms is exceeded by 1 second).
+  bool Exceeds(std::int32_t milliseconds) const;
+
+ private:
+  Clock& clock_;
+  std::uint32_t start_tick_;
+  std::uint32_t start_millisecond_of_second_;
+};
+
+}  // namespace kesp
