@@ -6,6 +6,13 @@
 
 #include <cstdint>
 
+// winbase.h has macros of these names.
+#undef PARITY_NONE
+#undef PARITY_EVEN
+#undef PARITY_ODD
+#undef PARITY_MARK
+#undef PARITY_SPACE
+
 namespace kesp {
 
 // The transport that the communication object uses.

@@ -1,0 +1,128 @@
+// The communication object: one facade over the three transports.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "commobj/attempt.h"
+#include "commobj/transports.h"
+#include "support/binary_value.h"
+#include "support/enumerations.h"
+#include "support/environment.h"
+#include "support/log.h"
+
+namespace kesp {
+
+// CKespCommObj owns one transport of each kind for its whole life, lets the client choose which one is in use,
+// and does whole exchanges on it. Used by one thread.
+//
+// Misuse that the caller must fix is thrown (ERR_NO_COMM_OBJECT, ERR_COMM_STYLE_NOT_SUPPORTED). A transport's
+// failure is not: the operation returns false and leaves CommError, CommErrorSource and CommErrorDescr.
+class CKespCommObj {
+ public:
+  // Makes the transports: serial (with 300 to 57600 baud allowed and 57600 set), network, IEEE-488.
+  CKespCommObj(Environment& environment, const TransportFactory& transports);
+
+  // Releases the transports: serial, network, IEEE-488.
+  ~CKespCommObj();
+  CKespCommObj(const CKespCommObj&) = delete;
+  CKespCommObj& operator=(const CKespCommObj&) = delete;
+
+  // Whether the serial port is closed after each operation. True at first.
+  bool AutoClose() const { return auto_close_; }
+  void SetAutoClose(bool value) { auto_close_ = value; }
+
+  // Milliseconds of silence that end a binary reply, 100 at first. Not range-checked.
+  std::int32_t BinaryTimeoutms() const { return binary_timeout_ms_; }
+  void SetBinaryTimeoutms(std::int32_t value) { binary_timeout_ms_ = value; }
+
+  // Whether serial commands are preceded by a lone carriage return. False at first.
+  bool CRBeforeCommand() const { return cr_before_command_; }
+  void SetCRBeforeCommand(bool value) { cr_before_command_ = value; }
+
+  // Path of the trace file: "commobjout.log" in the library's folder at first. Also becomes LogFilename of the
+  // transports: serial, IEEE-488, network.
+  const std::wstring& DebugFilename() const { return debug_filename_; }
+  void SetDebugFilename(const std::wstring& value);
+
+  // Whether the trace is written. False at first. Also becomes CreateLogFile of the transports: serial,
+  // IEEE-488, network.
+  bool Debugging() const { return debugging_; }
+  void SetDebugging(bool value);
+
+  // The status of the last operation; source and description are empty after a success.
+  ECommError CommError() const { return comm_error_; }
+  const std::wstring& CommErrorSource() const { return comm_error_source_; }
+  const std::wstring& CommErrorDescr() const { return comm_error_descr_; }
+
+  // 10 hexadecimal digits and "K", different for each object.
+  const std::wstring& GetKey() const { return key_; }
+
+  // The transport in use, csRS232 at first. A value outside -1 to 2 throws ERR_COMM_STYLE_NOT_SUPPORTED and
+  // leaves the style as it was.
+  ECommStyle CommStyle() const { return comm_style_; }
+  void SetCommStyle(ECommStyle value);
+
+  CKespCOMPort3& serial() const { return *serial_; }
+  CKespTCP& network() const { return *network_; }
+  CKespIEEE& ieee() const { return *ieee_; }
+
+  // Sends cmd and reads the reply as text. True: the reply is in `result` and CommError is cfrSuccess. False:
+  // CommError tells why; `result` is what the transport left there. The network connection is closed afterwards
+  // in every case. Throws ERR_NO_COMM_OBJECT with csNone, ERR_COMM_STYLE_NOT_SUPPORTED with a style that has no
+  // queries.
+  bool Query(std::wstring& result, const std::wstring& cmd, const std::wstring& OmegaAddress = {},
+             const std::wstring& OmegaValue = {});
+
+  // As Query, but the reply's bytes are left in `result`, unfiltered. csIEEE throws
+  // ERR_COMM_STYLE_NOT_SUPPORTED.
+  bool QueryBinary(BinaryValue& result, const std::wstring& cmd, const std::wstring& OmegaAddress = {},
+                   const std::wstring& OmegaValue = {});
+
+  // Sends cmd and reads nothing. Status and errors as for Query.
+  bool Update(const std::wstring& cmd, const std::wstring& OmegaAddress = {},
+              const std::wstring& OmegaValue = {});
+
+ private:
+  // What one of the three operations does differently from the others.
+  struct Exchange {
+    std::wstring name;  // "Query", for the sources of errors
+    const std::wstring& cmd;
+    std::wstring read_name;      // "ReadLine", for the trace
+    std::function<bool()> read;  // empty: nothing is read
+    std::function<std::wstring()> read_trace;      // empty: the reply is not traced
+    std::wstring initialize_failed_trace;          // empty: no line of its own
+  };
+
+  bool Run(const Exchange& exchange);
+  bool RunOnNetwork(const Exchange& exchange);
+  bool ReadFromNetwork(const Exchange& exchange);
+  void BeginOperation();
+  bool Succeed();
+  // Stores the status and the failure's texts and traces the error-info line.
+  void Fail(ECommError status, const std::wstring& prefix, const std::wstring& operation,
+            const Attempt& attempt);
+  void RequireTransport(const std::wstring& member) const;
+  [[noreturn]] static void RaiseStyleNotSupported(const std::wstring& source);
+  void Trace(const std::wstring& message);
+
+  Environment& environment_;
+  LogWriter log_;
+  ECommError comm_error_ = ECommError::cfrSuccess;
+  ECommStyle comm_style_ = ECommStyle::csNone;
+  std::wstring key_;
+  bool debugging_ = false;
+  std::wstring debug_filename_;
+  bool auto_close_ = true;
+  std::shared_ptr<CKespCOMPort3> serial_;
+  std::shared_ptr<CKespTCP> network_;
+  std::shared_ptr<CKespIEEE> ieee_;
+  std::wstring comm_error_source_;
+  std::wstring comm_error_descr_;
+  bool cr_before_command_ = false;
+  std::int32_t binary_timeout_ms_ = 100;
+};
+
+}  // namespace kesp
