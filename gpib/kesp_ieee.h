@@ -22,7 +22,8 @@ class CKespIEEE final {
   bool ClearDevice() const { return clear_device_; }
   void SetClearDevice(bool value) { clear_device_ = value; }
 
-  // Whether opening the device makes EOSChar end a read. True at first.
+  // Whether opening the device tells the driver that the first character of EOSChar ends a read. True at
+  // first.
   bool SetEOS() const { return set_eos_; }
   void SetSetEOS(bool value) { set_eos_ = value; }
 
@@ -43,8 +44,8 @@ class CKespIEEE final {
   std::int16_t BoardIndex() const { return board_index_; }
   void SetBoardIndex(std::int16_t value);
 
-  // The end-of-string character, written as its decimal code ("10" for a line feed); empty at first. Not
-  // checked.
+  // The decimal code of the character that ends a command, as text ("10" for a line feed); empty at first.
+  // Not checked.
   const std::wstring& EOSChar() const { return eos_char_; }
   void SetEOSChar(const std::wstring& value) { eos_char_ = value; }
 

@@ -1,0 +1,140 @@
+// The serial transport: defaults, the rules of its settings, and the settings text of the serial control.
+#include "serial/kesp_com_port.h"
+
+#include "serial/baud_rate.h"
+#include "support/error_numbers.h"
+#include "support/failure.h"
+#include "support/object_key.h"
+
+namespace kesp {
+
+namespace {
+
+constexpr std::int16_t kHighestPort = 256;
+
+// The source of both ends of the range: MinBaudRate reports under the name of MaxBaudRate on purpose.
+constexpr wchar_t kRangeSource[] = L"CKespCOMPort3 - MaxBaudRate";
+
+Failure RateNotSupported(const wchar_t* source) {
+  return {com_port_error::ERR_BAUD_RATE_NOT_SUPPORTED, source, L"Baud rate not supported."};
+}
+
+const wchar_t* ParityLetter(EKespParity3 parity) {
+  switch (parity) {
+    case EKespParity3::PARITY_EVEN:
+      return L"E";
+    case EKespParity3::PARITY_ODD:
+      return L"O";
+    case EKespParity3::PARITY_MARK:
+      return L"M";
+    case EKespParity3::PARITY_SPACE:
+      return L"S";
+    default:
+      return L"N";
+  }
+}
+
+const wchar_t* DataBitsDigit(EKespDataBits3 data_bits) {
+  switch (data_bits) {
+    case EKespDataBits3::DATA_4BITS:
+      return L"4";
+    case EKespDataBits3::DATA_5BITS:
+      return L"5";
+    case EKespDataBits3::DATA_6BITS:
+      return L"6";
+    case EKespDataBits3::DATA_7BITS:
+      return L"7";
+    default:
+      return L"8";
+  }
+}
+
+const wchar_t* StopBitsNumber(EKespStopBits3 stop_bits) {
+  switch (stop_bits) {
+    case EKespStopBits3::STOP_1_5BITS:
+      return L"1.5";
+    case EKespStopBits3::STOP_2BITS:
+      return L"2";
+    default:
+      return L"1";
+  }
+}
+
+}  // namespace
+
+CKespCOMPort3::CKespCOMPort3(Environment& environment)
+    : key_(NewObjectKey(environment.guids)), smart_switch_(std::make_shared<CKespSmartSwitch3>()) {}
+
+void CKespCOMPort3::SetPort(std::int16_t value) {
+  if (value < 1 || value > kHighestPort) {
+    throw Failure(com_port_error::ERR_INVALID_COM_PORT, L"CKespCOMPort3 - Port", L"Invalid COM port.");
+  }
+  port_ = value;
+}
+
+void CKespCOMPort3::SetBaudRate(EKespBaudRate3 value) {
+  if (value < min_baud_rate_ || value > max_baud_rate_) {
+    throw RateNotSupported(L"CKespCOMPort3 - BaudRate");
+  }
+  baud_rate_ = value;
+}
+
+void CKespCOMPort3::SetMinBaudRate(EKespBaudRate3 value) {
+  if (!IsBaudRate(value)) throw RateNotSupported(kRangeSource);
+  if (value > max_baud_rate_) {
+    throw Failure(com_port_error::ERR_INVALID_BAUD_RATE, kRangeSource,
+                  L"Cannot set minimum baud rate higher than maximum baud rate.");
+  }
+  min_baud_rate_ = value;
+}
+
+void CKespCOMPort3::SetMaxBaudRate(EKespBaudRate3 value) {
+  if (!IsBaudRate(value)) throw RateNotSupported(kRangeSource);
+  if (value < min_baud_rate_) {
+    throw Failure(com_port_error::ERR_INVALID_BAUD_RATE, kRangeSource,
+                  L"Cannot set maximum baud rate lower than minimum baud rate.");
+  }
+  max_baud_rate_ = value;
+}
+
+void CKespCOMPort3::SetTimeOut(std::int32_t value) {
+  if (value < 0) {
+    // The brackets are part of the source text here and nowhere else among these setters.
+    throw Failure(com_port_error::ERR_INVALID_TIMEOUT, L"[CKespCOMPort3 - TimeOut]",
+                  L"Invalid timeout setting.");
+  }
+  time_out_ = value;
+}
+
+void CKespCOMPort3::SetControllerStyle(EKespControllerStyle3 value) {
+  controller_style_ = value;
+  ApplyPreset();
+}
+
+void CKespCOMPort3::ApplyPreset() {
+  const bool omega = controller_style_ == EKespControllerStyle3::CS_OMEGA;
+  parity_ = omega ? EKespParity3::PARITY_EVEN : EKespParity3::PARITY_NONE;
+  data_bits_ = omega ? EKespDataBits3::DATA_7BITS : EKespDataBits3::DATA_8BITS;
+  stop_bits_ = EKespStopBits3::STOP_1BIT;
+  if (controller_style_ != EKespControllerStyle3::CS_PRECIDIA) return;
+  check_non_ascii_ = true;
+  // Past the setters, whose range check would depend on what was allowed before.
+  baud_rate_ = min_baud_rate_ = max_baud_rate_ = EKespBaudRate3::br9600;
+  strip_crlf_ = false;
+  terminate_on_lf_ = false;
+  time_out_ = 250;
+}
+
+std::wstring CKespCOMPort3::BaudRateName(EKespBaudRate3 vData) const {
+  return kesp::BaudRateName(vData);
+}
+
+std::wstring CKespCOMPort3::GetSettings() const {
+  std::wstring settings = BaudRateName(baud_rate_);
+  settings.append(L",").append(ParityLetter(parity_));
+  settings.append(L",").append(DataBitsDigit(data_bits_));
+  settings.append(L",").append(StopBitsNumber(stop_bits_));
+  return settings;
+}
+
+}  // namespace kesp
