@@ -1,6 +1,7 @@
 // The collection of instruments found on the network.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -11,8 +12,8 @@
 
 namespace kesp {
 
-// An ordered collection whose items may have keys. Positions count from 1. Keys are unique and compared without
-// regard to case.
+// An ordered collection whose items may have keys. Positions count from 1. Keys are unique and compared
+// without regard to the case of the letters of ASCII and Latin-1.
 class CInstruments {
  public:
   // A position or a key.
@@ -39,6 +40,7 @@ class CInstruments {
     std::wstring key;  // as given; empty when the item has none
   };
 
+  std::vector<Entry>::const_iterator FindKey(const std::wstring& key) const;
   std::size_t PositionOf(const IndexOrKey& index_or_key) const;
 
   std::vector<Entry> entries_;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "network/eos_scanner.h"
 #include "network/instruments.h"
@@ -25,7 +26,8 @@ class CKespTCP final : private SocketListener {
  public:
   // `events` receives the object's events and may be null; it must outlive the object or be taken back with
   // SetEvents(nullptr).
-  CKespTCP(Environment& environment, const SocketControlFactory& make_socket, CKespTCPEvents* events = nullptr);
+  CKespTCP(Environment& environment, const SocketControlFactory& make_socket,
+           CKespTCPEvents* events = nullptr);
   ~CKespTCP() override;
   CKespTCP(const CKespTCP&) = delete;
   CKespTCP& operator=(const CKespTCP&) = delete;
@@ -36,8 +38,8 @@ class CKespTCP final : private SocketListener {
   bool CheckNonAscii() const { return check_non_ascii_; }
   void SetCheckNonAscii(bool value) { check_non_ascii_ = value; }
 
-  // Whether a reply is complete when EOSChar has arrived; otherwise any arrival (text) or a quiet gap (binary)
-  // completes it. True at first.
+  // Whether a reply is complete when EOSChar has arrived; otherwise any arrival (text) or a quiet gap
+  // (binary) completes it. True at first.
   bool TerminateOnEOS() const { return terminate_on_eos_; }
   void SetTerminateOnEOS(bool value) { terminate_on_eos_ = value; }
 
@@ -53,7 +55,7 @@ class CKespTCP final : private SocketListener {
   // The text that ends a reply, a carriage return at first. An empty text never ends one. Commands end with a
   // carriage return whatever this says.
   const std::wstring& EOSChar() const { return eos_char_; }
-  void SetEOSChar(const std::wstring& value) { eos_char_ = value; }
+  void SetEOSChar(const std::wstring& value);
 
   // 10 hexadecimal digits and "K", different for each object.
   const std::wstring& GetKey() const { return key_; }
@@ -65,8 +67,8 @@ class CKespTCP final : private SocketListener {
   std::int16_t Port() const { return port_; }
   void SetPort(std::int16_t value);
 
-  // The instrument's address, "0.0.0.0" at first. An empty text throws ERR_INVALID_IP_ADDRESS; nothing else is
-  // checked, so a host name is good too.
+  // The instrument's address, "0.0.0.0" at first. An empty text throws ERR_INVALID_IP_ADDRESS; nothing else
+  // is checked, so a host name is good too.
   const std::wstring& IPAddress() const { return ip_address_; }
   void SetIPAddress(const std::wstring& value);
 
@@ -89,9 +91,9 @@ class CKespTCP final : private SocketListener {
 
   // Connects to IPAddress and Port and returns true; at once when the object counts itself connected. Pumps
   // messages while it waits. Throws ERR_INVALID_IP_ADDRESS (empty or "0.0.0.0"), ERR_INVALID_PORT,
-  // ERR_CONNECTING (the connection could not be started), ERR_TIMEOUT (not connected in time: four attempts of
-  // TimeOutmSecs when the host does not answer at all, one otherwise; or the old connection did not close).
-  // After a failure the socket stays as it is; the next Initialize closes it first.
+  // ERR_CONNECTING (the connection could not be started), ERR_TIMEOUT (not connected in time: four attempts
+  // of TimeOutmSecs when the host does not answer at all, one otherwise; or the old connection did not
+  // close). After a failure the socket stays as it is; the next Initialize closes it first.
   bool Initialize();
 
   // Closes the connection and returns true; also when there is none. Throws ERR_CLOSING.
@@ -102,15 +104,15 @@ class CKespTCP final : private SocketListener {
   bool WriteLine(const std::wstring& cmd = {});
 
   // Waits for a complete reply, pumping messages, takes everything received into `result` as text, checks and
-  // strips it as set, and returns true. Throws ERR_NOT_INITIALIZED, ERR_NO_CONNECTION, ERR_TIMEOUT (`result` is
-  // unchanged, a partial reply stays for the next read), ERR_GET_DATA (the instrument sent more than the socket
-  // may hold), ERR_INVALID_CHARACTERS of the serial list (`result` holds the reply).
-  // With the UDP protocol it waits for TimeOutmSecs at the most and returns true then too, `result` unchanged.
+  // strips it as set, and returns true. Throws ERR_NOT_INITIALIZED, ERR_NO_CONNECTION, ERR_TIMEOUT (`result`
+  // is unchanged, a partial reply stays for the next read), ERR_GET_DATA (the instrument sent more than the
+  // socket may hold), ERR_INVALID_CHARACTERS of the serial list (`result` holds the reply). With the UDP
+  // protocol it waits for TimeOutmSecs at the most and returns true then too, `result` unchanged.
   bool ReadLine(std::wstring& result);
 
-  // Waits for a reply, pumping messages, takes everything received into `result` as bytes and returns true. With
-  // TerminateOnEOS false a reply is complete when nothing came for more than lTimeoutms milliseconds. Throws as
-  // ReadLine does, except that nothing is checked or stripped.
+  // Waits for a reply, pumping messages, takes everything received into `result` as bytes and returns true.
+  // With TerminateOnEOS false a reply is complete when nothing came for more than lTimeoutms milliseconds.
+  // Throws as ReadLine does, except that nothing is checked or stripped.
   bool ReadLineBinary(BinaryValue& result, std::int32_t lTimeoutms = 100);
 
  private:
@@ -123,7 +125,41 @@ class CKespTCP final : private SocketListener {
   void OnSendComplete() override;
   std::shared_ptr<void> KeepAlive() override;
 
-  // to be completed by the implementer
+  // Writes a line to the diagnostic log; the text is made only while logging is on.
+  template <typename MakeText>
+  void Log(const MakeText& make_text) {
+    if (create_log_file_) log_.Write(log_filename_, make_text());
+  }
+  void Log(const wchar_t* text) {
+    if (create_log_file_) log_.Write(log_filename_, text);
+  }
+
+  // Raises an event when somebody listens. A handler may change every member and the socket's state, so
+  // nothing read before an event is used after it.
+  template <typename Event, typename... Arguments>
+  void Raise(Event event, Arguments&&... arguments) {
+    if (events_ != nullptr) (events_->*event)(std::forward<Arguments>(arguments)...);
+  }
+
+  // "1.2.3.4:80", the peer as the socket knows it.
+  std::wstring Peer() const;
+  // "1.2.3.4 on port 80", the peer as it is set.
+  std::wstring Target() const;
+
+  // Closes the socket and forgets what was known of the bytes that go with it.
+  void CloseSocket();
+  void CheckTarget();
+  void CloseBeforeConnecting();
+  void StartConnecting();
+  bool AwaitConnection();
+
+  void CheckReadable(const wchar_t* source) const;
+  void CheckOverrun(const wchar_t* source) const;
+  bool IsQuietFor(std::int32_t milliseconds) const;
+  void JudgeReply();
+  void LogArrival(const std::string& data);
+  std::string TakeData();
+  void RefuseInvalidCharacters(const std::string& bytes, const std::wstring& text);
 
   Environment& environment_;
   CKespTCPEvents* events_;
@@ -145,6 +181,8 @@ class CKespTCP final : private SocketListener {
   EIPType ip_type_ = EIPType::ipStatic;
   bool connected_ = false;
   std::int32_t last_arrival_tick_ = 0;
+  EosScanner eos_scanner_{eos_char_};
+  std::optional<std::wstring> overrun_description_;  // set when the socket dropped data for want of room
 };
 
 }  // namespace kesp

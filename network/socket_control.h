@@ -47,13 +47,13 @@ class SocketListener {
 // than that without being read, the control drops what it holds, goes to sckError and reports error 10055.
 inline constexpr std::size_t kReceiveLimit = std::size_t{64} * 1024 * 1024;
 
-// One socket. Used by one thread; never blocks. Operations that fail throw Failure with a Winsock error number
-// or one of 40006 (wrong protocol or connection state), 40014 (invalid argument), and the source
+// One socket. Used by one thread; never blocks. Operations that fail throw Failure with a Winsock error
+// number or one of 40006 (wrong protocol or connection state), 40014 (invalid argument), and the source
 // "KespWinsock". It never listens, so it has no connection requests to report.
 //
 // States: sckClosed -> Connect -> (sckResolvingHost -> sckHostResolved ->) sckConnecting -> sckConnected;
-// sckOpen after Connect with the UDP protocol; sckClosing after the other side closed; sckError after a failure
-// that was reported by OnError. Close leads back to sckClosed from every state.
+// sckOpen after Connect with the UDP protocol; sckClosing after the other side closed; sckError after a
+// failure that was reported by OnError. Close leads back to sckClosed from every state.
 class SocketControl {
  public:
   virtual ~SocketControl() = default;
@@ -69,15 +69,16 @@ class SocketControl {
   virtual std::int32_t RemotePort() const = 0;
 
   // Starts connecting and returns. TCP: OnConnect or OnError follow. UDP: opens a port of the system's choice
-  // whose datagrams go to that host and port; the state is sckOpen on return. host is an IPv4 address in dotted
-  // form, or a name, which is resolved in the background. Throws 40006 when the state is not sckClosed.
+  // whose datagrams go to that host and port; the state is sckOpen on return. host is an IPv4 address in
+  // dotted form, or a name, which is resolved in the background. Throws 40006 when the state is not
+  // sckClosed.
   virtual void Connect(const std::wstring& host, std::int32_t port) = 0;
 
   // Closes at once, without notification, and drops everything received and not yet read.
   virtual void Close() = 0;
 
-  // Sends all bytes, in one operation where the system takes them; what it does not take is sent as soon as it
-  // does. OnSendProgress and, at the end, OnSendComplete follow. Throws 40006 when there is no connection.
+  // Sends all bytes, in one operation where the system takes them; what it does not take is sent as soon as
+  // it does. OnSendProgress and, at the end, OnSendComplete follow. Throws 40006 when there is no connection.
   virtual void SendData(std::string_view bytes) = 0;
 
   // The bytes received and not yet taken (UDP: those of the oldest datagram). The view holds until the next

@@ -7,8 +7,8 @@
 
 namespace kesp {
 
-// Receives the events of one CKespTCP, on its thread, from inside its calls or from the message pump. The names
-// and arguments are those of the event interface __CKespTCP; in/out arguments are references.
+// Receives the events of one CKespTCP, on its thread, from inside its calls or from the message pump. The
+// names and arguments are those of the event interface __CKespTCP; in/out arguments are references.
 class CKespTCPEvents {
  public:
   virtual ~CKespTCPEvents() = default;

@@ -1,0 +1,48 @@
+// The network transport's creation and settings.
+#include "network/kesp_tcp.h"
+
+#include "support/error_numbers.h"
+#include "support/object_key.h"
+
+namespace kesp {
+
+CKespTCP::CKespTCP(Environment& environment, const SocketControlFactory& make_socket, CKespTCPEvents* events)
+    : environment_(environment),
+      events_(events),
+      log_(environment.clock, environment.files),
+      key_(NewObjectKey(environment.guids)),
+      socket_(make_socket(*this)),
+      devices_(std::make_shared<CInstruments>()) {}
+
+CKespTCP::~CKespTCP() = default;
+
+void CKespTCP::SetEOSChar(const std::wstring& value) {
+  eos_scanner_.LookFor(value);
+  eos_char_ = value;
+}
+
+void CKespTCP::SetPort(std::int16_t value) {
+  if (value < 1) throw Failure(tcp_error::ERR_INVALID_PORT, L"[CKespTCP - Port]", L"Invalid Port");
+  port_ = value;
+}
+
+void CKespTCP::SetIPAddress(const std::wstring& value) {
+  if (value.empty()) {
+    throw Failure(tcp_error::ERR_INVALID_IP_ADDRESS, L"[CKespTCP - IPAddress]", L"Invalid IP Address");
+  }
+  ip_address_ = value;
+}
+
+std::shared_ptr<void> CKespTCP::KeepAlive() {
+  return events_ != nullptr ? events_->KeepAlive() : nullptr;
+}
+
+std::wstring CKespTCP::Peer() const {
+  return socket_->RemoteHost() + L":" + std::to_wstring(socket_->RemotePort());
+}
+
+std::wstring CKespTCP::Target() const {
+  return ip_address_ + L" on port " + std::to_wstring(port_);
+}
+
+}  // namespace kesp
