@@ -27,11 +27,21 @@ Failure::Failure(std::int32_t number, std::wstring source, std::wstring descript
       description_(std::move(description)),
       what_(Ascii(description_)) {}
 
-Failure InvalidCall() { return RuntimeFailure(5, L"Invalid procedure call or argument"); }
-Failure Overflow() { return RuntimeFailure(6, L"Overflow"); }
-Failure OutOfMemory() { return RuntimeFailure(7, L"Out of memory"); }
-Failure OutOfRange() { return RuntimeFailure(9, L"Subscript out of range"); }
-Failure TypeMismatch() { return RuntimeFailure(13, L"Type mismatch"); }
+Failure InvalidCall() {
+  return RuntimeFailure(5, L"Invalid procedure call or argument");
+}
+Failure Overflow() {
+  return RuntimeFailure(6, L"Overflow");
+}
+Failure OutOfMemory() {
+  return RuntimeFailure(7, L"Out of memory");
+}
+Failure OutOfRange() {
+  return RuntimeFailure(9, L"Subscript out of range");
+}
+Failure TypeMismatch() {
+  return RuntimeFailure(13, L"Type mismatch");
+}
 Failure KeyAlreadyInUse() {
   return RuntimeFailure(457, L"This key is already associated with an element of this collection");
 }

@@ -7,9 +7,9 @@ class MessagePump {
  public:
   virtual ~MessagePump() = default;
 
-  // Processes the window messages that are waiting on the calling thread, then returns; never blocks. Messages
-  // that arrive while it works are left to the next call, so a flood of them cannot hold the caller. Handlers
-  // of the client run inside and may call into the library.
+  // Processes the window messages that are waiting on the calling thread, then returns; never blocks.
+  // Messages that arrive while it works are left to the next call, so a flood of them cannot hold the caller.
+  // Handlers of the client run inside and may call into the library.
   virtual void PumpOnce() = 0;
 };
 

@@ -11,7 +11,8 @@ namespace kesp {
 // and 4 digits), then the 8 remaining bytes in storage order. Empty when the source could not make a GUID.
 std::wstring NewGuidText(GuidSource& source);
 
-// The first 10 characters of a new GUID text followed by "K" (11 characters; "K" alone when there is no GUID).
+// The first 10 characters of a new GUID text followed by "K" (11 characters; "K" alone when there is no
+// GUID).
 std::wstring NewObjectKey(GuidSource& source);
 
 }  // namespace kesp

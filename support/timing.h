@@ -8,12 +8,13 @@
 
 namespace kesp {
 
-// start + milliseconds as signed 32-bit numbers. Throws Overflow() when the sum does not fit, which happens for
-// deadlines around the tick counter's sign change, about 24.8 days after system start.
+// start + milliseconds as signed 32-bit numbers. Throws Overflow() when the sum does not fit, which happens
+// for deadlines around the tick counter's sign change, about 24.8 days after system start.
 std::int32_t Deadline(std::int32_t start, std::int32_t milliseconds);
 
 // Returns after at least that many milliseconds, pumping messages all the while and at least once. Does not
-// sleep: a waiting call keeps one processor busy and so reacts at once. Throws Overflow() as Deadline does.
+// sleep: a waiting call keeps one processor busy and so reacts at once. Throws Overflow() as Deadline does,
+// after the first pumping.
 void Delay(Clock& clock, MessagePump& pump, std::int32_t milliseconds);
 
 // Counts calendar seconds since its creation the way a difference of two whole-second times does: it steps

@@ -1,0 +1,46 @@
+// The clock of the system: tick counter, local calendar, and its text by the user's regional settings.
+#include "support/clock_win.h"
+
+#include <windows.h>
+
+#include <array>
+
+namespace kesp {
+
+namespace {
+
+SYSTEMTIME LocalTime() {
+  SYSTEMTIME now{};
+  GetLocalTime(&now);
+  return now;
+}
+
+// Longer than any form that the regional settings hold (80 characters each).
+using Buffer = std::array<wchar_t, 256>;
+
+}  // namespace
+
+std::int32_t ClockWin::TickCount() {
+  return static_cast<std::int32_t>(GetTickCount());
+}
+
+int ClockWin::MillisecondOfSecond() {
+  return LocalTime().wMilliseconds;
+}
+
+CalendarDate ClockWin::Today() {
+  const SYSTEMTIME now = LocalTime();
+  return {now.wYear, now.wMonth, now.wDay};
+}
+
+std::wstring ClockWin::DateTimeText() {
+  const SYSTEMTIME now = LocalTime();
+  Buffer date{};
+  GetDateFormatW(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &now, nullptr, date.data(),
+                 static_cast<int>(date.size()));
+  Buffer time{};
+  GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &now, nullptr, time.data(), static_cast<int>(time.size()));
+  return std::wstring(date.data()) + L" " + time.data();
+}
+
+}  // namespace kesp

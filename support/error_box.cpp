@@ -1,0 +1,27 @@
+// Text and style of the box that tells the user of an unexpected failure.
+#include "support/error_box.h"
+
+namespace kesp {
+
+std::wstring ErrorBoxText(const std::wstring& action, const Failure& failure) {
+  std::wstring text = L"An error occurred while " + action + L".\r\nError: " +
+                      std::to_wstring(failure.number()) + L" - " + failure.description();
+  if (!failure.source().empty()) text += L"\r\n(" + failure.source() + L")";
+  return text;
+}
+
+void ShowError(UserSurface& user, const std::wstring& action, const Failure& failure,
+               const std::wstring& title, const std::wstring& help_file, std::int32_t help_context) {
+  MessageBoxRequest request;
+  request.text = ErrorBoxText(action, failure);
+  request.title = title;
+  request.style = kStopIcon;
+  if (!help_file.empty()) {
+    request.style |= kHelpButton;
+    request.help_file = help_file;
+    request.help_context = help_context;
+  }
+  user.ShowMessageBox(request);
+}
+
+}  // namespace kesp

@@ -1,0 +1,110 @@
+// A file system in memory that can be made to fail.
+#pragma once
+
+#include <map>
+#include <new>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "support/clock.h"
+#include "support/files.h"
+
+namespace kesp {
+
+// Appending dates a file with the clock's present day. Paths are compared as they are written.
+class FilesFake final : public Files {
+ public:
+  struct File {
+    std::string content;
+    CalendarDate modified;
+  };
+
+  // The operations that Refuse can make fail.
+  enum class Operation { kLastModified, kAppend, kRename, kTemporaryFolder, kLibraryFile };
+
+  explicit FilesFake(Clock& clock) : clock_(clock) {}
+
+  bool Exists(const std::wstring& path) override {
+    CountCall();
+    return files_.contains(path);
+  }
+
+  std::optional<CalendarDate> LastModified(const std::wstring& path) override {
+    CountCall();
+    if (Refused(Operation::kLastModified) || !files_.contains(path)) return std::nullopt;
+    return files_.at(path).modified;
+  }
+
+  bool Append(const std::wstring& path, std::string_view bytes) override {
+    CountCall();
+    if (Refused(Operation::kAppend) || path.empty()) return false;
+    File& file = files_[path];
+    file.content += bytes;
+    file.modified = clock_.Today();
+    return true;
+  }
+
+  bool Rename(const std::wstring& from, const std::wstring& to) override {
+    CountCall();
+    if (Refused(Operation::kRename) || !files_.contains(from) || files_.contains(to)) return false;
+    auto node = files_.extract(from);
+    node.key() = to;
+    files_.insert(std::move(node));
+    return true;
+  }
+
+  std::wstring TemporaryFolder() override {
+    CountCall();
+    return Refused(Operation::kTemporaryFolder) ? L"" : temporary_folder_;
+  }
+
+  std::wstring LibraryFile() override {
+    CountCall();
+    return Refused(Operation::kLibraryFile) ? L"" : library_file_;
+  }
+
+  // From now on the operation fails as its contract says.
+  void Refuse(Operation operation) { refused_.insert(operation); }
+
+  // The n-th call from the fake's creation (1 is the first) throws std::bad_alloc before it does anything.
+  void ThrowAtCall(int n) { throw_at_call_ = n; }
+
+  void SetLibraryFile(const std::wstring& path) { library_file_ = path; }
+  void SetTemporaryFolder(const std::wstring& path) { temporary_folder_ = path; }
+
+  // Makes a file, or replaces one.
+  void Put(const std::wstring& path, const std::string& content, const CalendarDate& modified) {
+    files_[path] = {content, modified};
+  }
+
+  // What is on the disk.
+  const std::map<std::wstring, File>& files() const { return files_; }
+
+  // The content of a file; empty when there is none.
+  std::string Content(const std::wstring& path) const {
+    const auto found = files_.find(path);
+    return found == files_.end() ? std::string() : found->second.content;
+  }
+
+  // How often any operation was called.
+  int calls() const { return calls_; }
+
+ private:
+  bool Refused(Operation operation) const { return refused_.contains(operation); }
+
+  void CountCall() {
+    if (++calls_ == throw_at_call_) throw std::bad_alloc();
+  }
+
+  Clock& clock_;
+  std::map<std::wstring, File> files_;
+  std::set<Operation> refused_;
+  std::wstring library_file_ = L"C:\\Kesp\\KespCommObj.dll";
+  std::wstring temporary_folder_ = L"C:\\Temp\\";
+  int calls_ = 0;
+  int throw_at_call_ = 0;
+};
+
+}  // namespace kesp
