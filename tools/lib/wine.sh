@@ -1,0 +1,37 @@
+# Windows programs on Linux: prefixes of this tree's own, never the one in the home directory.
+KESP_WINE32_ROOT=${KESP_WINE32_ROOT:-/var/cache/kespcommobj/wine32}
+# Wine insists on owning its prefix, so each user of the tree has one.
+KESP_WINE_BASE=${KESP_WINE_BASE:-$KESP_ROOT/build/wine-$(id -un)}
+export KESP_WINE32_ROOT KESP_WINE_BASE
+
+wine_prefix() { printf '%s\n' "$KESP_WINE_BASE/win$1"; }
+
+# in_wine <64|32> <command...>: a Linux command (wine, wineserver, wineboot) with the settings of that Wine.
+in_wine() {
+  local bits=$1
+  shift
+  # A home of its own too: Wine links its documents folder there, and puts menu entries there.
+  set -- env LC_ALL=C.UTF-8 WINEPREFIX="$(wine_prefix "$bits")" WINEARCH="win$bits" WINEDEBUG=-all \
+    WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=" HOME="$KESP_WINE_BASE/home" "$@"
+  if [ "$bits" = 32 ]; then
+    in_wine32_chroot "$@"
+  else
+    "$@"
+  fi
+}
+
+# In the 32-bit system, with this tree at its own path and as the calling user. Our environment goes along.
+in_wine32_chroot() {
+  local name kept=()
+  while read -r name; do
+    kept+=("$name=${!name}")
+  done < <(compgen -e | grep -E '^(KESP_.*|DISPLAY|XAUTHORITY)$')
+  as_root unshare -m "$KESP_TOOLS/lib/enter-chroot" "$KESP_WINE32_ROOT" "$(id -u):$(id -g)" "$KESP_ROOT" "$PWD" \
+    env "${kept[@]}" "$@"
+}
+
+windows_path() {
+  local path
+  path=$(realpath -s "$1")
+  printf 'Z:%s\n' "${path//\//\\}"
+}
