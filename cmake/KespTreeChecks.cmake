@@ -1,0 +1,12 @@
+# Tests of the tree and of the products as files: format, layering, and what the DLLs import, export and carry.
+function(kesp_tree_check name label)
+  add_test(NAME ${name} COMMAND ${ARGN})
+  set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT 120)
+endfunction()
+
+kesp_tree_check(style.format style "${CMAKE_SOURCE_DIR}/tools/check-format")
+kesp_tree_check(style.layering style "${CMAKE_SOURCE_DIR}/tools/check_layering.py")
+foreach(bits IN ITEMS 64 32)
+  kesp_tree_check(image.win${bits} image
+    "${CMAKE_SOURCE_DIR}/tools/check-image" ${bits} "${CMAKE_SOURCE_DIR}/dist/win${bits}/KespCommObj.dll")
+endforeach()

@@ -1,0 +1,79 @@
+# Tests that run Windows programs and scripts under Wine, registered in the native build's CTest.
+#
+# kesp_wine_test(NAME <name> PROGRAM <path> [BITS 64 32] [ARGS ...] [INSTRUMENT <personality.json>] [TIMEOUT <s>]
+#                [SCREEN] [STANDALONE] [CHANGES_REGISTRY])
+#
+# One test for each width (both unless BITS says otherwise), named wine64.<name> and wine32.<name>.
+#   PROGRAM     an .exe as a path within the Windows build (tests/win/foo.exe), or a .vbs or .js file of this folder
+#   ARGS        {host} and {port} stand for the simulated instrument's
+#   INSTRUMENT  runs the simulated instrument along; a personality file of this folder, or BUILT_IN
+#   SCREEN      gives the program a screen, for tests that open windows
+#   STANDALONE  does not need the library registered
+#   CHANGES_REGISTRY  runs alone and must leave the library registered
+# In the Windows builds it does nothing, so that a folder's list file is the same for all builds.
+set(KESP_WINE_TEST "${CMAKE_SOURCE_DIR}/tools/wine-test")
+set(KESP_WITH_INSTRUMENT "${CMAKE_SOURCE_DIR}/tests/instrument/with-instrument")
+set(KESP_SKIPPED 77)
+
+# Registering is a test of its own; those that need the library depend on it.
+function(kesp_wine_registration bits)
+  foreach(step IN ITEMS register unregister)
+    set(remove "")
+    set(role FIXTURES_SETUP)
+    if(step STREQUAL unregister)
+      set(remove --remove)
+      set(role FIXTURES_CLEANUP)
+    endif()
+    add_test(NAME wine${bits}.${step} COMMAND "${CMAKE_SOURCE_DIR}/tools/wine-register" ${bits} ${remove})
+    set_tests_properties(wine${bits}.${step} PROPERTIES
+      LABELS wine${bits} ${role} registered${bits} TIMEOUT 120 SKIP_RETURN_CODE ${KESP_SKIPPED})
+  endforeach()
+endfunction()
+
+function(kesp_wine_test)
+  if(WIN32)
+    return()
+  endif()
+  cmake_parse_arguments(TEST "SCREEN;STANDALONE;CHANGES_REGISTRY" "NAME;PROGRAM;INSTRUMENT;TIMEOUT" "BITS;ARGS" ${ARGN})
+  if(NOT TEST_BITS)
+    set(TEST_BITS 64 32)
+  endif()
+  if(NOT TEST_TIMEOUT)
+    set(TEST_TIMEOUT 60)
+  endif()
+  foreach(bits IN LISTS TEST_BITS)
+    kesp_add_wine_test(${bits})
+  endforeach()
+endfunction()
+
+# The body of kesp_wine_test for one width, in that function's scope.
+macro(kesp_add_wine_test bits)
+  set(name wine${bits}.${TEST_NAME})
+  if(TEST_PROGRAM MATCHES "\\.exe$")
+    set(program "${CMAKE_SOURCE_DIR}/build/win${bits}/${TEST_PROGRAM}")
+  else()
+    set(program "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_PROGRAM}")
+  endif()
+  set(command "${KESP_WINE_TEST}" --bits ${bits} --timeout ${TEST_TIMEOUT})
+  if(TEST_SCREEN)
+    list(APPEND command --screen)
+  endif()
+  list(APPEND command "${program}" ${TEST_ARGS})
+  if(TEST_INSTRUMENT STREQUAL BUILT_IN)
+    set(command "${KESP_WITH_INSTRUMENT}" -- ${command})
+  elseif(TEST_INSTRUMENT)
+    set(command "${KESP_WITH_INSTRUMENT}" --personality "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_INSTRUMENT}" -- ${command})
+  endif()
+  add_test(NAME ${name} COMMAND ${command})
+  # CTest's own limit is the later one, so that the program's output is still seen when its time is up.
+  math(EXPR last_resort "${TEST_TIMEOUT} + 30")
+  set_tests_properties(${name} PROPERTIES
+    LABELS wine${bits} TIMEOUT ${last_resort} SKIP_RETURN_CODE ${KESP_SKIPPED}
+    ENVIRONMENT "KESP_INSTRUMENT=${CMAKE_BINARY_DIR}/tests/instrument/kesp-instrument")
+  if(NOT TEST_STANDALONE)
+    set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED registered${bits})
+  endif()
+  if(TEST_CHANGES_REGISTRY)
+    set_tests_properties(${name} PROPERTIES RUN_SERIAL TRUE)
+  endif()
+endmacro()
