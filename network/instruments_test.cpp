@@ -1,0 +1,179 @@
+// Tests of the instrument record and the collection of instruments.
+#include "network/instruments.h"
+
+#include <gtest/gtest.h>
+
+#include "support/failure.h"
+
+namespace kesp {
+namespace {
+
+std::shared_ptr<Instrument> Named(const std::wstring& model) {
+  auto instrument = std::make_shared<CInstrument>();
+  instrument->SetModel(model);
+  return instrument;
+}
+
+template <typename Call>
+std::int32_t NumberOf(const Call& call) {
+  try {
+    call();
+  } catch (const Failure& failure) {
+    return failure.number();
+  }
+  return 0;
+}
+
+std::wstring Models(const CInstruments& instruments) {
+  std::wstring models;
+  for (std::int32_t i = 1; i <= instruments.Count(); ++i) models += instruments.Item(i)->Model();
+  return models;
+}
+
+TEST(CInstrument, New_TextsEmptyAndStatic) {
+  const CInstrument instrument;
+  EXPECT_EQ(instrument.Model(), L"");
+  EXPECT_EQ(instrument.Serial(), L"");
+  EXPECT_EQ(instrument.IPAddress(), L"");
+  EXPECT_EQ(instrument.MACAddress(), L"");
+  EXPECT_EQ(instrument.IPType(), EIPType::ipStatic);
+}
+
+TEST(CInstrument, EachProperty_KeepsItsOwnValue) {
+  CInstrument instrument;
+  instrument.SetModel(L"m");
+  instrument.SetSerial(L"s");
+  instrument.SetIPAddress(L"10.0.0.7");
+  instrument.SetIPType(EIPType::ipDynamic);
+  instrument.SetMACAddress(L"00-11");
+  EXPECT_EQ(instrument.Model(), L"m");
+  EXPECT_EQ(instrument.Serial(), L"s");
+  EXPECT_EQ(instrument.IPAddress(), L"10.0.0.7");
+  EXPECT_EQ(instrument.IPType(), EIPType::ipDynamic);
+  EXPECT_EQ(instrument.MACAddress(), L"00-11");
+}
+
+TEST(CInstruments, New_IsEmpty) {
+  EXPECT_EQ(CInstruments().Count(), 0);
+}
+
+TEST(CInstruments, AddReference_AppendsInOrderFromOne) {
+  CInstruments instruments;
+  const auto first = Named(L"a");
+  instruments.AddReference(first);
+  instruments.AddReference(Named(L"b"));
+  instruments.AddReference(first);  // the same object may be in it twice
+  EXPECT_EQ(instruments.Item(1), first);
+  EXPECT_EQ(Models(instruments), L"aba");
+}
+
+TEST(CInstruments, AddReference_NothingThere_IsInvalidCall) {
+  CInstruments instruments;
+  EXPECT_EQ(NumberOf([&] { instruments.AddReference(nullptr); }), 5);
+  EXPECT_EQ(instruments.Count(), 0);
+}
+
+TEST(CInstruments, AddReference_KeyInUse_IsRefusedWithoutRegardToCase) {
+  CInstruments instruments;
+  instruments.AddReference(Named(L"a"), L"Key \u00C4");
+  for (const wchar_t* key : {L"Key \u00C4", L"KEY \u00C4", L"key \u00E4"}) {
+    EXPECT_EQ(NumberOf([&] { instruments.AddReference(Named(L"b"), key); }), 457);
+  }
+  EXPECT_EQ(Models(instruments), L"a");
+}
+
+TEST(CInstruments, AddReference_WithoutKeys_AnyNumber) {
+  CInstruments instruments;
+  instruments.AddReference(Named(L"a"));
+  instruments.AddReference(Named(L"b"), L"");
+  EXPECT_EQ(Models(instruments), L"ab");
+}
+
+TEST(CInstruments, Item_ByKey_FindsWithoutRegardToCase) {
+  CInstruments instruments;
+  instruments.AddReference(Named(L"a"));
+  instruments.AddReference(Named(L"b"), L"Second");
+  EXPECT_EQ(instruments.Item(std::wstring(L"sECOND"))->Model(), L"b");
+  EXPECT_EQ(instruments.Item(2)->Model(), L"b");
+}
+
+TEST(CInstruments, ItemAndRemove_PositionOutside_IsOutOfRange) {
+  CInstruments instruments;
+  instruments.AddReference(Named(L"a"));
+  for (const std::int32_t position : {0, -1, 2, INT32_MIN, INT32_MAX}) {
+    EXPECT_EQ(NumberOf([&] { instruments.Item(position); }), 9) << position;
+    EXPECT_EQ(NumberOf([&] { instruments.Remove(position); }), 9) << position;
+  }
+  EXPECT_EQ(instruments.Count(), 1);
+}
+
+TEST(CInstruments, ItemAndRemove_UnknownKey_IsInvalidCall) {
+  CInstruments instruments;
+  instruments.AddReference(Named(L"a"));
+  instruments.AddReference(Named(L"b"), L"key");
+  for (const wchar_t* key : {L"", L"ke", L"keys", L"1"}) {
+    EXPECT_EQ(NumberOf([&] { instruments.Item(std::wstring(key)); }), 5) << key;
+    EXPECT_EQ(NumberOf([&] { instruments.Remove(std::wstring(key)); }), 5) << key;
+  }
+  EXPECT_EQ(instruments.Count(), 2);
+}
+
+TEST(CInstruments, Remove_ByPositionOrKey_LaterItemsMoveUp) {
+  CInstruments instruments;
+  for (const wchar_t* name : {L"a", L"b", L"c", L"d"}) instruments.AddReference(Named(name), name);
+  instruments.Remove(2);
+  EXPECT_EQ(Models(instruments), L"acd");
+  instruments.Remove(std::wstring(L"C"));
+  EXPECT_EQ(Models(instruments), L"ad");
+  instruments.AddReference(Named(L"e"), L"b");  // the key is free again
+  EXPECT_EQ(Models(instruments), L"ade");
+}
+
+TEST(CInstruments, Clear_LetsGoOfEverything) {
+  CInstruments instruments;
+  const auto item = Named(L"a");
+  instruments.AddReference(item, L"key");
+  instruments.Clear();
+  EXPECT_EQ(instruments.Count(), 0);
+  EXPECT_EQ(item.use_count(), 1);
+  instruments.Clear();
+  EXPECT_EQ(instruments.Count(), 0);
+}
+
+// A client's object may look at the collection when it is let go of.
+class Watcher final : public Instrument {
+ public:
+  Watcher(CInstruments& instruments, std::int32_t& count) : instruments_(instruments), count_(count) {}
+  Watcher(const Watcher&) = delete;
+  Watcher& operator=(const Watcher&) = delete;
+  ~Watcher() override { count_ = instruments_.Count(); }
+  std::wstring Model() const override { return {}; }
+  void SetModel(const std::wstring& /*value*/) override {}
+  std::wstring Serial() const override { return {}; }
+  void SetSerial(const std::wstring& /*value*/) override {}
+  std::wstring IPAddress() const override { return {}; }
+  void SetIPAddress(const std::wstring& /*value*/) override {}
+  EIPType IPType() const override { return EIPType::ipStatic; }
+  void SetIPType(EIPType /*value*/) override {}
+  std::wstring MACAddress() const override { return {}; }
+  void SetMACAddress(const std::wstring& /*value*/) override {}
+
+ private:
+  CInstruments& instruments_;
+  std::int32_t& count_;
+};
+
+TEST(CInstruments, RemoveAndClear_ItemLooksBack_SeesCollectionWithoutIt) {
+  CInstruments instruments;
+  std::int32_t seen = -1;
+  instruments.AddReference(std::make_shared<Watcher>(instruments, seen));
+  instruments.AddReference(Named(L"b"));
+  instruments.Remove(1);
+  EXPECT_EQ(seen, 1);
+  instruments.AddReference(std::make_shared<Watcher>(instruments, seen));
+  instruments.Clear();
+  EXPECT_EQ(seen, 0);
+}
+
+}  // namespace
+}  // namespace kesp
