@@ -1,0 +1,195 @@
+// Tests of deadlines, the pumping delay and elapsed seconds.
+#include "support/timing.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <stdexcept>
+
+#include "support/clock_fake.h"
+#include "support/failure.h"
+#include "support/message_pump_fake.h"
+
+namespace kesp {
+namespace {
+
+constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
+
+// The number of the failure that the step throws; 0 when it throws none.
+template <typename Step>
+std::int32_t FailureOf(Step step) {
+  try {
+    step();
+  } catch (const Failure& failure) {
+    return failure.number();
+  }
+  return 0;
+}
+
+TEST(Deadline, SumThatFits_IsTheSum) {
+  EXPECT_EQ(Deadline(1000, 500), 1500);
+  EXPECT_EQ(Deadline(1000, 0), 1000);
+  EXPECT_EQ(Deadline(1000, -1), 999);
+  EXPECT_EQ(Deadline(-5, 10), 5);
+  EXPECT_EQ(Deadline(kMax - 10, 10), kMax);
+  EXPECT_EQ(Deadline(kMin, 0), kMin);
+  EXPECT_EQ(Deadline(kMin, kMax), -1);
+}
+
+TEST(Deadline, SumThatDoesNotFit_FailsWithOverflow) {
+  EXPECT_EQ(FailureOf([] { Deadline(kMax, 1); }), 6);
+  EXPECT_EQ(FailureOf([] { Deadline(kMax - 10, 11); }), 6);
+  EXPECT_EQ(FailureOf([] { Deadline(1, kMax); }), 6);
+  EXPECT_EQ(FailureOf([] { Deadline(kMin, -1); }), 6);
+}
+
+class DelayTest : public testing::Test {
+ protected:
+  ClockFake clock;
+  MessagePumpFake pump;
+};
+
+TEST_F(DelayTest, Zero_PumpsExactlyOnce) {
+  Delay(clock, pump, 0);
+  EXPECT_EQ(pump.count(), 1);
+}
+
+TEST_F(DelayTest, Negative_PumpsExactlyOnce) {
+  Delay(clock, pump, -100);
+  EXPECT_EQ(pump.count(), 1);
+}
+
+TEST_F(DelayTest, ClockStepsAtEachReading_PumpsUntilTheTimeHasPassed) {
+  clock.SetTickCount(500);
+  clock.SetStepPerReading(10);
+  Delay(clock, pump, 100);
+  // The start is read at 500, then 510, 520 ... 600.
+  EXPECT_EQ(pump.count(), 10);
+  EXPECT_EQ(clock.tick(), 610);
+}
+
+TEST_F(DelayTest, TimePassesInsideThePump_EndsWhenTheDeadlineIsReached) {
+  pump.OnPump([this] { clock.Advance(33); });
+  Delay(clock, pump, 100);
+  EXPECT_EQ(pump.count(), 4);
+}
+
+TEST_F(DelayTest, DeadlineReachedExactly_Ends) {
+  pump.OnPump([this] { clock.Advance(50); });
+  Delay(clock, pump, 100);
+  EXPECT_EQ(pump.count(), 2);
+}
+
+TEST_F(DelayTest, DeadlineJustFits_Returns) {
+  clock.SetTickCount(kMax - 100);
+  pump.OnPump([this] { clock.Advance(50); });
+  Delay(clock, pump, 100);
+  EXPECT_EQ(clock.tick(), kMax);
+}
+
+TEST_F(DelayTest, DeadlineDoesNotFit_FailsWithOverflowAfterOnePumping) {
+  clock.SetTickCount(kMax - 99);
+  EXPECT_EQ(FailureOf([this] { Delay(clock, pump, 100); }), 6);
+  EXPECT_EQ(pump.count(), 1);
+}
+
+TEST_F(DelayTest, HandlerInsideThePumpThrows_Passes) {
+  pump.OnPump([] { throw std::runtime_error("handler"); });
+  EXPECT_THROW(Delay(clock, pump, 100), std::runtime_error);
+}
+
+TEST_F(DelayTest, HandlerDelaysItself_BothEnd) {
+  pump.OnPump([this] {
+    pump.OnPump([this] { clock.Advance(10); });
+    Delay(clock, pump, 30);
+  });
+  Delay(clock, pump, 40);
+  EXPECT_EQ(pump.count(), 1 + 3 + 1);
+}
+
+class ElapsedSecondsTest : public testing::Test {
+ protected:
+  ClockFake clock;
+};
+
+TEST_F(ElapsedSecondsTest, StartsOnASecond_StepsEachThousandMilliseconds) {
+  clock.SetMillisecondOfSecond(0);
+  const ElapsedSeconds elapsed(clock);
+  EXPECT_EQ(elapsed.Count(), 0);
+  clock.Advance(999);
+  EXPECT_EQ(elapsed.Count(), 0);
+  clock.Advance(1);
+  EXPECT_EQ(elapsed.Count(), 1);
+  clock.Advance(59'000);
+  EXPECT_EQ(elapsed.Count(), 60);
+}
+
+TEST_F(ElapsedSecondsTest, StartsWithinASecond_StepsWhenTheCalendarSecondBegins) {
+  clock.SetMillisecondOfSecond(900);
+  const ElapsedSeconds elapsed(clock);
+  EXPECT_EQ(elapsed.Count(), 0);
+  clock.Advance(99);
+  EXPECT_EQ(elapsed.Count(), 0);
+  clock.Advance(1);
+  EXPECT_EQ(elapsed.Count(), 1);
+  clock.Advance(1000);
+  EXPECT_EQ(elapsed.Count(), 2);
+}
+
+TEST_F(ElapsedSecondsTest, TickCountChangesSignAndWraps_GoesOn) {
+  for (const std::int32_t start : {kMax - 500, -500}) {
+    clock.SetTickCount(start);
+    clock.SetMillisecondOfSecond(0);
+    const ElapsedSeconds elapsed(clock);
+    clock.Advance(2000);
+    EXPECT_EQ(elapsed.Count(), 2) << start;
+  }
+}
+
+TEST_F(ElapsedSecondsTest, AlmostTheWholeRangeOfTheCounter_IsCounted) {
+  clock.SetMillisecondOfSecond(999);
+  const ElapsedSeconds elapsed(clock);
+  clock.Advance(std::numeric_limits<std::uint32_t>::max());
+  EXPECT_EQ(elapsed.Count(), 4'294'968);  // 4294967295 ms and 999 ms
+}
+
+TEST_F(ElapsedSecondsTest, ComputerClockIsSet_ChangesNothing) {
+  const ElapsedSeconds elapsed(clock);
+  clock.SetMillisecondOfSecond(999);
+  clock.SetToday({1999, 1, 1});
+  EXPECT_EQ(elapsed.Count(), 0);
+}
+
+TEST_F(ElapsedSecondsTest, Exceeds_ComparesWholeSecondsWithTheFraction) {
+  struct Case {
+    std::uint32_t seconds;
+    std::int32_t milliseconds;
+    bool exceeds;
+  };
+  const Case cases[] = {
+      {0, 0, false},    {1, 0, true},     {0, -1, true},           {0, 500, false},
+      {1, 500, true},   {1, 999, true},   {1, 1000, false},        {2, 1000, true},
+      {1, 1001, false}, {3, 3000, false}, {4, 3000, true},         {2, 2500, false},
+      {3, 2500, true},  {0, kMin, true},  {4'000'000, kMax, true}, {0, kMax, false},
+  };
+  for (const Case& c : cases) {
+    clock.SetMillisecondOfSecond(0);
+    const ElapsedSeconds elapsed(clock);
+    clock.Advance(c.seconds * 1000);
+    EXPECT_EQ(elapsed.Exceeds(c.milliseconds), c.exceeds) << c.seconds << " s, " << c.milliseconds << " ms";
+  }
+}
+
+TEST_F(ElapsedSecondsTest, ThreeSecondsExceeded_AfterThreeToFourSeconds) {
+  for (const std::uint32_t start : {0U, 1U, 500U, 999U}) {
+    clock.SetMillisecondOfSecond(start);
+    const ElapsedSeconds elapsed(clock);
+    std::uint32_t waited = 0;
+    for (; !elapsed.Exceeds(3000); ++waited) clock.Advance(1);
+    EXPECT_EQ(waited, 4000 - start);
+  }
+}
+
+}  // namespace
+}  // namespace kesp
