@@ -125,6 +125,8 @@ void CKespCOMPort3::ApplyPreset() {
   time_out_ = 250;
 }
 
+// A member all the same: clients ask an object for it.
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static)
 std::wstring CKespCOMPort3::BaudRateName(EKespBaudRate3 vData) const {
   return kesp::BaudRateName(vData);
 }

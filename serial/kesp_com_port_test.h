@@ -1,0 +1,69 @@
+// What the unit tests of the serial transport share: the object with fakes, and a check of refused values.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <tuple>
+
+#include "serial/kesp_com_port.h"
+#include "support/enumerations.h"
+#include "support/environment_fake.h"
+#include "support/failure.h"
+
+namespace kesp {
+
+inline constexpr std::int16_t kLowest16 = std::numeric_limits<std::int16_t>::min();
+inline constexpr std::int16_t kHighest16 = std::numeric_limits<std::int16_t>::max();
+inline constexpr std::int32_t kLowest32 = std::numeric_limits<std::int32_t>::min();
+inline constexpr std::int32_t kHighest32 = std::numeric_limits<std::int32_t>::max();
+
+template <typename Enumeration>
+Enumeration As(std::int32_t value) {
+  return static_cast<Enumeration>(value);
+}
+
+inline EKespBaudRate3 Rate(std::int32_t value) {
+  return As<EKespBaudRate3>(value);
+}
+
+// Every setting of the object, to show what a call changed and what it left.
+inline auto Settings(const CKespCOMPort3& port) {
+  return std::tuple(port.Port(), port.BaudRate(), port.MinBaudRate(), port.MaxBaudRate(), port.DataBits(),
+                    port.StopBits(), port.Parity(), port.ControllerStyle(), port.TimeOut(), port.StripCRLF(),
+                    port.TerminateOnLF(), port.CheckNonAscii(), port.UseSmartSwitch(), port.UseIRDongle(),
+                    port.UseRFModem(), port.InstrAddr(), port.RFModemPropHCID(), port.UseRedirector(),
+                    port.CreateLogFile(), port.LogFilename(), port.GetKey(), port.SmartSwitch());
+}
+
+class CKespCOMPort3Test : public testing::Test {
+ protected:
+  // A range and a rate, set in the order that a new object asks for.
+  void AllowRates(std::int32_t lowest, std::int32_t highest, std::int32_t rate) {
+    port_.SetMaxBaudRate(Rate(highest));
+    port_.SetMinBaudRate(Rate(lowest));
+    port_.SetBaudRate(Rate(rate));
+  }
+
+  // Expects that set(value) throws this failure and changes no setting.
+  template <typename Setter, typename Value>
+  void ExpectRefused(Setter set, Value value, std::int32_t number, const wchar_t* source,
+                     const wchar_t* description) {
+    const auto before = Settings(port_);
+    try {
+      (port_.*set)(value);
+      ADD_FAILURE() << "accepted " << static_cast<std::int64_t>(value);
+    } catch (const Failure& failure) {
+      EXPECT_EQ(failure.number(), number);
+      EXPECT_EQ(failure.source(), source);
+      EXPECT_EQ(failure.description(), description);
+    }
+    EXPECT_TRUE(Settings(port_) == before) << static_cast<std::int64_t>(value);
+  }
+
+  EnvironmentFake environment_;
+  CKespCOMPort3 port_{environment_.environment};
+};
+
+}  // namespace kesp
