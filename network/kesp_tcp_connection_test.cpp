@@ -1,0 +1,376 @@
+// Tests of the network transport's connection and of the notifications other than data.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "network/kesp_tcp_fixture.h"
+
+namespace kesp {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const Raised kTimeOut{tcp_error::ERR_TIMEOUT, L"[CKespTCP - Initialize()]",
+                      L"Timeout - unable to establish connection"};
+
+class CKespTCPInitialize : public KespTCPFixture {};
+
+TEST_F(CKespTCPInitialize, HostAnswers_ConnectsAndLogsEachStep) {
+  SetTarget();
+  StartLog();
+  socket_->on_connect = [this] { socket_->ThenNothing().ThenConnects(); };
+  EXPECT_TRUE(tcp_->Initialize());
+  EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnected);
+  EXPECT_THAT(socket_->calls, ElementsAre("SetProtocol 0", "Connect 10.0.0.7:5025"));
+  EXPECT_THAT(Journal(),
+              ElementsAre(L"log: Initialize()", L"log: Check IP Address...", L"log: Check Port...",
+                          L"log: Connecting to 10.0.0.7 on port 5025...",
+                          L"log: Waiting for connection to be established...", L"ConnectBegin()",
+                          L"log: Connect (10.0.0.7:5025)", L"ConnectEnd()", L"log: Initialize() Done..."));
+}
+
+TEST_F(CKespTCPInitialize, AlreadyConnected_ReturnsWithoutTouchingTheSocket) {
+  Connect();
+  StartLog();
+  socket_->ThenPeerCloses();
+  fakes_.pump.PumpOnce();
+  const int pumps = fakes_.pump.count();
+  EXPECT_TRUE(tcp_->Initialize());
+  EXPECT_THAT(socket_->calls, IsEmpty());
+  EXPECT_EQ(fakes_.pump.count(), pumps);
+  EXPECT_THAT(Journal(), ElementsAre(L"CloseBegin()", L"log: Close (10.0.0.7:5025)", L"CloseEnd()",
+                                     L"log: Initialize()", L"log: Initialize() Done..."));
+}
+
+TEST_F(CKespTCPInitialize, DefaultAddress_IsRefusedBeforeAnySocketActivity) {
+  tcp_->SetPort(80);
+  StartLog();
+  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }),
+            (Raised{tcp_error::ERR_INVALID_IP_ADDRESS, L"[CKespTCP - Initialize()]", L"Invalid IP Address"}));
+  EXPECT_THAT(socket_->calls, IsEmpty());
+  EXPECT_THAT(Journal(), ElementsAre(L"log: Initialize()", L"log: Check IP Address..."));
+}
+
+TEST_F(CKespTCPInitialize, PortNeverSet_IsRefused) {
+  tcp_->SetIPAddress(L"10.0.0.7");
+  StartLog();
+  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }),
+            (Raised{tcp_error::ERR_INVALID_PORT, L"[CKespTCP - Initialize()]", L"Invalid Port"}));
+  EXPECT_THAT(socket_->calls, IsEmpty());
+  EXPECT_THAT(Journal(),
+              ElementsAre(L"log: Initialize()", L"log: Check IP Address...", L"log: Check Port..."));
+}
+
+// Call 1 is SetProtocol, call 2 is Connect.
+TEST_F(CKespTCPInitialize, CallFails_RaisesConnectingWithTheReasonAndLogsIt) {
+  for (const int nth : {1, 2}) {
+    SetTarget();
+    StartLog();
+    socket_->FailCall(nth, 10049);
+    EXPECT_EQ(
+        RaisedBy([&] { tcp_->Initialize(); }),
+        (Raised{tcp_error::ERR_CONNECTING, L"[CKespTCP - Initialize()]",
+                L"Unable to establish connection (10049 - Address not available from the local machine)"}));
+    EXPECT_EQ(
+        Journal().back(),
+        L"log: Unable to establish connection to 10.0.0.7 on port 5025: 10049 - Address not available from "
+        L"the local machine");
+  }
+}
+
+TEST_F(CKespTCPInitialize, ProtocolAndTarget_AreHandedToTheSocketEachTime) {
+  SetTarget();
+  tcp_->SetProtocol(EKespProtocol::sckUDPProtocol);
+  tcp_->SetTimeOutmSecs(0);
+  socket_->state_after_connect = EKespTCPState::sckOpen;
+  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);  // an open port is not a connection
+  EXPECT_EQ(tcp_->State(), EKespTCPState::sckOpen);
+  tcp_->SetProtocol(EKespProtocol::sckTCPProtocol);
+  tcp_->SetIPAddress(L"meter.lab");
+  socket_->on_connect = [this] { socket_->ThenConnects(); };
+  EXPECT_TRUE(tcp_->Initialize());
+  EXPECT_THAT(socket_->calls, ElementsAre("SetProtocol 1", "Connect 10.0.0.7:5025", "Close", "SetProtocol 0",
+                                          "Connect meter.lab:5025"));
+}
+
+TEST_F(CKespTCPInitialize, SilentHost_IsTriedFourTimesForFourSecondsEach) {
+  SetTarget();
+  StartLog();
+  const std::int32_t start = fakes_.clock.tick();
+  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);
+  EXPECT_EQ(Elapsed(start), 4 * 4000U);
+  EXPECT_THAT(socket_->calls,
+              ElementsAre("SetProtocol 0", "Connect 10.0.0.7:5025", "Close", "SetProtocol 0",
+                          "Connect 10.0.0.7:5025", "Close", "SetProtocol 0", "Connect 10.0.0.7:5025", "Close",
+                          "SetProtocol 0", "Connect 10.0.0.7:5025"));
+  const auto journal = Journal();
+  EXPECT_EQ(std::count(journal.begin(), journal.end(), L"log: Connection timeout..."), 4);
+  EXPECT_EQ(std::count(journal.begin(), journal.end(), L"log: Retrying...(State: 6)"), 3);
+  EXPECT_EQ(journal.back(), L"log: Connection timeout...");
+  EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnecting);
+}
+
+TEST_F(CKespTCPInitialize, HostAnswersTheThirdTime_Connects) {
+  SetTarget();
+  int attempts = 0;
+  socket_->on_connect = [&] {
+    if (++attempts == 3) socket_->ThenConnects();
+  };
+  EXPECT_TRUE(tcp_->Initialize());
+  EXPECT_EQ(attempts, 3);
+}
+
+TEST_F(CKespTCPInitialize, Refused_FailsAfterOneTimeOutWithoutRetry) {
+  SetTarget();
+  StartLog();
+  socket_->on_connect = [this] { socket_->ThenFails(10061); };
+  const std::int32_t start = fakes_.clock.tick();
+  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);
+  EXPECT_EQ(Elapsed(start), 4000U);
+  EXPECT_THAT(socket_->calls, ElementsAre("SetProtocol 0", "Connect 10.0.0.7:5025"));
+  EXPECT_EQ(Journal().back(), L"log: Connection timeout...");
+}
+
+TEST_F(CKespTCPInitialize, OtherStateAtTimeOut_IsNotRetried) {
+  for (const auto state : {EKespTCPState::sckResolvingHost, EKespTCPState::sckHostResolved,
+                           EKespTCPState::sckClosing, EKespTCPState::sckClosed}) {
+    SetTarget();
+    socket_->calls.clear();
+    socket_->on_connect = [&] { socket_->ThenEnters(state); };
+    EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);
+    EXPECT_EQ(std::count(socket_->calls.begin(), socket_->calls.end(), "Connect 10.0.0.7:5025"), 1);
+  }
+}
+
+TEST_F(CKespTCPInitialize, ConnectedStateWithoutTheEvent_IsNotEnough) {
+  SetTarget();
+  socket_->on_connect = [this] { socket_->ThenEnters(EKespTCPState::sckConnected); };
+  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);
+  EXPECT_THAT(Journal(), IsEmpty());
+}
+
+TEST_F(CKespTCPInitialize, SocketNotClosed_IsClosedFirstAndWaitedFor) {
+  SetTarget();
+  socket_->ThenEnters(EKespTCPState::sckError).Deliver();
+  socket_->closing_reads = 5;
+  socket_->on_connect = [this] { socket_->ThenConnects(); };
+  const int pumps = fakes_.pump.count();
+  EXPECT_TRUE(tcp_->Initialize());
+  EXPECT_THAT(socket_->calls, ElementsAre("Close", "SetProtocol 0", "Connect 10.0.0.7:5025"));
+  EXPECT_EQ(fakes_.pump.count(), pumps + 1);  // none while it waited for the closing
+}
+
+TEST_F(CKespTCPInitialize, SocketDoesNotClose_RaisesTimeOut) {
+  SetTarget();
+  StartLog();
+  socket_->ThenEnters(EKespTCPState::sckConnecting).Deliver();
+  socket_->closing_reads = 1000000;
+  fakes_.clock.SetStepPerReading(10);
+  const std::int32_t start = fakes_.clock.tick();
+  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }),
+            (Raised{tcp_error::ERR_TIMEOUT, L"[CKespTCP - Initialize()]",
+                    L"Timeout waiting for connection to close"}));
+  EXPECT_GE(Elapsed(start), 4000U);
+  EXPECT_LE(Elapsed(start), 4200U);
+  EXPECT_THAT(socket_->calls, ElementsAre("Close"));
+  EXPECT_EQ(Journal().back(), L"log: Connection timeout...");
+  EXPECT_EQ(fakes_.pump.count(), 0);
+}
+
+struct WaitCase {
+  std::int16_t time_out_msecs;
+  std::uint32_t millisecond_of_second;
+  std::uint32_t waited;
+};
+
+// The wait ends when the calendar seconds that have begun exceed the time-out.
+TEST_F(CKespTCPInitialize, Wait_CountsWholeCalendarSeconds) {
+  for (const WaitCase& wait : {WaitCase{3000, 0, 4000}, WaitCase{3000, 900, 3100}, WaitCase{2500, 0, 3000},
+                               WaitCase{500, 500, 500}, WaitCase{0, 0, 1000}, WaitCase{-1, 0, 100}}) {
+    SetTarget();
+    tcp_->SetTimeOutmSecs(wait.time_out_msecs);
+    socket_->on_connect = [this] { socket_->ThenFails(10061); };
+    fakes_.clock.SetMillisecondOfSecond(wait.millisecond_of_second);
+    const std::int32_t start = fakes_.clock.tick();
+    EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);
+    EXPECT_EQ(Elapsed(start), wait.waited)
+        << wait.time_out_msecs << " ms from " << wait.millisecond_of_second;
+  }
+}
+
+TEST_F(CKespTCPInitialize, GreetingDuringConnect_DoesNotCountAsReply) {
+  SetTarget();
+  socket_->on_connect = [this] {
+    socket_->Then([this] {
+      socket_->ThenConnects().Deliver();
+      socket_->Receive("hello\r");
+    });
+  };
+  EXPECT_TRUE(tcp_->Initialize());
+  tcp_->SetTimeOutmSecs(0);
+  std::wstring result = L"old";
+  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }).number, tcp_error::ERR_TIMEOUT);
+  EXPECT_EQ(result, L"old");
+}
+
+TEST_F(CKespTCPInitialize, HandlerUninitializes_WaitEndsByTimeOut) {
+  SetTarget();
+  socket_->on_connect = [this] { socket_->ThenConnects(); };
+  events_.handlers[L"ConnectEnd"] = [this] { EXPECT_TRUE(tcp_->Uninitialize()); };
+  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);
+  EXPECT_EQ(tcp_->State(), EKespTCPState::sckClosed);
+}
+
+TEST_F(CKespTCPInitialize, HandlerInitializesAgain_BothCallsSucceed) {
+  SetTarget();
+  socket_->on_connect = [this] { socket_->ThenConnects(); };
+  bool nested = false;
+  events_.handlers[L"ConnectBegin"] = [this, &nested] {
+    if (std::exchange(nested, true)) return;
+    EXPECT_TRUE(tcp_->Initialize());
+  };
+  EXPECT_TRUE(tcp_->Initialize());
+  EXPECT_THAT(socket_->calls, ElementsAre("SetProtocol 0", "Connect 10.0.0.7:5025", "Close", "SetProtocol 0",
+                                          "Connect 10.0.0.7:5025"));
+}
+
+TEST_F(CKespTCPInitialize, TargetChangedInHandler_NextAttemptUsesIt) {
+  SetTarget();
+  socket_->on_connect = [this] {
+    socket_->Then([this] {
+      tcp_->SetIPAddress(L"10.0.0.8");
+      tcp_->SetPort(1);
+    });
+  };
+  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);
+  EXPECT_EQ(socket_->calls.back(), "Connect 10.0.0.8:1");
+}
+
+TEST_F(CKespTCPInitialize, EventsTakenBackInHandler_NothingMoreIsRaised) {
+  SetTarget();
+  socket_->on_connect = [this] { socket_->ThenConnects(); };
+  events_.handlers[L"ConnectBegin"] = [this] { tcp_->SetEvents(nullptr); };
+  EXPECT_TRUE(tcp_->Initialize());
+  EXPECT_THAT(Journal(), ElementsAre(L"ConnectBegin()"));
+}
+
+class CKespTCPUninitialize : public KespTCPFixture {};
+
+TEST_F(CKespTCPUninitialize, Connected_ClosesAndTwiceIsFine) {
+  Connect();
+  EXPECT_TRUE(tcp_->Uninitialize());
+  EXPECT_EQ(tcp_->State(), EKespTCPState::sckClosed);
+  EXPECT_TRUE(tcp_->Uninitialize());
+  EXPECT_THAT(socket_->calls, ElementsAre("Close"));
+}
+
+TEST_F(CKespTCPUninitialize, NeverConnected_DoesNotTouchTheSocket) {
+  socket_->ThenEnters(EKespTCPState::sckConnecting).Deliver();
+  EXPECT_TRUE(tcp_->Uninitialize());
+  EXPECT_THAT(socket_->calls, IsEmpty());
+}
+
+TEST_F(CKespTCPUninitialize, CloseFails_RaisesClosingAndStaysInitialized) {
+  Connect();
+  StartLog();
+  socket_->FailCall(1, 10050);
+  EXPECT_EQ(RaisedBy([&] { tcp_->Uninitialize(); }),
+            (Raised{tcp_error::ERR_CLOSING, L"[CKespTCP - Uninitialize()]",
+                    L"Unable to close connection (10050 - Network subsystem failed)"}));
+  EXPECT_THAT(Journal(),
+              ElementsAre(L"log: Unable to close connection to 10.0.0.7 on port 5025: 10050 - Network "
+                          L"subsystem failed"));
+  EXPECT_TRUE(tcp_->Initialize());
+  EXPECT_TRUE(tcp_->Uninitialize());
+  EXPECT_THAT(socket_->calls, ElementsAre("Close", "Close"));
+}
+
+class CKespTCPNotifications : public KespTCPFixture {};
+
+TEST_F(CKespTCPNotifications, Close_RaisesBothEventsAroundTheLogLine) {
+  Connect();
+  StartLog();
+  socket_->ThenPeerCloses();
+  fakes_.pump.PumpOnce();
+  EXPECT_THAT(Journal(), ElementsAre(L"CloseBegin()", L"log: Close (10.0.0.7:5025)", L"CloseEnd()"));
+}
+
+TEST_F(CKespTCPNotifications, Error_PassesEverythingOnUnchanged) {
+  Connect();
+  StartLog();
+  socket_->ThenFails(10054);
+  fakes_.pump.PumpOnce();
+  EXPECT_THAT(
+      Journal(),
+      ElementsAre(
+          L"ErrorBegin(10054,The connection is reset by remote side,-2146818234,KespWinsock,,0,False)",
+          L"log: Error: 10054 - The connection is reset by remote side (-2146818234 KespWinsock) "
+          L"(10.0.0.7:5025)",
+          L"ErrorEnd()"));
+}
+
+TEST_F(CKespTCPNotifications, Error_HandlersChangesReachTheLogAndTheSocket) {
+  Connect();
+  StartLog();
+  events_.new_description = L"gone";
+  socket_->ThenFails(10054);
+  fakes_.pump.PumpOnce();
+  EXPECT_EQ(Journal().at(1), L"log: Error: 10054 - gone (-2146818234 KespWinsock) (10.0.0.7:5025)");
+  EXPECT_EQ(socket_->last_error.description, L"gone");
+  EXPECT_TRUE(socket_->last_error.cancel_display);
+}
+
+TEST_F(CKespTCPNotifications, SendProgressAndComplete_RaiseTheirEventsAroundTheLogLines) {
+  Connect();
+  StartLog();
+  socket_->ThenReportsSent(10, 3).ThenReportsSent(3, 0);
+  fakes_.pump.PumpOnce();
+  fakes_.pump.PumpOnce();
+  EXPECT_THAT(
+      Journal(),
+      ElementsAre(L"SendProgressBegin(10,3)", L"log: Send Progress (10.0.0.7:5025) - Sent: 10 Remaining: 3",
+                  L"SendProgressEnd()", L"SendProgressBegin(3,0)",
+                  L"log: Send Progress (10.0.0.7:5025) - Sent: 3 Remaining: 0", L"SendProgressEnd()",
+                  L"SendCompleteBegin()", L"log: Send complete (10.0.0.7:5025)", L"SendCompleteEnd()"));
+}
+
+TEST_F(CKespTCPNotifications, NobodyListens_AreHandledAllTheSame) {
+  tcp_->SetEvents(nullptr);
+  StartLog();
+  Connect();
+  socket_->ThenReportsSent(1, 0).ThenReceives("A\r").ThenPeerCloses().ThenFails(10054);
+  for (int i = 0; i < 4; ++i) fakes_.pump.PumpOnce();
+  const auto journal = Journal();
+  for (const wchar_t* line : {L"log: Send complete (10.0.0.7:5025)",
+                              L"log: DataArrival (10.0.0.7:5025) Bytes: 2", L"log: Close (10.0.0.7:5025)"}) {
+    EXPECT_EQ(std::count(journal.begin(), journal.end(), line), 1);
+  }
+}
+
+// Whatever call of the socket fails, the object can be used again afterwards.
+TEST_F(CKespTCPNotifications, NthSocketCallFails_NextConversationSucceeds) {
+  SetTarget();
+  const auto converse = [this] {
+    socket_->on_connect = [this] { socket_->ThenConnects().ThenReceives("A\r"); };
+    std::wstring result;
+    const bool done =
+        tcp_->Initialize() && tcp_->WriteLine(L"x") && tcp_->ReadLine(result) && tcp_->Uninitialize();
+    return done ? result : std::wstring();
+  };
+  int failures = 0;
+  for (int nth = 1; nth <= 5; ++nth) {
+    socket_->FailCall(nth, 10050);
+    try {
+      EXPECT_NE(converse(), L"A") << nth;
+    } catch (const Failure& failure) {
+      ++failures;
+    }
+    socket_->FailCall(0, 0);
+    tcp_->Uninitialize();
+    EXPECT_EQ(converse(), L"A") << nth;
+  }
+  EXPECT_EQ(failures, 5);
+}
+
+}  // namespace
+}  // namespace kesp
