@@ -1,13 +1,12 @@
 # Tests that run Windows programs and scripts under Wine, registered in the native build's CTest.
 #
 # kesp_wine_test(NAME <name> PROGRAM <path> [BITS 64 32] [ARGS ...] [INSTRUMENT <personality.json>] [TIMEOUT <s>]
-#                [SCREEN] [STANDALONE] [CHANGES_REGISTRY])
+#                [STANDALONE] [CHANGES_REGISTRY])
 #
 # One test for each width (both unless BITS says otherwise), named wine64.<name> and wine32.<name>.
 #   PROGRAM     an .exe as a path within the Windows build (tests/win/foo.exe), or a .vbs or .js file of this folder
 #   ARGS        {host} and {port} stand for the simulated instrument's
 #   INSTRUMENT  runs the simulated instrument along; a personality file of this folder, or BUILT_IN
-#   SCREEN      gives the program a screen, for tests that open windows
 #   STANDALONE  does not need the library registered
 #   CHANGES_REGISTRY  runs alone and must leave the library registered
 # In the Windows builds it does nothing, so that a folder's list file is the same for all builds.
@@ -34,7 +33,10 @@ function(kesp_wine_test)
   if(WIN32)
     return()
   endif()
-  cmake_parse_arguments(TEST "SCREEN;STANDALONE;CHANGES_REGISTRY" "NAME;PROGRAM;INSTRUMENT;TIMEOUT" "BITS;ARGS" ${ARGN})
+  cmake_parse_arguments(TEST "STANDALONE;CHANGES_REGISTRY" "NAME;PROGRAM;INSTRUMENT;TIMEOUT" "BITS;ARGS" ${ARGN})
+  if(TEST_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "kesp_wine_test does not know ${TEST_UNPARSED_ARGUMENTS}")
+  endif()
   if(NOT TEST_BITS)
     set(TEST_BITS 64 32)
   endif()
@@ -54,11 +56,7 @@ macro(kesp_add_wine_test bits)
   else()
     set(program "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_PROGRAM}")
   endif()
-  set(command "${KESP_WINE_TEST}" --bits ${bits} --timeout ${TEST_TIMEOUT})
-  if(TEST_SCREEN)
-    list(APPEND command --screen)
-  endif()
-  list(APPEND command "${program}" ${TEST_ARGS})
+  set(command "${KESP_WINE_TEST}" --bits ${bits} --timeout ${TEST_TIMEOUT} "${program}" ${TEST_ARGS})
   if(TEST_INSTRUMENT STREQUAL BUILT_IN)
     set(command "${KESP_WITH_INSTRUMENT}" -- ${command})
   elseif(TEST_INSTRUMENT)

@@ -4,6 +4,9 @@ KESP_WINE32_ROOT=${KESP_WINE32_ROOT:-/var/cache/kespcommobj/wine32}
 KESP_WINE_BASE=${KESP_WINE_BASE:-$KESP_ROOT/build/wine-$(id -un)}
 export KESP_WINE32_ROOT KESP_WINE_BASE
 
+# The X display that all programs share, such as ":99"; empty where there is none.
+wine_screen() { cat "$KESP_WINE_BASE/screen" 2>/dev/null || true; }
+
 wine_prefix() { printf '%s\n' "$KESP_WINE_BASE/win$1"; }
 
 # in_wine <64|32> <command...>: a Linux command (wine, wineserver, wineboot) with the settings of that Wine.
@@ -12,7 +15,7 @@ in_wine() {
   shift
   # A home of its own too: Wine links its documents folder there, and puts menu entries there.
   set -- env LC_ALL=C.UTF-8 WINEPREFIX="$(wine_prefix "$bits")" WINEARCH="win$bits" WINEDEBUG=-all \
-    WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=" HOME="$KESP_WINE_BASE/home" "$@"
+    WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=" HOME="$KESP_WINE_BASE/home" DISPLAY="$(wine_screen)" "$@"
   if [ "$bits" = 32 ]; then
     in_wine32_chroot "$@"
   else
@@ -25,7 +28,7 @@ in_wine32_chroot() {
   local name kept=()
   while read -r name; do
     kept+=("$name=${!name}")
-  done < <(compgen -e | grep -E '^(KESP_.*|DISPLAY|XAUTHORITY)$')
+  done < <(compgen -e | grep -E '^KESP_')
   as_root unshare -m "$KESP_TOOLS/lib/enter-chroot" "$KESP_WINE32_ROOT" "$(id -u):$(id -g)" "$KESP_ROOT" "$PWD" \
     env "${kept[@]}" "$@"
 }
