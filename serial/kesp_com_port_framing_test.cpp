@@ -3,7 +3,7 @@
 #include <string>
 #include <tuple>
 
-#include "serial/kesp_com_port_test.h"
+#include "serial/kesp_com_port_fixture.h"
 
 namespace kesp {
 namespace {

@@ -1,7 +1,7 @@
 // Unit tests of the serial transport's bit rate and its allowed range.
 #include <cstdint>
 
-#include "serial/kesp_com_port_test.h"
+#include "serial/kesp_com_port_fixture.h"
 #include "support/error_numbers.h"
 
 namespace kesp {

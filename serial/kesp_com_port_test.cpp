@@ -1,10 +1,9 @@
 // Unit tests of the serial transport's object: defaults, key, port, time-out and plain settings.
-#include "serial/kesp_com_port_test.h"
-
 #include <cstdint>
 #include <memory>
 #include <string>
 
+#include "serial/kesp_com_port_fixture.h"
 #include "support/error_numbers.h"
 
 namespace kesp {

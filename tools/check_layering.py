@@ -66,8 +66,8 @@ def stem_of(path):
 
 
 def is_test(path):
-    """Whether the name is that of a unit test, a fuzzer or a fake."""
-    return stem_of(path).endswith(("_test", "_fuzz", "_fake"))
+    """Whether the name is that of a unit test, its fixture, a fuzzer or a fake."""
+    return stem_of(path).endswith(("_test", "_fixture", "_fuzz", "_fake"))
 
 
 def header_name(header):

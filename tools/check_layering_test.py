@@ -129,14 +129,15 @@ class CheckLayeringTest(unittest.TestCase):
         self.assert_passes({"support/a.h": "#include <string>\n#include <sys/types.h>\n"})
 
     def test_fakes_and_tests_pass_in_tests(self):
-        for path in ("support/b_test.cpp", "support/b_fake.h", "support/b_fuzz.cpp", "tests/b.cpp"):
-            for header in ("support/a_fake.h", "support/a_test.cpp"):
+        beside = ("support/b_test.cpp", "support/b_fixture.h", "support/b_fake.h", "support/b_fuzz.cpp")
+        for path in beside + ("tests/b.cpp",):
+            for header in ("support/a_fake.h", "support/a_fixture.h", "support/a_test.cpp"):
                 with self.subTest(path=path, header=header):
                     self.assert_passes({path: f'#include "{header}"\n', header: ""})
 
     def test_fakes_and_tests_elsewhere_are_reported(self):
         for path in ("support/b.cpp", "server/b.cpp", "bench/b.cpp"):
-            for header in ("support/a_fake.h", "support/a_test.cpp"):
+            for header in ("support/a_fake.h", "support/a_fixture.h", "support/a_test.cpp"):
                 with self.subTest(path=path, header=header):
                     files = {path: f'#include "{header}"\n', header: ""}
                     self.assert_violates(files, f"{path}:2: {header} is for tests only")
