@@ -8,7 +8,8 @@
 
 namespace kesp {
 
-// Runs the operation and returns its result. When it throws anything, shows the error box with the action text
+// Runs the operation and returns its result. When it throws anything, shows the error box with the action
+// text
 // ("attempting to ...") and returns false.
 bool RunTrapped(UserSurface& user, const std::wstring& action, const std::function<bool()>& operation);
 

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 
 #include "commobj/attempt.h"
+#include "commobj/exchange.h"
 #include "commobj/transports.h"
 #include "support/binary_value.h"
 #include "support/enumerations.h"
@@ -15,8 +15,8 @@
 
 namespace kesp {
 
-// CKespCommObj owns one transport of each kind for its whole life, lets the client choose which one is in use,
-// and does whole exchanges on it. Used by one thread.
+// CKespCommObj owns one transport of each kind for its whole life, lets the client choose which one is in
+// use, and does whole exchanges on it. Used by one thread.
 //
 // Misuse that the caller must fix is thrown (ERR_NO_COMM_OBJECT, ERR_COMM_STYLE_NOT_SUPPORTED). A transport's
 // failure is not: the operation returns false and leaves CommError, CommErrorSource and CommErrorDescr.
@@ -42,8 +42,8 @@ class CKespCommObj {
   bool CRBeforeCommand() const { return cr_before_command_; }
   void SetCRBeforeCommand(bool value) { cr_before_command_ = value; }
 
-  // Path of the trace file: "commobjout.log" in the library's folder at first. Also becomes LogFilename of the
-  // transports: serial, IEEE-488, network.
+  // Path of the trace file: "commobjout.log" in the library's folder at first. Also becomes LogFilename of
+  // the transports: serial, IEEE-488, network.
   const std::wstring& DebugFilename() const { return debug_filename_; }
   void SetDebugFilename(const std::wstring& value);
 
@@ -70,9 +70,9 @@ class CKespCommObj {
   CKespIEEE& ieee() const { return *ieee_; }
 
   // Sends cmd and reads the reply as text. True: the reply is in `result` and CommError is cfrSuccess. False:
-  // CommError tells why; `result` is what the transport left there. The network connection is closed afterwards
-  // in every case. Throws ERR_NO_COMM_OBJECT with csNone, ERR_COMM_STYLE_NOT_SUPPORTED with a style that has no
-  // queries.
+  // CommError tells why; `result` is what the transport left there. The network connection is closed
+  // afterwards in every case. Throws ERR_NO_COMM_OBJECT with csNone, ERR_COMM_STYLE_NOT_SUPPORTED with a
+  // style that has no queries.
   bool Query(std::wstring& result, const std::wstring& cmd, const std::wstring& OmegaAddress = {},
              const std::wstring& OmegaValue = {});
 
@@ -86,26 +86,15 @@ class CKespCommObj {
               const std::wstring& OmegaValue = {});
 
  private:
-  // What one of the three operations does differently from the others.
-  struct Exchange {
-    std::wstring name;  // "Query", for the sources of errors
-    const std::wstring& cmd;
-    std::wstring read_name;      // "ReadLine", for the trace
-    std::function<bool()> read;  // empty: nothing is read
-    std::function<std::wstring()> read_trace;      // empty: the reply is not traced
-    std::wstring initialize_failed_trace;          // empty: no line of its own
-  };
-
   bool Run(const Exchange& exchange);
   bool RunOnNetwork(const Exchange& exchange);
+  bool ExchangeOnNetwork(const Exchange& exchange);
   bool ReadFromNetwork(const Exchange& exchange);
   void BeginOperation();
   bool Succeed();
-  // Stores the status and the failure's texts and traces the error-info line.
-  void Fail(ECommError status, const std::wstring& prefix, const std::wstring& operation,
-            const Attempt& attempt);
+  // Stores the status and the failure's texts, traces the error-info line and returns false.
+  bool Fail(ECommError status, const std::wstring& operation, const Attempt& attempt);
   void RequireTransport(const std::wstring& member) const;
-  [[noreturn]] static void RaiseStyleNotSupported(const std::wstring& source);
   void Trace(const std::wstring& message);
 
   Environment& environment_;

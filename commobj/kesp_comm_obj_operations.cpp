@@ -1,0 +1,86 @@
+// Query, QueryBinary and Update: what is common to all transports.
+#include "commobj/error_trap.h"
+#include "commobj/kesp_comm_obj.h"
+#include "support/error_numbers.h"
+#include "support/failure.h"
+
+namespace kesp {
+
+bool CKespCommObj::Query(std::wstring& result, const std::wstring& cmd, const std::wstring& /*OmegaAddress*/,
+                         const std::wstring& /*OmegaValue*/) {
+  return Run({.member = L"Query",
+              .trap_action = L"attempting to perform query",
+              .beginning_line = L"Beginning Query()... (command: " + cmd + L")",
+              .exiting_line = L"Exiting Query()...(command: " + cmd + L")",
+              .cmd = cmd,
+              .read_operation = L"ReadLine()",
+              .read_network = [&] { return network_->ReadLine(result); },
+              .reply_for_trace = [&] { return result; }});
+}
+
+bool CKespCommObj::QueryBinary(BinaryValue& result, const std::wstring& cmd,
+                               const std::wstring& /*OmegaAddress*/, const std::wstring& /*OmegaValue*/) {
+  return Run({.member = L"QueryBinary",
+              .trap_action = L"attempting to perform query",
+              .beginning_line = {},
+              .exiting_line = {},
+              .cmd = cmd,
+              .read_operation = L"ReadLineBinary()",
+              .read_network = [&] { return network_->ReadLineBinary(result, binary_timeout_ms_); },
+              .reply_for_trace = {}});
+}
+
+bool CKespCommObj::Update(const std::wstring& cmd, const std::wstring& /*OmegaAddress*/,
+                          const std::wstring& /*OmegaValue*/) {
+  return Run({.member = L"Update",
+              .trap_action = L"attempting to perform update",
+              .beginning_line = L"Beginning Update()...(command: " + cmd + L")",
+              .exiting_line = L"Exiting Update()...(command: " + cmd + L")",
+              .cmd = cmd,
+              .initialize_trace = InitializeTrace::kWithFailedLine,
+              .read_operation = {},
+              .read_network = {},
+              .reply_for_trace = {}});
+}
+
+bool CKespCommObj::Run(const Exchange& exchange) {
+  const std::wstring source = L"[CKespCommObj - " + exchange.member + L"()]";
+  if (comm_style_ == ECommStyle::csNone) {
+    throw Failure(comm_obj_error::ERR_NO_COMM_OBJECT, source, L"Communications object not initialized");
+  }
+  if (!exchange.beginning_line.empty()) Trace(exchange.beginning_line);
+  BeginOperation();
+  if (comm_style_ != ECommStyle::csTCPIP) {
+    throw Failure(comm_obj_error::ERR_COMM_STYLE_NOT_SUPPORTED, source,
+                  L"The selected communication style is currently not supported");
+  }
+  return RunTrapped(environment_.user, exchange.trap_action, [&] {
+    const bool succeeded = RunOnNetwork(exchange);
+    if (!exchange.exiting_line.empty()) Trace(exchange.exiting_line);
+    return succeeded;
+  });
+}
+
+void CKespCommObj::BeginOperation() {
+  comm_error_ = ECommError::cfrOtherError;
+  comm_error_source_.clear();
+  comm_error_descr_.clear();
+}
+
+bool CKespCommObj::Succeed() {
+  comm_error_ = ECommError::cfrSuccess;
+  comm_error_source_.clear();
+  comm_error_descr_.clear();
+  return true;
+}
+
+bool CKespCommObj::Fail(ECommError status, const std::wstring& operation, const Attempt& attempt) {
+  comm_error_ = status;
+  comm_error_source_ = attempt.source();
+  comm_error_descr_ = attempt.description();
+  Trace(operation + L" Error info: Source- " + comm_error_source_ + L"  Description- " + comm_error_descr_ +
+        L" **");
+  return false;
+}
+
+}  // namespace kesp

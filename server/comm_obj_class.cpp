@@ -1,0 +1,93 @@
+// The COM object of the communication object.
+#include "server/comm_obj_class.h"
+
+#include <wrl/client.h>
+
+#include "server/com_port_class.h"
+#include "server/ieee_class.h"
+#include "server/tcp_class.h"
+#include "server/variant_bridge.h"
+#include "support/environment_win.h"
+
+namespace kesp {
+
+using Microsoft::WRL::ComPtr;
+
+namespace {
+
+const ClassDescription kDescription{__uuidof(::CKespCommObj), __uuidof(::_CKespCommObj), nullptr};
+
+// Makes the COM object of a transport and returns the transport, whose owner holds the COM object.
+template <class Class>
+auto MakeTransport(IDispatch*& com_object) {
+  ComPtr<Class> made;
+  made.Attach(new Class);
+  com_object = made.Get();
+  auto* transport = &made->object();
+  return std::shared_ptr<std::remove_reference_t<decltype(*transport)>>(
+      transport, [made](auto*) mutable { made.Reset(); });
+}
+
+}  // namespace
+
+CommObjClass::CommObjClass()
+    : AutomationObject(kDescription),
+      object_(std::make_unique<CKespCommObj>(SystemEnvironment(), MakeFactory())) {}
+
+TransportFactory CommObjClass::MakeFactory() {
+  return {.make_serial = [this] { return MakeTransport<ComPortClass>(serial_); },
+          .make_network = [this] { return MakeTransport<TcpClass>(network_); },
+          .make_ieee = [this] { return MakeTransport<IeeeClass>(ieee_); }};
+}
+
+IDispatch* CommObjClass::SelectedTransport() const {
+  switch (object_->CommStyle()) {
+    case ECommStyle::csRS232:
+      return serial_;
+    case ECommStyle::csTCPIP:
+      return network_;
+    case ECommStyle::csIEEE:
+      return ieee_;
+    default:
+      return nullptr;
+  }
+}
+
+HRESULT CommObjClass::get_CommObject(IDispatch** retval) {
+  return Get(retval, [&] {
+    IDispatch* transport = SelectedTransport();
+    if (transport != nullptr) transport->AddRef();
+    return transport;
+  });
+}
+
+HRESULT CommObjClass::Query(BSTR* result, BSTR cmd, BSTR OmegaAddress, BSTR OmegaValue,
+                            VARIANT_BOOL* retval) {
+  return Get(
+      retval,
+      [&] {
+        InOutText reply(result);
+        return object_->Query(reply.value(), TextOf(cmd), TextOf(OmegaAddress), TextOf(OmegaValue));
+      },
+      result);
+}
+
+HRESULT CommObjClass::QueryBinary(VARIANT* result, BSTR cmd, BSTR OmegaAddress, BSTR OmegaValue,
+                                  VARIANT_BOOL* retval) {
+  return Get(
+      retval,
+      [&] {
+        BinaryValue reply = BinaryValueOf(*result);
+        const bool succeeded =
+            object_->QueryBinary(reply, TextOf(cmd), TextOf(OmegaAddress), TextOf(OmegaValue));
+        StoreBinaryValue(reply, result);
+        return succeeded;
+      },
+      result);
+}
+
+HRESULT CommObjClass::Update(BSTR cmd, BSTR OmegaAddress, BSTR OmegaValue, VARIANT_BOOL* retval) {
+  return Get(retval, [&] { return object_->Update(TextOf(cmd), TextOf(OmegaAddress), TextOf(OmegaValue)); });
+}
+
+}  // namespace kesp

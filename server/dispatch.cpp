@@ -1,0 +1,72 @@
+// Checks and forwards the calls of late-bound clients.
+#include "server/dispatch.h"
+
+#include "server/error_bridge.h"
+#include "server/reference_arguments.h"
+#include "server/type_info_cache.h"
+
+namespace kesp {
+
+namespace {
+
+// The flags to look the member up with. Script engines ask for the enumerator as if it were a method.
+WORD EffectiveFlags(DISPID id, WORD flags) {
+  if (id == DISPID_NEWENUM && (flags & DISPATCH_METHOD) != 0) {
+    return static_cast<WORD>((flags & ~DISPATCH_METHOD) | DISPATCH_PROPERTYGET);
+  }
+  return flags;
+}
+
+HRESULT Forward(const InterfaceInfo& info, IDispatch* object, DISPID id, WORD flags, DISPPARAMS* arguments,
+                VARIANT* result, EXCEPINFO* exception, UINT* bad_argument) {
+  UINT unused = 0;
+  return info.type_info()->Invoke(object, id, flags, arguments, result, exception,
+                                  bad_argument ? bad_argument : &unused);
+}
+
+}  // namespace
+
+HRESULT DispatchGetTypeInfo(const InterfaceInfo& info, UINT index, ITypeInfo** type_info) noexcept {
+  if (type_info == nullptr) return E_POINTER;
+  *type_info = nullptr;
+  if (index != 0) return DISP_E_BADINDEX;
+  *type_info = info.type_info();
+  (*type_info)->AddRef();
+  return S_OK;
+}
+
+HRESULT DispatchGetIDsOfNames(const InterfaceInfo& info, REFIID iid, LPOLESTR* names, UINT count,
+                              DISPID* ids) noexcept {
+  if (!IsEqualIID(iid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+  if (names == nullptr || ids == nullptr) return E_POINTER;
+  return info.type_info()->GetIDsOfNames(names, count, ids);
+}
+
+HRESULT DispatchInvoke(const InterfaceInfo& info, IDispatch* object, DISPID id, REFIID iid, LCID /*locale*/,
+                       WORD flags, DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* exception,
+                       UINT* bad_argument) noexcept {
+  if (!IsEqualIID(iid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+  if (arguments == nullptr) return E_POINTER;
+  if (result != nullptr) VariantInit(result);
+  flags = EffectiveFlags(id, flags);
+  const MemberCall* call = info.Find(id, flags);
+  if (call == nullptr) return DISP_E_MEMBERNOTFOUND;
+  if (arguments->cNamedArgs > arguments->cArgs || arguments->cArgs > call->arguments)
+    return DISP_E_BADPARAMCOUNT;
+  // A property is never set and read at once, and its result, if asked for, stays empty.
+  if ((call->kind & (INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF)) != 0) result = nullptr;
+  if (call->references.empty()) {
+    return Forward(info, object, id, flags, arguments, result, exception, bad_argument);
+  }
+  try {
+    ReferenceArguments prepared(*call, *arguments);
+    const HRESULT outcome =
+        Forward(info, object, id, flags, prepared.arguments(), result, exception, bad_argument);
+    prepared.WriteBack();
+    return outcome;
+  } catch (...) {
+    return FailWithoutInfo(E_OUTOFMEMORY);
+  }
+}
+
+}  // namespace kesp

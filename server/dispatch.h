@@ -1,0 +1,23 @@
+// Late binding for every dual interface of the library.
+#pragma once
+
+#include "server/com_headers.h"
+
+namespace kesp {
+
+class InterfaceInfo;
+
+// The four operations of IDispatch on `object`, whose dual interface `info` describes.
+HRESULT DispatchGetTypeInfo(const InterfaceInfo& info, UINT index, ITypeInfo** type_info) noexcept;
+HRESULT DispatchGetIDsOfNames(const InterfaceInfo& info, REFIID iid, LPOLESTR* names, UINT count,
+                              DISPID* ids) noexcept;
+
+// As the stock dispatch, with one addition that scripts need: an argument by reference takes a script's
+// variable (VT_BYREF|VT_VARIANT) whatever it held, and also a plain value. The value is converted in where it
+// can be (otherwise the member sees an empty one), and a variable gets the new value when the member is done,
+// also when it fails. The enumerator may be asked for as a method.
+HRESULT DispatchInvoke(const InterfaceInfo& info, IDispatch* object, DISPID id, REFIID iid, LCID locale,
+                       WORD flags, DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* exception,
+                       UINT* bad_argument) noexcept;
+
+}  // namespace kesp

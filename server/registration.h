@@ -1,0 +1,20 @@
+// What the library writes into the registry so that clients find it, and its removal.
+#pragma once
+
+#include "server/com_headers.h"
+
+namespace kesp {
+
+// Where the entries go: for all users of the machine, or for the present user only.
+enum class RegistrationScope { kMachine, kUser };
+
+// Writes the classes, their ProgIDs, the interfaces and the type library, with the path of this DLL. What was
+// written is taken back when something fails. SELFREG_E_CLASS or the system's own error (such as
+// E_ACCESSDENIED without the right to register for the machine).
+HRESULT Register(RegistrationScope scope) noexcept;
+
+// Removes everything that Register wrote. Entries that the library of the other bitness shares (ProgIDs, the
+// type library's version) stay while that one is registered. Succeeds when there is nothing to remove.
+HRESULT Unregister(RegistrationScope scope) noexcept;
+
+}  // namespace kesp

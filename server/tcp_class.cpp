@@ -1,0 +1,57 @@
+// The COM object of the network transport.
+#include "server/tcp_class.h"
+
+#include "network/socket_control_win.h"
+#include "server/variant_bridge.h"
+#include "support/environment_win.h"
+
+namespace kesp {
+
+namespace {
+
+const ClassDescription kDescription{__uuidof(::CKespTCP), __uuidof(::_CKespTCP), &__uuidof(::__CKespTCP)};
+
+}  // namespace
+
+TcpClass::TcpClass()
+    : AutomationObject(kDescription),
+      events_(static_cast<::_CKespTCP*>(this), __uuidof(::__CKespTCP)),
+      bridge_(static_cast<::_CKespTCP*>(this), events_),
+      object_(std::make_unique<CKespTCP>(SystemEnvironment(), MakeWinsockControl, &bridge_)) {
+  devices_.Attach(new InstrumentsClass(object_->Devices()));
+}
+
+HRESULT TcpClass::get_Devices(::_CInstruments** retval) {
+  return Get(retval, [&] {
+    devices_->AddRef();
+    return static_cast<::_CInstruments*>(devices_.Get());
+  });
+}
+
+HRESULT TcpClass::ReadLine(BSTR* result, VARIANT_BOOL* retval) {
+  return Get(
+      retval,
+      [&] {
+        InOutText reply(result);
+        return object_->ReadLine(reply.value());
+      },
+      result);
+}
+
+HRESULT TcpClass::ReadLineBinary(VARIANT* result, LONG lTimeoutms, VARIANT_BOOL* retval) {
+  return Get(
+      retval,
+      [&] {
+        BinaryValue reply = BinaryValueOf(*result);
+        const bool succeeded = object_->ReadLineBinary(reply, lTimeoutms);
+        StoreBinaryValue(reply, result);
+        return succeeded;
+      },
+      result);
+}
+
+void* TcpClass::FindInterface(REFIID iid) {
+  return iid == IID_IConnectionPointContainer ? &events_ : nullptr;
+}
+
+}  // namespace kesp

@@ -1,0 +1,102 @@
+// One call of the handlers for each event of the network transport.
+#include "server/tcp_event_bridge.h"
+
+#include "server/com_values.h"
+#include "server/event_arguments.h"
+
+namespace kesp {
+
+namespace {
+
+// The dispatch identifiers of __CKespTCP.
+enum TcpEvent : DISPID {
+  kConnectBegin = 1,
+  kConnectEnd,
+  kSendProgressBegin,
+  kSendProgressEnd,
+  kSendCompleteBegin,
+  kSendCompleteEnd,
+  kDataArrivalBegin,
+  kDataArrivalEnd,
+  kErrorBegin,
+  kErrorEnd,
+  kCloseBegin,
+  kCloseEnd,
+  kAutoDetectUpdate,
+  kAutoDetectBegin,
+  kAutoDetectEnd,
+  kReadInvalidChars,
+};
+
+}  // namespace
+
+void TcpEventBridge::ConnectBegin() {
+  source_.Raise(kConnectBegin);
+}
+void TcpEventBridge::ConnectEnd() {
+  source_.Raise(kConnectEnd);
+}
+void TcpEventBridge::SendProgressEnd() {
+  source_.Raise(kSendProgressEnd);
+}
+void TcpEventBridge::SendCompleteBegin() {
+  source_.Raise(kSendCompleteBegin);
+}
+void TcpEventBridge::SendCompleteEnd() {
+  source_.Raise(kSendCompleteEnd);
+}
+void TcpEventBridge::DataArrivalEnd() {
+  source_.Raise(kDataArrivalEnd);
+}
+void TcpEventBridge::ErrorEnd() {
+  source_.Raise(kErrorEnd);
+}
+void TcpEventBridge::CloseBegin() {
+  source_.Raise(kCloseBegin);
+}
+void TcpEventBridge::CloseEnd() {
+  source_.Raise(kCloseEnd);
+}
+
+void TcpEventBridge::SendProgressBegin(std::int32_t bytesSent, std::int32_t bytesRemaining) {
+  if (!source_.HasSinks()) return;
+  EventArguments arguments;
+  arguments.Add(bytesSent).Add(bytesRemaining);
+  source_.Raise(kSendProgressBegin, arguments.ForInvoke());
+}
+
+void TcpEventBridge::DataArrivalBegin(std::int32_t bytesTotal) {
+  if (!source_.HasSinks()) return;
+  EventArguments arguments;
+  arguments.Add(bytesTotal);
+  source_.Raise(kDataArrivalBegin, arguments.ForInvoke());
+}
+
+void TcpEventBridge::ErrorBegin(std::int16_t Number, std::wstring& Description, std::int32_t Scode,
+                                const std::wstring& Source, const std::wstring& HelpFile,
+                                std::int32_t HelpContext, bool& CancelDisplay) {
+  if (!source_.HasSinks()) return;
+  EventArguments arguments;
+  arguments.Add(Number);
+  const BSTR* description = arguments.AddInOut(Description);
+  arguments.Add(Scode).Add(Source).Add(HelpFile).Add(HelpContext);
+  const VARIANT_BOOL* cancel_display = arguments.AddInOut(CancelDisplay);
+  source_.Raise(kErrorBegin, arguments.ForInvoke());
+  Description = TextOf(*description);
+  CancelDisplay = FromComBool(*cancel_display);
+}
+
+void TcpEventBridge::ReadInvalidChars(const std::wstring& Buffer, std::int16_t pos,
+                                      const std::wstring& IPAddress) {
+  if (!source_.HasSinks()) return;
+  EventArguments arguments;
+  arguments.Add(Buffer).Add(pos).Add(IPAddress);
+  source_.Raise(kReadInvalidChars, arguments.ForInvoke());
+}
+
+std::shared_ptr<void> TcpEventBridge::KeepAlive() {
+  owner_->AddRef();
+  return {owner_, [](IUnknown* owner) { owner->Release(); }};
+}
+
+}  // namespace kesp
