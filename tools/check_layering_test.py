@@ -4,10 +4,12 @@
 import contextlib
 import io
 import pathlib
+import sys
 import tempfile
 import unittest
 
-import check_layering
+sys.dont_write_bytecode = True  # the tree stays as it is
+import check_layering  # noqa: E402
 
 OPENING = "// What is in this file.\n"
 ARROWS = {
