@@ -72,7 +72,7 @@ class KespTCPFixture : public testing::Test {
     tcp_->SetPort(5025);
   }
 
-  // The transport connected, the journal and the calls empty.
+  // The transport connected, the journal and the calls empty, a calendar second just begun.
   void Connect() {
     SetTarget();
     socket_->on_connect = [this] { socket_->ThenConnects(); };
@@ -80,6 +80,7 @@ class KespTCPFixture : public testing::Test {
     socket_->on_connect = nullptr;
     socket_->calls.clear();
     journal_.clear();
+    fakes_.clock.SetMillisecondOfSecond(0);
   }
 
   void StartLog() { tcp_->SetCreateLogFile(true); }

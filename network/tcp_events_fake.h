@@ -53,8 +53,10 @@ class CKespTCPEventsFake final : public CKespTCPEvents {
  private:
   void Heard(const std::wstring& name, const std::wstring& arguments = {}) {
     record(name + L"(" + arguments + L")");
-    const auto handler = handlers.find(name);
-    if (handler != handlers.end()) handler->second();
+    const auto found = handlers.find(name);
+    if (found == handlers.end()) return;
+    const std::function<void()> handler = found->second;  // it may take itself out of the map
+    handler();
   }
 };
 
