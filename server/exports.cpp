@@ -12,8 +12,8 @@ using kesp::RegistrationScope;
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved) {
   if (reason == DLL_PROCESS_ATTACH) {
+    // Thread notifications stay on: the C++ runtime, which is linked in, frees each thread's data on them.
     kesp::SetModuleInstance(instance);
-    DisableThreadLibraryCalls(instance);
   } else if (reason == DLL_PROCESS_DETACH && reserved == nullptr) {
     // Only when the DLL is unloaded: at the end of the process the automation library may be gone already.
     kesp::ReleaseTypeInfoCache();
