@@ -1,0 +1,3 @@
+' A client that hangs.
+Do
+Loop
