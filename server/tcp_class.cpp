@@ -17,7 +17,7 @@ TcpClass::TcpClass()
     : AutomationObject(kDescription),
       events_(static_cast<::_CKespTCP*>(this), __uuidof(::__CKespTCP)),
       bridge_(static_cast<::_CKespTCP*>(this), events_),
-      object_(std::make_unique<CKespTCP>(SystemEnvironment(), MakeWinsockControl, &bridge_)) {
+      object_(std::make_unique<CKespTCP>(SystemEnvironment(), MakeSocketControl, &bridge_)) {
   devices_.Attach(new InstrumentsClass(object_->Devices()));
 }
 
