@@ -33,7 +33,8 @@ class SocketListener {
   // The other side closed the connection. Everything that it had sent was announced before.
   virtual void OnClose() = 0;
   virtual void OnError(SocketError& error) = 0;
-  // bytes_total bytes wait to be read (those of earlier arrivals that were not taken included).
+  // bytes_total bytes wait to be read (those of earlier arrivals that were not taken included; UDP: the bytes
+  // of the oldest datagram).
   virtual void OnDataArrival(std::int32_t bytes_total) = 0;
   virtual void OnSendProgress(std::int32_t bytes_sent, std::int32_t bytes_remaining) = 0;
   virtual void OnSendComplete() = 0;

@@ -1,0 +1,98 @@
+// Tests of the buffer of received bytes.
+#include "network/receive_buffer.h"
+
+#include <gtest/gtest.h>
+
+namespace kesp {
+namespace {
+
+TEST(ReceiveBuffer, New_HoldsNothing) {
+  ReceiveBuffer buffer;
+  EXPECT_EQ(buffer.Front(), "");
+  EXPECT_EQ(buffer.TakeFront(), "");
+}
+
+TEST(ReceiveBuffer, Stream_PiecesMakeOneRunThatIsTakenWhole) {
+  ReceiveBuffer buffer;
+  EXPECT_TRUE(buffer.AppendToStream("AB"));
+  EXPECT_TRUE(buffer.AppendToStream(std::string_view("\0C", 2)));
+  EXPECT_EQ(buffer.Front(), std::string_view("AB\0C", 4));
+  EXPECT_EQ(buffer.TakeFront(), std::string("AB\0C", 4));
+  EXPECT_EQ(buffer.Front(), "");
+  EXPECT_TRUE(buffer.AppendToStream("D"));
+  EXPECT_EQ(buffer.Front(), "D");
+}
+
+TEST(ReceiveBuffer, Stream_UpToTheLimit_IsHeld) {
+  ReceiveBuffer buffer(8);
+  EXPECT_TRUE(buffer.AppendToStream("12345"));
+  EXPECT_TRUE(buffer.AppendToStream("678"));
+  EXPECT_EQ(buffer.Front(), "12345678");
+}
+
+TEST(ReceiveBuffer, Stream_OneByteOver_DropsEverythingAndStartsAnew) {
+  ReceiveBuffer buffer(8);
+  EXPECT_TRUE(buffer.AppendToStream("12345678"));
+  EXPECT_FALSE(buffer.AppendToStream("9"));
+  EXPECT_EQ(buffer.Front(), "");
+  EXPECT_TRUE(buffer.AppendToStream("87654321"));
+  EXPECT_FALSE(ReceiveBuffer(3).AppendToStream("1234"));
+}
+
+TEST(ReceiveBuffer, Stream_TakenBetween_TheLimitCountsWhatIsHeld) {
+  ReceiveBuffer buffer(8);
+  for (int i = 0; i < 10; ++i) {
+    EXPECT_TRUE(buffer.AppendToStream("12345678"));
+    EXPECT_EQ(buffer.TakeFront().size(), 8U);
+  }
+}
+
+TEST(ReceiveBuffer, Stream_TakenWithoutACopy) {
+  ReceiveBuffer buffer;
+  EXPECT_TRUE(buffer.AppendToStream(std::string(1000, 'x')));
+  const char* const bytes = buffer.Front().data();
+  const std::string taken = buffer.TakeFront();
+  EXPECT_EQ(taken.data(), bytes);
+}
+
+TEST(ReceiveBuffer, Datagrams_AreKeptApartAndComeInOrder) {
+  ReceiveBuffer buffer;
+  EXPECT_TRUE(buffer.AddDatagram("AB"));
+  EXPECT_TRUE(buffer.AddDatagram("C"));
+  EXPECT_EQ(buffer.Front(), "AB");
+  EXPECT_EQ(buffer.TakeFront(), "AB");
+  EXPECT_EQ(buffer.TakeFront(), "C");
+  EXPECT_EQ(buffer.TakeFront(), "");
+}
+
+TEST(ReceiveBuffer, Datagrams_WithoutRoom_AreDroppedAndTheOthersStay) {
+  ReceiveBuffer buffer(1000);
+  EXPECT_TRUE(buffer.AddDatagram(std::string(600, 'a')));
+  EXPECT_FALSE(buffer.AddDatagram(std::string(600, 'b')));
+  EXPECT_TRUE(buffer.AddDatagram("c"));
+  EXPECT_EQ(buffer.TakeFront(), std::string(600, 'a'));
+  EXPECT_EQ(buffer.TakeFront(), "c");
+}
+
+TEST(ReceiveBuffer, Datagrams_Empty_AreBoundedToo) {
+  ReceiveBuffer buffer(1000);
+  int taken = 0;
+  while (taken < 1000 && buffer.AddDatagram("")) ++taken;
+  EXPECT_GT(taken, 0);
+  EXPECT_LE(taken, 1000 / static_cast<int>(sizeof(std::string)));
+  for (int i = 0; i < taken; ++i) buffer.TakeFront();
+  EXPECT_TRUE(buffer.AddDatagram(std::string(900, 'x')));
+}
+
+TEST(ReceiveBuffer, Clear_FromDatagramsToAStream_ForgetsEverything) {
+  ReceiveBuffer buffer(100);
+  EXPECT_TRUE(buffer.AddDatagram("A"));
+  buffer.Clear();
+  EXPECT_EQ(buffer.Front(), "");
+  EXPECT_TRUE(buffer.AppendToStream(std::string(100, 'x')));
+  EXPECT_EQ(buffer.TakeFront().size(), 100U);
+  EXPECT_TRUE(buffer.AppendToStream(std::string(100, 'x')));
+}
+
+}  // namespace
+}  // namespace kesp
