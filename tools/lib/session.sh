@@ -58,7 +58,11 @@ session_start_wine() {
   wine32_reason=$(tail -n 1 "$said")
   case $code in
     0) wine32_reason= ;;
-    77) say "wine32: the 32-bit library is built but cannot be run here: $wine32_reason" ;;
+    77)
+      say "wine32: the 32-bit library is built but cannot be run here: $wine32_reason"
+      # One attempt is enough: the tests are not to try again, each for itself.
+      export KESP_SKIP_WINE32=1 KESP_SKIP_WINE32_REASON=$wine32_reason
+      ;;
     *) session_fail "the 32-bit Wine could not be started: $wine32_reason" ;;
   esac
 }
