@@ -1,6 +1,7 @@
 // Conversion between text and bytes by a single-byte code page, and the table of Windows-1252.
 #include "support/text.h"
 
+#include <algorithm>
 #include <bitset>
 
 namespace kesp {
@@ -74,9 +75,9 @@ std::uint32_t CodePage::StandIn(std::size_t byte) const {
 
 std::wstring CodePage::FromBytes(std::string_view bytes) const {
   std::wstring text(bytes.size(), L'\0');
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    text[i] = static_cast<wchar_t>(characters_[static_cast<std::uint8_t>(bytes[i])]);
-  }
+  std::transform(bytes.begin(), bytes.end(), text.begin(), [this](char byte) {
+    return static_cast<wchar_t>(characters_[static_cast<std::uint8_t>(byte)]);
+  });
   return text;
 }
 
@@ -96,18 +97,18 @@ std::optional<std::string> CodePage::ToExactBytes(std::wstring_view text) const 
 bool CodePage::Convert(std::wstring_view text, std::string& bytes) const {
   bytes.assign(text.size(), '?');
   bool exact = true;
-  std::size_t length = 0;
-  for (std::size_t i = 0; i < text.size(); ++i, ++length) {
+  auto byte = bytes.begin();
+  for (std::size_t i = 0; i < text.size(); ++i, ++byte) {
     const std::uint32_t unit = Unit(text[i]);
     if (Has(unit)) {
-      bytes[length] = static_cast<char>(bytes_[unit]);
+      *byte = static_cast<char>(bytes_[unit]);
       continue;
     }
     exact = false;
     const bool pair = IsHighSurrogate(unit) && i + 1 < text.size() && IsLowSurrogate(Unit(text[i + 1]));
     if (pair) ++i;
   }
-  bytes.resize(length);
+  bytes.erase(byte, bytes.end());
   return exact;
 }
 
