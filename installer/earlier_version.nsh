@@ -1,0 +1,33 @@
+; An earlier installation of the same scope leaves by its own uninstaller before the new one comes.
+Function RemoveEarlierVersion
+  ReadRegStr $0 SHCTX "${UNINSTALL_KEY}" "InstallLocation"
+  ${If} $0 == ""
+  ${OrIfNot} ${FileExists} "$0\uninstall.exe"
+    Return
+  ${EndIf}
+  Call RequireNotInUse
+  ${Log} "Removing the earlier installation in $0"
+  ; With _?= the uninstaller works where it lies, so that its end can be awaited; it cannot delete itself then.
+  ClearErrors
+  ExecWait '"$0\uninstall.exe" /S _?=$0' $1
+  ${If} ${Errors}
+  ${OrIf} $1 != 0
+    ${Fail} "The earlier installation in $0 could not be removed (its uninstaller ended with $1)."
+  ${EndIf}
+  Delete "$0\uninstall.exe"
+  RMDir $0
+FunctionEnd
+
+; Asks for the programs to be closed that have the library loaded from the installation in $0; a silent run fails.
+Function RequireNotInUse
+try:
+  Push $0
+  Call IsLibraryInUse
+  Pop $1
+  ${If} $1 = 1
+    MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION \
+      "A program is using KespCommObj.dll. Close the programs that talk to instruments, then try again." \
+      /SD IDCANCEL IDRETRY try
+    ${Fail} "KespCommObj.dll in $0 is in use by a program. Nothing was changed."
+  ${EndIf}
+FunctionEnd

@@ -1,0 +1,83 @@
+; The installation, and how it is taken back when it fails.
+Var IsChanging ; 1 from the first change on, so that a failure before it takes nothing away
+
+Section "-Earlier version"
+  Call OpenLog
+  ${Log} "Installing into $INSTDIR, scope: $Scope"
+  Call RemoveEarlierVersion
+  StrCpy $IsChanging 1
+SectionEnd
+
+Section "-Files of both widths" SECTION_COMMON
+  !insertmacro PAYLOAD_COMMON
+SectionEnd
+
+Section "-64-bit library" SECTION_WIN64
+  !insertmacro PAYLOAD_WIN64
+SectionEnd
+
+Section "-32-bit library" SECTION_WIN32
+  !insertmacro PAYLOAD_WIN32
+SectionEnd
+
+Section "-Registration"
+  WriteUninstaller "$INSTDIR\uninstall.exe"
+  ${If} $HasWin64 = 1
+    Push "$INSTDIR\win64\KespCommObj.dll"
+    Push $RegSvr64
+    Call Register
+  ${EndIf}
+  Push "$INSTDIR\win32\KespCommObj.dll"
+  Push $RegSvr32
+  Call Register
+SectionEnd
+
+Section "-Entry in Programs and Features"
+  Call SumSizes
+  WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayName" "${PRODUCT}"
+  WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"
+  WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayIcon" "$INSTDIR\uninstall.exe"
+  WriteRegStr SHCTX "${UNINSTALL_KEY}" "Publisher" "${PUBLISHER}"
+  WriteRegStr SHCTX "${UNINSTALL_KEY}" "InstallLocation" "$INSTDIR"
+  WriteRegStr SHCTX "${UNINSTALL_KEY}" "UninstallString" '"$INSTDIR\uninstall.exe"'
+  WriteRegStr SHCTX "${UNINSTALL_KEY}" "QuietUninstallString" '"$INSTDIR\uninstall.exe" /S'
+  WriteRegDWORD SHCTX "${UNINSTALL_KEY}" "EstimatedSize" $0
+  WriteRegDWORD SHCTX "${UNINSTALL_KEY}" "NoModify" 1
+  WriteRegDWORD SHCTX "${UNINSTALL_KEY}" "NoRepair" 1
+  ${Log} "Done"
+  Call KeepLog
+SectionEnd
+
+Function .onInit
+  Call LookAtWindows
+  ${IfNot} ${AtLeastWin7}
+    MessageBox MB_OK|MB_ICONSTOP "The ${PRODUCT} needs Windows 7 or later." /SD IDOK
+    SetErrorLevel ${EXIT_OLD_WINDOWS}
+    Quit
+  ${EndIf}
+  Call ChooseScopeFromCommandLine
+  ${If} $HasWin64 = 0
+    SectionSetFlags ${SECTION_WIN64} 0
+  ${EndIf}
+FunctionEnd
+
+; Into $0 the kilobytes of what is installed.
+Function SumSizes
+  SectionGetSize ${SECTION_COMMON} $0
+  SectionGetSize ${SECTION_WIN32} $1
+  IntOp $0 $0 + $1
+  ${If} $HasWin64 = 1
+    SectionGetSize ${SECTION_WIN64} $1
+    IntOp $0 $0 + $1
+  ${EndIf}
+FunctionEnd
+
+Function .onInstFailed
+  ${If} $IsChanging = 1
+    Call UnregisterBoth
+    Pop $0
+    Call RemoveInstallation
+    ${Log} "Taken back"
+  ${EndIf}
+  FileClose $LogFile
+FunctionEnd

@@ -1,0 +1,96 @@
+#!/usr/bin/env python3
+"""Writes what the setup program installs, and its removal file by file, as macros for setup.nsi.
+
+usage: payload.py TREE DIST OUTPUT
+
+TREE is the folder of the sources, whose README, CHANGELOG and docs go along; DIST holds win64 and win32. A file that is
+the same for both widths is installed once; one that differs goes into the folder of its width.
+"""
+
+import filecmp
+import pathlib
+import sys
+
+WIDTHS = ("win64", "win32")
+
+
+def files_below(folder):
+    return {path.relative_to(folder) for path in folder.rglob("*") if path.is_file()}
+
+
+def documents(tree):
+    """The pages for users, as pairs of source and place."""
+    found = [tree / "README.md", tree / "CHANGELOG.md", *sorted((tree / "docs").glob("*.md"))]
+    return [(path, path.relative_to(tree)) for path in found if path.is_file()]
+
+
+def products(dist):
+    """Pairs of source and place under "common", "win64" and "win32"."""
+    groups = {name: [] for name in ("common", *WIDTHS)}
+    present = {width: files_below(dist / width) for width in WIDTHS}
+    for place in sorted(present["win64"] | present["win32"]):
+        sources = {width: dist / width / place for width in WIDTHS if place in present[width]}
+        if len(sources) == 2 and filecmp.cmp(*sources.values(), shallow=False):
+            groups["common"].append((sources["win64"], place))
+            continue
+        for width, source in sources.items():
+            groups[width].append((source, pathlib.Path(width) / place))
+    return groups
+
+
+def groups_of(tree, dist):
+    for width in WIDTHS:
+        if not (dist / width / "KespCommObj.dll").is_file():
+            sys.exit(f"{dist / width / 'KespCommObj.dll'} is not there; tools/build makes it")
+    groups = products(dist)
+    groups["common"] = documents(tree) + groups["common"]
+    return groups
+
+
+def quoted(text):
+    return '"' + str(text).replace("$", "$$") + '"'
+
+
+def installed(place):
+    """The Windows path of a place within the installation."""
+    return '"' + "\\".join(["$INSTDIR", *(part.replace("$", "$$") for part in place.parts)]) + '"'
+
+
+def install_macro(name, group):
+    yield f"!macro PAYLOAD_{name.upper()}"
+    folder = None
+    for source, place in group:
+        if place.parent != folder:
+            folder = place.parent
+            yield f"  SetOutPath {installed(folder)}"
+        yield f"  File {quoted('/oname=' + place.name)} {quoted(source)}"
+    yield "!macroend"
+
+
+def remove_macro(places):
+    yield "!macro PAYLOAD_REMOVE un"
+    for place in places:
+        yield from (f"  Push {installed(place)}", "  Call ${un}DeleteFile")
+    folders = {folder for place in places for folder in place.parents if folder.parts}
+    # Those within before those around them.
+    for folder in sorted(folders, key=lambda path: (-len(path.parts), path)):
+        yield from (f"  Push {installed(folder)}", "  Call ${un}DeleteFolder")
+    yield "!macroend"
+
+
+def script(groups):
+    yield "; What the setup program installs; written by payload.py."
+    for name, group in groups.items():
+        yield from install_macro(name, group)
+    yield from remove_macro([place for group in groups.values() for _, place in group])
+
+
+def main():
+    if len(sys.argv) != 4:
+        sys.exit(__doc__)
+    tree, dist, output = (pathlib.Path(argument).resolve() for argument in sys.argv[1:])
+    output.write_text("\n".join(script(groups_of(tree, dist))) + "\n", encoding="utf-8-sig")
+
+
+if __name__ == "__main__":
+    main()

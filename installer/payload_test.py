@@ -1,0 +1,90 @@
+#!/usr/bin/env python3
+"""Shows on made-up products what payload.py installs where, and that it removes the same."""
+
+import pathlib
+import re
+import sys
+import tempfile
+import unittest
+
+sys.dont_write_bytecode = True  # the tree stays as it is
+import payload  # noqa: E402
+
+
+class PayloadTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.tree = pathlib.Path(folder.name)
+        self.dist = self.tree / "dist"
+        self.write("dist/win64/KespCommObj.dll", "for 64")
+        self.write("dist/win32/KespCommObj.dll", "for 32")
+
+    def write(self, place, text):
+        path = self.tree / place
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_text(text)
+
+    def places(self):
+        groups = payload.groups_of(self.tree, self.dist)
+        return {name: [place.as_posix() for _, place in group] for name, group in groups.items()}
+
+    def script(self):
+        return "\n".join(payload.script(payload.groups_of(self.tree, self.dist)))
+
+    def test_Places_OfDlls_AreTheFoldersOfTheirWidths(self):
+        self.assertEqual(self.places(), {
+            "common": [], "win64": ["win64/KespCommObj.dll"], "win32": ["win32/KespCommObj.dll"]})
+
+    def test_Places_OfEqualFiles_AreOnceAtTheTop(self):
+        for width in ("win64", "win32"):
+            self.write(f"dist/{width}/samples/a.vbs", "the same")
+        self.assertEqual(self.places()["common"], ["samples/a.vbs"])
+
+    def test_Places_OfDifferentFiles_AreTheFoldersOfTheirWidths(self):
+        for width in ("win64", "win32"):
+            self.write(f"dist/{width}/samples/cpp/query.exe", width)
+        self.assertIn("win64/samples/cpp/query.exe", self.places()["win64"])
+        self.assertIn("win32/samples/cpp/query.exe", self.places()["win32"])
+
+    def test_Places_OfAFileOfOneWidth_IsThatFolder(self):
+        self.write("dist/win32/only.txt", "")
+        self.assertEqual(self.places()["win32"], ["win32/KespCommObj.dll", "win32/only.txt"])
+        self.assertEqual(self.places()["common"], [])
+
+    def test_Documents_AreThePagesAndNothingElseOfTheTree(self):
+        for place in ("README.md", "docs/b.md", "docs/a.md", "docs/picture.png", "server/c.md"):
+            self.write(place, "")
+        self.assertEqual(self.places()["common"], ["README.md", "docs/a.md", "docs/b.md"])
+
+    def test_Products_WithoutADll_AreRefused(self):
+        (self.dist / "win32" / "KespCommObj.dll").unlink()
+        with self.assertRaisesRegex(SystemExit, "win32/KespCommObj.dll is not there"):
+            payload.groups_of(self.tree, self.dist)
+
+    def test_Script_RemovesEveryFileThatItInstalls(self):
+        for place in ("README.md", "docs/a.md", "dist/win64/samples/deep/er/x.txt", "dist/win32/y.txt"):
+            self.write(place, "")
+        folder, installed = "", set()
+        for line in self.script().splitlines():
+            if found := re.match(r'  SetOutPath "(.*)"', line):
+                folder = found[1]
+            elif found := re.match(r'  File "/oname=(.*?)" ', line):
+                installed.add(f"{folder}\\{found[1]}")
+        removed = set(re.findall(r'Push "(.*)"\n  Call \$\{un\}DeleteFile', self.script()))
+        self.assertEqual(len(installed), 6)
+        self.assertEqual(removed, installed)
+
+    def test_Script_RemovesInnerFoldersFirst(self):
+        self.write("dist/win64/samples/deep/x.txt", "")
+        folders = re.findall(r'Push "\$INSTDIR\\(.*)"\n  Call \$\{un\}DeleteFolder', self.script())
+        self.assertEqual(folders, [r"win64\samples\deep", r"win64\samples", "win32", "win64"])
+
+    def test_Names_WithADollar_AreNotTakenForVariables(self):
+        self.write("dist/win64/$x.txt", "")
+        self.assertIn(r'File "/oname=$$x.txt"', self.script())
+        self.assertIn(r'Push "$INSTDIR\win64\$$x.txt"', self.script())
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,87 @@
+; For whom the library is installed: for all users of the machine, or for the present user alone.
+!include FileFunc.nsh
+
+Var Scope          ; machine or user
+Var ScopeSwitches  ; what regsvr32 is told for it
+Var MayChangeMachine ; 1 with an administrator's rights, else 0
+Var WishedFolder   ; what /D= named; empty without it
+
+!macro SCOPE_FUNCTIONS un
+; SHCTX is from here on HKLM or HKCU.
+Function ${un}ChooseMachine
+  StrCpy $Scope machine
+  StrCpy $ScopeSwitches ""
+  SetShellVarContext all
+FunctionEnd
+
+Function ${un}ChooseUser
+  StrCpy $Scope user
+  StrCpy $ScopeSwitches "/n /i:user"
+  SetShellVarContext current
+FunctionEnd
+
+Function ${un}LookAtRights
+  StrCpy $MayChangeMachine 0
+  UserInfo::GetAccountType
+  Pop $0
+  ${If} $0 == Admin
+    StrCpy $MayChangeMachine 1
+  ${EndIf}
+FunctionEnd
+
+; Ends the program when the scope is beyond the user's rights.
+Function ${un}RequireRights
+  ${If} $Scope == machine
+  ${AndIf} $MayChangeMachine = 0
+    MessageBox MB_OK|MB_ICONSTOP "For all users of this computer, start this program as administrator." /SD IDOK
+    SetErrorLevel ${EXIT_NEEDS_ADMINISTRATOR}
+    Quit
+  ${EndIf}
+FunctionEnd
+!macroend
+!insertmacro SCOPE_FUNCTIONS ""
+!insertmacro SCOPE_FUNCTIONS "un."
+
+; The usual folder of the scope, unless /D= named another.
+Function ChooseFolder
+  ${If} $WishedFolder != ""
+    StrCpy $INSTDIR $WishedFolder
+  ${ElseIf} $Scope == user
+    StrCpy $INSTDIR "$LOCALAPPDATA\Programs\${FOLDER}"
+  ${ElseIf} $HasWin64 = 1
+    StrCpy $INSTDIR "$PROGRAMFILES64\${FOLDER}"
+  ${Else}
+    StrCpy $INSTDIR "$PROGRAMFILES32\${FOLDER}"
+  ${EndIf}
+FunctionEnd
+
+; What the command line says: /USER for the present user. Who cannot install for all is not asked, unless silent:
+; a script that forgot /USER shall not get another installation than it meant.
+Function ChooseScopeFromCommandLine
+  ; /D= was taken into $INSTDIR before anything ran.
+  StrCpy $WishedFolder $INSTDIR
+  Call LookAtRights
+  Call ChooseMachine
+  ${GetParameters} $0
+  ClearErrors
+  ${GetOptions} $0 "/USER" $1
+  ${IfNot} ${Errors}
+    Call ChooseUser
+  ${ElseIf} $MayChangeMachine = 0
+  ${AndIfNot} ${Silent}
+    Call ChooseUser
+  ${EndIf}
+  Call RequireRights
+  Call ChooseFolder
+FunctionEnd
+
+; The scope that this very folder was installed for.
+Function un.ChooseScopeFromRegistry
+  Call un.LookAtRights
+  Call un.ChooseMachine
+  ReadRegStr $0 HKCU "${UNINSTALL_KEY}" "InstallLocation"
+  ${If} $0 == $INSTDIR
+    Call un.ChooseUser
+  ${EndIf}
+  Call un.RequireRights
+FunctionEnd

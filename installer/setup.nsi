@@ -1,0 +1,47 @@
+; The setup program of the Kesp Communication Object Library; tools/make-installer calls makensis with
+;   VERSION  three numbers with dots
+;   PAYLOAD  the file written by payload.py: what is installed, and its removal
+;   OUTPUT   the program to write
+;   STUB     x86-unicode, which runs on every Windows, or amd64-unicode for a Windows without 32-bit programs
+Target ${STUB}
+SetCompressor /SOLID lzma
+
+!include LogicLib.nsh
+!include MUI2.nsh
+!include WinVer.nsh
+!include x64.nsh
+
+!define PRODUCT "Kesp Communication Object Library"
+!define PUBLISHER "Kesp"
+!define FOLDER "Kesp\KespCommObj"
+!define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\KespCommObj"
+
+; Exit codes besides the stub's own (0 done, 1 cancelled by the user): Windows' numbers where it has one.
+!define EXIT_FAILED 2
+!define EXIT_NEEDS_ADMINISTRATOR 740
+!define EXIT_OLD_WINDOWS 1150
+!define EXIT_NEEDS_RESTART 3010
+
+Name "${PRODUCT}"
+OutFile "${OUTPUT}"
+BrandingText "${PUBLISHER} ${VERSION}"
+RequestExecutionLevel highest
+; A file that cannot be written ends the installation: nobody is asked to ignore it.
+AllowSkipFiles off
+ShowInstDetails show
+ShowUninstDetails show
+ManifestSupportedOS all
+ManifestDPIAware true
+
+!include "${PAYLOAD}"
+!include version.nsh
+!include log.nsh
+!include windows.nsh
+!include scope.nsh
+!include in_use.nsh
+!include registration.nsh
+!include removal.nsh
+!include earlier_version.nsh
+!include wizard.nsh
+!include install.nsh
+!include uninstall.nsh

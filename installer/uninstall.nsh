@@ -1,0 +1,43 @@
+; The uninstaller: removes what was installed, file by file, and nothing else.
+
+Function un.onInit
+  Call un.LookAtWindows
+  Call un.ChooseScopeFromRegistry
+FunctionEnd
+
+Section "Uninstall"
+  Call un.OfferToWait
+  Call un.UnregisterBoth
+  Pop $0
+  ${If} $0 = 1
+    SetErrorLevel ${EXIT_FAILED}
+    ${IfNot} ${Cmd} `MessageBox MB_YESNO|MB_ICONEXCLAMATION \
+      "Entries of the library in the registry could not be removed. Delete the files nevertheless?" /SD IDYES IDYES`
+      Abort
+    ${EndIf}
+  ${EndIf}
+  Call un.RemoveInstallation
+  ${If} ${RebootFlag}
+    ${Log} "What is in use is deleted when Windows starts the next time"
+    SetErrorLevel ${EXIT_NEEDS_RESTART}
+  ${EndIf}
+SectionEnd
+
+; Lets the user close the programs that have the library loaded. A silent run goes on: what cannot be deleted now is
+; deleted when Windows starts the next time.
+Function un.OfferToWait
+try:
+  Push $INSTDIR
+  Call un.IsLibraryInUse
+  Pop $0
+  ${If} $0 = 1
+    ${Log} "A program is using KespCommObj.dll"
+    MessageBox MB_ABORTRETRYIGNORE|MB_ICONEXCLAMATION \
+      "A program is using KespCommObj.dll. Close the programs that talk to instruments, then try again. \
+Ignore removes the library now and deletes its file when Windows starts the next time." \
+      /SD IDIGNORE IDRETRY try IDIGNORE go_on
+    SetErrorLevel ${EXIT_FAILED}
+    Abort
+go_on:
+  ${EndIf}
+FunctionEnd

@@ -1,0 +1,46 @@
+; What the user sees of the setup program and of the uninstaller.
+!include nsDialogs.nsh
+
+Var MachineButton
+Var UserButton
+
+!define MUI_ABORTWARNING
+!insertmacro MUI_PAGE_WELCOME
+Page custom ShowScopePage LeaveScopePage
+!insertmacro MUI_PAGE_DIRECTORY
+!insertmacro MUI_PAGE_INSTFILES
+!insertmacro MUI_PAGE_FINISH
+!insertmacro MUI_UNPAGE_CONFIRM
+!insertmacro MUI_UNPAGE_INSTFILES
+!insertmacro MUI_UNPAGE_FINISH
+!insertmacro MUI_LANGUAGE "English"
+
+Function ShowScopePage
+  !insertmacro MUI_HEADER_TEXT "Users" "For whom shall the library be installed?"
+  nsDialogs::Create 1018
+  Pop $0
+  ${NSD_CreateRadioButton} 0 10u 100% 12u "All users of this computer (as administrator)"
+  Pop $MachineButton
+  ${NSD_CreateRadioButton} 0 30u 100% 12u "Only for me"
+  Pop $UserButton
+  ${NSD_CreateLabel} 0 55u 100% 30u "Programs that run as administrator find the library only when it is installed \
+for all users."
+  Pop $0
+  EnableWindow $MachineButton $MayChangeMachine
+  ${If} $Scope == machine
+    ${NSD_Check} $MachineButton
+  ${Else}
+    ${NSD_Check} $UserButton
+  ${EndIf}
+  nsDialogs::Show
+FunctionEnd
+
+Function LeaveScopePage
+  ${NSD_GetState} $UserButton $0
+  ${If} $0 = ${BST_CHECKED}
+    Call ChooseUser
+  ${Else}
+    Call ChooseMachine
+  ${EndIf}
+  Call ChooseFolder
+FunctionEnd

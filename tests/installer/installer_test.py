@@ -1,0 +1,263 @@
+#!/usr/bin/env python3
+"""Runs the setup program and its uninstaller in a Windows of their own: installer_test.py 64|32 [unittest's options]
+
+The 32-bit Windows runs the setup program that is delivered. The 64-bit one has no 32-bit half, so it runs one made
+from the same script and the same files for x64; the 32-bit library can then be copied but not registered.
+Ends with 77 and a reason where there is no such Windows.
+"""
+
+import filecmp
+import functools
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+sys.dont_write_bytecode = True  # the tree stays as it is
+from sandbox import ROOT, SKIPPED, TOOLS, Sandbox, becomes_true, windows_path  # noqa: E402
+
+HERE = pathlib.Path(__file__).parent
+DIST = ROOT / "dist"
+FOLDER = "C:\\Program Files\\Kesp\\KespCommObj"
+ELSEWHERE = "C:\\Elsewhere"
+ENTRY = "[HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\KespCommObj] "
+SESSION_MANAGER = "HKLM\\System\\CurrentControlSet\\Control\\Session Manager"
+FAILED, NEEDS_RESTART = 2, 3010 & 0xFF  # exit codes; Linux keeps eight bits
+sandbox = None
+setup = None
+version = None
+work = None
+
+
+@functools.cache
+def registry_without_library():
+    # The script host enters its own type library whenever it starts.
+    sandbox.run(HERE / "file_version.vbs", "C:\\windows\\regedit.exe")
+    return sandbox.registry()
+
+
+@functools.cache
+def files_without_library():
+    return sandbox.files()
+
+
+def make_setup(dist, name):
+    made = work / name
+    stub = "amd64-unicode" if sandbox.bits == 64 else "x86-unicode"
+    subprocess.run([str(TOOLS / "make-installer"), str(dist), str(made), stub], check=True, stdin=subprocess.DEVNULL)
+    return made
+
+
+def user_folder():
+    return f"C:\\users\\{sandbox.temporary().parent.name}\\AppData\\Local\\Programs\\Kesp\\KespCommObj"
+
+
+def install(*switches, program=None):
+    return sandbox.run(program or setup, "/S", *switches).returncode
+
+
+def uninstall(folder):
+    """As Windows does it: the uninstaller moves to the folder for temporary files and is not waited for."""
+    program = sandbox.path(folder) / "uninstall.exe"
+    sandbox.run(program, "/S")
+    # Its entry is the last that it removes.
+    return becomes_true(lambda: not program.exists() and not sandbox.is_listed())
+
+
+def clean_up():
+    for folder in (FOLDER, ELSEWHERE, user_folder()):
+        if (sandbox.path(folder) / "uninstall.exe").exists():
+            uninstall(folder)
+        shutil.rmtree(sandbox.path(folder), ignore_errors=True)
+    for folder in (FOLDER, user_folder()):
+        if sandbox.path(folder).parent.exists():
+            sandbox.path(folder).parent.rmdir()
+
+
+class InstallerTest(unittest.TestCase):
+    """What all have in common: each class begins and ends without the library."""
+
+    @classmethod
+    def setUpClass(cls):
+        files_without_library()
+        registry = registry_without_library()
+        named = [line for root in registry.values() for line in root if "kesp" in line.lower()]
+        if named:
+            raise AssertionError(f"an earlier run left {named[0]}; remove build/wine-installer-*")
+        cls.addClassCleanup(clean_up)
+
+    def assert_nothing_left(self):
+        self.assertEqual(sorted(sandbox.files() ^ files_without_library()), [])
+        self.assert_registry_unchanged("HKLM", "HKCU")
+
+    def assert_registry_unchanged(self, *roots):
+        present = sandbox.registry()
+        for root in roots:
+            self.assertEqual(sorted(present[root] ^ registry_without_library()[root])[:10], [])
+
+    def assert_usable(self):
+        self.assertEqual(sandbox.run(HERE / "create_object.vbs").stdout.split(), ["PASS"])
+
+
+class InstalledForAllUsersTest(InstallerTest):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.exit_code = install()
+        cls.folder = sandbox.path(FOLDER)
+
+    def test_Installing_EndsWithSuccess(self):
+        self.assertEqual(self.exit_code, 0)
+
+    def test_Dlls_AreThoseOfTheBuild(self):
+        for width in ("win64", "win32"):
+            installed = self.folder / width / "KespCommObj.dll"
+            if (sandbox.bits, width) == (32, "win64"):
+                self.assertFalse(installed.exists())
+            else:
+                self.assertTrue(filecmp.cmp(installed, DIST / width / "KespCommObj.dll", shallow=False))
+
+    def test_DocumentsSamplesAndHeaders_AreThere(self):
+        for place in ("README.md", "docs/building.md", "samples/vbscript/query.vbs", "include/KespCommObj.idl"):
+            self.assertTrue((self.folder / place).is_file(), place)
+
+    def test_Objects_CanBeCreated(self):
+        self.assert_usable()
+
+    def test_Log_TellsWhatWasRegisteredAndWhatCouldNotBe(self):
+        log = (self.folder / "setup.log").read_text("utf-16")
+        self.assertIn(f"Registered: {FOLDER}\\win{sandbox.bits}\\KespCommObj.dll\n", log)
+        skipped = f"Copied but not registered, as this Windows does not run programs of that width: {FOLDER}\\win32"
+        self.assertEqual(skipped in log, sandbox.bits == 64)
+
+    def test_ProgramsAndFeatures_ListIt(self):
+        entry = {line.removeprefix(ENTRY) for line in sandbox.registry()["HKLM"] if line.startswith(ENTRY)}
+        escaped = FOLDER.replace("\\", "\\\\")
+        self.assertLessEqual({
+            '"DisplayName"="Kesp Communication Object Library"', f'"DisplayVersion"="{version}"', '"Publisher"="Kesp"',
+            f'"InstallLocation"="{escaped}"', f'"UninstallString"="\\"{escaped}\\\\uninstall.exe\\""'}, entry)
+        kilobytes = next(int(line[-8:], 16) for line in entry if line.startswith('"EstimatedSize"=dword:'))
+        present = sum(path.stat().st_size for path in self.folder.rglob("*") if path.is_file()) / 1024
+        self.assertAlmostEqual(kilobytes / present, 1, delta=0.1)
+
+    def test_SetupProgram_TellsItsVersion(self):
+        self.assertIn(f"version={version}.0\n", sandbox.run(HERE / "file_version.vbs", windows_path(setup)).stdout)
+
+
+class UninstallTest(InstallerTest):
+    def tearDown(self):
+        clean_up()
+
+    def test_AllUsers_NothingIsLeft(self):
+        self.assertEqual(install(), 0)
+        self.assertTrue(uninstall(FOLDER))
+        self.assert_nothing_left()
+
+    def test_User_NothingIsLeftAndNothingWasChangedForOthers(self):
+        self.assertEqual(install("/USER"), 0)
+        self.assert_registry_unchanged("HKLM")
+        self.assertFalse(sandbox.path(FOLDER).exists())
+        # Wine makes objects from the machine's entries only, so the user's are looked at instead.
+        dll = (user_folder() + f"\\win{sandbox.bits}\\KespCommObj.dll").replace("\\", "\\\\")
+        servers = {line.split("] ")[1] for line in sandbox.registry()["HKCU"] if "\\InprocServer32] @=" in line}
+        self.assertEqual(servers, {f'@="{dll}"'})
+        self.assertTrue(uninstall(user_folder()))
+        self.assert_nothing_left()
+
+    def test_FileOfTheUsersOwn_Stays(self):
+        self.assertEqual(install("/D=" + ELSEWHERE), 0)
+        own = sandbox.path(ELSEWHERE) / "samples" / "vbscript" / "mine.vbs"
+        own.write_text("' mine\n")
+        self.assertTrue(uninstall(ELSEWHERE))
+        left = [path for path in sandbox.path(ELSEWHERE).rglob("*") if path.is_file()]
+        self.assertEqual(left, [own])
+
+
+class RefusedInstallationTest(InstallerTest):
+    def test_DllThatCannotBeRegistered_AllIsTakenBack(self):
+        with tempfile.TemporaryDirectory(dir=work) as broken:
+            for width in ("win64", "win32"):
+                shutil.copytree(DIST / width, pathlib.Path(broken) / width)
+            (pathlib.Path(broken) / f"win{sandbox.bits}" / "KespCommObj.dll").write_text("not a DLL")
+            program = make_setup(broken, "broken-setup.exe")
+        self.assertEqual(install(program=program), FAILED)
+        self.assert_nothing_left()
+        log = (sandbox.temporary() / "KespCommObj-setup.log").read_text("utf-16")
+        self.assertRegex(log, r"could not be registered \(regsvr32 ended with \d\)")
+
+
+class EarlierInstallationTest(InstallerTest):
+    def test_InAnotherFolder_IsRemoved(self):
+        self.assertEqual(install("/D=" + ELSEWHERE), 0)
+        self.assertEqual(install(), 0)
+        self.assertFalse(sandbox.path(ELSEWHERE).exists())
+        self.assert_usable()
+
+
+class LibraryInUseTest(InstallerTest):
+    """A program has the library loaded, and an installed document open."""
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        install("/D=" + ELSEWHERE)  # a folder without a space: _?= below must not be put in quotation marks
+        cls.document = sandbox.path(ELSEWHERE) / "README.md"
+        cls.held, cls.release = sandbox.drive / "held", sandbox.drive / "release"
+        # The command processor lets nobody delete what it redirects.
+        cls.holder = sandbox.begin("cmd", "/c", "cscript", "//nologo", windows_path(HERE / "hold_object.vbs"),
+                                   "C:\\held", "C:\\release", "<", ELSEWHERE + "\\README.md")
+        cls.addClassCleanup(cls.forget)
+        becomes_true(cls.held.exists)
+
+    @classmethod
+    def forget(cls):
+        cls.release.touch()
+        cls.holder.wait(timeout=60)
+        cls.holder.stdout.close()
+        sandbox.run("reg", "delete", SESSION_MANAGER, "/v", "PendingFileRenameOperations", "/f")
+        for place in (cls.held, cls.release):
+            place.unlink(missing_ok=True)
+
+    def test_Installing_IsRefused_ThenUninstalling_IsFinishedAtTheNextStart(self):
+        self.assertEqual(install(), FAILED)
+        self.assert_usable()
+        # Where it lies, so that its exit code is seen.
+        code = sandbox.run(sandbox.path(ELSEWHERE) / "uninstall.exe", "/S", "_?=" + ELSEWHERE).returncode
+        self.assertEqual(code, NEEDS_RESTART)
+        # Wine deletes a DLL that is loaded; an open document it cannot delete either.
+        self.assertFalse((sandbox.path(ELSEWHERE) / f"win{sandbox.bits}" / "KespCommObj.dll").exists())
+        self.assertTrue(self.document.exists())
+        pending = sandbox.run("reg", "query", SESSION_MANAGER, "/v", "PendingFileRenameOperations").stdout
+        self.assertIn(ELSEWHERE + "\\README.md", pending)
+        self.assert_registry_unchanged("HKLM", "HKCU")
+        self.release.touch()
+        self.assertEqual(self.holder.communicate(timeout=60)[0].split(), ["PASS"])
+
+
+def main():
+    global sandbox, setup, version, work
+    if len(sys.argv) < 2 or sys.argv[1] not in ("64", "32"):
+        sys.exit(__doc__)
+    sandbox = Sandbox(int(sys.argv.pop(1)))
+    delivered = sorted(DIST.glob("KespCommObj-*-setup.exe"))
+    if not delivered:
+        sys.exit("dist holds no setup program; tools/build makes it")
+    version = delivered[0].name.split("-")[1]
+    reason = sandbox.start()
+    if reason:
+        print(f"skipped: {reason}")
+        sys.exit(SKIPPED)
+    try:
+        with tempfile.TemporaryDirectory(dir=ROOT / "build" / "installer") as folder:
+            work = pathlib.Path(folder)
+            setup = delivered[0] if sandbox.bits == 32 else make_setup(DIST, "setup.exe")
+            passed = unittest.main(exit=False, verbosity=2).result.wasSuccessful()
+    finally:
+        sandbox.stop()
+    sys.exit(not passed)
+
+
+if __name__ == "__main__":
+    main()

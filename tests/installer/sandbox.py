@@ -1,0 +1,93 @@
+"""A Windows of the installer tests' own, and what is to be seen in it."""
+
+import getpass
+import os
+import pathlib
+import subprocess
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+TOOLS = ROOT / "tools"
+SKIPPED = 77
+
+
+class Sandbox:
+    """The Wine prefix of one width; shared by all tests of a run, each of which leaves it as it was."""
+
+    def __init__(self, bits):
+        self.bits = bits
+        base = ROOT / "build" / f"wine-installer-{getpass.getuser()}"
+        self.environment = dict(os.environ, KESP_WINE_BASE=str(base))
+        self.drive = base / f"win{bits}" / "drive_c"
+
+    def tool(self, *command, timeout=400):
+        return subprocess.run([str(TOOLS / command[0]), *map(str, command[1:])], env=self.environment, text=True,
+                              stdin=subprocess.DEVNULL, capture_output=True, timeout=timeout)
+
+    def start(self):
+        """Nothing where it runs now, else the reason why it cannot."""
+        result = self.tool("wine-prefix", self.bits, "start")
+        if result.returncode == SKIPPED:
+            return result.stderr.strip() or "no Wine of that width"
+        result.check_returncode()
+        return None
+
+    def stop(self):
+        self.tool("wine-prefix", self.bits, "stop")
+        self.tool("lib/screen", "stop")
+
+    def run(self, program, *arguments):
+        return self.tool("wine-run", "--bits", self.bits, program, *arguments)
+
+    def begin(self, program, *arguments):
+        command = [str(TOOLS / "wine-run"), "--bits", str(self.bits), str(program), *arguments]
+        return subprocess.Popen(command, env=self.environment, text=True, stdin=subprocess.DEVNULL,
+                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+
+    def path(self, windows_path):
+        """The Linux path of one on drive C."""
+        return self.drive.joinpath(*windows_path.removeprefix("C:\\").split("\\"))
+
+    def temporary(self):
+        return self.drive / "users" / getpass.getuser() / "Temp"
+
+    def files(self):
+        """Files and folders that are not temporary, as paths within drive C."""
+        paths = (path.relative_to(self.drive) for path in self.drive.rglob("*"))
+        return {str(path) for path in paths if "temp" not in map(str.lower, path.parts)}
+
+    def is_listed(self):
+        """Whether Programs and Features lists the library."""
+        entry = "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\KespCommObj"
+        return any(self.run("reg", "query", f"{root}\\{entry}").returncode == 0 for root in ("HKLM", "HKCU"))
+
+    def registry(self):
+        """The lines of HKLM\\Software and of HKCU\\Software, each value with its key before it."""
+        names = {root: f"exported-{root}.reg" for root in ("HKLM", "HKCU")}
+        exports = [f"reg export {root}\\Software C:\\{name} /y" for root, name in names.items()]
+        self.run("cmd", "/c", " & ".join(exports)).check_returncode()
+        return {root: self._lines_of(self.drive / name) for root, name in names.items()}
+
+    @staticmethod
+    def _lines_of(exported):
+        lines, key = set(), ""
+        for line in exported.read_text("utf-16").splitlines():
+            if line.startswith("["):
+                key = line
+            lines.add(key + " " + line)
+        exported.unlink()
+        return lines
+
+
+def windows_path(path):
+    return "Z:" + str(path).replace("/", "\\")
+
+
+def becomes_true(condition, seconds=30):
+    """Whether that happens within the time."""
+    deadline = time.monotonic() + seconds
+    while not condition():
+        if time.monotonic() > deadline:
+            return False
+        time.sleep(0.05)
+    return True
