@@ -37,6 +37,11 @@ std::shared_ptr<void> CKespTCP::KeepAlive() {
   return events_ != nullptr ? events_->KeepAlive() : nullptr;
 }
 
+void CKespTCP::PumpOnce() {
+  socket_->DeliverDue();
+  environment_.pump.PumpOnce();
+}
+
 std::wstring CKespTCP::Peer() const {
   return socket_->RemoteHost() + L":" + std::to_wstring(socket_->RemotePort());
 }

@@ -20,8 +20,9 @@
 namespace kesp {
 
 // CKespTCP talks to one instrument at a time. It owns its socket control and the collection of discovered
-// instruments; it is used by one thread. Settings are plain values except where their setter says otherwise.
-// A setter or method that throws leaves the settings as they were.
+// instruments; it is used by one thread. Whoever calls a member keeps the object alive for the length of the
+// call: the members raise events, and a handler may drop the last reference. Settings are plain values except
+// where their setter says otherwise. A setter or method that throws leaves the settings as they were.
 class CKespTCP final : private SocketListener {
  public:
   // `events` receives the object's events and may be null; it must outlive the object or be taken back with
@@ -146,6 +147,8 @@ class CKespTCP final : private SocketListener {
   // "1.2.3.4 on port 80", the peer as it is set.
   std::wstring Target() const;
 
+  // Lets the socket's notifications and the client's own messages come in.
+  void PumpOnce();
   // Closes the socket and forgets what was known of the bytes that go with it.
   void CloseSocket();
   void CheckTarget();

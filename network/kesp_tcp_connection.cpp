@@ -82,7 +82,7 @@ bool CKespTCP::AwaitConnection() {
   Log(L"Waiting for connection to be established...");
   const ElapsedSeconds waited(environment_.clock);
   for (;;) {
-    environment_.pump.PumpOnce();
+    PumpOnce();
     if (socket_->State() == EKespTCPState::sckConnected && connected_) return true;
     if (waited.Exceeds(time_out_msecs_)) {
       Log(L"Connection timeout...");

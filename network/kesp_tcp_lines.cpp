@@ -48,7 +48,7 @@ bool CKespTCP::WriteLine(const std::wstring& cmd) {
   data_ready_ = false;
   try {
     socket_->SendData(SystemCodePage().ToBytes(cmd) + '\r');
-    environment_.pump.PumpOnce();
+    PumpOnce();
   } catch (...) {
     const Failure failure = CurrentFailure();
     const std::wstring reason = std::to_wstring(failure.number()) + L" - " + failure.description();
@@ -63,7 +63,7 @@ bool CKespTCP::ReadLine(std::wstring& result) {
   const ElapsedSeconds waited(environment_.clock);
   // A handler that runs inside the pump may have taken the reply itself; then the wait simply goes on.
   while (!data_ready_) {
-    environment_.pump.PumpOnce();
+    PumpOnce();
     CheckOverrun(kReadLineSource);
     if (!waited.Exceeds(time_out_msecs_)) continue;
     // With UDP it is discovery that waits here, and its time is over.
@@ -85,7 +85,7 @@ bool CKespTCP::ReadLineBinary(BinaryValue& result, std::int32_t lTimeoutms) {
   last_arrival_tick_ = environment_.clock.TickCount();
   const ElapsedSeconds waited(environment_.clock);
   while (!data_ready_ || !(terminate_on_eos_ || IsQuietFor(lTimeoutms))) {
-    environment_.pump.PumpOnce();
+    PumpOnce();
     CheckOverrun(kReadLineBinarySource);
     if (waited.Exceeds(time_out_msecs_)) throw TimeOut(kReadLineBinarySource);
   }

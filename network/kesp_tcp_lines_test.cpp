@@ -51,6 +51,15 @@ TEST_F(CKespTCPWriteLine, Command_IsSentAtOnceWithACarriageReturnWhateverTheEos)
   EXPECT_EQ(socket_->sent, "*IDN?\r\r");
 }
 
+TEST_F(CKespTCPWriteLine, SendNotifications_AreDeliveredByItsPumpingBeforeWhatTheSystemBrings) {
+  Connect();
+  socket_->on_deliver_due = [this] { listener_->OnSendProgress(2, 0); };
+  socket_->ThenReceives("A\r");
+  EXPECT_TRUE(tcp_->WriteLine(L"x"));
+  EXPECT_THAT(Journal(), ElementsAre(L"SendProgressBegin(2,0)", L"SendProgressEnd()", L"DataArrivalBegin(2)",
+                                     L"DataArrivalEnd()"));
+}
+
 TEST_F(CKespTCPWriteLine, CharactersWithoutByte_BecomeQuestionMarksAndNulsPass) {
   Connect();
   EXPECT_TRUE(tcp_->WriteLine(std::wstring(L"\u20AC\u4E2D\0x", 4)));

@@ -4,11 +4,11 @@
 namespace kesp {
 
 // Which system service a notification comes from.
-enum class NotificationKind : unsigned { kSocket = 0, kHostLookup = 1, kSendReport = 2 };
+enum class NotificationKind : unsigned { kSocket = 0, kHostLookup = 1 };
 
 // Messages that belong to an earlier connection may still be queued when the next one is under way, and the
 // system gives the same socket handles out again; so each connection has message numbers of its own. They are
-// used again after 4096 connections. All lie in the range that the system leaves to applications, 0x8000 to
+// used again after 8192 connections. All lie in the range that the system leaves to applications, 0x8000 to
 // 0xBFFF.
 class NotificationCode {
  public:
@@ -31,7 +31,7 @@ class NotificationCode {
   }
 
  private:
-  static constexpr unsigned kKinds = 4;
+  static constexpr unsigned kKinds = 2;
   static constexpr unsigned kConnections = (kLast - kFirst + 1) / kKinds;
 };
 

@@ -6,11 +6,10 @@
 namespace kesp {
 namespace {
 
-constexpr NotificationKind kKinds[] = {NotificationKind::kSocket, NotificationKind::kHostLookup,
-                                       NotificationKind::kSendReport};
+constexpr NotificationKind kKinds[] = {NotificationKind::kSocket, NotificationKind::kHostLookup};
 
 TEST(NotificationCode, For_AnyConnection_LiesInTheRangeOfApplications) {
-  for (const unsigned connection : {0U, 1U, 4095U, 4096U, 123456789U, 0xFFFFFFFFU}) {
+  for (const unsigned connection : {0U, 1U, 8191U, 8192U, 123456789U, 0xFFFFFFFFU}) {
     for (const NotificationKind kind : kKinds) {
       const unsigned message = NotificationCode::For(kind, connection);
       EXPECT_TRUE(NotificationCode::IsOne(message));
@@ -22,9 +21,9 @@ TEST(NotificationCode, For_AnyConnection_LiesInTheRangeOfApplications) {
 
 TEST(NotificationCode, BelongsTo_OtherConnection_IsFalse) {
   for (const NotificationKind kind : kKinds) {
-    const unsigned message = NotificationCode::For(kind, 4095);
-    EXPECT_FALSE(NotificationCode::BelongsTo(message, 4094));
-    EXPECT_FALSE(NotificationCode::BelongsTo(message, 4096));
+    const unsigned message = NotificationCode::For(kind, 8191);
+    EXPECT_FALSE(NotificationCode::BelongsTo(message, 8190));
+    EXPECT_FALSE(NotificationCode::BelongsTo(message, 8192));
     EXPECT_FALSE(NotificationCode::BelongsTo(message, 0));
   }
 }

@@ -89,6 +89,8 @@ class SocketControlFake final : public SocketControl {
 
   // Runs at the end of each Connect, to script what follows that attempt.
   std::function<void()> on_connect;
+  // Runs at the next DeliverDue, once.
+  std::function<void()> on_deliver_due;
   // What Connect leads to at once.
   EKespTCPState state_after_connect = EKespTCPState::sckConnecting;
   // After Close the state reads sckClosing that many times before it reads sckClosed.
@@ -128,6 +130,9 @@ class SocketControlFake final : public SocketControl {
   void SendData(std::string_view bytes) override {
     Called("SendData");
     sent += bytes;
+  }
+  void DeliverDue() override {
+    if (const std::function<void()> due = std::exchange(on_deliver_due, nullptr)) due();
   }
   std::string_view PeekData() const override { return pending_; }
   std::string GetData() override {

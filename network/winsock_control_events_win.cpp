@@ -25,10 +25,6 @@ void WinsockControl::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
     case NotificationKind::kHostLookup:
       OnHostLookup(looked_up);
       break;
-    case NotificationKind::kSendReport:
-      send_report_posted_ = false;
-      ReportSent();
-      break;
   }
 }
 
@@ -115,7 +111,7 @@ void WinsockControl::OnWritable() {
   const int error = SendUnsent();
   if (error != 0) {
     Fail(error);
-  } else if (!send_report_posted_) {
+  } else {
     ReportSent();
   }
 }
@@ -131,7 +127,17 @@ int WinsockControl::SendUnsent() {
   return 0;
 }
 
+void WinsockControl::DeliverDue() {
+  if (!send_report_due_) return;
+  try {
+    ReportSent();
+  } catch (...) {
+    // Swallowed as in the window procedure: what a listener throws is not the failure of the call that pumps.
+  }
+}
+
 void WinsockControl::ReportSent() {
+  send_report_due_ = false;
   const unsigned connection = connection_;
   const SendProgress progress = send_queue_.Report();
   listener_.OnSendProgress(progress.sent, progress.remaining);

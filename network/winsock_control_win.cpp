@@ -122,7 +122,7 @@ void WinsockControl::Close() {
   socket_.Reset();
   received_.Clear();
   send_queue_.Clear();
-  send_report_posted_ = false;
+  send_report_due_ = false;
   state_ = EKespTCPState::sckClosed;
 }
 
@@ -134,7 +134,7 @@ void WinsockControl::SendData(std::string_view bytes) {
   } else {
     throw SocketFailure(kSocketBadState);
   }
-  AnnounceSendReport();
+  send_report_due_ = true;
 }
 
 int WinsockControl::SendStream(std::string_view bytes) {
@@ -167,13 +167,6 @@ WinsockControl::Taken WinsockControl::SendNow(std::string_view bytes) {
   if (sent != SOCKET_ERROR) return {0, static_cast<std::size_t>(sent)};
   const int error = WSAGetLastError();
   return {error == WSAEWOULDBLOCK ? 0 : error, 0};
-}
-
-// Notifications come from the message queue only, so the report is sent there.
-void WinsockControl::AnnounceSendReport() {
-  if (send_report_posted_) return;
-  send_report_posted_ =
-      PostMessageW(resources_->window.handle(), Code(NotificationKind::kSendReport), 0, 0) != FALSE;
 }
 
 }  // namespace kesp

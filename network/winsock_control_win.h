@@ -35,6 +35,7 @@ class WinsockControl final : public SocketControl, private MessageHandler {
   void Connect(const std::wstring& host, std::int32_t port) override;
   void Close() override;
   void SendData(std::string_view bytes) override;
+  void DeliverDue() override;
   std::string_view PeekData() const override { return received_.Front(); }
   std::string GetData() override { return received_.TakeFront(); }
 
@@ -67,7 +68,6 @@ class WinsockControl final : public SocketControl, private MessageHandler {
     std::size_t count = 0;
   };
   Taken SendNow(std::string_view bytes);
-  void AnnounceSendReport();
 
   void OnHostLookup(const HostLookup::Result& result);
   void OnSocketEvent(int event, int error);
@@ -90,7 +90,7 @@ class WinsockControl final : public SocketControl, private MessageHandler {
   std::int32_t remote_port_ = 0;
   std::uint32_t remote_address_ = 0;  // in network byte order
   unsigned connection_ = 0;           // counts Connect and Close
-  bool send_report_posted_ = false;
+  bool send_report_due_ = false;
   ReceiveBuffer received_;
   SendQueue send_queue_;
   std::unique_ptr<char[]> scratch_;

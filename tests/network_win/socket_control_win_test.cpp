@@ -45,8 +45,33 @@ class SocketControlWin : public testing::Test {
 
   void Connect(const LoopbackPeer& peer) {
     control().Connect(kLoopback, peer.port());
-    ASSERT_TRUE(PumpUntil([this] { return recorder_->Heard("Connect()"); }));
-    recorder_->heard.clear();
+    ASSERT_TRUE(PumpUntil([this] { return !recorder_->heard.empty(); }));
+    ASSERT_EQ(recorder_->heard.front(), "Connect()");
+    recorder_->heard.erase(recorder_->heard.begin());
+  }
+
+  // One pumping, as the transport does it.
+  void Pump() {
+    if (const std::shared_ptr<Recorder> alive = recorder_) alive->control->DeliverDue();
+    MSG message{};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) DispatchMessageW(&message);
+  }
+
+  // Pumps until the condition holds; false when it does not within 10 seconds.
+  bool PumpUntil(const std::function<bool()>& condition) {
+    const DWORD start = GetTickCount();
+    while (!condition()) {
+      if (GetTickCount() - start > 10000) return false;
+      MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+      Pump();
+    }
+    return true;
+  }
+
+  // Pumps for that long, to see that nothing more comes.
+  void PumpFor(DWORD milliseconds) {
+    const DWORD start = GetTickCount();
+    PumpUntil([&] { return GetTickCount() - start >= milliseconds; });
   }
 
   std::shared_ptr<Recorder> recorder_ = Recorder::Make();
@@ -169,13 +194,16 @@ TEST_F(SocketControlWin, Destroyed_WhileResolving_LeavesNothing) {
 TEST_F(SocketControlWin, SendData_ArrivesAndIsReportedDuringPumping) {
   std::string received;
   {
-    const LoopbackPeer peer([&received](SOCKET connection) { received = ReceiveUntil(connection, '\r'); });
+    const LoopbackPeer peer([&received](SOCKET connection) {
+      received = ReceiveUntil(connection, '\r');
+      UntilClosed(connection);
+    });
     Connect(peer);
     control().SendData("*IDN?\r");
     EXPECT_THAT(recorder_->heard, IsEmpty());
     ASSERT_TRUE(PumpUntil([this] { return recorder_->heard.size() >= 2; }));
     EXPECT_THAT(recorder_->heard, ElementsAre("SendProgress(6,0)", "SendComplete()"));
-    PumpUntil([this] { return recorder_->Heard("Close()"); });
+    control().Close();
   }
   EXPECT_EQ(received, "*IDN?\r");
 }
@@ -212,6 +240,18 @@ TEST_F(SocketControlWin, SendData_MoreThanTheSystemTakes_FollowsAsItDoes) {
   }
   EXPECT_EQ(received.size(), bytes.size() + 1);
   EXPECT_TRUE(received == bytes + "\r");
+}
+
+TEST_F(SocketControlWin, SendProgressHandlerThrows_DeliverDueGoesOn) {
+  const LoopbackPeer peer(UntilClosed);
+  Connect(peer);
+  recorder_->handlers["SendProgress"] = [] { throw std::runtime_error("from a handler"); };
+  control().SendData("x");
+  EXPECT_NO_THROW(control().DeliverDue());
+  EXPECT_THAT(recorder_->heard, ElementsAre("SendProgress(1,0)"));
+  control().DeliverDue();  // delivered once
+  EXPECT_THAT(recorder_->heard, ElementsAre("SendProgress(1,0)"));
+  control().Close();
 }
 
 TEST_F(SocketControlWin, SendProgressHandlerCloses_NothingMoreIsTold) {

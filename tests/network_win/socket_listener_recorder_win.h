@@ -1,4 +1,4 @@
-// A socket listener that writes down what it is told, and a pump with a deadline.
+// A socket listener that writes down what it is told.
 #pragma once
 
 #include <functional>
@@ -57,29 +57,6 @@ class Recorder final : public SocketListener, public std::enable_shared_from_thi
     handler();
   }
 };
-
-// Works off the messages that wait.
-inline void Pump() {
-  MSG message{};
-  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) DispatchMessageW(&message);
-}
-
-// Pumps until the condition holds; false when it does not within 10 seconds.
-inline bool PumpUntil(const std::function<bool()>& condition) {
-  const DWORD start = GetTickCount();
-  while (!condition()) {
-    if (GetTickCount() - start > 10000) return false;
-    MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
-    Pump();
-  }
-  return true;
-}
-
-// Pumps for that long, to see that nothing more comes.
-inline void PumpFor(DWORD milliseconds) {
-  const DWORD start = GetTickCount();
-  PumpUntil([&] { return GetTickCount() - start >= milliseconds; });
-}
 
 inline bool WindowClassExists() {
   WNDCLASSW window_class{};
