@@ -1,0 +1,36 @@
+// The command line of kesp-instrument.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kesp::simulator {
+
+// The exit codes of the program.
+inline constexpr int kExitDone = 0;
+inline constexpr int kExitCannotListen = 1;
+inline constexpr int kExitBadInput = 2;  // a bad command line, personality file or log path
+
+struct Options {
+  std::uint16_t port = 0;  // 0: pick a free one
+  std::string bind = "127.0.0.1";
+  std::string personality;  // a file; empty: the built-in one
+  std::string log;          // a file; empty: none
+  bool quiet = false;
+  bool once = false;
+};
+
+// Either options, or what to print and the exit code (for --help and for mistakes).
+struct ParsedOptions {
+  std::optional<Options> options;
+  int exit_code = kExitDone;
+  std::string output;  // for standard output
+  std::string error;   // for standard error
+};
+
+// arguments: the command line without the program's name.
+ParsedOptions ParseOptions(std::vector<std::string> arguments);
+
+}  // namespace kesp::simulator

@@ -1,0 +1,56 @@
+#include "tests/instrument/options.h"
+
+#include <gtest/gtest.h>
+
+namespace kesp::simulator {
+namespace {
+
+TEST(ParseOptions, NoArguments_GivesTheDefaults) {
+  const ParsedOptions parsed = ParseOptions({});
+  ASSERT_TRUE(parsed.options);
+  EXPECT_EQ(parsed.options->port, 0);
+  EXPECT_EQ(parsed.options->bind, "127.0.0.1");
+  EXPECT_EQ(parsed.options->personality, "");
+  EXPECT_EQ(parsed.options->log, "");
+  EXPECT_FALSE(parsed.options->quiet);
+  EXPECT_FALSE(parsed.options->once);
+  EXPECT_EQ(parsed.output + parsed.error, "");
+}
+
+TEST(ParseOptions, AllArguments_AreTaken) {
+  const ParsedOptions parsed = ParseOptions(
+      {"--port", "10001", "--bind", "::1", "--personality", "p.json", "--log=l.txt", "--quiet", "--once"});
+  ASSERT_TRUE(parsed.options) << parsed.error;
+  EXPECT_EQ(parsed.options->port, 10001);
+  EXPECT_EQ(parsed.options->bind, "::1");
+  EXPECT_EQ(parsed.options->personality, "p.json");
+  EXPECT_EQ(parsed.options->log, "l.txt");
+  EXPECT_TRUE(parsed.options->quiet);
+  EXPECT_TRUE(parsed.options->once);
+}
+
+TEST(ParseOptions, Help_NamesEveryOptionAndSucceeds) {
+  const ParsedOptions parsed = ParseOptions({"--help"});
+  EXPECT_FALSE(parsed.options);
+  EXPECT_EQ(parsed.exit_code, kExitDone);
+  EXPECT_EQ(parsed.error, "");
+  for (const char* name : {"--port", "--bind", "--personality", "--log", "--quiet", "--once", "--help"})
+    EXPECT_NE(parsed.output.find(name), std::string::npos) << name;
+}
+
+TEST(ParseOptions, Mistakes_AreRefusedWithAMessage) {
+  const std::vector<std::vector<std::string>> mistakes = {
+      {"--prot", "1"},      {"--port", "65536"},       {"--port", "-1"},  {"--port", "x"}, {"--port"},
+      {"--bind", "host.x"}, {"--bind", "127.0.0.1:5"}, {"--personality"}, {"stray"},
+  };
+  for (const std::vector<std::string>& arguments : mistakes) {
+    const ParsedOptions parsed = ParseOptions(arguments);
+    EXPECT_FALSE(parsed.options) << arguments.front();
+    EXPECT_EQ(parsed.exit_code, kExitBadInput) << arguments.front();
+    EXPECT_FALSE(parsed.error.empty()) << arguments.front();
+    EXPECT_EQ(parsed.output, "") << arguments.front();
+  }
+}
+
+}  // namespace
+}  // namespace kesp::simulator

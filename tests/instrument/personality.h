@@ -1,0 +1,31 @@
+// A personality: what a simulated instrument answers to which command, whatever carries the bytes.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+
+#include "tests/instrument/action.h"
+
+namespace kesp::simulator {
+
+using AnswersByName = std::map<std::string, Answer, std::less<>>;
+
+struct Personality {
+  // Ends each command on its way in; never empty.
+  std::string terminator = "\r";
+
+  Answer on_connect;
+  AnswersByName commands;
+  // Answers to commands that begin so; the longest such name counts.
+  AnswersByName prefixes;
+  // For commands not named above: those that end in "?", and the others.
+  Answer unknown_query;
+  Answer unknown;
+};
+
+// The personality played when no file is given: a small instrument that knows "*IDN?", "*VER", "t" and
+// "MEAS?", refuses every other query with an error text and takes everything else without an answer.
+Personality BuiltInPersonality();
+
+}  // namespace kesp::simulator

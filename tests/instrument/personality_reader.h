@@ -1,0 +1,19 @@
+// Reads a personality from the JSON text of its file.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "tests/instrument/personality.h"
+#include "tests/instrument/personality_error.h"
+
+namespace kesp::simulator {
+
+// Reads the text strictly. Throws PersonalityError for text that is not JSON (with line and column), a name
+// given twice in one object, and everything that the format does not know (with the place).
+Personality ReadPersonality(const std::string& json_text);
+
+// Reads a file. The PersonalityError of a file begins with the file's name.
+Personality LoadPersonality(const std::filesystem::path& file);
+
+}  // namespace kesp::simulator

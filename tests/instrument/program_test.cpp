@@ -1,0 +1,108 @@
+// The program kesp-instrument as its users meet it: output, log, signals, exit codes.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "tests/instrument/child_process.h"
+#include "tests/instrument/loopback_client.h"
+
+namespace kesp::simulator {
+namespace {
+
+constexpr char kProgram[] = KESP_INSTRUMENT_PROGRAM;
+
+// The port of the line that says that the program is ready; 0 when it is not that line.
+std::uint16_t PortOf(const std::string& line) {
+  const std::string ready = "listening on 127.0.0.1:";
+  if (line.rfind(ready, 0) != 0) return 0;
+  return static_cast<std::uint16_t>(std::stoi(line.substr(ready.size())));
+}
+
+TEST(Program, Signals_EndItCleanly) {
+  for (const int signal : {SIGTERM, SIGINT}) {
+    ChildProcess program({kProgram});
+    const std::uint16_t port = PortOf(program.FirstLine());
+    EXPECT_GE(port, 20000);
+    EXPECT_LE(port, 32000);
+    LoopbackClient client(port);
+    EXPECT_EQ(client.Ask("*VER"), "1.0");
+    program.Signal(signal);
+    EXPECT_EQ(program.Wait(), 0) << program.Error();
+    EXPECT_EQ(program.Output(), "listening on 127.0.0.1:" + std::to_string(port) + "\n");
+    EXPECT_EQ(client.ReadToEnd().bytes, "");
+  }
+}
+
+TEST(Program, WithoutQuiet_LogsToStandardError) {
+  ChildProcess program({kProgram, "--once"});
+  { EXPECT_EQ(LoopbackClient(PortOf(program.FirstLine())).Ask("t"), "21.5"); }
+  EXPECT_EQ(program.Wait(), 0);
+  EXPECT_NE(program.Error().find(" #1 command \"t\"\n"), std::string::npos) << program.Error();
+  EXPECT_NE(program.Error().find(" #1 reply \"21.5\\r\" (5 bytes, 1 piece)\n"), std::string::npos);
+}
+
+TEST(Program, LogAndQuiet_LogsToTheFileOnly) {
+  const std::string log = testing::TempDir() + "kesp_program_test.log";
+  std::remove(log.c_str());
+  ChildProcess program({kProgram, "--once", "--quiet", "--log", log});
+  { EXPECT_EQ(LoopbackClient(PortOf(program.FirstLine())).Ask("t"), "21.5"); }
+  EXPECT_EQ(program.Wait(), 0);
+  EXPECT_EQ(program.Error(), "");
+  std::ifstream stream(log);
+  const std::string lines{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  EXPECT_NE(lines.find(" #1 connected from 127.0.0.1:"), std::string::npos) << lines;
+  EXPECT_NE(lines.find(" #1 command \"t\"\n"), std::string::npos) << lines;
+  EXPECT_NE(lines.find(" #1 closed by the client\n"), std::string::npos) << lines;
+  std::remove(log.c_str());
+}
+
+TEST(Program, PersonalityFile_IsPlayed) {
+  ChildProcess program({kProgram, "--personality", KESP_PERSONALITIES "/bench-top-controller.json"});
+  EXPECT_EQ(LoopbackClient(PortOf(program.FirstLine())).Ask("*IDN?"), "KESP,BT200,SIM20417,2.3");
+}
+
+TEST(Program, PortInUse_ExitsWithOne) {
+  ChildProcess first({kProgram});
+  const std::string port = std::to_string(PortOf(first.FirstLine()));
+  ChildProcess second({kProgram, "--port", port});
+  EXPECT_EQ(second.Wait(), 1);
+  EXPECT_EQ(second.Output(), "");
+  EXPECT_EQ(second.Error(),
+            "kesp-instrument: cannot listen on 127.0.0.1 port " + port + ": Address already in use\n");
+}
+
+TEST(Program, BadPersonality_ExitsWithTwoAndThePlace) {
+  const std::string file = testing::TempDir() + "kesp_program_test.json";
+  std::ofstream(file) << R"({"commands": {"MEAS?": [{"send": "1"}, {"wait_ms": "long"}]}})";
+  ChildProcess program({kProgram, "--personality", file});
+  EXPECT_EQ(program.Wait(), 2);
+  EXPECT_EQ(program.Output(), "");
+  EXPECT_EQ(program.Error(), "kesp-instrument: " + file +
+                                 ": /commands/MEAS?/1/wait_ms: must be a whole number from 0 to 3600000\n");
+  std::remove(file.c_str());
+}
+
+TEST(Program, BadCommandLineOrLogPath_ExitsWithTwo) {
+  const std::vector<std::vector<std::string>> mistakes = {
+      {kProgram, "--bogus"}, {kProgram, "--port", "70000"}, {kProgram, "--log", "/nowhere/at/all.log"}};
+  for (const std::vector<std::string>& command : mistakes) {
+    ChildProcess program(command);
+    EXPECT_EQ(program.Wait(), 2) << command.back();
+    EXPECT_EQ(program.Output(), "");
+    EXPECT_NE(program.Error(), "");
+  }
+}
+
+TEST(Program, Help_GoesToStandardOutput) {
+  ChildProcess program({kProgram, "--help"});
+  EXPECT_EQ(program.Wait(), 0);
+  EXPECT_NE(program.Output().find("Examples:"), std::string::npos);
+  EXPECT_EQ(program.Error(), "");
+}
+
+}  // namespace
+}  // namespace kesp::simulator
