@@ -7,9 +7,10 @@ class MessagePump {
  public:
   virtual ~MessagePump() = default;
 
-  // Processes the window messages that are waiting on the calling thread, then returns; never blocks.
-  // Messages that arrive while it works are left to the next call, so a flood of them cannot hold the caller.
-  // Handlers of the client run inside and may call into the library.
+  // Processes the window messages that are waiting on the calling thread, then returns; never blocks. It goes
+  // no further than the first message that is younger, by the tick count, than the call, so a flood of
+  // messages cannot hold the caller; the rest is left to the next call. Handlers of the client run inside and
+  // may call into the library.
   virtual void PumpOnce() = 0;
 };
 

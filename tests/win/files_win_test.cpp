@@ -6,6 +6,7 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 #include "support/guid_source_win.h"
 #include "support/object_key.h"
