@@ -16,8 +16,8 @@ namespace {
 
 constexpr Range kMilliseconds{0, 3'600'000};
 constexpr Range kPieces{1, 1'000'000};
-constexpr Range kRandomBytes{1, 64 * 1024 * 1024};
-constexpr Range kRepeatedBytes{1, 1024 * 1024 * 1024};
+constexpr Range kRandomBytes{1, std::int64_t{64} * 1024 * 1024};
+constexpr Range kRepeatedBytes{1, std::int64_t{1024} * 1024 * 1024};
 constexpr Range kSeed{0, UINT32_MAX};
 
 std::chrono::milliseconds Milliseconds(const JsonFields& fields, std::string_view field) {
@@ -134,14 +134,15 @@ ActionList ReadList(const nlohmann::json& value, const std::string& place,
                     const std::string& reply_terminator) {
   if (!value.is_array()) throw PersonalityError(place, "must be a list of actions");
   ActionList actions;
-  for (std::size_t i = 0; i < value.size(); ++i)
+  for (std::size_t i = 0; i < value.size(); ++i) {
     actions.push_back(ReadAction(value[i], place + "/" + std::to_string(i), reply_terminator));
+  }
   const bool held = std::any_of(actions.begin(), actions.end(), [](const Action& action) {
     return std::holds_alternative<HoldForNext>(action);
   });
-  if (held && !std::all_of(actions.begin(), actions.end(), CanBeHeld))
-    throw PersonalityError(place,
-                           "\"merge_next\" goes only with \"send\", \"send_hex\", \"random\" and \"echo\"");
+  if (held && !std::all_of(actions.begin(), actions.end(), CanBeHeld)) {
+    throw PersonalityError(place, R"("merge_next" goes only with "send", "send_hex", "random" and "echo")");
+  }
   return actions;
 }
 
@@ -160,9 +161,10 @@ Answer ReadAnswer(const nlohmann::json& value, const std::string& place,
   const nlohmann::json& turns = fields.Value("cycle");
   if (!turns.is_array() || turns.empty())
     throw PersonalityError(fields.PlaceOf("cycle"), "must be a list of one or more lists of actions");
-  for (std::size_t i = 0; i < turns.size(); ++i)
-    answer.turns.push_back(
-        ReadList(turns[i], fields.PlaceOf("cycle") + "/" + std::to_string(i), reply_terminator));
+  for (std::size_t i = 0; i < turns.size(); ++i) {
+    const std::string turn_place = fields.PlaceOf("cycle") + "/" + std::to_string(i);
+    answer.turns.push_back(ReadList(turns[i], turn_place, reply_terminator));
+  }
   return answer;
 }
 

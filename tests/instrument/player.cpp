@@ -8,7 +8,7 @@ namespace kesp::simulator {
 namespace {
 
 constexpr std::size_t kHeadLength = 64;
-constexpr std::size_t kBlockLength = 256 * 1024;
+constexpr std::size_t kBlockLength = std::size_t{256} * 1024;
 constexpr std::string_view kFloodPattern = "0123456789";
 
 // The pattern over and over: whole patterns, at least one, and about a block long when `total` is so much.

@@ -1,7 +1,7 @@
 // The program kesp-instrument as its users meet it: output, log, signals, exit codes.
 #include <gtest/gtest.h>
-#include <signal.h>
 
+#include <csignal>
 #include <cstdio>
 #include <fstream>
 #include <iterator>

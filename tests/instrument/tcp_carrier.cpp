@@ -13,10 +13,10 @@
 namespace kesp::simulator {
 namespace {
 
-constexpr std::size_t kInputLength = 64 * 1024;
+constexpr std::size_t kInputLength = std::size_t{64} * 1024;
 // How much unread input is dropped before a close; a client that sends on for ever must not delay it for
 // ever.
-constexpr std::size_t kDropLimit = 16 * 1024 * 1024;
+constexpr std::size_t kDropLimit = std::size_t{16} * 1024 * 1024;
 
 std::string PeerOf(const asio::ip::tcp::socket& socket) {
   asio::error_code error;

@@ -1,7 +1,7 @@
 // The script with-instrument: the command's exit code comes back, and no process stays.
 #include <gtest/gtest.h>
-#include <signal.h>
 
+#include <csignal>
 #include <sstream>
 #include <string>
 #include <vector>
