@@ -1,6 +1,7 @@
 // The COM object of the serial transport.
 #include "server/com_port_class.h"
 
+#include "server/adopt.h"
 #include "support/environment_win.h"
 
 namespace kesp {
@@ -16,7 +17,7 @@ ComPortClass::ComPortClass()
     : AutomationObject(kDescription),
       events_(static_cast<::_CKespCOMPort3*>(this), __uuidof(::__CKespCOMPort3)),
       object_(std::make_unique<CKespCOMPort3>(SystemEnvironment())) {
-  smart_switch_.Attach(new SmartSwitchClass(object_->SmartSwitch()));
+  smart_switch_ = Adopt(new SmartSwitchClass(object_->SmartSwitch()));
 }
 
 HRESULT ComPortClass::get_SmartSwitch(::_CKespSmartSwitch3** retval) {

@@ -3,6 +3,7 @@
 
 #include <wrl/client.h>
 
+#include "server/adopt.h"
 #include "server/com_port_class.h"
 #include "server/ieee_class.h"
 #include "server/tcp_class.h"
@@ -20,8 +21,7 @@ const ClassDescription kDescription{__uuidof(::CKespCommObj), __uuidof(::_CKespC
 // Makes the COM object of a transport and returns the transport, whose owner holds the COM object.
 template <class Class>
 auto MakeTransport(IDispatch*& com_object) {
-  ComPtr<Class> made;
-  made.Attach(new Class);
+  ComPtr<Class> made = Adopt(new Class);
   com_object = made.Get();
   auto* transport = &made->object();
   return std::shared_ptr<std::remove_reference_t<decltype(*transport)>>(

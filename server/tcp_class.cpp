@@ -2,6 +2,7 @@
 #include "server/tcp_class.h"
 
 #include "network/socket_control_win.h"
+#include "server/adopt.h"
 #include "server/variant_bridge.h"
 #include "support/environment_win.h"
 
@@ -18,7 +19,7 @@ TcpClass::TcpClass()
       events_(static_cast<::_CKespTCP*>(this), __uuidof(::__CKespTCP)),
       bridge_(static_cast<::_CKespTCP*>(this), events_),
       object_(std::make_unique<CKespTCP>(SystemEnvironment(), MakeSocketControl, &bridge_)) {
-  devices_.Attach(new InstrumentsClass(object_->Devices()));
+  devices_ = Adopt(new InstrumentsClass(object_->Devices()));
 }
 
 HRESULT TcpClass::get_Devices(::_CInstruments** retval) {
