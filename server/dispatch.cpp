@@ -4,6 +4,7 @@
 #include "server/error_bridge.h"
 #include "server/reference_arguments.h"
 #include "server/type_info_cache.h"
+#include "server/variant_bridge.h"
 
 namespace kesp {
 
@@ -24,6 +25,20 @@ HRESULT Forward(const InterfaceInfo& info, IDispatch* object, DISPID id, WORD fl
                                   bad_argument ? bad_argument : &unused);
 }
 
+// Arguments for a property that takes none are meant for the default member of the object that it holds.
+HRESULT InvokeDefaultMember(const InterfaceInfo& info, IDispatch* object, const MemberCall& call, LCID locale,
+                            WORD flags, DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* exception,
+                            UINT* bad_argument) {
+  DISPPARAMS none{};
+  ScopedVariant held;
+  const HRESULT outcome =
+      Forward(info, object, call.id, DISPATCH_PROPERTYGET, &none, held.get(), exception, bad_argument);
+  if (FAILED(outcome)) return outcome;
+  if (V_VT(held.get()) != VT_DISPATCH || V_DISPATCH(held.get()) == nullptr) return DISP_E_BADPARAMCOUNT;
+  return V_DISPATCH(held.get())
+      ->Invoke(DISPID_VALUE, IID_NULL, locale, flags, arguments, result, exception, bad_argument);
+}
+
 }  // namespace
 
 HRESULT DispatchGetTypeInfo(const InterfaceInfo& info, UINT index, ITypeInfo** type_info) noexcept {
@@ -42,7 +57,7 @@ HRESULT DispatchGetIDsOfNames(const InterfaceInfo& info, REFIID iid, LPOLESTR* n
   return info.type_info()->GetIDsOfNames(names, count, ids);
 }
 
-HRESULT DispatchInvoke(const InterfaceInfo& info, IDispatch* object, DISPID id, REFIID iid, LCID /*locale*/,
+HRESULT DispatchInvoke(const InterfaceInfo& info, IDispatch* object, DISPID id, REFIID iid, LCID locale,
                        WORD flags, DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* exception,
                        UINT* bad_argument) noexcept {
   if (!IsEqualIID(iid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
@@ -51,8 +66,12 @@ HRESULT DispatchInvoke(const InterfaceInfo& info, IDispatch* object, DISPID id, 
   flags = EffectiveFlags(id, flags);
   const MemberCall* call = info.Find(id, flags);
   if (call == nullptr) return DISP_E_MEMBERNOTFOUND;
-  if (arguments->cNamedArgs > arguments->cArgs || arguments->cArgs > call->arguments)
-    return DISP_E_BADPARAMCOUNT;
+  if (arguments->cNamedArgs > arguments->cArgs) return DISP_E_BADPARAMCOUNT;
+  if (arguments->cArgs > call->arguments) {
+    if (call->kind != INVOKE_PROPERTYGET || call->arguments != 0) return DISP_E_BADPARAMCOUNT;
+    return InvokeDefaultMember(info, object, *call, locale, flags, arguments, result, exception,
+                               bad_argument);
+  }
   // A property is never set and read at once, and its result, if asked for, stays empty.
   if ((call->kind & (INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF)) != 0) result = nullptr;
   if (call->references.empty()) {

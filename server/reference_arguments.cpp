@@ -54,10 +54,16 @@ void ReferenceArguments::Prepare(VARIANT& argument, VARTYPE type) {
   if (V_VT(&argument) == (VT_BYREF | type)) return;
   // An argument left out is the automation library's business.
   if (V_VT(&argument) == VT_ERROR) return;
+  VARIANT* variable = V_VT(&argument) == (VT_BYREF | VT_VARIANT) ? VariableOf(argument) : nullptr;
+  if (variable != nullptr && V_VT(variable) == (VT_BYREF | type)) {
+    // The variable stands for a typed one, which the member stores into itself.
+    argument = *variable;
+    return;
+  }
   auto stand_in = std::make_unique<StandIn>();
   VariantInit(&stand_in->value);
-  if (V_VT(&argument) == (VT_BYREF | VT_VARIANT)) {
-    stand_in->variable = VariableOf(argument);
+  if (variable != nullptr) {
+    stand_in->variable = variable;
     ConvertIn(*stand_in->variable, type, &stand_in->value);
   } else if (FAILED(VariantChangeType(&stand_in->value, &argument, 0, type))) {
     // Not a variable and not convertible: refused by the automation library as a type mismatch.
