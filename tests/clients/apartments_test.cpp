@@ -1,0 +1,232 @@
+// Objects used from other apartments than their own, through the marshaler of the type library.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <thread>
+#include <vector>
+
+#include "tests/clients/comm_obj_fixture.h"
+#include "tests/clients/event_recorder.h"
+#include "tests/clients/late_object.h"
+#include "tests/clients/library_module.h"
+
+namespace kesp::clients {
+namespace {
+
+// Runs in an apartment of its own kind on a thread of its own, while the caller's apartment serves calls.
+void RunElsewhere(DWORD kind, const std::function<void()>& work) {
+  std::atomic<bool> done = false;
+  std::thread thread([&] {
+    {
+      const Apartment apartment(kind);
+      work();
+    }
+    done = true;
+  });
+  EXPECT_TRUE(PumpUntil([&] { return done.load(); }, 60000));
+  thread.join();
+}
+
+// Hands an interface to another apartment.
+template <class Interface>
+class Passage {
+ public:
+  explicit Passage(Interface* object) {
+    EXPECT_EQ(CoMarshalInterThreadInterfaceInStream(__uuidof(Interface), object, &stream_), S_OK);
+  }
+  ComPtr<Interface> Arrive() {
+    ComPtr<Interface> object;
+    EXPECT_EQ(CoGetInterfaceAndReleaseStream(stream_, __uuidof(Interface),
+                                             reinterpret_cast<void**>(object.GetAddressOf())),
+              S_OK);
+    return object;
+  }
+
+ private:
+  IStream* stream_ = nullptr;
+};
+
+class ApartmentsTest : public CommObjFixture, public testing::WithParamInterface<DWORD> {};
+
+TEST_P(ApartmentsTest, Properties_GoThrough) {
+  Passage<_CKespCommObj> passage(comm_.Get());
+  RunElsewhere(GetParam(), [&] {
+    const auto comm = passage.Arrive();
+    ASSERT_NE(comm, nullptr);
+    EXPECT_NE(comm.Get(), comm_.Get()) << "a proxy";
+    EXPECT_EQ(Read(comm, &_CKespCommObj::get_CommStyle), csTCPIP);
+    EXPECT_EQ(Write(comm, &_CKespCommObj::put_BinaryTimeoutms, 321), S_OK);
+    EXPECT_EQ(WriteByReference(comm, &_CKespCommObj::put_CommStyle, csIEEE), S_OK);
+    EXPECT_EQ(Read(comm, &_CKespCommObj::GetKey).size(), 11u);
+    ComPtr<_CKespIEEE> ieee;
+    EXPECT_EQ(ReadObject(comm, &_CKespCommObj::get_CommObject).As(&ieee), S_OK);
+    EXPECT_EQ(Read(ieee, &_CKespIEEE::get_PrimaryAddress), 1);
+  });
+  EXPECT_EQ(Read(comm_, &_CKespCommObj::get_BinaryTimeoutms), 321);
+  EXPECT_EQ(Read(comm_, &_CKespCommObj::get_CommStyle), csIEEE);
+}
+
+TEST_P(ApartmentsTest, Query_ResultByReferenceComesBack) {
+  Passage<_CKespCommObj> passage(comm_.Get());
+  RunElsewhere(GetParam(), [&] {
+    const auto comm = passage.Arrive();
+    Text reply(L"before");
+    VARIANT_BOOL answer = VARIANT_FALSE;
+    EXPECT_EQ(comm->Query(reply.in_out(), Text(L"*IDN?").get(), Text(L"").get(), Text(L"").get(), &answer),
+              S_OK);
+    EXPECT_EQ(answer, VARIANT_TRUE);
+    EXPECT_EQ(reply.str(), L"KESP,TORTURE,SIM00666,1.0");
+    Value bytes;
+    EXPECT_EQ(
+        comm->QueryBinary(bytes.get(), Text(L"ECHO b").get(), Text(L"").get(), Text(L"").get(), &answer),
+        S_OK);
+    EXPECT_EQ(BytesOf(*bytes.get()), "ECHO b\r");
+  });
+}
+
+TEST_P(ApartmentsTest, LateBoundQuery_ResultComesBackIntoTheVariable) {
+  Passage<IDispatch> passage(comm_.Get());
+  RunElsewhere(GetParam(), [&] {
+    const LateObject late(passage.Arrive());
+    Value result(5);
+    const Value cmd(L"ECHO late");
+    EXPECT_TRUE(late.Call(L"Query", {Variable(result), Plain(cmd)}).IsTrue());
+    EXPECT_EQ(result.text(), L"ECHO late");
+  });
+}
+
+TEST_P(ApartmentsTest, Refusal_NumberAndExcepInfoComeBack) {
+  Passage<_CKespTCP> early(tcp_.Get());
+  Passage<IDispatch> late(tcp_.Get());
+  RunElsewhere(GetParam(), [&] {
+    // Windows brings the error information of such a call back as well; Wine's proxies do not.
+    EXPECT_EQ(Write(early.Arrive(), &_CKespTCP::put_Port, 0), ERR_INVALID_PORT);
+    const Outcome outcome = LateObject(late.Arrive()).Put(L"Port", Plain(Value(0)));
+    EXPECT_EQ(outcome.result, DISP_E_EXCEPTION);
+    EXPECT_EQ(outcome.scode, ERR_INVALID_PORT);
+    EXPECT_EQ(outcome.source, L"[CKespTCP - Port]");
+    EXPECT_EQ(outcome.description, L"Invalid Port");
+  });
+}
+
+TEST_P(ApartmentsTest, Events_ReachAHandlerInItsApartment) {
+  Passage<_CKespTCP> passage(tcp_.Get());
+  RunElsewhere(GetParam(), [&] {
+    const auto tcp = passage.Arrive();
+    const auto recorder = EventRecorder::Make(__uuidof(__CKespTCP));
+    const DWORD thread = GetCurrentThreadId();
+    bool own_thread = true;
+    recorder->listener = [&](const std::wstring&) { own_thread &= GetCurrentThreadId() == thread; };
+    Connection connection(tcp.Get(), __uuidof(__CKespTCP), recorder.Get());
+    EXPECT_TRUE(CallsTrue(tcp, &_CKespTCP::Initialize));
+    EXPECT_EQ(recorder->journal, (std::vector<std::wstring>{L"ConnectBegin()", L"ConnectEnd()"}));
+    // A single-threaded apartment is called on its thread, the other one on any.
+    EXPECT_EQ(own_thread, GetParam() == COINIT_APARTMENTTHREADED);
+  });
+}
+
+// What a handler elsewhere leaves in an argument is what the next handler sees.
+TEST_P(ApartmentsTest, InOutArgumentsOfEvents_ComeBack) {
+  const RefusingPort nobody;
+  Write(tcp_, &_CKespTCP::put_Port, nobody.number());
+  Write(tcp_, &_CKespTCP::put_TimeOutmSecs, 1000);
+  const auto here = EventRecorder::Make(__uuidof(__CKespTCP));
+  std::atomic<bool> is_connected = false;
+  std::atomic<bool> go = false;
+  Passage<_CKespTCP> passage(tcp_.Get());
+  std::thread thread([&] {
+    const Apartment apartment(GetParam());
+    const auto tcp = passage.Arrive();
+    const auto there = EventRecorder::Make(__uuidof(__CKespTCP));
+    there->handlers[L"ErrorBegin"] = [](DISPPARAMS& arguments) {
+      SysReAllocString(V_BSTRREF(&arguments.rgvarg[5]), L"changed");
+      *V_BOOLREF(&arguments.rgvarg[0]) = VARIANT_TRUE;
+    };
+    Connection first(tcp.Get(), __uuidof(__CKespTCP), there.Get());
+    is_connected = true;
+    EXPECT_TRUE(PumpUntil([&] { return go.load(); }));
+    VARIANT_BOOL answer = VARIANT_TRUE;
+    EXPECT_EQ(tcp->Initialize(&answer), ERR_TIMEOUT);
+    EXPECT_EQ(there->Count(L"ErrorBegin"), 1u);
+    is_connected = false;
+  });
+  EXPECT_TRUE(PumpUntil([&] { return is_connected.load(); }));
+  const Connection second(tcp_.Get(), __uuidof(__CKespTCP), here.Get());
+  go = true;
+  EXPECT_TRUE(PumpUntil([&] { return !is_connected.load(); }, 60000));
+  // The other apartment ends with calls to this one.
+  std::atomic<bool> joined = false;
+  std::thread joiner([&] {
+    thread.join();
+    joined = true;
+  });
+  PumpUntil([&] { return joined.load(); }, 60000);
+  joiner.join();
+  ASSERT_FALSE(here->journal.empty());
+  EXPECT_NE(here->journal[0].find(L"&changed"), std::wstring::npos)
+      << testing::PrintToString(here->journal[0]);
+  EXPECT_NE(here->journal[0].find(L"&True"), std::wstring::npos) << testing::PrintToString(here->journal[0]);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, ApartmentsTest,
+                         testing::Values(COINIT_APARTMENTTHREADED, COINIT_MULTITHREADED),
+                         [](const auto& info) {
+                           return info.param == COINIT_MULTITHREADED ? "Multithreaded" : "SingleThreaded";
+                         });
+
+// A client without message loop: the objects live in an apartment that COM makes for them.
+TEST(MultithreadedClientTest, CreatesQueriesAndReleases) {
+  std::thread([] {
+    const Apartment apartment(COINIT_MULTITHREADED);
+    const auto recorder = EventRecorder::Make(__uuidof(__CKespTCP));
+    {
+      const auto comm = Create<_CKespCommObj>(__uuidof(CKespCommObj));
+      ASSERT_NE(comm, nullptr);
+      const auto tcp = UseInstrument(comm.Get());
+      ComPtr<IConnectionPointContainer> container;
+      tcp.As(&container);
+      ComPtr<IConnectionPoint> point;
+      EXPECT_EQ(container->FindConnectionPoint(__uuidof(__CKespTCP), &point), S_OK);
+      DWORD cookie = 0;
+      EXPECT_EQ(point->Advise(recorder.Get(), &cookie), S_OK);
+      Text reply;
+      VARIANT_BOOL answer = VARIANT_FALSE;
+      EXPECT_EQ(comm->Query(reply.in_out(), Text(L"*IDN?").get(), Text(L"").get(), Text(L"").get(), &answer),
+                S_OK);
+      EXPECT_EQ(answer, VARIANT_TRUE);
+      EXPECT_EQ(reply.str(), L"KESP,TORTURE,SIM00666,1.0");
+      EXPECT_EQ(recorder->Count(L"DataArrivalEnd"), 1u);
+      EXPECT_GT(recorder->references(), 1u);
+    }
+    // The object is gone when its handler is let go. (DllCanUnloadNow is no witness here: Wine keeps the
+    // class factory of every apartment-threaded class that a multithreaded client asks for.)
+    EXPECT_TRUE(PumpUntil([&] { return recorder->references() == 1; }));
+  }).join();
+}
+
+TEST(MultithreadedClientTest, ManyThreadsAtOnce) {
+  std::atomic<int> answered = 0;
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&answered, i] {
+      const Apartment apartment(i % 2 == 0 ? COINIT_APARTMENTTHREADED : COINIT_MULTITHREADED);
+      const auto comm = Create<_CKespCommObj>(__uuidof(CKespCommObj));
+      const auto tcp = UseInstrument(comm.Get());
+      Write(tcp, &_CKespTCP::put_TimeOutmSecs, 20000);
+      for (int round = 0; round < 5; ++round) {
+        const std::wstring cmd = L"ECHO " + std::to_wstring(i * 100 + round);
+        Text reply;
+        VARIANT_BOOL answer = VARIANT_FALSE;
+        const HRESULT result =
+            comm->Query(reply.in_out(), Text(cmd).get(), Text(L"").get(), Text(L"").get(), &answer);
+        if (result == S_OK && reply.str() == cmd) ++answered;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(answered, 4 * 5);
+}
+
+}  // namespace
+}  // namespace kesp::clients

@@ -1,0 +1,269 @@
+// Late binding: names, identifiers, counts of arguments, defaults, and what a mistake gets.
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+
+#include "KespCommObj.h"
+#include "tests/clients/instrument_address.h"
+#include "tests/clients/late_object.h"
+#include "tests/clients/public_classes.h"
+#include "tests/clients/public_members.h"
+
+namespace kesp::clients {
+namespace {
+
+using Words = std::initializer_list<WORD>;
+
+class LateBoundTest : public testing::Test {
+ protected:
+  // The network transport of comm_, pointed at the instrument.
+  LateObject UseTheInstrument() const {
+    comm_.Put(L"CommStyle", Plain(Value(csTCPIP)));
+    const LateObject transport(V_DISPATCH(comm_.Get(L"CommObject").value.get()));
+    const Value host(InstrumentHost().c_str());
+    EXPECT_EQ(transport.Put(L"IPAddress", Plain(host)).result, S_OK);
+    EXPECT_EQ(transport.Put(L"Port", Plain(Value(InstrumentPort()))).result, S_OK);
+    return transport;
+  }
+
+  Apartment apartment_;
+  LateObject comm_{Create<IDispatch>(__uuidof(CKespCommObj))};
+  LateObject tcp_{Create<IDispatch>(__uuidof(CKespTCP))};
+  LateObject port_{Create<IDispatch>(__uuidof(CKespCOMPort3))};
+};
+
+TEST_F(LateBoundTest, Names_GiveTheDeclaredIdentifiersWithoutRegardToCase) {
+  for (const PublicClass& one : kPublicClasses) {
+    ComPtr<IDispatch> dispatch;
+    MakeObject(one).As(&dispatch);
+    const LateObject object(dispatch);
+    for (const PublicInterface& interface_of_class : PublicInterfaces()) {
+      if (interface_of_class.iid != one.default_interface) continue;
+      for (const PublicMember& member : interface_of_class.members) {
+        std::wstring name = member.name;
+        EXPECT_EQ(object.IdOf(name), member.id) << testing::PrintToString(name);
+        for (wchar_t& letter : name) letter = static_cast<wchar_t>(towupper(letter));
+        EXPECT_EQ(object.IdOf(name), member.id) << testing::PrintToString(name);
+      }
+    }
+  }
+}
+
+TEST_F(LateBoundTest, NamesOfArguments_ArePositions) {
+  std::vector<DISPID> ids;
+  EXPECT_EQ(comm_.IdsOf({L"Query", L"result", L"cmd", L"OmegaAddress", L"OmegaValue"}, ids), S_OK);
+  EXPECT_EQ(ids, (std::vector<DISPID>{12, 0, 1, 2, 3}));
+}
+
+TEST_F(LateBoundTest, UnknownName_IsUnknown) {
+  std::vector<DISPID> ids;
+  EXPECT_EQ(comm_.IdsOf({L"NoSuchMember"}, ids), DISP_E_UNKNOWNNAME);
+  EXPECT_EQ(ids, std::vector<DISPID>{DISPID_UNKNOWN});
+  EXPECT_EQ(comm_.IdsOf({L"Query", L"NoSuchArgument"}, ids), DISP_E_UNKNOWNNAME);
+  EXPECT_EQ(ids[1], DISPID_UNKNOWN);
+}
+
+// Operations of the serial port, of detection and of the dialogs do not exist.
+TEST_F(LateBoundTest, MembersThatAreNotThere_AreUnknown) {
+  std::vector<DISPID> ids;
+  for (const wchar_t* name : {L"DetectInstrument", L"SetInputMode", L"Edit"}) {
+    EXPECT_EQ(comm_.IdsOf({name}, ids), DISP_E_UNKNOWNNAME);
+  }
+  for (const wchar_t* name : {L"OpenPort", L"ClosePort", L"WriteLine", L"ReadLine", L"AutoDetect", L"Edit",
+                              L"TestSmartSwitch", L"SetInputMode"}) {
+    EXPECT_EQ(port_.IdsOf({name}, ids), DISP_E_UNKNOWNNAME);
+  }
+  for (const wchar_t* name : {L"AutoDetect", L"Edit"}) {
+    EXPECT_EQ(tcp_.IdsOf({name}, ids), DISP_E_UNKNOWNNAME);
+  }
+}
+
+TEST_F(LateBoundTest, UnknownIdentifierOrUse_IsNotFound) {
+  EXPECT_EQ(comm_.Invoke(999, DISPATCH_METHOD, {}).result, DISP_E_MEMBERNOTFOUND);
+  EXPECT_EQ(comm_.Invoke(DISPID_VALUE, DISPATCH_PROPERTYGET, {}).result, DISP_E_MEMBERNOTFOUND);
+  EXPECT_EQ(comm_.Put(L"CommError", Plain(Value(1))).result, DISP_E_MEMBERNOTFOUND) << "read only";
+}
+
+TEST_F(LateBoundTest, WrongInterfaceIdentifier_IsRefused) {
+  DISPPARAMS none{};
+  Value result;
+  EXPECT_EQ(
+      comm_.get()->Invoke(1, IID_IDispatch, 0, DISPATCH_PROPERTYGET, &none, result.get(), nullptr, nullptr),
+      DISP_E_UNKNOWNINTERFACE);
+  LPOLESTR name = const_cast<LPOLESTR>(L"AutoClose");
+  DISPID id = 0;
+  EXPECT_EQ(comm_.get()->GetIDsOfNames(IID_IDispatch, &name, 1, 0, &id), DISP_E_UNKNOWNINTERFACE);
+}
+
+TEST_F(LateBoundTest, NullPointers_AreRefused) {
+  Value result;
+  EXPECT_EQ(
+      comm_.get()->Invoke(1, IID_NULL, 0, DISPATCH_PROPERTYGET, nullptr, result.get(), nullptr, nullptr),
+      E_POINTER);
+  LPOLESTR name = const_cast<LPOLESTR>(L"AutoClose");
+  EXPECT_EQ(comm_.get()->GetIDsOfNames(IID_NULL, &name, 1, 0, nullptr), E_POINTER);
+}
+
+TEST_F(LateBoundTest, ResultNotWanted_CallSucceeds) {
+  DISPPARAMS none{};
+  EXPECT_EQ(comm_.get()->Invoke(comm_.IdOf(L"GetKey"), IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr,
+                                nullptr),
+            S_OK);
+}
+
+TEST_F(LateBoundTest, PropertyGet_AsMethodOrBoth) {
+  for (const WORD flags : Words{DISPATCH_PROPERTYGET, DISPATCH_PROPERTYGET | DISPATCH_METHOD}) {
+    const Outcome outcome = comm_.Invoke(comm_.IdOf(L"BinaryTimeoutms"), flags, {});
+    EXPECT_EQ(outcome.result, S_OK) << flags;
+    EXPECT_EQ(V_I4(outcome.value.get()), 100) << flags;
+  }
+  // Scripts ask for GetKey without parentheses the same way.
+  EXPECT_EQ(
+      comm_.Invoke(comm_.IdOf(L"GetKey"), DISPATCH_PROPERTYGET | DISPATCH_METHOD, {}).value.text().size(),
+      11u);
+}
+
+TEST_F(LateBoundTest, TooManyArguments_AreRefused) {
+  Value text(L"x");
+  EXPECT_EQ(comm_.Call(L"GetKey", {Plain(text)}).result, DISP_E_BADPARAMCOUNT);
+  EXPECT_EQ(comm_.Call(L"Update", {Plain(text), Plain(text), Plain(text), Plain(text)}).result,
+            DISP_E_BADPARAMCOUNT);
+  EXPECT_EQ(comm_.Invoke(comm_.IdOf(L"AutoClose"), DISPATCH_PROPERTYGET, {Plain(text)}).result,
+            DISP_E_BADPARAMCOUNT);
+}
+
+TEST_F(LateBoundTest, MissingArguments_AreRefused) {
+  const auto is_missing = [](HRESULT result) {
+    return result == DISP_E_PARAMNOTOPTIONAL || result == DISP_E_BADPARAMCOUNT;
+  };
+  Value result;
+  EXPECT_TRUE(is_missing(comm_.Call(L"Query").result));
+  EXPECT_TRUE(is_missing(comm_.Call(L"Query", {Variable(result)}).result));
+  EXPECT_TRUE(is_missing(comm_.Call(L"Update").result));
+  Value left_out;
+  V_VT(left_out.get()) = VT_ERROR;
+  V_ERROR(left_out.get()) = DISP_E_PARAMNOTFOUND;
+  // Windows says that the argument is not optional, Wine that it has the wrong type.
+  const HRESULT result_of_gap = comm_.Call(L"Update", {Plain(left_out)}).result;
+  EXPECT_TRUE(result_of_gap == DISP_E_PARAMNOTOPTIONAL || result_of_gap == DISP_E_TYPEMISMATCH);
+}
+
+TEST_F(LateBoundTest, PropertyPutWithoutValue_IsRefused) {
+  EXPECT_NE(comm_.Invoke(comm_.IdOf(L"AutoClose"), DISPATCH_PROPERTYPUT, {}).result, S_OK);
+}
+
+// Enumerations take any number, and text that is one; by value and by reference alike.
+TEST_F(LateBoundTest, EnumerationPut_TakesNumbersOfAllTypes) {
+  for (const wchar_t* name : {L"DataBits", L"StopBits", L"Parity", L"ControllerStyle"}) {
+    Value small;
+    V_VT(small.get()) = VT_I2;
+    V_I2(small.get()) = 1;
+    Value real;
+    V_VT(real.get()) = VT_R8;
+    V_R8(real.get()) = 2.0;
+    long number = 3;
+    VARIANT reference;
+    V_VT(&reference) = VT_BYREF | VT_I4;
+    V_I4REF(&reference) = &number;
+    const std::pair<VARIANT, long> values[] = {
+        {Plain(small), 1}, {Plain(real), 2}, {reference, 3}, {Plain(Value(0)), 0}};
+    for (const auto& [value, expected] : values) {
+      EXPECT_EQ(port_.Put(name, value).result, S_OK)
+          << testing::PrintToString(std::wstring(name)) << expected;
+      EXPECT_EQ(V_I4(port_.Get(name).value.get()), expected) << testing::PrintToString(std::wstring(name));
+    }
+    const Value text(L"2");
+    EXPECT_EQ(port_.Put(name, Plain(text)).result, S_OK) << testing::PrintToString(std::wstring(name));
+    EXPECT_EQ(V_I4(port_.Get(name).value.get()), 2);
+  }
+}
+
+TEST_F(LateBoundTest, CommStylePut_FromAScriptsVariable) {
+  Value style(1);
+  EXPECT_EQ(comm_.Put(L"CommStyle", Variable(style)).result, S_OK);
+  EXPECT_EQ(V_I4(comm_.Get(L"CommStyle").value.get()), csTCPIP);
+  EXPECT_EQ(V_I4(style.get()), 1);
+  Value text(L"-1");
+  EXPECT_EQ(comm_.Put(L"CommStyle", Variable(text)).result, S_OK);
+  EXPECT_EQ(V_I4(comm_.Get(L"CommStyle").value.get()), csNone);
+}
+
+TEST_F(LateBoundTest, TextThatIsNoNumber_IsATypeMismatch) {
+  const Value text(L"fast");
+  EXPECT_EQ(port_.Put(L"Parity", Plain(text)).result, DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(comm_.Put(L"CommStyle", Plain(text)).result, DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(port_.Put(L"ControllerStyle", Plain(text)).result, DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(port_.Put(L"Port", Plain(text)).result, DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(V_I4(comm_.Get(L"CommStyle").value.get()), csRS232);
+}
+
+TEST_F(LateBoundTest, NumberTooLarge_IsAnOverflow) {
+  EXPECT_EQ(tcp_.Put(L"Port", Plain(Value(70000))).result, DISP_E_OVERFLOW);
+}
+
+TEST_F(LateBoundTest, Boolean_OneCountsAsTrue) {
+  Value one;
+  V_VT(one.get()) = VT_BOOL;
+  V_BOOL(one.get()) = 1;
+  EXPECT_EQ(comm_.Put(L"CRBeforeCommand", Plain(one)).result, S_OK);
+  EXPECT_EQ(V_BOOL(comm_.Get(L"CRBeforeCommand").value.get()), VARIANT_TRUE);
+}
+
+TEST_F(LateBoundTest, Refusal_TravelsInExcepInfo) {
+  const Outcome outcome = tcp_.Put(L"Port", Plain(Value(0)));
+  EXPECT_EQ(outcome.result, DISP_E_EXCEPTION);
+  EXPECT_EQ(outcome.scode, ERR_INVALID_PORT);
+  EXPECT_EQ(outcome.source, L"[CKespTCP - Port]");
+  EXPECT_EQ(outcome.description, L"Invalid Port");
+}
+
+TEST_F(LateBoundTest, RefusalWithoutExcepInfo_IsARefusalAllTheSame) {
+  Value zero(0);
+  DISPID put = DISPID_PROPERTYPUT;
+  DISPPARAMS parameters{.rgvarg = zero.get(), .rgdispidNamedArgs = &put, .cArgs = 1, .cNamedArgs = 1};
+  const HRESULT result = tcp_.get()->Invoke(tcp_.IdOf(L"Port"), IID_NULL, 0, DISPATCH_PROPERTYPUT,
+                                            &parameters, nullptr, nullptr, nullptr);
+  EXPECT_TRUE(result == DISP_E_EXCEPTION || result == ERR_INVALID_PORT) << std::hex << result;
+}
+
+// Numbers of the run-time library travel as those of a control, so that a script reads 9.
+TEST_F(LateBoundTest, BareNumber_HasTheFacilityOfAControl) {
+  const LateObject instruments(Create<IDispatch>(__uuidof(CInstruments)));
+  const Outcome outcome = instruments.Call(L"Item", {Plain(Value(1))});
+  EXPECT_EQ(outcome.result, DISP_E_EXCEPTION);
+  EXPECT_EQ(static_cast<unsigned long>(outcome.scode), 0x800A0009ul);
+  EXPECT_EQ(outcome.description, L"Subscript out of range");
+}
+
+TEST_F(LateBoundTest, OptionalArguments_HaveTheirDefaults) {
+  const LateObject transport = UseTheInstrument();
+  Value result;
+  const Value cmd(L"ECHO 1");
+  EXPECT_TRUE(comm_.Call(L"Query", {Variable(result), Plain(cmd)}).IsTrue());
+  EXPECT_EQ(result.text(), L"ECHO 1");
+  Value left_out;
+  V_VT(left_out.get()) = VT_ERROR;
+  V_ERROR(left_out.get()) = DISP_E_PARAMNOTFOUND;
+  EXPECT_TRUE(comm_.Call(L"Query", {Variable(result), Plain(cmd), Plain(left_out), Plain(cmd)}).IsTrue());
+  // WriteLine's command and ReadLineBinary's gap are optional, too.
+  EXPECT_TRUE(transport.Call(L"Initialize").IsTrue());
+  EXPECT_TRUE(transport.Call(L"WriteLine").IsTrue());
+  EXPECT_TRUE(transport.Call(L"WriteLine", {Plain(cmd)}).IsTrue());
+  EXPECT_TRUE(transport.Call(L"ReadLineBinary", {Variable(result)}).IsTrue());
+  EXPECT_EQ(BytesOf(*result.get()), "ECHO 1\r");
+}
+
+TEST_F(LateBoundTest, NamedArguments_InAnyOrder) {
+  UseTheInstrument();
+  Value result;
+  const Value cmd(L"ECHO 2");
+  EXPECT_TRUE(comm_.Call(L"Query", {}, {{L"cmd", Plain(cmd)}, {L"result", Variable(result)}}).IsTrue());
+  EXPECT_EQ(result.text(), L"ECHO 2");
+  Value other;
+  EXPECT_TRUE(
+      comm_.Call(L"Query", {Variable(other)}, {{L"OmegaValue", Plain(cmd)}, {L"cmd", Plain(cmd)}}).IsTrue());
+  EXPECT_EQ(other.text(), L"ECHO 2");
+}
+
+}  // namespace
+}  // namespace kesp::clients

@@ -1,0 +1,267 @@
+// The library as a COM server: creation, class factories, and when it may be unloaded.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "tests/clients/event_recorder.h"
+#include "tests/clients/library_module.h"
+#include "tests/clients/public_classes.h"
+
+namespace kesp::clients {
+namespace {
+
+class ServerTest : public testing::Test {
+ protected:
+  Apartment apartment_;
+};
+
+class PublicClassTest : public ServerTest, public testing::WithParamInterface<PublicClass> {};
+
+TEST_P(PublicClassTest, ProgIds_LeadToTheClassWhenItIsCreatable) {
+  for (const std::wstring suffix : {L"", L".1"}) {
+    CLSID clsid = GUID_NULL;
+    const HRESULT result =
+        CLSIDFromProgID((std::wstring(L"KespCommObj.") + GetParam().name + suffix).c_str(), &clsid);
+    if (GetParam().is_creatable()) {
+      EXPECT_EQ(result, S_OK);
+      EXPECT_EQ(clsid, GetParam().clsid);
+    } else {
+      EXPECT_EQ(result, CO_E_CLASSSTRING);
+    }
+  }
+}
+
+TEST_P(PublicClassTest, CreateInstance_MakesAnObjectOfTheClassOrRefuses) {
+  ComPtr<IUnknown> object;
+  const HRESULT result = CoCreateInstance(GetParam().clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown,
+                                          reinterpret_cast<void**>(object.GetAddressOf()));
+  if (!GetParam().is_creatable()) {
+    EXPECT_EQ(result, REGDB_E_CLASSNOTREG);
+    return;
+  }
+  ASSERT_EQ(result, S_OK);
+  ComPtr<IUnknown> interface_of_class;
+  EXPECT_EQ(object->QueryInterface(GetParam().default_interface,
+                                   reinterpret_cast<void**>(interface_of_class.GetAddressOf())),
+            S_OK);
+}
+
+TEST_P(PublicClassTest, ProgIdOfClsid_IsTheVersionedOne) {
+  if (!GetParam().is_creatable()) GTEST_SKIP() << "has no ProgID";
+  LPOLESTR prog_id = nullptr;
+  ASSERT_EQ(ProgIDFromCLSID(GetParam().clsid, &prog_id), S_OK);
+  EXPECT_EQ(std::wstring(prog_id), std::wstring(L"KespCommObj.") + GetParam().name + L".1");
+  CoTaskMemFree(prog_id);
+}
+
+TEST_P(PublicClassTest, GetClassObject_RefusesTheClassThatClientsCannotCreate) {
+  const LibraryModule module;
+  ComPtr<IClassFactory> factory;
+  const HRESULT result = module.GetClassObject(GetParam().clsid, IID_IClassFactory,
+                                               reinterpret_cast<void**>(factory.GetAddressOf()));
+  EXPECT_EQ(result, GetParam().is_creatable() ? S_OK : CLASS_E_CLASSNOTAVAILABLE);
+  EXPECT_EQ(factory != nullptr, GetParam().is_creatable());
+}
+
+TEST_P(PublicClassTest, Aggregation_IsRefused) {
+  if (!GetParam().is_creatable()) GTEST_SKIP() << "has no factory";
+  ComPtr<IUnknown> object;
+  const ComPtr<EventRecorder> outer = EventRecorder::Make(__uuidof(__CKespTCP));
+  EXPECT_EQ(CoCreateInstance(GetParam().clsid, outer.Get(), CLSCTX_INPROC_SERVER, IID_IUnknown,
+                             reinterpret_cast<void**>(object.GetAddressOf())),
+            CLASS_E_NOAGGREGATION);
+  EXPECT_EQ(object, nullptr);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, PublicClassTest, testing::ValuesIn(kPublicClasses),
+                         [](const auto& info) { return NarrowName(info.param); });
+
+class FactoryTest : public ServerTest {
+ protected:
+  FactoryTest() {
+    EXPECT_EQ(CoGetClassObject(__uuidof(CKespTCP), CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
+                               reinterpret_cast<void**>(factory_.GetAddressOf())),
+              S_OK);
+  }
+
+  ComPtr<IClassFactory> factory_;
+};
+
+TEST_F(FactoryTest, UnknownInterface_IsRefused) {
+  void* object = this;
+  EXPECT_EQ(factory_->CreateInstance(nullptr, IID_IStream, &object), E_NOINTERFACE);
+  EXPECT_EQ(object, nullptr);
+  object = this;
+  EXPECT_EQ(factory_->QueryInterface(IID_IStream, &object), E_NOINTERFACE);
+  EXPECT_EQ(object, nullptr);
+}
+
+TEST_F(FactoryTest, NullOutPointer_IsRefused) {
+  EXPECT_EQ(factory_->CreateInstance(nullptr, IID_IUnknown, nullptr), E_POINTER);
+  EXPECT_EQ(factory_->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
+}
+
+TEST_F(FactoryTest, UnknownClass_HasNoFactory) {
+  const LibraryModule module;
+  void* object = this;
+  EXPECT_EQ(module.GetClassObject(IID_IStream, IID_IClassFactory, &object), CLASS_E_CLASSNOTAVAILABLE);
+  EXPECT_EQ(object, nullptr);
+  EXPECT_EQ(module.GetClassObject(__uuidof(CKespTCP), IID_IClassFactory, nullptr), E_POINTER);
+  object = this;
+  EXPECT_EQ(module.GetClassObject(__uuidof(CKespTCP), IID_IStream, &object), E_NOINTERFACE);
+  EXPECT_EQ(object, nullptr);
+}
+
+// The port switch cannot be created, but every serial transport has one.
+TEST_F(ServerTest, SmartSwitch_IsReachedThroughItsPortAndStaysTheSame) {
+  const auto port = Create<_CKespCOMPort3>(__uuidof(CKespCOMPort3));
+  ComPtr<_CKespSmartSwitch3> first;
+  ComPtr<_CKespSmartSwitch3> second;
+  ASSERT_EQ(port->get_SmartSwitch(&first), S_OK);
+  ASSERT_EQ(port->get_SmartSwitch(&second), S_OK);
+  EXPECT_TRUE(IsSameObject(first.Get(), second.Get()));
+  EXPECT_EQ(second->put_SSPort(Text(L"B").get()), S_OK);
+  Text selected;
+  EXPECT_EQ(first->get_SSPort(selected.out()), S_OK);
+  EXPECT_EQ(selected.str(), L"B");
+}
+
+TEST_F(ServerTest, SmartSwitch_OutlivesItsPort) {
+  const LibraryModule module;
+  ComPtr<_CKespSmartSwitch3> smart_switch;
+  Create<_CKespCOMPort3>(__uuidof(CKespCOMPort3))->get_SmartSwitch(&smart_switch);
+  short ports = 0;
+  EXPECT_EQ(smart_switch->get_NumPorts(&ports), S_OK);
+  EXPECT_EQ(ports, 6);
+  EXPECT_EQ(module.CanUnloadNow(), S_FALSE);
+  smart_switch.Reset();
+  EXPECT_EQ(module.CanUnloadNow(), S_OK);
+}
+
+class UnloadingTest : public ServerTest {
+ protected:
+  LibraryModule module_;
+};
+
+TEST_F(UnloadingTest, NothingAlive_MayBeUnloaded) {
+  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
+}
+
+TEST_F(UnloadingTest, AnyObjectAlive_MustStay) {
+  for (const PublicClass& one : kPublicClasses) {
+    ComPtr<IUnknown> object = MakeObject(one);
+    EXPECT_EQ(module_.CanUnloadNow(), S_FALSE) << NarrowName(one);
+    object.Reset();
+    EXPECT_EQ(module_.CanUnloadNow(), S_OK) << NarrowName(one);
+  }
+}
+
+TEST_F(UnloadingTest, FactoryAlive_MustStay) {
+  ComPtr<IClassFactory> factory;
+  ASSERT_EQ(module_.GetClassObject(__uuidof(CInstrument), IID_IClassFactory,
+                                   reinterpret_cast<void**>(factory.GetAddressOf())),
+            S_OK);
+  EXPECT_EQ(module_.CanUnloadNow(), S_FALSE);
+  factory.Reset();
+  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
+}
+
+TEST_F(UnloadingTest, Locked_MustStayUntilTheLastLockIsGone) {
+  ComPtr<IClassFactory> factory;
+  module_.GetClassObject(__uuidof(CInstrument), IID_IClassFactory,
+                         reinterpret_cast<void**>(factory.GetAddressOf()));
+  EXPECT_EQ(factory->LockServer(TRUE), S_OK);
+  EXPECT_EQ(factory->LockServer(TRUE), S_OK);
+  EXPECT_EQ(factory->LockServer(FALSE), S_OK);
+  factory.Reset();
+  EXPECT_EQ(module_.CanUnloadNow(), S_FALSE);
+  module_.GetClassObject(__uuidof(CInstrument), IID_IClassFactory,
+                         reinterpret_cast<void**>(factory.GetAddressOf()));
+  EXPECT_EQ(factory->LockServer(FALSE), S_OK);
+  factory.Reset();
+  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
+}
+
+TEST_F(UnloadingTest, EnumeratorAlive_MustStayAlthoughItsCollectionIsGone) {
+  ComPtr<IUnknown> enumerator;
+  Create<_CInstruments>(__uuidof(CInstruments))->get_NewEnum(&enumerator);
+  ASSERT_NE(enumerator, nullptr);
+  EXPECT_EQ(module_.CanUnloadNow(), S_FALSE);
+  enumerator.Reset();
+  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
+}
+
+TEST_F(UnloadingTest, ConnectionPointAlive_MustStayWithItsObject) {
+  ComPtr<IConnectionPointContainer> container;
+  Create<IUnknown>(__uuidof(CKespTCP)).As(&container);
+  ComPtr<IConnectionPoint> point;
+  ASSERT_EQ(container->FindConnectionPoint(__uuidof(__CKespTCP), &point), S_OK);
+  container.Reset();
+  EXPECT_EQ(module_.CanUnloadNow(), S_FALSE);
+  IID iid = GUID_NULL;
+  EXPECT_EQ(point->GetConnectionInterface(&iid), S_OK);
+  point.Reset();
+  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
+}
+
+TEST_F(UnloadingTest, TransportAlive_MustStayAlthoughItsFacadeIsGone) {
+  ComPtr<IDispatch> transport;
+  Create<_CKespCommObj>(__uuidof(CKespCommObj))->get_CommObject(&transport);
+  ComPtr<_CKespCOMPort3> port;
+  ASSERT_EQ(transport.As(&port), S_OK);
+  transport.Reset();
+  EXPECT_EQ(module_.CanUnloadNow(), S_FALSE);
+  short number = 0;
+  EXPECT_EQ(port->get_Port(&number), S_OK);
+  EXPECT_EQ(number, 1);
+  port.Reset();
+  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
+}
+
+TEST_F(UnloadingTest, ManyThreadsCreateAndRelease_CountIsRightAfterwards) {
+  auto held = Create<_CInstrument>(__uuidof(CInstrument));
+  std::atomic<int> made = 0;
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 8; ++i) {
+    threads.emplace_back([&] {
+      const Apartment apartment;
+      for (int round = 0; round < 25; ++round) {
+        for (const PublicClass& one : kPublicClasses) {
+          if (MakeObject(one) != nullptr) ++made;
+        }
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(made, 8 * 25 * 7);
+  EXPECT_EQ(module_.CanUnloadNow(), S_FALSE);
+  held.Reset();
+  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
+}
+
+TEST(ReloadTest, LastApartmentGone_LibraryIsUnloadedAndWorksWhenLoadedAgain) {
+  for (int round = 0; round < 3; ++round) {
+    {
+      const Apartment apartment;
+      const auto comm = Create<_CKespCommObj>(__uuidof(CKespCommObj));
+      Text key;
+      EXPECT_EQ(comm->GetKey(key.out()), S_OK);
+      EXPECT_EQ(key.str().size(), 11u);
+      EXPECT_NE(GetModuleHandleW(L"KespCommObj.dll"), nullptr);
+    }
+    EXPECT_EQ(GetModuleHandleW(L"KespCommObj.dll"), nullptr) << "round " << round;
+  }
+}
+
+TEST(ReloadTest, UnusedLibrariesFreed_LibraryIsUnloadedInARunningApartment) {
+  const Apartment apartment;
+  Create<_CKespTCP>(__uuidof(CKespTCP)).Reset();
+  CoFreeUnusedLibrariesEx(0, 0);
+  CoFreeUnusedLibrariesEx(0, 0);
+  EXPECT_EQ(GetModuleHandleW(L"KespCommObj.dll"), nullptr);
+  EXPECT_NE(Create<_CKespTCP>(__uuidof(CKespTCP)), nullptr);
+}
+
+}  // namespace
+}  // namespace kesp::clients

@@ -1,0 +1,57 @@
+// Temporary files and the logs in them.
+#include "tests/clients/temporary_file.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <array>
+#include <regex>
+
+namespace kesp::clients {
+
+TemporaryFile::TemporaryFile() {
+  static int count = 0;
+  std::array<wchar_t, MAX_PATH> folder{};
+  GetTempPathW(MAX_PATH, folder.data());
+  path_ = std::wstring(folder.data()) + L"kesp client test " + std::to_wstring(GetCurrentProcessId()) + L"-" +
+          std::to_wstring(++count) + L".log";
+  DeleteFileW(path_.c_str());
+}
+
+TemporaryFile::~TemporaryFile() {
+  DeleteFileW(path_.c_str());
+}
+
+bool TemporaryFile::Exists() const {
+  return GetFileAttributesW(path_.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+std::string TemporaryFile::Content() const {
+  HANDLE file = CreateFileW(path_.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                            OPEN_EXISTING, 0, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return {};
+  std::string content(GetFileSize(file, nullptr), '\0');
+  DWORD read = 0;
+  ReadFile(file, content.data(), static_cast<DWORD>(content.size()), &read, nullptr);
+  CloseHandle(file);
+  content.resize(read);
+  return content;
+}
+
+std::vector<std::wstring> TemporaryFile::Messages() const {
+  static const std::regex form("[^\t]+\t(-?[0-9]+)\t([\\s\\S]*)");
+  std::vector<std::wstring> messages;
+  const std::string content = Content();
+  std::size_t begin = 0;
+  for (std::size_t end = 0; (end = content.find("\r\n", begin)) != std::string::npos; begin = end + 2) {
+    const std::string line = content.substr(begin, end - begin);
+    std::smatch match;
+    EXPECT_TRUE(std::regex_match(line, match, form)) << line;
+    const std::string message = match.size() > 2 ? match[2].str() : line;
+    messages.emplace_back(message.begin(), message.end());
+  }
+  EXPECT_EQ(begin, content.size()) << "the last line has no line break";
+  return messages;
+}
+
+}  // namespace kesp::clients

@@ -1,0 +1,27 @@
+// Files of the tests: in the temporary folder, and gone afterwards.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace kesp::clients {
+
+// The path of a file that does not exist yet. The file is removed at the end, whoever made it.
+class TemporaryFile {
+ public:
+  TemporaryFile();
+  ~TemporaryFile();
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  const std::wstring& path() const { return path_; }
+  bool Exists() const;
+  std::string Content() const;
+  // Of each line of a log (date, TAB, tick count, TAB, message) the message.
+  std::vector<std::wstring> Messages() const;
+
+ private:
+  std::wstring path_;
+};
+
+}  // namespace kesp::clients
