@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/clients/comm_obj_fixture.h"
+#include "tests/clients/event_recorder.h"
 
 namespace kesp::clients {
 namespace {
@@ -164,6 +165,30 @@ TEST_F(QueryTest, PeerClosesOrResets_EndsWithinTheTimeOut) {
     EXPECT_NE(Read(comm_, &_CKespCommObj::get_CommErrorDescr), L"");
   }
   EXPECT_TRUE(Query(L"*IDN?"));
+}
+
+// Handlers run between the command and the read, so they can take the connection away.
+TEST_F(QueryTest, PeerClosedBeforeTheRead_IsNoConnection) {
+  const auto recorder = EventRecorder::Make(__uuidof(__CKespTCP));
+  const Connection connection(tcp_.Get(), __uuidof(__CKespTCP), recorder.Get());
+  recorder->handlers[L"SendCompleteEnd"] = [&](DISPPARAMS&) {
+    EXPECT_TRUE(PumpUntil([&] { return recorder->Count(L"CloseEnd") == 1; }));
+  };
+  EXPECT_FALSE(Query(L"CLOSE?"));
+  ExpectStatus(cfrNoConnection, L"[CKespTCP - ReadLine()]", L"Socket not connected");
+  recorder->journal.clear();
+  EXPECT_FALSE(QueryBinary(L"CLOSE?"));
+  ExpectStatus(cfrNoConnection, L"[CKespTCP - ReadLineBinary()]", L"Socket not connected");
+}
+
+TEST_F(QueryTest, ConnectionClosedByAHandler_IsInitializeFailed) {
+  const auto recorder = EventRecorder::Make(__uuidof(__CKespTCP));
+  const Connection connection(tcp_.Get(), __uuidof(__CKespTCP), recorder.Get());
+  recorder->handlers[L"SendCompleteEnd"] = [&](DISPPARAMS&) {
+    EXPECT_TRUE(CallsTrue(tcp_, &_CKespTCP::Uninitialize));
+  };
+  EXPECT_FALSE(Query(L"*IDN?"));
+  ExpectStatus(cfrInitializeFailed, L"[CKespTCP - ReadLine()]", L"Socket not initialized");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <array>
+#include <cwchar>
 #include <regex>
 
 namespace kesp::clients {
@@ -18,12 +19,44 @@ TemporaryFile::TemporaryFile() {
   DeleteFileW(path_.c_str());
 }
 
+TemporaryFile::TemporaryFile(const std::wstring& path) : path_(path) {
+  DeleteFileW(path_.c_str());
+}
+
 TemporaryFile::~TemporaryFile() {
   DeleteFileW(path_.c_str());
 }
 
 bool TemporaryFile::Exists() const {
   return GetFileAttributesW(path_.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+std::wstring TemporaryFile::WriteDaysAgo(int days, const std::string& content) const {
+  // Noon, so that no change of the clock for summer makes another day of it.
+  SYSTEMTIME day{};
+  GetLocalTime(&day);
+  day.wHour = 12;
+  FILETIME local{};
+  SystemTimeToFileTime(&day, &local);
+  ULARGE_INTEGER ticks{};
+  ticks.LowPart = local.dwLowDateTime;
+  ticks.HighPart = local.dwHighDateTime;
+  constexpr ULONGLONG kTicksPerDay = 24ULL * 60 * 60 * 10'000'000;
+  ticks.QuadPart -= static_cast<ULONGLONG>(days) * kTicksPerDay;
+  local.dwLowDateTime = ticks.LowPart;
+  local.dwHighDateTime = ticks.HighPart;
+  FileTimeToSystemTime(&local, &day);
+  FILETIME changed{};
+  LocalFileTimeToFileTime(&local, &changed);
+
+  HANDLE file = CreateFileW(path_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+  DWORD written = 0;
+  WriteFile(file, content.data(), static_cast<DWORD>(content.size()), &written, nullptr);
+  EXPECT_NE(SetFileTime(file, nullptr, nullptr, &changed), FALSE);
+  CloseHandle(file);
+  std::array<wchar_t, 11> date{};
+  swprintf(date.data(), date.size(), L"%04d-%02d-%02d", day.wYear, day.wMonth, day.wDay);
+  return date.data();
 }
 
 std::string TemporaryFile::Content() const {

@@ -114,6 +114,15 @@ TEST_F(TraceTest, TransportWritesIntoTheSameFileInOrder) {
       std::string::npos);
 }
 
+TEST_F(TraceTest, FileOfAnEarlierDay_GetsItsDateAndANewOneIsBegun) {
+  const std::wstring date = file_.WriteDaysAgo(3, "old line\r\n");
+  const TemporaryFile old(file_.path() + L" " + date);
+  Start();
+  EXPECT_TRUE(Update(L"t"));
+  EXPECT_EQ(old.Content(), "old line\r\n");
+  EXPECT_EQ(file_.Messages().size(), 5u);
+}
+
 TEST_F(TraceTest, FileCannotBeWritten_ChangesNothing) {
   for (const std::wstring& path :
        {std::wstring(L"Z:\\no such folder\\trace.log"), std::wstring(L"C:\\windows"), std::wstring(L""),
