@@ -129,6 +129,21 @@ TEST_F(CKespCommObjNetworkTest, SuccessAfterFailure_ClearsTheTexts) {
   EXPECT_EQ(comm_->CommErrorDescr(), L"");
 }
 
+// A handler's own operation on the same object fails; the one it interrupted succeeds all the same.
+TEST_F(CKespCommObjNetworkTest, OperationWithinAnOperation_OuterOneTellsItsOwnOutcome) {
+  Replies("1.0\r");
+  events_.handlers[L"ConnectBegin"] = [&] {
+    comm_->network().SetIPAddress(L"0.0.0.0");
+    EXPECT_FALSE(comm_->Update(L"inner"));
+    EXPECT_EQ(comm_->CommError(), ECommError::cfrInvalidIPAddress);
+  };
+  EXPECT_TRUE(Query());
+  EXPECT_EQ(result_, L"1.0");
+  EXPECT_EQ(comm_->CommError(), ECommError::cfrSuccess);
+  EXPECT_EQ(comm_->CommErrorSource(), L"");
+  EXPECT_EQ(comm_->CommErrorDescr(), L"");
+}
+
 TEST_F(CKespCommObjNetworkTest, CannotClose_OutcomeStays) {
   Replies("1.0\r");
   socket_->FailCall(5, 10038);  // SetProtocol, Connect, SendData, GetData, Close

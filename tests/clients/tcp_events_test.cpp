@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/clients/tcp_fixture.h"
+#include "tests/clients/temporary_file.h"
 
 namespace kesp::clients {
 namespace {
@@ -84,10 +85,26 @@ TEST_F(TcpEventsTest, Refused_ErrorTellsTheSocketsOwnArguments) {
   EXPECT_EQ(journal()[1], L"ErrorEnd()");
 }
 
+// What a handler leaves in Description is what the transport goes on with.
+TEST_F(TcpEventsTest, Error_ChangedDescriptionReachesTheLog) {
+  const RefusingPort nobody;
+  const TemporaryFile log;
+  Write(tcp_, &_CKespTCP::put_Port, nobody.number());
+  Write(tcp_, &_CKespTCP::put_LogFilename, log.path());
+  Write(tcp_, &_CKespTCP::put_CreateLogFile, VARIANT_TRUE);
+  SetTimeOut(1000);
+  recorder_->handlers[L"ErrorBegin"] = [](DISPPARAMS& arguments) {
+    SysReAllocString(V_BSTRREF(&arguments.rgvarg[5]), L"changed");
+  };
+  VARIANT_BOOL answer = VARIANT_TRUE;
+  EXPECT_EQ(tcp_->Initialize(&answer), ERR_TIMEOUT);
+  EXPECT_NE(log.Content().find("\tError: 10061 - changed ("), std::string::npos) << log.Content();
+}
+
 TEST_F(TcpEventsTest, Error_HandlersShareTheArgumentsByReference) {
   const RefusingPort nobody;
   Write(tcp_, &_CKespTCP::put_Port, nobody.number());
-  SetTimeOut(1);
+  SetTimeOut(1000);
   recorder_->handlers[L"ErrorBegin"] = [](DISPPARAMS& arguments) {
     BSTR* description = V_BSTRREF(&arguments.rgvarg[5]);
     SysReAllocString(description, L"changed");
@@ -97,7 +114,6 @@ TEST_F(TcpEventsTest, Error_HandlersShareTheArgumentsByReference) {
   const Connection connection(tcp_.Get(), __uuidof(__CKespTCP), second.Get());
   VARIANT_BOOL answer = VARIANT_TRUE;
   EXPECT_EQ(tcp_->Initialize(&answer), ERR_TIMEOUT);
-  PumpUntil([&] { return !second->journal.empty(); });
   ASSERT_FALSE(second->journal.empty());
   EXPECT_NE(second->journal[0].find(L"&changed"), std::wstring::npos);
   EXPECT_NE(second->journal[0].find(L"&True"), std::wstring::npos);
