@@ -1,3 +1,4 @@
+// Every action of a personality file, read and refused.
 #include "tests/instrument/action_reader.h"
 
 #include <gtest/gtest.h>

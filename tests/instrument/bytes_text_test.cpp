@@ -1,3 +1,4 @@
+// The texts of personality files as bytes.
 #include "tests/instrument/bytes_text.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// Commands cut out of split and merged input.
 #include "tests/instrument/command_framer.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// A whole conversation on the fake carrier.
 #include "tests/instrument/conversation.h"
 
 #include <gmock/gmock.h>

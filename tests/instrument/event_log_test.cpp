@@ -1,3 +1,4 @@
+// The lines of the event log.
 #include "tests/instrument/event_log.h"
 
 #include <gtest/gtest.h>

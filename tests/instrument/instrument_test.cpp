@@ -1,3 +1,4 @@
+// Which command matches what, and cycles of replies.
 #include "tests/instrument/instrument.h"
 
 #include <gtest/gtest.h>

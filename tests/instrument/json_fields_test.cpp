@@ -1,3 +1,4 @@
+// Fields of a JSON object, read strictly.
 #include "tests/instrument/json_fields.h"
 
 #include <gtest/gtest.h>

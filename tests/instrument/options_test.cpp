@@ -1,3 +1,4 @@
+// The command line.
 #include "tests/instrument/options.h"
 
 #include <gtest/gtest.h>

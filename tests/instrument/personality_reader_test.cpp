@@ -1,3 +1,4 @@
+// Whole personality files, read and refused.
 #include "tests/instrument/personality_reader.h"
 
 #include <gtest/gtest.h>

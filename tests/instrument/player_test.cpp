@@ -1,3 +1,4 @@
+// The playing of actions on the fake carrier.
 #include "tests/instrument/player.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// The carrier over real loopback connections.
 #include "tests/instrument/tcp_server.h"
 
 #include <gtest/gtest.h>
