@@ -152,6 +152,12 @@ HRESULT Register(RegistrationScope scope) noexcept {
 HRESULT Unregister(RegistrationScope scope) noexcept {
   try {
     UnregisterAll(RootOf(scope));
+    // A user who has no classes of his own otherwise is left without these, as before.
+    if (scope == RegistrationScope::kUser) {
+      for (const wchar_t* key : {L"CLSID", L"Interface", L"TypeLib"}) {
+        RemoveIfEmpty(RootOf(scope), std::wstring(kClasses) + key);
+      }
+    }
     return S_OK;
   } catch (...) {
     return ReportException(IID_NULL);

@@ -45,10 +45,11 @@ void RemoveIfEmpty(HKEY parent, const std::wstring& path) {
   HKEY key = nullptr;
   if (RegOpenKeyExW(parent, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return;
   DWORD subkeys = 0;
-  const LSTATUS status = RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr, nullptr,
+  DWORD values = 0;
+  const LSTATUS status = RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr, &values,
                                           nullptr, nullptr, nullptr, nullptr);
   RegCloseKey(key);
-  if (status == ERROR_SUCCESS && subkeys == 0) RemoveTree(parent, path);
+  if (status == ERROR_SUCCESS && subkeys == 0 && values == 0) RemoveTree(parent, path);
 }
 
 bool KeyExists(HKEY parent, const std::wstring& path, REGSAM view) {

@@ -31,7 +31,8 @@ void SetKey(HKEY parent, const std::wstring& path, const std::wstring& value);
 // Removes a key with everything below it; nothing happens when there is none.
 void RemoveTree(HKEY parent, const std::wstring& path);
 
-// Removes a key that has no keys below it; nothing happens when it has some, or does not exist.
+// Removes a key that has neither keys below it nor values; nothing happens when it has some, or does not
+// exist.
 void RemoveIfEmpty(HKEY parent, const std::wstring& path);
 
 // Whether there is such a key in the registry's view of programs of this (or with KEY_WOW64_32KEY or

@@ -25,7 +25,12 @@ std::int32_t ClockWin::TickCount() {
 }
 
 int ClockWin::MillisecondOfSecond() {
-  return LocalTime().wMilliseconds;
+  // Every time zone is whole minutes away from universal time, and asking for that is many times faster.
+  constexpr std::uint64_t kUnitsPerMillisecond = 10'000;  // of 100 ns
+  FILETIME now{};
+  GetSystemTimeAsFileTime(&now);
+  const std::uint64_t units = (std::uint64_t{now.dwHighDateTime} << 32) | now.dwLowDateTime;
+  return static_cast<int>(units / kUnitsPerMillisecond % 1000);
 }
 
 CalendarDate ClockWin::Today() {

@@ -40,6 +40,8 @@ def registry_without_library():
 
 @functools.cache
 def files_without_library():
+    # Where programs of one user lie. It is Windows' own folder and there on a Windows that has been used.
+    sandbox.path(user_folder()).parents[1].mkdir(parents=True, exist_ok=True)
     return sandbox.files()
 
 
