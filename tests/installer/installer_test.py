@@ -35,6 +35,9 @@ work = None
 def registry_without_library():
     # The script host enters its own type library whenever it starts.
     sandbox.run(HERE / "file_version.vbs", "C:\\windows\\regedit.exe")
+    # Windows' own keys, there for every user of a Windows that has been used.
+    for key in ("Software\\Classes", "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall"):
+        sandbox.run("reg", "add", "HKCU\\" + key, "/f").check_returncode()
     return sandbox.registry()
 
 
