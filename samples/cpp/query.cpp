@@ -2,7 +2,7 @@
 //
 //   query.exe [host [port [command]]]
 //
-// Needs KespCommObj.h and KespCommObj_i (made from KespCommObj.idl) and links ole32, oleaut32 and uuid.
+// Needs KespCommObj.h (include/, made from KespCommObj.idl) and links ole32, oleaut32 and uuid.
 #include <KespCommObj.h>
 #include <wrl/client.h>
 
