@@ -10,14 +10,10 @@
 
 using kesp::RegistrationScope;
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved) {
-  if (reason == DLL_PROCESS_ATTACH) {
-    // Thread notifications stay on: the C++ runtime, which is linked in, frees each thread's data on them.
-    kesp::SetModuleInstance(instance);
-  } else if (reason == DLL_PROCESS_DETACH && reserved == nullptr) {
-    // Only when the DLL is unloaded: at the end of the process the automation library may be gone already.
-    kesp::ReleaseTypeInfoCache();
-  }
+// Thread notifications stay on: the C++ runtime, which is linked in, frees each thread's data on them.
+extern "C" BOOL WINAPI DllMain(HINSTANCE /*instance*/, DWORD reason, LPVOID reserved) {
+  // Only when the DLL is unloaded: at the end of the process the automation library may be gone already.
+  if (reason == DLL_PROCESS_DETACH && reserved == nullptr) kesp::ReleaseTypeInfoCache();
   return TRUE;
 }
 

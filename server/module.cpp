@@ -1,4 +1,4 @@
-// The module's instance handle and lock count.
+// The module's lock count.
 #include "server/module.h"
 
 #include <atomic>
@@ -7,30 +7,9 @@ namespace kesp {
 
 namespace {
 
-HINSTANCE instance = nullptr;
 std::atomic<long> locks = 0;
 
 }  // namespace
-
-void SetModuleInstance(HINSTANCE value) {
-  instance = value;
-}
-
-HINSTANCE ModuleInstance() {
-  return instance;
-}
-
-std::wstring ModulePath() {
-  std::wstring path(MAX_PATH, L'\0');
-  for (;;) {
-    const DWORD length = GetModuleFileNameW(instance, path.data(), static_cast<DWORD>(path.size()));
-    if (length < path.size()) {
-      path.resize(length);
-      return path;
-    }
-    path.resize(path.size() * 2);
-  }
-}
 
 void LockModule() {
   ++locks;

@@ -1,18 +1,7 @@
-// The module: which DLL this is, and what still holds it in memory.
+// The module: what still holds this DLL in memory.
 #pragma once
 
-#include <string>
-
-#include "server/com_headers.h"
-
 namespace kesp {
-
-// Set once by DllMain.
-void SetModuleInstance(HINSTANCE instance);
-HINSTANCE ModuleInstance();
-
-// The full path of this DLL.
-std::wstring ModulePath();
 
 // Counts whatever must keep the DLL loaded: objects, class factories handed out and server locks.
 void LockModule();

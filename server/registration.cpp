@@ -7,8 +7,8 @@
 #include "KespCommObj.h"
 #include "server/class_table.h"
 #include "server/error_bridge.h"
-#include "server/module.h"
 #include "server/registry_key.h"
+#include "support/environment_win.h"
 
 namespace kesp {
 
@@ -107,7 +107,7 @@ void RegisterLibrary(HKEY root, const std::wstring& path) {
 }
 
 void RegisterAll(HKEY root) {
-  const std::wstring path = ModulePath();
+  const std::wstring path = SystemEnvironment().files.LibraryFile();
   RegisterLibrary(root, path);
   for (const InterfaceEntry& entry : kInterfaces) RegisterInterface(root, entry);
   for (const auto* entry = begin_classes(); entry != end_classes(); ++entry) {

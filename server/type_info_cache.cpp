@@ -7,7 +7,7 @@
 #include <mutex>
 #include <utility>
 
-#include "server/module.h"
+#include "support/environment_win.h"
 #include "support/failure.h"
 
 namespace kesp {
@@ -42,7 +42,7 @@ void Check(HRESULT result) {
 
 ITypeLib* Library(Cache& cache) {
   if (cache.library == nullptr) {
-    Check(LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, &cache.library));
+    Check(LoadTypeLibEx(SystemEnvironment().files.LibraryFile().c_str(), REGKIND_NONE, &cache.library));
   }
   return cache.library;
 }
