@@ -108,5 +108,13 @@ TEST(EosScanner, FoundIn_BytesAlreadySearched_AreNotReadAgain) {
   EXPECT_TRUE(scanner.FoundIn(received));
 }
 
+// Bytes that were looked at are altered behind the scanner's back: it must not notice.
+TEST(EosScanner, MorePieces_BytesLookedAtAreNotLookedAtAgain) {
+  EosScanner scanner(L"\r");
+  EXPECT_FALSE(scanner.FoundIn("abc"));
+  EXPECT_FALSE(scanner.FoundIn("\r\r\rdef"));
+  EXPECT_TRUE(scanner.FoundIn("abcdef\r"));
+}
+
 }  // namespace
 }  // namespace kesp
