@@ -9,17 +9,30 @@ namespace kesp {
 // How Update and the queries trace a connection that could not be opened.
 enum class InitializeTrace { kErrorInfoOnly, kWithFailedLine };
 
+// How the serial port is opened.
+enum class SerialOpening {
+  kRetried,         // a port that is in use is tried three times; one that was left open is used as it is
+  kOnce,            // opened anew in every case, and tried once
+  kRetriedQuietly,  // as kRetried, but only retries and the error are traced
+};
+
 struct Exchange {
   std::wstring member;          // "Query"; names the operation in sources and trace lines
   std::wstring trap_action;     // what the error box says was being done
   std::wstring beginning_line;  // traced first; empty for none
   std::wstring exiting_line;    // traced last; empty for none
   std::wstring cmd;
+  std::wstring OmegaAddress;  // serial only
+  std::wstring OmegaValue;    // serial only
+  SerialOpening serial_opening = SerialOpening::kRetried;
   InitializeTrace initialize_trace = InitializeTrace::kErrorInfoOnly;
 
   std::wstring read_operation;                    // "ReadLine()"; names the read in trace lines
-  std::function<bool()> read_network;             // empty: the operation does not read
+  std::function<bool()> read_serial;              // empty: the operation does not read
+  std::function<bool()> read_network;             // likewise
   std::function<std::wstring()> reply_for_trace;  // empty: the reply is not traced
+  // What a read that timed out had got, for the trace; empty: not traced.
+  std::function<std::wstring()> partial_reply_for_trace;
 };
 
 }  // namespace kesp

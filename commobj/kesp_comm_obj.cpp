@@ -44,6 +44,7 @@ void CKespCommObj::SetDebugging(bool value) {
 }
 
 void CKespCommObj::SetCommStyle(ECommStyle value) {
+  if (comm_style_ == ECommStyle::csRS232 && serial_port_open_) CloseSerialPort();
   if (value < ECommStyle::csNone || value > ECommStyle::csIEEE) {
     throw Failure(comm_obj_error::ERR_COMM_STYLE_NOT_SUPPORTED, L"[CKespCommObj - CommStyle]",
                   L"The selected communication style is currently not supported");

@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 
-#include "commobj/attempt.h"
 #include "commobj/exchange.h"
 #include "commobj/transports.h"
+#include "support/attempt.h"
 #include "support/binary_value.h"
 #include "support/enumerations.h"
 #include "support/environment.h"
@@ -60,8 +60,9 @@ class CKespCommObj {
   // 10 hexadecimal digits and "K", different for each object.
   const std::wstring& GetKey() const { return key_; }
 
-  // The transport in use, csRS232 at first. A value outside -1 to 2 throws ERR_COMM_STYLE_NOT_SUPPORTED and
-  // leaves the style as it was.
+  // The transport in use, csRS232 at first. Setting it closes a serial port that an operation left open, in
+  // every case. A value outside -1 to 2 throws ERR_COMM_STYLE_NOT_SUPPORTED and leaves the style as it was;
+  // so does a port that fails while it is closed, with its own failure.
   ECommStyle CommStyle() const { return comm_style_; }
   void SetCommStyle(ECommStyle value);
 
@@ -71,13 +72,15 @@ class CKespCommObj {
 
   // Sends cmd and reads the reply as text. True: the reply is in `result` and CommError is cfrSuccess. False:
   // CommError tells why; `result` is what the transport left there. The network connection is closed
-  // afterwards in every case. Throws ERR_NO_COMM_OBJECT with csNone, ERR_COMM_STYLE_NOT_SUPPORTED with a
-  // style that has no queries.
+  // afterwards in every case, the serial port when AutoClose is set. A serial port that another program holds
+  // is tried three times. OmegaAddress and OmegaValue are for serial controllers that are addressed. Throws
+  // ERR_NO_COMM_OBJECT with csNone, ERR_COMM_STYLE_NOT_SUPPORTED with a style that has no queries.
   bool Query(std::wstring& result, const std::wstring& cmd, const std::wstring& OmegaAddress = {},
              const std::wstring& OmegaValue = {});
 
-  // As Query, but the reply's bytes are left in `result`, unfiltered. csIEEE throws
-  // ERR_COMM_STYLE_NOT_SUPPORTED.
+  // As Query, but the reply is left in `result` unfiltered: its bytes, or, from a serial port in the input
+  // mode imText, text behind the text that is there. The serial port is opened anew and tried once. csIEEE
+  // throws ERR_COMM_STYLE_NOT_SUPPORTED.
   bool QueryBinary(BinaryValue& result, const std::wstring& cmd, const std::wstring& OmegaAddress = {},
                    const std::wstring& OmegaValue = {});
 
@@ -87,6 +90,11 @@ class CKespCommObj {
 
  private:
   bool Run(const Exchange& exchange);
+  bool RunOnSerial(const Exchange& exchange);
+  bool OpenSerialPort(const Exchange& exchange);
+  bool ExchangeOnSerial(const Exchange& exchange);
+  bool ReadFromSerial(const Exchange& exchange);
+  void CloseSerialPort();
   bool RunOnNetwork(const Exchange& exchange);
   bool ExchangeOnNetwork(const Exchange& exchange);
   bool ReadFromNetwork(const Exchange& exchange);
@@ -105,6 +113,7 @@ class CKespCommObj {
   bool debugging_ = false;
   std::wstring debug_filename_;
   bool auto_close_ = true;
+  bool serial_port_open_ = false;  // opened by an operation and left open
   std::shared_ptr<CKespCOMPort3> serial_;
   std::shared_ptr<CKespTCP> network_;
   std::shared_ptr<CKespIEEE> ieee_;

@@ -13,6 +13,8 @@
 #include "commobj/kesp_comm_obj.h"
 #include "network/socket_control_fake.h"
 #include "network/tcp_events_fake.h"
+#include "serial/com_port_events_fake.h"
+#include "serial/serial_control_fake.h"
 #include "support/environment_fake.h"
 #include "support/error_numbers.h"
 #include "support/text.h"
@@ -69,7 +71,7 @@ class KespCommObjFixture : public testing::Test {
     return {.make_serial =
                 [this] {
                   made_.push_back("serial");
-                  return std::make_shared<CKespCOMPort3>(fakes_.environment);
+                  return std::make_shared<CKespCOMPort3>(fakes_.environment, ports_, &serial_events_);
                 },
             .make_network =
                 [this] {
@@ -114,6 +116,8 @@ class KespCommObjFixture : public testing::Test {
 
   EnvironmentFake fakes_;
   CKespTCPEventsFake events_;
+  CKespCOMPort3EventsFake serial_events_;
+  SerialPortsFake ports_{fakes_.clock};
   SocketControlFake* socket_ = nullptr;
   std::vector<std::string> made_;
   std::unique_ptr<CKespCommObj> comm_;

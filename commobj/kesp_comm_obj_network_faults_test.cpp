@@ -59,7 +59,7 @@ class FaultFixture : public KespCommObjFixture {
 
  protected:
   FilesWithWatcher files_{fakes_.files};
-  Environment environment_{fakes_.clock, fakes_.pump, files_, fakes_.guids, fakes_.user};
+  Environment environment_{fakes_.clock, fakes_.pump, files_, fakes_.settings, fakes_.guids, fakes_.user};
 };
 
 // A fault, how it comes about, and what is left for the client to read.

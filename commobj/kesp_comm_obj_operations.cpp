@@ -3,44 +3,73 @@
 #include "commobj/kesp_comm_obj.h"
 #include "support/error_numbers.h"
 #include "support/failure.h"
+#include "support/text.h"
 
 namespace kesp {
 
-bool CKespCommObj::Query(std::wstring& result, const std::wstring& cmd, const std::wstring& /*OmegaAddress*/,
-                         const std::wstring& /*OmegaValue*/) {
+namespace {
+
+// What a binary value holds, as text for the trace.
+std::wstring TextIn(const BinaryValue& value) {
+  if (const auto* text = std::get_if<std::wstring>(&value)) return *text;
+  if (const auto* bytes = std::get_if<Bytes>(&value)) {
+    return SystemCodePage().FromBytes(std::string(bytes->begin(), bytes->end()));
+  }
+  return {};
+}
+
+}  // namespace
+
+bool CKespCommObj::Query(std::wstring& result, const std::wstring& cmd, const std::wstring& OmegaAddress,
+                         const std::wstring& OmegaValue) {
   return Run({.member = L"Query",
               .trap_action = L"attempting to perform query",
               .beginning_line = L"Beginning Query()... (command: " + cmd + L")",
               .exiting_line = L"Exiting Query()...(command: " + cmd + L")",
               .cmd = cmd,
+              .OmegaAddress = OmegaAddress,
+              .OmegaValue = OmegaValue,
+              .serial_opening = SerialOpening::kRetried,
               .read_operation = L"ReadLine()",
+              .read_serial = [&] { return serial_->ReadLine(result); },
               .read_network = [&] { return network_->ReadLine(result); },
-              .reply_for_trace = [&] { return result; }});
+              .reply_for_trace = [&] { return result; },
+              .partial_reply_for_trace = {}});
 }
 
-bool CKespCommObj::QueryBinary(BinaryValue& result, const std::wstring& cmd,
-                               const std::wstring& /*OmegaAddress*/, const std::wstring& /*OmegaValue*/) {
+bool CKespCommObj::QueryBinary(BinaryValue& result, const std::wstring& cmd, const std::wstring& OmegaAddress,
+                               const std::wstring& OmegaValue) {
   return Run({.member = L"QueryBinary",
               .trap_action = L"attempting to perform query",
               .beginning_line = {},
               .exiting_line = {},
               .cmd = cmd,
+              .OmegaAddress = OmegaAddress,
+              .OmegaValue = OmegaValue,
+              .serial_opening = SerialOpening::kOnce,
               .read_operation = L"ReadLineBinary()",
+              .read_serial = [&] { return serial_->ReadLineBinary(result, binary_timeout_ms_); },
               .read_network = [&] { return network_->ReadLineBinary(result, binary_timeout_ms_); },
-              .reply_for_trace = {}});
+              .reply_for_trace = {},
+              .partial_reply_for_trace = [&] { return TextIn(result); }});
 }
 
-bool CKespCommObj::Update(const std::wstring& cmd, const std::wstring& /*OmegaAddress*/,
-                          const std::wstring& /*OmegaValue*/) {
+bool CKespCommObj::Update(const std::wstring& cmd, const std::wstring& OmegaAddress,
+                          const std::wstring& OmegaValue) {
   return Run({.member = L"Update",
               .trap_action = L"attempting to perform update",
               .beginning_line = L"Beginning Update()...(command: " + cmd + L")",
               .exiting_line = L"Exiting Update()...(command: " + cmd + L")",
               .cmd = cmd,
+              .OmegaAddress = OmegaAddress,
+              .OmegaValue = OmegaValue,
+              .serial_opening = SerialOpening::kRetriedQuietly,
               .initialize_trace = InitializeTrace::kWithFailedLine,
               .read_operation = {},
+              .read_serial = {},
               .read_network = {},
-              .reply_for_trace = {}});
+              .reply_for_trace = {},
+              .partial_reply_for_trace = {}});
 }
 
 bool CKespCommObj::Run(const Exchange& exchange) {
@@ -50,12 +79,13 @@ bool CKespCommObj::Run(const Exchange& exchange) {
   }
   if (!exchange.beginning_line.empty()) Trace(exchange.beginning_line);
   BeginOperation();
-  if (comm_style_ != ECommStyle::csTCPIP) {
+  const bool serial = comm_style_ == ECommStyle::csRS232;
+  if (!serial && comm_style_ != ECommStyle::csTCPIP) {
     throw Failure(comm_obj_error::ERR_COMM_STYLE_NOT_SUPPORTED, source,
                   L"The selected communication style is currently not supported");
   }
   return RunTrapped(environment_.user, exchange.trap_action, [&] {
-    const bool succeeded = RunOnNetwork(exchange);
+    const bool succeeded = serial ? RunOnSerial(exchange) : RunOnNetwork(exchange);
     if (!exchange.exiting_line.empty()) Trace(exchange.exiting_line);
     return succeeded;
   });

@@ -131,7 +131,8 @@ TEST_F(CKespCommObjTest, Released_TransportsGoInTheOrderSerialNetworkIeee) {
   const TransportFactory transports{
       .make_serial =
           [&] {
-            return std::shared_ptr<CKespCOMPort3>(new CKespCOMPort3(fakes_.environment), tell("serial"));
+            return std::shared_ptr<CKespCOMPort3>(new CKespCOMPort3(fakes_.environment, ports_),
+                                                  tell("serial"));
           },
       .make_network =
           [&] {
@@ -171,7 +172,7 @@ TEST_P(OperationTest, StyleNone_RaisesNoCommObjectAndTouchesNothing) {
 }
 
 TEST_P(OperationTest, StyleWithoutIt_RaisesNotSupportedAfterItBegan) {
-  for (const ECommStyle style : {ECommStyle::csRS232, ECommStyle::csIEEE}) {
+  for (const ECommStyle style : {ECommStyle::csIEEE}) {
     comm_ = std::make_unique<CKespCommObj>(fakes_.environment, Transports());
     comm_->SetDebugFilename(L"style" + std::to_wstring(static_cast<int>(style)));
     StartTrace();

@@ -1,10 +1,11 @@
-// The serial transport: defaults, the rules of its settings, and the settings text of the serial control.
+// The serial transport: creation, the rules of its settings, the settings text, and its end.
 #include "serial/kesp_com_port.h"
 
 #include "serial/baud_rate.h"
 #include "support/error_numbers.h"
 #include "support/failure.h"
 #include "support/object_key.h"
+#include "support/paths.h"
 
 namespace kesp {
 
@@ -62,8 +63,31 @@ const wchar_t* StopBitsNumber(EKespStopBits3 stop_bits) {
 
 }  // namespace
 
-CKespCOMPort3::CKespCOMPort3(Environment& environment)
-    : key_(NewObjectKey(environment.guids)), smart_switch_(std::make_shared<CKespSmartSwitch3>()) {}
+CKespCOMPort3::CKespCOMPort3(Environment& environment, SerialPorts& ports, CKespCOMPort3Events* events)
+    : environment_(environment),
+      ports_(ports),
+      events_(events),
+      log_(environment.clock, environment.files),
+      key_(NewObjectKey(environment.guids)),
+      smart_switch_(std::make_shared<CKespSmartSwitch3>()),
+      control_(ports.MakeControl()) {
+  // Without a temporary folder nothing is remembered, and the modem is pointed anew each time.
+  const std::wstring folder = environment.files.TemporaryFolder();
+  if (!folder.empty()) modem_file_ = JoinPath(folder, L"RFModem.ini");
+}
+
+CKespCOMPort3::~CKespCOMPort3() {
+  try {
+    ClosePort();
+  } catch (...) {
+    // The port is closed all the same, and there is nobody left to tell.
+  }
+  try {
+    RememberModemTarget(L"-1");
+  } catch (...) {
+    // The next user of the modem may find it pointing elsewhere; likewise.
+  }
+}
 
 void CKespCOMPort3::SetPort(std::int16_t value) {
   if (value < 1 || value > kHighestPort) {
@@ -137,6 +161,24 @@ std::wstring CKespCOMPort3::GetSettings() const {
   settings.append(L",").append(DataBitsDigit(data_bits_));
   settings.append(L",").append(StopBitsNumber(stop_bits_));
   return settings;
+}
+
+void CKespCOMPort3::WriteLog(std::wstring message) {
+  if (use_rf_modem_) message += L" (RF address " + std::to_wstring(instr_addr_) + L")";
+  log_.Write(log_filename_, message);
+}
+
+void CKespCOMPort3::FailIn(const wchar_t* member, const Failure& failure) {
+  throw Failure(failure.number(),
+                std::wstring(L"CKespCOMPort3 - ") + member + L" [" + failure.source() + L"]",
+                failure.description());
+}
+
+void CKespCOMPort3::LogFailure(const wchar_t* member, const Failure& failure) {
+  Log([&] {
+    return std::wstring(L"** ") + member + L" error: " + std::to_wstring(failure.number()) + L" - " +
+           failure.description() + L" [" + failure.source() + L"] **";
+  });
 }
 
 }  // namespace kesp

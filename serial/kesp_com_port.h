@@ -1,26 +1,44 @@
-// The serial transport: its settings, their rules, and the settings text of the serial control.
+// The serial transport: settings, the port, lines in both directions, detection, and the radio modem.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
+#include "serial/com_port_events.h"
+#include "serial/radio_modem_settings.h"
+#include "serial/serial_control.h"
 #include "serial/smart_switch.h"
+#include "support/binary_value.h"
 #include "support/enumerations.h"
 #include "support/environment.h"
+#include "support/failure.h"
+#include "support/log.h"
 
 namespace kesp {
 
-// CKespCOMPort3 describes one RS-232 line and the controller behind it. It owns its port switch; it is used
-// by one thread. Settings are plain values except where their setter says otherwise. A setter that throws (a
-// Failure with a number of com_port_error) leaves every setting as it was.
+// CKespCOMPort3 talks over one RS-232 line to the controller behind it. It owns its serial control and its
+// port switch; it is used by one thread. Whoever calls a member keeps the object alive for the length of the
+// call: the members raise events, and a handler may drop the last reference. Settings are plain values except
+// where their setter says otherwise; a change reaches the port when it is opened the next time. A setter that
+// throws (a Failure with a number of com_port_error) leaves every setting as it was.
 //
 // A new object allows no bit rate at all: widen the range first, in this order: MaxBaudRate, MinBaudRate, and
 // then BaudRate.
-class CKespCOMPort3 final {
+class CKespCOMPort3 final : private SwitchLine {
  public:
-  // Makes the key, then the port switch, and gives every setting its default.
-  explicit CKespCOMPort3(Environment& environment);
+  // The number of bytes that one reply or download may have, 64 MiB. The read that would take more fails with
+  // OutOfMemory().
+  static constexpr std::size_t kReplyLimit = std::size_t{64} * 1024 * 1024;
+
+  // Makes the key, then the port switch, and gives every setting its default. `events` receives the object's
+  // events and may be null; it must outlive the object.
+  CKespCOMPort3(Environment& environment, SerialPorts& ports, CKespCOMPort3Events* events = nullptr);
+
+  // Closes the port, and notes in the settings file that nobody knows where the radio modem on it points.
+  ~CKespCOMPort3() override;
   CKespCOMPort3(const CKespCOMPort3&) = delete;
   CKespCOMPort3& operator=(const CKespCOMPort3&) = delete;
 
@@ -123,11 +141,168 @@ class CKespCOMPort3 final {
   // 10 hexadecimal digits and "K", different for each object.
   const std::wstring& GetKey() const { return key_; }
 
- private:
-  void ApplyPreset();
+  // Opens the port with the settings as they are now, selects the wanted port of the switch, wakes the
+  // infrared adapter, and returns true. An open port is closed first, so this is the way to apply changed
+  // settings. A failure of the port is thrown with its own number (380 settings refused, 8002 no such port,
+  // 8005 in use,
+  // ...) and its source in brackets behind this one's; the port stays as the failure found it.
+  bool OpenPort();
 
+  // Does nothing when the port is closed. Otherwise releases the switch and closes the port, also when the
+  // release fails, which is then thrown like a failure of OpenPort.
+  void ClosePort();
+
+  // Whether the machine has that port; whether it has it and nobody holds it, this object included. A failure
+  // to find out is shown in the error box, and the answer is false.
+  bool PortExists(std::int16_t cp);
+  bool IsPortAvailable(std::int16_t cp);
+
+  // Discards every byte that waits in either direction. Throws the control's failure (8018 on a closed port).
+  void ClearBuffers();
+
+  // How ReadLineBinary hands its reply back, imText at first. Any other value is ignored.
+  EInputMode InputMode() const { return input_mode_; }
+  void SetInputMode(EInputMode eMode);
+
+  // Sends the command in the frame of ControllerStyle (command_frame.h) and returns true when the port has
+  // taken every byte; there is no limit to that wait, and it does not pump messages. With CRBeforeCmd a lone
+  // carriage return goes first and whatever it brings is discarded. Raises WriteBegin, WriteUpdate for each
+  // look at the output buffer (32767 stands for more), WriteEnd. Throws ERR_ADDRESS_NOT_SPECIFIED (CS_OMEGA
+  // without an address), or a failure of the port as OpenPort does.
+  bool WriteLine(const std::wstring& cmd = {}, const std::wstring& OmegaAddress = {},
+                 const std::wstring& OmegaValue = {}, bool CRBeforeCmd = false);
+
+  // Reads one reply into `result`, checks and strips it as set, and returns true. Does not pump messages. A
+  // reply ends
+  //   - with a CR, at once, when UseRFModem or UseRedirector is set;
+  //   - with an LF, at once, when TerminateOnLF is set; with a CR only after TimeOut milliseconds then;
+  //   - otherwise with TimeOut milliseconds of silence, or 100 when StripCRLF and CheckNonAscii are off, too.
+  // A line that never falls silent is read until it ends, fails or exceeds kReplyLimit. Raises ReadBegin,
+  // ReadUpdate, ReadTimeOut, ReadInvalidChars. Throws ERR_READ_TIMEOUT (`result` holds what came),
+  // ERR_INVALID_CHARACTERS (a byte above 128; `result` holds the reply), or a failure of the port as OpenPort
+  // does.
+  bool ReadLine(std::wstring& result);
+
+  // Reads a reply of any bytes, ended by lTimeoutms milliseconds of silence, and returns true: text behind
+  // the text that is in `result` (imText), or the bytes (imBinary). Nothing is checked or stripped. Does not
+  // pump messages. Raises ReadBegin, ReadUpdate (with 0 for text), ReadTimeOut. Throws ERR_READ_TIMEOUT when
+  // nothing comes for TimeOut milliseconds (`result` unchanged). Any other failure is shown in the error box
+  // and returns false.
+  bool ReadLineBinary(BinaryValue& result, std::int32_t lTimeoutms = 100);
+
+  // Gathers text until the line has been silent for TimeOut milliseconds, and returns true. Looks at the line
+  // twice a second while something comes and pumps messages all the time. Raises DownloadBegin,
+  // DownloadUpdate (a handler that sets Abort ends it with false, `result` holding what came),
+  // DownloadTimeOut, DownloadEnd. Throws ERR_DOWNLOAD_TIMEOUT when nothing comes. Any other failure is shown
+  // in the error box and returns false.
+  bool Download(std::wstring& result);
+
+  // Looks for an instrument: tries the identification commands of DetectLevel at the present bit rate and
+  // then at every other one from MaxBaudRate down to MinBaudRate, with 2000 ms for each. True: `Buffer` holds
+  // the answer and BaudRate is the rate that worked. False: BaudRate is what it was, or, after an abort or a
+  // port that failed, the rate that was being tried. With UseRFModem the modem is pointed at InstrAddr first
+  // and only the present rate is tried. The port is closed afterwards; TimeOut and CheckNonAscii are as
+  // before. Raises AutoDetectBegin, AutoDetectUpdate (a handler may set Abort), AutoDetectEnd, and the events
+  // of writing and reading.
+  bool AutoDetect(std::wstring& Buffer, EDetectLevel DetectLevel = EDetectLevel::dlAllCommands,
+                  const std::wstring& OmegaAddress = {});
+
+  // The radio modem's settings as they are in the modem. The port is opened for it and left open. False when
+  // the modem does not answer (the argument is unchanged then). Holds the thread for a second and more
+  // without pumping messages, as the next two do.
+  bool RFReadModemSettings(RadioModemSettings& settings);
+
+  // Sends settings to the radio modem: the network's identifier, the channel, the modem's own address, and
+  // the time in milliseconds after which it leaves its command mode (rounded to a tenth of a second); with
+  // bWriteToNVRAM it keeps them when it is switched off. The port must be open. True also when the modem did
+  // not answer: read them back to be sure. False when the port fails or a number has no 32-bit form.
+  bool RFWriteModemSettings(double dPANID, std::int16_t iChannel, double dModemAddress, double dTimeout,
+                            bool bWriteToNVRAM = false);
+
+  // Points the radio modem at the instrument with that address, unless the settings file says that it points
+  // there. The port must be open. False when the modem does not answer or the port fails.
+  bool RFWriteModemInstrAddress(std::int16_t iInstrAddr);
+
+  // Opens the port, selects every port of the switch in turn, 200 ms each, and closes the port. A failure is
+  // shown in the error box and ends the test at once; the port stays as it is then.
+  void TestSmartSwitch();
+
+ private:
+  enum class ReadOutcome { kComplete, kTimeOut, kAborted };
+  // What trying a command, or a rate, came to: an answer, nothing, characters that tell of a wrong rate, or a
+  // reason to give up altogether.
+  enum class Found { kAnswer, kNothing, kGarbage, kEnd };
+  enum class SearchPhase { kPresentRate, kSweep };
+  struct Detection {
+    EDetectLevel level;
+    std::wstring omega_address;
+  };
+
+  // SwitchLine
+  void ClearLine() override { ClearBuffers(); }
+  void WriteToLine(const std::string& bytes) override;
+  void LogSwitch(const std::wstring& message) override;
+
+  void ApplyPreset();
+  void ConfigureControl();
+  void WakeInfraredAdapter();
+  std::int32_t PortCode(std::int16_t cp, const wchar_t* question);
+
+  void SendFrame(const std::string& frame, bool cr_before);
+  void DrainOutput();
+
+  // Takes what has come; `already` bytes count towards kReplyLimit.
+  std::string TakeInput(std::size_t already);
+  // Whether more than so many milliseconds have passed since the tick count was `start`.
+  bool IsPast(std::int32_t start, std::int32_t milliseconds) const;
+  ReadOutcome CollectReply(std::string& reply);
+  void RefuseInvalidCharacters(const std::string& reply);
+  ReadOutcome CollectBinary(std::string& reply, EInputMode mode, std::int32_t silence_ms);
+  ReadOutcome CollectDownload(std::string& data);
+
+  bool Search(const Detection& detection, std::wstring& answer);
+  Found TryRate(const Detection& detection, SearchPhase phase, std::wstring& answer);
+  Found TryCommand(const Detection& detection, SearchPhase phase, const std::wstring& cmd,
+                   std::wstring& answer);
+
+  bool WithModemStyle(const std::function<bool()>& operation);
+  bool InCommandMode(const std::function<void()>& conversation);
+  void TellModem(const std::wstring& command);
+  bool AwaitOk();
+  std::wstring AskModem(const std::wstring& command);
+  // Which instrument the modem on this port was last pointed at, and a note of that; -1 stands for unknown.
+  std::wstring ModemTarget();
+  void RememberModemTarget(const std::wstring& address);
+
+  // Throws the failure anew with the member's source and the failure's own in brackets.
+  [[noreturn]] static void FailIn(const wchar_t* member, const Failure& failure);
+  void LogFailure(const wchar_t* member, const Failure& failure);
+
+  // Writes a line to the diagnostic log; the text is made only while logging is on.
+  template <typename MakeText>
+  void Log(const MakeText& make_text) {
+    if (create_log_file_) WriteLog(make_text());
+  }
+  void Log(const wchar_t* text) {
+    if (create_log_file_) WriteLog(text);
+  }
+  void WriteLog(std::wstring message);
+
+  // Raises an event when somebody listens. A handler may change every member, so nothing read before an event
+  // is used after it.
+  template <typename Event, typename... Arguments>
+  void Raise(Event event, Arguments&&... arguments) {
+    if (events_ != nullptr) (events_->*event)(std::forward<Arguments>(arguments)...);
+  }
+
+  Environment& environment_;
+  SerialPorts& ports_;
+  CKespCOMPort3Events* events_;
+  LogWriter log_;
   std::wstring key_;
   std::shared_ptr<CKespSmartSwitch3> smart_switch_;
+  std::unique_ptr<SerialControl> control_;
+  EInputMode input_mode_ = EInputMode::imText;
   EKespControllerStyle3 controller_style_ = EKespControllerStyle3::CS_KESP;
   EKespParity3 parity_ = EKespParity3::PARITY_NONE;
   EKespDataBits3 data_bits_ = EKespDataBits3::DATA_8BITS;
@@ -148,6 +323,7 @@ class CKespCOMPort3 final {
   std::int16_t instr_addr_ = 0;
   bool use_rf_modem_ = false;
   std::int32_t rf_modem_prop_hcid_ = 0;
+  std::wstring modem_file_;  // the settings file that remembers where each port's radio modem points
 };
 
 }  // namespace kesp

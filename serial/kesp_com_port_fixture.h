@@ -4,10 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <functional>
 #include <limits>
+#include <string>
 #include <tuple>
+#include <vector>
 
+#include "serial/com_port_events_fake.h"
 #include "serial/kesp_com_port.h"
+#include "serial/serial_control_fake.h"
 #include "support/enumerations.h"
 #include "support/environment_fake.h"
 #include "support/failure.h"
@@ -63,7 +68,48 @@ class CKespCOMPort3Test : public testing::Test {
   }
 
   EnvironmentFake environment_;
-  CKespCOMPort3 port_{environment_.environment};
+  CKespCOMPort3EventsFake events_;
+  SerialPortsFake ports_{environment_.clock};
+  CKespCOMPort3 port_{environment_.environment, ports_, &events_};
+};
+
+using Lines = std::vector<std::wstring>;
+
+// The stage of the tests of the operations: 9600 baud allowed, each look at the clock takes a millisecond,
+// and one record of the control's calls, the events, the log lines and the pumping, in the order they happen.
+class SerialConversationTest : public CKespCOMPort3Test {
+ protected:
+  SerialConversationTest() {
+    AllowRates(0, 13, 6);
+    environment_.clock.SetStepPerReading(1);
+    ports_.line.record = [this](const std::string& call) {
+      record_.push_back(SystemCodePage().FromBytes(call));
+    };
+    events_.record = [this](const std::wstring& event) { record_.push_back(event); };
+  }
+
+  // Opens the port and forgets what was recorded so far.
+  void Open() {
+    port_.OpenPort();
+    record_.clear();
+  }
+
+  // Turns the log on; LogLines() are the messages of its lines.
+  void StartLog() { port_.SetCreateLogFile(true); }
+  Lines LogLines() const {
+    Lines lines;
+    const std::wstring content = SystemCodePage().FromBytes(environment_.files.Content(port_.LogFilename()));
+    for (std::size_t begin = 0, end = 0; (end = content.find(L"\r\n", begin)) != std::wstring::npos;
+         begin = end + 2) {
+      const std::wstring line = content.substr(begin, end - begin);
+      lines.push_back(line.substr(line.find(L'\t', line.find(L'\t') + 1) + 1));
+    }
+    return lines;
+  }
+
+  std::int32_t Now() const { return environment_.clock.tick(); }
+
+  Lines record_;
 };
 
 }  // namespace kesp

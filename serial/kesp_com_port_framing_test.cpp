@@ -37,7 +37,7 @@ TEST_F(CKespCOMPort3Test, ControllerStyleSet_FramingFollows) {
 
 TEST_F(CKespCOMPort3Test, StyleWithoutFurtherPreset_KeepsRatesReadSettingsAndTimeOut) {
   for (const std::int32_t style : {0, 1, 3, 4, -1}) {
-    CKespCOMPort3 port(environment_.environment);
+    CKespCOMPort3 port(environment_.environment, ports_);
     port.SetMaxBaudRate(EKespBaudRate3::br19200);
     port.SetMinBaudRate(EKespBaudRate3::br2400);
     port.SetBaudRate(EKespBaudRate3::br4800);

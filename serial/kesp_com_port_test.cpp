@@ -48,12 +48,12 @@ TEST_F(CKespCOMPort3Test, Created_OwnsSixPortSwitch) {
 }
 
 TEST_F(CKespCOMPort3Test, TwoObjects_HaveSwitchesOfTheirOwn) {
-  const CKespCOMPort3 other(environment_.environment);
+  const CKespCOMPort3 other(environment_.environment, ports_);
   EXPECT_NE(port_.SmartSwitch(), other.SmartSwitch());
 }
 
 TEST_F(CKespCOMPort3Test, SmartSwitchHeld_OutlivesTheObject) {
-  auto port = std::make_unique<CKespCOMPort3>(environment_.environment);
+  auto port = std::make_unique<CKespCOMPort3>(environment_.environment, ports_);
   const std::shared_ptr<CKespSmartSwitch3> held = port->SmartSwitch();
   held->SetSSPort(L"B");
   EXPECT_EQ(port->SmartSwitch()->SSPort(), L"B");
@@ -63,18 +63,18 @@ TEST_F(CKespCOMPort3Test, SmartSwitchHeld_OutlivesTheObject) {
 
 TEST_F(CKespCOMPort3Test, Created_KeyIsTenDigitsOfNewGuidAndK) {
   environment_.guids.Push({0x3F2A9C01, 0xD4E5, 0x1234, {}});
-  const CKespCOMPort3 created(environment_.environment);
+  const CKespCOMPort3 created(environment_.environment, ports_);
   EXPECT_EQ(created.GetKey(), L"3F2A9C01D4K");
 }
 
 TEST_F(CKespCOMPort3Test, CreatedWithoutGuid_KeyIsK) {
   environment_.guids.Fail();
-  const CKespCOMPort3 created(environment_.environment);
+  const CKespCOMPort3 created(environment_.environment, ports_);
   EXPECT_EQ(created.GetKey(), L"K");
 }
 
 TEST_F(CKespCOMPort3Test, TwoObjects_HaveDifferentKeys) {
-  const CKespCOMPort3 other(environment_.environment);
+  const CKespCOMPort3 other(environment_.environment, ports_);
   EXPECT_NE(port_.GetKey(), other.GetKey());
 }
 
@@ -175,7 +175,7 @@ TEST_F(CKespCOMPort3Test, LogSwitchedOn_SettingsWriteNoLine) {
   port_.SetCreateLogFile(true);
   port_.SetLogFilename(L"serial.log");
   port_.SetControllerStyle(EKespControllerStyle3::CS_PRECIDIA);
-  EXPECT_EQ(environment_.files.calls(), 0);
+  EXPECT_TRUE(environment_.files.files().empty());
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The serial port switch: its model, and which of its ports is wanted and which connected.
+// The serial port switch: its model, its ports, and the sequences that connect and release them.
 #pragma once
 
 #include <cstdint>
@@ -7,6 +7,21 @@
 #include "support/enumerations.h"
 
 namespace kesp {
+
+// The serial line that a switch box sits on. Its operations throw the failures of the port.
+class SwitchLine {
+ public:
+  virtual ~SwitchLine() = default;
+
+  // Discards every byte that waits in either direction.
+  virtual void ClearLine() = 0;
+
+  // Sends the bytes to the box.
+  virtual void WriteToLine(const std::string& bytes) = 0;
+
+  // Writes to the port's diagnostic log, when that is on.
+  virtual void LogSwitch(const std::wstring& message) = 0;
+};
 
 // CKespSmartSwitch3 describes a switch box with 4, 6 or 8 instrument ports behind one COM port. Each serial
 // transport owns one for its whole life and hands it to clients; it is used by the transport's thread.
@@ -28,7 +43,19 @@ class CKespSmartSwitch3 final {
   // The switch port that is connected now, empty when none is.
   const std::wstring& CurrentPort() const { return current_port_; }
 
+  // For the serial transport. Connects SSPort and releases the port that was connected; sends nothing when
+  // SSPort is connected already. With SSPort empty the box is told to release, also when nothing is
+  // connected.
+  void Select(SwitchLine& line);
+
+  // For the serial transport. Releases whatever is connected. CurrentPort is empty afterwards, also when the
+  // line fails: nobody knows then what the box did.
+  void Release(SwitchLine& line);
+
  private:
+  std::string SelectionSequence() const;
+  std::string ReleaseSequence() const;
+
   ESmartSwitchStyle3 style_ = ESmartSwitchStyle3::ssBB6port;
   std::int16_t num_ports_ = 6;
   std::wstring ss_port_;

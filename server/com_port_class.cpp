@@ -1,7 +1,9 @@
 // The COM object of the serial transport.
 #include "server/com_port_class.h"
 
+#include "serial/serial_ports_win.h"
 #include "server/adopt.h"
+#include "server/variant_bridge.h"
 #include "support/environment_win.h"
 
 namespace kesp {
@@ -16,7 +18,8 @@ const ClassDescription kDescription{__uuidof(::CKespCOMPort3), __uuidof(::_CKesp
 ComPortClass::ComPortClass()
     : AutomationObject(kDescription),
       events_(static_cast<::_CKespCOMPort3*>(this), __uuidof(::__CKespCOMPort3)),
-      object_(std::make_unique<CKespCOMPort3>(SystemEnvironment())) {
+      bridge_(events_),
+      object_(std::make_unique<CKespCOMPort3>(SystemEnvironment(), SystemSerialPorts(), &bridge_)) {
   smart_switch_ = Adopt(new SmartSwitchClass(object_->SmartSwitch()));
 }
 
@@ -25,6 +28,68 @@ HRESULT ComPortClass::get_SmartSwitch(::_CKespSmartSwitch3** retval) {
     smart_switch_->AddRef();
     return static_cast<::_CKespSmartSwitch3*>(smart_switch_.Get());
   });
+}
+
+HRESULT ComPortClass::ReadLine(BSTR* result, VARIANT_BOOL* retval) {
+  return Get(
+      retval,
+      [&] {
+        InOutText reply(result);
+        return object_->ReadLine(reply.value());
+      },
+      result);
+}
+
+HRESULT ComPortClass::ReadLineBinary(VARIANT* result, LONG lTimeoutms, VARIANT_BOOL* retval) {
+  return Get(
+      retval,
+      [&] {
+        BinaryValue reply = BinaryValueOf(*result);
+        const bool succeeded = object_->ReadLineBinary(reply, lTimeoutms);
+        StoreBinaryValue(reply, result);
+        return succeeded;
+      },
+      result);
+}
+
+HRESULT ComPortClass::Download(BSTR* result, VARIANT_BOOL* retval) {
+  return Get(
+      retval,
+      [&] {
+        InOutText data(result);
+        return object_->Download(data.value());
+      },
+      result);
+}
+
+HRESULT ComPortClass::AutoDetect(BSTR* Buffer, ::EDetectLevel DetectLevel, BSTR OmegaAddress,
+                                 VARIANT_BOOL* retval) {
+  return Get(
+      retval,
+      [&] {
+        InOutText answer(Buffer);
+        return object_->AutoDetect(answer.value(), static_cast<EDetectLevel>(DetectLevel),
+                                   TextOf(OmegaAddress));
+      },
+      Buffer);
+}
+
+HRESULT ComPortClass::RFReadModemSettings(BSTR* sSerial, BSTR* sPowerLevel, BSTR* sPANID, BSTR* sChannel,
+                                          BSTR* sModemAddr, BSTR* sTimeout, VARIANT_BOOL* retval) {
+  return Get(
+      retval,
+      [&] {
+        RadioModemSettings settings;
+        if (!object_->RFReadModemSettings(settings)) return false;
+        InOutText(sSerial).value() = settings.serial;
+        InOutText(sPowerLevel).value() = settings.power_level;
+        InOutText(sPANID).value() = settings.pan_id;
+        InOutText(sChannel).value() = settings.channel;
+        InOutText(sModemAddr).value() = settings.modem_address;
+        InOutText(sTimeout).value() = settings.timeout;
+        return true;
+      },
+      sSerial, sPowerLevel, sPANID, sChannel, sModemAddr, sTimeout);
 }
 
 void* ComPortClass::FindInterface(REFIID iid) {

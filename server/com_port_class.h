@@ -9,6 +9,7 @@
 #include "serial/kesp_com_port.h"
 #include "server/automation_object.h"
 #include "server/com_headers.h"
+#include "server/com_port_event_bridge.h"
 #include "server/connection_points.h"
 #include "server/smart_switch_class.h"
 
@@ -152,12 +153,60 @@ class ComPortClass final : public AutomationObject<::_CKespCOMPort3> {
   HRESULT STDMETHODCALLTYPE GetKey(BSTR* retval) override {
     return Get(retval, [&] { return object_->GetKey(); });
   }
+  HRESULT STDMETHODCALLTYPE OpenPort(VARIANT_BOOL* retval) override {
+    return Get(retval, [&] { return object_->OpenPort(); });
+  }
+  HRESULT STDMETHODCALLTYPE ClosePort() override {
+    return Put([&] { object_->ClosePort(); });
+  }
+  HRESULT STDMETHODCALLTYPE PortExists(SHORT cp, VARIANT_BOOL* retval) override {
+    return Get(retval, [&] { return object_->PortExists(cp); });
+  }
+  HRESULT STDMETHODCALLTYPE IsPortAvailable(SHORT cp, VARIANT_BOOL* retval) override {
+    return Get(retval, [&] { return object_->IsPortAvailable(cp); });
+  }
+  HRESULT STDMETHODCALLTYPE ClearBuffers() override {
+    return Put([&] { object_->ClearBuffers(); });
+  }
+  HRESULT STDMETHODCALLTYPE SetInputMode(::EInputMode eMode) override {
+    return Put([&] { object_->SetInputMode(static_cast<EInputMode>(eMode)); });
+  }
+  HRESULT STDMETHODCALLTYPE WriteLine(BSTR cmd, BSTR OmegaAddress, BSTR OmegaValue, VARIANT_BOOL CRBeforeCmd,
+                                      VARIANT_BOOL* retval) override {
+    return Get(retval, [&] {
+      return object_->WriteLine(TextOf(cmd), TextOf(OmegaAddress), TextOf(OmegaValue),
+                                FromComBool(CRBeforeCmd));
+    });
+  }
+  HRESULT STDMETHODCALLTYPE ReadLine(BSTR* result, VARIANT_BOOL* retval) override;
+  HRESULT STDMETHODCALLTYPE ReadLineBinary(VARIANT* result, LONG lTimeoutms, VARIANT_BOOL* retval) override;
+  HRESULT STDMETHODCALLTYPE Download(BSTR* result, VARIANT_BOOL* retval) override;
+  HRESULT STDMETHODCALLTYPE AutoDetect(BSTR* Buffer, ::EDetectLevel DetectLevel, BSTR OmegaAddress,
+                                       VARIANT_BOOL* retval) override;
+  HRESULT STDMETHODCALLTYPE RFReadModemSettings(BSTR* sSerial, BSTR* sPowerLevel, BSTR* sPANID,
+                                                BSTR* sChannel, BSTR* sModemAddr, BSTR* sTimeout,
+                                                VARIANT_BOOL* retval) override;
+  HRESULT STDMETHODCALLTYPE RFWriteModemSettings(DOUBLE dPANID, SHORT iChannel, DOUBLE dModemAddress,
+                                                 DOUBLE dTimeout, VARIANT_BOOL bWriteToNVRAM,
+                                                 VARIANT_BOOL* retval) override {
+    return Get(retval, [&] {
+      return object_->RFWriteModemSettings(dPANID, iChannel, dModemAddress, dTimeout,
+                                           FromComBool(bWriteToNVRAM));
+    });
+  }
+  HRESULT STDMETHODCALLTYPE RFWriteModemInstrAddress(SHORT iInstrAddr, VARIANT_BOOL* retval) override {
+    return Get(retval, [&] { return object_->RFWriteModemInstrAddress(iInstrAddr); });
+  }
+  HRESULT STDMETHODCALLTYPE TestSmartSwitch() override {
+    return Put([&] { object_->TestSmartSwitch(); });
+  }
 
  protected:
   void* FindInterface(REFIID iid) override;
 
  private:
   EventSource events_;
+  ComPortEventBridge bridge_;
   std::unique_ptr<CKespCOMPort3> object_;
   Microsoft::WRL::ComPtr<SmartSwitchClass> smart_switch_;
 };

@@ -5,6 +5,7 @@
 #include "support/files.h"
 #include "support/guid_source.h"
 #include "support/message_pump.h"
+#include "support/settings_files.h"
 #include "support/user_surface.h"
 
 namespace kesp {
@@ -14,6 +15,7 @@ struct Environment {
   Clock& clock;
   MessagePump& pump;
   Files& files;
+  SettingsFiles& settings;
   GuidSource& guids;
   UserSurface& user;
 };

@@ -6,6 +6,7 @@
 #include "support/files_fake.h"
 #include "support/guid_source_fake.h"
 #include "support/message_pump_fake.h"
+#include "support/settings_files_fake.h"
 #include "support/user_surface_fake.h"
 
 namespace kesp {
@@ -15,9 +16,10 @@ struct EnvironmentFake {
   ClockFake clock;
   MessagePumpFake pump;
   FilesFake files{clock};
+  SettingsFilesFake settings;
   GuidSourceFake guids;
   UserSurfaceFake user;
-  Environment environment{clock, pump, files, guids, user};
+  Environment environment{clock, pump, files, settings, guids, user};
 
   EnvironmentFake() = default;
   EnvironmentFake(const EnvironmentFake&) = delete;

@@ -5,6 +5,7 @@
 #include "support/files_win.h"
 #include "support/guid_source_win.h"
 #include "support/message_pump_win.h"
+#include "support/settings_files_win.h"
 #include "support/user_surface_win.h"
 
 namespace kesp {
@@ -13,9 +14,10 @@ Environment& SystemEnvironment() {
   static ClockWin clock;
   static MessagePumpWin pump;
   static FilesWin files;
+  static SettingsFilesWin settings;
   static GuidSourceWin guids;
   static UserSurfaceWin user;
-  static Environment environment{clock, pump, files, guids, user};
+  static Environment environment{clock, pump, files, settings, guids, user};
   return environment;
 }
 

@@ -3,11 +3,25 @@
 
 namespace kesp {
 
+namespace {
+
+template <typename Character>
+std::basic_string<Character> Trimmed(std::basic_string_view<Character> text) {
+  constexpr auto kBlank = static_cast<Character>(' ');
+  const std::size_t first = text.find_first_not_of(kBlank);
+  if (first == text.npos) return {};
+  const std::size_t last = text.find_last_not_of(kBlank);
+  return std::basic_string<Character>(text.substr(first, last - first + 1));
+}
+
+}  // namespace
+
 std::wstring Trim(std::wstring_view text) {
-  const std::size_t first = text.find_first_not_of(L' ');
-  if (first == std::wstring_view::npos) return {};
-  const std::size_t last = text.find_last_not_of(L' ');
-  return std::wstring(text.substr(first, last - first + 1));
+  return Trimmed(text);
+}
+
+std::string Trim(std::string_view text) {
+  return Trimmed(text);
 }
 
 std::wstring StripLineEnds(std::wstring text) {

@@ -19,14 +19,19 @@ class UserSurfaceFake final : public UserSurface {
     return answer;
   }
 
+  void SetPointer(MousePointer pointer) noexcept override { pointer_ = pointer; }
+
   void Answer(int button) { answers_.push_back(button); }
 
   // Every box that was shown, in order.
   const std::vector<MessageBoxRequest>& boxes() const { return boxes_; }
 
+  MousePointer pointer() const { return pointer_; }
+
  private:
   std::vector<MessageBoxRequest> boxes_;
   std::deque<int> answers_;
+  MousePointer pointer_ = MousePointer::kDefault;
 };
 
 }  // namespace kesp

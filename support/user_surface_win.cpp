@@ -1,4 +1,4 @@
-// Message boxes on the real screen, with their Help button bound to a help file.
+// Message boxes on the real screen, with their Help button bound to a help file, and the mouse pointer.
 #include "support/user_surface_win.h"
 
 #include <windows.h>
@@ -51,6 +51,11 @@ int UserSurfaceWin::ShowMessageBox(const MessageBoxRequest& request) {
   box.dwContextHelpId = static_cast<DWORD_PTR>(static_cast<std::uint32_t>(request.help_context));
   box.lpfnMsgBoxCallback = OpenHelp;
   return MessageBoxIndirectW(&box);
+}
+
+void UserSurfaceWin::SetPointer(MousePointer pointer) noexcept {
+  const bool busy = pointer == MousePointer::kBusy;
+  SetCursor(LoadCursorW(nullptr, busy ? IDC_WAIT : IDC_ARROW));
 }
 
 }  // namespace kesp

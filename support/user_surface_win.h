@@ -1,4 +1,4 @@
-// Message boxes on the real screen.
+// Message boxes and the mouse pointer on the real screen.
 #pragma once
 
 #include "support/help_win.h"
@@ -16,6 +16,7 @@ class UserSurfaceWin final : public UserSurface {
   // The box belongs to the calling thread's active window; without one it is modal to the thread's windows.
   // It runs a message loop. Returns 0 when Windows could not show it.
   int ShowMessageBox(const MessageBoxRequest& request) override;
+  void SetPointer(MousePointer pointer) noexcept override;
 
  private:
   HelpOpener open_help_;

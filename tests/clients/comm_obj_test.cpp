@@ -101,8 +101,6 @@ TEST_F(CommObjTest, Operations_WithoutTransport_RaiseUnderTheirOwnNames) {
     const wchar_t* description;
   };
   for (const Case& one : {Case{csNone, ERR_NO_COMM_OBJECT, L"Communications object not initialized"},
-                          Case{csRS232, ERR_COMM_STYLE_NOT_SUPPORTED,
-                               L"The selected communication style is currently not supported"},
                           Case{csIEEE, ERR_COMM_STYLE_NOT_SUPPORTED,
                                L"The selected communication style is currently not supported"}}) {
     Choose(one.style);

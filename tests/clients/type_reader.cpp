@@ -87,6 +87,8 @@ std::wstring FunctionReader::TypeName(const TYPEDESC& type) const {
       return L"integer16";
     case VT_I4:
       return L"integer32";
+    case VT_R8:
+      return L"double";
     case VT_VARIANT:
       return L"any";
     case VT_DISPATCH:

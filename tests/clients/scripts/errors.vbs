@@ -1,6 +1,6 @@
 ' What a script reads from Err after a refused call: number, source and description.
 Option Explicit
-Const csNone = -1, csRS232 = 0
+Const csNone = -1, csIEEE = 2
 
 Dim failures
 failures = 0
@@ -24,9 +24,9 @@ comm.QueryBinary result, "*IDN?"
 Check "QueryBinary without style", -2147221303, "[CKespCommObj - QueryBinary()]", "Communications object not initialized"
 comm.Update "*RST"
 Check "Update without style", -2147221303, "[CKespCommObj - Update()]", "Communications object not initialized"
-comm.CommStyle = csRS232
+comm.CommStyle = csIEEE
 comm.Update "*RST"
-Check "Update on the serial port", -2147221304, "[CKespCommObj - Update()]", "The selected communication style is currently not supported"
+Check "Update over IEEE-488", -2147221304, "[CKespCommObj - Update()]", "The selected communication style is currently not supported"
 
 port.Port = 0
 Check "COM port", -2147221284, "CKespCOMPort3 - Port", "Invalid COM port."

@@ -1,4 +1,4 @@
-// One call of a transport whose failure becomes a status instead of travelling on.
+// One call whose failure becomes a value instead of travelling on.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 
 namespace kesp {
 
-// What a transport's operation came to: its result, and the error when it raised one.
+// What an operation came to: its result, and the error when it raised one.
 struct Attempt {
   bool succeeded = false;
   std::optional<Failure> error;

@@ -1,0 +1,30 @@
+// Opening a serial port by its device name, which alone reaches those above COM9.
+#include "serial/comm_handle_win.h"
+
+#include <string>
+#include <utility>
+
+namespace kesp {
+
+DWORD CommHandle::Open(std::int16_t port) {
+  Close();
+  const std::wstring name = LR"(\\.\COM)" + std::to_wstring(port);
+  handle_ = CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                        FILE_FLAG_OVERLAPPED, nullptr);
+  if (is_open()) return 0;
+  switch (const DWORD error = GetLastError()) {
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_INVALID_NAME:
+      return ERROR_FILE_NOT_FOUND;
+    case ERROR_SHARING_VIOLATION:
+      return ERROR_ACCESS_DENIED;
+    default:
+      return error;
+  }
+}
+
+void CommHandle::Close() {
+  if (is_open()) CloseHandle(std::exchange(handle_, INVALID_HANDLE_VALUE));
+}
+
+}  // namespace kesp

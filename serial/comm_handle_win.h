@@ -1,0 +1,31 @@
+// The handle of an open serial port.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdint>
+
+namespace kesp {
+
+// Owns the handle; opened for overlapped operation and for this program alone.
+class CommHandle {
+ public:
+  CommHandle() = default;
+  ~CommHandle() { Close(); }
+  CommHandle(const CommHandle&) = delete;
+  CommHandle& operator=(const CommHandle&) = delete;
+
+  // Opens \\.\COMn and returns 0; or the error as IsCOMPortAvailable codes it (serial_control.h): 2 for a
+  // port that does not exist, 5 for one that is in use, another one of the system otherwise.
+  DWORD Open(std::int16_t port);
+
+  void Close();
+
+  bool is_open() const { return handle_ != INVALID_HANDLE_VALUE; }
+  HANDLE get() const { return handle_; }
+
+ private:
+  HANDLE handle_ = INVALID_HANDLE_VALUE;
+};
+
+}  // namespace kesp
