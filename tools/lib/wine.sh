@@ -9,13 +9,22 @@ wine_screen() { cat "$KESP_WINE_BASE/screen" 2>/dev/null || true; }
 
 wine_prefix() { printf '%s\n' "$KESP_WINE_BASE/win$1"; }
 
+# Settings of the loader that make pseudo-terminals behave as COM ports (tests/serial_line); none before it is built. The
+# name stands alone, because the loader would end a path at a space.
+serial_line_settings() {
+  local folder=$KESP_ROOT/build/native/tests/serial_line/$1 library=kesp-serial-line.so
+  [ ! -e "$folder/$library" ] || printf '%s\n' "LD_LIBRARY_PATH=$folder${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}" "LD_PRELOAD=$library"
+}
+
 # in_wine <64|32> <command...>: a Linux command (wine, wineserver, wineboot) with the settings of that Wine.
 in_wine() {
-  local bits=$1
+  local bits=$1 loader
   shift
+  mapfile -t loader < <(serial_line_settings "$bits")
   # A home of its own too: Wine links its documents folder there, and puts menu entries there.
   set -- env LC_ALL=C.UTF-8 WINEPREFIX="$(wine_prefix "$bits")" WINEARCH="win$bits" WINEDEBUG=-all \
-    WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=" HOME="$KESP_WINE_BASE/home" DISPLAY="$(wine_screen)" "$@"
+    WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=" HOME="$KESP_WINE_BASE/home" DISPLAY="$(wine_screen)" \
+    ${loader[@]+"${loader[@]}"} "$@"
   if [ "$bits" = 32 ]; then
     in_wine32_chroot "$@"
   else
