@@ -28,6 +28,7 @@ class PtyFixture : public testing::Test {
 
   int OpenSlave() const { return open(slave_name_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC); }
 
+  int master() const { return master_; }
   const std::string& slave_name() const { return slave_name_; }
 
  private:
