@@ -1,17 +1,20 @@
 # Tests that run Windows programs and scripts under Wine, registered in the native build's CTest.
 #
 # kesp_wine_test(NAME <name> PROGRAM <path> [BITS 64 32] [ARGS ...] [INSTRUMENT <personality.json>] [TIMEOUT <s>]
-#                [STANDALONE] [CHANGES_REGISTRY])
+#                [SERIAL <com number> [WIRE]] [STANDALONE] [CHANGES_REGISTRY])
 #
 # One test for each width (both unless BITS says otherwise), named wine64.<name> and wine32.<name>.
 #   PROGRAM     an .exe as a path within the Windows build (tests/win/foo.exe), or a .vbs or .js file of this folder
-#   ARGS        {host} and {port} stand for the simulated instrument's
+#   ARGS        {host} and {port} stand for the simulated instrument's, {com} for its COM port's number
 #   INSTRUMENT  runs the simulated instrument along; a personality file of this folder, or BUILT_IN
+#   SERIAL      puts the instrument on that COM port, from 33 up and no other test's; without INSTRUMENT the built-in one
+#   WIRE        puts no instrument there; the program itself is the other end, through a network connection
 #   STANDALONE  does not need the library registered
 #   CHANGES_REGISTRY  runs alone and must leave the library registered
 # In the Windows builds it does nothing, so that a folder's list file is the same for all builds.
 set(KESP_WINE_TEST "${CMAKE_SOURCE_DIR}/tools/wine-test")
 set(KESP_WITH_INSTRUMENT "${CMAKE_SOURCE_DIR}/tests/instrument/with-instrument")
+set(KESP_WITH_SERIAL_LINE "${CMAKE_SOURCE_DIR}/tools/with-serial-line")
 set(KESP_SKIPPED 77)
 
 # Registering is a test of its own; those that need the library depend on it.
@@ -33,7 +36,7 @@ function(kesp_wine_test)
   if(WIN32)
     return()
   endif()
-  cmake_parse_arguments(TEST "STANDALONE;CHANGES_REGISTRY" "NAME;PROGRAM;INSTRUMENT;TIMEOUT" "BITS;ARGS" ${ARGN})
+  cmake_parse_arguments(TEST "STANDALONE;CHANGES_REGISTRY;WIRE" "NAME;PROGRAM;INSTRUMENT;SERIAL;TIMEOUT" "BITS;ARGS" ${ARGN})
   if(TEST_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "kesp_wine_test does not know ${TEST_UNPARSED_ARGUMENTS}")
   endif()
@@ -42,6 +45,9 @@ function(kesp_wine_test)
   endif()
   if(NOT TEST_TIMEOUT)
     set(TEST_TIMEOUT 60)
+  endif()
+  if(TEST_WIRE AND (TEST_INSTRUMENT OR NOT TEST_SERIAL))
+    message(FATAL_ERROR "kesp_wine_test: WIRE goes with SERIAL and without INSTRUMENT")
   endif()
   foreach(bits IN LISTS TEST_BITS)
     kesp_add_wine_test(${bits})
@@ -57,10 +63,16 @@ macro(kesp_add_wine_test bits)
     set(program "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_PROGRAM}")
   endif()
   set(command "${KESP_WINE_TEST}" --bits ${bits} --timeout ${TEST_TIMEOUT} "${program}" ${TEST_ARGS})
-  if(TEST_INSTRUMENT STREQUAL BUILT_IN)
-    set(command "${KESP_WITH_INSTRUMENT}" -- ${command})
+  set(other_end "")
+  if(TEST_WIRE)
+    set(other_end --wire)
+  elseif(TEST_INSTRUMENT AND NOT TEST_INSTRUMENT STREQUAL BUILT_IN)
+    set(other_end --personality "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_INSTRUMENT}")
+  endif()
+  if(TEST_SERIAL)
+    set(command "${KESP_WITH_SERIAL_LINE}" --bits ${bits} --com ${TEST_SERIAL} ${other_end} -- ${command})
   elseif(TEST_INSTRUMENT)
-    set(command "${KESP_WITH_INSTRUMENT}" --personality "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_INSTRUMENT}" -- ${command})
+    set(command "${KESP_WITH_INSTRUMENT}" ${other_end} -- ${command})
   endif()
   add_test(NAME ${name} COMMAND ${command})
   # CTest's own limit is the later one, so that the program's output is still seen when its time is up.

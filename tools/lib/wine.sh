@@ -9,11 +9,12 @@ wine_screen() { cat "$KESP_WINE_BASE/screen" 2>/dev/null || true; }
 
 wine_prefix() { printf '%s\n' "$KESP_WINE_BASE/win$1"; }
 
-# Settings of the loader that make pseudo-terminals behave as COM ports (tests/serial_line); none before it is built. The
-# name stands alone, because the loader would end a path at a space.
+# Settings of the loader that make pseudo-terminals behave as COM ports (tests/serial_line); none before it is built.
+# The library's name stands alone, because the loader would end a path at a space.
 serial_line_settings() {
   local folder=$KESP_ROOT/build/native/tests/serial_line/$1 library=kesp-serial-line.so
-  [ ! -e "$folder/$library" ] || printf '%s\n' "LD_LIBRARY_PATH=$folder${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}" "LD_PRELOAD=$library"
+  [ -e "$folder/$library" ] || return 0
+  printf '%s\n' "LD_PRELOAD=$library" "LD_LIBRARY_PATH=$folder${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}"
 }
 
 # in_wine <64|32> <command...>: a Linux command (wine, wineserver, wineboot) with the settings of that Wine.
