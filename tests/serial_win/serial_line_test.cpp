@@ -1,6 +1,9 @@
 // The serial test bench itself: a COM port behaves as one, and its other end is the test's.
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+
 #include "tests/clients/modem_lines.h"
 #include "tests/clients/serial_wire.h"
 #include "tests/serial_win/bare_port.h"
@@ -162,6 +165,24 @@ TEST_F(SerialLineTest, InputLines_AreTheOnesSet) {
   SetInputLines("CTS DSR");
   EXPECT_TRUE(GetCommModemStatus(port_.handle(), &status));
   EXPECT_EQ(status, DWORD{MS_CTS_ON | MS_DSR_ON});
+  SetInputLines("");
+}
+
+TEST_F(SerialLineTest, InputLineThatChanges_IsAnEvent) {
+  ASSERT_TRUE(SetCommMask(port_.handle(), EV_CTS));
+  std::atomic<bool> seen = false;
+  // Again and again, because nobody knows when the waiting begins.
+  std::thread other([&seen] {
+    for (bool up = true; !seen; up = !up) {
+      SetInputLines(up ? "CTS" : "");
+      Sleep(20);
+    }
+  });
+  DWORD event = 0;
+  EXPECT_TRUE(WaitCommEvent(port_.handle(), &event, nullptr));
+  EXPECT_EQ(event, DWORD{EV_CTS});
+  seen = true;
+  other.join();
   SetInputLines("");
 }
 
