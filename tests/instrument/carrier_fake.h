@@ -18,7 +18,8 @@ namespace kesp::simulator {
 
 class CarrierFake : public Carrier {
  public:
-  // What Receive returns, piece by piece; then the client has left.
+  // What Receive returns, piece by piece, an empty piece for a time in which nothing came; then the client
+  // has left.
   std::deque<std::string> input;
   // One entry for each call but Receive: the piece in quotes, "pause 5", "endless 10", "close", "reset".
   std::vector<std::string> record;
@@ -26,13 +27,21 @@ class CarrierFake : public Carrier {
   // How many more pieces can be sent before the client is gone.
   std::size_t sends_left = 1'000'000;
 
-  std::string Peer() const override { return "fake:1"; }
+  // A serial line when set; `rest` is what Rest returns then.
+  std::optional<LineSettings> line;
+  std::string rest;
+  // The patience of the last Receive.
+  std::chrono::milliseconds patience{0};
 
-  asio::awaitable<std::string> Receive() override {
-    if (input.empty()) co_return std::string();
+  std::string Opening() const override { return "connected from fake:1"; }
+
+  asio::awaitable<Arrival> Receive(std::chrono::milliseconds how_long) override {
+    patience = how_long;
+    if (input.empty()) co_return Arrival{};
     std::string piece = input.front();
     input.pop_front();
-    co_return piece;
+    const Arrived what = piece.empty() ? Arrived::kNothing : Arrived::kBytes;
+    co_return Arrival{what, std::move(piece)};
   }
 
   asio::awaitable<void> Send(std::string_view bytes) override {
@@ -52,6 +61,9 @@ class CarrierFake : public Carrier {
     record.push_back("pause " + std::to_string(length.count()));
     co_return;
   }
+
+  std::optional<LineSettings> Line() const override { return line; }
+  std::string Rest() override { return rest; }
 
   void End(Ending ending) override { record.push_back(ending == Ending::kClose ? "close" : "reset"); }
 };

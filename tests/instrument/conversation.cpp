@@ -22,10 +22,11 @@ Conversation::Conversation(Carrier& carrier, Instrument& instrument, EventLog& l
       log_(log),
       number_(number),
       framer_(instrument.terminator()),
-      player_(carrier) {}
+      player_(carrier),
+      line_log_(carrier, log, number) {}
 
 asio::awaitable<void> Conversation::Run() {
-  log_.Line(number_, "connected from " + carrier_.Peer());
+  log_.Line(number_, carrier_.Opening());
   try {
     co_await Talk();
   } catch (const std::system_error& error) {
@@ -37,12 +38,21 @@ asio::awaitable<void> Conversation::Run() {
 asio::awaitable<void> Conversation::Talk() {
   if (!co_await Play(instrument_.Connected(), std::string())) co_return;
   for (;;) {
-    const std::string bytes = co_await carrier_.Receive();
-    if (bytes.empty()) {
+    const Arrival arrival = co_await carrier_.Receive(line_log_.patience());
+    if (arrival.what == Arrived::kEnd) {
       log_.Line(number_, "closed by the client");
       co_return;
     }
-    framer_.Add(bytes);
+    if (arrival.what == Arrived::kNothing) {
+      line_log_.Write();
+      continue;
+    }
+    line_log_.Add(arrival.bytes);
+    if (!LineSuits()) {
+      co_await AnswerGarbled();
+      continue;
+    }
+    framer_.Add(arrival.bytes);
     if (!co_await AnswerCommands()) co_return;
     if (framer_.TooLong()) {
       log_.Line(number_, "reset: command without an end");
@@ -54,11 +64,23 @@ asio::awaitable<void> Conversation::Talk() {
 
 asio::awaitable<bool> Conversation::AnswerCommands() {
   for (std::optional<std::string> command = framer_.Next(); command; command = framer_.Next()) {
+    line_log_.Write();
     if (log_.on()) log_.Line(number_, "command " + Quoted(*command));
     const ActionList& actions = instrument_.Command(*command);
     if (!co_await Play(actions, std::move(*command))) co_return false;
   }
   co_return true;
+}
+
+bool Conversation::LineSuits() const {
+  const std::optional<LineSettings> line = carrier_.Line();
+  return !line || !instrument_.line() || Suits(*instrument_.line(), *line);
+}
+
+asio::awaitable<void> Conversation::AnswerGarbled() {
+  line_log_.Write();
+  log_.Line(number_, "garbled: the instrument's line is " + TextOf(*instrument_.line()));
+  co_await carrier_.Send(kGarbage);
 }
 
 asio::awaitable<bool> Conversation::Play(const ActionList& actions, std::string command) {

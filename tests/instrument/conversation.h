@@ -8,23 +8,28 @@
 #include "tests/instrument/command_framer.h"
 #include "tests/instrument/event_log.h"
 #include "tests/instrument/instrument.h"
+#include "tests/instrument/line_log.h"
 #include "tests/instrument/player.h"
+#include "tests/instrument/talk.h"
 
 namespace kesp::simulator {
 
 // Greets a client, answers its commands one after the other in the order they came, and logs each connection,
-// command and reply. All that is handed in must outlive it.
-class Conversation {
+// command and reply. On a serial line with other settings than the instrument's own, what comes is not
+// understood and answered with garbage. All that is handed in must outlive it.
+class Conversation : public Talk {
  public:
   // number is the connection's number in the log.
   Conversation(Carrier& carrier, Instrument& instrument, EventLog& log, unsigned number);
 
-  // Talks until either side ends the line; a client that is gone is a line in the log and no error.
-  asio::awaitable<void> Run();
+  asio::awaitable<void> Run() override;
+  void Finish() override { line_log_.Finish(); }
 
  private:
   asio::awaitable<void> Talk();
   asio::awaitable<bool> AnswerCommands();
+  bool LineSuits() const;
+  asio::awaitable<void> AnswerGarbled();
   asio::awaitable<bool> Play(const ActionList& actions, std::string command);
   void LogSent(const std::string& suffix);
 
@@ -34,6 +39,7 @@ class Conversation {
   const unsigned number_;
   CommandFramer framer_;
   Player player_;
+  LineLog line_log_;
 };
 
 }  // namespace kesp::simulator

@@ -24,6 +24,7 @@ class ConversationTest : public testing::Test {
     carrier_.input = std::move(input);
     Conversation conversation(carrier_, instrument, log, 1);
     RunToEnd(conversation.Run());
+    conversation.Finish();
     return lines.str();
   }
 
@@ -89,6 +90,41 @@ TEST_F(ConversationTest, ClientGoneInAReply_IsALineAndNoError) {
             "- #1 command \"B?\"\n"
             "- #1 reply \"2\" (1 byte, 1 piece) before the client was gone\n"
             "- #1 client gone: Broken pipe\n");
+}
+
+TEST_F(ConversationTest, SerialLine_HasEveryByteInTheLog) {
+  carrier_.line = LineSettings{};
+  carrier_.rest = "Z";
+  EXPECT_EQ(Talk(kTwo, {"A?\rB", "", "?"}),
+            "- #1 connected from fake:1\n"
+            "- #1 line 9600,N,8,1\n"
+            "- #1 received \"A?\\rB\"\n"
+            "- #1 command \"A?\"\n"
+            "- #1 reply \"1\\r\" (2 bytes, 1 piece)\n"
+            "- #1 closed by the client\n"
+            "- #1 received \"?Z\"\n");
+  EXPECT_EQ(carrier_.patience, std::chrono::milliseconds(200));
+}
+
+constexpr char kAt1200[] = R"({"line": {"baud": 1200}, "commands": {"A?": [{"send": "1"}]}})";
+
+TEST_F(ConversationTest, LineThatDoesNotSuit_IsAnsweredWithGarbage) {
+  carrier_.line = LineSettings{};
+  EXPECT_EQ(Talk(kAt1200, {"A?\r"}),
+            "- #1 connected from fake:1\n"
+            "- #1 line 9600,N,8,1\n"
+            "- #1 received \"A?\\r\"\n"
+            "- #1 garbled: the instrument's line is 1200,-,-,-\n"
+            "- #1 closed by the client\n");
+  EXPECT_THAT(carrier_.record, ElementsAre(Quoted(kGarbage)));
+}
+
+TEST_F(ConversationTest, LineThatSuitsOrNoSerialLine_IsUnderstood) {
+  carrier_.line = LineSettings{1200, 'N', 8, 1};
+  Talk(kAt1200, {"A?\r"});
+  carrier_.line.reset();
+  Talk(kAt1200, {"A?\r"});
+  EXPECT_THAT(carrier_.record, ElementsAre(R"("1\r")", R"("1\r")"));
 }
 
 TEST_F(ConversationTest, CommandWithoutEnd_IsResetAtTheLimit) {

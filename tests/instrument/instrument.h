@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <string_view>
 
 #include "tests/instrument/personality.h"
@@ -18,6 +19,8 @@ class Instrument {
   Instrument& operator=(const Instrument&) = delete;
 
   std::string_view terminator() const { return personality_.terminator; }
+  // The settings of a serial line at which it understands its client; nothing: all.
+  const std::optional<LineRule>& line() const { return personality_.line; }
 
   // What to do for a new client. The lists live as long as the instrument.
   const ActionList& Connected();

@@ -1,33 +1,34 @@
-// kesp-instrument: plays a laboratory instrument over TCP.
-#include <asio/co_spawn.hpp>
-#include <asio/io_context.hpp>
-#include <asio/signal_set.hpp>
+// kesp-instrument: plays a laboratory instrument over TCP or on a serial line.
 #include <csignal>
-#include <exception>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <string>
 #include <system_error>
 #include <vector>
 
+#include "tests/instrument/conversation.h"
 #include "tests/instrument/event_log.h"
 #include "tests/instrument/instrument.h"
 #include "tests/instrument/options.h"
 #include "tests/instrument/personality_reader.h"
-#include "tests/instrument/tcp_server.h"
+#include "tests/instrument/serving.h"
 
 namespace kesp::simulator {
 namespace {
 
-void Serve(const Options& options, Instrument& instrument, EventLog& log) {
-  asio::io_context io(1);
-  TcpServer server(Listen(io, options.bind, options.port), instrument, log);
-  asio::signal_set signals(io, SIGINT, SIGTERM);
-  signals.async_wait([&io](const asio::error_code& /*error*/, int /*signal*/) { io.stop(); });
-  asio::co_spawn(io, server.Run(options.once ? Clients::kOne : Clients::kMany),
-                 [&io](const std::exception_ptr& /*failure*/) { io.stop(); });
-  std::cout << "listening on " << server.endpoint() << std::endl;
-  io.run();
+void Serve(const Options& options, EventLog& log) {
+  Instrument instrument(options.personality.empty() ? BuiltInPersonality()
+                                                    : LoadPersonality(options.personality));
+  if (options.serial.empty()) return ServeTcp(options, instrument, log);
+  ServeSerial(options.serial, [&instrument, &log](Carrier& carrier) {
+    return std::make_unique<Conversation>(carrier, instrument, log, 1);
+  });
+}
+
+std::string Place(const Options& options) {
+  if (!options.serial.empty()) return "serve " + options.serial;
+  return "listen on " + options.bind + " port " + std::to_string(options.port);
 }
 
 int Run(const Options& options) {
@@ -44,15 +45,12 @@ int Run(const Options& options) {
   }
   EventLog log(sinks, TimeOfDay);
   try {
-    Instrument instrument(options.personality.empty() ? BuiltInPersonality()
-                                                      : LoadPersonality(options.personality));
-    Serve(options, instrument, log);
+    Serve(options, log);
   } catch (const PersonalityError& error) {
     std::cerr << "kesp-instrument: " << error.what() << "\n";
     return kExitBadInput;
   } catch (const std::system_error& error) {
-    std::cerr << "kesp-instrument: cannot listen on " << options.bind << " port " << options.port << ": "
-              << error.code().message() << "\n";
+    std::cerr << "kesp-instrument: cannot " << Place(options) << ": " << error.code().message() << "\n";
     return kExitCannotListen;
   }
   return kExitDone;

@@ -10,9 +10,11 @@ namespace kesp::simulator {
 namespace {
 
 constexpr char kAbout[] =
-    "Plays a laboratory instrument over TCP: answers text commands, with faults on demand.\n"
-    "It prints one line, \"listening on ADDRESS:PORT\", when it is ready, and runs until it is "
-    "interrupted.\n";
+    "Plays a laboratory instrument over TCP or on a serial line: answers text commands, with faults on "
+    "demand.\n"
+    "It prints one line, \"listening on ADDRESS:PORT\" or \"serving PATH\", when it is ready, and runs "
+    "until\n"
+    "it is interrupted.\n";
 
 constexpr char kMore[] =
     "Without a personality file it answers *IDN?, *VER, t and MEAS?, refuses other queries with an error\n"
@@ -22,15 +24,20 @@ constexpr char kMore[] =
     "  kesp-instrument                                      the built-in instrument on a free port\n"
     "  kesp-instrument --port 10001                         ... on a port of your choice\n"
     "  kesp-instrument --personality bench-top-controller.json --log talk.log --quiet\n"
+    "  kesp-instrument --serial ~/.wine/dosdevices/com33     on a serial line, COM33 in Wine\n"
     "  printf '*IDN?\\r' | nc -q 1 127.0.0.1 10001           talk to it by hand\n"
     "\n"
-    "Exit codes: 0 ended as asked, 1 cannot listen, 2 a mistake in the command line or in a file.\n"
+    "Exit codes: 0 ended as asked, 1 cannot listen or serve, 2 a mistake in the command line or in a file.\n"
     "The personality format is described in the README beside the shipped personalities.\n";
 
 std::string CheckAddress(const std::string& text) {
   asio::error_code error;
   asio::ip::make_address(text, error);
   return error ? "\"" + text + "\" is not an IP address" : std::string();
+}
+
+std::string CheckPath(const std::string& text) {
+  return text.empty() ? "the path is empty" : std::string();
 }
 
 void Describe(CLI::App& app, Options& options) {
@@ -43,12 +50,16 @@ void Describe(CLI::App& app, Options& options) {
   app.add_option("--bind", options.bind, "IP address to listen on; 127.0.0.1 (default) is this machine only")
       ->type_name("ADDRESS")
       ->check(CheckAddress);
+  app.add_option("--serial", options.serial, "Serve a serial line instead, which is linked under this path")
+      ->type_name("PATH")
+      ->check(CheckPath)
+      ->excludes("--port", "--bind");
   app.add_option("--personality", options.personality, "What to answer to which command (JSON)")
       ->type_name("FILE");
   app.add_option("--log", options.log, "Append a line per connection, command and reply to this file")
       ->type_name("FILE");
   app.add_flag("--quiet", options.quiet, "Do not write those lines to standard error");
-  app.add_flag("--once", options.once, "End after the first client has left");
+  app.add_flag("--once", options.once, "End after the first client has left")->excludes("--serial");
 }
 
 }  // namespace

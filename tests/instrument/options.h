@@ -10,12 +10,13 @@ namespace kesp::simulator {
 
 // The exit codes of the program.
 inline constexpr int kExitDone = 0;
-inline constexpr int kExitCannotListen = 1;
-inline constexpr int kExitBadInput = 2;  // a bad command line, personality file or log path
+inline constexpr int kExitCannotListen = 1;  // nor make the serial line
+inline constexpr int kExitBadInput = 2;      // a bad command line, personality file or log path
 
 struct Options {
   std::uint16_t port = 0;  // 0: pick a free one
   std::string bind = "127.0.0.1";
+  std::string serial;       // where to make a serial line; empty: serve over TCP
   std::string personality;  // a file; empty: the built-in one
   std::string log;          // a file; empty: none
   bool quiet = false;

@@ -30,19 +30,38 @@ TEST(ParseOptions, AllArguments_AreTaken) {
   EXPECT_TRUE(parsed.options->once);
 }
 
+TEST(ParseOptions, Serial_IsTakenInPlaceOfAPort) {
+  const ParsedOptions parsed = ParseOptions({"--serial", "d/com33", "--quiet"});
+  ASSERT_TRUE(parsed.options) << parsed.error;
+  EXPECT_EQ(parsed.options->serial, "d/com33");
+}
+
 TEST(ParseOptions, Help_NamesEveryOptionAndSucceeds) {
   const ParsedOptions parsed = ParseOptions({"--help"});
   EXPECT_FALSE(parsed.options);
   EXPECT_EQ(parsed.exit_code, kExitDone);
   EXPECT_EQ(parsed.error, "");
-  for (const char* name : {"--port", "--bind", "--personality", "--log", "--quiet", "--once", "--help"})
+  for (const char* name :
+       {"--port", "--bind", "--serial", "--personality", "--log", "--quiet", "--once", "--help"})
     EXPECT_NE(parsed.output.find(name), std::string::npos) << name;
 }
 
 TEST(ParseOptions, Mistakes_AreRefusedWithAMessage) {
   const std::vector<std::vector<std::string>> mistakes = {
-      {"--prot", "1"},      {"--port", "65536"},       {"--port", "-1"},  {"--port", "x"}, {"--port"},
-      {"--bind", "host.x"}, {"--bind", "127.0.0.1:5"}, {"--personality"}, {"stray"},
+      {"--prot", "1"},
+      {"--port", "65536"},
+      {"--port", "-1"},
+      {"--port", "x"},
+      {"--port"},
+      {"--bind", "host.x"},
+      {"--bind", "127.0.0.1:5"},
+      {"--personality"},
+      {"stray"},
+      {"--serial"},
+      {"--serial", ""},
+      {"--serial", "p", "--port", "1"},
+      {"--serial", "p", "--bind", "::1"},
+      {"--serial", "p", "--once"},
   };
   for (const std::vector<std::string>& arguments : mistakes) {
     const ParsedOptions parsed = ParseOptions(arguments);

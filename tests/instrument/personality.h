@@ -3,9 +3,11 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "tests/instrument/action.h"
+#include "tests/instrument/line_rule.h"
 
 namespace kesp::simulator {
 
@@ -14,6 +16,8 @@ using AnswersByName = std::map<std::string, Answer, std::less<>>;
 struct Personality {
   // Ends each command on its way in; never empty.
   std::string terminator = "\r";
+  // On a serial line: the settings at which commands are understood.
+  std::optional<LineRule> line;
 
   Answer on_connect;
   AnswersByName commands;

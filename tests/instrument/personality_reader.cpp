@@ -10,6 +10,7 @@
 
 #include "tests/instrument/action_reader.h"
 #include "tests/instrument/json_fields.h"
+#include "tests/instrument/line_rule_reader.h"
 
 namespace kesp::simulator {
 namespace {
@@ -78,13 +79,14 @@ void ReadCommands(const JsonFields& file, const std::string& reply_terminator, P
 Personality ReadPersonality(const std::string& json_text) {
   const json root = Parse(json_text);
   const JsonFields file(root, "");
-  file.AllowOnly({"description", "terminator", "reply_terminator", "on_connect", "commands", "default_query",
-                  "default"});
+  file.AllowOnly({"description", "terminator", "reply_terminator", "line", "on_connect", "commands",
+                  "default_query", "default"});
   CheckDescription(file);
 
   Personality personality;
   personality.terminator = file.TextOr("terminator", "\r");
   if (personality.terminator.empty()) throw PersonalityError(file.PlaceOf("terminator"), "must not be empty");
+  if (file.Has("line")) personality.line = ReadLineRule(file.Value("line"), file.PlaceOf("line"));
   const std::string reply_terminator = file.TextOr("reply_terminator", "\r");
 
   const auto answer = [&](const char* field, const Answer& otherwise) {

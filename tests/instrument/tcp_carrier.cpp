@@ -1,14 +1,12 @@
 // A TCP connection as the carrier of a conversation.
 #include "tests/instrument/tcp_carrier.h"
 
-#include <asio/buffer.hpp>
-#include <asio/post.hpp>
-#include <asio/redirect_error.hpp>
 #include <asio/steady_timer.hpp>
-#include <asio/use_awaitable.hpp>
 #include <asio/write.hpp>
 #include <sstream>
 #include <utility>
+
+#include "tests/instrument/carrier_stream.h"
 
 namespace kesp::simulator {
 namespace {
@@ -35,17 +33,12 @@ TcpCarrier::TcpCarrier(asio::ip::tcp::socket socket)
   socket_.set_option(asio::ip::tcp::no_delay(true), ignored);
 }
 
-std::string TcpCarrier::Peer() const {
-  return peer_;
+std::string TcpCarrier::Opening() const {
+  return "connected from " + peer_;
 }
 
-asio::awaitable<std::string> TcpCarrier::Receive() {
-  asio::error_code error;
-  const std::size_t count = co_await socket_.async_read_some(
-      asio::buffer(input_), asio::redirect_error(asio::use_awaitable, error));
-  if (error == asio::error::eof) co_return std::string();
-  if (error) throw asio::system_error(error);
-  co_return std::string(input_.data(), count);
+asio::awaitable<Arrival> TcpCarrier::Receive(std::chrono::milliseconds patience) {
+  return ReceiveFrom(socket_, input_, patience);
 }
 
 asio::awaitable<void> TcpCarrier::Send(std::string_view bytes) {
@@ -54,20 +47,7 @@ asio::awaitable<void> TcpCarrier::Send(std::string_view bytes) {
 
 asio::awaitable<std::size_t> TcpCarrier::SendEndlessly(std::string_view block,
                                                        std::chrono::milliseconds length) {
-  // Polled, because a client that stays and does not read would block a plain write past the deadline.
-  asio::steady_timer timer(socket_.get_executor());
-  const auto deadline = std::chrono::steady_clock::now() + length;
-  socket_.non_blocking(true);
-  std::size_t total = 0;
-  while (std::chrono::steady_clock::now() < deadline) {
-    asio::error_code error;
-    total += socket_.write_some(asio::buffer(block.substr(total % block.size())), error);
-    if (error && error != asio::error::would_block) break;
-    // Either way the other connections get their turn.
-    timer.expires_after(std::chrono::milliseconds(error ? 1 : 0));
-    co_await timer.async_wait(asio::use_awaitable);
-  }
-  co_return total;
+  return SendEndlesslyTo(socket_, block, length);
 }
 
 asio::awaitable<void> TcpCarrier::Pause(std::chrono::milliseconds length) {

@@ -13,8 +13,8 @@ class TcpCarrier : public Carrier {
  public:
   explicit TcpCarrier(asio::ip::tcp::socket socket);
 
-  std::string Peer() const override;
-  asio::awaitable<std::string> Receive() override;
+  std::string Opening() const override;
+  asio::awaitable<Arrival> Receive(std::chrono::milliseconds patience) override;
   asio::awaitable<void> Send(std::string_view bytes) override;
   asio::awaitable<std::size_t> SendEndlessly(std::string_view block,
                                              std::chrono::milliseconds length) override;

@@ -1,0 +1,29 @@
+// The settings of the serial line at which an instrument understands its client.
+#include "tests/instrument/line_rule.h"
+
+namespace kesp::simulator {
+namespace {
+
+char Visible(char parity) {
+  return parity == 'E' ? 'N' : parity;
+}
+
+std::string OrDash(const std::optional<unsigned>& number) {
+  return number ? std::to_string(*number) : "-";
+}
+
+}  // namespace
+
+const std::string kGarbage("\xFE\x87\x00\x1C\xF8\x83\x9F\xE3", 8);
+
+bool Suits(const LineRule& rule, const LineSettings& settings) {
+  return rule.baud == settings.baud && (!rule.parity || Visible(*rule.parity) == Visible(settings.parity)) &&
+         (!rule.stop_bits || *rule.stop_bits == settings.stop_bits);
+}
+
+std::string TextOf(const LineRule& rule) {
+  return std::to_string(rule.baud) + "," + rule.parity.value_or('-') + "," + OrDash(rule.data_bits) + "," +
+         OrDash(rule.stop_bits);
+}
+
+}  // namespace kesp::simulator

@@ -1,0 +1,53 @@
+// The settings of a serial line: bit rate, data bits, parity and stop bits.
+#include "tests/instrument/line_settings.h"
+
+// Not <termios.h>, whose structure has the bit rate as one of a few codes.
+#include <asm/termbits.h>
+#include <sys/ioctl.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace kesp::simulator {
+namespace {
+
+unsigned DataBits(tcflag_t flags) {
+  switch (flags & CSIZE) {
+    case CS5:
+      return 5;
+    case CS6:
+      return 6;
+    case CS7:
+      return 7;
+    default:
+      return 8;
+  }
+}
+
+// A pseudo-terminal drops the flag that turns parity on and keeps those that say which.
+char Parity(tcflag_t flags) {
+  const bool odd = (flags & PARODD) != 0;
+  if ((flags & CMSPAR) != 0) return odd ? 'M' : 'S';
+  if (odd) return 'O';
+  return (flags & PARENB) != 0 ? 'E' : 'N';
+}
+
+}  // namespace
+
+std::string TextOf(const LineSettings& settings) {
+  return std::to_string(settings.baud) + "," + settings.parity + "," + std::to_string(settings.data_bits) +
+         "," + std::to_string(settings.stop_bits);
+}
+
+LineSettings SettingsOf(int descriptor) {
+  termios2 raw{};
+  if (::ioctl(descriptor, TCGETS2, &raw) != 0) throw std::system_error(errno, std::generic_category());
+  LineSettings settings;
+  settings.baud = raw.c_ospeed;
+  settings.parity = Parity(raw.c_cflag);
+  settings.data_bits = DataBits(raw.c_cflag);
+  settings.stop_bits = (raw.c_cflag & CSTOPB) != 0 ? 2 : 1;
+  return settings;
+}
+
+}  // namespace kesp::simulator
