@@ -1,7 +1,9 @@
 // The script with-instrument: the command's exit code comes back, and no process stays.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <csignal>
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -80,6 +82,34 @@ TEST(WithInstrument, Arguments_ReachInstrumentAndCommandUnchanged) {
                  "-c", "echo \"$1|$2|$KESP_INSTRUMENT_HOST\"", "sh", "two words", "--"});
   EXPECT_EQ(script.Wait(), 0);
   EXPECT_EQ(script.Output(), "two words|--|127.0.0.1\n");
+}
+
+constexpr char kTellAll[] =
+    "echo \"${KESP_INSTRUMENT_HOST-none}|${KESP_INSTRUMENT_SERIAL-none}|${KESP_INSTRUMENT_LOG-none}\"";
+
+TEST(WithInstrument, SerialLineAndLog_AreToldToTheCommand) {
+  const std::string line = testing::TempDir() + "kesp_with_serial_" + std::to_string(::getpid());
+  const std::string log = line + ".log";
+  Script script({"--serial", line, "--quiet", "--log", log, "--", "/bin/sh", "-c",
+                 std::string("test -e \"$KESP_INSTRUMENT_SERIAL\" && ") + kTellAll});
+  EXPECT_EQ(script.Wait(), 0) << script.Error();
+  EXPECT_EQ(script.Output(), "none|" + line + "|" + log + "\n");
+  Script with_signs({"--serial=" + line, "--log=" + log, "--", "/bin/sh", "-c", kTellAll});
+  EXPECT_EQ(with_signs.Wait(), 0) << with_signs.Error();
+  EXPECT_EQ(with_signs.Output(), "none|" + line + "|" + log + "\n");
+  EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(line)));
+  std::filesystem::remove(log);
+}
+
+TEST(WithInstrument, Wire_LetsTheCommandPlayTheInstrument) {
+  const std::string line = testing::TempDir() + "kesp_with_wire_" + std::to_string(::getpid());
+  Script script(
+      {"--wire", "--serial", line, "--", "/bin/bash", "-c",
+       std::string("exec 3<>/dev/tcp/$KESP_INSTRUMENT_HOST/$KESP_INSTRUMENT_PORT; "
+                   "read -r -t 10 -u 3 word; test -e \"$KESP_INSTRUMENT_SERIAL\" && echo $word && ") +
+           kTellAll});
+  EXPECT_EQ(script.Wait(), 0) << script.Error();
+  EXPECT_EQ(script.Output(), "ready\n127.0.0.1|" + line + "|none\n");
 }
 
 TEST(WithInstrument, InstrumentThatDoesNotStart_RunsNoCommand) {
