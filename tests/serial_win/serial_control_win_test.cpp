@@ -1,0 +1,255 @@
+// The serial control of Windows on a real COM port, whose other end is the test's.
+#include "serial/serial_control_win.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+
+#include "serial/serial_control_errors.h"
+#include "serial/serial_ports_win.h"
+#include "support/text.h"
+#include "tests/clients/modem_lines.h"
+#include "tests/clients/serial_wire.h"
+#include "tests/serial_win/bare_port.h"
+
+namespace kesp::clients {
+namespace {
+
+using Milliseconds = SerialWire::Milliseconds;
+
+// The number of the failure that the call throws; 0 for none.
+std::int32_t NumberOf(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.source(), L"commCOMControl");
+    EXPECT_EQ(failure.description(), SerialControlErrorDescription(failure.number()));
+    return failure.number();
+  }
+  return 0;
+}
+
+class SerialControlWinTest : public testing::Test {
+ protected:
+  SerialControlWinTest() { control_.SetCommPort(Port()); }
+
+  static std::int16_t Port() { return static_cast<std::int16_t>(SerialWire::PortNumber()); }
+
+  // Looks at the port until that is so, or the deadline has passed.
+  static bool Eventually(const std::function<bool()>& condition) {
+    const auto deadline = SerialWire::Clock::now() + SerialWire::kDeadline;
+    while (SerialWire::Clock::now() < deadline) {
+      if (condition()) return true;
+    }
+    return false;
+  }
+
+  std::string Read(std::size_t count) {
+    std::string bytes;
+    Eventually([&] {
+      bytes += control_.Input();
+      return bytes.size() >= count;
+    });
+    return bytes;
+  }
+
+  SerialWire wire_;
+  SerialControlWin control_;
+};
+
+std::string AllBytes() {
+  std::string bytes;
+  for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+  return bytes;
+}
+
+TEST_F(SerialControlWinTest, Opened_EveryBytePassesInBothDirections) {
+  control_.Open();
+  control_.Output(AllBytes());
+  EXPECT_EQ(wire_.Receive(256), AllBytes());
+  wire_.Send(AllBytes());
+  EXPECT_EQ(Read(256), AllBytes());
+}
+
+TEST_F(SerialControlWinTest, XonXoff_IsAsked_AndReadBack) {
+  control_.SetHandshaking(SerialHandshaking::kXonXoff);
+  control_.SetSettings(L"19200,E,7,2");
+  control_.Open();
+  EXPECT_TRUE(control_.PortOpen());
+  EXPECT_EQ(control_.Settings(), L"19200,E,7,2");
+  // XOFF and XON are the line's own now.
+  wire_.Send(
+      "a\x11"
+      "b");
+  EXPECT_EQ(Read(2), "ab");
+}
+
+TEST_F(SerialControlWinTest, EveryRate_IsTaken) {
+  for (const wchar_t* rate : {L"150", L"300", L"600", L"1200", L"2400", L"4800", L"9600", L"19200", L"38400",
+                              L"57600", L"115200", L"230400", L"460800", L"921600"}) {
+    control_.SetSettings(std::wstring(rate) + L",N,8,1");
+    control_.Open();
+    control_.Output("x");
+    EXPECT_EQ(wire_.Receive(1), "x") << SystemCodePage().ToBytes(rate);
+    control_.Close();
+  }
+}
+
+TEST_F(SerialControlWinTest, SettingsOfOtherForm_AreRefusedAndTheEarlierOnesStay) {
+  control_.SetSettings(L"2400,O,7,1");
+  for (const wchar_t* text : {L"<unknown>,N,8,1", L"", L"9600", L"9600,n,8,1", L"9600,N,9,1", L"9600,N,8,3",
+                              L"9600,N,8,1 ", L"9601,N,8,1"}) {
+    EXPECT_EQ(NumberOf([&] { control_.SetSettings(text); }), 380) << SystemCodePage().ToBytes(text);
+  }
+  EXPECT_EQ(control_.Settings(), L"2400,O,7,1");
+}
+
+TEST_F(SerialControlWinTest, PortNumberOutsideRange_IsRefused) {
+  for (const int port : {0, 257, -1}) {
+    EXPECT_EQ(NumberOf([&] { control_.SetCommPort(static_cast<std::int16_t>(port)); }), 8002) << port;
+  }
+}
+
+TEST_F(SerialControlWinTest, PortWithoutDevice_CannotBeOpened) {
+  control_.SetCommPort(255);
+  EXPECT_EQ(NumberOf([&] { control_.Open(); }), 8002);
+  EXPECT_FALSE(control_.PortOpen());
+}
+
+TEST_F(SerialControlWinTest, PortHeldByAnother_CannotBeOpenedUntilItIsFree) {
+  BarePort other(SerialWire::PortName());
+  ASSERT_EQ(other.error(), DWORD{ERROR_SUCCESS});
+  EXPECT_EQ(NumberOf([&] { control_.Open(); }), 8005);
+  EXPECT_FALSE(control_.PortOpen());
+  other.Close();
+  EXPECT_EQ(NumberOf([&] { control_.Open(); }), 0);
+}
+
+TEST_F(SerialControlWinTest, Opened_IsTheOnlyOwner) {
+  control_.Open();
+  EXPECT_EQ(NumberOf([&] { control_.Open(); }), 8000);
+  EXPECT_EQ(NumberOf([&] { control_.SetCommPort(34); }), 8000);
+  EXPECT_EQ(BarePort(SerialWire::PortName()).error(), DWORD{ERROR_ACCESS_DENIED});
+  EXPECT_EQ(SystemSerialPorts().IsCOMPortAvailable(Port()), 5);
+  control_.Close();
+  EXPECT_EQ(SystemSerialPorts().IsCOMPortAvailable(Port()), 0);
+  EXPECT_EQ(SystemSerialPorts().IsCOMPortAvailable(Port()), 0) << "it was closed again";
+  EXPECT_EQ(SystemSerialPorts().IsCOMPortAvailable(255), 2);
+  EXPECT_EQ(SystemSerialPorts().IsCOMPortAvailable(0), 2);
+}
+
+TEST_F(SerialControlWinTest, Closed_EveryOperationOfTheOpenPortIsRefused) {
+  EXPECT_EQ(NumberOf([&] { control_.InBufferCount(); }), 8018);
+  EXPECT_EQ(NumberOf([&] { control_.OutBufferCount(); }), 8018);
+  EXPECT_EQ(NumberOf([&] { control_.ClearInBuffer(); }), 8018);
+  EXPECT_EQ(NumberOf([&] { control_.ClearOutBuffer(); }), 8018);
+  EXPECT_EQ(NumberOf([&] { control_.Output("x"); }), 8018);
+  EXPECT_EQ(NumberOf([&] { control_.Input(); }), 8018);
+  EXPECT_EQ(NumberOf([&] { control_.SetDTREnable(false); }), 0);
+  EXPECT_EQ(NumberOf([&] { control_.SetRTSEnable(false); }), 0);
+  EXPECT_EQ(NumberOf([&] { control_.Close(); }), 0);
+}
+
+TEST_F(SerialControlWinTest, ReceivedBytes_AreCountedAndCleared) {
+  control_.Open();
+  EXPECT_EQ(control_.InBufferCount(), 0);
+  EXPECT_EQ(control_.Input(), "");
+  wire_.Send("12345");
+  EXPECT_TRUE(Eventually([&] { return control_.InBufferCount() == 5; }));
+  control_.ClearInBuffer();
+  EXPECT_EQ(control_.InBufferCount(), 0);
+}
+
+// A line that takes nothing: the write stays pending, its bytes are counted, and nothing blocks.
+TEST_F(SerialControlWinTest, LineThatTakesNothing_OutputIsCountedUntilItLeaves) {
+  control_.Open();
+  wire_.PauseReading();
+  const std::string block(65536, 'x');
+  int blocks = 0;
+  while (control_.OutBufferCount() == 0 && blocks < 256) {
+    control_.Output(block);
+    ++blocks;
+  }
+  ASSERT_LT(blocks, 256);
+  EXPECT_GT(control_.OutBufferCount(), 0);
+  wire_.ResumeReading();
+  EXPECT_TRUE(Eventually([&] { return control_.OutBufferCount() == 0; }));
+  EXPECT_EQ(wire_.Receive(block.size() * static_cast<std::size_t>(blocks)).size(),
+            block.size() * static_cast<std::size_t>(blocks));
+}
+
+TEST_F(SerialControlWinTest, LineThatTakesNothing_OutputCanBeClearedAndThePortClosed) {
+  control_.Open();
+  wire_.PauseReading();
+  for (int i = 0; i < 256 && control_.OutBufferCount() == 0; ++i) control_.Output(std::string(65536, 'x'));
+  ASSERT_GT(control_.OutBufferCount(), 0);
+  control_.ClearOutBuffer();
+  EXPECT_EQ(control_.OutBufferCount(), 0);
+  control_.Output(std::string(1 << 20, 'y'));
+  control_.Close();
+  EXPECT_FALSE(control_.PortOpen());
+}
+
+// Adapters are fed by these lines: both are up before a byte can leave, and opening does not pulse them.
+TEST_F(SerialControlWinTest, Opened_BothControlLinesRiseOnce) {
+  const std::size_t before = LineChanges().size();
+  control_.Open();
+  const std::vector<LineChange> changes = LineChanges();
+  ASSERT_GT(changes.size(), before);
+  bool dtr = false;
+  bool rts = false;
+  for (std::size_t i = before; i < changes.size(); ++i) {
+    EXPECT_TRUE(changes[i].dtr || !dtr) << "DTR fell";
+    EXPECT_TRUE(changes[i].rts || !rts) << "RTS fell";
+    dtr = changes[i].dtr;
+    rts = changes[i].rts;
+  }
+  EXPECT_TRUE(dtr);
+  EXPECT_TRUE(rts);
+}
+
+TEST_F(SerialControlWinTest, ControlLines_FollowOneByOne) {
+  control_.Open();
+  const std::string up = LineHistory();
+  control_.SetDTREnable(false);
+  control_.SetDTREnable(true);
+  control_.SetRTSEnable(false);
+  control_.SetRTSEnable(true);
+  EXPECT_EQ(LineHistory(), up + " R DR D DR");
+}
+
+TEST_F(SerialControlWinTest, LinesSwitchedOffWhileClosed_AreOffAfterOpening) {
+  control_.SetDTREnable(false);
+  control_.SetRTSEnable(false);
+  const std::string before = LineHistory();
+  control_.Open();
+  EXPECT_EQ(LineHistory(), before);
+}
+
+TEST_F(SerialControlWinTest, PortPulledWhileOpen_FailsAtTheNextCallAndClosesCleanly) {
+  control_.Open();
+  wire_.Pull();
+  EXPECT_TRUE(Eventually([&] { return NumberOf([&] { control_.InBufferCount(); }) == 8020; }));
+  EXPECT_EQ(NumberOf([&] { control_.Input(); }), 8020);
+  EXPECT_EQ(NumberOf([&] { control_.OutBufferCount(); }), 8012);
+  EXPECT_EQ(NumberOf([&] { control_.Output("x"); }), 8012);
+  control_.Close();
+  EXPECT_FALSE(control_.PortOpen());
+  EXPECT_EQ(NumberOf([&] { control_.Open(); }), 8002);
+  wire_.Reconnect();
+  control_.Open();
+  control_.Output("back");
+  EXPECT_EQ(wire_.Receive(4), "back");
+}
+
+TEST_F(SerialControlWinTest, SettingsChangedWhileOpen_HoldAtOnce) {
+  control_.Open();
+  control_.SetSettings(L"1200,E,7,1");
+  control_.SetHandshaking(SerialHandshaking::kXonXoff);
+  EXPECT_EQ(NumberOf([&] { control_.SetSettings(L"1200,X,7,1"); }), 380);
+  EXPECT_EQ(control_.Settings(), L"1200,E,7,1");
+}
+
+}  // namespace
+}  // namespace kesp::clients
