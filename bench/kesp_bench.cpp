@@ -15,6 +15,7 @@
 #include "bench/bare_socket.h"
 #include "bench/library_client.h"
 #include "bench/measure.h"
+#include "bench/table.h"
 
 namespace kesp::bench {
 
@@ -26,15 +27,6 @@ struct Instrument {
   std::string host;
   std::uint16_t port;
 };
-
-void PrintHeading() {
-  std::printf("%-44s %12s %12s %8s\n", "what", "library us", "bare us", "ratio");
-}
-
-void Print(const std::string& what, const Pair& pair) {
-  std::printf("%-44s %12.1f %12.1f %8.2f\n", what.c_str(), pair.library, pair.bare, pair.library / pair.bare);
-  std::fflush(stdout);
-}
 
 void BareQuery(const Instrument& instrument, const std::string& command) {
   BareSocket socket(instrument.host, instrument.port);
@@ -83,7 +75,7 @@ void MeasureLargeReplies(const Instrument& instrument, const LibraryClient& clie
 void MeasureLife() {
   std::vector<double> samples;
   for (int i = 0; i < 41; ++i) samples.push_back(Microseconds([] { CreateAndRelease(); }));
-  std::printf("%-44s %12.1f\n", "create and release CKespCommObj", Median(samples));
+  Print("create and release CKespCommObj", Median(samples));
 }
 
 int Run(const Instrument& instrument) {

@@ -36,23 +36,33 @@ struct Pair {
   double bare;
 };
 
-template <class Library, class Bare>
-Pair MeasureInTurn(int samples, int batch, Library&& library, Bare&& bare) {
-  library();
-  bare();
+//
+// Each sample of a side stands between its begin and its end, which are not timed.
+template <class LibraryBegin, class Library, class LibraryEnd, class BareBegin, class Bare, class BareEnd>
+Pair MeasureInTurn(int samples, int batch, LibraryBegin&& begin_library, Library&& library,
+                   LibraryEnd&& end_library, BareBegin&& begin_bare, Bare&& bare, BareEnd&& end_bare) {
+  const auto sample = [batch](auto& begin, auto& work, auto& end) {
+    begin();
+    work();  // what happens once only is not to count
+    const double time = Microseconds([&] {
+      for (int k = 0; k < batch; ++k) work();
+    });
+    end();
+    return time / batch;
+  };
   std::vector<double> of_library;
   std::vector<double> of_bare;
   for (int i = 0; i < samples; ++i) {
-    of_library.push_back(Microseconds([&] {
-                           for (int k = 0; k < batch; ++k) library();
-                         }) /
-                         batch);
-    of_bare.push_back(Microseconds([&] {
-                        for (int k = 0; k < batch; ++k) bare();
-                      }) /
-                      batch);
+    of_library.push_back(sample(begin_library, library, end_library));
+    of_bare.push_back(sample(begin_bare, bare, end_bare));
   }
   return {.library = Median(of_library), .bare = Median(of_bare)};
+}
+
+template <class Library, class Bare>
+Pair MeasureInTurn(int samples, int batch, Library&& library, Bare&& bare) {
+  const auto nothing = [] {};
+  return MeasureInTurn(samples, batch, nothing, library, nothing, nothing, bare, nothing);
 }
 
 }  // namespace kesp::bench

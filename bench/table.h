@@ -1,0 +1,26 @@
+// The table that the benchmarks print.
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+#include "bench/measure.h"
+
+namespace kesp::bench {
+
+inline void PrintHeading() {
+  std::printf("%-56s %12s %12s %8s\n", "what", "library us", "bare us", "ratio");
+}
+
+inline void Print(const std::string& what, const Pair& pair) {
+  std::printf("%-56s %12.1f %12.1f %8.2f\n", what.c_str(), pair.library, pair.bare, pair.library / pair.bare);
+  std::fflush(stdout);
+}
+
+// A row without a bare side.
+inline void Print(const std::string& what, double library) {
+  std::printf("%-56s %12.1f\n", what.c_str(), library);
+  std::fflush(stdout);
+}
+
+}  // namespace kesp::bench
