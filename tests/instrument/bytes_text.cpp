@@ -2,7 +2,9 @@
 #include "tests/instrument/bytes_text.h"
 
 #include <cctype>
+#include <charconv>
 #include <cstdint>
+#include <system_error>
 
 namespace kesp::simulator {
 namespace {
@@ -77,6 +79,22 @@ std::string Quoted(std::string_view bytes, std::size_t limit) {
   for (const char character : bytes.substr(0, limit)) text += Escaped(character);
   text += bytes.size() > limit ? "...\"" : "\"";
   return text;
+}
+
+std::string Hexadecimal(std::uint32_t value) {
+  std::string text;
+  do {
+    text.insert(text.begin(), "0123456789ABCDEF"[value % 16]);
+    value /= 16;
+  } while (value != 0);
+  return text;
+}
+
+std::optional<std::uint32_t> FromHexadecimal(std::string_view text) {
+  std::uint32_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, 16);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return value;
 }
 
 }  // namespace kesp::simulator

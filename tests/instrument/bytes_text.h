@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,5 +20,10 @@ std::optional<std::string> BytesFromHex(std::string_view hex);
 // The bytes in double quotes, readable on one line: \r, \n, \t, \\, \" and \xNN for what is not printable
 // ASCII. Of more than `limit` bytes the first ones and "...", so that a log stays a log.
 std::string Quoted(std::string_view bytes, std::size_t limit = 60);
+
+// A number in upper-case hexadecimal without leading zeros, and back; nothing for a text that is no such
+// number.
+std::string Hexadecimal(std::uint32_t value);
+std::optional<std::uint32_t> FromHexadecimal(std::string_view text);
 
 }  // namespace kesp::simulator

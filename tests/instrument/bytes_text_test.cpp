@@ -59,5 +59,16 @@ TEST(Quoted, MoreThanTheLimit_IsCutAndMarked) {
   EXPECT_EQ(Quoted("123456", 5), "\"12345...\"");
 }
 
+TEST(Hexadecimal, Numbers_GoThereAndBack) {
+  for (const auto& [number, text] :
+       {std::pair(0U, "0"), std::pair(0x1AU, "1A"), std::pair(~0U, "FFFFFFFF")}) {
+    EXPECT_EQ(Hexadecimal(number), text);
+    EXPECT_EQ(FromHexadecimal(text), number);
+  }
+  EXPECT_EQ(FromHexadecimal("1a"), 0x1AU);
+  for (const char* text : {"", "x", "1 ", " 1", "-1", "0x1", "100000000"})
+    EXPECT_EQ(FromHexadecimal(text), std::nullopt) << text;
+}
+
 }  // namespace
 }  // namespace kesp::simulator

@@ -77,6 +77,16 @@ void JsonFields::RequireTrue(std::string_view field) const {
     throw PersonalityError(PlaceOf(field), "must be true, or be left out");
 }
 
+void JsonFields::CheckDescription() const {
+  if (!Has("description")) return;
+  const nlohmann::json& value = Value("description");
+  bool good = value.is_string() || value.is_array();
+  if (value.is_array()) {
+    for (const nlohmann::json& line : value) good = good && line.is_string();
+  }
+  if (!good) throw PersonalityError(PlaceOf("description"), "must be a text or a list of texts");
+}
+
 std::string TextAt(const std::string& utf8, const std::string& place) {
   const std::optional<std::string> bytes = BytesFromText(utf8);
   if (!bytes)

@@ -39,6 +39,8 @@ class JsonFields {
   std::int64_t WholeOr(std::string_view field, Range range, std::int64_t otherwise) const;
   // For fields that only say something by being there: anything but true is refused.
   void RequireTrue(std::string_view field) const;
+  // The field "description", when there is one, is a text or a list of texts.
+  void CheckDescription() const;
 
  private:
   const nlohmann::json& value_;

@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "tests/instrument/conversation.h"
+#include "tests/instrument/device_reader.h"
+#include "tests/instrument/device_talk.h"
 #include "tests/instrument/event_log.h"
 #include "tests/instrument/instrument.h"
 #include "tests/instrument/options.h"
@@ -17,7 +19,19 @@
 namespace kesp::simulator {
 namespace {
 
+// A device has one line and one client.
+void ServeDevice(const Options& options, Device& device, EventLog& log) {
+  if (options.serial.empty())
+    throw PersonalityError(options.personality, "is a device at a serial line, which goes with --serial");
+  ServeSerial(options.serial, [&device, &log](Carrier& carrier) {
+    return std::make_unique<DeviceTalk>(carrier, device, log, 1);
+  });
+}
+
 void Serve(const Options& options, EventLog& log) {
+  const std::unique_ptr<Device> device =
+      options.personality.empty() ? nullptr : LoadDevice(options.personality);
+  if (device != nullptr) return ServeDevice(options, *device, log);
   Instrument instrument(options.personality.empty() ? BuiltInPersonality()
                                                     : LoadPersonality(options.personality));
   if (options.serial.empty()) return ServeTcp(options, instrument, log);

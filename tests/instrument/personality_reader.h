@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 
 #include "tests/instrument/personality.h"
@@ -12,6 +13,9 @@ namespace kesp::simulator {
 // Reads the text strictly. Throws PersonalityError for text that is not JSON (with line and column), a name
 // given twice in one object, and everything that the format does not know (with the place).
 Personality ReadPersonality(const std::string& json_text);
+
+// The same for a personality that is part of something else, at this place.
+Personality ReadPersonality(const nlohmann::json& value, const std::string& place);
 
 // Reads a file. The PersonalityError of a file begins with the file's name.
 Personality LoadPersonality(const std::filesystem::path& file);

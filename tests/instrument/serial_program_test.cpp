@@ -93,6 +93,29 @@ TEST_F(SerialProgramTest, CloseAction_PullsTheAdapterAndTheProgramStays) {
   EXPECT_EQ(program.Wait(), 0);
 }
 
+TEST_F(SerialProgramTest, RadioModem_EntersCommandModeAfterItsSilences) {
+  ChildProcess program(
+      {kProgram, "--serial", link_, "--personality", KESP_PERSONALITIES "/radio-modem.json"});
+  program.FirstLine();
+  SerialClient client(link_);
+  client.Set(B9600);
+  // Nothing has come before: silence enough.
+  client.Send("+++");
+  EXPECT_EQ(client.ReadTo("\r"), "OK\r");
+  EXPECT_EQ(client.Ask("ATDL1A"), "OK");
+  EXPECT_EQ(client.Ask("ATCN"), "OK");
+  EXPECT_EQ(client.Ask("MEAS?"), "12.003");
+  EXPECT_NE(program.Error().find(" #1 modem command \"ATDL1A\"\n"), std::string::npos) << program.Error();
+}
+
+TEST_F(SerialProgramTest, DeviceOverTcp_IsAMistake) {
+  const std::string file = KESP_PERSONALITIES "/radio-modem.json";
+  ChildProcess program({kProgram, "--personality", file});
+  EXPECT_EQ(program.Wait(), 2);
+  EXPECT_EQ(program.Error(),
+            "kesp-instrument: " + file + ": is a device at a serial line, which goes with --serial\n");
+}
+
 TEST_F(SerialProgramTest, FileInThePlace_ExitsWithOne) {
   std::ofstream(file_) << "precious";
   ChildProcess program({kProgram, "--serial", file_});

@@ -5,7 +5,9 @@
 #include <chrono>
 #include <utility>
 
+#include "tests/instrument/device_reader.h"
 #include "tests/instrument/loopback_client.h"
+#include "tests/instrument/played_device.h"
 #include "tests/instrument/served_instrument.h"
 
 namespace kesp::simulator {
@@ -146,6 +148,74 @@ TEST(BenchTopController, Commands_AreAnsweredAsDescribed) {
   for (const auto& [command, reply] : cases) EXPECT_EQ(client.Ask(command), reply) << command;
   client.Send("SETP 25.0\r*RST\r*CLS\rLOG?\r");
   EXPECT_EQ(client.ReadTo("53\r\n").bytes, "+021.48\r\n+021.50\r\n+021.53\r\n");
+}
+
+// A device as it comes, spoken to at moments of the test's choice.
+class ShippedDevice {
+ public:
+  explicit ShippedDevice(const std::string& name) : device_(LoadDevice(KESP_PERSONALITIES "/" + name)) {}
+
+  std::string At(int now, std::string_view bytes = {}) { return device_->Take(bytes, Moment(now)).bytes; }
+  std::string Line() const { return TextOf(device_->Line().value()); }
+
+ private:
+  const std::unique_ptr<Device> device_;
+};
+
+TEST(SerialController, Commands_AreAnsweredAsDescribed) {
+  const Personality personality = Shipped("serial-controller.json");
+  EXPECT_EQ(TextOf(personality.line.value()), "9600,-,-,-");
+  PlayedDevice device(personality, "");
+  EXPECT_EQ(
+      device.Take("*IDN?\r*VER\rt\rMEAS?\rMEAS?\rX?\rX\r", Moment(0)).bytes,
+      "KESP,SC300,SIM30118,1.4\r\n1.4\r\n+021.5\r\n+021.48\r\n+021.50\r\nERROR 113,Undefined query\r\n");
+}
+
+TEST(Redirector, Replies_EndWithCrAlone) {
+  PlayedDevice device(Shipped("redirector.json"), "");
+  EXPECT_EQ(device.Take("*VER\rt\r*IDN?\r", Moment(0)).bytes, "1.1\r21.5\rKESP,RD100,S");
+  EXPECT_EQ(device.Take({}, Moment(15)).bytes, "IM40220,1.1\r");
+}
+
+TEST(OmegaControllerFile, Values_AreReadAndWritten) {
+  ShippedDevice device("omega-controller.json");
+  EXPECT_EQ(device.Line(), "9600,E,7,1");
+  EXPECT_EQ(device.At(0,
+                      "\x04"
+                      "0011PV\x05\r"),
+            "\x02PV0021.5\x03\x1D\r\n");
+  EXPECT_EQ(device.At(0,
+                      "\x04"
+                      "0011\x02SL5\x03\x29\r"),
+            "\x06\r\n");
+}
+
+TEST(RadioModemFile, Instruments_AreAtTheirAddresses) {
+  ShippedDevice device("radio-modem.json");
+  EXPECT_EQ(device.Line(), "9600,-,-,-");
+  EXPECT_EQ(device.At(0, "MEAS?\r"), "21.5\r");
+  EXPECT_EQ(device.At(1000, "+++"), "");
+  EXPECT_EQ(device.At(1050), "OK\r");
+  EXPECT_EQ(device.At(1060, "ATDL\rATDL1A\rATCN\r*IDN?\r"), "1\rOK\rOK\rKESP,RB20,SIM50026,1.0\r");
+}
+
+TEST(PortSwitchFile, Instruments_AreAtTheirPorts) {
+  ShippedDevice device("port-switch.json");
+  EXPECT_EQ(device.Line(), "9600,-,-,-");
+  EXPECT_EQ(device.At(0,
+                      "\x1B\x02"
+                      "A\r*VER\r"),
+            "1.4\r\n");
+  EXPECT_EQ(device.At(0,
+                      "\x1B\x02"
+                      "B\r*IDN?\r"),
+            "KESP,PB50,SIM60002,1.0\r");
+  EXPECT_EQ(device.At(0,
+                      "\x1B\x02"
+                      "D\r\x04"
+                      "0022\x02SL5\x03\x29"),
+            "\x06\r\n");
+  EXPECT_EQ(device.At(0, "\x1B\x02\x04*IDN?\r"), "");
 }
 
 }  // namespace
