@@ -17,18 +17,22 @@ LineLog::LineLog(Carrier& carrier, EventLog& log, unsigned number)
     : carrier_(carrier), log_(log), number_(number) {}
 
 void LineLog::Add(std::string_view bytes) {
-  if (!log_.on() || !carrier_.Line()) return;
+  const std::optional<LineSettings> settings = carrier_.Line();
+  if (!log_.on() || !settings) return;
+  // Bytes stand in the log under the settings at which they came.
+  if (settings != settings_) {
+    Write();
+    settings_ = settings;
+    news_ = true;
+  }
   received_ += bytes;
   if (received_.size() >= kMost) Write();
 }
 
 void LineLog::Write() {
   if (received_.empty()) return;
-  const std::optional<LineSettings> settings = carrier_.Line();
-  if (settings && settings != settings_) {
-    log_.Line(number_, "line " + TextOf(*settings));
-    settings_ = settings;
-  }
+  if (news_) log_.Line(number_, "line " + TextOf(*settings_));
+  news_ = false;
   log_.Line(number_, "received " + Quoted(received_, received_.size()));
   received_.clear();
 }

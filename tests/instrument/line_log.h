@@ -20,7 +20,7 @@ class LineLog {
   // Takes bytes that came in; they are in the log at the next Write at the latest.
   void Add(std::string_view bytes);
 
-  // Logs the settings when they are others than at the last call, and what was added since.
+  // Logs what was added since the last call, under the settings when they have changed.
   void Write();
 
   // Takes what the carrier still holds and logs it.
@@ -33,7 +33,9 @@ class LineLog {
   Carrier& carrier_;
   EventLog& log_;
   const unsigned number_;
+  // Those at which bytes came last, and whether the log does not have them yet.
   std::optional<LineSettings> settings_;
+  bool news_ = false;
   std::string received_;
 };
 

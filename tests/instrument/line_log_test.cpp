@@ -43,6 +43,15 @@ TEST_F(LineLogTest, Settings_AreWrittenWhenTheyChanged) {
             "- #1 line 1200,N,8,1\n- #1 received \"a\"\n");
 }
 
+TEST_F(LineLogTest, BytesBeforeAChange_StandUnderTheSettingsAtWhichTheyCame) {
+  line_log_.Add("a");
+  carrier_.line->baud = 1200;
+  line_log_.Add("b");
+  line_log_.Write();
+  EXPECT_EQ(lines_.str(),
+            "- #1 line 9600,N,8,1\n- #1 received \"a\"\n- #1 line 1200,N,8,1\n- #1 received \"b\"\n");
+}
+
 TEST_F(LineLogTest, ManyBytes_AreWrittenWholeAndBeforeTheyAreTooMany) {
   const std::string bytes(5000, 'x');
   line_log_.Add(bytes);
