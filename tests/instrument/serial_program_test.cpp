@@ -20,7 +20,11 @@ constexpr char kProgram[] = KESP_INSTRUMENT_PROGRAM;
 
 class SerialProgramTest : public testing::Test {
  protected:
-  ~SerialProgramTest() override { std::filesystem::remove(file_); }
+  // A program that a test leaves running is killed and cannot remove its link.
+  ~SerialProgramTest() override {
+    std::filesystem::remove(file_);
+    std::filesystem::remove(link_);
+  }
 
   bool LinkIsThere() const { return std::filesystem::is_symlink(std::filesystem::symlink_status(link_)); }
 

@@ -25,6 +25,12 @@ class WireTest : public testing::Test {
     if (line.rfind(ready, 0) == 0) port_ = static_cast<std::uint16_t>(std::stoi(line.substr(ready.size())));
   }
 
+  // So that it removes its link.
+  ~WireTest() override {
+    program_.Signal(SIGTERM);
+    program_.Wait();
+  }
+
   // A client that has its line.
   std::unique_ptr<LoopbackClient> Connect() const {
     auto client = std::make_unique<LoopbackClient>(port_);
