@@ -51,7 +51,7 @@ void PortSwitch::Obey(Deeds& deeds) {
   const std::string release = names_ == PortNames::kPlain ? "\x04" : "\x02\x04";
   if (text == release) {
     selected_ = ports_.end();
-    deeds.events.push_back("released");
+    deeds.events.emplace_back("released");
     return;
   }
   for (auto port = ports_.begin(); port != ports_.end(); ++port) {
@@ -69,7 +69,7 @@ void PortSwitch::PassOn(std::string_view bytes, Moment now, Deeds& deeds) {
     return;
   }
   Deeds theirs = selected_->second->Take(bytes, now);
-  for (std::string& event : theirs.events) event = "port " + selected_->first + ": " + event;
+  for (std::string& event : theirs.events) event.insert(0, "port " + selected_->first + ": ");
   Append(deeds, std::move(theirs));
 }
 

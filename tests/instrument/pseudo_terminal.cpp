@@ -27,7 +27,7 @@ void Close(int& descriptor) {
 
 }  // namespace
 
-PseudoTerminal::PseudoTerminal(const std::string& link) : link_(link) {
+PseudoTerminal::PseudoTerminal(std::string link) : link_(std::move(link)) {
   try {
     OpenEnds();
     MakeLink();

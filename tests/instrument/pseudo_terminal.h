@@ -13,7 +13,7 @@ class PseudoTerminal {
  public:
   // Replaces a link that is already at the path, in one step. Throws std::system_error when there is no
   // pseudo-terminal to be had, the link cannot be made, or something else than a link is in its place.
-  explicit PseudoTerminal(const std::string& link);
+  explicit PseudoTerminal(std::string link);
   ~PseudoTerminal();
   PseudoTerminal(const PseudoTerminal&) = delete;
   PseudoTerminal& operator=(const PseudoTerminal&) = delete;

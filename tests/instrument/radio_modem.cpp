@@ -132,7 +132,7 @@ void RadioModem::PassOn(const std::string& bytes, Moment now, Deeds& deeds) {
     return;
   }
   Deeds theirs = found->second->Take(bytes, now);
-  for (std::string& event : theirs.events) event = "address " + Hexadecimal(address) + ": " + event;
+  for (std::string& event : theirs.events) event.insert(0, "address " + Hexadecimal(address) + ": ");
   Hear(std::move(theirs), deeds);
 }
 
