@@ -4,8 +4,9 @@
 namespace kesp::simulator {
 namespace {
 
-char Visible(char parity) {
-  return parity == 'E' ? 'N' : parity;
+bool SameParity(char wanted, const LineSettings& settings) {
+  const auto visible = [](char parity) { return parity == 'E' ? 'N' : parity; };
+  return settings.whole ? wanted == settings.parity : visible(wanted) == visible(settings.parity);
 }
 
 std::string OrDash(const std::optional<unsigned>& number) {
@@ -17,7 +18,8 @@ std::string OrDash(const std::optional<unsigned>& number) {
 const std::string kGarbage("\xFE\x87\x00\x1C\xF8\x83\x9F\xE3", 8);
 
 bool Suits(const LineRule& rule, const LineSettings& settings) {
-  return rule.baud == settings.baud && (!rule.parity || Visible(*rule.parity) == Visible(settings.parity)) &&
+  return rule.baud == settings.baud && (!rule.parity || SameParity(*rule.parity, settings)) &&
+         (!rule.data_bits || !settings.whole || *rule.data_bits == settings.data_bits) &&
          (!rule.stop_bits || *rule.stop_bits == settings.stop_bits);
 }
 

@@ -16,8 +16,8 @@ struct LineRule {
   std::optional<unsigned> stop_bits;
 };
 
-// Whether an instrument set so understands what comes over this line, as far as the settings of a
-// pseudo-terminal tell: data bits are not compared, and no parity and even parity count as one.
+// Whether an instrument set so understands what comes over this line, as far as the settings tell: of such
+// that are not whole the data bits are not compared, and no parity and even parity count as one.
 bool Suits(const LineRule& rule, const LineSettings& settings);
 
 // The rule as "9600,E,7,1", with "-" for what is not given.

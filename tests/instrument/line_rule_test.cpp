@@ -18,14 +18,23 @@ TEST(LineRule, BaudAlone_IsAllThatCounts) {
   EXPECT_FALSE(Suits(rule, {19200, 'N', 8, 1}));
 }
 
-TEST(LineRule, WholeRule_CountsAsFarAsAPseudoTerminalTells) {
+TEST(LineRule, WholeSettings_CountInEveryPart) {
   const LineRule rule{9600, 'E', 7, 1};
-  EXPECT_TRUE(Suits(rule, {9600, 'N', 8, 1}));
   EXPECT_TRUE(Suits(rule, {9600, 'E', 7, 1}));
-  EXPECT_FALSE(Suits(rule, {9600, 'O', 8, 1}));
-  EXPECT_FALSE(Suits(rule, {9600, 'N', 8, 2}));
-  EXPECT_FALSE(Suits(rule, {9601, 'N', 8, 1}));
-  EXPECT_FALSE(Suits({9600, 'O', {}, {}}, {9600, 'N', 8, 1}));
+  EXPECT_FALSE(Suits(rule, {9600, 'N', 7, 1}));
+  EXPECT_FALSE(Suits(rule, {9600, 'E', 8, 1}));
+  EXPECT_FALSE(Suits(rule, {9600, 'E', 7, 2}));
+  EXPECT_FALSE(Suits(rule, {9601, 'E', 7, 1}));
+}
+
+TEST(LineRule, SettingsThatAreNotWhole_CountAsFarAsAPseudoTerminalTells) {
+  const LineRule rule{9600, 'E', 7, 1};
+  EXPECT_TRUE(Suits(rule, {9600, 'N', 8, 1, false}));
+  EXPECT_TRUE(Suits(rule, {9600, 'E', 7, 1, false}));
+  EXPECT_FALSE(Suits(rule, {9600, 'O', 8, 1, false}));
+  EXPECT_FALSE(Suits(rule, {9600, 'N', 8, 2, false}));
+  EXPECT_FALSE(Suits(rule, {9601, 'N', 8, 1, false}));
+  EXPECT_FALSE(Suits({9600, 'O', {}, {}}, {9600, 'N', 8, 1, false}));
 }
 
 TEST(LineRule, Text_HasDashesForWhatIsNotGiven) {

@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "tests/serial_line/character_frame.h"
+
 namespace kesp::simulator {
 namespace {
 
@@ -24,7 +26,7 @@ unsigned DataBits(tcflag_t flags) {
   }
 }
 
-// A pseudo-terminal drops the flag that turns parity on and keeps those that say which.
+// By itself a pseudo-terminal drops the flag that turns parity on and keeps those that say which.
 char Parity(tcflag_t flags) {
   const bool odd = (flags & PARODD) != 0;
   if ((flags & CMSPAR) != 0) return odd ? 'M' : 'S';
@@ -43,9 +45,11 @@ LineSettings SettingsOf(int descriptor) {
   termios2 raw{};
   if (::ioctl(descriptor, TCGETS2, &raw) != 0) throw std::system_error(errno, std::generic_category());
   LineSettings settings;
+  const tcflag_t asked = serial_line::AskedFlags(raw);
   settings.baud = raw.c_ospeed;
-  settings.parity = Parity(raw.c_cflag);
-  settings.data_bits = DataBits(raw.c_cflag);
+  settings.parity = Parity(asked);
+  settings.data_bits = DataBits(asked);
+  settings.whole = serial_line::HasKeptFrame(raw);
   settings.stop_bits = (raw.c_cflag & CSTOPB) != 0 ? 2 : 1;
   return settings;
 }

@@ -11,6 +11,8 @@ struct LineSettings {
   char parity = 'N';
   unsigned data_bits = 8;
   unsigned stop_bits = 1;
+  // Whether even parity and the number of data bits are known (see SettingsOf).
+  bool whole = true;
 
   bool operator==(const LineSettings&) const = default;
 };
@@ -19,8 +21,10 @@ struct LineSettings {
 std::string TextOf(const LineSettings& settings);
 
 // The present settings of a terminal, given by its open descriptor; the bit rate in bits a second, whether it
-// is a usual one or not. A pseudo-terminal keeps the bit rate, the stop bits and whether parity is odd, mark
-// or space; it always has eight data bits, and even parity looks like none. Throws std::system_error.
+// is a usual one or not. A pseudo-terminal by itself keeps the bit rate, the stop bits and whether parity is
+// odd, mark or space; it always has eight data bits, and even parity looks like none. The settings are whole
+// when its user set it through the library of tests/serial_line, as Wine does in this tree. Throws
+// std::system_error.
 LineSettings SettingsOf(int descriptor);
 
 }  // namespace kesp::simulator

@@ -1,5 +1,7 @@
 // Stands in front of tcgetattr and tcsetattr: a pseudo-terminal keeps the data bits and the parity it is
 // given.
+#include <termios.h>
+
 #include <cerrno>
 
 #include "character_frame.h"
@@ -12,6 +14,12 @@ using kesp::serial_line::AskedFlags;
 using kesp::serial_line::NextFunction;
 using kesp::serial_line::PtySlaveNumber;
 using kesp::serial_line::WithKeptFrame;
+
+using kesp::serial_line::kEightBits;
+using kesp::serial_line::kParityFlag;
+using kesp::serial_line::kSizeMask;
+
+static_assert(kSizeMask == CSIZE && kEightBits == CS8 && kParityFlag == PARENB);
 
 bool IsPtySlave(int descriptor) {
   const int previous_error = errno;
