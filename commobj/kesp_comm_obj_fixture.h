@@ -6,7 +6,6 @@
 
 #include <functional>
 #include <memory>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -17,31 +16,10 @@
 #include "serial/serial_control_fake.h"
 #include "support/environment_fake.h"
 #include "support/error_numbers.h"
+#include "support/failure_fixture.h"
 #include "support/text.h"
 
 namespace kesp {
-
-// A failure's three parts, comparable and printable; number 0 for none.
-struct Raised {
-  std::int32_t number = 0;
-  std::wstring source;
-  std::wstring description;
-
-  friend bool operator==(const Raised&, const Raised&) = default;
-  friend std::ostream& operator<<(std::ostream& out, const Raised& raised) {
-    return out << raised.number << " " << testing::PrintToString(raised.source) << " "
-               << testing::PrintToString(raised.description);
-  }
-};
-
-inline Raised RaisedBy(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const Failure& failure) {
-    return {failure.number(), failure.source(), failure.description()};
-  }
-  return {};
-}
 
 // The message of every line of a trace file (date TAB tick TAB message).
 inline std::vector<std::wstring> TraceLines(const std::string& content) {

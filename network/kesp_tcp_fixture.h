@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -14,33 +13,10 @@
 #include "network/tcp_events_fake.h"
 #include "support/environment_fake.h"
 #include "support/error_numbers.h"
+#include "support/failure_fixture.h"
 #include "support/text.h"
 
 namespace kesp {
-
-// A failure's three parts, comparable and printable.
-struct Raised {
-  std::int32_t number = 0;
-  std::wstring source;
-  std::wstring description;
-
-  friend bool operator==(const Raised&, const Raised&) = default;
-  friend std::ostream& operator<<(std::ostream& out, const Raised& raised) {
-    return out << raised.number << " " << testing::PrintToString(raised.source) << " "
-               << testing::PrintToString(raised.description);
-  }
-};
-
-// What the call raised; number 0 when nothing.
-template <typename Call>
-Raised RaisedBy(const Call& call) {
-  try {
-    call();
-  } catch (const Failure& failure) {
-    return {failure.number(), failure.source(), failure.description()};
-  }
-  return {};
-}
 
 // Each pump of messages works off one step of the socket's script and takes kPumpMilliseconds.
 class KespTCPFixture : public testing::Test {

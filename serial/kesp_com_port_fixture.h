@@ -15,7 +15,9 @@
 #include "serial/serial_control_fake.h"
 #include "support/enumerations.h"
 #include "support/environment_fake.h"
+#include "support/error_numbers.h"
 #include "support/failure.h"
+#include "support/failure_fixture.h"
 
 namespace kesp {
 
@@ -76,7 +78,8 @@ class CKespCOMPort3Test : public testing::Test {
 using Lines = std::vector<std::wstring>;
 
 // The stage of the tests of the operations: 9600 baud allowed, each look at the clock takes a millisecond,
-// and one record of the control's calls, the events, the log lines and the pumping, in the order they happen.
+// and one record of the control's calls, the events and the log's lines ("Log ..."), in the order they
+// happen.
 class SerialConversationTest : public CKespCOMPort3Test {
  protected:
   SerialConversationTest() {
@@ -86,6 +89,11 @@ class SerialConversationTest : public CKespCOMPort3Test {
       record_.push_back(SystemCodePage().FromBytes(call));
     };
     events_.record = [this](const std::wstring& event) { record_.push_back(event); };
+    environment_.files.OnAppend([this](const std::wstring&, std::string_view line) {
+      const std::size_t message = line.find('\t', line.find('\t') + 1) + 1;
+      record_.push_back(L"Log " +
+                        SystemCodePage().FromBytes(line.substr(message, line.size() - message - 2)));
+    });
   }
 
   // Opens the port and forgets what was recorded so far.
@@ -94,22 +102,34 @@ class SerialConversationTest : public CKespCOMPort3Test {
     record_.clear();
   }
 
-  // Turns the log on; LogLines() are the messages of its lines.
+  // Turns the log on; LogLines() are the messages in it.
   void StartLog() { port_.SetCreateLogFile(true); }
-  Lines LogLines() const {
-    Lines lines;
-    const std::wstring content = SystemCodePage().FromBytes(environment_.files.Content(port_.LogFilename()));
-    for (std::size_t begin = 0, end = 0; (end = content.find(L"\r\n", begin)) != std::wstring::npos;
-         begin = end + 2) {
-      const std::wstring line = content.substr(begin, end - begin);
-      lines.push_back(line.substr(line.find(L'\t', line.find(L'\t') + 1) + 1));
+  Lines LogLines() const { return Recorded(L"Log ", 4); }
+  // The bytes written to the line, one entry for each time.
+  Lines Outputs() const { return Recorded(L"Output ", 7); }
+  // The events that were raised.
+  Lines Events() const {
+    Lines events;
+    for (const std::wstring& line : record_) {
+      const bool event = line.ends_with(L')') && !line.starts_with(L"Log ") && !line.starts_with(L"Output ");
+      if (event) events.push_back(line);
     }
-    return lines;
+    return events;
   }
 
   std::int32_t Now() const { return environment_.clock.tick(); }
 
   Lines record_;
+
+ private:
+  // The recorded lines that begin so, without their first characters.
+  Lines Recorded(const std::wstring& beginning, std::size_t dropped) const {
+    Lines lines;
+    for (const std::wstring& line : record_) {
+      if (line.starts_with(beginning)) lines.push_back(line.substr(dropped));
+    }
+    return lines;
+  }
 };
 
 }  // namespace kesp

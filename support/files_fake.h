@@ -1,12 +1,14 @@
 // A file system in memory that can be made to fail.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <new>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "support/clock.h"
 #include "support/files.h"
@@ -40,6 +42,7 @@ class FilesFake final : public Files {
   bool Append(const std::wstring& path, std::string_view bytes) override {
     CountCall();
     if (Refused(Operation::kAppend) || path.empty()) return false;
+    on_append_(path, bytes);
     File& file = files_[path];
     file.content += bytes;
     file.modified = clock_.Today();
@@ -70,6 +73,11 @@ class FilesFake final : public Files {
 
   // The n-th call from the fake's creation (1 is the first) throws std::bad_alloc before it does anything.
   void ThrowAtCall(int n) { throw_at_call_ = n; }
+
+  // Told the path and the bytes of everything that is appended from now on.
+  void OnAppend(std::function<void(const std::wstring&, std::string_view)> action) {
+    on_append_ = std::move(action);
+  }
 
   void SetLibraryFile(const std::wstring& path) { library_file_ = path; }
   void SetTemporaryFolder(const std::wstring& path) { temporary_folder_ = path; }
@@ -103,6 +111,8 @@ class FilesFake final : public Files {
   std::set<Operation> refused_;
   std::wstring library_file_ = L"C:\\Kesp\\KespCommObj.dll";
   std::wstring temporary_folder_ = L"C:\\Temp\\";
+  std::function<void(const std::wstring&, std::string_view)> on_append_ = [](const std::wstring&,
+                                                                             std::string_view) {};
   int calls_ = 0;
   int throw_at_call_ = 0;
 };
