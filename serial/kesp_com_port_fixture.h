@@ -96,6 +96,17 @@ class SerialConversationTest : public CKespCOMPort3Test {
     });
   }
 
+  // The port is released after what its listeners write to.
+  ~SerialConversationTest() override {
+    ports_.line.record = [](const std::string&) {};
+    ports_.line.on_output = nullptr;
+    ports_.line.on_poll = nullptr;
+    events_.record = [](const std::wstring&) {};
+    events_.handlers.clear();
+    environment_.files.OnAppend([](const std::wstring&, std::string_view) {});
+    environment_.pump.OnPump(nullptr);
+  }
+
   // Opens the port and forgets what was recorded so far.
   void Open() {
     port_.OpenPort();

@@ -1,0 +1,215 @@
+// Unit tests of the serial transport's output.
+#include <string>
+#include <vector>
+
+#include "serial/kesp_com_port_fixture.h"
+
+namespace kesp {
+namespace {
+
+class CKespCOMPort3OutputTest : public SerialConversationTest {
+ protected:
+  CKespCOMPort3OutputTest() { Open(); }
+};
+
+TEST_F(CKespCOMPort3OutputTest, WriteLine_CommandIsFramedWrittenAndDrainedInOrder) {
+  ports_.line.drain = {6, 2};
+  EXPECT_TRUE(port_.WriteLine(L"*IDN?"));
+  EXPECT_EQ(record_, (Lines{L"WriteBegin(*IDN?,1)", L"ClearOut", L"ClearIn", L"Output *IDN?<0D>",
+                            L"WriteUpdate(6,1)", L"WriteUpdate(2,1)", L"WriteUpdate(0,1)", L"WriteEnd()"}));
+  EXPECT_EQ(ports_.line.writes, std::vector<std::string>{"*IDN?\r"});
+  EXPECT_EQ(environment_.pump.count(), 0);
+}
+
+TEST_F(CKespCOMPort3OutputTest, WriteLine_Logged_EveryStepHasItsLineInItsPlace) {
+  StartLog();
+  port_.WriteLine(L"SL", {}, {}, true);
+  EXPECT_EQ(record_,
+            (Lines{L"Log WriteLine...", L"WriteBegin(SL,1)", L"Log Clearing buffers...", L"ClearOut",
+                   L"ClearIn", L"Log Sending CR to clear instrument buffer...", L"Output <0D>",
+                   L"Log Clearing buffers...", L"ClearOut", L"ClearIn", L"Log Sending 'SL\r' on COM port 1",
+                   L"Output SL<0D>", L"WriteUpdate(0,1)", L"WriteEnd()"}));
+}
+
+TEST_F(CKespCOMPort3OutputTest, WriteLine_EachStyle_WritesItsBytes) {
+  struct Case {
+    std::int32_t style;
+    const wchar_t* cmd;
+    const wchar_t* address;
+    const wchar_t* value;
+    std::string bytes;
+  };
+  const Case cases[] = {
+      {0, L"  *IDN?  ", L"", L"", "*IDN?  \r"},
+      {0, L"", L"", L"", "\r"},
+      {1, L"PV", L"01", L"",
+       "\x04"
+       "0011PV\x05\r"},
+      {1, L"SL", L"01", L"100",
+       "\x04"
+       "0011\x02SL100\x03\x2D\r"},
+      {1, L"PV", L"5", L"",
+       "\x04"
+       "55PV\x05\r"},
+      {2, L"*IDN?", L"01", L"1", ""},
+      {3, L"+++", L"01", L"1", "+++"},
+      {9, L"*IDN?", L"", L"", ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.style);
+    port_.SetControllerStyle(As<EKespControllerStyle3>(c.style));
+    ports_.line.writes.clear();
+    record_.clear();
+    EXPECT_TRUE(port_.WriteLine(c.cmd, c.address, c.value));
+    EXPECT_EQ(ports_.line.writes, std::vector<std::string>{c.bytes});
+    // The event tells the command as it was given.
+    EXPECT_EQ(record_[0], L"WriteBegin(" + std::wstring(c.cmd) + L",1)");
+    EXPECT_EQ(record_.back(), L"WriteEnd()");
+  }
+}
+
+TEST_F(CKespCOMPort3OutputTest, WriteLine_NoArguments_WritesALoneCarriageReturn) {
+  EXPECT_TRUE(port_.WriteLine());
+  EXPECT_EQ(ports_.line.written, "\r");
+}
+
+TEST_F(CKespCOMPort3OutputTest, WriteLine_CharactersOfTheCodePage_GoOutAsItsBytes) {
+  port_.WriteLine(L"\x20AC\xE9\x0416");  // the euro sign, an e with acute, and a letter it has not
+  EXPECT_EQ(ports_.line.written, "\x80\xE9?\r");
+}
+
+TEST_F(CKespCOMPort3OutputTest, WriteLine_CrBefore_IsWrittenFiftyMillisecondsAheadAndPumps) {
+  std::vector<std::int32_t> times;
+  ports_.line.on_output = [&](const std::string&, const std::wstring&) { times.push_back(Now()); };
+  EXPECT_TRUE(port_.WriteLine(L"t", {}, {}, true));
+  EXPECT_EQ(ports_.line.writes, (std::vector<std::string>{"\r", "t\r"}));
+  ASSERT_EQ(times.size(), 2u);
+  EXPECT_EQ(times[1] - times[0], 51);  // 51 readings of the clock, the last of which is 50 ms after the first
+  EXPECT_EQ(environment_.pump.count(), 50);
+}
+
+TEST_F(CKespCOMPort3OutputTest, WriteLine_CrBefore_WhatItBroughtIsDiscarded) {
+  ports_.line.Answer("\r", "error 1\r\n", 20);
+  ports_.line.Answer("t\r", "1.5\r\n");
+  EXPECT_TRUE(port_.WriteLine(L"t", {}, {}, true));
+  std::wstring reply;
+  EXPECT_TRUE(port_.ReadLine(reply));
+  EXPECT_EQ(reply, L"1.5");
+}
+
+TEST_F(CKespCOMPort3OutputTest, WriteLine_StaleInput_IsDiscardedBeforeTheCommand) {
+  ports_.line.Arrive("late reply\r\n");
+  ports_.line.Answer("t\r", "1.5\r\n");
+  port_.WriteLine(L"t");
+  std::wstring reply;
+  EXPECT_TRUE(port_.ReadLine(reply));
+  EXPECT_EQ(reply, L"1.5");
+}
+
+TEST_F(CKespCOMPort3OutputTest, WriteLine_OmegaWithoutAddress_IsRaisedAfterWriteBeginAlone) {
+  StartLog();
+  port_.SetControllerStyle(EKespControllerStyle3::CS_OMEGA);
+  EXPECT_EQ(RaisedBy([&] { port_.WriteLine(L"PV", L"", L"100", true); }),
+            (Raised{com_port_error::ERR_ADDRESS_NOT_SPECIFIED, L"CKespCOMPort3 - WriteLine()",
+                    L"Omega controller address not specified."}));
+  EXPECT_EQ(record_, (Lines{L"Log WriteLine...", L"WriteBegin(PV,1)"}));
+}
+
+TEST_F(CKespCOMPort3OutputTest, WriteLine_ClosedPort_IsLoggedAndRaisedWithoutWriteEnd) {
+  port_.ClosePort();
+  record_.clear();
+  StartLog();
+  EXPECT_EQ(RaisedBy([&] { port_.WriteLine(L"t"); }),
+            (Raised{8018, L"CKespCOMPort3 - WriteLine() [commCOMControl]",
+                    L"Operation valid only when the port is open"}));
+  EXPECT_EQ(record_, (Lines{L"Log WriteLine...", L"WriteBegin(t,1)", L"Log Clearing buffers...",
+                            L"Log ** WriteLine() error: 8018 - Operation valid only when the port is open "
+                            L"[commCOMControl] **"}));
+}
+
+// Clearing both buffers (1, 2), the carriage return (3), clearing (4, 5), the frame (6), the drain (7, 8).
+TEST_F(CKespCOMPort3OutputTest, WriteLine_AnyCallFails_IsRaisedWithoutWriteEnd) {
+  for (int nth = 1; nth <= 8; ++nth) {
+    SCOPED_TRACE(nth);
+    ports_.line.drain = {1};
+    record_.clear();
+    ports_.line.FailCall(nth, 8012);
+    EXPECT_EQ(RaisedBy([&] { port_.WriteLine(L"t", {}, {}, true); }),
+              (Raised{8012, L"CKespCOMPort3 - WriteLine() [commCOMControl]", L"The device is not open"}));
+    EXPECT_NE(record_.back(), L"WriteEnd()");
+    EXPECT_TRUE(ports_.line.open);
+  }
+  ports_.line.FailCall(9, 8012);
+  EXPECT_TRUE(port_.WriteLine(L"t", {}, {}, true));
+}
+
+TEST_F(CKespCOMPort3OutputTest, WriteLine_ClockAtItsEnd_CrBeforeOverflows) {
+  environment_.clock.SetTickCount(kHighest32 - 49);
+  StartLog();
+  environment_.clock.SetStepPerReading(0);
+  EXPECT_EQ(RaisedBy([&] { port_.WriteLine(L"t", {}, {}, true); }),
+            (Raised{6, L"CKespCOMPort3 - WriteLine() [KespCommObj]", L"Overflow"}));
+  EXPECT_EQ(ports_.line.written, "\r");
+  EXPECT_EQ(LogLines().back(), L"** WriteLine() error: 6 - Overflow [KespCommObj] **");
+  EXPECT_TRUE(port_.WriteLine(L"t"));  // without the delay no deadline is needed
+}
+
+TEST_F(CKespCOMPort3OutputTest, WriteUpdate_CountBeyondSixteenBits_ShowsTheHighest) {
+  ports_.line.drain = {1000000, 32768, 32767, 1};
+  port_.WriteLine(L"t");
+  EXPECT_EQ(Events(),
+            (Lines{L"WriteBegin(t,1)", L"WriteUpdate(32767,1)", L"WriteUpdate(32767,1)",
+                   L"WriteUpdate(32767,1)", L"WriteUpdate(1,1)", L"WriteUpdate(0,1)", L"WriteEnd()"}));
+}
+
+// The drain has no limit of its own: here the driver takes its time, ten seconds of it.
+TEST_F(CKespCOMPort3OutputTest, WriteLine_SlowDrain_IsWaitedForWithoutPumping) {
+  ports_.line.drain.assign(1000, 1);
+  ports_.line.on_poll = [this] { environment_.clock.Advance(10); };
+  EXPECT_TRUE(port_.WriteLine(L"t"));
+  EXPECT_EQ(record_.size(), 4u + 1001u + 1u);
+  EXPECT_EQ(environment_.pump.count(), 0);
+}
+
+TEST_F(CKespCOMPort3OutputTest, WriteUpdateHandlerClosesThePort_WriteFails) {
+  ports_.line.drain = {5, 4, 3};
+  events_.handlers[L"WriteUpdate"] = [&] { port_.ClosePort(); };
+  EXPECT_EQ(RaisedBy([&] { port_.WriteLine(L"t"); }).number, 8018);
+  EXPECT_EQ(Events(), (Lines{L"WriteBegin(t,1)", L"WriteUpdate(5,1)"}));
+}
+
+TEST_F(CKespCOMPort3OutputTest, WriteBeginHandlerChangesSettings_TheyCountAtOnce) {
+  events_.handlers[L"WriteBegin"] = [&] {
+    port_.SetControllerStyle(EKespControllerStyle3::CS_MAXSTREAM);
+    port_.SetPort(5);
+    port_.SetCreateLogFile(true);
+  };
+  EXPECT_TRUE(port_.WriteLine(L"t"));
+  EXPECT_EQ(ports_.line.written, "t");
+  EXPECT_EQ(LogLines().back(), L"Sending 't' on COM port 5");
+  EXPECT_EQ(Events(), (Lines{L"WriteBegin(t,1)", L"WriteUpdate(0,5)", L"WriteEnd()"}));
+}
+
+TEST_F(CKespCOMPort3OutputTest, WriteLineFromItsOwnHandler_BothAreWritten) {
+  ports_.line.drain = {1};
+  events_.handlers[L"WriteUpdate"] = [&] {
+    events_.handlers.clear();
+    EXPECT_TRUE(port_.WriteLine(L"inner"));
+  };
+  EXPECT_TRUE(port_.WriteLine(L"outer"));
+  EXPECT_EQ(ports_.line.writes, (std::vector<std::string>{"outer\r", "inner\r"}));
+  EXPECT_EQ(record_.back(), L"WriteEnd()");
+}
+
+TEST_F(CKespCOMPort3OutputTest, NobodyListens_NothingIsMissed) {
+  CKespCOMPort3 quiet(environment_.environment, ports_);
+  quiet.SetMaxBaudRate(Rate(13));
+  quiet.SetBaudRate(Rate(6));
+  ports_.line.Answer("t\r", "1.5\r\n");
+  std::wstring reply;
+  EXPECT_TRUE(quiet.OpenPort() && quiet.WriteLine(L"t") && quiet.ReadLine(reply));
+  EXPECT_EQ(reply, L"1.5");
+}
+
+}  // namespace
+}  // namespace kesp
