@@ -2,6 +2,8 @@
 // traces.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "commobj/kesp_comm_obj_fixture.h"
 
 namespace kesp {

@@ -11,7 +11,7 @@
 namespace kesp {
 namespace {
 
-constexpr wchar_t kIni[] = L"C:\\Temp\\RFModem.ini";
+constexpr wchar_t kModemFile[] = L"C:\\Temp\\RFModem.ini";
 
 // An object with its own world, new for each round of a sweep. A look at the clock takes 50 ms.
 struct Stage {
@@ -155,7 +155,8 @@ TEST(CKespCOMPort3FaultsTest, WriteModemInstrAddress_AnyCallFails_NotRememberedA
   const auto operation = [&](Stage& stage) {
     const bool succeeded = stage.port.RFWriteModemInstrAddress(26);
     EXPECT_EQ(succeeded, sweeps++ == 0);
-    EXPECT_EQ(stage.environment.settings.Value(kIni, L"COM1", L"InstrAddr"), succeeded ? L"26" : L"<none>");
+    EXPECT_EQ(stage.environment.settings.Value(kModemFile, L"COM1", L"InstrAddr"),
+              succeeded ? L"26" : L"<none>");
   };
   const int calls = SweepControl(prepare, operation, [](Stage& stage) {
     stage.ExpectSettingsKept();
@@ -190,7 +191,7 @@ TEST(CKespCOMPort3FaultsTest, SettingsFileFails_ModemOperationIsFalseAndInOrder)
     stage.environment.settings.ThrowAtCall(nth);
     EXPECT_FALSE(stage.port.RFWriteModemInstrAddress(26));
     EXPECT_EQ(stage.ports.line.writes.size(), nth == 1 ? 0u : 5u);
-    EXPECT_EQ(stage.environment.settings.Value(kIni, L"COM1", L"InstrAddr"), L"<none>");
+    EXPECT_EQ(stage.environment.settings.Value(kModemFile, L"COM1", L"InstrAddr"), L"<none>");
     stage.ExpectSettingsKept();
     EXPECT_TRUE(stage.port.RFWriteModemInstrAddress(26));
   }

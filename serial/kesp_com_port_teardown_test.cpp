@@ -7,7 +7,7 @@
 namespace kesp {
 namespace {
 
-constexpr wchar_t kIni[] = L"C:\\Temp\\RFModem.ini";
+constexpr wchar_t kModemFile[] = L"C:\\Temp\\RFModem.ini";
 
 class CKespCOMPort3TeardownTest : public SerialConversationTest {
  protected:
@@ -20,7 +20,7 @@ class CKespCOMPort3TeardownTest : public SerialConversationTest {
     record_.clear();
   }
   std::wstring Remembered(const std::wstring& section) const {
-    return environment_.settings.Value(kIni, section, L"InstrAddr");
+    return environment_.settings.Value(kModemFile, section, L"InstrAddr");
   }
 
   std::unique_ptr<CKespCOMPort3> object_;
@@ -51,8 +51,8 @@ TEST_F(CKespCOMPort3TeardownTest, Switch_IsReleasedFirst) {
 
 TEST_F(CKespCOMPort3TeardownTest, ClosedPort_OnlyForgetsTheModemsTarget) {
   object_->SetPort(256);
-  environment_.settings.Put(kIni, L"COM256", L"InstrAddr", L"26");
-  environment_.settings.Put(kIni, L"COM1", L"InstrAddr", L"5");
+  environment_.settings.Put(kModemFile, L"COM256", L"InstrAddr", L"26");
+  environment_.settings.Put(kModemFile, L"COM1", L"InstrAddr", L"5");
   object_.reset();
   EXPECT_EQ(record_, (Lines{L"Destroyed"}));
   EXPECT_EQ(Remembered(L"COM256"), L"-1");
@@ -84,7 +84,7 @@ TEST_F(CKespCOMPort3TeardownTest, AnyCallFails_PortIsClosedAndTheTargetForgotten
     object_->SetUseSmartSwitch(true);
     object_->SmartSwitch()->SetSSPort(L"3");
     object_->OpenPort();
-    environment_.settings.Put(kIni, L"COM1", L"InstrAddr", L"26");
+    environment_.settings.Put(kModemFile, L"COM1", L"InstrAddr", L"26");
     ports_.line.FailCall(nth, 8012);
     object_.reset();
     EXPECT_FALSE(ports_.line.open);
