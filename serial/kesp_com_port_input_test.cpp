@@ -142,7 +142,7 @@ TEST_F(CKespCOMPort3InputTest, SilenceMode_NothingArrives_TimesOut) {
 
 TEST_F(CKespCOMPort3InputTest, RawMode_HundredMillisecondsOfSilenceEndTheReplyWhateverTheTimeOut) {
   Use({false, false, false});
-  for (const std::int32_t time_out : {150, 3000, kHighest32 - 2000000}) {
+  for (const std::int32_t time_out : {150, 3000, 30000}) {
     SCOPED_TRACE(time_out);
     port_.SetTimeOut(time_out);
     ports_.line.Arrive(" a", 20);
