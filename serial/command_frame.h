@@ -11,9 +11,8 @@ namespace kesp {
 
 // The frame for a command, already rid of leading and trailing blanks:
 //   CS_KESP       cmd CR (so blanks between the command and the CR stay)
-//   CS_OMEGA      EOT address cmd ENQ CR, a read request; with a value EOT address STX cmd value ETX BCC CR,
-//   a
-//                 write request. The address is its first digit, both digits, its second digit (12 gives
+//   CS_OMEGA      a read request, EOT address cmd ENQ CR; with a value a write request, EOT address STX cmd
+//                 value ETX BCC CR. The address is its first digit, both digits, its second digit (12 gives
 //                 1122); BCC, the block check, is the exclusive-or of cmd, value and ETX.
 //   CS_MAXSTREAM  cmd
 //   any other     nothing, on purpose: the command never reaches the port

@@ -143,9 +143,9 @@ class CKespCOMPort3 final : private SwitchLine {
 
   // Opens the port with the settings as they are now, selects the wanted port of the switch, wakes the
   // infrared adapter, and returns true. An open port is closed first, so this is the way to apply changed
-  // settings. A failure of the port is thrown with its own number (380 settings refused, 8002 no such port,
-  // 8005 in use,
-  // ...) and its source in brackets behind this one's; the port stays as the failure found it.
+  // settings. A failure of the port is thrown with its own number (380: settings refused, 8002: no such port,
+  // 8005: in use, and the others of serial_control_errors.h) and its source in brackets behind this one's;
+  // the port stays as the failure found it.
   bool OpenPort();
 
   // Does nothing when the port is closed. Otherwise releases the switch and closes the port, also when the

@@ -80,7 +80,8 @@ CKespCOMPort3::Found CKespCOMPort3::TryRate(const Detection& detection, SearchPh
     if (i == kSlowCommand && baud_rate_ >= kFirstFastRate) continue;
     found = TryCommand(detection, phase, kCommands[i], answer);
   }
-  if (found != Found::kEnd) ClosePort();
+  // A port that does not close takes nothing away from an answer, and fails at the next opening otherwise.
+  if (found != Found::kEnd) Try([&] { return ClosePort(), true; });
   return found == Found::kGarbage ? Found::kNothing : found;
 }
 
