@@ -106,7 +106,7 @@ TEST_F(SerialEventsTest, Download_TellsEachPieceAndTheEnd) {
   recorder_->handlers[L"DownloadUpdate"] = [&](DISPPARAMS& arguments) {
     if (V_I4(&arguments.rgvarg[1]) == 5) wire_.Send("second");
   };
-  SetTimeOut(2000);
+  SetTimeOut(800);
   EXPECT_EQ(RefusalOf(Download()), Refusal{});
   EXPECT_TRUE(Answer());
   EXPECT_EQ(reply_.str(), L"firstsecond");

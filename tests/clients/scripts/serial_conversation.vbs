@@ -71,10 +71,10 @@ Check "who was found", reply, "KESP,7100,SIM00001,1.0"
 
 On Error Resume Next
 other.WriteLine "t"
-CheckError "closed port", &H800A1F52, "CKespCOMPort3 - WriteLine() [commCOMControl]", "Operation valid only when the port is open"
+CheckError "closed port", 8018, "CKespCOMPort3 - WriteLine() [commCOMControl]", "Operation valid only when the port is open"
 other.Port = 250
 other.OpenPort
-CheckError "missing port", &H800A1F42, "CKespCOMPort3 - OpenPort() [commCOMControl]", "Invalid port number"
+CheckError "missing port", 8002, "CKespCOMPort3 - OpenPort() [commCOMControl]", "Invalid port number"
 
 If failures = 0 Then WScript.Echo "PASS"
 
