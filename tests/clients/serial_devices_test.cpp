@@ -29,11 +29,6 @@ class SerialDeviceFixture : public testing::Test {
     if (answer == VARIANT_TRUE) return reply.str();
     return L"<" + std::to_wstring(Read(comm_, &_CKespCommObj::get_CommError)) + L">";
   }
-  bool Update(const std::wstring& cmd, const std::wstring& address = {}, const std::wstring& value = {}) {
-    VARIANT_BOOL answer = VARIANT_FALSE;
-    EXPECT_EQ(comm_->Update(Text(cmd).get(), Text(address).get(), Text(value).get(), &answer), S_OK);
-    return answer == VARIANT_TRUE;
-  }
 
   Apartment apartment_;
   ComPtr<_CKespCommObj> comm_ = Create<_CKespCommObj>(__uuidof(CKespCommObj));
@@ -92,10 +87,6 @@ TEST_F(SerialOmegaTest, ReadRequest_IsAnsweredAtItsAddressAlone) {
 TEST_F(SerialOmegaTest, WriteRequest_PassesTheBlockCheckAndIsKept) {
   EXPECT_EQ(Query(L"SL", L"01", L"250"), L"\x06");
   EXPECT_EQ(Query(L"SL", L"01"), Frame(L"SL250"));
-  // Nobody reads the confirmation of an update, which may still come before the next reply.
-  EXPECT_TRUE(Update(L"SL", L"01", L"75"));
-  const std::wstring reply = Query(L"SL", L"01");
-  EXPECT_TRUE(reply.ends_with(Frame(L"SL75"))) << testing::PrintToString(reply);
 }
 
 TEST_F(SerialOmegaTest, OtherCharacterFrame_IsNotUnderstood) {

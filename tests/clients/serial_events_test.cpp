@@ -118,7 +118,6 @@ TEST_F(SerialEventsTest, DownloadAborted_EndsWithFalseAndWhatCame) {
   for (const VARIANT_BOOL yes : {VARIANT_TRUE, VARIANT_BOOL{1}}) {
     AbortAt(L"DownloadUpdate", yes);
     MustOpen();
-    SetTimeOut(kEndlessTimeOut);
     wire_.Send("data");
     recorder_->journal.clear();
     EXPECT_EQ(Download(), S_OK);

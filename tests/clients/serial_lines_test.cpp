@@ -106,13 +106,15 @@ class CarriageReturnBeforeTest : public SerialFixture {
   // The transport works off messages while it waits, which is when the instrument answers.
   void AnswerToTheCarriageReturn(DWORD on_its_way) {
     on_its_way_ = on_its_way;
-    SetTimer(nullptr, 0, USER_TIMER_MINIMUM, [](HWND, UINT, UINT_PTR timer, DWORD) {
-      KillTimer(nullptr, timer);
-      EXPECT_EQ(self_->wire_.Receive(1), "\r");
-      self_->wire_.Send("junk\r\n");
-      Sleep(self_->on_its_way_);
-      ++self_->answers_;
-    });
+    SetTimer(nullptr, 0, USER_TIMER_MINIMUM, PlayInstrument);
+  }
+
+  static void CALLBACK PlayInstrument(HWND, UINT, UINT_PTR timer, DWORD) {
+    KillTimer(nullptr, timer);
+    EXPECT_EQ(self_->wire_.Receive(1), "\r");
+    self_->wire_.Send("junk\r\n");
+    Sleep(self_->on_its_way_);
+    ++self_->answers_;
   }
 
   static inline CarriageReturnBeforeTest* self_ = nullptr;
