@@ -18,6 +18,9 @@ inline constexpr long kSerialTimeOut = 250;
 // So long that a test which has to wait for it is ended first.
 inline constexpr long kEndlessTimeOut = 600000;
 
+// No test's port, and none of the machine.
+inline constexpr short kMissingPort = 250;
+
 // The number of the test's COM port, as the interfaces take it.
 inline short SerialPortNumber() {
   return static_cast<short>(SerialWire::PortNumber());
@@ -28,7 +31,7 @@ inline std::wstring SerialPortText() {
   return std::to_wstring(SerialWire::PortNumber());
 }
 
-// The result of a call that failed with a number of the serial control (support/failure.h of the library).
+// The result of a call that failed with a number of the serial control.
 inline HRESULT ControlError(long number) {
   return MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, number);
 }

@@ -69,11 +69,11 @@ TEST_P(SerialLinesTest, EveryStyle_WritesItsFrameAndNothingElse) {
 TEST_P(SerialLinesTest, EveryCharacterOfTheCodePage_IsOneByte) {
   MustOpen();
   std::string bytes;
-  for (int byte = 1; byte < 256; ++byte) bytes += static_cast<char>(byte);
+  for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
   std::wstring cmd(bytes.size(), L'\0');
-  ASSERT_EQ(MultiByteToWideChar(CP_ACP, 0, bytes.data(), 255, cmd.data(), 255), 255);
+  ASSERT_EQ(MultiByteToWideChar(CP_ACP, 0, bytes.data(), 256, cmd.data(), 256), 256);
   EXPECT_EQ(WriteLine(cmd), S_OK);
-  EXPECT_EQ(wire_.Receive(256), bytes + "\r");
+  EXPECT_EQ(wire_.Receive(257), bytes + "\r");
 }
 
 TEST_P(SerialLinesTest, AddressMissing_IsRefusedAndNothingWritten) {

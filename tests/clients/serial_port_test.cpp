@@ -11,8 +11,6 @@ namespace {
 
 using Lines = std::vector<std::wstring>;
 
-constexpr short kMissingPort = 250;
-
 class SerialPortTest : public SerialFixture {
  protected:
   void StartLog() {

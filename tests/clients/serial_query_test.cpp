@@ -147,7 +147,7 @@ TEST_F(SerialQueryTest, HeldPort_IsTriedThreeTimesAndOnceForBytes) {
                info, L"RS-232: ClosePort()"});
 }
 
-TEST_F(SerialQueryTest, HeldPortThatIsReleasedInTime_IsUsed) {
+TEST_F(SerialQueryTest, HeldPort_IsUsedOnceItIsFree) {
   BarePort other(SerialWire::PortName());
   EXPECT_FALSE(Query(L"?"));
   other.Close();
@@ -156,7 +156,7 @@ TEST_F(SerialQueryTest, HeldPortThatIsReleasedInTime_IsUsed) {
 }
 
 TEST_F(SerialQueryTest, MissingPort_IsOtherError) {
-  EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_Port, 250), S_OK);
+  EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_Port, kMissingPort), S_OK);
   const std::wstring failed = L"RS-232: ** OpenPort() open failed (8002 - Invalid port number) **";
   const std::wstring info = ErrorInfo(L"OpenPort()", open_source_, L"Invalid port number");
   EXPECT_FALSE(Query(L"?"));

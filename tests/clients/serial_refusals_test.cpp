@@ -8,9 +8,6 @@
 namespace kesp::clients {
 namespace {
 
-// No test's port, and none of the machine.
-constexpr short kMissingPort = 250;
-
 class SerialRefusalsTest : public OwnedSerialFixture {
  protected:
   Refusal RefusalOfOpening() {

@@ -149,7 +149,7 @@ TEST_F(SerialSwitchTest, Test_StepsThroughThePorts) {
 }
 
 TEST_F(SerialSwitchTest, TestOfAMissingPort_IsToldInABox) {
-  EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_Port, 250), S_OK);
+  EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_Port, kMissingPort), S_OK);
   BoxReader reader(L"Kesp Communications Error", Press(IDOK));
   EXPECT_EQ(port_->TestSmartSwitch(), S_OK);
   EXPECT_EQ(reader.Contents().texts,
