@@ -87,8 +87,8 @@ bool CKespCOMPort3::WithModemStyle(const std::function<bool()>& operation) {
 }
 
 bool CKespCOMPort3::InCommandMode(const std::function<void()>& conversation) {
-  const std::int32_t start = environment_.clock.TickCount();
-  while (environment_.clock.TickCount() < Deadline(start, kGuardMs)) {
+  const Wait guard(environment_.clock, kGuardMs);
+  while (!guard.IsOver()) {
   }
   WriteLine(L"+++");
   if (!AwaitOk()) return false;

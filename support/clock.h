@@ -22,6 +22,10 @@ class Clock {
   // 24.8 days and wraps after 49.7.
   virtual std::int32_t TickCount() = 0;
 
+  // Microseconds since some fixed moment; never goes back. The tick counter of Windows steps by up to 16 ms,
+  // this one by one or less.
+  virtual std::int64_t Microseconds() = 0;
+
   // How far the present calendar second has run, 0 to 999.
   virtual int MillisecondOfSecond() = 0;
 

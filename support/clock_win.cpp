@@ -24,6 +24,20 @@ std::int32_t ClockWin::TickCount() {
   return static_cast<std::int32_t>(GetTickCount());
 }
 
+std::int64_t ClockWin::Microseconds() {
+  constexpr std::int64_t kMicrosecondsPerSecond = 1'000'000;
+  static const std::int64_t ticks_per_second = [] {
+    LARGE_INTEGER frequency{};
+    QueryPerformanceFrequency(&frequency);
+    return frequency.QuadPart;
+  }();
+  LARGE_INTEGER now{};
+  QueryPerformanceCounter(&now);
+  // In two parts: the product of the whole would not fit after some days.
+  return now.QuadPart / ticks_per_second * kMicrosecondsPerSecond +
+         now.QuadPart % ticks_per_second * kMicrosecondsPerSecond / ticks_per_second;
+}
+
 int ClockWin::MillisecondOfSecond() {
   // Every time zone is whole minutes away from universal time, and asking for that is many times faster.
   constexpr std::uint64_t kUnitsPerMillisecond = 10'000;  // of 100 ns

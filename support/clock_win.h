@@ -9,6 +9,10 @@ class ClockWin final : public Clock {
  public:
   // Windows' GetTickCount.
   std::int32_t TickCount() override;
+
+  // Windows' performance counter.
+  std::int64_t Microseconds() override;
+
   int MillisecondOfSecond() override;
   CalendarDate Today() override;
 

@@ -182,6 +182,7 @@ TEST_F(LogWriterTest, Rollover_NthCallThrows_NothingEscapesAndNothingOldIsLost) 
 class ClockWithoutMemory final : public Clock {
  public:
   std::int32_t TickCount() override { return 0; }
+  std::int64_t Microseconds() override { return 0; }
   int MillisecondOfSecond() override { return 0; }
   CalendarDate Today() override { return {}; }
   std::wstring DateTimeText() override { throw std::bad_alloc(); }

@@ -20,11 +20,22 @@ std::int32_t Deadline(std::int32_t start, std::int32_t milliseconds) {
   return static_cast<std::int32_t>(sum);
 }
 
+Wait::Wait(Clock& clock, std::int32_t milliseconds)
+    : clock_(clock),
+      milliseconds_(milliseconds),
+      start_tick_(clock.TickCount()),
+      start_microseconds_(clock.Microseconds()) {}
+
+bool Wait::IsOver() const {
+  if (clock_.TickCount() < Deadline(start_tick_, milliseconds_)) return false;
+  return clock_.Microseconds() - start_microseconds_ >= std::int64_t{milliseconds_} * 1000;
+}
+
 void Delay(Clock& clock, MessagePump& pump, std::int32_t milliseconds) {
-  const std::int32_t start = clock.TickCount();
+  const Wait wait(clock, milliseconds);
   do {
     pump.PumpOnce();
-  } while (clock.TickCount() < Deadline(start, milliseconds));
+  } while (!wait.IsOver());
 }
 
 ElapsedSeconds::ElapsedSeconds(Clock& clock)

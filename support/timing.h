@@ -12,6 +12,22 @@ namespace kesp {
 // for deadlines around the tick counter's sign change, about 24.8 days after system start.
 std::int32_t Deadline(std::int32_t start, std::int32_t milliseconds);
 
+// Tells when that many milliseconds are over, counted from its creation: by the tick counter, and in truth as
+// well, since the counter alone may step early.
+class Wait {
+ public:
+  Wait(Clock& clock, std::int32_t milliseconds);
+
+  // Throws Overflow() as Deadline does.
+  bool IsOver() const;
+
+ private:
+  Clock& clock_;
+  std::int32_t milliseconds_;
+  std::int32_t start_tick_;
+  std::int64_t start_microseconds_;
+};
+
 // Returns after at least that many milliseconds, pumping messages all the while and at least once. Does not
 // sleep: a waiting call keeps one processor busy and so reacts at once. Throws Overflow() as Deadline does,
 // after the first pumping.

@@ -55,6 +55,17 @@ TEST_F(DelayTest, Zero_PumpsExactlyOnce) {
   EXPECT_EQ(pump.count(), 1);
 }
 
+// Windows' tick counter steps by 16 ms: a delay of 10 must not be over because a step has just been due.
+TEST_F(DelayTest, TickCounterAhead_WaitsForTheTrueTime) {
+  const std::int64_t start = clock.Microseconds();
+  pump.OnPump([this] {
+    if (pump.count() == 1) clock.LetTickCountRunAhead(16);
+    clock.Advance(1);
+  });
+  Delay(clock, pump, 10);
+  EXPECT_EQ(clock.Microseconds() - start, 10'000);
+}
+
 TEST_F(DelayTest, Negative_PumpsExactlyOnce) {
   Delay(clock, pump, -100);
   EXPECT_EQ(pump.count(), 1);

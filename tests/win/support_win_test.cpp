@@ -20,6 +20,17 @@ TEST(ClockWin, TickCount_IsTheSystemsCounter) {
   EXPECT_LE(reading - before, GetTickCount() - before);
 }
 
+TEST(ClockWin, Microseconds_AgreeWithTheSystemsCounter) {
+  ClockWin clock;
+  const std::int64_t first = clock.Microseconds();
+  const DWORD start = GetTickCount();
+  Sleep(100);
+  const std::int64_t elapsed = clock.Microseconds() - first;
+  EXPECT_GE(elapsed, 100'000);
+  // The tick counter steps by up to 16 ms.
+  EXPECT_LE(elapsed / 1000, std::int64_t{GetTickCount() - start} + 20);
+}
+
 TEST(ClockWin, MillisecondOfSecond_StaysInRangeAndMoves) {
   ClockWin clock;
   const int first = clock.MillisecondOfSecond();
