@@ -142,7 +142,8 @@ bool CKespCOMPort3::ReadLineBinary(BinaryValue& result, std::int32_t lTimeoutms)
     throw failure;
   }
   std::wstring text;
-  if (const auto* earlier = std::get_if<std::wstring>(&result); earlier && mode == EInputMode::imText) {
+  if (const auto* earlier = std::get_if<std::wstring>(&result);
+      earlier != nullptr && mode == EInputMode::imText) {
     text = *earlier;
   }
   if (mode == EInputMode::imText || create_log_file_) text += SystemCodePage().FromBytes(reply);
