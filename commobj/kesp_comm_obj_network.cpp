@@ -73,7 +73,7 @@ bool CKespCommObj::ReadFromNetwork(const Exchange& exchange) {
   Trace(L"TCP: " + exchange.read_operation);
   const Attempt read = Try(exchange.read_network);
   if (read.succeeded) {
-    if (exchange.reply_for_trace) Trace(L"TCP: result- " + exchange.reply_for_trace());
+    if (debugging_ && exchange.reply_for_trace) Trace(L"TCP: result- " + exchange.reply_for_trace());
     return Succeed();
   }
   const std::wstring operation = L"TCP: ** " + exchange.read_operation;

@@ -61,11 +61,12 @@ std::wstring WriteFailureLine(const Attempt& write) {
 }  // namespace
 
 bool CKespCommObj::RunOnSerial(const Exchange& exchange) {
-  const bool succeeded = OpenSerialPort(exchange) && ExchangeOnSerial(exchange);
+  const Attempt attempt = Try([&] { return OpenSerialPort(exchange) && ExchangeOnSerial(exchange); });
   // The exchange is over by now: a failure to close does not change what it came to, and the port is closed
   // in every case.
   if (auto_close_) Try([&] { return CloseSerialPort(), true; });
-  return succeeded;
+  if (attempt.error) throw Failure(*attempt.error);
+  return attempt.succeeded;
 }
 
 void CKespCommObj::CloseSerialPort() {
@@ -84,6 +85,8 @@ bool CKespCommObj::OpenSerialPort(const Exchange& exchange) {
   const std::wstring operation = L"RS-232: ** OpenPort()";
   for (int attempt = 1;; ++attempt) {
     if (!quiet) Trace(L"RS-232: OpenPort()");
+    // What was left open is closed by it, whether or not it can be opened again.
+    serial_port_open_ = false;
     const Attempt open = Try([&] { return serial_->OpenPort(); });
     if (open.succeeded) return serial_port_open_ = true;
     if (once || open.number() != kSerialPortInUse) {
@@ -117,7 +120,7 @@ bool CKespCommObj::ReadFromSerial(const Exchange& exchange) {
   Trace(L"RS-232: " + exchange.read_operation);
   const Attempt read = Try(exchange.read_serial);
   if (read.succeeded) {
-    if (exchange.reply_for_trace) Trace(L"RS-232: result- " + exchange.reply_for_trace());
+    if (debugging_ && exchange.reply_for_trace) Trace(L"RS-232: result- " + exchange.reply_for_trace());
     return Succeed();
   }
   const std::wstring operation = L"RS-232: ** " + exchange.read_operation;
@@ -127,7 +130,9 @@ bool CKespCommObj::ReadFromSerial(const Exchange& exchange) {
       return Fail(ECommError::cfrInvalidSetting, operation, read);
     case com_port_error::ERR_READ_TIMEOUT:
       Trace(operation + L" timed out **" +
-            (exchange.partial_reply_for_trace ? L" result- " + exchange.partial_reply_for_trace() : L""));
+            (debugging_ && exchange.partial_reply_for_trace
+                 ? L" result- " + exchange.partial_reply_for_trace()
+                 : L""));
       return Fail(ECommError::cfrTimeout, operation, read);
     case com_port_error::ERR_INVALID_CHARACTERS:
       Trace(operation + L" invalid characters **");

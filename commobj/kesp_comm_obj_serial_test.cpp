@@ -163,6 +163,15 @@ TEST_F(CKespCommObjSerialTest, AutoCloseOff_QueryBinaryOpensAnewEveryTime) {
   EXPECT_TRUE(ports_.line.open);
 }
 
+TEST_F(CKespCommObjSerialTest, AutoCloseOff_QueryBinaryCannotReopen_NextQueryOpensAnew) {
+  comm_->SetAutoClose(false);
+  EXPECT_TRUE(Query());
+  ports_.line.open_failures = {8005, 0};
+  EXPECT_FALSE(QueryBinary());
+  EXPECT_TRUE(Query());
+  EXPECT_TRUE(ports_.line.open);
+}
+
 TEST_F(CKespCommObjSerialTest, AutoCloseOnAgain_NextOperationClosesThePort) {
   comm_->SetAutoClose(false);
   EXPECT_TRUE(Query());

@@ -83,7 +83,7 @@ CKespCOMPort3::~CKespCOMPort3() {
     // The port is closed all the same, and there is nobody left to tell.
   }
   try {
-    RememberModemTarget(L"-1");
+    RememberModemTarget(port_, L"-1");
   } catch (...) {
     // The next user of the modem may find it pointing elsewhere; likewise.
   }

@@ -187,7 +187,7 @@ class CKespCOMPort3 final : private SwitchLine {
   // the text that is in `result` (imText), or the bytes (imBinary). Nothing is checked or stripped. Does not
   // pump messages. Raises ReadBegin, ReadUpdate (with 0 for text), ReadTimeOut. Throws ERR_READ_TIMEOUT when
   // nothing comes for TimeOut milliseconds (`result` unchanged). Any other failure is shown in the error box
-  // and returns false.
+  // and returns false; text that had come is in `result` then, too.
   bool ReadLineBinary(BinaryValue& result, std::int32_t lTimeoutms = 100);
 
   // Gathers text until the line has been silent for TimeOut milliseconds, and returns true. Looks at the line
@@ -253,8 +253,6 @@ class CKespCOMPort3 final : private SwitchLine {
 
   // Takes what has come; `already` bytes count towards kReplyLimit.
   std::string TakeInput(std::size_t already);
-  // Whether more than so many milliseconds have passed since the tick count was `start`.
-  bool IsPast(std::int32_t start, std::int32_t milliseconds) const;
   ReadOutcome CollectReply(std::string& reply);
   void RefuseInvalidCharacters(const std::string& reply);
   ReadOutcome CollectBinary(std::string& reply, EInputMode mode, std::int32_t silence_ms);
@@ -270,21 +268,26 @@ class CKespCOMPort3 final : private SwitchLine {
   void TellModem(const std::wstring& command);
   bool AwaitOk();
   std::wstring AskModem(const std::wstring& command);
-  // Which instrument the modem on this port was last pointed at, and a note of that; -1 stands for unknown.
-  std::wstring ModemTarget();
-  void RememberModemTarget(const std::wstring& address);
+  // Which instrument the modem on that port was last pointed at, and a note of that; -1 stands for unknown.
+  std::wstring ModemTarget(std::int16_t port);
+  void RememberModemTarget(std::int16_t port, const std::wstring& address);
 
   // Throws the failure anew with the member's source and the failure's own in brackets.
   [[noreturn]] static void FailIn(const wchar_t* member, const Failure& failure);
   void LogFailure(const wchar_t* member, const Failure& failure);
 
-  // Writes a line to the diagnostic log; the text is made only while logging is on.
+  // Writes a line to the diagnostic log; the text is made only while logging is on. Never fails: a line for
+  // which there is no memory is lost.
   template <typename MakeText>
-  void Log(const MakeText& make_text) {
-    if (create_log_file_) WriteLog(make_text());
+  void Log(const MakeText& make_text) noexcept {
+    if (!create_log_file_) return;
+    try {
+      WriteLog(make_text());
+    } catch (...) {
+    }
   }
-  void Log(const wchar_t* text) {
-    if (create_log_file_) WriteLog(text);
+  void Log(const wchar_t* text) noexcept {
+    Log([text] { return std::wstring(text); });
   }
   void WriteLog(std::wstring message);
 

@@ -80,7 +80,7 @@ TEST_F(CKespCOMPort3BinaryInputTest, NegativeSilence_EndsAtTheFirstEmptyLook) {
   ports_.line.Arrive("b", 12);
   Read(-5);
   EXPECT_EQ(value_, BinaryValue(Bytes{'a'}));
-  EXPECT_EQ(lasted_, 11);
+  EXPECT_EQ(lasted_, 10);
 }
 
 TEST_F(CKespCOMPort3BinaryInputTest, FirstByte_HasTheTimeOutAndItsDeadlineIsInclusive) {
@@ -157,6 +157,16 @@ TEST_F(CKespCOMPort3BinaryInputTest, PortFails_IsShownAndFalse) {
   ExpectBox(L"8020 - Error reading comm device\r\n(commCOMControl)");
   EXPECT_EQ(value_, BinaryValue(L"before"));
   EXPECT_TRUE(ports_.line.open);
+}
+
+TEST_F(CKespCOMPort3BinaryInputTest, PortFailsInText_WhatCameIsThere) {
+  port_.SetInputMode(EInputMode::imText);
+  value_ = L"before";
+  ports_.line.Arrive("12", 2);
+  ports_.line.FailCall(5, 8020);
+  Read();
+  ExpectBox(L"8020 - Error reading comm device\r\n(commCOMControl)");
+  EXPECT_EQ(value_, BinaryValue(L"before12"));
 }
 
 TEST_F(CKespCOMPort3BinaryInputTest, DeadlineBeyondTheClock_IsShownAsOverflow) {

@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "serial/kesp_com_port.h"
+#include "support/attempt.h"
 #include "support/error_box.h"
 #include "support/error_numbers.h"
 #include "support/text.h"
@@ -27,6 +28,24 @@ Failure ReadTimeOut(const wchar_t* source, std::int16_t port) {
           L"Timeout waiting for instrument to respond to command on COM" + std::to_wstring(port) + L"."};
 }
 
+// After a failure: what came, as far as there is memory for it.
+void KeepWhatCame(const std::string& bytes, std::wstring& result) noexcept {
+  try {
+    result = SystemCodePage().FromBytes(bytes);
+  } catch (...) {
+  }
+}
+
+// Text goes behind the text that is there; bytes take its place.
+void StoreReply(const std::string& reply, EInputMode mode, BinaryValue& result) {
+  if (mode == EInputMode::imBinary) {
+    result = Bytes(reply.begin(), reply.end());
+    return;
+  }
+  const auto* earlier = std::get_if<std::wstring>(&result);
+  result = (earlier != nullptr ? *earlier : std::wstring()) + SystemCodePage().FromBytes(reply);
+}
+
 // Every character's code in decimal, with two digits at least and a blank behind it.
 std::wstring CharacterCodes(const std::string& bytes) {
   std::wstring codes;
@@ -46,10 +65,6 @@ std::string CKespCOMPort3::TakeInput(std::size_t already) {
   return chunk;
 }
 
-bool CKespCOMPort3::IsPast(std::int32_t start, std::int32_t milliseconds) const {
-  return environment_.clock.TickCount() > Deadline(start, milliseconds);
-}
-
 bool CKespCOMPort3::ReadLine(std::wstring& result) {
   result.clear();
   Raise(&CKespCOMPort3Events::ReadBegin, port_);
@@ -58,13 +73,13 @@ bool CKespCOMPort3::ReadLine(std::wstring& result) {
   ReadOutcome outcome{};
   try {
     outcome = CollectReply(reply);
+    result = SystemCodePage().FromBytes(reply);
   } catch (...) {
     const Failure failure = CurrentFailure();
-    result = SystemCodePage().FromBytes(reply);
+    KeepWhatCame(reply, result);
     LogFailure(L"ReadLine()", failure);
     FailIn(L"ReadLine()", failure);
   }
-  result = SystemCodePage().FromBytes(reply);
   if (outcome == ReadOutcome::kTimeOut) {
     const Failure failure = ReadTimeOut(L"CKespCOMPort3 - ReadLine()", port_);
     Raise(&CKespCOMPort3Events::ReadTimeOut, port_);
@@ -102,7 +117,7 @@ CKespCOMPort3::ReadOutcome CKespCOMPort3::CollectReply(std::string& reply) {
     }
     const bool raw = !terminate_on_lf_ && !strip_crlf_ && !check_non_ascii_;
     const bool gap_ends = raw && !reply.empty();
-    if (!IsPast(start, gap_ends ? kRawSilenceMs : time_out_)) continue;
+    if (!IsPast(environment_.clock, start, gap_ends ? kRawSilenceMs : time_out_)) continue;
     if (!terminate_on_lf_) return reply.empty() ? ReadOutcome::kTimeOut : ReadOutcome::kComplete;
     if (!has_cr) return ReadOutcome::kTimeOut;
     reply = Trim(std::string_view(reply));
@@ -132,8 +147,13 @@ bool CKespCOMPort3::ReadLineBinary(BinaryValue& result, std::int32_t lTimeoutms)
   ReadOutcome outcome{};
   try {
     outcome = CollectBinary(reply, mode, lTimeoutms);
+    if (outcome == ReadOutcome::kComplete) StoreReply(reply, mode, result);
   } catch (...) {
-    ShowError(environment_.user, L"attempting to read from COM" + std::to_wstring(port_), CurrentFailure());
+    const Failure failure = CurrentFailure();
+    // Text is put into the result as it comes, bytes when they are all there.
+    if (mode == EInputMode::imText && !reply.empty())
+      Try([&] { return StoreReply(reply, mode, result), true; });
+    ShowError(environment_.user, L"attempting to read from COM" + std::to_wstring(port_), failure);
     return false;
   }
   if (outcome == ReadOutcome::kTimeOut) {
@@ -141,18 +161,11 @@ bool CKespCOMPort3::ReadLineBinary(BinaryValue& result, std::int32_t lTimeoutms)
     Raise(&CKespCOMPort3Events::ReadTimeOut, port_);
     throw failure;
   }
-  std::wstring text;
-  if (const auto* earlier = std::get_if<std::wstring>(&result);
-      earlier != nullptr && mode == EInputMode::imText) {
-    text = *earlier;
-  }
-  if (mode == EInputMode::imText || create_log_file_) text += SystemCodePage().FromBytes(reply);
-  Log([&] { return L"Received '" + text + L"' (raw) on COM" + std::to_wstring(port_); });
-  if (mode == EInputMode::imText) {
-    result = std::move(text);
-  } else {
-    result = Bytes(reply.begin(), reply.end());
-  }
+  Log([&] {
+    const auto* text = std::get_if<std::wstring>(&result);
+    return L"Received '" + (text != nullptr ? *text : SystemCodePage().FromBytes(reply)) + L"' (raw) on COM" +
+           std::to_wstring(port_);
+  });
   return true;
 }
 
@@ -167,7 +180,7 @@ CKespCOMPort3::ReadOutcome CKespCOMPort3::CollectBinary(std::string& reply, EInp
       const std::size_t total = mode == EInputMode::imBinary ? reply.size() : 0;
       Raise(&CKespCOMPort3Events::ReadUpdate, static_cast<std::int32_t>(total), port_);
       start = environment_.clock.TickCount();
-    } else if (IsPast(start, reply.empty() ? time_out_ : silence_ms)) {
+    } else if (IsPast(environment_.clock, start, reply.empty() ? time_out_ : silence_ms)) {
       return reply.empty() ? ReadOutcome::kTimeOut : ReadOutcome::kComplete;
     }
   }
@@ -180,13 +193,13 @@ bool CKespCOMPort3::Download(std::wstring& result) {
   ReadOutcome outcome{};
   try {
     outcome = CollectDownload(data);
+    result = SystemCodePage().FromBytes(data);
   } catch (...) {
     const Failure failure = CurrentFailure();
-    result = SystemCodePage().FromBytes(data);
+    KeepWhatCame(data, result);
     ShowError(environment_.user, L"attempting to download from COM" + std::to_wstring(port_), failure);
     return false;
   }
-  result = SystemCodePage().FromBytes(data);
   if (outcome == ReadOutcome::kTimeOut) {
     const Failure failure(com_port_error::ERR_DOWNLOAD_TIMEOUT, L"CKespCOMPort3 - Download()",
                           L"Timeout while downloading from COM" + std::to_wstring(port_) + L".");
@@ -202,7 +215,8 @@ CKespCOMPort3::ReadOutcome CKespCOMPort3::CollectDownload(std::string& data) {
   std::int32_t start = environment_.clock.TickCount();
   for (;;) {
     if (control_->InBufferCount() == 0) {
-      if (IsPast(start, time_out_)) return data.empty() ? ReadOutcome::kTimeOut : ReadOutcome::kComplete;
+      if (IsPast(environment_.clock, start, time_out_))
+        return data.empty() ? ReadOutcome::kTimeOut : ReadOutcome::kComplete;
       environment_.pump.PumpOnce();
       continue;
     }

@@ -32,7 +32,9 @@ class CKespCOMPort3InputTest : public SerialConversationTest {
   void Read() {
     const std::int32_t start = Now();
     raised_ = RaisedBy([&] { EXPECT_TRUE(port_.ReadLine(reply_)); });
-    lasted_ = Now() - start - 1;
+    // The counter may turn negative meanwhile.
+    lasted_ =
+        static_cast<std::int32_t>(static_cast<std::uint32_t>(Now()) - static_cast<std::uint32_t>(start)) - 1;
   }
   void ExpectReply(const std::wstring& reply) {
     EXPECT_EQ(raised_, Raised{});

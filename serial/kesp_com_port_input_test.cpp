@@ -175,5 +175,16 @@ TEST_F(CKespCOMPort3InputTest, TerminateOnLfAlone_IsNotTheRawMode) {
   ExpectTimeOut();
 }
 
+// The counter turns negative in the middle of the wait, in steps as Windows makes them.
+TEST_F(CKespCOMPort3InputTest, CounterTurnsNegativeMeanwhile_ReadTimesOutAllTheSame) {
+  environment_.clock.SetStepPerReading(16);
+  port_.SetTimeOut(3000);
+  environment_.clock.SetTickCount(kHighest32 - 3005);
+  Read();
+  ExpectTimeOut();
+  EXPECT_LE(lasted_, 3000 + 3 * 16);
+  EXPECT_LT(environment_.clock.tick(), 0);
+}
+
 }  // namespace
 }  // namespace kesp

@@ -66,13 +66,14 @@ bool CKespCOMPort3::RFWriteModemSettings(double dPANID, std::int16_t iChannel, d
 bool CKespCOMPort3::RFWriteModemInstrAddress(std::int16_t iInstrAddr) {
   return WithModemStyle([&] {
     const std::wstring address = std::to_wstring(iInstrAddr);
-    if (ModemTarget() == address) return true;
+    const std::int16_t port = port_;  // a handler may set another one
+    if (ModemTarget(port) == address) return true;
     const bool told = InCommandMode([&] {
       TellModem(L"ATDH0");
       TellModem(L"ATDL" + ToHexadecimal(iInstrAddr));
       TellModem(L"ATWR");
     });
-    if (told) RememberModemTarget(address);
+    if (told) RememberModemTarget(port, address);
     return told;
   });
 }
@@ -91,9 +92,10 @@ bool CKespCOMPort3::InCommandMode(const std::function<void()>& conversation) {
   while (!guard.IsOver()) {
   }
   WriteLine(L"+++");
-  if (!AwaitOk()) return false;
   const auto leave = [&] { TellModem(L"ATCN"); };
   try {
+    // A modem that does not confirm has not understood; "ATCN" would go to the instrument.
+    if (!AwaitOk()) return false;
     conversation();
   } catch (...) {
     const Failure failure = CurrentFailure();
@@ -129,20 +131,20 @@ bool CKespCOMPort3::AwaitOk() {
     if (reply.find(kOk, searched) == std::string::npos) continue;
     Log(L"Received 'OK'");
     return true;
-  } while (!IsPast(start, time_out_));
+  } while (!IsPast(environment_.clock, start, time_out_));
   Log(L"Timed out waiting for 'OK'");
   return false;
 }
 
-std::wstring CKespCOMPort3::ModemTarget() {
+std::wstring CKespCOMPort3::ModemTarget(std::int16_t port) {
   if (modem_file_.empty()) return kUnknownAddress;
-  return environment_.settings.Read(modem_file_, L"COM" + std::to_wstring(port_), kAddressKey,
+  return environment_.settings.Read(modem_file_, L"COM" + std::to_wstring(port), kAddressKey,
                                     kUnknownAddress);
 }
 
-void CKespCOMPort3::RememberModemTarget(const std::wstring& address) {
+void CKespCOMPort3::RememberModemTarget(std::int16_t port, const std::wstring& address) {
   if (modem_file_.empty()) return;
-  environment_.settings.Write(modem_file_, L"COM" + std::to_wstring(port_), kAddressKey, address);
+  environment_.settings.Write(modem_file_, L"COM" + std::to_wstring(port), kAddressKey, address);
 }
 
 }  // namespace kesp

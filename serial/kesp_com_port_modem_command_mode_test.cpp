@@ -107,5 +107,27 @@ TEST_F(CKespCOMPort3ModemTest, NoDeadlineLeftOnTheClock_IsFalse) {
   }
 }
 
+// Nobody knows then whether the modem has heard "+++".
+TEST_F(CKespCOMPort3ModemTest, PortFailsWhileConfirmationIsAwaited_ModemIsToldToLeave) {
+  Confirms({"ATCN\r"});
+  ports_.line.on_output = [&](const std::string& written, const std::wstring&) {
+    // The look at the output buffer, then the first one for the confirmation.
+    if (written == "+++") ports_.line.FailCall(2, 8020);
+  };
+  EXPECT_FALSE(port_.RFWriteModemInstrAddress(26));
+  EXPECT_EQ(Outputs(), (Lines{L"+++", L"ATCN<0D>"}));
+  EXPECT_EQ(Remembered(), L"<none>");
+  ExpectLeftInOrder();
+}
+
+// A handler that turns to another port does not have this port's modem noted under the other.
+TEST_F(CKespCOMPort3ModemTest, HandlerSetsAnotherPort_AddressIsNotedForTheModemsOwn) {
+  ConfirmsAddress();
+  events_.handlers[L"WriteEnd"] = [&] { port_.SetPort(7); };
+  EXPECT_TRUE(port_.RFWriteModemInstrAddress(26));
+  EXPECT_EQ(Remembered(L"COM1"), L"26");
+  EXPECT_EQ(Remembered(L"COM7"), L"<none>");
+}
+
 }  // namespace
 }  // namespace kesp

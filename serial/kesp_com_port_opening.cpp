@@ -1,5 +1,7 @@
 // The serial transport's port: opening, closing, availability, buffers, and the boxes on the line.
 #include "serial/kesp_com_port.h"
+#include "serial/serial_control_errors.h"
+#include "support/attempt.h"
 #include "support/error_box.h"
 #include "support/timing.h"
 
@@ -19,7 +21,7 @@ constexpr std::int32_t kLampMs = 200;
 
 // The longest sequence of a switch, seven bytes, takes half a second at 150 bit/s; a line that is held up
 // longer must not keep the port from being opened or closed.
-constexpr std::int32_t kSwitchSequenceMs = 1000;
+constexpr std::uint32_t kSwitchSequenceMs = 1000;
 
 // The infrared adapter's own coding of its bit rates, which is not ascending.
 int PulsesFor(EKespBaudRate3 rate) {
@@ -73,9 +75,14 @@ bool CKespCOMPort3::OpenPort() {
 
 void CKespCOMPort3::WakeInfraredAdapter() {
   const auto pulse = [&](void (SerialControl::*set_line)(bool)) {
-    ((*control_).*set_line)(false);
-    Delay(environment_.clock, environment_.pump, kPulseMs);
+    // Whatever happens: adapters are fed by these lines, and the control remembers them for the next opening.
+    const Attempt low = Try([&] {
+      ((*control_).*set_line)(false);
+      Delay(environment_.clock, environment_.pump, kPulseMs);
+      return true;
+    });
     ((*control_).*set_line)(true);
+    if (low.error) throw Failure(*low.error);
     Delay(environment_.clock, environment_.pump, kPulseMs);
   };
   pulse(&SerialControl::SetDTREnable);
@@ -130,7 +137,10 @@ void CKespCOMPort3::WriteToLine(const std::string& bytes) {
   control_->Output(bytes);
   // Clearing the buffers, which is what follows, must not take back bytes that have yet to leave.
   const std::int32_t start = environment_.clock.TickCount();
-  while (control_->OutBufferCount() != 0 && !IsPast(start, kSwitchSequenceMs)) {
+  while (control_->OutBufferCount() != 0) {
+    if (MillisecondsSince(environment_.clock, start) > kSwitchSequenceMs) {
+      throw SerialControlFailure(kSerialDeviceError);
+    }
   }
 }
 

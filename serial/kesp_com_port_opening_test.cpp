@@ -156,6 +156,14 @@ TEST_F(CKespCOMPort3OpeningTest, OpenPort_DongleLineFails_IsRaisedAndPortStaysOp
   EXPECT_TRUE(ports_.line.open);
 }
 
+// The lines feed adapters; the control keeps them for the next opening.
+TEST_F(CKespCOMPort3OpeningTest, OpenPort_WakeUpFails_LinesAreUpAgain) {
+  port_.SetUseIRDongle(true);
+  environment_.clock.SetTickCount(kHighest32 - 5);
+  EXPECT_EQ(RaisedBy([&] { port_.OpenPort(); }).number, 6);
+  EXPECT_EQ(record_.back(), L"DTR 1");
+}
+
 TEST_F(CKespCOMPort3OpeningTest, OpenPort_SwitchAndDongle_SwitchComesFirst) {
   port_.SetUseSmartSwitch(true);
   port_.SetUseIRDongle(true);

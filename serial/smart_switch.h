@@ -16,7 +16,7 @@ class SwitchLine {
   // Discards every byte that waits in either direction.
   virtual void ClearLine() = 0;
 
-  // Sends the bytes to the box.
+  // Sends the bytes to the box; throws when they cannot leave.
   virtual void WriteToLine(const std::string& bytes) = 0;
 
   // Writes to the port's diagnostic log, when that is on.

@@ -68,11 +68,20 @@ TEST_F(SmartSwitchOnPortTest, Sequence_IsDrainedBeforeTheBuffersAreClearedAgain)
   EXPECT_EQ(environment_.pump.count(), 0);
 }
 
-TEST_F(SmartSwitchOnPortTest, SequenceNeverLeaves_IsGivenUpAfterASecond) {
+TEST_F(SmartSwitchOnPortTest, SequenceNeverLeaves_FailsAfterASecondAndNothingCountsAsSelected) {
   ports_.line.drain.assign(100000, 5);
   const std::int32_t start = Now();
-  EXPECT_TRUE(port_.OpenPort());
-  EXPECT_EQ(Now() - start, 2 * 1002);  // two sequences; the reading behind the second is itself a millisecond
+  EXPECT_EQ(RaisedBy([&] { port_.OpenPort(); }),
+            (Raised{8012, L"CKespCOMPort3 - OpenPort() [commCOMControl]", L"The device is not open"}));
+  EXPECT_EQ(Now() - start, 1002);  // the reading behind the second is itself a millisecond
+  EXPECT_EQ(port_.SmartSwitch()->CurrentPort(), L"");
+}
+
+TEST_F(SmartSwitchOnPortTest, ReleaseNeverLeaves_PortIsClosedAllTheSame) {
+  Open();
+  ports_.line.drain.assign(100000, 5);
+  EXPECT_EQ(RaisedBy([&] { port_.ClosePort(); }).number, 8012);
+  EXPECT_FALSE(ports_.line.open);
 }
 
 TEST_F(SmartSwitchOnPortTest, Test_SelectsEveryPortInTurnTwoHundredMillisecondsApart) {

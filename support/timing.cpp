@@ -20,6 +20,15 @@ std::int32_t Deadline(std::int32_t start, std::int32_t milliseconds) {
   return static_cast<std::int32_t>(sum);
 }
 
+std::uint32_t MillisecondsSince(Clock& clock, std::int32_t start) {
+  return static_cast<std::uint32_t>(clock.TickCount()) - static_cast<std::uint32_t>(start);
+}
+
+bool IsPast(Clock& clock, std::int32_t start, std::int32_t milliseconds) {
+  Deadline(start, milliseconds);
+  return milliseconds < 0 || MillisecondsSince(clock, start) > static_cast<std::uint32_t>(milliseconds);
+}
+
 Wait::Wait(Clock& clock, std::int32_t milliseconds)
     : clock_(clock),
       milliseconds_(milliseconds),
@@ -27,7 +36,9 @@ Wait::Wait(Clock& clock, std::int32_t milliseconds)
       start_microseconds_(clock.Microseconds()) {}
 
 bool Wait::IsOver() const {
-  if (clock_.TickCount() < Deadline(start_tick_, milliseconds_)) return false;
+  Deadline(start_tick_, milliseconds_);
+  if (milliseconds_ < 0) return true;
+  if (MillisecondsSince(clock_, start_tick_) < static_cast<std::uint32_t>(milliseconds_)) return false;
   return clock_.Microseconds() - start_microseconds_ >= std::int64_t{milliseconds_} * 1000;
 }
 

@@ -12,6 +12,14 @@ namespace kesp {
 // for deadlines around the tick counter's sign change, about 24.8 days after system start.
 std::int32_t Deadline(std::int32_t start, std::int32_t milliseconds);
 
+// How many milliseconds have passed since the tick count was `start`; good for 49 days, whatever the
+// counter's sign does meanwhile.
+std::uint32_t MillisecondsSince(Clock& clock, std::int32_t start);
+
+// Whether more than that many have. Throws Overflow() as Deadline does, though a deadline near the end of the
+// counter's range, which no reading may ever exceed, is none that keeps it waiting.
+bool IsPast(Clock& clock, std::int32_t start, std::int32_t milliseconds);
+
 // Tells when that many milliseconds are over, counted from its creation: by the tick counter, and in truth as
 // well, since the counter alone may step early.
 class Wait {

@@ -44,6 +44,44 @@ TEST(Deadline, SumThatDoesNotFit_FailsWithOverflow) {
   EXPECT_EQ(FailureOf([] { Deadline(kMin, -1); }), 6);
 }
 
+// Whatever the counter's sign does, a wait ends: the last deadline that fits is one that no reading exceeds.
+TEST(IsPast, CounterTurnsNegativeMeanwhile_TimeCountsOn) {
+  ClockFake clock;
+  for (const std::int32_t time : {0, 1, 99, 100}) {
+    const std::int32_t start = kMax - 100;
+    clock.SetTickCount(start);
+    EXPECT_FALSE(IsPast(clock, start, time));
+    clock.Advance(static_cast<std::uint32_t>(time));
+    EXPECT_FALSE(IsPast(clock, start, time)) << time;
+    clock.Advance(1);
+    EXPECT_TRUE(IsPast(clock, start, time)) << time;
+    clock.Advance(16);
+    EXPECT_TRUE(IsPast(clock, start, time)) << time;
+    clock.Advance(1000000);
+    EXPECT_TRUE(IsPast(clock, start, time)) << time;
+    clock.SetTickCount(kMin);  // on to the next round
+    clock.SetTickCount(0);
+  }
+}
+
+TEST(IsPast, NegativeTime_IsPastAtOnce) {
+  ClockFake clock;
+  EXPECT_TRUE(IsPast(clock, clock.tick(), -1));
+}
+
+TEST(IsPast, DeadlineThatDoesNotFit_FailsWithOverflow) {
+  ClockFake clock;
+  EXPECT_EQ(FailureOf([&] { IsPast(clock, kMax - 10, 11); }), 6);
+  EXPECT_EQ(FailureOf([&] { IsPast(clock, kMin, -1); }), 6);
+}
+
+TEST(MillisecondsSince, CounterWraps_AreCounted) {
+  ClockFake clock;
+  clock.SetTickCount(-1);
+  clock.Advance(5);
+  EXPECT_EQ(MillisecondsSince(clock, -1), 5u);
+}
+
 class DelayTest : public testing::Test {
  protected:
   ClockFake clock;
@@ -64,6 +102,13 @@ TEST_F(DelayTest, TickCounterAhead_WaitsForTheTrueTime) {
   });
   Delay(clock, pump, 10);
   EXPECT_EQ(clock.Microseconds() - start, 10'000);
+}
+
+TEST_F(DelayTest, CounterTurnsNegativeMeanwhile_Ends) {
+  clock.SetTickCount(kMax - 10);
+  pump.OnPump([this] { clock.Advance(16); });
+  Delay(clock, pump, 10);
+  EXPECT_EQ(pump.count(), 1);
 }
 
 TEST_F(DelayTest, Negative_PumpsExactlyOnce) {
