@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <list>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,10 @@ class PendingWrites {
   // Calls back every write that is not finished and stops counting it.
   void Abandon(HANDLE port);
 
+  // After Abandon: waits, for a fifth of a second at the most, until the driver has given the writes back.
+  // While it has one, the port stays taken even when its handle is closed.
+  void AwaitAbandoned();
+
  private:
   struct Write {
     OVERLAPPED overlapped{};
@@ -41,7 +46,7 @@ class PendingWrites {
   // Forgets the writes that are finished.
   void Collect();
 
-  std::list<Write> writes_;
+  std::unique_ptr<std::list<Write>> writes_ = std::make_unique<std::list<Write>>();
   DWORD error_ = 0;
 };
 

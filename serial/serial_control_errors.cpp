@@ -21,6 +21,8 @@ std::wstring SerialControlErrorDescription(std::int32_t number) {
       return L"Operation valid only when the port is open";
     case kSerialReadError:
       return L"Error reading comm device";
+    case kSerialStateUnknown:
+      return L"Internal error retrieving device control block for the port";
     default:
       return L"Serial control error " + std::to_wstring(number);
   }

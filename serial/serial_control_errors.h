@@ -17,6 +17,7 @@ inline constexpr std::int32_t kSerialDeviceError = 8012;  // the device does not
 inline constexpr std::int32_t kSerialStateRefused = 8015;
 inline constexpr std::int32_t kSerialPortNotOpen = 8018;
 inline constexpr std::int32_t kSerialReadError = 8020;
+inline constexpr std::int32_t kSerialStateUnknown = 8021;  // the device does not tell its settings
 
 // The description of one of these numbers.
 std::wstring SerialControlErrorDescription(std::int32_t number);

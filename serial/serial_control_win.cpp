@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <limits>
 #include <optional>
+#include <utility>
 
+#include "serial/finished_read_win.h"
 #include "serial/serial_control_errors.h"
 
 namespace kesp {
@@ -20,14 +22,8 @@ constexpr DWORD kOutputQueue = 65536;
 
 constexpr char kXon = 0x11;
 constexpr char kXoff = 0x13;
-// How full the input queue gets before the sender is stopped, and how empty before it goes on.
-constexpr WORD kXoffRoom = 8192;
-constexpr WORD kXonLevel = 8192;
-
-constexpr DWORD kReadPatienceMs = 1000;
-
-// NTSTATUS values at or above this one are errors; below, successes and warnings.
-constexpr DWORD kFirstError = 0xC0000000;
+// The sender is stopped when the input queue has no more room than this, and goes on when it holds no more.
+constexpr DWORD kHighestFlowLimit = 8192;
 
 constexpr char kParityReplacement = '?';
 
@@ -73,17 +69,9 @@ std::int32_t Clipped(std::size_t count) {
   return static_cast<std::int32_t>(std::min(count, kHighest));
 }
 
-// Waits for a read of bytes that are there already, which ends at once; a driver that takes its time is
-// stopped. The memory belongs to the driver until then. Returns whether the read went well.
-bool Finish(HANDLE port, OVERLAPPED& read) {
-  const DWORD start = GetTickCount();
-  bool stopped = false;
-  while (!HasOverlappedIoCompleted(&read)) {
-    if (!stopped && GetTickCount() - start > kReadPatienceMs) stopped = CancelIoEx(port, &read) != 0;
-    SleepEx(0, TRUE);
-  }
-  return static_cast<DWORD>(read.Internal) < kFirstError;
-}
+// Drivers, those of adapters above all, may take a moment to let go of a port that was closed.
+constexpr DWORD kReleaseMs = 500;
+constexpr DWORD kReleaseStepMs = 5;
 
 }  // namespace
 
@@ -112,9 +100,13 @@ void SerialControlWin::SetHandshaking(SerialHandshaking handshaking) {
 
 void SerialControlWin::Open() {
   if (handle_.is_open()) throw SerialControlFailure(kSerialPortIsOpen);
-  if (const DWORD error = handle_.Open(port_); error != 0) {
-    throw SerialControlFailure(OpenErrorNumber(error));
+  DWORD error = handle_.Open(port_);
+  while (error == ERROR_ACCESS_DENIED && port_ == closed_port_ &&
+         GetTickCount() - closed_tick_ < kReleaseMs) {
+    Sleep(kReleaseStepMs);
+    error = handle_.Open(port_);
   }
+  if (error != 0) throw SerialControlFailure(OpenErrorNumber(error));
   try {
     // A recommendation, which a driver need not follow.
     SetupComm(handle_.get(), kInputQueue, kOutputQueue);
@@ -123,17 +115,30 @@ void SerialControlWin::Open() {
     timeouts.ReadIntervalTimeout = MAXDWORD;
     if (!SetCommTimeouts(handle_.get(), &timeouts)) throw SerialControlFailure(kSerialStateRefused);
     Configure();
+    // What came before that was received at other settings.
+    PurgeComm(handle_.get(), PURGE_RXCLEAR);
   } catch (...) {
     Close();
     throw;
   }
 }
 
-// In one step, so that the control lines do not change on the way and stand before a byte can leave.
+// Within the queue that the driver has in truth: it refuses limits beyond. Where it does not tell, its own
+// stay.
+void SerialControlWin::SetFlowLimits(DCB& state) {
+  COMMPROP properties{};
+  properties.wPacketLength = sizeof properties;
+  if (!GetCommProperties(handle_.get(), &properties) || properties.dwCurrentRxQueue == 0) return;
+  const auto quarter = static_cast<WORD>(std::min(properties.dwCurrentRxQueue / 4, kHighestFlowLimit));
+  state.XonLim = quarter;
+  state.XoffLim = quarter;
+}
+
+// In one call, so that the control lines do not change on the way and stand before a byte can leave.
 void SerialControlWin::Configure() {
   DCB state{};
   state.DCBlength = sizeof state;
-  if (!GetCommState(handle_.get(), &state)) throw SerialControlFailure(kSerialStateRefused);
+  if (!GetCommState(handle_.get(), &state)) throw SerialControlFailure(kSerialStateUnknown);
   const bool flow = handshaking_ == SerialHandshaking::kXonXoff;
   const bool parity = line_.parity != LineParity::kNone;
   state.BaudRate = static_cast<DWORD>(line_.bits_per_second);
@@ -156,15 +161,24 @@ void SerialControlWin::Configure() {
   state.fTXContinueOnXoff = FALSE;
   state.XonChar = kXon;
   state.XoffChar = kXoff;
-  state.XonLim = kXonLevel;
-  state.XoffLim = kXoffRoom;
-  if (!SetCommState(handle_.get(), &state)) throw SerialControlFailure(kSerialStateRefused);
+  if (flow) SetFlowLimits(state);
+  if (SetCommState(handle_.get(), &state)) return;
+  // Some drivers know no replacement for characters of wrong parity.
+  state.fErrorChar = FALSE;
+  if (!parity || !SetCommState(handle_.get(), &state)) throw SerialControlFailure(kSerialStateRefused);
 }
 
 void SerialControlWin::Close() noexcept {
   if (!handle_.is_open()) return;
-  writes_.Abandon(handle_.get());
+  // Only when there is something: a purge would also cut short what the device is sending just now.
+  if (may_hold_output_) {
+    writes_.Abandon(handle_.get());
+    PurgeComm(handle_.get(), PURGE_TXABORT | PURGE_TXCLEAR);
+    writes_.AwaitAbandoned();
+  }
   handle_.Close();
+  closed_port_ = port_;
+  closed_tick_ = GetTickCount();
   writes_.TakeError();
   may_hold_output_ = false;
 }
@@ -229,14 +243,10 @@ void SerialControlWin::Output(std::string_view bytes) {
 
 std::string SerialControlWin::Input() {
   const DWORD count = Status(kSerialReadError).cbInQue;
-  std::string bytes(count, '\0');
-  if (count == 0) return bytes;
-  OVERLAPPED read{};
-  bool done = ReadFile(handle_.get(), bytes.data(), count, nullptr, &read) != 0;
-  if (!done && GetLastError() == ERROR_IO_PENDING) done = Finish(handle_.get(), read);
-  if (!done) throw SerialControlFailure(kSerialReadError);
-  bytes.resize(read.InternalHigh);
-  return bytes;
+  if (count == 0) return {};
+  std::optional<std::string> bytes = FinishedRead(handle_.get(), count);
+  if (!bytes) throw SerialControlFailure(kSerialReadError);
+  return std::move(*bytes);
 }
 
 }  // namespace kesp

@@ -10,8 +10,10 @@
 
 namespace kesp {
 
-// Never waits for the line. A read takes exactly what the driver holds, so that it ends at once; a write that
-// the driver cannot take at once stays pending.
+// Never waits for the line. Opening waits, for half a second at the most, for a driver that has not yet let
+// go of the port that this control has just closed; closing waits, for a fifth, for writes that it calls
+// back. A read takes exactly what the driver holds, so that it ends at once; a write that the driver cannot
+// take at once stays pending.
 //
 // Bytes with a wrong parity arrive as "?"; breaks, framing errors and overruns of the driver are not told,
 // the bytes they cost are missing or wrong. NULs arrive like any other byte.
@@ -42,6 +44,7 @@ class SerialControlWin final : public SerialControl {
   void RequireOpen() const;
   // Writes the settings, the handshaking and the control lines to the driver, all at once.
   void Configure();
+  void SetFlowLimits(DCB& state);
 
   std::int16_t port_ = 1;
   std::wstring settings_ = L"9600,N,8,1";
@@ -50,8 +53,11 @@ class SerialControlWin final : public SerialControl {
   bool dtr_ = true;
   bool rts_ = true;
   CommHandle handle_;
-  PendingWrites writes_;  // empty while the port is closed
+  PendingWrites writes_;
   bool may_hold_output_ = false;
+  // The port that was closed last, and when.
+  std::int16_t closed_port_ = 0;
+  DWORD closed_tick_ = 0;
 };
 
 }  // namespace kesp

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <limits>
+#include <thread>
 
 #include "serial/serial_control_errors.h"
 #include "serial/serial_ports_win.h"
@@ -249,6 +250,107 @@ TEST_F(SerialControlWinTest, SettingsChangedWhileOpen_HoldAtOnce) {
   control_.SetHandshaking(SerialHandshaking::kXonXoff);
   EXPECT_EQ(NumberOf([&] { control_.SetSettings(L"1200,X,7,1"); }), 380);
   EXPECT_EQ(control_.Settings(), L"1200,E,7,1");
+}
+
+// Drivers may take a moment to let go of a port.
+TEST_F(SerialControlWinTest, PortStillTakenRightAfterClosing_IsWaitedFor) {
+  control_.Open();
+  control_.Close();
+  BarePort other(SerialWire::PortName());
+  ASSERT_EQ(other.error(), DWORD{ERROR_SUCCESS});
+  std::thread release([&] {
+    Sleep(50);
+    other.Close();
+  });
+  EXPECT_EQ(NumberOf([&] { control_.Open(); }), 0);
+  release.join();
+}
+
+TEST_F(SerialControlWinTest, ClosedWithOutputPending_CanBeOpenedAtOnce) {
+  for (int i = 0; i < 3; ++i) {
+    control_.Open();
+    wire_.PauseReading();
+    for (int k = 0; k < 256 && control_.OutBufferCount() == 0; ++k) control_.Output(std::string(65536, 'x'));
+    EXPECT_GT(control_.OutBufferCount(), 0);
+    control_.Close();
+  }
+  EXPECT_EQ(NumberOf([&] { control_.Open(); }), 0);
+}
+
+// The state of the port as Windows tells it to its next user.
+DCB StateOf(const std::wstring& name) {
+  DCB state{};
+  state.DCBlength = sizeof state;
+  HANDLE port =
+      CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+  EXPECT_NE(port, INVALID_HANDLE_VALUE);
+  EXPECT_TRUE(GetCommState(port, &state));
+  CloseHandle(port);
+  return state;
+}
+
+TEST_F(SerialControlWinTest, StateLeftByAnotherProgram_IsReplaced) {
+  HANDLE other = CreateFileW(SerialWire::PortName().c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                             OPEN_EXISTING, 0, nullptr);
+  DCB left{};
+  left.DCBlength = sizeof left;
+  ASSERT_TRUE(GetCommState(other, &left));
+  left.BaudRate = CBR_300;
+  left.ByteSize = 8;
+  left.StopBits = TWOSTOPBITS;
+  left.fOutX = TRUE;
+  left.fInX = TRUE;
+  left.fOutxCtsFlow = TRUE;
+  ASSERT_TRUE(SetCommState(other, &left));
+  CloseHandle(other);
+
+  control_.SetSettings(L"19200,E,7,1");
+  control_.Open();
+  control_.Output("x");
+  EXPECT_EQ(wire_.Receive(1), "x") << "nobody gives a CTS";
+  control_.Close();
+  const DCB state = StateOf(SerialWire::PortName());
+  EXPECT_EQ(state.BaudRate, DWORD{CBR_19200});
+  EXPECT_EQ(int{state.ByteSize}, 7);
+  EXPECT_EQ(int{state.Parity}, EVENPARITY);
+  EXPECT_EQ(int{state.StopBits}, ONESTOPBIT);
+  EXPECT_FALSE(state.fOutX);
+  EXPECT_FALSE(state.fInX);
+  EXPECT_FALSE(state.fOutxCtsFlow);
+}
+
+TEST_F(SerialControlWinTest, XonXoff_ReachesTheDriver) {
+  control_.SetHandshaking(SerialHandshaking::kXonXoff);
+  control_.Open();
+  control_.Close();
+  const DCB state = StateOf(SerialWire::PortName());
+  EXPECT_TRUE(state.fOutX);
+  EXPECT_TRUE(state.fInX);
+}
+
+TEST_F(SerialControlWinTest, SettingsTheDriverRefuses_AreAFailureAndThePortIsClosed) {
+  control_.SetSettings(L"9600,N,4,1");
+  EXPECT_EQ(NumberOf([&] { control_.Open(); }), 8015);
+  EXPECT_FALSE(control_.PortOpen());
+  control_.SetSettings(L"9600,N,8,1");
+  EXPECT_EQ(NumberOf([&] { control_.Open(); }), 0);
+}
+
+TEST_F(SerialControlWinTest, BytesFromBeforeTheOpening_AreDiscarded) {
+  {
+    BarePort keeper(SerialWire::PortName());
+    wire_.Send("old");
+    EXPECT_EQ(keeper.Read(3), "old");
+    wire_.Send("older");
+    COMSTAT state{};
+    DWORD errors = 0;
+    EXPECT_TRUE(
+        Eventually([&] { return ClearCommError(keeper.handle(), &errors, &state) && state.cbInQue == 5; }));
+  }
+  control_.Open();
+  EXPECT_EQ(control_.Input(), "");
+  wire_.Send("new");
+  EXPECT_EQ(Read(3), "new");
 }
 
 }  // namespace

@@ -1,0 +1,48 @@
+// An overlapped read that is over at once, or given up.
+#include "serial/finished_read_win.h"
+
+#include <memory>
+
+namespace kesp {
+
+namespace {
+
+// NTSTATUS values at or above this one are errors; below, successes and warnings.
+constexpr DWORD kFirstError = 0xC0000000;
+
+// How long a driver may take to finish a read, and again to give it back.
+constexpr DWORD kPatienceMs = 100;
+
+struct Read {
+  OVERLAPPED overlapped{};
+  std::string bytes;
+};
+
+bool IsFinishedInTime(const Read& read) {
+  const DWORD start = GetTickCount();
+  while (!HasOverlappedIoCompleted(&read.overlapped)) {
+    if (GetTickCount() - start > kPatienceMs) return false;
+    Sleep(0);
+  }
+  return true;
+}
+
+}  // namespace
+
+std::optional<std::string> FinishedRead(HANDLE port, DWORD count) {
+  auto read = std::make_unique<Read>();
+  read->bytes.resize(count);
+  const BOOL done = ReadFile(port, read->bytes.data(), count, nullptr, &read->overlapped);
+  if (!done && GetLastError() != ERROR_IO_PENDING) return std::nullopt;
+  if (!done && !IsFinishedInTime(*read)) {
+    CancelIoEx(port, &read->overlapped);
+    // The memory belongs to the driver until it gives it back; one that does not, keeps it.
+    if (!IsFinishedInTime(*read)) static_cast<void>(read.release());
+    return std::nullopt;
+  }
+  if (static_cast<DWORD>(read->overlapped.Internal) >= kFirstError) return std::nullopt;
+  read->bytes.resize(read->overlapped.InternalHigh);
+  return std::move(read->bytes);
+}
+
+}  // namespace kesp
