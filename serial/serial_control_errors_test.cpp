@@ -21,6 +21,7 @@ constexpr Case kCases[] = {
     {kSerialStateRefused, 8015, L"Could not set comm state"},
     {kSerialPortNotOpen, 8018, L"Operation valid only when the port is open"},
     {kSerialReadError, 8020, L"Error reading comm device"},
+    {kSerialStateUnknown, 8021, L"Internal error retrieving device control block for the port"},
     {0, 0, L"Serial control error 0"},
     {-31, -31, L"Serial control error -31"},
 };
