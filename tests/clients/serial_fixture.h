@@ -13,8 +13,8 @@
 
 namespace kesp::clients {
 
-// Short enough for tests that wait for it.
-inline constexpr long kSerialTimeOut = 250;
+// Short enough for tests that wait for it, and long enough for a reply on a machine that is busy elsewhere.
+inline constexpr long kSerialTimeOut = 1500;
 // So long that a test which has to wait for it is ended first.
 inline constexpr long kEndlessTimeOut = 600000;
 
