@@ -2,13 +2,13 @@
 #include "serial/finished_read_win.h"
 
 #include <memory>
+#include <utility>
+
+#include "serial/overlapped_result_win.h"
 
 namespace kesp {
 
 namespace {
-
-// NTSTATUS values at or above this one are errors; below, successes and warnings.
-constexpr DWORD kFirstError = 0xC0000000;
 
 // How long a driver may take to finish a read, and again to give it back.
 constexpr DWORD kPatienceMs = 100;
@@ -40,7 +40,7 @@ std::optional<std::string> FinishedRead(HANDLE port, DWORD count) {
     if (!IsFinishedInTime(*read)) static_cast<void>(read.release());
     return std::nullopt;
   }
-  if (static_cast<DWORD>(read->overlapped.Internal) >= kFirstError) return std::nullopt;
+  if (!Succeeded(read->overlapped)) return std::nullopt;
   read->bytes.resize(read->overlapped.InternalHigh);
   return std::move(read->bytes);
 }

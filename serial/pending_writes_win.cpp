@@ -3,12 +3,11 @@
 
 #include <utility>
 
+#include "serial/overlapped_result_win.h"
+
 namespace kesp {
 
 namespace {
-
-// NTSTATUS values at or above this one are errors; below, successes and warnings.
-constexpr DWORD kFirstError = 0xC0000000;
 
 // How long the driver is waited for to give writes back that were called back.
 constexpr DWORD kPatienceMs = 200;
@@ -16,7 +15,7 @@ constexpr DWORD kPatienceMs = 200;
 // Whether a finished write took every byte. One that a driver's own time-out cut short counts as a success
 // there.
 bool WentWell(const OVERLAPPED& write, std::size_t size) {
-  return static_cast<DWORD>(write.Internal) < kFirstError && write.InternalHigh == size;
+  return Succeeded(write) && write.InternalHigh == size;
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The serial control: the driver's state set in one step, and counts, reads and writes that do not wait.
+// The serial control: the driver's state set in one call, and counts, reads and writes that do not wait.
 #include "serial/serial_control_win.h"
 
 #include <algorithm>
@@ -174,8 +174,9 @@ void SerialControlWin::Close() noexcept {
   if (may_hold_output_) {
     writes_.Abandon(handle_.get());
     PurgeComm(handle_.get(), PURGE_TXABORT | PURGE_TXCLEAR);
-    writes_.AwaitAbandoned();
   }
+  // Those of an earlier ClearOutBuffer, too.
+  writes_.AwaitAbandoned();
   handle_.Close();
   closed_port_ = port_;
   closed_tick_ = GetTickCount();

@@ -32,11 +32,7 @@ HRESULT ComPortClass::get_SmartSwitch(::_CKespSmartSwitch3** retval) {
 
 HRESULT ComPortClass::ReadLine(BSTR* result, VARIANT_BOOL* retval) {
   return Get(
-      retval,
-      [&] {
-        InOutText reply(result);
-        return object_->ReadLine(reply.value());
-      },
+      retval, [&] { return ReadInto(result, [&](auto& reply) { return object_->ReadLine(reply); }); },
       result);
 }
 
@@ -44,22 +40,14 @@ HRESULT ComPortClass::ReadLineBinary(VARIANT* result, LONG lTimeoutms, VARIANT_B
   return Get(
       retval,
       [&] {
-        BinaryValue reply = BinaryValueOf(*result);
-        const bool succeeded = object_->ReadLineBinary(reply, lTimeoutms);
-        StoreBinaryValue(reply, result);
-        return succeeded;
+        return ReadInto(result, [&](auto& reply) { return object_->ReadLineBinary(reply, lTimeoutms); });
       },
       result);
 }
 
 HRESULT ComPortClass::Download(BSTR* result, VARIANT_BOOL* retval) {
   return Get(
-      retval,
-      [&] {
-        InOutText data(result);
-        return object_->Download(data.value());
-      },
-      result);
+      retval, [&] { return ReadInto(result, [&](auto& data) { return object_->Download(data); }); }, result);
 }
 
 HRESULT ComPortClass::AutoDetect(BSTR* Buffer, ::EDetectLevel DetectLevel, BSTR OmegaAddress,
@@ -67,9 +55,9 @@ HRESULT ComPortClass::AutoDetect(BSTR* Buffer, ::EDetectLevel DetectLevel, BSTR 
   return Get(
       retval,
       [&] {
-        InOutText answer(Buffer);
-        return object_->AutoDetect(answer.value(), static_cast<EDetectLevel>(DetectLevel),
-                                   TextOf(OmegaAddress));
+        return ReadInto(Buffer, [&](auto& answer) {
+          return object_->AutoDetect(answer, static_cast<EDetectLevel>(DetectLevel), TextOf(OmegaAddress));
+        });
       },
       Buffer);
 }

@@ -66,8 +66,9 @@ HRESULT CommObjClass::Query(BSTR* result, BSTR cmd, BSTR OmegaAddress, BSTR Omeg
   return Get(
       retval,
       [&] {
-        InOutText reply(result);
-        return object_->Query(reply.value(), TextOf(cmd), TextOf(OmegaAddress), TextOf(OmegaValue));
+        return ReadInto(result, [&](auto& reply) {
+          return object_->Query(reply, TextOf(cmd), TextOf(OmegaAddress), TextOf(OmegaValue));
+        });
       },
       result);
 }
@@ -77,11 +78,9 @@ HRESULT CommObjClass::QueryBinary(VARIANT* result, BSTR cmd, BSTR OmegaAddress, 
   return Get(
       retval,
       [&] {
-        BinaryValue reply = BinaryValueOf(*result);
-        const bool succeeded =
-            object_->QueryBinary(reply, TextOf(cmd), TextOf(OmegaAddress), TextOf(OmegaValue));
-        StoreBinaryValue(reply, result);
-        return succeeded;
+        return ReadInto(result, [&](auto& reply) {
+          return object_->QueryBinary(reply, TextOf(cmd), TextOf(OmegaAddress), TextOf(OmegaValue));
+        });
       },
       result);
 }

@@ -31,11 +31,7 @@ HRESULT TcpClass::get_Devices(::_CInstruments** retval) {
 
 HRESULT TcpClass::ReadLine(BSTR* result, VARIANT_BOOL* retval) {
   return Get(
-      retval,
-      [&] {
-        InOutText reply(result);
-        return object_->ReadLine(reply.value());
-      },
+      retval, [&] { return ReadInto(result, [&](auto& reply) { return object_->ReadLine(reply); }); },
       result);
 }
 
@@ -43,10 +39,7 @@ HRESULT TcpClass::ReadLineBinary(VARIANT* result, LONG lTimeoutms, VARIANT_BOOL*
   return Get(
       retval,
       [&] {
-        BinaryValue reply = BinaryValueOf(*result);
-        const bool succeeded = object_->ReadLineBinary(reply, lTimeoutms);
-        StoreBinaryValue(reply, result);
-        return succeeded;
+        return ReadInto(result, [&](auto& reply) { return object_->ReadLineBinary(reply, lTimeoutms); });
       },
       result);
 }

@@ -56,4 +56,11 @@ class InOutText {
   std::wstring original_;
 };
 
+// Lets `read` work on the text of an in/out argument, as InOutText does, and returns its result.
+template <class Read>
+bool ReadInto(BSTR* argument, Read&& read) {
+  InOutText text(argument);
+  return std::forward<Read>(read)(text.value());
+}
+
 }  // namespace kesp

@@ -1,6 +1,8 @@
 // Values of any type between the library and COM: VARIANTs.
 #pragma once
 
+#include <utility>
+
 #include "network/instruments.h"
 #include "server/com_headers.h"
 #include "support/binary_value.h"
@@ -31,6 +33,15 @@ BinaryValue BinaryValueOf(const VARIANT& argument);
 // value in that variable. Throws TypeMismatch() when that variable cannot hold it, and error 10 when it is an
 // array that is fixed or locked.
 void StoreBinaryValue(const BinaryValue& value, VARIANT* argument);
+
+// Lets `read` work on the value of an in/out argument, stores what it leaves there, and returns its result.
+template <class Read>
+bool ReadInto(VARIANT* argument, Read&& read) {
+  BinaryValue value = BinaryValueOf(*argument);
+  const bool succeeded = std::forward<Read>(read)(value);
+  StoreBinaryValue(value, argument);
+  return succeeded;
+}
 
 // A position or a key, from a number or a text of any automation type. Throws TypeMismatch() for anything
 // else.
