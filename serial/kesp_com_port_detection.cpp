@@ -1,10 +1,10 @@
 // The serial transport's detection: identification commands at one bit rate after the other.
-#include <algorithm>
-#include <array>
+#include <cstddef>
 
 #include "serial/kesp_com_port.h"
 #include "support/attempt.h"
 #include "support/busy_pointer.h"
+#include "support/detection_commands.h"
 #include "support/error_numbers.h"
 
 namespace kesp {
@@ -14,17 +14,9 @@ namespace {
 // Long enough for a slow instrument's answer, short enough for 3 commands at each of 14 rates.
 constexpr std::int32_t kDetectionTimeOutMs = 2000;
 
-// In the order in which they are tried; a detection level is the number of commands that count.
-constexpr std::array kCommands{L"*IDN?", L"*VER", L"t"};
-
 // The last command is that of old, slow instruments.
 constexpr std::size_t kSlowCommand = 2;
 constexpr EKespBaudRate3 kFirstFastRate = EKespBaudRate3::br4800;
-
-std::size_t CommandCount(EDetectLevel level) {
-  if (level < EDetectLevel::dlSCPIOnly) return 0;
-  return std::min(static_cast<std::size_t>(level), kCommands.size());
-}
 
 EKespBaudRate3 NextLower(EKespBaudRate3 rate) {
   return static_cast<EKespBaudRate3>(static_cast<std::int32_t>(rate) - 1);
@@ -76,9 +68,10 @@ bool CKespCOMPort3::Search(const Detection& detection, std::wstring& answer) {
 CKespCOMPort3::Found CKespCOMPort3::TryRate(const Detection& detection, SearchPhase phase,
                                             std::wstring& answer) {
   Found found = Found::kNothing;
-  for (std::size_t i = 0; i < CommandCount(detection.level) && found == Found::kNothing; ++i) {
+  const auto commands = DetectionCommands(detection.level);
+  for (std::size_t i = 0; i < commands.size() && found == Found::kNothing; ++i) {
     if (i == kSlowCommand && baud_rate_ >= kFirstFastRate) continue;
-    found = TryCommand(detection, phase, kCommands[i], answer);
+    found = TryCommand(detection, phase, commands[i], answer);
   }
   // A port that does not close takes nothing away from an answer, and fails at the next opening otherwise.
   if (found != Found::kEnd) Try([&] { return ClosePort(), true; });
