@@ -26,10 +26,13 @@ struct Exchange {
   std::wstring OmegaValue;    // serial only
   SerialOpening serial_opening = SerialOpening::kRetried;
   InitializeTrace initialize_trace = InitializeTrace::kErrorInfoOnly;
+  std::wstring
+      ieee_write_operation;  // names the write in the IEEE-488 trace line; empty: not for that transport
 
   std::wstring read_operation;                    // "ReadLine()"; names the read in trace lines
   std::function<bool()> read_serial;              // empty: the operation does not read
   std::function<bool()> read_network;             // likewise
+  std::function<bool()> read_ieee;                // likewise
   std::function<std::wstring()> reply_for_trace;  // empty: the reply is not traced
   // What a read that timed out had got, for the trace; empty: not traced.
   std::function<std::wstring()> partial_reply_for_trace;

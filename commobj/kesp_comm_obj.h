@@ -71,10 +71,11 @@ class CKespCommObj {
   CKespIEEE& ieee() const { return *ieee_; }
 
   // Sends cmd and reads the reply as text. True: the reply is in `result` and CommError is cfrSuccess. False:
-  // CommError tells why; `result` is what the transport left there. The network connection is closed
-  // afterwards in every case, the serial port when AutoClose is set. A serial port that another program holds
-  // is tried three times. OmegaAddress and OmegaValue are for serial controllers that are addressed. Throws
-  // ERR_NO_COMM_OBJECT with csNone, ERR_COMM_STYLE_NOT_SUPPORTED with a style that has no queries.
+  // CommError tells why; `result` is what the transport left there. The network connection and the IEEE-488
+  // device are closed afterwards in every case, the serial port when AutoClose is set. A serial port that
+  // another program holds is tried three times. Of an IEEE-488 reply the first 50 characters are read.
+  // OmegaAddress and OmegaValue are for serial controllers that are addressed. Throws ERR_NO_COMM_OBJECT with
+  // csNone.
   bool Query(std::wstring& result, const std::wstring& cmd, const std::wstring& OmegaAddress = {},
              const std::wstring& OmegaValue = {});
 
@@ -90,6 +91,7 @@ class CKespCommObj {
 
  private:
   bool Run(const Exchange& exchange);
+  bool RunOnTransport(const Exchange& exchange);
   bool RunOnSerial(const Exchange& exchange);
   bool OpenSerialPort(const Exchange& exchange);
   bool ExchangeOnSerial(const Exchange& exchange);
@@ -98,11 +100,13 @@ class CKespCommObj {
   bool RunOnNetwork(const Exchange& exchange);
   bool ExchangeOnNetwork(const Exchange& exchange);
   bool ReadFromNetwork(const Exchange& exchange);
+  bool RunOnIeee(const Exchange& exchange);
+  bool ExchangeOnIeee(const Exchange& exchange);
+  bool ReadFromIeee(const Exchange& exchange);
   void BeginOperation();
   bool Succeed();
   // Stores the status and the failure's texts, traces the error-info line and returns false.
   bool Fail(ECommError status, const std::wstring& operation, const Attempt& attempt);
-  void RequireTransport(const std::wstring& member) const;
   void Trace(const std::wstring& message);
 
   Environment& environment_;

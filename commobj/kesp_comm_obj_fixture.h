@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "commobj/kesp_comm_obj.h"
+#include "gpib/gpib_driver_fake.h"
+#include "gpib/ieee_events_fake.h"
 #include "network/socket_control_fake.h"
 #include "network/tcp_events_fake.h"
 #include "serial/com_port_events_fake.h"
@@ -59,7 +61,7 @@ class KespCommObjFixture : public testing::Test {
             .make_ieee =
                 [this] {
                   made_.push_back("ieee");
-                  return std::make_shared<CKespIEEE>(fakes_.environment);
+                  return std::make_shared<CKespIEEE>(fakes_.environment, gpib_, &ieee_events_);
                 }};
   }
 
@@ -96,6 +98,10 @@ class KespCommObjFixture : public testing::Test {
   CKespTCPEventsFake events_;
   CKespCOMPort3EventsFake serial_events_;
   SerialPortsFake ports_{fakes_.clock};
+  CKespIEEEEventsFake ieee_events_;
+  GpibDriverFake bus_;
+  GpibThreadsFake threads_;
+  GpibDriver gpib_{bus_, threads_};
   SocketControlFake* socket_ = nullptr;
   std::vector<std::string> made_;
   std::unique_ptr<CKespCommObj> comm_;

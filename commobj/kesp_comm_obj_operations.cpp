@@ -30,9 +30,11 @@ bool CKespCommObj::Query(std::wstring& result, const std::wstring& cmd, const st
               .OmegaAddress = OmegaAddress,
               .OmegaValue = OmegaValue,
               .serial_opening = SerialOpening::kRetried,
+              .ieee_write_operation = L"WriteLine",
               .read_operation = L"ReadLine()",
               .read_serial = [&] { return serial_->ReadLine(result); },
               .read_network = [&] { return network_->ReadLine(result); },
+              .read_ieee = [&] { return ieee_->ReadLine(result); },
               .reply_for_trace = [&] { return result; },
               .partial_reply_for_trace = {}});
 }
@@ -47,9 +49,11 @@ bool CKespCommObj::QueryBinary(BinaryValue& result, const std::wstring& cmd, con
               .OmegaAddress = OmegaAddress,
               .OmegaValue = OmegaValue,
               .serial_opening = SerialOpening::kOnce,
+              .ieee_write_operation = {},
               .read_operation = L"ReadLineBinary()",
               .read_serial = [&] { return serial_->ReadLineBinary(result, binary_timeout_ms_); },
               .read_network = [&] { return network_->ReadLineBinary(result, binary_timeout_ms_); },
+              .read_ieee = {},
               .reply_for_trace = {},
               .partial_reply_for_trace = [&] { return TextIn(result); }});
 }
@@ -65,9 +69,11 @@ bool CKespCommObj::Update(const std::wstring& cmd, const std::wstring& OmegaAddr
               .OmegaValue = OmegaValue,
               .serial_opening = SerialOpening::kRetriedQuietly,
               .initialize_trace = InitializeTrace::kWithFailedLine,
+              .ieee_write_operation = L"Writeline",
               .read_operation = {},
               .read_serial = {},
               .read_network = {},
+              .read_ieee = {},
               .reply_for_trace = {},
               .partial_reply_for_trace = {}});
 }
@@ -79,16 +85,26 @@ bool CKespCommObj::Run(const Exchange& exchange) {
   }
   if (!exchange.beginning_line.empty()) Trace(exchange.beginning_line);
   BeginOperation();
-  const bool serial = comm_style_ == ECommStyle::csRS232;
-  if (!serial && comm_style_ != ECommStyle::csTCPIP) {
+  if (comm_style_ == ECommStyle::csIEEE && exchange.ieee_write_operation.empty()) {
     throw Failure(comm_obj_error::ERR_COMM_STYLE_NOT_SUPPORTED, source,
                   L"The selected communication style is currently not supported");
   }
   return RunTrapped(environment_.user, exchange.trap_action, [&] {
-    const bool succeeded = serial ? RunOnSerial(exchange) : RunOnNetwork(exchange);
+    const bool succeeded = RunOnTransport(exchange);
     if (!exchange.exiting_line.empty()) Trace(exchange.exiting_line);
     return succeeded;
   });
+}
+
+bool CKespCommObj::RunOnTransport(const Exchange& exchange) {
+  switch (comm_style_) {
+    case ECommStyle::csRS232:
+      return RunOnSerial(exchange);
+    case ECommStyle::csTCPIP:
+      return RunOnNetwork(exchange);
+    default:
+      return RunOnIeee(exchange);
+  }
 }
 
 void CKespCommObj::BeginOperation() {

@@ -140,7 +140,7 @@ TEST_F(CKespCommObjTest, Released_TransportsGoInTheOrderSerialNetworkIeee) {
                                              tell("network"));
           },
       .make_ieee =
-          [&] { return std::shared_ptr<CKespIEEE>(new CKespIEEE(fakes_.environment), tell("ieee")); }};
+          [&] { return std::shared_ptr<CKespIEEE>(new CKespIEEE(fakes_.environment, gpib_), tell("ieee")); }};
   comm_ = std::make_unique<CKespCommObj>(fakes_.environment, transports);
   EXPECT_TRUE(gone.empty());
   comm_.reset();
@@ -152,7 +152,6 @@ struct Operation {
   const wchar_t* source;
   const char* name;
   std::function<bool(CKespCommObj&)> call;
-  std::vector<std::wstring> trace_of_refusal;
 };
 
 void PrintTo(const Operation& operation, std::ostream* out) {
@@ -171,20 +170,6 @@ TEST_P(OperationTest, StyleNone_RaisesNoCommObjectAndTouchesNothing) {
   EXPECT_TRUE(fakes_.user.boxes().empty());
 }
 
-TEST_P(OperationTest, StyleWithoutIt_RaisesNotSupportedAfterItBegan) {
-  for (const ECommStyle style : {ECommStyle::csIEEE}) {
-    comm_ = std::make_unique<CKespCommObj>(fakes_.environment, Transports());
-    comm_->SetDebugFilename(L"style" + std::to_wstring(static_cast<int>(style)));
-    StartTrace();
-    comm_->SetCommStyle(style);
-    EXPECT_EQ(RaisedBy([&] { GetParam().call(*comm_); }),
-              (Raised{-2147221304, GetParam().source, kNotSupported}));
-    EXPECT_EQ(comm_->CommError(), ECommError::cfrOtherError);
-    EXPECT_EQ(Trace(), GetParam().trace_of_refusal);
-    EXPECT_TRUE(fakes_.user.boxes().empty());
-  }
-}
-
 TEST_P(OperationTest, OptionalArgumentsGiven_NetworkIgnoresThem) {
   UseNetwork();
   Script([](SocketControlFake& socket) { socket.ThenConnects().ThenReceives("1.0\r"); });
@@ -193,26 +178,20 @@ TEST_P(OperationTest, OptionalArgumentsGiven_NetworkIgnoresThem) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, OperationTest,
-                         testing::Values(Operation{L"[CKespCommObj - Query()]",
-                                                   "Query",
+                         testing::Values(Operation{L"[CKespCommObj - Query()]", "Query",
                                                    [](CKespCommObj& comm) {
                                                      std::wstring result;
                                                      return comm.Query(result, L"t", L"01", L"2.5");
-                                                   },
-                                                   {L"Beginning Query()... (command: t)"}},
-                                         Operation{L"[CKespCommObj - QueryBinary()]",
-                                                   "QueryBinary",
+                                                   }},
+                                         Operation{L"[CKespCommObj - QueryBinary()]", "QueryBinary",
                                                    [](CKespCommObj& comm) {
                                                      BinaryValue result;
                                                      return comm.QueryBinary(result, L"t", L"01", L"2.5");
-                                                   },
-                                                   {}},
-                                         Operation{L"[CKespCommObj - Update()]",
-                                                   "Update",
+                                                   }},
+                                         Operation{L"[CKespCommObj - Update()]", "Update",
                                                    [](CKespCommObj& comm) {
                                                      return comm.Update(L"t", L"01", L"2.5");
-                                                   },
-                                                   {L"Beginning Update()...(command: t)"}}),
+                                                   }}),
                          [](const testing::TestParamInfo<Operation>& info) { return info.param.name; });
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <string>
 #include <tuple>
 
+#include "gpib/gpib_driver_fake.h"
 #include "support/environment_fake.h"
 #include "support/error_numbers.h"
 #include "support/failure.h"
@@ -43,7 +44,10 @@ class CKespIEEETest : public testing::Test {
   }
 
   EnvironmentFake environment_;
-  CKespIEEE ieee_{environment_.environment};
+  GpibDriverFake bus_;
+  GpibThreadsFake threads_;
+  GpibDriver driver_{bus_, threads_};
+  CKespIEEE ieee_{environment_.environment, driver_};
 };
 
 TEST_F(CKespIEEETest, Created_SettingsHaveTheirDefaults) {
@@ -60,18 +64,18 @@ TEST_F(CKespIEEETest, Created_SettingsHaveTheirDefaults) {
 
 TEST_F(CKespIEEETest, Created_KeyIsTenDigitsOfNewGuidAndK) {
   environment_.guids.Push({0x3F2A9C01, 0xD4E5, 0x1234, {}});
-  const CKespIEEE created(environment_.environment);
+  const CKespIEEE created(environment_.environment, driver_);
   EXPECT_EQ(created.GetKey(), L"3F2A9C01D4K");
 }
 
 TEST_F(CKespIEEETest, CreatedWithoutGuid_KeyIsK) {
   environment_.guids.Fail();
-  const CKespIEEE created(environment_.environment);
+  const CKespIEEE created(environment_.environment, driver_);
   EXPECT_EQ(created.GetKey(), L"K");
 }
 
 TEST_F(CKespIEEETest, TwoObjects_HaveDifferentKeys) {
-  const CKespIEEE other(environment_.environment);
+  const CKespIEEE other(environment_.environment, driver_);
   EXPECT_NE(ieee_.GetKey(), other.GetKey());
 }
 

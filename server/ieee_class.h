@@ -8,6 +8,7 @@
 #include "server/automation_object.h"
 #include "server/com_headers.h"
 #include "server/connection_points.h"
+#include "server/ieee_event_bridge.h"
 
 namespace kesp {
 
@@ -76,12 +77,25 @@ class IeeeClass final : public AutomationObject<::_CKespIEEE> {
   HRESULT STDMETHODCALLTYPE put_LogFilename(BSTR vData) override {
     return Put([&] { object_->SetLogFilename(TextOf(vData)); });
   }
+  HRESULT STDMETHODCALLTYPE Initialize(VARIANT_BOOL* retval) override {
+    return Get(retval, [&] { return object_->Initialize(); });
+  }
+  HRESULT STDMETHODCALLTYPE Uninitialize(VARIANT_BOOL* retval) override {
+    return Get(retval, [&] { return object_->Uninitialize(); });
+  }
+  HRESULT STDMETHODCALLTYPE AutoDetect(BSTR* result, ::EDetectLevel DetectLevel, ::ESearchOption SearchOption,
+                                       VARIANT_BOOL* retval) override;
+  HRESULT STDMETHODCALLTYPE WriteLine(BSTR cmd, VARIANT_BOOL* retval) override {
+    return Get(retval, [&] { return object_->WriteLine(TextOf(cmd)); });
+  }
+  HRESULT STDMETHODCALLTYPE ReadLine(BSTR* result, VARIANT_BOOL* retval) override;
 
  protected:
   void* FindInterface(REFIID iid) override;
 
  private:
   EventSource events_;
+  IeeeEventBridge bridge_;
   std::unique_ptr<CKespIEEE> object_;
 };
 

@@ -95,21 +95,19 @@ TEST_F(CommObjTest, Operations_WithoutTransport_RaiseUnderTheirOwnNames) {
     return comm_->QueryBinary(bytes.get(), cmd.get(), nullptr, nullptr, &answer);
   };
   const auto update = [&] { return comm_->Update(cmd.get(), nullptr, nullptr, &answer); };
-  struct Case {
-    long style;
-    HRESULT number;
-    const wchar_t* description;
-  };
-  for (const Case& one : {Case{csNone, ERR_NO_COMM_OBJECT, L"Communications object not initialized"},
-                          Case{csIEEE, ERR_COMM_STYLE_NOT_SUPPORTED,
-                               L"The selected communication style is currently not supported"}}) {
-    Choose(one.style);
-    EXPECT_EQ(RefusalOf(query()), (Refusal{one.number, L"[CKespCommObj - Query()]", one.description}));
-    EXPECT_EQ(RefusalOf(query_binary()),
-              (Refusal{one.number, L"[CKespCommObj - QueryBinary()]", one.description}));
-    EXPECT_EQ(RefusalOf(update()), (Refusal{one.number, L"[CKespCommObj - Update()]", one.description}));
-    EXPECT_EQ(answer, VARIANT_FALSE);
-  }
+  Choose(csNone);
+  const wchar_t* const no_transport = L"Communications object not initialized";
+  EXPECT_EQ(RefusalOf(query()), (Refusal{ERR_NO_COMM_OBJECT, L"[CKespCommObj - Query()]", no_transport}));
+  EXPECT_EQ(RefusalOf(query_binary()),
+            (Refusal{ERR_NO_COMM_OBJECT, L"[CKespCommObj - QueryBinary()]", no_transport}));
+  EXPECT_EQ(RefusalOf(update()), (Refusal{ERR_NO_COMM_OBJECT, L"[CKespCommObj - Update()]", no_transport}));
+  EXPECT_EQ(answer, VARIANT_FALSE);
+  Choose(csIEEE);
+  answer = VARIANT_TRUE;
+  EXPECT_EQ(RefusalOf(query_binary()),
+            (Refusal{ERR_COMM_STYLE_NOT_SUPPORTED, L"[CKespCommObj - QueryBinary()]",
+                     L"The selected communication style is currently not supported"}));
+  EXPECT_EQ(answer, VARIANT_FALSE);
   EXPECT_EQ(reply.str(), L"kept");
   EXPECT_EQ(V_I4(bytes.get()), 5);
 }

@@ -74,14 +74,21 @@ TEST_F(TraceTest, Update_SuccessAndFailure) {
                    no_address_, L"TCP: Uninitialize()", L"Exiting Update()...(command: t)"}));
 }
 
-TEST_F(TraceTest, OperationRaises_BeginningLineOnly) {
+TEST_F(TraceTest, OperationIsRefused_LeavesNoLine) {
   Start();
-  WriteByReference(comm_, &_CKespCommObj::put_CommStyle, csIEEE);
   VARIANT_BOOL answer = VARIANT_TRUE;
-  EXPECT_EQ(comm_->Update(Text(L"t").get(), nullptr, nullptr, &answer), ERR_COMM_STYLE_NOT_SUPPORTED);
   WriteByReference(comm_, &_CKespCommObj::put_CommStyle, csNone);
   EXPECT_EQ(comm_->Update(Text(L"t").get(), nullptr, nullptr, &answer), ERR_NO_COMM_OBJECT);
-  EXPECT_EQ(file_.Messages(), (Lines{L"Beginning Update()...(command: t)"}));
+  WriteByReference(comm_, &_CKespCommObj::put_CommStyle, csIEEE);
+  Value bytes(5);
+  EXPECT_EQ(comm_->QueryBinary(bytes.get(), Text(L"t").get(), nullptr, nullptr, &answer),
+            ERR_COMM_STYLE_NOT_SUPPORTED);
+  WriteByReference(comm_, &_CKespCommObj::put_CommStyle, csTCPIP);
+  comm_->Update(Text(L"t").get(), nullptr, nullptr, &answer);
+  const Lines messages = file_.Messages();
+  ASSERT_FALSE(messages.empty());
+  EXPECT_EQ(messages.front(), L"Beginning Update()...(command: t)");
+  EXPECT_EQ(messages[1], L"TCP: Initialize()");
 }
 
 TEST_F(TraceTest, TransportWritesIntoTheSameFileInOrder) {

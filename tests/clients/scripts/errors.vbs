@@ -25,8 +25,8 @@ Check "QueryBinary without style", -2147221303, "[CKespCommObj - QueryBinary()]"
 comm.Update "*RST"
 Check "Update without style", -2147221303, "[CKespCommObj - Update()]", "Communications object not initialized"
 comm.CommStyle = csIEEE
-comm.Update "*RST"
-Check "Update over IEEE-488", -2147221304, "[CKespCommObj - Update()]", "The selected communication style is currently not supported"
+comm.QueryBinary result, "*IDN?"
+Check "QueryBinary over IEEE-488", -2147221304, "[CKespCommObj - QueryBinary()]", "The selected communication style is currently not supported"
 
 port.Port = 0
 Check "COM port", -2147221284, "CKespCOMPort3 - Port", "Invalid COM port."

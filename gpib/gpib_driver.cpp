@@ -1,0 +1,114 @@
+// Thread registration, the calls of the driver, and the copies of its status cells.
+#include "gpib/gpib_driver.h"
+
+namespace kesp {
+
+namespace {
+
+// The status of a call that the driver did not take.
+constexpr std::int32_t kErrorBit = 0x8000;
+// What the driver's own header leaves as the count when a thread cannot be registered: 0xDEAD37F0.
+constexpr std::int32_t kCountOfNoCall = -559073296;
+
+// Results of RegisterGpibGlobalsForThread.
+constexpr int kRegistered = 0;
+constexpr int kRegisteredWithOtherCells = 1;
+constexpr int kRefusedFirst = 2;
+constexpr int kRefusedLast = 3;
+
+// END with the last byte written; no end-of-string handling.
+constexpr int kEndOfTransfer = 1;
+constexpr int kNoEndOfString = 0;
+constexpr int kOffline = 0;
+
+}  // namespace
+
+void GpibDriver::Load(const std::wstring& source) {
+  if (loaded_.load(std::memory_order_acquire) != nullptr) return;
+  const std::lock_guard lock(loading_);
+  if (table_) return;
+  table_ = BindGpibDriver(library_, source);
+  loaded_.store(&*table_, std::memory_order_release);
+}
+
+GpibDriver::Device GpibDriver::ibdev(std::int16_t board, std::int16_t primary_address,
+                                     std::int16_t secondary_address, std::int32_t time_out) {
+  Device device;
+  device.status = Run([&](const GpibEntryPoints& driver) {
+    device.descriptor =
+        driver.ibdev(board, primary_address, secondary_address, time_out, kEndOfTransfer, kNoEndOfString);
+  });
+  return device;
+}
+
+GpibStatus GpibDriver::ibclr(std::int16_t descriptor) {
+  return Run([&](const GpibEntryPoints& driver) { driver.ibclr(descriptor); });
+}
+
+GpibStatus GpibDriver::ibeos(std::int16_t descriptor, std::int32_t mode) {
+  return Run([&](const GpibEntryPoints& driver) { driver.ibeos(descriptor, mode); });
+}
+
+GpibStatus GpibDriver::ibwrt(std::int16_t descriptor, const std::string& bytes) {
+  return Run([&](const GpibEntryPoints& driver) {
+    driver.ibwrt(descriptor, bytes.data(), static_cast<std::int32_t>(bytes.size()));
+  });
+}
+
+GpibStatus GpibDriver::ibrd(std::int16_t descriptor, std::span<char> buffer) {
+  return Run([&](const GpibEntryPoints& driver) {
+    driver.ibrd(descriptor, buffer.data(), static_cast<std::int32_t>(buffer.size()));
+  });
+}
+
+GpibStatus GpibDriver::ibonl(std::int32_t descriptor_or_board) {
+  return Run([&](const GpibEntryPoints& driver) { driver.ibonl(descriptor_or_board, kOffline); });
+}
+
+template <typename Call>
+GpibStatus GpibDriver::Run(const Call& call) {
+  GpibThread& thread = threads_.Current();
+  if (!thread.registered && !Register(thread)) {
+    thread.status.ibsta = Low16(kErrorBit);
+    thread.status.iberr = 0;
+    thread.status.ibcntl = kCountOfNoCall;
+    return thread.status;
+  }
+  // A driver that leaves the cells alone, against its word, must not pass for success.
+  thread.status_cell = kErrorBit;
+  thread.error_cell = 0;
+  call(*thread.entry_points);
+  thread.status = {.ibsta = Low16(thread.status_cell),
+                   .iberr = Low16(thread.error_cell),
+                   .ibcnt = Low16(thread.count_cell),
+                   .ibcntl = thread.long_count_cell};
+  return thread.status;
+}
+
+bool GpibDriver::Register(GpibThread& thread) const {
+  thread.entry_points = loaded_.load(std::memory_order_acquire);
+  switch (RegisterCells(thread)) {
+    case kRegistered:
+      thread.registered = true;
+      break;
+    case kRegisteredWithOtherCells:
+      thread.entry_points->UnregisterGpibGlobalsForThread();
+      RegisterCells(thread);
+      thread.registered = true;
+      break;
+    case kRefusedFirst:
+    case kRefusedLast:
+      thread.entry_points->UnregisterGpibGlobalsForThread();
+      break;
+    default:
+      break;
+  }
+  return thread.registered;
+}
+
+int GpibDriver::RegisterCells(GpibThread& thread) const {
+  return thread.entry_points->RegisterGpibGlobalsForThread(&thread.status_cell, &thread.error_cell,
+                                                           &thread.count_cell, &thread.long_count_cell);
+}
+
+}  // namespace kesp
