@@ -6,7 +6,7 @@
 
 namespace kesp {
 
-void CheckDeviceAddress(const DeviceAddress& address, const std::function<void(const std::wstring&)>& log) {
+void CheckDeviceAddress(const DeviceAddress& address, const std::function<void(const wchar_t*)>& log) {
   const std::wstring source = L"[CKespIEEE - Initialize()]";
   log(L"Check Board Index...");
   if (address.board < 0) {

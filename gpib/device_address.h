@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <string>
 
 namespace kesp {
 
@@ -19,6 +18,6 @@ struct DeviceAddress {
 // Throws ERR_INVALID_BOARD_INDEX for a negative board, ERR_INVALID_PRIMARY_ADDRESS below 1 and
 // ERR_INVALID_SECONDARY_ADDRESS below 0, with the source of Initialize; tells `log` of each check before it
 // is made.
-void CheckDeviceAddress(const DeviceAddress& address, const std::function<void(const std::wstring&)>& log);
+void CheckDeviceAddress(const DeviceAddress& address, const std::function<void(const wchar_t*)>& log);
 
 }  // namespace kesp

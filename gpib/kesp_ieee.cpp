@@ -11,7 +11,7 @@ namespace kesp {
 CKespIEEE::CKespIEEE(Environment& environment, GpibDriver& driver, CKespIEEEEvents* events)
     : driver_(driver),
       events_(events),
-      log_(environment.clock, environment.files),
+      log_(environment.clock, environment.files, L"CKespIEEE.log"),
       key_(NewObjectKey(environment.guids)) {}
 
 CKespIEEE::~CKespIEEE() {

@@ -9,9 +9,9 @@
 #include "gpib/device_address.h"
 #include "gpib/gpib_driver.h"
 #include "gpib/ieee_events.h"
+#include "support/diagnostic_log.h"
 #include "support/enumerations.h"
 #include "support/environment.h"
-#include "support/log.h"
 
 namespace kesp {
 
@@ -73,10 +73,10 @@ class CKespIEEE final {
   const std::wstring& GetKey() const { return key_; }
 
   // The diagnostic log: off at first, its file "CKespIEEE.log". Not checked.
-  bool CreateLogFile() const { return create_log_file_; }
-  void SetCreateLogFile(bool value) { create_log_file_ = value; }
-  const std::wstring& LogFilename() const { return log_filename_; }
-  void SetLogFilename(const std::wstring& value) { log_filename_ = value; }
+  bool CreateLogFile() const { return log_.IsOn(); }
+  void SetCreateLogFile(bool value) { log_.Turn(value); }
+  const std::wstring& LogFilename() const { return log_.Filename(); }
+  void SetLogFilename(const std::wstring& value) { log_.SetFilename(value); }
 
   // Opens the device and returns true: takes it from the driver, clears it (ClearDevice) and sets the byte
   // that ends a read (SetEOS). A device that was open is closed first. Throws ERR_INVALID_BOARD_INDEX,
@@ -110,11 +110,6 @@ class CKespIEEE final {
                   ESearchOption SearchOption = ESearchOption::soFindFirst);
 
  private:
-  // Writes a line to the diagnostic log.
-  void Log(const std::wstring& text) {
-    if (create_log_file_) log_.Write(log_filename_, text);
-  }
-
   // Raises an event when somebody listens. A handler may change every member.
   template <typename Event, typename... Arguments>
   void Raise(Event event, Arguments&&... arguments) {
@@ -125,6 +120,8 @@ class CKespIEEE final {
   void OpenDevice();
   void SetUpDevice();
   void Close(std::int16_t descriptor, const wchar_t* what);
+  template <typename Preparation>
+  void LogFailure(const wchar_t* call, const Preparation& prepare);
   void CheckOpening(const GpibStatus& status, const wchar_t* call, std::int32_t number);
 
   bool Search(std::span<const wchar_t* const> commands, int first_address, std::wstring& result);
@@ -135,7 +132,7 @@ class CKespIEEE final {
 
   GpibDriver& driver_;
   CKespIEEEEvents* events_;
-  LogWriter log_;
+  DiagnosticLog log_;
   std::wstring key_;
   std::int16_t device_ = 0;  // the driver's descriptor
   DeviceAddress address_;
@@ -144,8 +141,6 @@ class CKespIEEE final {
   bool clear_device_ = true;
   bool set_eos_ = true;
   std::wstring eos_char_;
-  bool create_log_file_ = false;
-  std::wstring log_filename_ = L"CKespIEEE.log";
 };
 
 }  // namespace kesp

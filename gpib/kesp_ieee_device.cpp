@@ -20,17 +20,28 @@ constexpr std::int32_t kEndReadAtByte = 1024;
 
 }  // namespace
 
+// Runs what comes before a call of the driver; a failure of its own is logged as the call's would be.
+template <typename Preparation>
+void CKespIEEE::LogFailure(const wchar_t* call, const Preparation& prepare) {
+  try {
+    prepare();
+  } catch (const Failure& failure) {
+    log_.Write([&] { return L"Error " + std::wstring(call) + L"- " + failure.description(); });
+    throw;
+  }
+}
+
 bool CKespIEEE::Initialize() {
-  Log(L"Initialize()");
-  CheckDeviceAddress(address_, [this](const std::wstring& line) { Log(line); });
-  Log(L"Init Board...");
+  log_.Write(L"Initialize()");
+  CheckDeviceAddress(address_, [this](const wchar_t* line) { log_.Write(line); });
+  log_.Write(L"Init Board...");
   initialized_ = InitializeIEEEBoard();
-  Log(L"Initialize() Done...");
+  log_.Write(L"Initialize() Done...");
   return true;
 }
 
 bool CKespIEEE::InitializeIEEEBoard() {
-  Log(L"InitializeIEEEBoard()...");
+  log_.Write(L"InitializeIEEEBoard()...");
   OpenDevice();
   try {
     SetUpDevice();
@@ -39,18 +50,13 @@ bool CKespIEEE::InitializeIEEEBoard() {
     driver_.ibonl(device_);
     throw;
   }
-  Log(L"InitializeIEEEBoard() Done...");
+  log_.Write(L"InitializeIEEEBoard() Done...");
   return true;
 }
 
 void CKespIEEE::OpenDevice() {
-  Log(L"ibdev()");
-  try {
-    driver_.Load(kDriverSource);
-  } catch (const Failure& failure) {
-    Log(L"Error ibdev()- " + failure.description());
-    throw;
-  }
+  log_.Write(L"ibdev()");
+  LogFailure(L"ibdev()", [&] { driver_.Load(kDriverSource); });
   if (initialized_) {
     initialized_ = false;
     driver_.ibonl(device_);
@@ -69,18 +75,19 @@ void CKespIEEE::OpenDevice() {
 
 void CKespIEEE::SetUpDevice() {
   if (clear_device_) {
-    Log(L"ibclr()");
+    log_.Write(L"ibclr()");
     CheckOpening(driver_.ibclr(device_), L"ibclr()", ieee_error::ERR_IBCLR);
   }
   if (!set_eos_) return;
-  Log(L"ibeos()");
-  const std::int32_t mode = kEndReadAtByte + EosByteOfFirstCharacter(eos_char_, kDriverSource);
+  log_.Write(L"ibeos()");
+  std::int32_t mode = kEndReadAtByte;
+  LogFailure(L"ibeos()", [&] { mode += EosByteOfFirstCharacter(eos_char_, kDriverSource); });
   CheckOpening(driver_.ibeos(device_, mode), L"ibeos()", ieee_error::ERR_IBEOS);
 }
 
 void CKespIEEE::CheckOpening(const GpibStatus& status, const wchar_t* call, std::int32_t number) {
   if (!status.Failed()) return;
-  Log(L"Error " + std::wstring(call) + L"- " + status.ErrorText());
+  log_.Write([&] { return L"Error " + std::wstring(call) + L"- " + status.ErrorText(); });
   throw Failure(number, kDriverSource, L"Error calling " + std::wstring(call) + L": " + status.ErrorText());
 }
 

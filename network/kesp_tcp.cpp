@@ -9,7 +9,7 @@ namespace kesp {
 CKespTCP::CKespTCP(Environment& environment, const SocketControlFactory& make_socket, CKespTCPEvents* events)
     : environment_(environment),
       events_(events),
-      log_(environment.clock, environment.files),
+      log_(environment.clock, environment.files, L"CKespTCP.log"),
       key_(NewObjectKey(environment.guids)),
       socket_(make_socket(*this)),
       devices_(std::make_shared<CInstruments>()) {}

@@ -12,10 +12,10 @@
 #include "network/socket_control.h"
 #include "network/tcp_events.h"
 #include "support/binary_value.h"
+#include "support/diagnostic_log.h"
 #include "support/enumerations.h"
 #include "support/environment.h"
 #include "support/failure.h"
-#include "support/log.h"
 
 namespace kesp {
 
@@ -74,10 +74,10 @@ class CKespTCP final : private SocketListener {
   void SetIPAddress(const std::wstring& value);
 
   // The diagnostic log, off at first.
-  bool CreateLogFile() const { return create_log_file_; }
-  void SetCreateLogFile(bool value) { create_log_file_ = value; }
-  const std::wstring& LogFilename() const { return log_filename_; }
-  void SetLogFilename(const std::wstring& value) { log_filename_ = value; }
+  bool CreateLogFile() const { return log_.IsOn(); }
+  void SetCreateLogFile(bool value) { log_.Turn(value); }
+  const std::wstring& LogFilename() const { return log_.Filename(); }
+  void SetLogFilename(const std::wstring& value) { log_.SetFilename(value); }
 
   // The instruments found so far; the object's own collection, empty at first.
   const std::shared_ptr<CInstruments>& Devices() const { return devices_; }
@@ -126,15 +126,6 @@ class CKespTCP final : private SocketListener {
   void OnSendComplete() override;
   std::shared_ptr<void> KeepAlive() override;
 
-  // Writes a line to the diagnostic log; the text is made only while logging is on.
-  template <typename MakeText>
-  void Log(const MakeText& make_text) {
-    if (create_log_file_) log_.Write(log_filename_, make_text());
-  }
-  void Log(const wchar_t* text) {
-    if (create_log_file_) log_.Write(log_filename_, text);
-  }
-
   // Raises an event when somebody listens. A handler may change every member and the socket's state, so
   // nothing read before an event is used after it.
   template <typename Event, typename... Arguments>
@@ -166,7 +157,7 @@ class CKespTCP final : private SocketListener {
 
   Environment& environment_;
   CKespTCPEvents* events_;
-  LogWriter log_;
+  DiagnosticLog log_;
   std::wstring key_;
   std::unique_ptr<SocketControl> socket_;
   std::wstring ip_address_ = L"0.0.0.0";
@@ -178,8 +169,6 @@ class CKespTCP final : private SocketListener {
   bool check_non_ascii_ = true;
   bool terminate_on_eos_ = true;
   std::shared_ptr<CInstruments> devices_;
-  std::wstring log_filename_ = L"CKespTCP.log";
-  bool create_log_file_ = false;
   EKespProtocol protocol_ = EKespProtocol::sckTCPProtocol;
   EIPType ip_type_ = EIPType::ipStatic;
   bool connected_ = false;

@@ -19,9 +19,9 @@ std::wstring NumberAndDescription(const Failure& failure) {
 }  // namespace
 
 bool CKespTCP::Initialize() {
-  Log(L"Initialize()");
+  log_.Write(L"Initialize()");
   if (connected_) {
-    Log(L"Initialize() Done...");
+    log_.Write(L"Initialize() Done...");
     return true;
   }
   CheckTarget();
@@ -34,20 +34,20 @@ bool CKespTCP::Initialize() {
     if (attempt >= kMaxAttempts || state != EKespTCPState::sckConnecting) {
       throw Failure(tcp_error::ERR_TIMEOUT, kInitializeSource, L"Timeout - unable to establish connection");
     }
-    Log([state] { return L"Retrying...(State: " + std::to_wstring(static_cast<int>(state)) + L")"; });
+    log_.Write([state] { return L"Retrying...(State: " + std::to_wstring(static_cast<int>(state)) + L")"; });
   }
   data_ready_ = false;
-  Log(L"Initialize() Done...");
+  log_.Write(L"Initialize() Done...");
   return true;
 }
 
 // The port's upper bound of 65535 lies outside the range of its type, so it needs no check.
 void CKespTCP::CheckTarget() {
-  Log(L"Check IP Address...");
+  log_.Write(L"Check IP Address...");
   if (ip_address_.empty() || ip_address_ == L"0.0.0.0") {
     throw Failure(tcp_error::ERR_INVALID_IP_ADDRESS, kInitializeSource, L"Invalid IP Address");
   }
-  Log(L"Check Port...");
+  log_.Write(L"Check Port...");
   if (port_ < 1) throw Failure(tcp_error::ERR_INVALID_PORT, kInitializeSource, L"Invalid Port");
 }
 
@@ -57,7 +57,7 @@ void CKespTCP::CloseBeforeConnecting() {
   const ElapsedSeconds waited(environment_.clock);
   while (socket_->State() != EKespTCPState::sckClosed) {
     if (!waited.Exceeds(time_out_msecs_)) continue;
-    Log(L"Connection timeout...");
+    log_.Write(L"Connection timeout...");
     throw Failure(tcp_error::ERR_TIMEOUT, kInitializeSource, L"Timeout waiting for connection to close");
   }
 }
@@ -65,11 +65,11 @@ void CKespTCP::CloseBeforeConnecting() {
 void CKespTCP::StartConnecting() {
   try {
     socket_->SetProtocol(protocol_);
-    Log([this] { return L"Connecting to " + Target() + L"..."; });
+    log_.Write([this] { return L"Connecting to " + Target() + L"..."; });
     socket_->Connect(ip_address_, port_);
   } catch (...) {
     const Failure failure = CurrentFailure();
-    Log([&] {
+    log_.Write([&] {
       return L"Unable to establish connection to " + Target() + L": " + NumberAndDescription(failure);
     });
     throw Failure(tcp_error::ERR_CONNECTING, kInitializeSource,
@@ -79,13 +79,13 @@ void CKespTCP::StartConnecting() {
 
 // Waits for the socket's connection; false when the time is up.
 bool CKespTCP::AwaitConnection() {
-  Log(L"Waiting for connection to be established...");
+  log_.Write(L"Waiting for connection to be established...");
   const ElapsedSeconds waited(environment_.clock);
   for (;;) {
     PumpOnce();
     if (socket_->State() == EKespTCPState::sckConnected && connected_) return true;
     if (waited.Exceeds(time_out_msecs_)) {
-      Log(L"Connection timeout...");
+      log_.Write(L"Connection timeout...");
       return false;
     }
   }
@@ -97,7 +97,8 @@ bool CKespTCP::Uninitialize() {
     CloseSocket();
   } catch (...) {
     const Failure failure = CurrentFailure();
-    Log([&] { return L"Unable to close connection to " + Target() + L": " + NumberAndDescription(failure); });
+    log_.Write(
+        [&] { return L"Unable to close connection to " + Target() + L": " + NumberAndDescription(failure); });
     throw Failure(tcp_error::ERR_CLOSING, kUninitializeSource,
                   L"Unable to close connection (" + NumberAndDescription(failure) + L")");
   }
@@ -114,7 +115,7 @@ void CKespTCP::CloseSocket() {
 
 void CKespTCP::OnConnect() {
   Raise(&CKespTCPEvents::ConnectBegin);
-  Log([this] { return L"Connect (" + Peer() + L")"; });
+  log_.Write([this] { return L"Connect (" + Peer() + L")"; });
   connected_ = true;
   Raise(&CKespTCPEvents::ConnectEnd);
 }
@@ -122,7 +123,7 @@ void CKespTCP::OnConnect() {
 // The connection counts as initialized until Uninitialize; reads and writes find out by the socket's state.
 void CKespTCP::OnClose() {
   Raise(&CKespTCPEvents::CloseBegin);
-  Log([this] { return L"Close (" + Peer() + L")"; });
+  log_.Write([this] { return L"Close (" + Peer() + L")"; });
   Raise(&CKespTCPEvents::CloseEnd);
 }
 
@@ -132,7 +133,7 @@ void CKespTCP::OnError(SocketError& error) {
   }
   Raise(&CKespTCPEvents::ErrorBegin, error.number, error.description, error.scode, error.source,
         error.help_file, error.help_context, error.cancel_display);
-  Log([&] {
+  log_.Write([&] {
     return L"Error: " + std::to_wstring(error.number) + L" - " + error.description + L" (" +
            std::to_wstring(error.scode) + L" " + error.source + L") (" + Peer() + L")";
   });
@@ -141,7 +142,7 @@ void CKespTCP::OnError(SocketError& error) {
 
 void CKespTCP::OnSendProgress(std::int32_t bytes_sent, std::int32_t bytes_remaining) {
   Raise(&CKespTCPEvents::SendProgressBegin, bytes_sent, bytes_remaining);
-  Log([&] {
+  log_.Write([&] {
     return L"Send Progress (" + Peer() + L") - Sent: " + std::to_wstring(bytes_sent) + L" Remaining: " +
            std::to_wstring(bytes_remaining);
   });
@@ -150,7 +151,7 @@ void CKespTCP::OnSendProgress(std::int32_t bytes_sent, std::int32_t bytes_remain
 
 void CKespTCP::OnSendComplete() {
   Raise(&CKespTCPEvents::SendCompleteBegin);
-  Log([this] { return L"Send complete (" + Peer() + L")"; });
+  log_.Write([this] { return L"Send complete (" + Peer() + L")"; });
   Raise(&CKespTCPEvents::SendCompleteEnd);
 }
 

@@ -52,7 +52,7 @@ bool CKespTCP::WriteLine(const std::wstring& cmd) {
   } catch (...) {
     const Failure failure = CurrentFailure();
     const std::wstring reason = std::to_wstring(failure.number()) + L" - " + failure.description();
-    Log([&] { return L"Unable to send command '" + cmd + L"' to " + Target() + L": " + reason; });
+    log_.Write([&] { return L"Unable to send command '" + cmd + L"' to " + Target() + L": " + reason; });
     throw Failure(tcp_error::ERR_SEND_DATA, kWriteLineSource, L"Unable to send data (" + reason + L")");
   }
   return true;
@@ -143,11 +143,11 @@ void CKespTCP::RefuseInvalidCharacters(const std::string& bytes, const std::wstr
 }
 
 void CKespTCP::OnDataArrival(std::int32_t bytes_total) {
-  Log([&] { return L"DataArrival (" + Peer() + L") Bytes: " + std::to_wstring(bytes_total); });
+  log_.Write([&] { return L"DataArrival (" + Peer() + L") Bytes: " + std::to_wstring(bytes_total); });
   if (socket_->State() == EKespTCPState::sckConnecting) return;
   // Only the log needs the data as it was before the events: a handler may take it.
   std::optional<std::string> peeked;
-  if (create_log_file_) peeked.emplace(socket_->PeekData());
+  if (log_.IsOn()) peeked.emplace(socket_->PeekData());
   Raise(&CKespTCPEvents::DataArrivalBegin, bytes_total);
   if (socket_->Protocol() == EKespProtocol::sckTCPProtocol) JudgeReply();
   if (peeked) LogArrival(*peeked);
@@ -166,7 +166,7 @@ void CKespTCP::JudgeReply() {
 }
 
 void CKespTCP::LogArrival(const std::string& data) {
-  Log([&] {
+  log_.Write([&] {
     const CodePage& page = SystemCodePage();
     const std::string eos = page.ToBytes(eos_char_);
     return L"Socket Data arrived: <" + page.FromBytes(data) + L"> (length: " + std::to_wstring(data.size()) +

@@ -67,7 +67,7 @@ CKespCOMPort3::CKespCOMPort3(Environment& environment, SerialPorts& ports, CKesp
     : environment_(environment),
       ports_(ports),
       events_(events),
-      log_(environment.clock, environment.files),
+      log_(environment.clock, environment.files, L"CKespCOMPort3.log"),
       key_(NewObjectKey(environment.guids)),
       smart_switch_(std::make_shared<CKespSmartSwitch3>()),
       control_(ports.MakeControl()) {
@@ -163,9 +163,8 @@ std::wstring CKespCOMPort3::GetSettings() const {
   return settings;
 }
 
-void CKespCOMPort3::WriteLog(std::wstring message) {
-  if (use_rf_modem_) message += L" (RF address " + std::to_wstring(instr_addr_) + L")";
-  log_.Write(log_filename_, message);
+std::wstring CKespCOMPort3::WithRadioAddress(const std::wstring& message) const {
+  return use_rf_modem_ ? message + L" (RF address " + std::to_wstring(instr_addr_) + L")" : message;
 }
 
 void CKespCOMPort3::FailIn(const wchar_t* member, const Failure& failure) {

@@ -12,10 +12,10 @@
 #include "serial/serial_control.h"
 #include "serial/smart_switch.h"
 #include "support/binary_value.h"
+#include "support/diagnostic_log.h"
 #include "support/enumerations.h"
 #include "support/environment.h"
 #include "support/failure.h"
-#include "support/log.h"
 
 namespace kesp {
 
@@ -125,10 +125,10 @@ class CKespCOMPort3 final : private SwitchLine {
   void SetUseRedirector(bool value) { use_redirector_ = value; }
 
   // The diagnostic log: off at first, its file "CKespCOMPort3.log". Not checked.
-  bool CreateLogFile() const { return create_log_file_; }
-  void SetCreateLogFile(bool value) { create_log_file_ = value; }
-  const std::wstring& LogFilename() const { return log_filename_; }
-  void SetLogFilename(const std::wstring& value) { log_filename_ = value; }
+  bool CreateLogFile() const { return log_.IsOn(); }
+  void SetCreateLogFile(bool value) { log_.Turn(value); }
+  const std::wstring& LogFilename() const { return log_.Filename(); }
+  void SetLogFilename(const std::wstring& value) { log_.SetFilename(value); }
 
   // The rate in bit/s as decimal text; "<unknown>" for brNone and for every value that names no rate.
   std::wstring BaudRateName(EKespBaudRate3 vData) const;
@@ -276,20 +276,16 @@ class CKespCOMPort3 final : private SwitchLine {
   [[noreturn]] static void FailIn(const wchar_t* member, const Failure& failure);
   void LogFailure(const wchar_t* member, const Failure& failure);
 
-  // Writes a line to the diagnostic log; the text is made only while logging is on. Never fails: a line for
-  // which there is no memory is lost.
+  // Writes a line to the diagnostic log, as DiagnosticLog::Write does, with the radio address where there is
+  // one.
   template <typename MakeText>
   void Log(const MakeText& make_text) noexcept {
-    if (!create_log_file_) return;
-    try {
-      WriteLog(make_text());
-    } catch (...) {
-    }
+    log_.Write([&] { return WithRadioAddress(make_text()); });
   }
   void Log(const wchar_t* text) noexcept {
     Log([text] { return std::wstring(text); });
   }
-  void WriteLog(std::wstring message);
+  std::wstring WithRadioAddress(const std::wstring& message) const;
 
   // Raises an event when somebody listens. A handler may change every member, so nothing read before an event
   // is used after it.
@@ -301,7 +297,7 @@ class CKespCOMPort3 final : private SwitchLine {
   Environment& environment_;
   SerialPorts& ports_;
   CKespCOMPort3Events* events_;
-  LogWriter log_;
+  DiagnosticLog log_;
   std::wstring key_;
   std::shared_ptr<CKespSmartSwitch3> smart_switch_;
   std::unique_ptr<SerialControl> control_;
@@ -319,10 +315,8 @@ class CKespCOMPort3 final : private SwitchLine {
   bool use_ir_dongle_ = false;
   bool use_smart_switch_ = false;
   bool use_redirector_ = false;
-  bool create_log_file_ = false;
   bool check_non_ascii_ = true;
   bool terminate_on_lf_ = true;
-  std::wstring log_filename_ = L"CKespCOMPort3.log";
   std::int16_t instr_addr_ = 0;
   bool use_rf_modem_ = false;
   std::int32_t rf_modem_prop_hcid_ = 0;

@@ -1,0 +1,226 @@
+// Unit tests of the driver binding: loading, thread registration, calls and the copies of the status cells.
+#include "gpib/gpib_driver.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "gpib/gpib_driver_fake.h"
+#include "support/failure_fixture.h"
+
+namespace kesp {
+namespace {
+
+using Calls = std::vector<std::string>;
+
+class GpibDriverTest : public testing::Test {
+ protected:
+  void Load() { driver_.Load(L"[source]"); }
+  // A call whose own outcome does not matter, for what it leaves.
+  GpibStatus Call() { return driver_.ibclr(7); }
+  void Answer(const GpibOutcome& outcome) {
+    bus_.answers["ibclr"] = [outcome] { return outcome; };
+  }
+  static void ExpectNoCall(const GpibStatus& status) {
+    EXPECT_TRUE(status.Failed());
+    EXPECT_EQ(status.ibsta, -32768);
+    EXPECT_EQ(status.ErrorText(), L"Error: 0 - System error");
+    EXPECT_EQ(static_cast<std::uint32_t>(status.ibcntl), 0xDEAD37F0U);
+  }
+
+  GpibDriverFake bus_;
+  GpibThreadsFake threads_;
+  GpibDriver driver_{bus_, threads_};
+};
+
+TEST_F(GpibDriverTest, LoadedTwice_BindsOnce) {
+  Load();
+  Load();
+  EXPECT_EQ(bus_.loads.size(), 1u);
+  EXPECT_EQ(bus_.lookups["ibdev"], 1);
+}
+
+TEST_F(GpibDriverTest, LoadFails_NextLoadTriesAgain) {
+  bus_.load_errors[L"Gpib-32.dll"] = kGpibLibraryNotFound;
+  EXPECT_EQ(RaisedBy([this] { Load(); }).number, 53);
+  bus_.load_errors.clear();
+  bus_.missing = {"ibrd"};
+  EXPECT_EQ(RaisedBy([this] { Load(); }).number, 453);
+  bus_.missing.clear();
+  Load();
+  EXPECT_FALSE(Call().Failed());
+  EXPECT_EQ(bus_.loads.size(), 3u);
+}
+
+TEST_F(GpibDriverTest, LoadedByTwoThreadsAtOnce_BindsOnce) {
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 8; ++i) threads.emplace_back([this] { Load(); });
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(bus_.loads.size(), 1u);
+}
+
+TEST_F(GpibDriverTest, EachCall_PassesItsArguments) {
+  Load();
+  bus_.waiting = "abc";
+  EXPECT_EQ(driver_.ibdev(0, 5, 9, 11).descriptor, 7);
+  driver_.ibclr(7);
+  driver_.ibeos(7, 1034);
+  driver_.ibwrt(7, std::string("a\0b\n", 4));
+  std::array<char, 5> buffer{'.', '.', '.', '.', '.'};
+  EXPECT_EQ(driver_.ibrd(7, buffer).ibcntl, 3);
+  EXPECT_EQ(std::string(buffer.data(), buffer.size()), "abc..");
+  driver_.ibonl(40000);
+  EXPECT_EQ(bus_.heard, (Calls{"ibdev(0,5,9,11,1,0)", "ibclr(7)", "ibeos(7,1034)",
+                               std::string("ibwrt(7,a\0b\n)", 13), "ibrd(7,5)", "ibonl(40000,0)"}));
+}
+
+TEST_F(GpibDriverTest, Ibdev_Failed_HandsOutWhatTheDriverReturned) {
+  Load();
+  bus_.answers["ibdev"] = [] { return GpibOutcome::Failure(7); };
+  const GpibDriver::Device device = driver_.ibdev(0, 5, 0, 11);
+  EXPECT_EQ(device.descriptor, -1);
+  EXPECT_TRUE(device.status.Failed());
+  EXPECT_EQ(device.status.iberr, 7);
+}
+
+TEST_F(GpibDriverTest, Cells_AreCopiedInto16Bits) {
+  Load();
+  Answer({.status = 0x12345678, .error = 0x1FFFE, .count = 0x18000});
+  const GpibStatus status = Call();
+  EXPECT_EQ(status.ibsta, 0x5678);
+  EXPECT_EQ(status.iberr, -2);
+  EXPECT_EQ(status.ibcnt, -32768);
+  EXPECT_EQ(status.ibcntl, 0x18000);
+}
+
+TEST_F(GpibDriverTest, StatusWord_ErrorBitDecides) {
+  Load();
+  Answer({.status = 0x7FFF});
+  EXPECT_FALSE(Call().Failed());
+  Answer({.status = 0x8000});
+  EXPECT_TRUE(Call().Failed());
+  Answer({.status = 0x18000});
+  EXPECT_TRUE(Call().Failed());
+  Answer({.status = 0x10000});
+  EXPECT_FALSE(Call().Failed());
+}
+
+TEST_F(GpibDriverTest, SecondCall_DoesNotSeeTheFirstOnesFailure) {
+  Load();
+  Answer(GpibOutcome::Failure(14));
+  EXPECT_TRUE(Call().Failed());
+  bus_.answers.clear();
+  EXPECT_FALSE(Call().Failed());
+}
+
+TEST_F(GpibDriverTest, DriverLeavesTheCellsAlone_IsAFailure) {
+  Load();
+  Call();
+  bus_.writes_cells = false;
+  EXPECT_TRUE(Call().Failed());
+}
+
+TEST_F(GpibDriverTest, FirstCallOfAThread_RegistersIt_LaterOnesDoNot) {
+  Load();
+  EXPECT_TRUE(bus_.registrations.empty());
+  Call();
+  Call();
+  EXPECT_EQ(bus_.registrations, (Calls{"register"}));
+}
+
+TEST_F(GpibDriverTest, RegisteredWithOtherCells_UnregistersAndRegistersAgain) {
+  bus_.registration_results = {1, 0};
+  Load();
+  EXPECT_FALSE(Call().Failed());
+  EXPECT_EQ(bus_.registrations, (Calls{"register", "unregister", "register"}));
+  Call();
+  EXPECT_EQ(bus_.registrations.size(), 3u);
+}
+
+// The thread counts as registered then; but no call may pass for a success.
+TEST_F(GpibDriverTest, RegisteredWithOtherCellsTwice_CallsFailAndNobodyIsAskedAgain) {
+  bus_.registration_results = {1, 1};
+  Load();
+  EXPECT_TRUE(Call().Failed());
+  EXPECT_TRUE(Call().Failed());
+  EXPECT_EQ(bus_.registrations, (Calls{"register", "unregister", "register"}));
+}
+
+class RefusedRegistrationTest : public GpibDriverTest, public testing::WithParamInterface<int> {};
+
+TEST_P(RefusedRegistrationTest, CallFailsWithoutADriverCall_NextOneTriesAgain) {
+  bus_.registration_results = {GetParam(), GetParam()};
+  Load();
+  Call();
+  bus_.registrations.clear();
+  ExpectNoCall(Call());
+  EXPECT_TRUE(bus_.heard.empty());
+  const bool unregisters = GetParam() == 2 || GetParam() == 3;
+  EXPECT_EQ(bus_.registrations, unregisters ? (Calls{"register", "unregister"}) : (Calls{"register"}));
+  EXPECT_FALSE(Call().Failed());
+  EXPECT_EQ(bus_.heard, (Calls{"ibclr(7)"}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Results, RefusedRegistrationTest, testing::Values(2, 3, 4, -1),
+                         [](const testing::TestParamInfo<int>& info) {
+                           return info.param < 0 ? std::string("Negative") : std::to_string(info.param);
+                         });
+
+TEST_F(GpibDriverTest, RefusedThread_IbdevHandsOutNoDescriptor) {
+  bus_.registration_results = {2};
+  Load();
+  EXPECT_EQ(driver_.ibdev(0, 5, 0, 11).descriptor, -1);
+}
+
+TEST_F(GpibDriverTest, ThreadEnds_IsUnregisteredOnIt) {
+  Load();
+  std::thread([this] {
+    Call();
+    EXPECT_TRUE(bus_.Registered().contains(std::this_thread::get_id()));
+    threads_.EndThread();
+  }).join();
+  EXPECT_TRUE(bus_.Registered().empty());
+  EXPECT_EQ(bus_.registrations, (Calls{"register", "unregister"}));
+}
+
+TEST_F(GpibDriverTest, ThreadThatCouldNotBeRegistered_IsNotUnregisteredAtItsEnd) {
+  bus_.registration_results = {4};
+  Load();
+  std::thread([this] {
+    Call();
+    threads_.EndThread();
+  }).join();
+  EXPECT_EQ(bus_.registrations, (Calls{"register"}));
+}
+
+TEST_F(GpibDriverTest, TwoThreads_NeverSeeEachOthersStatus) {
+  constexpr int kRounds = 2000;
+  Load();
+  const std::thread::id here = std::this_thread::get_id();
+  bus_.answers["ibclr"] = [here] {
+    return std::this_thread::get_id() == here ? GpibOutcome{.count = 50} : GpibOutcome::Failure(2);
+  };
+  std::thread other([this] {
+    for (int i = 0; i < kRounds; ++i) {
+      const GpibStatus status = Call();
+      ASSERT_TRUE(status.Failed());
+      ASSERT_EQ(status.iberr, 2);
+      ASSERT_EQ(status.ibcnt, 0);
+    }
+    threads_.EndThread();
+  });
+  for (int i = 0; i < kRounds; ++i) {
+    const GpibStatus status = Call();
+    EXPECT_FALSE(status.Failed());
+    EXPECT_EQ(status.ibcnt, 50);
+  }
+  other.join();
+  EXPECT_EQ(bus_.registrations, (Calls{"register", "register", "unregister"}));
+}
+
+}  // namespace
+}  // namespace kesp

@@ -1,0 +1,308 @@
+// Unit tests of the search for a device: order of events and driver calls, what is restored, and failures.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "gpib/kesp_ieee_fixture.h"
+
+namespace kesp {
+namespace {
+
+// Devices by address answer commands; the others do not listen. Events and driver calls go into one record.
+class IeeeDetectionTest : public IeeeFixture {
+ protected:
+  IeeeDetectionTest() {
+    bus_.on_call = [this](const std::string& call) {
+      record_.push_back(call);
+      if (call.starts_with("ibdev(")) address_ = std::stoi(call.substr(8));
+      if (call.starts_with("ibwrt(")) command_ = call.substr(call.find(',') + 1);
+    };
+    events_.record = [this](const std::wstring& event) { record_.emplace_back(event.begin(), event.end()); };
+    bus_.answers["ibwrt"] = [this] {
+      const auto found = devices_.find(address_);
+      if (found == devices_.end()) return GpibOutcome::Failure(2);
+      const auto reply = found->second.find(command_);
+      if (reply != found->second.end()) bus_.waiting = reply->second;
+      return GpibOutcome{};
+    };
+  }
+
+  // The object, which outlives the record, may still have a device to close.
+  ~IeeeDetectionTest() override {
+    bus_.on_call = [](const std::string&) {};
+    bus_.answers.clear();
+  }
+
+  bool Detect(EDetectLevel level = EDetectLevel::dlAllCommands,
+              ESearchOption option = ESearchOption::soFindFirst) {
+    return ieee_.AutoDetect(result_, level, option);
+  }
+  bool FindNext() { return Detect(EDetectLevel::dlAllCommands, ESearchOption::soFindNext); }
+
+  // The addresses that were opened.
+  std::vector<int> Opened() const {
+    std::vector<int> addresses;
+    for (const std::string& line : record_) {
+      if (line.starts_with("ibdev(")) addresses.push_back(std::stoi(line.substr(8)));
+    }
+    return addresses;
+  }
+  std::ptrdiff_t CountOf(const std::string& beginning) const {
+    return std::count_if(record_.begin(), record_.end(),
+                         [&](const std::string& line) { return line.starts_with(beginning); });
+  }
+  // Every device that was opened was closed.
+  void ExpectAllClosed() const {
+    for (const std::string& line : record_) {
+      if (!line.starts_with("ibclr(")) continue;
+      const std::string closing = "ibonl(" + line.substr(6, line.size() - 7) + ",0)";
+      EXPECT_EQ(CountOf(closing), 1) << closing;
+    }
+  }
+  void ExpectRestored() const {
+    EXPECT_EQ(ieee_.PrimaryAddress(), 5);
+    EXPECT_EQ(ieee_.TimeOutSecs(), ETimeOutSecs::to3s);
+    EXPECT_EQ(result_, L"");
+    EXPECT_EQ(record_.back(), "AutoDetectEnd()");
+    ExpectAllClosed();
+  }
+
+  std::map<int, std::map<std::string, std::string>> devices_;  // address, command and line feed, reply
+  std::vector<std::string> record_;
+  int address_ = 0;
+  std::string command_;
+  std::wstring result_ = L"before";
+};
+
+TEST_F(IeeeDetectionTest, Found_EventsAndDriverCallsInOrder) {
+  devices_[2] = {{"*VER\n)", "2.3\n"}};
+  EXPECT_TRUE(Detect());
+  EXPECT_EQ(record_, (std::vector<std::string>{"AutoDetectBegin()",
+                                               "AutoDetectUpdate(*IDN?,5,False)",
+                                               "ibdev(0,1,0,11,1,0)",
+                                               "ibclr(7)",
+                                               "ibeos(7,1073)",
+                                               "AutoDetectUpdate(*IDN?,1,False)",
+                                               "ibwrt(7,*IDN?\n)",
+                                               "AutoDetectUpdate(*VER,1,False)",
+                                               "ibwrt(7,*VER\n)",
+                                               "AutoDetectUpdate(t,1,False)",
+                                               "ibwrt(7,t\n)",
+                                               "ibonl(7,0)",
+                                               "ibonl(0,0)",
+                                               "ibdev(0,2,0,11,1,0)",
+                                               "ibclr(8)",
+                                               "ibeos(8,1073)",
+                                               "AutoDetectUpdate(*IDN?,2,False)",
+                                               "ibwrt(8,*IDN?\n)",
+                                               "ibrd(8,50)",
+                                               "AutoDetectUpdate(*VER,2,False)",
+                                               "ibwrt(8,*VER\n)",
+                                               "ibrd(8,50)",
+                                               "ibonl(8,0)",
+                                               "ibonl(0,0)",
+                                               "AutoDetectEnd()"}));
+  EXPECT_EQ(result_, L"2.3\n");
+  EXPECT_EQ(ieee_.PrimaryAddress(), 2);
+  EXPECT_EQ(ieee_.TimeOutSecs(), ETimeOutSecs::to3s);
+}
+
+TEST_F(IeeeDetectionTest, NothingThere_AllThirtyAreTriedAndAllIsRestored) {
+  EXPECT_FALSE(Detect());
+  std::vector<int> all;
+  for (int address = 1; address <= 30; ++address) all.push_back(address);
+  EXPECT_EQ(Opened(), all);
+  EXPECT_EQ(CountOf("AutoDetectUpdate("), 1 + 30 * 3);
+  ExpectRestored();
+}
+
+TEST_F(IeeeDetectionTest, SecondaryAddress_IsKeptForEveryDevice) {
+  ieee_.SetSecondaryAddress(9);
+  Detect();
+  EXPECT_EQ(CountOf("ibdev(0,30,9,11,1,0)"), 1);
+}
+
+TEST_F(IeeeDetectionTest, Level_DecidesWhichCommandsAreTried) {
+  for (const auto& [level, commands] : {std::pair<int, int>{1, 1}, {2, 2}, {3, 3}, {4, 3}}) {
+    record_.clear();
+    EXPECT_FALSE(Detect(static_cast<EDetectLevel>(level)));
+    EXPECT_EQ(CountOf("ibwrt("), 30 * commands) << level;
+    EXPECT_EQ(CountOf("AutoDetectUpdate(t,"), commands == 3 ? 30 : 0) << level;
+  }
+}
+
+TEST_F(IeeeDetectionTest, LevelBelowOne_HasNothingToTry) {
+  EXPECT_FALSE(Detect(static_cast<EDetectLevel>(0)));
+  EXPECT_EQ(record_, (std::vector<std::string>{"AutoDetectBegin()", "AutoDetectEnd()"}));
+  ExpectRestored();
+}
+
+TEST_F(IeeeDetectionTest, FindNext_BeginsBehindThePresentAddress) {
+  devices_[3] = devices_[5] = devices_[9] = {{"*IDN?\n)", "KESP\n"}};
+  EXPECT_TRUE(FindNext());
+  EXPECT_EQ(Opened(), (std::vector<int>{6, 7, 8, 9}));
+  EXPECT_EQ(ieee_.PrimaryAddress(), 9);
+  EXPECT_TRUE(Detect());
+  EXPECT_EQ(ieee_.PrimaryAddress(), 3);
+  EXPECT_TRUE(FindNext());
+  EXPECT_EQ(ieee_.PrimaryAddress(), 5);
+}
+
+TEST_F(IeeeDetectionTest, FindNextAtTheLastAddress_SearchesNothing) {
+  ieee_.SetPrimaryAddress(30);
+  EXPECT_FALSE(FindNext());
+  EXPECT_EQ(record_, (std::vector<std::string>{"AutoDetectBegin()", "AutoDetectUpdate(*IDN?,30,False)",
+                                               "AutoDetectEnd()"}));
+  EXPECT_EQ(ieee_.PrimaryAddress(), 30);
+}
+
+TEST_F(IeeeDetectionTest, UnknownSearchOption_BeginsAtTheFirst) {
+  EXPECT_FALSE(Detect(EDetectLevel::dlSCPIOnly, static_cast<ESearchOption>(7)));
+  EXPECT_EQ(Opened().front(), 1);
+}
+
+TEST_F(IeeeDetectionTest, AbortAtTheFirstUpdate_OpensNothing) {
+  events_.abort_at_update = 1;
+  EXPECT_FALSE(Detect());
+  EXPECT_EQ(record_, (std::vector<std::string>{"AutoDetectBegin()", "AutoDetectUpdate(*IDN?,5,False)",
+                                               "AutoDetectEnd()"}));
+  ExpectRestored();
+}
+
+TEST_F(IeeeDetectionTest, AbortInTheMiddle_EndsAtOnceAndClosesTheDevice) {
+  devices_[3] = {{"t\n)", "1"}};
+  events_.abort_at_update = 1 + 3 + 2;  // at address 2, before its second command
+  EXPECT_FALSE(Detect());
+  EXPECT_EQ(Opened(), (std::vector<int>{1, 2}));
+  const std::vector<std::string> end(record_.end() - 4, record_.end());
+  EXPECT_EQ(end, (std::vector<std::string>{"AutoDetectUpdate(*VER,2,False)", "ibonl(8,0)", "ibonl(0,0)",
+                                           "AutoDetectEnd()"}));
+  ExpectRestored();
+}
+
+TEST_F(IeeeDetectionTest, AbortAtTheFirstUpdate_ClosesADeviceThatWasOpen) {
+  ieee_.Initialize();
+  record_.clear();
+  events_.abort_at_update = 1;
+  EXPECT_FALSE(Detect());
+  EXPECT_EQ(CountOf("ibonl(7,0)"), 1);
+}
+
+TEST_F(IeeeDetectionTest, DeviceWasOpen_IsClosedBeforeTheNextIsOpened) {
+  ieee_.Initialize();
+  record_.clear();
+  Detect();
+  const auto closing = std::find(record_.begin(), record_.end(), "ibonl(7,0)");
+  ASSERT_NE(closing, record_.end());
+  EXPECT_EQ(*(closing + 1), "ibdev(0,1,0,11,1,0)");
+  ExpectAllClosed();
+}
+
+TEST_F(IeeeDetectionTest, ReadTimesOut_NextCommandIsTried) {
+  devices_[1] = {{"t\n)", "+021.5"}};
+  EXPECT_TRUE(Detect());
+  EXPECT_EQ(result_, L"+021.5");
+  EXPECT_EQ(CountOf("ibrd("), 3);
+}
+
+TEST_F(IeeeDetectionTest, ReadFailsWithPartOfAReply_ResultStaysEmpty) {
+  devices_[1] = {};
+  bus_.answers["ibrd"] = [] { return GpibOutcome{.status = 0xC100, .error = 6, .count = 4}; };
+  EXPECT_FALSE(Detect());
+  EXPECT_EQ(result_, L"");
+}
+
+TEST_F(IeeeDetectionTest, OtherDriverErrors_DoNotEndTheSearch) {
+  devices_[4] = {{"*IDN?\n)", "KESP"}};
+  const auto answer = bus_.answers["ibwrt"];
+  bus_.answers["ibwrt"] = [this, answer] { return address_ == 1 ? GpibOutcome::Failure(14) : answer(); };
+  EXPECT_TRUE(Detect());
+  EXPECT_EQ(ieee_.PrimaryAddress(), 4);
+}
+
+TEST_F(IeeeDetectionTest, EosCharCannotEndACommand_NothingIsFound) {
+  devices_[1] = {{"*IDN?\n)", "KESP"}};
+  ieee_.SetEOSChar(L"LF");
+  EXPECT_FALSE(Detect());
+  EXPECT_EQ(CountOf("ibwrt("), 0);
+  ExpectRestored();
+}
+
+TEST_F(IeeeDetectionTest, DeviceCannotBeOpened_IsRaisedWithAllRestored) {
+  for (const char* entry_point : {"ibdev", "ibclr", "ibeos"}) {
+    SCOPED_TRACE(entry_point);
+    record_.clear();
+    result_ = L"before";
+    bus_.answers[entry_point] = [this] {
+      return address_ == 3 ? GpibOutcome::Failure(4) : GpibOutcome{.result = 20 + address_};
+    };
+    const Raised raised = RaisedBy([this] { Detect(); });
+    EXPECT_EQ(raised.source, L"[CKespIEEE - InitializeIEEEBoard()]");
+    EXPECT_EQ(Opened(), (std::vector<int>{1, 2, 3}));
+    ExpectRestored();
+    bus_.answers.erase(entry_point);
+  }
+}
+
+TEST_F(IeeeDetectionTest, EosCharEmptyWithSetEos_IsRaised) {
+  ieee_.SetEOSChar(L"");
+  EXPECT_EQ(RaisedBy([this] { Detect(); }).number, 5);
+  ExpectRestored();
+}
+
+TEST_F(IeeeDetectionTest, DriverMissing_IsRaisedWithAllRestored) {
+  bus_.load_errors[L"Gpib-32.dll"] = kGpibLibraryNotFound;
+  EXPECT_EQ(RaisedBy([this] { Detect(); }).number, 53);
+  ExpectRestored();
+}
+
+TEST_F(IeeeDetectionTest, ClosingFails_DoesNotChangeWhatItCameTo) {
+  devices_[2] = {{"*IDN?\n)", "KESP"}};
+  Answer("ibonl", GpibOutcome::Failure(14));
+  EXPECT_TRUE(Detect());
+  EXPECT_EQ(ieee_.PrimaryAddress(), 2);
+  EXPECT_EQ(ieee_.TimeOutSecs(), ETimeOutSecs::to3s);
+  EXPECT_EQ(record_.back(), "AutoDetectEnd()");
+}
+
+TEST_F(IeeeDetectionTest, HandlersSeeTheTimeOutOfTheSearch) {
+  events_.handlers[L"AutoDetectBegin"] = [this] { EXPECT_EQ(ieee_.TimeOutSecs(), ETimeOutSecs::to1s); };
+  events_.handlers[L"AutoDetectEnd"] = [this] { EXPECT_EQ(ieee_.TimeOutSecs(), ETimeOutSecs::to3s); };
+  events_.abort_at_update = 1;
+  Detect();
+}
+
+TEST_F(IeeeDetectionTest, HandlerChangesTheObject_AddressOfTheAnswerStands) {
+  devices_[2] = {{"*IDN?\n)", "KESP"}};
+  events_.handlers[L"AutoDetectUpdate"] = [this] {
+    ieee_.SetPrimaryAddress(17);
+    ieee_.SetTimeOutSecs(ETimeOutSecs::to10s);
+  };
+  EXPECT_TRUE(Detect());
+  EXPECT_EQ(ieee_.PrimaryAddress(), 2);
+  EXPECT_EQ(ieee_.TimeOutSecs(), ETimeOutSecs::to3s);
+}
+
+TEST_F(IeeeDetectionTest, HandlerClosesTheDevice_SearchGoesOn) {
+  devices_[1] = devices_[2] = {{"*VER\n)", "2.3"}};
+  bool closed = false;
+  events_.handlers[L"AutoDetectUpdate"] = [this, &closed] {
+    if (address_ == 1 && !closed) closed = ieee_.Uninitialize();
+  };
+  EXPECT_TRUE(Detect());
+  EXPECT_EQ(result_, L"2.3");
+}
+
+TEST_F(IeeeDetectionTest, NobodyListens_SearchesAllTheSame) {
+  ieee_.SetEvents(nullptr);
+  devices_[30] = {{"t\n)", "1"}};
+  EXPECT_TRUE(Detect());
+  EXPECT_EQ(ieee_.PrimaryAddress(), 30);
+}
+
+}  // namespace
+}  // namespace kesp

@@ -1,0 +1,45 @@
+// The diagnostic log of one object: its switch, its file, and lines that are made only when they are wanted.
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "support/clock.h"
+#include "support/files.h"
+#include "support/log.h"
+
+namespace kesp {
+
+// Off at first. Writing never fails: a line that cannot be written, or for which there is no memory, is lost.
+class DiagnosticLog {
+ public:
+  DiagnosticLog(Clock& clock, Files& files, std::wstring filename)
+      : writer_(clock, files), filename_(std::move(filename)) {}
+
+  bool IsOn() const { return is_on_; }
+  void Turn(bool on) { is_on_ = on; }
+
+  // A bare name lies in the process's current directory. Not checked.
+  const std::wstring& Filename() const { return filename_; }
+  void SetFilename(const std::wstring& value) { filename_ = value; }
+
+  // Writes the text that make_text returns; it is not called while the log is off.
+  template <typename MakeText>
+  void Write(const MakeText& make_text) noexcept {
+    if (!is_on_) return;
+    try {
+      writer_.Write(filename_, make_text());
+    } catch (...) {
+    }
+  }
+  void Write(const wchar_t* text) noexcept {
+    Write([text] { return std::wstring(text); });
+  }
+
+ private:
+  LogWriter writer_;
+  bool is_on_ = false;
+  std::wstring filename_;
+};
+
+}  // namespace kesp
