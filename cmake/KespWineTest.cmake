@@ -1,7 +1,7 @@
 # Tests that run Windows programs and scripts under Wine, registered in the native build's CTest.
 #
 # kesp_wine_test(NAME <name> PROGRAM <path> [BITS 64 32] [ARGS ...] [INSTRUMENT <personality.json>] [TIMEOUT <s>]
-#                [SERIAL <com number> [WIRE]] [STANDALONE] [CHANGES_REGISTRY])
+#                [SERIAL <com number> [WIRE]] [DRIVER <bus.json>] [STANDALONE] [CHANGES_REGISTRY])
 #
 # One test for each width (both unless BITS says otherwise), named wine64.<name> and wine32.<name>.
 #   PROGRAM     an .exe as a path within the Windows build (tests/win/foo.exe), or a .vbs or .js file of this folder
@@ -9,6 +9,7 @@
 #   INSTRUMENT  runs the simulated instrument along; a personality file of this folder, or BUILT_IN
 #   SERIAL      puts the instrument on that COM port, from 33 up and no other test's; without INSTRUMENT the built-in one
 #   WIRE        puts no instrument there; the program itself is the other end, through a network connection
+#   DRIVER      runs with the simulated GPIB driver beside the program; a bus of this folder, or BUILT_IN
 #   STANDALONE  does not need the library registered
 #   CHANGES_REGISTRY  runs alone and must leave the library registered
 # In the Windows builds it does nothing, so that a folder's list file is the same for all builds.
@@ -36,7 +37,8 @@ function(kesp_wine_test)
   if(WIN32)
     return()
   endif()
-  cmake_parse_arguments(TEST "STANDALONE;CHANGES_REGISTRY;WIRE" "NAME;PROGRAM;INSTRUMENT;SERIAL;TIMEOUT" "BITS;ARGS" ${ARGN})
+  cmake_parse_arguments(TEST "STANDALONE;CHANGES_REGISTRY;WIRE" "NAME;PROGRAM;INSTRUMENT;SERIAL;DRIVER;TIMEOUT"
+    "BITS;ARGS" ${ARGN})
   if(TEST_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "kesp_wine_test does not know ${TEST_UNPARSED_ARGUMENTS}")
   endif()
@@ -62,7 +64,14 @@ macro(kesp_add_wine_test bits)
   else()
     set(program "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_PROGRAM}")
   endif()
-  set(command "${KESP_WINE_TEST}" --bits ${bits} --timeout ${TEST_TIMEOUT} "${program}" ${TEST_ARGS})
+  set(driver "")
+  if(TEST_DRIVER)
+    set(driver --driver)
+    if(NOT TEST_DRIVER STREQUAL BUILT_IN)
+      list(APPEND driver "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_DRIVER}")
+    endif()
+  endif()
+  set(command "${KESP_WINE_TEST}" --bits ${bits} --timeout ${TEST_TIMEOUT} ${driver} "${program}" ${TEST_ARGS})
   set(other_end "")
   if(TEST_WIRE)
     set(other_end --wire)

@@ -71,6 +71,13 @@ std::int64_t JsonFields::WholeOr(std::string_view field, Range range, std::int64
   return Has(field) ? Whole(field, range) : otherwise;
 }
 
+bool JsonFields::YesOrNoOr(std::string_view field, bool otherwise) const {
+  if (!Has(field)) return otherwise;
+  const nlohmann::json& value = Value(field);
+  if (!value.is_boolean()) throw PersonalityError(PlaceOf(field), "must be true or false");
+  return value.get<bool>();
+}
+
 void JsonFields::RequireTrue(std::string_view field) const {
   const nlohmann::json& value = Value(field);
   if (!value.is_boolean() || !value.get<bool>())

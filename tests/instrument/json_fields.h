@@ -37,6 +37,7 @@ class JsonFields {
   std::string Hex(std::string_view field) const;
   std::int64_t Whole(std::string_view field, Range range) const;
   std::int64_t WholeOr(std::string_view field, Range range, std::int64_t otherwise) const;
+  bool YesOrNoOr(std::string_view field, bool otherwise) const;
   // For fields that only say something by being there: anything but true is refused.
   void RequireTrue(std::string_view field) const;
   // The field "description", when there is one, is a text or a list of texts.

@@ -38,6 +38,9 @@ TEST_F(JsonFieldsTest, GoodFields_AreRead) {
   EXPECT_EQ(fields_.Whole("negative", {-1, 0}), -1);
   EXPECT_EQ(fields_.WholeOr("number", {0, 9}, 7), 5);
   EXPECT_EQ(fields_.WholeOr("absent", {0, 9}, 7), 7);
+  EXPECT_TRUE(fields_.YesOrNoOr("yes", false));
+  EXPECT_FALSE(fields_.YesOrNoOr("no", true));
+  EXPECT_TRUE(fields_.YesOrNoOr("absent", true));
   EXPECT_NO_THROW(fields_.RequireTrue("yes"));
   EXPECT_TRUE(fields_.Has("nothing"));
   EXPECT_FALSE(fields_.Has("absent"));
@@ -56,6 +59,9 @@ TEST_F(JsonFieldsTest, BadFields_AreRefusedWithTheirPlace) {
   for (const char* name : {"number", "negative", "huge", "fraction", "text", "yes"})
     EXPECT_EQ(RefusalOf([&] { (void)fields_.Whole(name, limits); }),
               "/at/" + std::string(name) + ": " + range);
+  for (const char* name : {"number", "text", "nothing"})
+    EXPECT_EQ(RefusalOf([&] { (void)fields_.YesOrNoOr(name, true); }),
+              "/at/" + std::string(name) + ": must be true or false");
   EXPECT_EQ(RefusalOf([&] { fields_.RequireTrue("no"); }), "/at/no: must be true, or be left out");
   EXPECT_EQ(RefusalOf([&] { fields_.RequireTrue("number"); }), "/at/number: must be true, or be left out");
 }

@@ -48,3 +48,21 @@ windows_path() {
   path=$(realpath -s "$1")
   printf 'Z:%s\n' "${path//\//\\}"
 }
+
+# beside_driver <64|32> <folder> <program> [bus.json]: puts the simulated GPIB driver, its bus and a copy of the program
+# into the folder, the first place where Windows looks for a DLL. Prints the path of the copy. The program may be the
+# name of one that Windows brings along.
+beside_driver() {
+  local bits=$1 folder=$2 program=$3 bus=${4:-} place driver=
+  for place in "$KESP_ROOT/build/win$bits" "$KESP_ROOT/dist/win$bits"; do
+    [ -n "$driver" ] || [ ! -e "$place/simulated_driver/Gpib-32.dll" ] || driver=$place/simulated_driver/Gpib-32.dll
+  done
+  [ -n "$driver" ] || fail "there is no simulated driver; tools/build win$bits makes it"
+  [[ $program == */* ]] || program=$(wine_prefix "$bits")/drive_c/windows/system32/${program%.exe}.exe
+  [ -e "$program" ] || fail "$program is not there"
+  cp "$driver" "$folder/" || fail "$driver cannot be copied"
+  [ -z "$bus" ] || cp "$bus" "$folder/Gpib-32.json" || fail "$bus cannot be copied"
+  # A link where both are on one disk, because some programs are large.
+  ln -L "$program" "$folder/" 2>/dev/null || cp "$program" "$folder/" || fail "$program cannot be copied"
+  printf '%s\n' "$folder/$(basename "$program")"
+}

@@ -1,0 +1,27 @@
+// One simulated bus from the moment it is loaded until another takes its place.
+#include "tests/gpib_driver/bus.h"
+
+#include <algorithm>
+
+namespace kesp::simulated_bus {
+
+Bus::Bus(const BusDescription& description)
+    : devices(description.devices.begin(), description.devices.end()),
+      secondary_offset_required(description.secondary_offset_required),
+      failures(description.failures),
+      threads(description.registration),
+      record(description.record) {}
+
+SimulatedDevice* Bus::At(const Address& address) {
+  const auto found = std::find_if(devices.begin(), devices.end(), [&address](const SimulatedDevice& device) {
+    return device.address() == address;
+  });
+  return found == devices.end() ? nullptr : &*found;
+}
+
+Descriptor* Bus::Open(std::int32_t descriptor) {
+  const auto found = descriptors.find(descriptor);
+  return found == descriptors.end() ? nullptr : &found->second;
+}
+
+}  // namespace kesp::simulated_bus

@@ -1,0 +1,44 @@
+// One simulated bus from the moment it is loaded until another takes its place.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+#include "tests/gpib_driver/bus_description.h"
+#include "tests/gpib_driver/call_record.h"
+#include "tests/gpib_driver/end_of_string.h"
+#include "tests/gpib_driver/failure_plan.h"
+#include "tests/gpib_driver/simulated_device.h"
+#include "tests/gpib_driver/thread_table.h"
+
+namespace kesp::simulated_bus {
+
+// What ibdev was told.
+struct Descriptor {
+  Address address;
+  std::int64_t time_out = 0;  // microseconds
+  bool sends_end = false;
+  EndOfString end_of_string;
+};
+
+// Everything that a new description replaces. Belongs to the driver, and lies behind its lock.
+struct Bus {
+  explicit Bus(const BusDescription& description);
+
+  // The device at an address; null when none is there.
+  SimulatedDevice* At(const Address& address);
+  // What a descriptor stands for; null when it is not open.
+  Descriptor* Open(std::int32_t descriptor);
+
+  std::vector<SimulatedDevice> devices;
+  const bool secondary_offset_required;
+  FailurePlan failures;
+  ThreadTable threads;
+  CallRecord record;
+  std::map<std::int32_t, Descriptor> descriptors;
+  // Number 0 is the board's own.
+  std::int32_t last_descriptor = 0;
+};
+
+}  // namespace kesp::simulated_bus
