@@ -63,7 +63,7 @@ class Driver {
   Outcome Write(Bus& bus, std::int32_t descriptor, const char* bytes, std::int32_t length);
   Outcome Read(Bus& bus, std::int32_t descriptor, char* buffer, std::int32_t length);
   Outcome ReadFrom(Bus& bus, std::int32_t descriptor, std::span<char> buffer);
-  static Outcome GoOnline(Bus& bus, std::int32_t descriptor, std::int32_t value);
+  Outcome GoOnline(Bus& bus, std::int32_t descriptor, std::int32_t value);
   // Whether a call that had to wait finds its bus and its descriptor as before.
   bool IsStillOpen(Bus& bus, std::int32_t descriptor) const;
 

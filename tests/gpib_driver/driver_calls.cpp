@@ -152,7 +152,10 @@ bool Driver::IsStillOpen(Bus& bus, std::int32_t descriptor) const {
 Outcome Driver::GoOnline(Bus& bus, std::int32_t descriptor, std::int32_t value) {
   if (descriptor == 0) return {};
   if (bus.Open(descriptor) == nullptr) return FailedWith(kSystemError);
-  if (value == 0) bus.descriptors.erase(descriptor);
+  if (value == 0) {
+    bus.descriptors.erase(descriptor);
+    waiting_.WakeAll();
+  }
   return {};
 }
 
