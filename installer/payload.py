@@ -4,7 +4,8 @@
 usage: payload.py TREE DIST OUTPUT
 
 TREE is the folder of the sources, whose README, CHANGELOG and docs go along; DIST holds win64 and win32. A file that is
-the same for both widths is installed once; one that differs goes into the folder of its width.
+the same for both widths is installed once; one that differs goes into the folder of its width. The simulated driver
+is not installed: on a machine with instruments nothing may be taken for their driver.
 """
 
 import filecmp
@@ -12,10 +13,13 @@ import pathlib
 import sys
 
 WIDTHS = ("win64", "win32")
+LEFT_OUT = {"simulated_driver"}
 
 
 def files_below(folder):
-    return {path.relative_to(folder) for path in folder.rglob("*") if path.is_file()}
+    """What lies in it and is installed, as paths within it."""
+    files = {path.relative_to(folder) for path in folder.rglob("*") if path.is_file()}
+    return {path for path in files if path.parts[0] not in LEFT_OUT}
 
 
 def documents(tree):

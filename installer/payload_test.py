@@ -52,6 +52,16 @@ class PayloadTest(unittest.TestCase):
         self.assertEqual(self.places()["win32"], ["win32/KespCommObj.dll", "win32/only.txt"])
         self.assertEqual(self.places()["common"], [])
 
+    def test_SimulatedDriver_IsNotInstalled(self):
+        for width in ("win64", "win32"):
+            self.write(f"dist/{width}/simulated_driver/Gpib-32.dll", width)
+            self.write(f"dist/{width}/simulated_driver/README.txt", "the same")
+            self.write(f"dist/{width}/samples/simulated_driver.txt", "no driver")
+        self.assertEqual(self.places(), {
+            "common": ["samples/simulated_driver.txt"],
+            "win64": ["win64/KespCommObj.dll"], "win32": ["win32/KespCommObj.dll"]})
+        self.assertNotIn("Gpib-32", self.script())
+
     def test_Documents_AreThePagesAndNothingElseOfTheTree(self):
         for place in ("README.md", "docs/b.md", "docs/a.md", "docs/picture.png", "server/c.md"):
             self.write(place, "")
