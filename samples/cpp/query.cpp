@@ -1,7 +1,8 @@
-// Asks an instrument on the network, or at a COM port, who it is, early bound.
+// Asks an instrument on the network, at a COM port, or on the GPIB (IEEE-488), who it is, early bound.
 //
 //   query.exe [host [port [command]]]
 //   query.exe COM3 [bits per second [command]]
+//   query.exe GPIB5 [code of the character that ends a command [command]]
 //
 // Needs KespCommObj.h (include/, made from KespCommObj.idl) and links ole32, oleaut32 and uuid.
 #include <KespCommObj.h>
@@ -79,23 +80,44 @@ void UseSerialPort(const ComPtr<IDispatch>& transport, int port, const std::wstr
   SetBaudRate(serial.Get(), baud);
 }
 
-// The number in a name such as "COM3"; 0 for the name of a host.
-int ComPortOf(const std::wstring& place) {
-  return _wcsnicmp(place.c_str(), L"COM", 3) == 0 ? _wtoi(place.c_str() + 3) : 0;
+void UseBus(const ComPtr<IDispatch>& transport, int address, const std::wstring& eos) {
+  ComPtr<_CKespIEEE> ieee;
+  Check(transport.As(&ieee));
+  Check(ieee->put_PrimaryAddress(static_cast<SHORT>(address)));
+  Check(ieee->put_EOSChar(Text(eos).get()));
+  // SetEOS would end a read at the first character of EOSChar, here "1". The END of the device is enough.
+  Check(ieee->put_SetEOS(VARIANT_FALSE));
 }
 
-// `detail` is the TCP port, or the bit rate; empty for the usual one.
-void UseInstrument(_CKespCommObj* comm, const std::wstring& place, const std::wstring& detail) {
-  const int com_port = ComPortOf(place);
-  ECommStyle style = com_port != 0 ? csRS232 : csTCPIP;
+// The number in a name such as "COM3" or "GPIB5"; -1 for a place that does not begin so.
+int NumberBehind(const std::wstring& prefix, const std::wstring& place) {
+  const bool begins_so = _wcsnicmp(place.c_str(), prefix.c_str(), prefix.size()) == 0;
+  return begins_so && iswdigit(place[prefix.size()]) != 0 ? _wtoi(place.c_str() + prefix.size()) : -1;
+}
+
+ComPtr<IDispatch> Select(_CKespCommObj* comm, ECommStyle style) {
   Check(comm->put_CommStyle(&style));
   ComPtr<IDispatch> transport;
   Check(comm->get_CommObject(&transport));
-  if (com_port != 0) {
-    UseSerialPort(transport, com_port, detail.empty() ? L"9600" : detail);
+  return transport;
+}
+
+// `detail` is the TCP port, the bit rate, or the code of a line's end; empty for the usual one.
+void UseInstrument(_CKespCommObj* comm, const std::wstring& place, const std::wstring& detail) {
+  const auto detail_or = [&detail](const wchar_t* usual) { return detail.empty() ? usual : detail; };
+  if (const int com_port = NumberBehind(L"COM", place); com_port >= 0) {
+    UseSerialPort(Select(comm, csRS232), com_port, detail_or(L"9600"));
+  } else if (const int address = NumberBehind(L"GPIB", place); address >= 0) {
+    UseBus(Select(comm, csIEEE), address, detail_or(L"10"));
   } else {
-    UseNetwork(transport, place, detail.empty() ? L"10001" : detail);
+    UseNetwork(Select(comm, csTCPIP), place, detail_or(L"10001"));
   }
+}
+
+// A reply from the GPIB is handed out as it came, line ends included.
+std::wstring WithoutLineEnds(std::wstring text) {
+  while (!text.empty() && (text.back() == L'\r' || text.back() == L'\n')) text.pop_back();
+  return text;
 }
 
 bool Query(const std::wstring& place, const std::wstring& detail, const std::wstring& cmd) {
@@ -110,7 +132,7 @@ bool Query(const std::wstring& place, const std::wstring& detail, const std::wst
   Check(comm->Query(result.out(), Text(cmd).get(), nullptr, nullptr, &succeeded));
   std::printf("command:     %ls\n", cmd.c_str());
   if (succeeded != VARIANT_FALSE) {
-    std::printf("reply:       %ls\n", result.c_str());
+    std::printf("reply:       %ls\n", WithoutLineEnds(result.c_str()).c_str());
   } else {
     Text source;
     Text description;
