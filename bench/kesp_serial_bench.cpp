@@ -16,26 +16,13 @@
 #include "bench/measure.h"
 #include "bench/serial_client.h"
 #include "bench/table.h"
+#include "bench/text.h"
 
 namespace kesp::bench {
 
 namespace {
 
 constexpr char kCommand[] = "*IDN?\r";
-
-class Text {
- public:
-  explicit Text(const std::string& text)
-      : text_(SysAllocString(std::wstring(text.begin(), text.end()).c_str())) {}
-  ~Text() { SysFreeString(text_); }
-  Text(const Text&) = delete;
-  Text& operator=(const Text&) = delete;
-
-  BSTR get() const { return text_; }
-
- private:
-  BSTR text_;
-};
 
 void BareExchange(BareLine& line) {
   line.Send(kCommand);

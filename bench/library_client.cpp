@@ -1,44 +1,14 @@
 // Calls of the library, early and late bound.
 #include "bench/library_client.h"
 
-#include <stdexcept>
+#include "bench/calls.h"
+#include "bench/text.h"
 
 namespace kesp::bench {
 
-using Microsoft::WRL::ComPtr;
-
-namespace {
-
-ComPtr<::_CKespCommObj> Create() {
-  ComPtr<::_CKespCommObj> comm;
-  CheckResult(CoCreateInstance(__uuidof(::CKespCommObj), nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&comm)),
-              "CoCreateInstance");
-  return comm;
-}
-
-DISPID IdOf(IDispatch* object, const wchar_t* name) {
-  DISPID id = 0;
-  auto* text = const_cast<wchar_t*>(name);
-  CheckResult(object->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id), "GetIDsOfNames");
-  return id;
-}
-
-}  // namespace
-
-void CheckResult(HRESULT result, const char* what) {
-  if (SUCCEEDED(result)) return;
-  throw std::runtime_error(std::string(what) + " failed: " + std::to_string(result));
-}
-
-LibraryClient::LibraryClient(const std::string& host, std::uint16_t port) : comm_(Create()) {
-  ::ECommStyle style = ::csTCPIP;
-  CheckResult(comm_->put_CommStyle(&style), "CommStyle");
-  ComPtr<IDispatch> transport;
-  CheckResult(comm_->get_CommObject(&transport), "CommObject");
-  CheckResult(transport.As(&tcp_), "the network transport");
-  BSTR address = SysAllocString(std::wstring(host.begin(), host.end()).c_str());
-  CheckResult(tcp_->put_IPAddress(address), "IPAddress");
-  SysFreeString(address);
+LibraryClient::LibraryClient(const std::string& host, std::uint16_t port) : comm_(CreateCommObj()) {
+  CheckResult(SelectTransport(comm_.Get(), ::csTCPIP).As(&tcp_), "the network transport");
+  CheckResult(tcp_->put_IPAddress(Text(host).get()), "IPAddress");
   CheckResult(tcp_->put_Port(static_cast<SHORT>(port)), "Port");
   CheckResult(comm_->GetTypeInfo(0, LOCALE_USER_DEFAULT, &type_info_), "GetTypeInfo");
   query_id_ = IdOf(comm_.Get(), L"Query");
@@ -46,33 +16,11 @@ LibraryClient::LibraryClient(const std::string& host, std::uint16_t port) : comm
 }
 
 std::size_t LibraryClient::Query(BSTR cmd) const {
-  BSTR result = nullptr;
-  VARIANT_BOOL succeeded = VARIANT_FALSE;
-  CheckResult(comm_->Query(&result, cmd, nullptr, nullptr, &succeeded), "Query");
-  if (succeeded == VARIANT_FALSE) throw std::runtime_error("Query had no reply");
-  const std::size_t length = SysStringLen(result);
-  SysFreeString(result);
-  return length;
+  return bench::Query(comm_.Get(), cmd);
 }
 
 std::size_t LibraryClient::QueryLate(BSTR cmd) const {
-  VARIANT variable;
-  VariantInit(&variable);
-  VARIANTARG arguments[2];
-  V_VT(&arguments[0]) = VT_BSTR;
-  V_BSTR(&arguments[0]) = cmd;
-  V_VT(&arguments[1]) = VT_BYREF | VT_VARIANT;
-  V_VARIANTREF(&arguments[1]) = &variable;
-  DISPPARAMS parameters{arguments, nullptr, 2, 0};
-  VARIANT succeeded;
-  VariantInit(&succeeded);
-  CheckResult(comm_->Invoke(query_id_, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters,
-                            &succeeded, nullptr, nullptr),
-              "Query (late)");
-  if (V_BOOL(&succeeded) == VARIANT_FALSE) throw std::runtime_error("Query (late) had no reply");
-  const std::size_t length = SysStringLen(V_BSTR(&variable));
-  VariantClear(&variable);
-  return length;
+  return ReadLate(comm_.Get(), query_id_, cmd);
 }
 
 void LibraryClient::Open() const {
@@ -90,9 +38,7 @@ std::size_t LibraryClient::Exchange(BSTR cmd) const {
   CheckResult(tcp_->WriteLine(cmd, &succeeded), "WriteLine");
   BSTR result = nullptr;
   CheckResult(tcp_->ReadLine(&result, &succeeded), "ReadLine");
-  const std::size_t length = SysStringLen(result);
-  SysFreeString(result);
-  return length;
+  return LengthOf(result);
 }
 
 void LibraryClient::GetPropertyLate() const {
@@ -114,7 +60,7 @@ void LibraryClient::GetPropertyBare() const {
 }
 
 void CreateAndRelease() {
-  Create();
+  CreateCommObj();
 }
 
 }  // namespace kesp::bench

@@ -10,10 +10,8 @@
 
 namespace kesp::bench {
 
-// Throws std::runtime_error for a failed call.
-void CheckResult(HRESULT result, const char* what);
-
-// A communication object that is set to the instrument, and its network transport.
+// A communication object that is set to the instrument, and its network transport. Throws std::runtime_error
+// for a failed call.
 class LibraryClient {
  public:
   LibraryClient(const std::string& host, std::uint16_t port);

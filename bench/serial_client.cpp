@@ -1,13 +1,9 @@
 // Calls of the serial transport, early bound.
 #include "bench/serial_client.h"
 
-#include <stdexcept>
-
-#include "bench/library_client.h"
+#include "bench/calls.h"
 
 namespace kesp::bench {
-
-using Microsoft::WRL::ComPtr;
 
 namespace {
 
@@ -15,20 +11,10 @@ namespace {
 constexpr long kTimeOutMs = 1000;
 constexpr long kBinarySilenceMs = 100;
 
-std::size_t LengthOf(BSTR text) {
-  const std::size_t length = SysStringLen(text);
-  SysFreeString(text);
-  return length;
-}
-
 }  // namespace
 
-SerialClient::SerialClient(int port) {
-  CheckResult(CoCreateInstance(__uuidof(::CKespCommObj), nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&comm_)),
-              "CoCreateInstance");
-  ComPtr<IDispatch> transport;
-  CheckResult(comm_->get_CommObject(&transport), "CommObject");
-  CheckResult(transport.As(&port_), "the serial transport");
+SerialClient::SerialClient(int port) : comm_(CreateCommObj()) {
+  CheckResult(SelectTransport(comm_.Get(), ::csRS232).As(&port_), "the serial transport");
   CheckResult(port_->put_Port(static_cast<SHORT>(port)), "Port");
   CheckResult(port_->put_BaudRate(::br9600), "BaudRate");
   CheckResult(port_->put_UseRedirector(VARIANT_TRUE), "UseRedirector");
@@ -53,11 +39,7 @@ void SerialClient::Close() const {
 }
 
 std::size_t SerialClient::Query(BSTR cmd) const {
-  BSTR result = nullptr;
-  VARIANT_BOOL succeeded = VARIANT_FALSE;
-  CheckResult(comm_->Query(&result, cmd, nullptr, nullptr, &succeeded), "Query");
-  if (succeeded == VARIANT_FALSE) throw std::runtime_error("Query had no reply");
-  return LengthOf(result);
+  return bench::Query(comm_.Get(), cmd);
 }
 
 std::size_t SerialClient::Exchange(BSTR cmd) const {

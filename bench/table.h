@@ -9,17 +9,18 @@
 namespace kesp::bench {
 
 inline void PrintHeading() {
-  std::printf("%-56s %12s %12s %8s\n", "what", "library us", "bare us", "ratio");
+  std::printf("%-56s %12s %12s %8s %12s\n", "what", "library us", "bare us", "ratio", "added us");
 }
 
 inline void Print(const std::string& what, const Pair& pair) {
-  std::printf("%-56s %12.1f %12.1f %8.2f\n", what.c_str(), pair.library, pair.bare, pair.library / pair.bare);
+  std::printf("%-56s %12.2f %12.2f %8.2f %12.2f\n", what.c_str(), pair.library, pair.bare,
+              pair.library / pair.bare, pair.library - pair.bare);
   std::fflush(stdout);
 }
 
 // A row without a bare side.
 inline void Print(const std::string& what, double library) {
-  std::printf("%-56s %12.1f\n", what.c_str(), library);
+  std::printf("%-56s %12.2f\n", what.c_str(), library);
   std::fflush(stdout);
 }
 
