@@ -12,6 +12,10 @@ std::vector<std::wstring> GpibLibraryWin::FileNames() const {
 }
 
 std::uint32_t GpibLibraryWin::Load(const std::wstring& file_name) {
+  // One that lacked an entry point. Its file may have been replaced since, but while it is loaded the system
+  // hands it out again.
+  if (module_ != nullptr) FreeLibrary(static_cast<HMODULE>(module_));
+  module_ = nullptr;
   // A damaged file must not bring up a box of the system's.
   DWORD mode = 0;
   SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &mode);
@@ -19,8 +23,6 @@ std::uint32_t GpibLibraryWin::Load(const std::wstring& file_name) {
   const DWORD error = loaded == nullptr ? GetLastError() : ERROR_SUCCESS;
   SetThreadErrorMode(mode, nullptr);
   if (loaded == nullptr) return error != ERROR_SUCCESS ? error : ERROR_GEN_FAILURE;
-  // One that lacked an entry point: its file may have been replaced since.
-  if (module_ != nullptr) FreeLibrary(static_cast<HMODULE>(module_));
   module_ = loaded;
   return 0;
 }
