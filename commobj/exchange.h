@@ -26,8 +26,8 @@ struct Exchange {
   std::wstring OmegaValue;    // serial only
   SerialOpening serial_opening = SerialOpening::kRetried;
   InitializeTrace initialize_trace = InitializeTrace::kErrorInfoOnly;
-  std::wstring
-      ieee_write_operation;  // names the write in the IEEE-488 trace line; empty: not for that transport
+  bool works_on_ieee = true;
+  std::wstring ieee_write_operation = L"WriteLine";  // names the write in the IEEE-488 trace line
 
   std::wstring read_operation;                    // "ReadLine()"; names the read in trace lines
   std::function<bool()> read_serial;              // empty: the operation does not read

@@ -30,7 +30,6 @@ bool CKespCommObj::Query(std::wstring& result, const std::wstring& cmd, const st
               .OmegaAddress = OmegaAddress,
               .OmegaValue = OmegaValue,
               .serial_opening = SerialOpening::kRetried,
-              .ieee_write_operation = L"WriteLine",
               .read_operation = L"ReadLine()",
               .read_serial = [&] { return serial_->ReadLine(result); },
               .read_network = [&] { return network_->ReadLine(result); },
@@ -49,7 +48,7 @@ bool CKespCommObj::QueryBinary(BinaryValue& result, const std::wstring& cmd, con
               .OmegaAddress = OmegaAddress,
               .OmegaValue = OmegaValue,
               .serial_opening = SerialOpening::kOnce,
-              .ieee_write_operation = {},
+              .works_on_ieee = false,
               .read_operation = L"ReadLineBinary()",
               .read_serial = [&] { return serial_->ReadLineBinary(result, binary_timeout_ms_); },
               .read_network = [&] { return network_->ReadLineBinary(result, binary_timeout_ms_); },
@@ -85,7 +84,7 @@ bool CKespCommObj::Run(const Exchange& exchange) {
   }
   if (!exchange.beginning_line.empty()) Trace(exchange.beginning_line);
   BeginOperation();
-  if (comm_style_ == ECommStyle::csIEEE && exchange.ieee_write_operation.empty()) {
+  if (comm_style_ == ECommStyle::csIEEE && !exchange.works_on_ieee) {
     throw Failure(comm_obj_error::ERR_COMM_STYLE_NOT_SUPPORTED, source,
                   L"The selected communication style is currently not supported");
   }

@@ -6,19 +6,24 @@
 
 namespace kesp {
 
+namespace {
+
+constexpr wchar_t kSource[] = L"[CKespIEEE - Initialize()]";
+
+}  // namespace
+
 void CheckDeviceAddress(const DeviceAddress& address, const std::function<void(const wchar_t*)>& log) {
-  const std::wstring source = L"[CKespIEEE - Initialize()]";
   log(L"Check Board Index...");
   if (address.board < 0) {
-    throw Failure(ieee_error::ERR_INVALID_BOARD_INDEX, source, L"Invalid board index.");
+    throw Failure(ieee_error::ERR_INVALID_BOARD_INDEX, kSource, L"Invalid board index.");
   }
   log(L"Check Primary Address...");
   if (address.primary < 1) {
-    throw Failure(ieee_error::ERR_INVALID_PRIMARY_ADDRESS, source, L"Invalid primary address.");
+    throw Failure(ieee_error::ERR_INVALID_PRIMARY_ADDRESS, kSource, L"Invalid primary address.");
   }
   log(L"Check Secondary Address...");
   if (address.secondary < 0) {
-    throw Failure(ieee_error::ERR_INVALID_SECONDARY_ADDRESS, source, L"Invalid secondary address.");
+    throw Failure(ieee_error::ERR_INVALID_SECONDARY_ADDRESS, kSource, L"Invalid secondary address.");
   }
 }
 

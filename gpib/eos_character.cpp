@@ -16,13 +16,13 @@ bool IsDigit(wchar_t c) {
 }
 
 // The standard text of a run-time failure, followed by what it was about.
-Failure Detailed(const Failure& failure, const std::wstring& source, const std::wstring& detail) {
+Failure Detailed(const Failure& failure, const wchar_t* source, const std::wstring& detail) {
   return {failure.number(), source, failure.description() + L" (EOSChar " + detail + L")"};
 }
 
 }  // namespace
 
-std::uint8_t EosByteOfNumber(const std::wstring& text, const std::wstring& source) {
+std::uint8_t EosByteOfNumber(const std::wstring& text, const wchar_t* source) {
   const std::wstring digits = Trim(text);
   if (digits.empty()) {
     throw Detailed(TypeMismatch(), source, L"is empty; it must hold the code of a character, such as 10");
@@ -42,7 +42,7 @@ std::uint8_t EosByteOfNumber(const std::wstring& text, const std::wstring& sourc
   return static_cast<std::uint8_t>(number);
 }
 
-std::uint8_t EosByteOfFirstCharacter(const std::wstring& text, const std::wstring& source) {
+std::uint8_t EosByteOfFirstCharacter(const std::wstring& text, const wchar_t* source) {
   if (text.empty()) {
     throw Detailed(InvalidCall(), source,
                    L"is empty, so no character can end a read; set it, or set SetEOS to False");

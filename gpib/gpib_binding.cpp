@@ -2,6 +2,8 @@
 #include "gpib/gpib_binding.h"
 
 #include <cstdint>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "support/failure.h"
@@ -21,60 +23,60 @@ std::wstring Joined(const std::vector<std::wstring>& names) {
   return text;
 }
 
+std::wstring Reason(std::uint32_t error) {
+  if (error == kGpibLibraryNeedsAnother) return L"a DLL that it needs is missing";
+  return L"system error " + std::to_wstring(error);
+}
+
 // Returns the name of the file that was loaded.
-std::wstring LoadFirst(GpibLibrary& library, const std::wstring& source) {
+std::wstring LoadFirst(GpibLibrary& library, const wchar_t* source) {
   const std::vector<std::wstring> names = library.FileNames();
   for (const std::wstring& name : names) {
     const std::uint32_t error = library.Load(name);
     if (error == 0) return name;
     if (error == kGpibLibraryNotFound) continue;
     // It is installed, so the other names would only hide what is wrong with it.
-    throw Failure(
-        kErrorInLoading, source,
-        L"Error in loading the GPIB driver " + name + L" (system error " + std::to_wstring(error) + L")");
+    throw Failure(kErrorInLoading, source,
+                  L"Error in loading the GPIB driver " + name + L" (" + Reason(error) + L")");
   }
   throw Failure(kFileNotFound, source,
                 L"File not found: " + Joined(names) + L" (the GPIB driver is not installed)");
 }
 
-class EntryPointSearch {
- public:
-  EntryPointSearch(GpibLibrary& library, std::wstring file_name, std::wstring source)
-      : library_(library), file_name_(std::move(file_name)), source_(std::move(source)) {}
+// Fills a place of the table with the function of that name.
+template <typename Function>
+void Find(GpibLibrary& library, Function& place, const char* name) {
+  const GpibEntryPoint found = library.Find(name);
+  if (found == nullptr) throw std::string_view(name);
+  place = reinterpret_cast<Function>(found);
+}
 
-  // Fills a place of the table with the function of that name.
-  template <typename Function>
-  void Find(Function& place, const char* name) {
-    const GpibEntryPoint found = library_.Find(name);
-    if (found == nullptr) {
-      throw Failure(kEntryPointNotFound, source_,
-                    L"Can't find the entry point " +
-                        std::wstring(name, name + std::char_traits<char>::length(name)) +
-                        L" in the GPIB driver " + file_name_);
-    }
-    place = reinterpret_cast<Function>(found);
-  }
-
- private:
-  GpibLibrary& library_;
-  std::wstring file_name_;
-  std::wstring source_;
-};
+// Throws the name of the first function that is missing.
+GpibEntryPoints FindAll(GpibLibrary& library) {
+  GpibEntryPoints table{};
+  Find(library, table.ibdev, "ibdev");
+  Find(library, table.ibclr, "ibclr");
+  Find(library, table.ibeos, "ibeos");
+  Find(library, table.ibwrt, "ibwrt");
+  Find(library, table.ibrd, "ibrd");
+  Find(library, table.ibonl, "ibonl");
+  Find(library, table.RegisterGpibGlobalsForThread, "RegisterGpibGlobalsForThread");
+  Find(library, table.UnregisterGpibGlobalsForThread, "UnregisterGpibGlobalsForThread");
+  return table;
+}
 
 }  // namespace
 
-GpibEntryPoints BindGpibDriver(GpibLibrary& library, const std::wstring& source) {
-  EntryPointSearch search(library, LoadFirst(library, source), source);
-  GpibEntryPoints table{};
-  search.Find(table.ibdev, "ibdev");
-  search.Find(table.ibclr, "ibclr");
-  search.Find(table.ibeos, "ibeos");
-  search.Find(table.ibwrt, "ibwrt");
-  search.Find(table.ibrd, "ibrd");
-  search.Find(table.ibonl, "ibonl");
-  search.Find(table.RegisterGpibGlobalsForThread, "RegisterGpibGlobalsForThread");
-  search.Find(table.UnregisterGpibGlobalsForThread, "UnregisterGpibGlobalsForThread");
-  return table;
+GpibEntryPoints BindGpibDriver(GpibLibrary& library, const wchar_t* source) {
+  const std::wstring file_name = LoadFirst(library, source);
+  try {
+    return FindAll(library);
+  } catch (std::string_view missing) {
+    library.Unload();
+    throw Failure(kEntryPointNotFound, source,
+                  L"Can't find the entry point " + std::wstring(missing.begin(), missing.end()) +
+                      L" in the GPIB driver " + file_name);
+  }
 }
 
 }  // namespace kesp

@@ -74,6 +74,13 @@ TEST_F(GpibBindingTest, FileCannotBeLoaded_SaysWhyAndTriesNoOther) {
   EXPECT_EQ(bus_.loads, (Names{L"Gpib-32.dll"}));
 }
 
+TEST_F(GpibBindingTest, FileLacksAnotherDll_SaysSo) {
+  bus_.load_errors[L"Gpib-32.dll"] = kGpibLibraryNeedsAnother;
+  EXPECT_EQ(Refusal(),
+            (Raised{48, L"[source]",
+                    L"Error in loading the GPIB driver Gpib-32.dll (a DLL that it needs is missing)"}));
+}
+
 class MissingEntryPointTest : public GpibBindingTest, public testing::WithParamInterface<const char*> {};
 
 TEST_P(MissingEntryPointTest, IsNamed) {
@@ -82,6 +89,7 @@ TEST_P(MissingEntryPointTest, IsNamed) {
   EXPECT_EQ(Refusal(), (Raised{453, L"[source]",
                                L"Can't find the entry point " + std::wstring(name.begin(), name.end()) +
                                    L" in the GPIB driver Gpib-32.dll"}));
+  EXPECT_EQ(bus_.unloads, 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, MissingEntryPointTest,

@@ -5,10 +5,12 @@ namespace kesp {
 
 namespace {
 
-// The status of a call that the driver did not take.
-constexpr std::int32_t kErrorBit = 0x8000;
-// What the driver's own header leaves as the count when a thread cannot be registered: 0xDEAD37F0.
-constexpr std::int32_t kCountOfNoCall = -559073296;
+// The status of a call that the driver did not take: the error bit and error number 0, and as the count what
+// the driver's own header leaves there, 0xDEAD37F0.
+constexpr GpibStatus kNotTaken{.ibsta = -32768, .iberr = 0, .ibcnt = 0, .ibcntl = -559073296};
+
+// In the status cell before a call. A driver reports 16 bits.
+constexpr std::int32_t kUntouched = -1;
 
 // Results of RegisterGpibGlobalsForThread.
 constexpr int kRegistered = 0;
@@ -23,7 +25,7 @@ constexpr int kOffline = 0;
 
 }  // namespace
 
-void GpibDriver::Load(const std::wstring& source) {
+void GpibDriver::Load(const wchar_t* source) {
   if (loaded_.load(std::memory_order_acquire) != nullptr) return;
   const std::lock_guard lock(loading_);
   if (table_) return;
@@ -51,13 +53,13 @@ GpibStatus GpibDriver::ibeos(std::int16_t descriptor, std::int32_t mode) {
 
 GpibStatus GpibDriver::ibwrt(std::int16_t descriptor, const std::string& bytes) {
   return Run([&](const GpibEntryPoints& driver) {
-    driver.ibwrt(descriptor, bytes.data(), static_cast<std::int32_t>(bytes.size()));
+    driver.ibwrt(descriptor, bytes.data(), static_cast<GpibLength>(bytes.size()));
   });
 }
 
 GpibStatus GpibDriver::ibrd(std::int16_t descriptor, std::span<char> buffer) {
   return Run([&](const GpibEntryPoints& driver) {
-    driver.ibrd(descriptor, buffer.data(), static_cast<std::int32_t>(buffer.size()));
+    driver.ibrd(descriptor, buffer.data(), static_cast<GpibLength>(buffer.size()));
   });
 }
 
@@ -68,21 +70,20 @@ GpibStatus GpibDriver::ibonl(std::int32_t descriptor_or_board) {
 template <typename Call>
 GpibStatus GpibDriver::Run(const Call& call) {
   GpibThread& thread = threads_.Current();
-  if (!thread.registered && !Register(thread)) {
-    thread.status.ibsta = Low16(kErrorBit);
-    thread.status.iberr = 0;
-    thread.status.ibcntl = kCountOfNoCall;
-    return thread.status;
-  }
-  // A driver that leaves the cells alone, against its word, must not pass for success.
-  thread.status_cell = kErrorBit;
-  thread.error_cell = 0;
+  if (!thread.registered && !Register(thread)) return kNotTaken;
+  thread.status_cell = kUntouched;
+  thread.count_cell = 0;
+  thread.long_count_cell = 0;
   call(*thread.entry_points);
-  thread.status = {.ibsta = Low16(thread.status_cell),
-                   .iberr = Low16(thread.error_cell),
-                   .ibcnt = Low16(thread.count_cell),
-                   .ibcntl = thread.long_count_cell};
-  return thread.status;
+  if (thread.status_cell == kUntouched) {
+    // Somebody else has registered other cells for this thread. What became of the call cannot be known.
+    thread.registered = false;
+    return kNotTaken;
+  }
+  return {.ibsta = Low16(thread.status_cell),
+          .iberr = Low16(thread.error_cell),
+          .ibcnt = Low16(thread.count_cell),
+          .ibcntl = thread.long_count_cell};
 }
 
 bool GpibDriver::Register(GpibThread& thread) const {

@@ -16,11 +16,13 @@
 namespace kesp {
 
 // Calls the driver. One for the process; every thread may use it, and no thread sees what another one's calls
-// came to. The driver's DLL stays loaded from the first use on.
+// came to. Driver and library stay loaded from the first use on.
 //
 // Each call registers the calling thread's status cells with the driver when that has not been done, calls
 // the driver, and returns the driver's status. A thread that cannot be registered gets the status of a
-// failure with the error number 0, without a call of the driver; the next call tries again.
+// failure with the error number 0, without a call of the driver; the next call tries again. The same status
+// comes of a call during which the driver knew other cells of the thread, because the host program had
+// registered its own; whether the driver carried it out is not known then.
 class GpibDriver {
  public:
   GpibDriver(GpibLibrary& library, GpibThreads& threads) : library_(library), threads_(threads) {}
@@ -29,7 +31,7 @@ class GpibDriver {
 
   // Binds the driver unless that is done. Needed before the first of the calls below. Throws as
   // BindGpibDriver does, with this source; the next Load tries again.
-  void Load(const std::wstring& source);
+  void Load(const wchar_t* source);
 
   // ibdev's result besides the status: the descriptor, -1 after a failure.
   struct Device {

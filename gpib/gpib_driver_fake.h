@@ -9,9 +9,11 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "gpib/gpib_driver.h"
@@ -23,7 +25,8 @@ struct GpibOutcome {
   std::int32_t status = 0x0100;  // CMPL
   std::int32_t error = 0;
   std::int32_t count = 0;
-  int result = 0;  // ibdev's descriptor
+  int result = 0;                            // ibdev's descriptor
+  std::optional<std::int32_t> long_count{};  // the same count where it is not set
 
   static GpibOutcome Failure(std::int32_t error) { return {.status = 0x8100, .error = error, .result = -1}; }
   static GpibOutcome TimeOut() { return {.status = 0xC100, .error = 6}; }
@@ -42,9 +45,11 @@ class GpibDriverFake final : public GpibLibrary {
   std::vector<std::wstring> FileNames() const override { return file_names; }
   std::uint32_t Load(const std::wstring& file_name) override {
     loads.push_back(file_name);
+    std::exchange(on_load, [] {})();
     const auto found = load_errors.find(file_name);
     return found == load_errors.end() ? 0 : found->second;
   }
+  void Unload() override { ++unloads; }
   GpibEntryPoint Find(const char* name) override {
     ++lookups[name];
     if (missing.contains(name)) return nullptr;
@@ -66,7 +71,9 @@ class GpibDriverFake final : public GpibLibrary {
   std::map<std::wstring, std::uint32_t> load_errors;
   std::set<std::string> missing;
   std::vector<std::wstring> loads;
+  std::function<void()> on_load = [] {};  // run in the next Load
   std::map<std::string, int> lookups;
+  int unloads = 0;
 
   // The bus calls so far, for example "ibwrt(7,*IDN?\n)"; registrations stand apart.
   std::vector<std::string> heard;
@@ -75,23 +82,31 @@ class GpibDriverFake final : public GpibLibrary {
   std::function<void(const std::string&)> on_call = [](const std::string&) {};
   // Answers calls by the entry point's name; others succeed. ibdev hands out 7, 8 and so on by itself.
   std::map<std::string, std::function<GpibOutcome()>> answers;
-  // What an ibrd with that descriptor finds; taken from the front, a time-out when there is nothing.
+  // What an ibrd finds; taken from the front, a time-out when there is nothing.
   std::string waiting;
   // The bus call (1 is the first) that fails with error 14; 0 for none.
   int failing_call = 0;
   int calls = 0;
   // Results of RegisterGpibGlobalsForThread, then 0.
   std::vector<int> registration_results;
-  // Whether a registered thread's cells are written.
-  bool writes_cells = true;
-  // The threads that are registered, and what the last ibrd's buffer held before it was filled.
+  // Whether descriptors that are not open fail with error 0, the system error.
+  bool knows_descriptors = false;
+  std::set<int> open;
+  // What the last ibrd's buffer held before it was filled.
+  std::string buffer_on_entry;
+
+  // What happens when the host program registers cells of its own for the calling thread.
+  void GiveCellsToTheHost() {
+    const std::lock_guard lock(mutex_);
+    cells_.erase(std::this_thread::get_id());
+  }
+  // The threads that are registered.
   std::set<std::thread::id> Registered() {
     const std::lock_guard lock(mutex_);
     std::set<std::thread::id> threads;
     for (const auto& [thread, cells] : cells_) threads.insert(thread);
     return threads;
   }
-  std::string buffer_on_entry;
 
  private:
   struct Cells {
@@ -113,31 +128,32 @@ class GpibDriverFake final : public GpibLibrary {
       text += std::to_string(argument) + ",";
     }
     const std::lock_guard lock(current_->mutex_);
-    GpibOutcome outcome = current_->Answer("ibdev", text + std::to_string(end_of_string) + ")",
-                                           {.result = current_->next_descriptor_});
+    const GpibOutcome outcome = current_->Answer("ibdev", text + std::to_string(end_of_string) + ")",
+                                                 {.result = current_->next_descriptor_});
     if (outcome.result == current_->next_descriptor_) ++current_->next_descriptor_;
+    if (outcome.status < 0x8000) current_->open.insert(outcome.result);
     return current_->Report(outcome).result;
   }
-  static int Ibclr(int descriptor) { return Simple("ibclr", Text(descriptor)); }
-  static int Ibeos(int descriptor, int mode) { return Simple("ibeos", Text(descriptor) + "," + Text(mode)); }
+  static int Ibclr(int descriptor) { return OnDevice("ibclr", descriptor, ""); }
+  static int Ibeos(int descriptor, int mode) {
+    return OnDevice("ibeos", descriptor, "," + std::to_string(mode));
+  }
   static int Ibonl(int descriptor, int online) {
-    return Simple("ibonl", Text(descriptor) + "," + Text(online));
+    return OnDevice("ibonl", descriptor, "," + std::to_string(online));
   }
-  static int Ibwrt(int descriptor, const void* bytes, std::int32_t length) {
+  static int Ibwrt(int descriptor, const void* bytes, GpibLength length) {
     const std::string written(static_cast<const char*>(bytes), static_cast<std::size_t>(length));
-    return Simple("ibwrt", Text(descriptor) + "," + written, {.count = length});
+    return OnDevice("ibwrt", descriptor, "," + written, {.count = static_cast<std::int32_t>(length)});
   }
-  static int Ibrd(int descriptor, void* buffer, std::int32_t length) {
+  static int Ibrd(int descriptor, void* buffer, GpibLength length) {
     const std::lock_guard lock(current_->mutex_);
     auto* characters = static_cast<char*>(buffer);
     const auto size = static_cast<std::size_t>(length);
     current_->buffer_on_entry.assign(characters, size);
-    const std::string text = "ibrd(" + Text(descriptor) + "," + Text(length) + ")";
-    const bool empty = current_->waiting.empty();
-    GpibOutcome outcome = current_->Answer("ibrd", text, empty ? GpibOutcome::TimeOut() : GpibOutcome{});
-    if (!empty && outcome.count == 0 && outcome.status < 0x8000) {
-      outcome.count = static_cast<std::int32_t>(std::min(size, current_->waiting.size()));
-    }
+    const std::string text = "ibrd(" + std::to_string(descriptor) + "," + std::to_string(length) + ")";
+    const auto available = static_cast<std::int32_t>(std::min(size, current_->waiting.size()));
+    const GpibOutcome otherwise = available == 0 ? GpibOutcome::TimeOut() : GpibOutcome{.count = available};
+    const GpibOutcome outcome = current_->Answer("ibrd", text, current_->IfOpen(descriptor, otherwise));
     const auto count = static_cast<std::size_t>(outcome.count);
     if (count <= current_->waiting.size()) {
       std::memcpy(characters, current_->waiting.data(), count);
@@ -163,11 +179,20 @@ class GpibDriverFake final : public GpibLibrary {
     return current_->cells_.erase(std::this_thread::get_id()) == 1 ? 0 : 1;
   }
 
-  static int Simple(const std::string& name, const std::string& arguments, GpibOutcome outcome = {}) {
+  static int OnDevice(const std::string& name, int descriptor, const std::string& arguments,
+                      const GpibOutcome& otherwise = {}) {
     const std::lock_guard lock(current_->mutex_);
-    return current_->Report(current_->Answer(name, name + "(" + arguments + ")", outcome)).status;
+    const std::string call = name + "(" + std::to_string(descriptor) + arguments + ")";
+    const bool is_board = name == "ibonl" && descriptor == 0;
+    const GpibOutcome outcome =
+        current_->Answer(name, call, is_board ? otherwise : current_->IfOpen(descriptor, otherwise));
+    if (name == "ibonl" && outcome.status < 0x8000) current_->open.erase(descriptor);
+    return current_->Report(outcome).status;
   }
-  static std::string Text(std::int32_t number) { return std::to_string(number); }
+
+  GpibOutcome IfOpen(int descriptor, const GpibOutcome& otherwise) const {
+    return !knows_descriptors || open.contains(descriptor) ? otherwise : GpibOutcome::Failure(0);
+  }
 
   GpibOutcome Answer(const std::string& name, const std::string& call, const GpibOutcome& otherwise) {
     heard.push_back(call);
@@ -178,11 +203,11 @@ class GpibDriverFake final : public GpibLibrary {
   }
   const GpibOutcome& Report(const GpibOutcome& outcome) {
     const auto found = cells_.find(std::this_thread::get_id());
-    if (found != cells_.end() && writes_cells) {
+    if (found != cells_.end()) {
       *found->second.status = outcome.status;
       *found->second.error = outcome.error;
       *found->second.count = outcome.count;
-      *found->second.long_count = outcome.count;
+      *found->second.long_count = outcome.long_count.value_or(outcome.count);
     }
     return outcome;
   }

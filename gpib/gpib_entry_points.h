@@ -11,16 +11,19 @@
 
 namespace kesp {
 
-// The public interface of the NI-488.2 driver. Lengths are the 32-bit "long" of Windows. Every function
-// leaves status, error and counts in the calling thread's cells; ibdev returns a descriptor (-1 after a
-// failure), the other bus calls return the status.
+// A "long" in the driver's interface on 32 bit. On 64 bit a driver may take the whole register, whose upper
+// half a shorter argument would leave undefined.
+using GpibLength = std::intptr_t;
+
+// The public interface of the NI-488.2 driver. Every function leaves status, error and counts in the calling
+// thread's cells; ibdev returns a descriptor (-1 after a failure), the other bus calls return the status.
 struct GpibEntryPoints {
   int(KESP_GPIB_CALL* ibdev)(int board, int primary_address, int secondary_address, int time_out,
                              int end_of_transfer, int end_of_string);
   int(KESP_GPIB_CALL* ibclr)(int descriptor);
   int(KESP_GPIB_CALL* ibeos)(int descriptor, int mode);
-  int(KESP_GPIB_CALL* ibwrt)(int descriptor, const void* bytes, std::int32_t length);
-  int(KESP_GPIB_CALL* ibrd)(int descriptor, void* buffer, std::int32_t length);
+  int(KESP_GPIB_CALL* ibwrt)(int descriptor, const void* bytes, GpibLength length);
+  int(KESP_GPIB_CALL* ibrd)(int descriptor, void* buffer, GpibLength length);
   int(KESP_GPIB_CALL* ibonl)(int descriptor, int online);
   int(KESP_GPIB_CALL* RegisterGpibGlobalsForThread)(std::int32_t* status, std::int32_t* error,
                                                     std::int32_t* count, std::int32_t* long_count);

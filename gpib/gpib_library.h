@@ -10,6 +10,11 @@ namespace kesp {
 // A function of the DLL before its type is known.
 using GpibEntryPoint = void (*)();
 
+// Error codes of the system that Load returns.
+inline constexpr std::uint32_t kGpibLibraryNotFound = 126;  // ERROR_MOD_NOT_FOUND: the file is nowhere
+inline constexpr std::uint32_t kGpibLibraryNeedsAnother =
+    1157;  // ERROR_DLL_NOT_FOUND: a DLL that it needs is
+
 // Finds and holds the driver's DLL. Used by one thread at a time.
 class GpibLibrary {
  public:
@@ -19,14 +24,14 @@ class GpibLibrary {
   virtual std::vector<std::wstring> FileNames() const = 0;
 
   // Loads a DLL of that name from where Windows looks for libraries of the application and of the system.
-  // Returns 0, or the system's error number. A DLL loaded before is given up.
+  // Returns 0, or the system's error number.
   virtual std::uint32_t Load(const std::wstring& file_name) = 0;
 
-  // An entry point of the DLL loaded last; null when it has none of that name.
+  // An entry point of the loaded DLL; null when it has none of that name.
   virtual GpibEntryPoint Find(const char* name) = 0;
-};
 
-// What Load returns for a file that is nowhere (ERROR_MOD_NOT_FOUND of the system's error codes).
-inline constexpr std::uint32_t kGpibLibraryNotFound = 126;
+  // Gives up the loaded DLL, so that another file of its name can be loaded. Nothing of it is used any more.
+  virtual void Unload() = 0;
+};
 
 }  // namespace kesp

@@ -3,7 +3,37 @@
 
 #include <windows.h>
 
+#include <utility>
+
 namespace kesp {
+
+namespace {
+
+// While it lives, a damaged file brings up no box of the system's on this thread.
+class QuietLoading {
+ public:
+  QuietLoading() { SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &mode_); }
+  ~QuietLoading() { SetThreadErrorMode(mode_, nullptr); }
+  QuietLoading(const QuietLoading&) = delete;
+  QuietLoading& operator=(const QuietLoading&) = delete;
+
+ private:
+  DWORD mode_ = 0;
+};
+
+HMODULE LoadFromLibraryFolders(const std::wstring& file_name, DWORD flags = 0) {
+  return LoadLibraryExW(file_name.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS | flags);
+}
+
+// Windows tells a file that is missing and one whose own DLLs are missing by the same number.
+bool IsThere(const std::wstring& file_name) {
+  HMODULE as_data = LoadFromLibraryFolders(file_name, LOAD_LIBRARY_AS_DATAFILE);
+  if (as_data == nullptr) return false;
+  FreeLibrary(as_data);
+  return true;
+}
+
+}  // namespace
 
 std::vector<std::wstring> GpibLibraryWin::FileNames() const {
   constexpr bool kIs64Bit = sizeof(void*) == 8;
@@ -12,17 +42,12 @@ std::vector<std::wstring> GpibLibraryWin::FileNames() const {
 }
 
 std::uint32_t GpibLibraryWin::Load(const std::wstring& file_name) {
-  // One that lacked an entry point. Its file may have been replaced since, but while it is loaded the system
-  // hands it out again.
-  if (module_ != nullptr) FreeLibrary(static_cast<HMODULE>(module_));
-  module_ = nullptr;
-  // A damaged file must not bring up a box of the system's.
-  DWORD mode = 0;
-  SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &mode);
-  HMODULE loaded = LoadLibraryExW(file_name.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
-  const DWORD error = loaded == nullptr ? GetLastError() : ERROR_SUCCESS;
-  SetThreadErrorMode(mode, nullptr);
-  if (loaded == nullptr) return error != ERROR_SUCCESS ? error : ERROR_GEN_FAILURE;
+  const QuietLoading quiet;
+  HMODULE loaded = LoadFromLibraryFolders(file_name);
+  if (loaded == nullptr) {
+    const DWORD error = GetLastError();
+    return error == kGpibLibraryNotFound && IsThere(file_name) ? kGpibLibraryNeedsAnother : error;
+  }
   module_ = loaded;
   return 0;
 }
@@ -30,6 +55,10 @@ std::uint32_t GpibLibraryWin::Load(const std::wstring& file_name) {
 GpibEntryPoint GpibLibraryWin::Find(const char* name) {
   return reinterpret_cast<GpibEntryPoint>(
       reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(module_), name)));
+}
+
+void GpibLibraryWin::Unload() {
+  FreeLibrary(static_cast<HMODULE>(std::exchange(module_, nullptr)));
 }
 
 }  // namespace kesp

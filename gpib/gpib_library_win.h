@@ -5,8 +5,7 @@
 
 namespace kesp {
 
-// The DLL stays loaded, also when this object or the library ends: other threads may still be registered with
-// it.
+// A DLL that is not given up stays loaded for the rest of the process: threads may be registered with it.
 class GpibLibraryWin final : public GpibLibrary {
  public:
   // Gpib-32.dll is the driver's name on 32 bit and that of the compatible drivers of other makers on both.
@@ -18,6 +17,7 @@ class GpibLibraryWin final : public GpibLibrary {
   std::uint32_t Load(const std::wstring& file_name) override;
 
   GpibEntryPoint Find(const char* name) override;
+  void Unload() override;
 
  private:
   void* module_ = nullptr;

@@ -4,7 +4,6 @@
 #include <cstdint>
 
 #include "gpib/gpib_entry_points.h"
-#include "gpib/gpib_status.h"
 
 namespace kesp {
 
@@ -16,9 +15,6 @@ struct GpibThread {
   std::int32_t error_cell = 0;
   std::int32_t count_cell = 0;
   std::int32_t long_count_cell = 0;
-
-  // The last call's outcome.
-  GpibStatus status;
 
   // Set once the driver knows the cells; from then on `entry_points` is set, too.
   bool registered = false;

@@ -1,4 +1,4 @@
-// Fiber-local storage of the driver binding's data.
+// Thread-local data of the driver binding, and the notice of a thread's end.
 #include "gpib/gpib_threads_win.h"
 
 #include <windows.h>
@@ -10,33 +10,54 @@ namespace kesp {
 
 namespace {
 
-struct Slot {
+// What a fiber's slot holds: the data of the thread that the fiber ran on.
+struct Notice {
   DWORD thread_id;
   GpibThread thread;
 };
 
-// Runs at the end of a thread, on it; and when the slot is given up, on one thread for all.
-void WINAPI OnThreadEnd(void* data) {
-  auto* slot = static_cast<Slot*>(data);
-  if (slot != nullptr && slot->thread_id == GetCurrentThreadId()) delete slot;
+// A thread may run several fibers; its registration with the driver is one.
+thread_local GpibThread* of_this_thread = nullptr;
+
+// Whether the process is ending. Its other threads are gone by then, some of them perhaps from within the
+// driver, which may wait for them for ever.
+bool ProcessIsEnding() {
+  using ShutdownInProgress = BOOLEAN(NTAPI*)();
+  static const auto in_progress = reinterpret_cast<ShutdownInProgress>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress")));
+  return in_progress != nullptr && in_progress() != FALSE;
+}
+
+// Runs at the end of a thread or fiber. A fiber may have moved to another thread or be deleted by one: the
+// driver can still write into the data then, so it stays.
+void WINAPI OnFiberEnd(void* data) {
+  auto* notice = static_cast<Notice*>(data);
+  if (notice == nullptr || notice->thread_id != GetCurrentThreadId() || ProcessIsEnding()) return;
+  of_this_thread = nullptr;
+  delete notice;
+}
+
+DWORD NoticeSlot() {
+  static const DWORD slot = [] {
+    HMODULE library = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       reinterpret_cast<LPCWSTR>(&OnFiberEnd), &library);
+    const DWORD made = FlsAlloc(&OnFiberEnd);
+    if (made == FLS_OUT_OF_INDEXES) throw std::bad_alloc();
+    return made;
+  }();
+  return slot;
 }
 
 }  // namespace
 
-GpibThreadsWin::GpibThreadsWin() : slot_(FlsAlloc(&OnThreadEnd)) {}
-
 GpibThread& GpibThreadsWin::Current() {
-  if (slot_ == FLS_OUT_OF_INDEXES) throw std::bad_alloc();
-  if (auto* known = static_cast<Slot*>(FlsGetValue(slot_)); known != nullptr) return known->thread;
-  auto made = std::make_unique<Slot>();
-  made->thread_id = GetCurrentThreadId();
-  if (FlsSetValue(slot_, made.get()) == FALSE) throw std::bad_alloc();
-  return made.release()->thread;
-}
-
-void GpibThreadsWin::Release() {
-  if (slot_ != FLS_OUT_OF_INDEXES) FlsFree(slot_);
-  slot_ = FLS_OUT_OF_INDEXES;
+  if (of_this_thread != nullptr) return *of_this_thread;
+  auto notice = std::make_unique<Notice>();
+  notice->thread_id = GetCurrentThreadId();
+  if (FlsSetValue(NoticeSlot(), notice.get()) == FALSE) throw std::bad_alloc();
+  of_this_thread = &notice.release()->thread;
+  return *of_this_thread;
 }
 
 }  // namespace kesp

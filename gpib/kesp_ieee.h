@@ -86,8 +86,8 @@ class CKespIEEE final {
   bool Initialize();
 
   // Closes the device and the board and returns true; does nothing when no device is open. Throws
-  // ERR_INVALID_DEVICE when the last opening failed in the driver, and ERR_IBONL with the source of
-  // Initialize's driver calls; the device counts as open then.
+  // ERR_INVALID_DEVICE when the last opening got no descriptor (ERR_IBDEV or number 6), and ERR_IBONL with
+  // the source of Initialize's driver calls; the next call closes then what is not closed yet.
   bool Uninitialize();
 
   // Sends cmd and the character that EOSChar gives as a number, END with it, and returns true. Throws number
@@ -119,12 +119,14 @@ class CKespIEEE final {
   bool InitializeIEEEBoard();
   void OpenDevice();
   void SetUpDevice();
+  void CloseQuietly();
   void Close(std::int16_t descriptor, const wchar_t* what);
   template <typename Preparation>
-  void LogFailure(const wchar_t* call, const Preparation& prepare);
+  void RunLogged(const wchar_t* call, const Preparation& preparation);
   void CheckOpening(const GpibStatus& status, const wchar_t* call, std::int32_t number);
+  [[noreturn]] void FailOpening(const GpibStatus& status, const wchar_t* call, std::int32_t number);
 
-  bool Search(std::span<const wchar_t* const> commands, int first_address, std::wstring& result);
+  bool Search(std::span<const wchar_t* const> commands, ESearchOption option, std::wstring& result);
   enum class Found { kNothing, kAnswer, kAbort };
   Found TryAddress(std::span<const wchar_t* const> commands, std::int16_t address, std::wstring& result);
   bool IsAborted(const std::wstring& cmd, std::int16_t address);
@@ -137,6 +139,7 @@ class CKespIEEE final {
   std::int16_t device_ = 0;  // the driver's descriptor
   DeviceAddress address_;
   bool initialized_ = false;
+  bool device_online_ = false;  // the device is still to be closed
   ETimeOutSecs time_out_secs_ = ETimeOutSecs::to3s;
   bool clear_device_ = true;
   bool set_eos_ = true;

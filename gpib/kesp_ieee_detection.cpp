@@ -12,12 +12,11 @@ bool CKespIEEE::AutoDetect(std::wstring& result, EDetectLevel DetectLevel, ESear
   const ETimeOutSecs time_out = time_out_secs_;
   const std::int16_t present_address = address_.primary;
   time_out_secs_ = ETimeOutSecs::to1s;
-  Raise(&CKespIEEEEvents::AutoDetectBegin);
-  const int first_address = SearchOption == ESearchOption::soFindNext ? present_address + 1 : 1;
   bool found = false;
   std::exception_ptr failure;
   try {
-    found = Search(DetectionCommands(DetectLevel), first_address, result);
+    Raise(&CKespIEEEEvents::AutoDetectBegin);
+    found = Search(DetectionCommands(DetectLevel), SearchOption, result);
   } catch (...) {
     failure = std::current_exception();
   }
@@ -30,9 +29,10 @@ bool CKespIEEE::AutoDetect(std::wstring& result, EDetectLevel DetectLevel, ESear
   return found;
 }
 
-bool CKespIEEE::Search(std::span<const wchar_t* const> commands, int first_address, std::wstring& result) {
+bool CKespIEEE::Search(std::span<const wchar_t* const> commands, ESearchOption option, std::wstring& result) {
   // Without a command there is nothing to ask.
   if (commands.empty() || IsAborted(commands.front(), address_.primary)) return false;
+  const int first_address = option == ESearchOption::soFindNext ? address_.primary + 1 : 1;
   for (int address = first_address; address <= kHighestDeviceAddress; ++address) {
     switch (TryAddress(commands, static_cast<std::int16_t>(address), result)) {
       case Found::kAnswer:

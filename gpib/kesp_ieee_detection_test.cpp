@@ -55,20 +55,12 @@ class IeeeDetectionTest : public IeeeFixture {
     return std::count_if(record_.begin(), record_.end(),
                          [&](const std::string& line) { return line.starts_with(beginning); });
   }
-  // Every device that was opened was closed.
-  void ExpectAllClosed() const {
-    for (const std::string& line : record_) {
-      if (!line.starts_with("ibclr(")) continue;
-      const std::string closing = "ibonl(" + line.substr(6, line.size() - 7) + ",0)";
-      EXPECT_EQ(CountOf(closing), 1) << closing;
-    }
-  }
   void ExpectRestored() const {
     EXPECT_EQ(ieee_.PrimaryAddress(), 5);
     EXPECT_EQ(ieee_.TimeOutSecs(), ETimeOutSecs::to3s);
     EXPECT_EQ(result_, L"");
     EXPECT_EQ(record_.back(), "AutoDetectEnd()");
-    ExpectAllClosed();
+    EXPECT_TRUE(bus_.open.empty());
   }
 
   std::map<int, std::map<std::string, std::string>> devices_;  // address, command and line feed, reply
@@ -199,7 +191,7 @@ TEST_F(IeeeDetectionTest, DeviceWasOpen_IsClosedBeforeTheNextIsOpened) {
   const auto closing = std::find(record_.begin(), record_.end(), "ibonl(7,0)");
   ASSERT_NE(closing, record_.end());
   EXPECT_EQ(*(closing + 1), "ibdev(0,1,0,11,1,0)");
-  ExpectAllClosed();
+  EXPECT_TRUE(bus_.open.empty());
 }
 
 TEST_F(IeeeDetectionTest, ReadTimesOut_NextCommandIsTried) {
@@ -209,10 +201,12 @@ TEST_F(IeeeDetectionTest, ReadTimesOut_NextCommandIsTried) {
   EXPECT_EQ(CountOf("ibrd("), 3);
 }
 
-TEST_F(IeeeDetectionTest, ReadFailsWithPartOfAReply_ResultStaysEmpty) {
-  devices_[1] = {};
+TEST_F(IeeeDetectionTest, LastReadFailsWithPartOfAReply_ResultStaysEmpty) {
+  ieee_.SetPrimaryAddress(29);
+  devices_[30] = {{"*IDN?\n)", "KESP"}};
   bus_.answers["ibrd"] = [] { return GpibOutcome{.status = 0xC100, .error = 6, .count = 4}; };
-  EXPECT_FALSE(Detect());
+  EXPECT_FALSE(Detect(EDetectLevel::dlSCPIOnly, ESearchOption::soFindNext));
+  EXPECT_EQ(CountOf("ibrd("), 1);
   EXPECT_EQ(result_, L"");
 }
 
@@ -233,7 +227,10 @@ TEST_F(IeeeDetectionTest, EosCharCannotEndACommand_NothingIsFound) {
 }
 
 TEST_F(IeeeDetectionTest, DeviceCannotBeOpened_IsRaisedWithAllRestored) {
-  for (const char* entry_point : {"ibdev", "ibclr", "ibeos"}) {
+  for (const auto& [entry_point, number] :
+       {std::pair<const char*, std::int32_t>{"ibdev", ieee_error::ERR_IBDEV},
+        {"ibclr", ieee_error::ERR_IBCLR},
+        {"ibeos", ieee_error::ERR_IBEOS}}) {
     SCOPED_TRACE(entry_point);
     record_.clear();
     result_ = L"before";
@@ -241,6 +238,7 @@ TEST_F(IeeeDetectionTest, DeviceCannotBeOpened_IsRaisedWithAllRestored) {
       return address_ == 3 ? GpibOutcome::Failure(4) : GpibOutcome{.result = 20 + address_};
     };
     const Raised raised = RaisedBy([this] { Detect(); });
+    EXPECT_EQ(raised.number, number);
     EXPECT_EQ(raised.source, L"[CKespIEEE - InitializeIEEEBoard()]");
     EXPECT_EQ(Opened(), (std::vector<int>{1, 2, 3}));
     ExpectRestored();
@@ -270,10 +268,20 @@ TEST_F(IeeeDetectionTest, ClosingFails_DoesNotChangeWhatItCameTo) {
 }
 
 TEST_F(IeeeDetectionTest, HandlersSeeTheTimeOutOfTheSearch) {
-  events_.handlers[L"AutoDetectBegin"] = [this] { EXPECT_EQ(ieee_.TimeOutSecs(), ETimeOutSecs::to1s); };
-  events_.handlers[L"AutoDetectEnd"] = [this] { EXPECT_EQ(ieee_.TimeOutSecs(), ETimeOutSecs::to3s); };
+  std::vector<ETimeOutSecs> seen;
+  for (const wchar_t* event : {L"AutoDetectBegin", L"AutoDetectUpdate", L"AutoDetectEnd"}) {
+    events_.handlers[event] = [this, &seen] { seen.push_back(ieee_.TimeOutSecs()); };
+  }
   events_.abort_at_update = 1;
   Detect();
+  EXPECT_EQ(seen, (std::vector{ETimeOutSecs::to1s, ETimeOutSecs::to1s, ETimeOutSecs::to3s}));
+}
+
+TEST_F(IeeeDetectionTest, HandlerSetsTheAddressAtTheBeginning_FindNextGoesOnFromThere) {
+  events_.handlers[L"AutoDetectBegin"] = [this] { ieee_.SetPrimaryAddress(28); };
+  EXPECT_FALSE(FindNext());
+  EXPECT_EQ(Opened(), (std::vector<int>{29, 30}));
+  EXPECT_EQ(ieee_.PrimaryAddress(), 5);
 }
 
 TEST_F(IeeeDetectionTest, HandlerChangesTheObject_AddressOfTheAnswerStands) {
@@ -294,7 +302,9 @@ TEST_F(IeeeDetectionTest, HandlerClosesTheDevice_SearchGoesOn) {
     if (address_ == 1 && !closed) closed = ieee_.Uninitialize();
   };
   EXPECT_TRUE(Detect());
+  EXPECT_TRUE(closed);
   EXPECT_EQ(result_, L"2.3");
+  EXPECT_EQ(ieee_.PrimaryAddress(), 2);
 }
 
 TEST_F(IeeeDetectionTest, NobodyListens_SearchesAllTheSame) {

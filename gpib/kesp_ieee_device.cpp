@@ -22,9 +22,9 @@ constexpr std::int32_t kEndReadAtByte = 1024;
 
 // Runs what comes before a call of the driver; a failure of its own is logged as the call's would be.
 template <typename Preparation>
-void CKespIEEE::LogFailure(const wchar_t* call, const Preparation& prepare) {
+void CKespIEEE::RunLogged(const wchar_t* call, const Preparation& preparation) {
   try {
-    prepare();
+    preparation();
   } catch (const Failure& failure) {
     log_.Write([&] { return L"Error " + std::wstring(call) + L"- " + failure.description(); });
     throw;
@@ -42,12 +42,12 @@ bool CKespIEEE::Initialize() {
 
 bool CKespIEEE::InitializeIEEEBoard() {
   log_.Write(L"InitializeIEEEBoard()...");
-  OpenDevice();
   try {
+    OpenDevice();
     SetUpDevice();
   } catch (...) {
-    // Nobody could close it any more: it does not count as open.
-    driver_.ibonl(device_);
+    // It does not count as open, so nobody else closes it.
+    CloseQuietly();
     throw;
   }
   log_.Write(L"InitializeIEEEBoard() Done...");
@@ -56,21 +56,21 @@ bool CKespIEEE::InitializeIEEEBoard() {
 
 void CKespIEEE::OpenDevice() {
   log_.Write(L"ibdev()");
-  LogFailure(L"ibdev()", [&] { driver_.Load(kDriverSource); });
-  if (initialized_) {
-    initialized_ = false;
-    driver_.ibonl(device_);
-  }
+  RunLogged(L"ibdev()", [&] { driver_.Load(kDriverSource); });
+  initialized_ = false;
+  CloseQuietly();
   const GpibDriver::Device opened = driver_.ibdev(address_.board, address_.primary, address_.secondary,
                                                   static_cast<std::int32_t>(time_out_secs_));
   device_ = Low16(opened.descriptor);
-  CheckOpening(opened.status, L"ibdev()", ieee_error::ERR_IBDEV);
-  if (device_ != opened.descriptor) {
+  if (opened.descriptor != device_) {
     driver_.ibonl(opened.descriptor);
     device_ = -1;
     throw Failure(Overflow().number(), kDriverSource,
                   L"Overflow (the driver's descriptor " + std::to_wstring(opened.descriptor) + L")");
   }
+  // Also one that comes with a failure, except 0, which is the board's own.
+  device_online_ = device_ > 0;
+  if (opened.status.Failed() || device_ < 0) FailOpening(opened.status, L"ibdev()", ieee_error::ERR_IBDEV);
 }
 
 void CKespIEEE::SetUpDevice() {
@@ -81,12 +81,15 @@ void CKespIEEE::SetUpDevice() {
   if (!set_eos_) return;
   log_.Write(L"ibeos()");
   std::int32_t mode = kEndReadAtByte;
-  LogFailure(L"ibeos()", [&] { mode += EosByteOfFirstCharacter(eos_char_, kDriverSource); });
+  RunLogged(L"ibeos()", [&] { mode += EosByteOfFirstCharacter(eos_char_, kDriverSource); });
   CheckOpening(driver_.ibeos(device_, mode), L"ibeos()", ieee_error::ERR_IBEOS);
 }
 
 void CKespIEEE::CheckOpening(const GpibStatus& status, const wchar_t* call, std::int32_t number) {
-  if (!status.Failed()) return;
+  if (status.Failed()) FailOpening(status, call, number);
+}
+
+void CKespIEEE::FailOpening(const GpibStatus& status, const wchar_t* call, std::int32_t number) {
   log_.Write([&] { return L"Error " + std::wstring(call) + L"- " + status.ErrorText(); });
   throw Failure(number, kDriverSource, L"Error calling " + std::wstring(call) + L": " + status.ErrorText());
 }
@@ -97,11 +100,18 @@ bool CKespIEEE::Uninitialize() {
     throw Failure(ieee_error::ERR_INVALID_BOARD_INDEX, kClosingSource, L"Invalid board index.");
   }
   if (initialized_) {
-    Close(device_, L"device");
+    if (device_online_) Close(device_, L"device");
+    device_online_ = false;
     Close(address_.board, L"board");
     initialized_ = false;
   }
   return true;
+}
+
+// Whatever comes of it.
+void CKespIEEE::CloseQuietly() {
+  if (device_online_) driver_.ibonl(device_);
+  device_online_ = false;
 }
 
 void CKespIEEE::Close(std::int16_t descriptor, const wchar_t* what) {

@@ -124,9 +124,32 @@ TEST_F(IeeeDeviceTest, Initialize_DriverMissing_IsLoggedAndRaised_LaterCallTries
 }
 
 TEST_F(IeeeDeviceTest, Initialize_DescriptorDoesNotFit_IsClosedAndAnOverflow) {
-  Answer("ibdev", {.result = 40000});
-  EXPECT_EQ(Refusal(), (Raised{6, kDriverSource, L"Overflow (the driver's descriptor 40000)"}));
-  EXPECT_EQ(Heard(), (Calls{"ibdev(0,5,0,12,1,0)", "ibonl(40000,0)"}));
+  for (const int descriptor : {40000, 65541}) {
+    Answer("ibdev", {.result = descriptor});
+    const std::wstring number = std::to_wstring(descriptor);
+    EXPECT_EQ(Refusal(), (Raised{6, kDriverSource, L"Overflow (the driver's descriptor " + number + L")"}));
+    EXPECT_EQ(Heard(), (Calls{"ibdev(0,5,0,12,1,0)", "ibonl(" + std::to_string(descriptor) + ",0)"}));
+    EXPECT_EQ(ClosingRefusal().number, ieee_error::ERR_INVALID_DEVICE);
+  }
+}
+
+TEST_F(IeeeDeviceTest, Initialize_NegativeDescriptorWithoutFailure_IsAFailure) {
+  Answer("ibdev", {.result = -1});
+  EXPECT_EQ(Refusal(), (Raised{ieee_error::ERR_IBDEV, kDriverSource,
+                               L"Error calling ibdev(): Error: 0 - System error"}));
+  EXPECT_EQ(Heard(), (Calls{"ibdev(0,5,0,12,1,0)"}));
+}
+
+TEST_F(IeeeDeviceTest, Initialize_DescriptorWithAFailure_IsClosed) {
+  Answer("ibdev", {.status = 0x8100, .error = 4, .result = 9});
+  EXPECT_EQ(Refusal().number, ieee_error::ERR_IBDEV);
+  EXPECT_EQ(Heard(), (Calls{"ibdev(0,5,0,12,1,0)", "ibonl(9,0)"}));
+}
+
+TEST_F(IeeeDeviceTest, Initialize_BoardsDescriptorWithAFailure_BoardStaysOnline) {
+  Answer("ibdev", {.status = 0x8100, .error = 4, .result = 0});
+  EXPECT_EQ(Refusal().number, ieee_error::ERR_IBDEV);
+  EXPECT_EQ(Heard(), (Calls{"ibdev(0,5,0,12,1,0)"}));
 }
 
 TEST_F(IeeeDeviceTest, Initialize_HighestDescriptor_Fits) {
@@ -194,6 +217,24 @@ TEST_F(IeeeDeviceTest, Uninitialize_BoardFails_HasTheSourceOfOpening) {
             (Raised{ieee_error::ERR_IBONL, kDriverSource,
                     L"Error calling ibonl() for board: Error: 14 - Command error during device call"}));
   EXPECT_EQ(Heard().back(), "ibonl(0,0)");
+  EXPECT_TRUE(ieee_.Uninitialize());
+  EXPECT_EQ(Heard(), (Calls{"ibonl(0,0)"}));
+}
+
+TEST_F(IeeeDeviceTest, InitializeAfterTheBoardDidNotClose_ClosesNoDeviceTwice) {
+  ieee_.Initialize();
+  bus_.failing_call = 5;
+  EXPECT_EQ(ClosingRefusal().number, ieee_error::ERR_IBONL);
+  Heard();
+  ieee_.Initialize();
+  EXPECT_EQ(Heard().front(), "ibdev(0,5,0,12,1,0)");
+}
+
+TEST_F(IeeeDeviceTest, ClosedDevice_WritesGoToItsDescriptorAndFail) {
+  ieee_.Initialize();
+  ieee_.Uninitialize();
+  EXPECT_EQ(RaisedBy([this] { ieee_.WriteLine(L"t"); }).description,
+            L"Error calling ibwrt() with command 't' on device 7: Error: 0 - System error");
 }
 
 TEST_F(IeeeDeviceTest, Released_OpenDeviceIsClosed) {

@@ -9,6 +9,7 @@
 
 #include "gpib/kesp_ieee_fixture.h"
 #include "support/attempt.h"
+#include "support/failure.h"
 
 namespace kesp {
 namespace {
@@ -17,20 +18,14 @@ namespace {
 struct Stage {
   Stage() {
     ieee.SetEOSChar(L"10");
-    bus.answers["ibdev"] = [this] {
-      open.insert(next);
-      return GpibOutcome{.result = next++};
-    };
+    bus.knows_descriptors = true;
     bus.on_call = [this](const std::string& call) {
       if (call.starts_with("ibdev(")) address = std::stoi(call.substr(8));
       if (call.starts_with("ibclr(")) bus.waiting.clear();
-      if (call.starts_with("ibonl(")) open.erase(std::stoi(call.substr(6)));
       if (call.ends_with(",t\n)") && address == 3) bus.waiting = "+021.5";
     };
   }
 
-  std::set<int> open;  // descriptors that nobody tried to close
-  int next = 7;
   int address = 0;
   EnvironmentFake environment;
   GpibDriverFake bus;
@@ -55,10 +50,9 @@ int Sweep(const Operation& operation, std::set<std::int32_t>& numbers) {
     Stage stage;
     stage.bus.failing_call = nth;
     numbers.insert(RaisedBy([&] { operation(stage); }).number);
-    Try([&] { return stage.ieee.Uninitialize(); });
-    EXPECT_TRUE(stage.open.empty()) << stage.open.size();
     EXPECT_EQ(stage.ieee.TimeOutSecs(), ETimeOutSecs::to3s);
-    stage.bus.failing_call = 0;
+    Try([&] { return stage.ieee.Uninitialize(); });
+    EXPECT_TRUE(stage.bus.open.empty()) << stage.bus.open.size();
     EXPECT_TRUE(stage.ieee.Initialize());
     if (testing::Test::HasFailure()) break;  // one report is enough
   }
@@ -89,9 +83,11 @@ TEST(CKespIEEEFaultsTest, AutoDetect_AnyDriverCallFails_OnlyOpeningRaisesAndAllI
   const int calls = Sweep(
       [](Stage& stage) {
         std::wstring result;
-        const bool found = stage.ieee.AutoDetect(result);
+        bool found = false;
+        const Raised raised = RaisedBy([&] { found = stage.ieee.AutoDetect(result); });
         EXPECT_EQ(stage.ieee.PrimaryAddress(), found ? 3 : 1);
         EXPECT_EQ(result, found ? L"+021.5" : L"");
+        if (raised.number != 0) throw Failure(raised.number, raised.source, raised.description);
       },
       numbers);
   EXPECT_GT(calls, 30);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "gpib/gpib_driver_fake.h"
@@ -23,6 +24,7 @@ using Lines = std::vector<std::wstring>;
 class IeeeFixture : public testing::Test {
  protected:
   IeeeFixture() {
+    bus_.knows_descriptors = true;
     ieee_.SetPrimaryAddress(5);
     ieee_.SetEOSChar(L"10");
   }

@@ -6,26 +6,11 @@
 
 namespace kesp {
 
-namespace {
-
-struct Binding {
-  GpibLibraryWin library;
-  GpibThreadsWin threads;
-  GpibDriver driver{library, threads};
-};
-
-// Null until it is needed. Never freed: a thread that ends late still refers to the table in it.
-Binding* binding = nullptr;
-
-}  // namespace
-
 GpibDriver& SystemGpibDriver() {
-  static Binding& made = *(binding = new Binding);
-  return made.driver;
-}
-
-void ReleaseSystemGpibDriver() {
-  if (binding != nullptr) binding->threads.Release();
+  static GpibLibraryWin library;
+  static GpibThreadsWin threads;
+  static GpibDriver driver(library, threads);
+  return driver;
 }
 
 }  // namespace kesp

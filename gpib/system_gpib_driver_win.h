@@ -5,10 +5,7 @@
 
 namespace kesp {
 
+// The binding over the driver that is installed.
 GpibDriver& SystemGpibDriver();
-
-// For the unloading of the library: ends the registration of the calling thread. SystemGpibDriver is not used
-// afterwards.
-void ReleaseSystemGpibDriver();
 
 }  // namespace kesp

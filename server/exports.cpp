@@ -2,7 +2,6 @@
 
 #include <new>
 
-#include "gpib/system_gpib_driver_win.h"
 #include "server/class_factory.h"
 #include "server/com_headers.h"
 #include "server/module.h"
@@ -13,12 +12,8 @@ using kesp::RegistrationScope;
 
 // Thread notifications stay on: the C++ runtime, which is linked in, frees each thread's data on them.
 extern "C" BOOL WINAPI DllMain(HINSTANCE /*instance*/, DWORD reason, LPVOID reserved) {
-  // Only when the DLL is unloaded: at the end of the process the automation library and the GPIB driver may
-  // be gone already.
-  if (reason == DLL_PROCESS_DETACH && reserved == nullptr) {
-    kesp::ReleaseTypeInfoCache();
-    kesp::ReleaseSystemGpibDriver();
-  }
+  // Only when the DLL is unloaded: at the end of the process the automation library may be gone already.
+  if (reason == DLL_PROCESS_DETACH && reserved == nullptr) kesp::ReleaseTypeInfoCache();
   return TRUE;
 }
 
