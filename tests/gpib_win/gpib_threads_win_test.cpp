@@ -1,0 +1,141 @@
+// The data that the driver binding keeps for each thread: threads, fibers, and the end of the process.
+#include "gpib/gpib_threads_win.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <array>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace kesp {
+namespace {
+
+// The threads on which the driver was told to forget the cells.
+std::vector<DWORD> unregistered;
+
+int KESP_GPIB_CALL Unregister() {
+  unregistered.push_back(GetCurrentThreadId());
+  return 0;
+}
+
+int KESP_GPIB_CALL NeverReturn() {
+  Sleep(INFINITE);
+  return 0;
+}
+
+GpibEntryPoints table{};
+
+void MarkAsRegistered(GpibThread& thread, int(KESP_GPIB_CALL* unregister)() = &Unregister) {
+  table.UnregisterGpibGlobalsForThread = unregister;
+  thread.registered = true;
+  thread.entry_points = &table;
+}
+
+class GpibThreadsWinTest : public testing::Test {
+ protected:
+  GpibThreadsWinTest() { unregistered.clear(); }
+
+  GpibThreadsWin threads_;
+};
+
+TEST_F(GpibThreadsWinTest, SameThread_KeepsItsData) {
+  EXPECT_EQ(&threads_.Current(), &threads_.Current());
+}
+
+TEST_F(GpibThreadsWinTest, OtherThread_HasDataOfItsOwn) {
+  GpibThread* other = nullptr;
+  std::thread([&] { other = &threads_.Current(); }).join();
+  EXPECT_NE(other, &threads_.Current());
+}
+
+TEST_F(GpibThreadsWinTest, RegisteredThreadEnds_IsUnregisteredOnIt) {
+  DWORD id = 0;
+  std::thread([&] {
+    id = GetCurrentThreadId();
+    MarkAsRegistered(threads_.Current());
+  }).join();
+  EXPECT_EQ(unregistered, (std::vector{id}));
+}
+
+TEST_F(GpibThreadsWinTest, ThreadThatIsNotRegisteredEnds_DriverIsNotCalled) {
+  std::thread([&] { threads_.Current(); }).join();
+  EXPECT_TRUE(unregistered.empty());
+}
+
+// Runs the work on a new fiber of this thread, whose present fiber is `own`, and deletes the fiber.
+void OnNewFiber(void* own, const std::function<void()>& work) {
+  struct Task {
+    const std::function<void()>& work;
+    void* back;
+  } task{work, own};
+  void* fiber = CreateFiber(
+      0,
+      [](void* parameter) {
+        auto* its = static_cast<Task*>(parameter);
+        its->work();
+        SwitchToFiber(its->back);
+      },
+      &task);
+  ASSERT_NE(fiber, nullptr);
+  SwitchToFiber(fiber);
+  DeleteFiber(fiber);
+}
+
+TEST_F(GpibThreadsWinTest, SecondFiber_SharesTheThreadsData) {
+  GpibThread* first = nullptr;
+  GpibThread* second = nullptr;
+  std::thread([&] {
+    void* own = ConvertThreadToFiber(nullptr);
+    first = &threads_.Current();
+    MarkAsRegistered(*first);
+    OnNewFiber(own, [&] { second = &threads_.Current(); });
+    EXPECT_TRUE(unregistered.empty());
+    ConvertFiberToThread();
+  }).join();
+  EXPECT_EQ(second, first);
+  EXPECT_EQ(unregistered.size(), 1u);
+}
+
+TEST_F(GpibThreadsWinTest, FiberThatBroughtTheDataIsDeleted_ThreadIsUnregisteredAndBeginsAnew) {
+  bool was_registered = true;
+  std::thread([&] {
+    void* own = ConvertThreadToFiber(nullptr);
+    OnNewFiber(own, [&] { MarkAsRegistered(threads_.Current()); });
+    EXPECT_EQ(unregistered.size(), 1u);
+    was_registered = threads_.Current().registered;
+    ConvertFiberToThread();
+  }).join();
+  EXPECT_FALSE(was_registered);
+  EXPECT_EQ(unregistered.size(), 1u);
+}
+
+// Not a test: what the program does that ProcessEnds_... starts.
+TEST_F(GpibThreadsWinTest, DISABLED_EndRegistered) {
+  MarkAsRegistered(threads_.Current(), &NeverReturn);
+}
+
+TEST_F(GpibThreadsWinTest, ProcessEndsOnARegisteredThread_DoesNotWaitForTheDriver) {
+  std::array<wchar_t, 32768> path{};
+  GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+  std::wstring command = L"\"" + std::wstring(path.data()) +
+                         L"\" --gtest_also_run_disabled_tests --gtest_filter=*DISABLED_EndRegistered";
+  STARTUPINFOW startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION process{};
+  ASSERT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                             &process));
+  const DWORD waited = WaitForSingleObject(process.hProcess, 30'000);
+  EXPECT_EQ(waited, WAIT_OBJECT_0);
+  if (waited != WAIT_OBJECT_0) TerminateProcess(process.hProcess, 1);
+  DWORD code = 1;
+  GetExitCodeProcess(process.hProcess, &code);
+  EXPECT_EQ(code, 0u);
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+}
+
+}  // namespace
+}  // namespace kesp
