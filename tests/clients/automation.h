@@ -104,6 +104,11 @@ std::ostream& operator<<(std::ostream& out, const Refusal& refusal);
 // The result together with, after a failure, the thread's error information, which is taken by that.
 Refusal RefusalOf(HRESULT result);
 
+// The result of a call that failed with a bare number, such as 5 or 8002.
+inline HRESULT ControlError(long number) {
+  return MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, number);
+}
+
 // An apartment for as long as it lives.
 class Apartment {
  public:

@@ -31,11 +31,6 @@ inline std::wstring SerialPortText() {
   return std::to_wstring(SerialWire::PortNumber());
 }
 
-// The result of a call that failed with a number of the serial control.
-inline HRESULT ControlError(long number) {
-  return MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, number);
-}
-
 // Points the transport at the test's COM port: 9600 bit/s of all rates, and kSerialTimeOut.
 inline void UseSerialLine(const ComPtr<_CKespCOMPort3>& port) {
   EXPECT_EQ(Write(port, &_CKespCOMPort3::put_Port, SerialPortNumber()), S_OK);

@@ -1,0 +1,237 @@
+// Query, QueryBinary and Update with csIEEE: every status, and the whole trace.
+#include "tests/clients/gpib_fixture.h"
+#include "tests/clients/late_object.h"
+#include "tests/clients/temporary_file.h"
+
+namespace kesp::clients {
+namespace {
+
+using Lines = std::vector<std::wstring>;
+
+class GpibQueryTest : public GpibDriverFixture {
+ protected:
+  GpibQueryTest() {
+    EXPECT_EQ(Write(comm_, &_CKespCommObj::put_DebugFilename, trace_.path()), S_OK);
+    EXPECT_EQ(Write(comm_, &_CKespCommObj::put_Debugging, VARIANT_TRUE), S_OK);
+    // The communication object's own lines alone.
+    EXPECT_EQ(Write(ieee_.object, &_CKespIEEE::put_CreateLogFile, VARIANT_FALSE), S_OK);
+  }
+
+  static ComPtr<_CKespIEEE> TransportOf(const ComPtr<_CKespCommObj>& comm) {
+    EXPECT_EQ(WriteByReference(comm, &_CKespCommObj::put_CommStyle, csIEEE), S_OK);
+    ComPtr<_CKespIEEE> transport;
+    EXPECT_EQ(ReadObject(comm, &_CKespCommObj::get_CommObject).As(&transport), S_OK);
+    return transport;
+  }
+  bool Query(const std::wstring& cmd, const std::wstring& address = {}, const std::wstring& value = {}) {
+    VARIANT_BOOL answer = 5;
+    EXPECT_EQ(comm_->Query(reply_.in_out(), Text(cmd).get(), Text(address).get(), Text(value).get(), &answer),
+              S_OK);
+    return answer == VARIANT_TRUE;
+  }
+  bool Update(const std::wstring& cmd) {
+    VARIANT_BOOL answer = 5;
+    EXPECT_EQ(comm_->Update(Text(cmd).get(), nullptr, nullptr, &answer), S_OK);
+    return answer == VARIANT_TRUE;
+  }
+  void ExpectStatus(ECommError status, const std::wstring& source = {},
+                    const std::wstring& description = {}) {
+    EXPECT_EQ(Read(comm_, &_CKespCommObj::get_CommError), status);
+    EXPECT_EQ(Read(comm_, &_CKespCommObj::get_CommErrorSource), source);
+    EXPECT_EQ(Read(comm_, &_CKespCommObj::get_CommErrorDescr), description);
+  }
+  // The trace since the last time.
+  void ExpectTrace(const Lines& expected) {
+    const Lines all = trace_.Messages();
+    EXPECT_EQ(Lines(all.begin() + static_cast<std::ptrdiff_t>(seen_), all.end()), expected);
+    seen_ = all.size();
+  }
+  static std::wstring ErrorInfo(const std::wstring& operation, const std::wstring& source,
+                                const std::wstring& description) {
+    return L"IEEE: ** " + operation + L" Error info: Source- " + source + L"  Description- " + description +
+           L" **";
+  }
+
+  Apartment apartment_;
+  ComPtr<_CKespCommObj> comm_ = Create<_CKespCommObj>(__uuidof(CKespCommObj));
+  IeeeClient ieee_{TransportOf(comm_)};
+  Text reply_;
+  TemporaryFile trace_;
+  std::size_t seen_ = 0;
+};
+
+TEST_F(GpibQueryTest, Success) {
+  EXPECT_TRUE(Query(L"*IDN?"));
+  EXPECT_EQ(reply_.str(), L"KESP,GP488,SIM48805,2.0\n");
+  ExpectStatus(cfrSuccess);
+  ExpectTrace({L"Beginning Query()... (command: *IDN?)", L"IEEE: Initialize()", L"IEEE: WriteLine(*IDN?)",
+               L"IEEE: ReadLine()", L"IEEE: result- KESP,GP488,SIM48805,2.0\n", L"IEEE: Uninitialize()",
+               L"Exiting Query()...(command: *IDN?)"});
+  EXPECT_TRUE(Update(L"SETP 20"));
+  ExpectStatus(cfrSuccess);
+  ExpectTrace({L"Beginning Update()...(command: SETP 20)", L"IEEE: Initialize()", L"IEEE: Writeline(SETP 20)",
+               L"IEEE: Uninitialize()", L"Exiting Update()...(command: SETP 20)"});
+  EXPECT_EQ(driver_.Calls(), (CallLines{"ibdev(0,5,0,12,1,0)", "ibclr(1)", "ibeos(1,1073)",
+                                        R"(ibwrt(1,"*IDN?\n",6))", "ibrd(1,[50 blanks],50)", "ibonl(1,0)",
+                                        "ibonl(0,0)", "ibdev(0,5,0,12,1,0)", "ibclr(2)", "ibeos(2,1073)",
+                                        R"(ibwrt(2,"SETP 20\n",8))", "ibonl(2,0)", "ibonl(0,0)"}));
+}
+
+TEST_F(GpibQueryTest, Transport_WritesItsLinesInBetween) {
+  EXPECT_EQ(Write(ieee_.object, &_CKespIEEE::put_CreateLogFile, VARIANT_TRUE), S_OK);
+  EXPECT_TRUE(Query(L"*IDN?"));
+  ExpectTrace({L"Beginning Query()... (command: *IDN?)", L"IEEE: Initialize()", L"Initialize()",
+               L"Check Board Index...", L"Check Primary Address...", L"Check Secondary Address...",
+               L"Init Board...", L"InitializeIEEEBoard()...", L"ibdev()", L"ibclr()", L"ibeos()",
+               L"InitializeIEEEBoard() Done...", L"Initialize() Done...", L"IEEE: WriteLine(*IDN?)",
+               L"IEEE: ReadLine()", L"IEEE: result- KESP,GP488,SIM48805,2.0\n", L"IEEE: Uninitialize()",
+               L"Exiting Query()...(command: *IDN?)"});
+}
+
+TEST_F(GpibQueryTest, TransportsLog_EndsAtTheCallThatFailed) {
+  driver_.Load(MeterBus(Failures(Failing("ibclr", 1, "\"error\": 8"))));
+  EXPECT_EQ(Write(ieee_.object, &_CKespIEEE::put_CreateLogFile, VARIANT_TRUE), S_OK);
+  EXPECT_EQ(ieee_.Initialize().result, ERR_IBCLR);
+  ExpectTrace({L"Initialize()", L"Check Board Index...", L"Check Primary Address...",
+               L"Check Secondary Address...", L"Init Board...", L"InitializeIEEEBoard()...", L"ibdev()",
+               L"ibclr()", L"Error ibclr()- Error: 8 - DMA Error"});
+}
+
+TEST_F(GpibQueryTest, OpeningFails_IsInitializeFailed) {
+  driver_.Load(
+      MeterBus(Failures(Failing("ibdev", 1, "\"error\": 7") + "," + Failing("ibeos", 1, "\"error\": 4"))));
+  const std::wstring no_board = DriverError(L"ibdev()", L"7 - Non-existent interface board");
+  EXPECT_FALSE(Query(L"*IDN?"));
+  ExpectStatus(cfrInitializeFailed, kOpeningSource, no_board);
+  ExpectTrace({L"Beginning Query()... (command: *IDN?)", L"IEEE: Initialize()",
+               ErrorInfo(L"Initialize()", kOpeningSource, no_board), L"IEEE: Uninitialize()",
+               L"Exiting Query()...(command: *IDN?)"});
+  const std::wstring bad_argument = DriverError(L"ibeos()", L"4 - Invalid argument to function call");
+  EXPECT_FALSE(Update(L"SETP 20"));
+  ExpectStatus(cfrInitializeFailed, kOpeningSource, bad_argument);
+  ExpectTrace({L"Beginning Update()...(command: SETP 20)", L"IEEE: Initialize()",
+               ErrorInfo(L"Initialize()", kOpeningSource, bad_argument), L"IEEE: Uninitialize()",
+               L"Exiting Update()...(command: SETP 20)"});
+  EXPECT_TRUE(Query(L"*IDN?"));
+  ExpectStatus(cfrSuccess);
+}
+
+TEST_F(GpibQueryTest, EosCharEmpty_IsInitializeFailed) {
+  ieee_.SetEos(L"");
+  EXPECT_FALSE(Query(L"*IDN?"));
+  ExpectStatus(
+      cfrInitializeFailed, kOpeningSource,
+      L"Invalid procedure call or argument (EOSChar is empty, so no character can end a read; set it, or "
+      L"set SetEOS to False)");
+  EXPECT_EQ(driver_.OpenDescriptors(), 0);
+}
+
+TEST_F(GpibQueryTest, NoDevice_IsWriteFailed) {
+  ieee_.SetAddress(9);
+  const auto description = [](int device, const std::wstring& cmd) {
+    return DriverError(L"ibwrt() with command '" + cmd + L"' on device " + std::to_wstring(device),
+                       L"2 - Write function detected no listeners");
+  };
+  EXPECT_FALSE(Query(L"*IDN?"));
+  ExpectStatus(cfrWriteFailed, kWritingSource, description(1, L"*IDN?"));
+  ExpectTrace({L"Beginning Query()... (command: *IDN?)", L"IEEE: Initialize()", L"IEEE: WriteLine(*IDN?)",
+               ErrorInfo(L"WriteLine()", kWritingSource, description(1, L"*IDN?")), L"IEEE: Uninitialize()",
+               L"Exiting Query()...(command: *IDN?)"});
+  EXPECT_FALSE(Update(L"SETP 20"));
+  ExpectStatus(cfrWriteFailed, kWritingSource, description(2, L"SETP 20"));
+  ExpectTrace({L"Beginning Update()...(command: SETP 20)", L"IEEE: Initialize()", L"IEEE: Writeline(SETP 20)",
+               ErrorInfo(L"WriteLine()", kWritingSource, description(2, L"SETP 20")), L"IEEE: Uninitialize()",
+               L"Exiting Update()...(command: SETP 20)"});
+  EXPECT_EQ(driver_.OpenDescriptors(), 0);
+}
+
+TEST_F(GpibQueryTest, Silence_IsReadFailed) {
+  ieee_.SetTimeOut(to100ms);
+  const std::wstring silence = DriverError(L"ibrd() on device 1", L"6 - I/O operation aborted");
+  EXPECT_FALSE(Query(L"SETP 20"));
+  ExpectStatus(cfrReadFailed, kReadingSource, silence);
+  ExpectTrace({L"Beginning Query()... (command: SETP 20)", L"IEEE: Initialize()", L"IEEE: WriteLine(SETP 20)",
+               L"IEEE: ReadLine()", ErrorInfo(L"ReadLine()", kReadingSource, silence),
+               L"IEEE: Uninitialize()", L"Exiting Query()...(command: SETP 20)"});
+  EXPECT_TRUE(Query(L"*IDN?"));
+  ExpectStatus(cfrSuccess);
+}
+
+// The exchange is over by then.
+TEST_F(GpibQueryTest, ClosingFails_ChangesNothing) {
+  driver_.Load(MeterBus(Failures(Failing("ibonl", 1))));
+  EXPECT_TRUE(Query(L"*IDN?"));
+  ExpectStatus(cfrSuccess);
+  EXPECT_EQ(driver_.OpenDescriptors(), 1) << "so the driver has it";
+  EXPECT_TRUE(Query(L"*IDN?"));
+  EXPECT_EQ(driver_.OpenDescriptors(), 0) << testing::PrintToString(driver_.Record());
+}
+
+TEST_F(GpibQueryTest, DeviceThatTheClientOpened_IsReplacedAndClosed) {
+  EXPECT_EQ(ieee_.Initialize(), kDone);
+  EXPECT_TRUE(Query(L"*IDN?"));
+  EXPECT_EQ(driver_.OpenDescriptors(), 0) << "that of the client's own opening is gone";
+}
+
+TEST_F(GpibQueryTest, OmegaArguments_AreIgnored) {
+  EXPECT_TRUE(Query(L"*IDN?", L"01", L"20"));
+  EXPECT_EQ(driver_.Calls("ibwrt"), CallLines{R"(ibwrt(1,"*IDN?\n",6))"});
+}
+
+TEST_F(GpibQueryTest, LongReply_IsItsFirstFiftyCharacters) {
+  driver_.Load(BusWith(R"({"primary": 5, "commands": {"LOG?": ")" + std::string(60, 'a') + "\"}}"));
+  EXPECT_TRUE(Query(L"LOG?"));
+  EXPECT_EQ(reply_.str(), std::wstring(50, L'a'));
+}
+
+TEST_F(GpibQueryTest, QueryBinary_IsRefusedWithoutACall) {
+  Value bytes(5);
+  VARIANT_BOOL answer = VARIANT_TRUE;
+  EXPECT_EQ(RefusalOf(comm_->QueryBinary(bytes.get(), Text(L"*IDN?").get(), nullptr, nullptr, &answer)),
+            (Refusal{ERR_COMM_STYLE_NOT_SUPPORTED, L"[CKespCommObj - QueryBinary()]",
+                     L"The selected communication style is currently not supported"}));
+  EXPECT_EQ(answer, VARIANT_FALSE);
+  EXPECT_EQ(V_I4(bytes.get()), 5);
+  EXPECT_EQ(driver_.Record(), CallLines{});
+  ExpectTrace({});
+  EXPECT_TRUE(Query(L"*IDN?")) << "the object works on";
+}
+
+TEST_F(GpibQueryTest, AnotherStyleAndBack_KeepsTheSettings) {
+  EXPECT_TRUE(Query(L"*IDN?"));
+  EXPECT_EQ(WriteByReference(comm_, &_CKespCommObj::put_CommStyle, csTCPIP), S_OK);
+  EXPECT_EQ(WriteByReference(comm_, &_CKespCommObj::put_CommStyle, csIEEE), S_OK);
+  EXPECT_TRUE(Query(L"*IDN?"));
+}
+
+TEST_F(GpibQueryTest, LateBound_SettingsThroughCommObject) {
+  const LateObject comm(Create<IDispatch>(__uuidof(CKespCommObj)));
+  EXPECT_EQ(comm.Put(L"CommStyle", Plain(Value(csIEEE))).result, S_OK);
+  const Outcome transport = comm.Get(L"CommObject");
+  ASSERT_EQ(transport.value.type(), VT_DISPATCH);
+  const LateObject ieee(ComPtr<IDispatch>(V_DISPATCH(transport.value.get())));
+  EXPECT_EQ(ieee.Put(L"PrimaryAddress", Plain(Value(5))).result, S_OK);
+  EXPECT_EQ(ieee.Put(L"EOSChar", Plain(Value(L"10"))).result, S_OK);
+  Value result;
+  EXPECT_TRUE(comm.Call(L"Query", {Variable(result), Plain(Value(L"*IDN?"))}).IsTrue());
+  EXPECT_EQ(result.text(), L"KESP,GP488,SIM48805,2.0\n");
+  EXPECT_EQ(V_I4(comm.Get(L"CommError").value.get()), cfrSuccess);
+  EXPECT_EQ(ieee.Put(L"PrimaryAddress", Plain(Value(31))).scode, ERR_INVALID_PRIMARY_ADDRESS);
+  EXPECT_EQ(ieee.Put(L"PrimaryAddress", Plain(Value(9))).result, S_OK);
+  const Outcome update = comm.Call(L"Update", {Plain(Value(L"SETP 20"))});
+  EXPECT_EQ(update.result, S_OK);
+  EXPECT_FALSE(update.IsTrue());
+  EXPECT_EQ(V_I4(comm.Get(L"CommError").value.get()), cfrWriteFailed);
+  EXPECT_EQ(comm.Get(L"CommErrorSource").value.text(), kWritingSource);
+}
+
+TEST_F(GpibQueryTest, FacadeReleased_TransportOfTheClientWorksOn) {
+  comm_.Reset();
+  EXPECT_EQ(ieee_.Converse(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
+  EXPECT_EQ(ieee_.Initialize(), kDone);
+  ieee_.object.Reset();
+  EXPECT_EQ(driver_.OpenDescriptors(), 0);
+}
+
+}  // namespace
+}  // namespace kesp::clients

@@ -1,0 +1,49 @@
+// The simulated GPIB driver beside this program, as the tests steer it and look at it.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+namespace kesp::clients {
+
+using CallLines = std::vector<std::string>;
+
+// A new bus for one test. At the end it fails the test when a device was left open, or a thread registered;
+// so it must outlive the apartments in which the library is used.
+//
+// The library registers each thread once and does not learn of a new bus. Load therefore comes before the
+// thread's first call of the driver, or the rest is done on a thread of its own.
+class SimulatedDriver {
+ public:
+  // With one device, which takes any command and never answers, unless Load follows.
+  SimulatedDriver();
+  ~SimulatedDriver();
+  SimulatedDriver(const SimulatedDriver&) = delete;
+  SimulatedDriver& operator=(const SimulatedDriver&) = delete;
+
+  // Replaces the bus by the one of this JSON text (tests/gpib_driver tells its form). Whatever was recorded
+  // is gone.
+  void Load(const std::string& description) const;
+
+  // What the driver heard since then: "1 ibclr(1) = 256 sta 0100 err 0 cnt 0".
+  CallLines Record() const;
+  // Of the calls of the bus only what was asked for: "ibclr(1)".
+  CallLines Calls() const;
+  // Those of one function.
+  CallLines Calls(const std::string& function) const;
+
+  // The last of these calls; empty when there was none.
+  std::string LastCall(const std::string& function) const;
+
+  int OpenDescriptors() const;
+
+ private:
+  template <class Function>
+  Function* Find(const char* name) const;
+
+  HMODULE module_;
+};
+
+}  // namespace kesp::clients
