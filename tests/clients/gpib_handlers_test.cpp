@@ -1,0 +1,209 @@
+// Handlers that act on the IEEE-488 transport that calls them: calling back in, disconnecting, letting the
+// last reference go.
+#include <functional>
+#include <memory>
+
+#include "tests/clients/gpib_detection_fixture.h"
+#include "tests/clients/library_module.h"
+
+namespace kesp::clients {
+namespace {
+
+class GpibHandlersTest : public GpibDetectionFixture {
+ protected:
+  GpibHandlersTest() { driver_.Load(BusWith(kAnswersIdn)); }
+
+  void On(const std::wstring& event, std::function<void()> action) {
+    recorder_->handlers[event] = [action = std::move(action)](DISPPARAMS&) { action(); };
+  }
+  // At the update before that command at that address; other updates pass.
+  void OnTrial(const std::wstring& cmd, int address, std::function<void()> action) {
+    recorder_->handlers[L"AutoDetectUpdate"] = [this, entry = Trial(cmd, address),
+                                                action = std::move(action)](DISPPARAMS&) {
+      // The first update names the present address, before any device is open.
+      if (journal().back() == entry && journal().size() > 2) action();
+    };
+  }
+  // The search goes the way it goes without handlers.
+  void ExpectUndisturbed() {
+    EXPECT_EQ(AutoDetect(), kDone);
+    ExpectFound(2, L"KESP,GP488,SIM48802,2.0\n");
+  }
+};
+
+TEST_F(GpibHandlersTest, ReadsTheSettingsOfTheSearch) {
+  std::vector<short> addresses;
+  On(L"AutoDetectBegin", [&] { EXPECT_EQ(ieee_.TimeOut(), to1s); });
+  On(L"AutoDetectUpdate", [&] {
+    addresses.push_back(ieee_.Address());
+    EXPECT_EQ(ieee_.TimeOut(), to1s);
+  });
+  On(L"AutoDetectEnd", [&] { EXPECT_EQ(ieee_.TimeOut(), to10s); });
+  ieee_.SetAddress(17);
+  ExpectUndisturbed();
+  EXPECT_EQ(addresses, (std::vector<short>{17, 1, 1, 1, 2}));
+}
+
+TEST_F(GpibHandlersTest, ChangesEveryMember_FoundAddressStays) {
+  OnTrial(L"*IDN?", 2, [&] {
+    ieee_.SetAddress(20);
+    ieee_.SetTimeOut(to300s);
+    ieee_.SetEos(L"13");
+  });
+  ExpectUndisturbed();
+  EXPECT_EQ(driver_.LastCall("ibwrt"), R"(ibwrt(2,"*IDN?\r",6))");
+}
+
+// The command that follows finds no device; the next address does.
+TEST_F(GpibHandlersTest, ClosesTheDevice_SearchGoesOn) {
+  OnTrial(L"*IDN?", 1, [&] { EXPECT_EQ(ieee_.Uninitialize(), kDone); });
+  ExpectUndisturbed();
+}
+
+TEST_F(GpibHandlersTest, ClosesTheDeviceThatWouldAnswer_NothingIsFound) {
+  ieee_.SetAddress(1);
+  On(L"AutoDetectUpdate", [&] { ieee_.Uninitialize(); });
+  EXPECT_EQ(AutoDetect(dlSCPIOnly), kDone);
+  ExpectNothingFound(1);
+}
+
+TEST_F(GpibHandlersTest, ConversesItself) {
+  OnTrial(L"*IDN?", 2, [&] { EXPECT_EQ(ieee_.Exchange(L"*IDN?"), L"KESP,GP488,SIM48802,2.0\n"); });
+  ExpectUndisturbed();
+  EXPECT_EQ(driver_.Calls("ibrd").size(), 2U);
+}
+
+TEST_F(GpibHandlersTest, OpensTheDeviceAnew) {
+  OnTrial(L"*IDN?", 2, [&] { EXPECT_EQ(ieee_.Initialize(), kDone); });
+  ExpectUndisturbed();
+}
+
+TEST_F(GpibHandlersTest, DetectsItself) {
+  OnTrial(L"*VER", 1, [&] {
+    recorder_->handlers.clear();
+    Text inner;
+    VARIANT_BOOL found = VARIANT_FALSE;
+    EXPECT_EQ(ieee_.object->AutoDetect(inner.in_out(), dlAllCommands, soFindFirst, &found), S_OK);
+    EXPECT_EQ(found, VARIANT_TRUE);
+    EXPECT_EQ(inner.str(), L"KESP,GP488,SIM48802,2.0\n");
+  });
+  ExpectUndisturbed();
+  EXPECT_EQ(recorder_->Count(L"AutoDetectBegin"), 2U);
+  EXPECT_EQ(recorder_->Count(L"AutoDetectEnd"), 2U);
+}
+
+TEST_F(GpibHandlersTest, Fails_NothingChanges) {
+  recorder_->result = E_FAIL;
+  ExpectUndisturbed();
+}
+
+TEST_F(GpibHandlersTest, WritesAnyNumberButZeroIntoAbort) {
+  recorder_->handlers[L"AutoDetectUpdate"] = [](DISPPARAMS& arguments) {
+    *V_BOOLREF(&arguments.rgvarg[0]) = 1;
+  };
+  EXPECT_EQ(AutoDetect(), kDone);
+  ExpectNothingFound(1);
+  EXPECT_EQ(driver_.Record(), CallLines{});
+}
+
+// The next handler sees what the one before left.
+TEST_F(GpibHandlersTest, SecondHandlerTakesTheAbortBack) {
+  const auto second = EventRecorder::Make(__uuidof(__CKespIEEE));
+  const Connection connection(ieee_.object.Get(), __uuidof(__CKespIEEE), second.Get());
+  recorder_->handlers[L"AutoDetectUpdate"] = [](DISPPARAMS& arguments) {
+    *V_BOOLREF(&arguments.rgvarg[0]) = VARIANT_TRUE;
+  };
+  second->handlers[L"AutoDetectUpdate"] = [](DISPPARAMS& arguments) {
+    EXPECT_EQ(*V_BOOLREF(&arguments.rgvarg[0]), VARIANT_TRUE);
+    *V_BOOLREF(&arguments.rgvarg[0]) = VARIANT_FALSE;
+  };
+  ExpectUndisturbed();
+}
+
+TEST_F(GpibHandlersTest, DisconnectsItself) {
+  On(L"AutoDetectBegin", [&] { connection_.Disconnect(); });
+  ExpectUndisturbed();
+  EXPECT_EQ(journal(), Journal{L"AutoDetectBegin()"});
+}
+
+TEST_F(GpibHandlersTest, DisconnectsTheNext_WhichIsNotCalledAnyMore) {
+  const auto second = EventRecorder::Make(__uuidof(__CKespIEEE));
+  Connection connection(ieee_.object.Get(), __uuidof(__CKespIEEE), second.Get());
+  On(L"AutoDetectBegin", [&] { connection.Disconnect(); });
+  ExpectUndisturbed();
+  EXPECT_EQ(second->journal, Journal{});
+  EXPECT_EQ(second->references(), 1U);
+}
+
+TEST_F(GpibHandlersTest, ConnectsAnother_WhichHearsFromTheNextEventOn) {
+  const auto second = EventRecorder::Make(__uuidof(__CKespIEEE));
+  std::unique_ptr<Connection> connection;
+  OnTrial(L"*IDN?", 2, [&] {
+    connection = std::make_unique<Connection>(ieee_.object.Get(), __uuidof(__CKespIEEE), second.Get());
+  });
+  ExpectUndisturbed();
+  EXPECT_EQ(second->journal, Journal{L"AutoDetectEnd()"});
+}
+
+// The object lives as long as the call that is on its way, and closes its device behind it.
+class GpibLastReferenceTest : public GpibDriverFixture {
+ protected:
+  GpibLastReferenceTest() {
+    driver_.Load(BusWith(kAnswersIdn));
+    // The object alone keeps the sink, and nobody keeps the connection point.
+    ComPtr<IConnectionPointContainer> container;
+    ieee_.object.As(&container);
+    ComPtr<IConnectionPoint> point;
+    container->FindConnectionPoint(__uuidof(__CKespIEEE), &point);
+    DWORD cookie = 0;
+    EXPECT_EQ(point->Advise(recorder_.Get(), &cookie), S_OK);
+  }
+
+  // Lets go of the object at the n-th event of that name, in the middle of a detection.
+  HRESULT DetectAndReleaseAt(const std::wstring& event, std::size_t number = 1) {
+    recorder_->handlers[event] = [=, this](DISPPARAMS&) {
+      if (recorder_->Count(event) == number) ieee_.object.Reset();
+    };
+    _CKespIEEE* const called = ieee_.object.Get();
+    const HRESULT result = called->AutoDetect(result_.in_out(), dlAllCommands, soFindFirst, &found_);
+    EXPECT_EQ(ieee_.object, nullptr) << "nothing let go: " << testing::PrintToString(recorder_->journal);
+    EXPECT_EQ(recorder_->references(), 1U);
+    EXPECT_EQ(module_.CanUnloadNow(), S_OK);
+    EXPECT_EQ(driver_.OpenDescriptors(), 0) << testing::PrintToString(driver_.Record());
+    EXPECT_EQ(recorder_->Count(L"AutoDetectEnd"), 1U);
+    return result;
+  }
+
+  Apartment apartment_;
+  LibraryModule module_;
+  IeeeClient ieee_;
+  ComPtr<EventRecorder> recorder_ = EventRecorder::Make(__uuidof(__CKespIEEE));
+  Text result_;
+  VARIANT_BOOL found_ = VARIANT_FALSE;
+};
+
+TEST_F(GpibLastReferenceTest, ReleasedAtTheBeginning) {
+  EXPECT_EQ(DetectAndReleaseAt(L"AutoDetectBegin"), S_OK);
+  EXPECT_EQ(found_, VARIANT_TRUE);
+  EXPECT_EQ(result_.str(), L"KESP,GP488,SIM48802,2.0\n");
+}
+
+TEST_F(GpibLastReferenceTest, ReleasedInTheMiddle) {
+  EXPECT_EQ(DetectAndReleaseAt(L"AutoDetectUpdate", 5), S_OK);
+  EXPECT_EQ(found_, VARIANT_TRUE);
+  EXPECT_EQ(result_.str(), L"KESP,GP488,SIM48802,2.0\n");
+}
+
+TEST_F(GpibLastReferenceTest, ReleasedAtTheEnd) {
+  EXPECT_EQ(DetectAndReleaseAt(L"AutoDetectEnd"), S_OK);
+  EXPECT_EQ(found_, VARIANT_TRUE);
+}
+
+TEST_F(GpibLastReferenceTest, ReleasedJustBeforeAnError) {
+  driver_.Load(BusWith(kAnswersIdn, Failures(Failing("ibdev", 2))));
+  EXPECT_EQ(DetectAndReleaseAt(L"AutoDetectEnd"), ERR_IBDEV);
+  EXPECT_EQ(found_, VARIANT_FALSE);
+}
+
+}  // namespace
+}  // namespace kesp::clients
