@@ -14,6 +14,8 @@ constexpr char kBus[] = R"({"devices": [
   {"primary": 6, "reply_terminator": "", "end": false, "commands": {"*IDN?": "??"}}]})";
 
 constexpr int kExchanges = 150;
+// Where two calls have to meet by chance.
+constexpr int kManyExchanges = 2000;
 
 // Two threads, each let on in its turn.
 class Turns {
@@ -152,13 +154,13 @@ TEST_P(GpibThreadsTest, BothOpenAndClose) {
   EXPECT_EQ(driver_.Calls("ibdev").size(), 2U * kExchanges);
 }
 
-class GpibWaitingTest : public GpibDriverFixture {
+class GpibTwoThreadsTest : public GpibDriverFixture {
  protected:
-  GpibWaitingTest() { driver_.Load(kBus); }
+  GpibTwoThreadsTest() { driver_.Load(kBus); }
 };
 
 // A wait of the driver on one thread holds up no other. (All objects of multithreaded apartments are on one.)
-TEST_F(GpibWaitingTest, OneWaits_TheOtherGoesOn) {
+TEST_F(GpibTwoThreadsTest, OneWaits_TheOtherGoesOn) {
   std::atomic<bool> is_waiting = false;
   std::atomic<bool> is_over = false;
   std::thread waiting([&] {
@@ -182,6 +184,24 @@ TEST_F(GpibWaitingTest, OneWaits_TheOtherGoesOn) {
   });
   EXPECT_FALSE(is_over) << testing::PrintToString(driver_.Record());
   waiting.join();
+}
+
+TEST_F(GpibTwoThreadsTest, ManyExchangesAtOnce_NeitherSeesTheOthersOutcome) {
+  std::thread refused([] {
+    const Apartment apartment;
+    IeeeClient client;
+    client.SetAddress(9);
+    EXPECT_EQ(client.Initialize(), kDone);
+    for (int i = 0; i < kManyExchanges; ++i) EXPECT_EQ(client.WriteLine(L"t").result, ERR_IBWRT);
+  });
+  RunElsewhere(COINIT_APARTMENTTHREADED, [] {
+    IeeeClient client;
+    EXPECT_EQ(client.Initialize(), kDone);
+    for (int i = 0; i < kManyExchanges; ++i) {
+      EXPECT_EQ(client.Exchange(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
+    }
+  });
+  refused.join();
 }
 
 // What a handler elsewhere leaves in Abort ends the search here.
