@@ -39,6 +39,16 @@ class GpibInstallationTest : public testing::Test {
   }
 
   void Install() { fs::copy_file(elsewhere_ / L"Gpib-32.dll", driver_); }
+  // The driver with another text, as long, in the place of one of its own.
+  void InstallWith(const std::string& replacement_for, const std::string& replacement) {
+    std::string contents = ContentsOf(elsewhere_ / L"Gpib-32.dll");
+    std::size_t place = contents.find(replacement_for);
+    ASSERT_NE(place, std::string::npos);
+    for (; place != std::string::npos; place = contents.find(replacement_for, place)) {
+      contents.replace(place, replacement.size(), replacement);
+    }
+    WriteFile(driver_, contents);
+  }
   void ExpectNotFound() { EXPECT_EQ(ieee_.Initialize().result, ControlError(53)); }
   void ExpectWorking() { EXPECT_EQ(ieee_.Converse(L"*IDN?"), L"KESP,GP488,SIM48805,1.0\n"); }
 
@@ -81,20 +91,26 @@ TEST_F(GpibInstallationTest, FileThatIsNoDll_IsAnErrorInLoading) {
 }
 
 TEST_F(GpibInstallationTest, DllWithoutAnEntryPoint_IsNamed_UntilItIsReplaced) {
-  std::string contents = ContentsOf(elsewhere_ / L"Gpib-32.dll");
-  const std::string name("\0ibeos\0", 7);
-  std::size_t place = contents.find(name);
-  ASSERT_NE(place, std::string::npos);
   // In the list of exports, which stays in order, and where debuggers look.
-  for (; place != std::string::npos; place = contents.find(name, place)) contents[place + 5] = 'z';
-  WriteFile(driver_, contents);
+  InstallWith(std::string("\0ibeos\0", 7), std::string("\0ibeoz\0", 7));
   const Refusal refusal{ControlError(453), kOpeningSource,
                         L"Can't find the entry point ibeos in the GPIB driver Gpib-32.dll"};
   EXPECT_EQ(ieee_.Initialize(), refusal);
   EXPECT_EQ(ieee_.Initialize(), refusal);
   EXPECT_EQ(ieee_.WriteLine(L"t").source, kWritingSource);
-  // A file that is loaded may be renamed, but not deleted.
-  fs::rename(driver_, folder_ / L"incomplete.dll");
+  // The incomplete one was given up, or it could not be removed.
+  ASSERT_TRUE(fs::remove(driver_));
+  Install();
+  ExpectWorking();
+}
+
+TEST_F(GpibInstallationTest, DllThatNeedsAMissingOne_IsToldFromAMissingDriver) {
+  InstallWith("msvcrt.dll", "nsvcrt.dll");
+  EXPECT_EQ(ieee_.Initialize(),
+            (Refusal{ControlError(48), kOpeningSource,
+                     L"Error in loading the GPIB driver Gpib-32.dll (a DLL that it needs is missing)"}));
+  // Wine holds on to a file that it could not load.
+  fs::rename(driver_, folder_ / L"needs_another.dll");
   Install();
   ExpectWorking();
 }
