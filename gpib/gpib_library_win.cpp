@@ -25,8 +25,8 @@ HMODULE LoadFromLibraryFolders(const std::wstring& file_name, DWORD flags = 0) {
   return LoadLibraryExW(file_name.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS | flags);
 }
 
-// Windows tells a file that is missing and one whose own DLLs are missing by the same number. Loading it without
-// those DLLs tells the two apart; nothing of it runs.
+// Windows tells a file that is missing and one whose own DLLs are missing by the same number. Loading it
+// without those DLLs tells the two apart; nothing of it runs.
 bool IsThere(const std::wstring& file_name) {
   HMODULE alone = LoadFromLibraryFolders(file_name, DONT_RESOLVE_DLL_REFERENCES);
   if (alone == nullptr) return false;
