@@ -44,7 +44,7 @@ class GpibDetectionFixture : public GpibFixture {
   void ExpectLeft(short address) {
     EXPECT_EQ(ieee_.Address(), address);
     EXPECT_EQ(ieee_.TimeOut(), to10s);
-    EXPECT_EQ(driver_.OpenDescriptors(), 0) << testing::PrintToString(driver_.Record());
+    EXPECT_EQ(driver_.OpenDescriptors(), 0) << driver_.RecordText();
   }
 
   const Journal& journal() const { return recorder_->journal; }

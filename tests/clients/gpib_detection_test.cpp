@@ -180,7 +180,7 @@ TEST_F(GpibDetectionTest, DeviceThatCannotBeOpened_RaisesWithEverythingAsBefore)
       EXPECT_EQ(result.str(), L"");
       EXPECT_EQ(client.Address(), 9);
       EXPECT_EQ(client.TimeOut(), to10s);
-      EXPECT_EQ(driver_.OpenDescriptors(), 0) << testing::PrintToString(driver_.Record());
+      EXPECT_EQ(driver_.OpenDescriptors(), 0) << driver_.RecordText();
       ASSERT_FALSE(recorder->journal.empty());
       EXPECT_EQ(recorder->journal.back(), L"AutoDetectEnd()") << testing::PrintToString(recorder->journal);
       EXPECT_EQ(recorder->Count(L"AutoDetectUpdate"), 7U) << "the first and those of two addresses";

@@ -99,7 +99,7 @@ TEST_F(GpibEosTest, Empty_DeviceThatWasOpenIsClosed) {
   EXPECT_EQ(ieee_.Initialize(), kDone);
   ieee_.SetEos(L"");
   EXPECT_EQ(ieee_.Initialize(), kNoCharacter);
-  EXPECT_EQ(driver_.OpenDescriptors(), 0) << testing::PrintToString(driver_.Record());
+  EXPECT_EQ(driver_.OpenDescriptors(), 0) << driver_.RecordText();
 }
 
 TEST_F(GpibEosTest, EmptyWithSetEosFalse_OpensButWritesNothing) {

@@ -13,34 +13,32 @@ class GpibFaultsTest : public GpibDriverFixture {
     std::size_t calls = 0;
     RunAfresh(BusWith(devices), [&] {
       Client client;
-      EXPECT_TRUE(operation(client)) << testing::PrintToString(driver_.Record());
+      EXPECT_TRUE(operation(client)) << driver_.RecordText();
       calls = driver_.Calls().size();
     });
     ASSERT_GT(calls, 0U);
     for (std::size_t at = 1; at <= calls; ++at) {
       for (const char* outcome : {R"("error": 14)", R"("error": 6, "status": 49408, "count": 0)"}) {
         SCOPED_TRACE("call " + std::to_string(at) + " of " + std::to_string(calls) + ": " + outcome);
-        CallLines record;
         RunAfresh(BusWith(devices, Failures(Failing("*", static_cast<int>(at), outcome))), [&] {
           Client client;
           const bool succeeded = operation(client);
-          record = driver_.Record();
-          ExpectOnlyClosingIsForgiven(succeeded, record);
-          EXPECT_TRUE(next(client)) << testing::PrintToString(driver_.Record());
+          ExpectOnlyClosingIsForgiven(succeeded);
+          EXPECT_TRUE(next(client)) << driver_.RecordText();
         });
-        EXPECT_EQ(driver_.OpenDescriptors(), 0) << testing::PrintToString(driver_.Record());
+        EXPECT_EQ(driver_.OpenDescriptors(), 0) << driver_.RecordText();
       }
     }
   }
 
  private:
   // An operation that succeeded in spite of the failure may have missed the closing alone.
-  void ExpectOnlyClosingIsForgiven(bool succeeded, const CallLines& record) const {
-    for (const std::string& line : record) {
+  void ExpectOnlyClosingIsForgiven(bool succeeded) const {
+    for (const std::string& line : driver_.Record()) {
       const bool failed =
           line.find(" sta 8100 ") != std::string::npos || line.find(" sta C100 ") != std::string::npos;
       const bool may_fail = line.find(" ibonl(") != std::string::npos || forgives_lines_;
-      EXPECT_FALSE(failed && succeeded && !may_fail) << testing::PrintToString(record);
+      EXPECT_FALSE(failed && succeeded && !may_fail) << driver_.RecordText();
     }
   }
 

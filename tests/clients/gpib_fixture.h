@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tests/clients/ieee_client.h"
+#include "tests/clients/library_module.h"
 #include "tests/clients/other_apartment.h"
 #include "tests/clients/simulated_bus.h"
 #include "tests/clients/simulated_driver.h"
@@ -27,6 +28,18 @@ class GpibDriverFixture : public testing::Test {
   SimulatedDriver driver_;
 };
 
+// For threads that end at the same time. The library stays loaded until they have: when it is unloaded, it
+// can end the registration of one thread alone.
+class GpibThreadsFixture : public GpibDriverFixture {
+ protected:
+  void TearDown() override { driver_.AwaitUnregistered(); }
+
+ private:
+  LibraryModule module_;
+};
+
+// A transport on the test's own thread. The library is unloaded at the end of each test, and with it goes the
+// registration of that thread.
 class GpibFixture : public GpibDriverFixture {
  protected:
   Apartment apartment_;

@@ -169,7 +169,7 @@ class GpibLastReferenceTest : public GpibDriverFixture {
     EXPECT_EQ(ieee_.object, nullptr) << "nothing let go: " << testing::PrintToString(recorder_->journal);
     EXPECT_EQ(recorder_->references(), 1U);
     EXPECT_EQ(module_.CanUnloadNow(), S_OK);
-    EXPECT_EQ(driver_.OpenDescriptors(), 0) << testing::PrintToString(driver_.Record());
+    EXPECT_EQ(driver_.OpenDescriptors(), 0) << driver_.RecordText();
     EXPECT_EQ(recorder_->Count(L"AutoDetectEnd"), 1U);
     return result;
   }

@@ -164,7 +164,7 @@ TEST_F(GpibQueryTest, ClosingFails_ChangesNothing) {
   ExpectStatus(cfrSuccess);
   EXPECT_EQ(driver_.OpenDescriptors(), 1) << "so the driver has it";
   EXPECT_TRUE(Query(L"*IDN?"));
-  EXPECT_EQ(driver_.OpenDescriptors(), 0) << testing::PrintToString(driver_.Record());
+  EXPECT_EQ(driver_.OpenDescriptors(), 0) << driver_.RecordText();
 }
 
 TEST_F(GpibQueryTest, DeviceThatTheClientOpened_IsReplacedAndClosed) {

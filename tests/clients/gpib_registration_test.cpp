@@ -3,7 +3,6 @@
 #include <thread>
 
 #include "tests/clients/gpib_fixture.h"
-#include "tests/clients/library_module.h"
 
 namespace kesp::clients {
 namespace {
@@ -95,17 +94,13 @@ TEST_F(GpibRegistrationTest, RefusedInAQuery_IsItsStatus) {
   EXPECT_EQ(reply.str(), L"KESP,GP488,SIM48805,2.0\n");
 }
 
-class GpibThreadEndTest : public GpibDriverFixture, public testing::WithParamInterface<DWORD> {
+class GpibThreadEndTest : public GpibThreadsFixture, public testing::WithParamInterface<DWORD> {
  protected:
   // Expects that record, once the thread has come to its end.
   void AwaitRecordsEnd(const std::string& line) {
     EXPECT_TRUE(PumpUntil([&] { return !driver_.Record().empty() && driver_.Record().back() == line; }))
-        << testing::PrintToString(driver_.Record());
+        << driver_.RecordText();
   }
-
- private:
-  // So that it is the thread's end that ends its registration, and not the unloading of the library.
-  LibraryModule module_;
 };
 
 // The objects of multithreaded apartments live on a thread that COM makes for them.
@@ -121,7 +116,7 @@ TEST_P(GpibThreadEndTest, Unregistered) {
     EXPECT_EQ(client.Converse(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
   });
   AwaitRecordsEnd(Unregistered(0));
-  EXPECT_EQ(driver_.Record().front(), Registered(0)) << testing::PrintToString(driver_.Record());
+  EXPECT_EQ(driver_.Record().front(), Registered(0)) << driver_.RecordText();
 }
 
 TEST_P(GpibThreadEndTest, DeviceOpenUntilThen_ClosedBeforeThat) {
@@ -152,7 +147,7 @@ TEST_P(GpibThreadEndTest, NeverRegistered_NoCall) {
   EXPECT_EQ(driver_.Record(), CallLines{Registered(7)});
 }
 
-class GpibAbandonedApartmentTest : public GpibDriverFixture {};
+class GpibAbandonedApartmentTest : public GpibThreadsFixture {};
 
 // A program may let its thread end without leaving the apartment.
 TEST_F(GpibAbandonedApartmentTest, ThreadEnds_Unregistered) {
@@ -161,8 +156,7 @@ TEST_F(GpibAbandonedApartmentTest, ThreadEnds_Unregistered) {
     IeeeClient client;
     EXPECT_EQ(client.Converse(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
   }).join();
-  EXPECT_TRUE(PumpUntil([&] { return driver_.Record().back() == Unregistered(0); }))
-      << testing::PrintToString(driver_.Record());
+  EXPECT_TRUE(PumpUntil([&] { return driver_.Record().back() == Unregistered(0); })) << driver_.RecordText();
 }
 
 }  // namespace

@@ -68,7 +68,7 @@ void PrintTo(const Way& way, std::ostream* out) {
   *out << (way.apartment == COINIT_MULTITHREADED ? "MTA" : "STA") << (way.takes_turns ? " in turns" : "");
 }
 
-class GpibThreadsTest : public GpibDriverFixture, public testing::WithParamInterface<Way> {
+class GpibThreadsTest : public GpibThreadsFixture, public testing::WithParamInterface<Way> {
  protected:
   GpibThreadsTest() { driver_.Load(kBus); }
 
@@ -154,7 +154,7 @@ TEST_P(GpibThreadsTest, BothOpenAndClose) {
   EXPECT_EQ(driver_.Calls("ibdev").size(), 2U * kExchanges);
 }
 
-class GpibTwoThreadsTest : public GpibDriverFixture {
+class GpibTwoThreadsTest : public GpibThreadsFixture {
  protected:
   GpibTwoThreadsTest() { driver_.Load(kBus); }
 };
@@ -182,7 +182,7 @@ TEST_F(GpibTwoThreadsTest, OneWaits_TheOtherGoesOn) {
       EXPECT_EQ(client.Uninitialize(), kDone);
     }
   });
-  EXPECT_FALSE(is_over) << testing::PrintToString(driver_.Record());
+  EXPECT_FALSE(is_over) << driver_.RecordText();
   waiting.join();
 }
 

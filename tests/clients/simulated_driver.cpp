@@ -12,6 +12,7 @@ namespace kesp::clients {
 namespace {
 
 constexpr DWORD kPatience = 10000;
+constexpr std::size_t kMostLines = 60;
 
 using Load = int __stdcall(const char* json, char* message, long size);
 using Record = long __stdcall(char* text, long size);
@@ -48,12 +49,8 @@ SimulatedDriver::SimulatedDriver()
 
 SimulatedDriver::~SimulatedDriver() {
   if (module_ == nullptr) return;
-  // A thread that COM keeps for others ends some time after the last of them has left its apartment.
-  const DWORD start = GetTickCount();
-  while (IsAnyRegistered(Record()) && GetTickCount() - start < kPatience) Sleep(1);
-  const CallLines record = Record();
-  EXPECT_FALSE(IsAnyRegistered(record)) << testing::PrintToString(record);
-  EXPECT_EQ(OpenDescriptors(), 0) << testing::PrintToString(record);
+  AwaitUnregistered();
+  EXPECT_EQ(OpenDescriptors(), 0) << RecordText();
   FreeLibrary(module_);
 }
 
@@ -97,9 +94,24 @@ std::string SimulatedDriver::LastCall(const std::string& function) const {
   return calls.empty() ? std::string() : calls.back();
 }
 
+std::string SimulatedDriver::RecordText() const {
+  const CallLines record = Record();
+  std::string text;
+  const std::size_t first = record.size() > kMostLines ? record.size() - kMostLines : 0;
+  for (std::size_t i = first; i < record.size(); ++i) text += record[i] + "\n";
+  return text;
+}
+
 int SimulatedDriver::OpenDescriptors() const {
   const auto open_descriptors = Find<clients::OpenDescriptors>("KespSimulationOpenDescriptors");
   return open_descriptors == nullptr ? -1 : open_descriptors();
+}
+
+void SimulatedDriver::AwaitUnregistered() const {
+  // COM keeps a thread for objects of others until some time after the last of those has left its apartment.
+  const DWORD start = GetTickCount();
+  while (IsAnyRegistered(Record()) && GetTickCount() - start < kPatience) Sleep(1);
+  EXPECT_FALSE(IsAnyRegistered(Record())) << RecordText();
 }
 
 template <class Function>

@@ -37,7 +37,14 @@ class SimulatedDriver {
   // The last of these calls; empty when there was none.
   std::string LastCall(const std::string& function) const;
 
+  // The record's last lines, for messages.
+  std::string RecordText() const;
+
   int OpenDescriptors() const;
+
+  // Waits for the end of threads that are about to end, and fails the test when one is registered after that
+  // or has ended so.
+  void AwaitUnregistered() const;
 
  private:
   template <class Function>
