@@ -16,11 +16,11 @@ inline constexpr char kAnswersIdn[] =
 inline constexpr char kAnswersVer[] = R"({"primary": 3, "commands": {"*VER": "2.0"}})";
 inline constexpr char kAnswersT[] = R"({"primary": 4, "commands": {"t": "23.5"}})";
 
-class GpibDetectionFixture : public GpibFixture {
+class GpibDetectionStage : public GpibStage {
  protected:
   using Journal = std::vector<std::wstring>;
 
-  GpibDetectionFixture() {
+  GpibDetectionStage() {
     ieee_.SetAddress(1);
     ieee_.SetTimeOut(to10s);
   }

@@ -5,12 +5,12 @@
 namespace kesp::clients {
 namespace {
 
-class GpibDetectionTest : public GpibDetectionFixture {
+class GpibDetectionTest : public GpibDetectionStage {
  protected:
   void LoadAll() { driver_.Load(BusWith(std::string(kAnswersIdn) + "," + kAnswersVer + "," + kAnswersT)); }
 };
 
-TEST_F(GpibDetectionTest, FindFirst_StartsAtAddressOne) {
+GPIB_TEST(GpibDetectionTest, FindFirst_StartsAtAddressOne) {
   LoadAll();
   ieee_.SetAddress(20);
   EXPECT_EQ(AutoDetect(), kDone);
@@ -25,7 +25,7 @@ TEST_F(GpibDetectionTest, FindFirst_StartsAtAddressOne) {
                        "ibrd(2,[50 blanks],50)", "ibonl(2,0)", "ibonl(0,0)"}));
 }
 
-TEST_F(GpibDetectionTest, FindNext_GoesOnBehindThePresentAddress) {
+GPIB_TEST(GpibDetectionTest, FindNext_GoesOnBehindThePresentAddress) {
   LoadAll();
   ieee_.SetAddress(2);
   EXPECT_EQ(AutoDetect(dlAllCommands, soFindNext), kDone);
@@ -37,14 +37,14 @@ TEST_F(GpibDetectionTest, FindNext_GoesOnBehindThePresentAddress) {
   ExpectFound(4, L"23.5\n");
 }
 
-TEST_F(GpibDetectionTest, FoundWithTheThirdCommand) {
+GPIB_TEST(GpibDetectionTest, FoundWithTheThirdCommand) {
   driver_.Load(BusWith(kAnswersT));
   EXPECT_EQ(AutoDetect(), kDone);
   ExpectFound(4, L"23.5\n");
   EXPECT_EQ(Asked(), (CallLines{"1: *IDN? *VER t", "2: *IDN? *VER t", "3: *IDN? *VER t", "4: *IDN? *VER t"}));
 }
 
-TEST_F(GpibDetectionTest, Levels_LimitTheCommands) {
+GPIB_TEST(GpibDetectionTest, Levels_LimitTheCommands) {
   LoadAll();
   ieee_.SetAddress(2);
   EXPECT_EQ(AutoDetect(dlCommonCommands, soFindNext), kDone);
@@ -66,7 +66,7 @@ EDetectLevel Level(long number) {
   return static_cast<EDetectLevel>(number);
 }
 
-TEST_F(GpibDetectionTest, LevelsBeyondTheKnown) {
+GPIB_TEST(GpibDetectionTest, LevelsBeyondTheKnown) {
   driver_.Load(BusWith(kAnswersT));
   ieee_.SetAddress(3);
   EXPECT_EQ(AutoDetect(Level(0), soFindNext), kDone);
@@ -77,7 +77,7 @@ TEST_F(GpibDetectionTest, LevelsBeyondTheKnown) {
   ExpectFound(4, L"23.5\n");
 }
 
-TEST_F(GpibDetectionTest, NothingFound_EverythingAsBefore) {
+GPIB_TEST(GpibDetectionTest, NothingFound_EverythingAsBefore) {
   ieee_.SetAddress(7);
   driver_.Load(BusWith(R"({"primary": 30, "secondary": 9})"));
   EXPECT_EQ(AutoDetect(dlSCPIOnly), kDone);
@@ -92,7 +92,7 @@ TEST_F(GpibDetectionTest, NothingFound_EverythingAsBefore) {
   EXPECT_EQ(journal().back(), L"AutoDetectEnd()");
 }
 
-TEST_F(GpibDetectionTest, NextBehindTheLastAddress_TriesNothing) {
+GPIB_TEST(GpibDetectionTest, NextBehindTheLastAddress_TriesNothing) {
   LoadAll();
   ieee_.SetAddress(30);
   EXPECT_EQ(AutoDetect(dlAllCommands, soFindNext), kDone);
@@ -101,7 +101,7 @@ TEST_F(GpibDetectionTest, NextBehindTheLastAddress_TriesNothing) {
   EXPECT_EQ(journal(), (Journal{L"AutoDetectBegin()", Trial(L"*IDN?", 30), L"AutoDetectEnd()"}));
 }
 
-TEST_F(GpibDetectionTest, SecondaryAddressAndSettings_AreUsedThroughout) {
+GPIB_TEST(GpibDetectionTest, SecondaryAddressAndSettings_AreUsedThroughout) {
   driver_.Load(BusWith(R"({"primary": 2, "secondary": 7, "commands": {"*IDN?": "behind"}})"));
   EXPECT_EQ(Write(ieee_.object, &_CKespIEEE::put_SecondaryAddress, 7), S_OK);
   ieee_.SetClears(false);
@@ -115,7 +115,7 @@ TEST_F(GpibDetectionTest, SecondaryAddressAndSettings_AreUsedThroughout) {
 }
 
 // Without an end of commands no command can be sent: every one fails, and that is no error of the search.
-TEST_F(GpibDetectionTest, EosCharThatIsNoNumber_FindsNothing) {
+GPIB_TEST(GpibDetectionTest, EosCharThatIsNoNumber_FindsNothing) {
   LoadAll();
   ieee_.SetEos(L"abc");
   EXPECT_EQ(AutoDetect(dlSCPIOnly), kDone);
@@ -123,7 +123,7 @@ TEST_F(GpibDetectionTest, EosCharThatIsNoNumber_FindsNothing) {
   EXPECT_EQ(driver_.Calls("ibwrt"), CallLines{});
 }
 
-TEST_F(GpibDetectionTest, DeviceThatWasOpen_IsClosedFirst) {
+GPIB_TEST(GpibDetectionTest, DeviceThatWasOpen_IsClosedFirst) {
   LoadAll();
   ieee_.SetAddress(4);
   EXPECT_EQ(ieee_.Initialize(), kDone);
@@ -131,7 +131,7 @@ TEST_F(GpibDetectionTest, DeviceThatWasOpen_IsClosedFirst) {
   ExpectFound(2, L"KESP,GP488,SIM48802,2.0\n");
 }
 
-TEST_F(GpibDetectionTest, Abort_AtTheFirstUpdate_TouchesNoDriver) {
+GPIB_TEST(GpibDetectionTest, Abort_AtTheFirstUpdate_TouchesNoDriver) {
   LoadAll();
   ieee_.SetAddress(9);
   AbortAt(1);
@@ -141,7 +141,7 @@ TEST_F(GpibDetectionTest, Abort_AtTheFirstUpdate_TouchesNoDriver) {
   EXPECT_EQ(journal(), (Journal{L"AutoDetectBegin()", Trial(L"*IDN?", 9), L"AutoDetectEnd()"}));
 }
 
-TEST_F(GpibDetectionTest, Abort_InTheMiddle_ClosesTheDevice) {
+GPIB_TEST(GpibDetectionTest, Abort_InTheMiddle_ClosesTheDevice) {
   LoadAll();
   ieee_.SetAddress(9);
   AbortAt(3);
@@ -156,7 +156,7 @@ TEST_F(GpibDetectionTest, Abort_InTheMiddle_ClosesTheDevice) {
   ExpectFound(2, L"KESP,GP488,SIM48802,2.0\n");
 }
 
-TEST_F(GpibDetectionTest, DeviceThatCannotBeOpened_RaisesWithEverythingAsBefore) {
+GPIB_TEST(GpibDetectionTest, DeviceThatCannotBeOpened_RaisesWithEverythingAsBefore) {
   struct Example {
     const char* function;
     HRESULT number;
@@ -165,7 +165,7 @@ TEST_F(GpibDetectionTest, DeviceThatCannotBeOpened_RaisesWithEverythingAsBefore)
   for (const Example& example :
        {Example{"ibdev", ERR_IBDEV, L"ibdev()"}, Example{"ibclr", ERR_IBCLR, L"ibclr()"},
         Example{"ibeos", ERR_IBEOS, L"ibeos()"}}) {
-    RunAfresh(BusWith(kAnswersT, Failures(Failing(example.function, 3))), [&] {
+    RunAfresh(driver_, BusWith(kAnswersT, Failures(Failing(example.function, 3))), [&] {
       IeeeClient client;
       client.SetAddress(9);
       client.SetTimeOut(to10s);
@@ -188,7 +188,7 @@ TEST_F(GpibDetectionTest, DeviceThatCannotBeOpened_RaisesWithEverythingAsBefore)
   }
 }
 
-TEST_F(GpibDetectionTest, EmptyBus_IsAnErrorOfTheFirstClearing) {
+GPIB_TEST(GpibDetectionTest, EmptyBus_IsAnErrorOfTheFirstClearing) {
   driver_.Load(BusWith(""));
   EXPECT_EQ(AutoDetect(), (Refusal{ERR_IBCLR, kOpeningSource,
                                    DriverError(L"ibclr()", L"2 - Write function detected no listeners")}));
@@ -196,14 +196,14 @@ TEST_F(GpibDetectionTest, EmptyBus_IsAnErrorOfTheFirstClearing) {
   EXPECT_EQ(driver_.Calls("ibdev"), CallLines{"ibdev(0,1,0,11,1,0)"});
 }
 
-TEST_F(GpibDetectionTest, EosCharEmpty_RaisesAtTheFirstAddress) {
+GPIB_TEST(GpibDetectionTest, EosCharEmpty_RaisesAtTheFirstAddress) {
   LoadAll();
   ieee_.SetEos(L"");
   EXPECT_EQ(AutoDetect().result, ControlError(5));
   ExpectNothingFound(1);
 }
 
-TEST_F(GpibDetectionTest, LateBound_WithoutOptionalArguments_AllCommandsFromTheFirstAddress) {
+GPIB_TEST(GpibDetectionTest, LateBound_WithoutOptionalArguments_AllCommandsFromTheFirstAddress) {
   driver_.Load(BusWith(kAnswersT));
   ieee_.SetAddress(9);
   const LateObject late(ieee_.object);
@@ -216,7 +216,7 @@ TEST_F(GpibDetectionTest, LateBound_WithoutOptionalArguments_AllCommandsFromTheF
   EXPECT_EQ(Asked().front(), "1: *IDN? *VER t");
 }
 
-TEST_F(GpibDetectionTest, LateBound_NamedArguments) {
+GPIB_TEST(GpibDetectionTest, LateBound_NamedArguments) {
   LoadAll();
   ieee_.SetAddress(2);
   const LateObject late(ieee_.object);
@@ -229,7 +229,7 @@ TEST_F(GpibDetectionTest, LateBound_NamedArguments) {
   EXPECT_EQ(ieee_.Address(), 3);
 }
 
-TEST_F(GpibDetectionTest, LateBound_FailureIsInExcepInfoAndTheVariableEmpty) {
+GPIB_TEST(GpibDetectionTest, LateBound_FailureIsInExcepInfoAndTheVariableEmpty) {
   driver_.Load(BusWith(kAnswersT, Failures(Failing("ibdev", 1, "\"error\": 7"))));
   const LateObject late(ieee_.object);
   Value result(L"before");
@@ -241,7 +241,7 @@ TEST_F(GpibDetectionTest, LateBound_FailureIsInExcepInfoAndTheVariableEmpty) {
   EXPECT_EQ(result.text(), L"");
 }
 
-TEST_F(GpibDetectionTest, Events_HaveTheirDeclaredNumbersAndTypes) {
+GPIB_TEST(GpibDetectionTest, Events_HaveTheirDeclaredNumbersAndTypes) {
   // A sink that looks at what the recorder does not: the identifiers.
   class Sink final : public IDispatch {
    public:
@@ -276,7 +276,7 @@ TEST_F(GpibDetectionTest, Events_HaveTheirDeclaredNumbersAndTypes) {
   EXPECT_EQ(sink.heard, (decltype(sink.heard){{9, {}}, update, update, update, {10, {}}}));
 }
 
-TEST_F(GpibDetectionTest, NoHandler_FindsAllTheSame) {
+GPIB_TEST(GpibDetectionTest, NoHandler_FindsAllTheSame) {
   LoadAll();
   connection_.Disconnect();
   EXPECT_EQ(AutoDetect(), kDone);
@@ -284,7 +284,7 @@ TEST_F(GpibDetectionTest, NoHandler_FindsAllTheSame) {
 }
 
 // Everything besides the search: no event is raised by it.
-TEST_F(GpibDetectionTest, Conversation_RaisesNoEvents) {
+GPIB_TEST(GpibDetectionTest, Conversation_RaisesNoEvents) {
   driver_.Load(MeterBus());
   ieee_.SetAddress(5);
   EXPECT_EQ(ieee_.Converse(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");

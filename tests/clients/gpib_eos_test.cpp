@@ -17,9 +17,9 @@ Refusal NoNumber(const std::wstring& text) {
           L"Type mismatch (EOSChar " + is + L"; it must hold the code of a character, such as 10)"};
 }
 
-class GpibEosTest : public GpibFixture {};
+class GpibEosTest : public GpibStage {};
 
-TEST_F(GpibEosTest, Ten_EndsACommandWithALineFeedAndAReadAtOne) {
+GPIB_TEST(GpibEosTest, Ten_EndsACommandWithALineFeedAndAReadAtOne) {
   EXPECT_EQ(ieee_.Initialize(), kDone);
   EXPECT_EQ(ieee_.Exchange(L"MODEL?"), L"KESP,71");
   EXPECT_EQ(ieee_.ReadLine(), kDone);
@@ -29,12 +29,12 @@ TEST_F(GpibEosTest, Ten_EndsACommandWithALineFeedAndAReadAtOne) {
                        "ibrd(1,[50 blanks],50)", "ibrd(1,[50 blanks],50)"}));
 }
 
-TEST_F(GpibEosTest, SetEosFalse_ReadEndsWithTheReply) {
+GPIB_TEST(GpibEosTest, SetEosFalse_ReadEndsWithTheReply) {
   ieee_.SetEndsReads(false);
   EXPECT_EQ(ieee_.Converse(L"MODEL?"), L"KESP,7100\n");
 }
 
-TEST_F(GpibEosTest, Codes_InBothReadings) {
+GPIB_TEST(GpibEosTest, Codes_InBothReadings) {
   struct Example {
     const wchar_t* text;
     const char* mode;     // 1024 and the first character
@@ -54,7 +54,7 @@ TEST_F(GpibEosTest, Codes_InBothReadings) {
 }
 
 // A text may be a good end of reads and no code of a character, for a device of which only replies are read.
-TEST_F(GpibEosTest, Letters_EndReadsButNoCommand) {
+GPIB_TEST(GpibEosTest, Letters_EndReadsButNoCommand) {
   struct Example {
     const wchar_t* text;
     const char* mode;
@@ -73,7 +73,7 @@ TEST_F(GpibEosTest, Letters_EndReadsButNoCommand) {
   EXPECT_EQ(driver_.Calls("ibwrt"), CallLines{});
 }
 
-TEST_F(GpibEosTest, NumberAboveAllCharacters_IsRefusedBeforeAnythingIsSent) {
+GPIB_TEST(GpibEosTest, NumberAboveAllCharacters_IsRefusedBeforeAnythingIsSent) {
   EXPECT_EQ(ieee_.Initialize(), kDone);
   for (const wchar_t* text : {L"256", L"1000", L"4294967306", L"99999999999999999999"}) {
     ieee_.SetEos(text);
@@ -85,7 +85,7 @@ TEST_F(GpibEosTest, NumberAboveAllCharacters_IsRefusedBeforeAnythingIsSent) {
   EXPECT_EQ(driver_.Calls("ibwrt"), CallLines{});
 }
 
-TEST_F(GpibEosTest, Empty_InitializeIsRefusedAndLeavesNothingOpen) {
+GPIB_TEST(GpibEosTest, Empty_InitializeIsRefusedAndLeavesNothingOpen) {
   ieee_.SetEos(L"");
   EXPECT_EQ(ieee_.Initialize(), kNoCharacter);
   EXPECT_EQ(driver_.Calls(), (CallLines{"ibdev(0,5,0,12,1,0)", "ibclr(1)", "ibonl(1,0)"}));
@@ -95,14 +95,14 @@ TEST_F(GpibEosTest, Empty_InitializeIsRefusedAndLeavesNothingOpen) {
   EXPECT_EQ(ieee_.Converse(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
 }
 
-TEST_F(GpibEosTest, Empty_DeviceThatWasOpenIsClosed) {
+GPIB_TEST(GpibEosTest, Empty_DeviceThatWasOpenIsClosed) {
   EXPECT_EQ(ieee_.Initialize(), kDone);
   ieee_.SetEos(L"");
   EXPECT_EQ(ieee_.Initialize(), kNoCharacter);
   EXPECT_EQ(driver_.OpenDescriptors(), 0) << driver_.RecordText();
 }
 
-TEST_F(GpibEosTest, EmptyWithSetEosFalse_OpensButWritesNothing) {
+GPIB_TEST(GpibEosTest, EmptyWithSetEosFalse_OpensButWritesNothing) {
   ieee_.SetEos(L"");
   ieee_.SetEndsReads(false);
   EXPECT_EQ(ieee_.Initialize(), kDone);

@@ -36,7 +36,7 @@ constexpr std::array<const wchar_t*, 26> kMessages = {
     L"24 - Unknown Error",
     L"25 - Unknown Error"};
 
-class GpibErrorsTest : public GpibFixture {
+class GpibErrorsTest : public GpibStage {
  protected:
   // The n-th call of that function fails with the driver's error n - 1.
   void FailWithEachError(const std::string& function) {
@@ -50,7 +50,7 @@ class GpibErrorsTest : public GpibFixture {
   void Open() { EXPECT_EQ(ieee_.Initialize(), kDone); }
 };
 
-TEST_F(GpibErrorsTest, Ibdev_EachError) {
+GPIB_TEST(GpibErrorsTest, Ibdev_EachError) {
   FailWithEachError("ibdev");
   for (const wchar_t* message : kMessages) {
     EXPECT_EQ(ieee_.Initialize(), (Refusal{ERR_IBDEV, kOpeningSource, DriverError(L"ibdev()", message)}));
@@ -59,7 +59,7 @@ TEST_F(GpibErrorsTest, Ibdev_EachError) {
   Open();
 }
 
-TEST_F(GpibErrorsTest, Ibclr_EachErrorClosesTheDevice) {
+GPIB_TEST(GpibErrorsTest, Ibclr_EachErrorClosesTheDevice) {
   FailWithEachError("ibclr");
   for (const wchar_t* message : kMessages) {
     EXPECT_EQ(ieee_.Initialize(), (Refusal{ERR_IBCLR, kOpeningSource, DriverError(L"ibclr()", message)}));
@@ -69,7 +69,7 @@ TEST_F(GpibErrorsTest, Ibclr_EachErrorClosesTheDevice) {
   Open();
 }
 
-TEST_F(GpibErrorsTest, Ibeos_EachErrorClosesTheDevice) {
+GPIB_TEST(GpibErrorsTest, Ibeos_EachErrorClosesTheDevice) {
   FailWithEachError("ibeos");
   for (const wchar_t* message : kMessages) {
     EXPECT_EQ(ieee_.Initialize(), (Refusal{ERR_IBEOS, kOpeningSource, DriverError(L"ibeos()", message)}));
@@ -79,7 +79,7 @@ TEST_F(GpibErrorsTest, Ibeos_EachErrorClosesTheDevice) {
   Open();
 }
 
-TEST_F(GpibErrorsTest, Ibwrt_EachErrorLeavesTheDeviceOpen) {
+GPIB_TEST(GpibErrorsTest, Ibwrt_EachErrorLeavesTheDeviceOpen) {
   FailWithEachError("ibwrt");
   Open();
   for (const wchar_t* message : kMessages) {
@@ -90,7 +90,7 @@ TEST_F(GpibErrorsTest, Ibwrt_EachErrorLeavesTheDeviceOpen) {
   EXPECT_EQ(ieee_.Exchange(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
 }
 
-TEST_F(GpibErrorsTest, Ibrd_EachErrorLeavesTheDeviceOpen) {
+GPIB_TEST(GpibErrorsTest, Ibrd_EachErrorLeavesTheDeviceOpen) {
   FailWithEachError("ibrd");
   Open();
   for (const wchar_t* message : kMessages) {
@@ -102,7 +102,7 @@ TEST_F(GpibErrorsTest, Ibrd_EachErrorLeavesTheDeviceOpen) {
 }
 
 // The source is that of the opening, although it is the closing that failed.
-TEST_F(GpibErrorsTest, Ibonl_EachErrorLeavesTheDeviceOpen) {
+GPIB_TEST(GpibErrorsTest, Ibonl_EachErrorLeavesTheDeviceOpen) {
   FailWithEachError("ibonl");
   Open();
   for (const wchar_t* message : kMessages) {
@@ -114,7 +114,7 @@ TEST_F(GpibErrorsTest, Ibonl_EachErrorLeavesTheDeviceOpen) {
   EXPECT_EQ(ieee_.Uninitialize(), kDone);
 }
 
-TEST_F(GpibErrorsTest, IbonlOfTheBoard_IsToldApart) {
+GPIB_TEST(GpibErrorsTest, IbonlOfTheBoard_IsToldApart) {
   driver_.Load(MeterBus(Failures(Failing("ibonl", 2, "\"error\": 7"))));
   Open();
   EXPECT_EQ(ieee_.Uninitialize(),
@@ -125,7 +125,7 @@ TEST_F(GpibErrorsTest, IbonlOfTheBoard_IsToldApart) {
 }
 
 // Negative and large numbers are seen as 16 bits.
-TEST_F(GpibErrorsTest, OddErrorNumbers_AreShownAs16Bits) {
+GPIB_TEST(GpibErrorsTest, OddErrorNumbers_AreShownAs16Bits) {
   driver_.Load(
       MeterBus(Failures(Failing("ibwrt", 1, "\"error\": -1") + "," + Failing("ibwrt", 2, "\"error\": 65538") +
                         "," + Failing("ibwrt", 3, "\"error\": 32768"))));
@@ -138,7 +138,7 @@ TEST_F(GpibErrorsTest, OddErrorNumbers_AreShownAs16Bits) {
 }
 
 // Bit 15 of the status word alone tells a failure.
-TEST_F(GpibErrorsTest, StatusWord_HasTheErrorBitOrNot) {
+GPIB_TEST(GpibErrorsTest, StatusWord_HasTheErrorBitOrNot) {
   const std::string statuses[] = {"32767", "0", "8448", "2147418112", "32768", "65535", "-1", "-32512"};
   std::string failures;
   int call = 0;
@@ -154,7 +154,7 @@ TEST_F(GpibErrorsTest, StatusWord_HasTheErrorBitOrNot) {
   }
 }
 
-TEST_F(GpibErrorsTest, StatusWord_OfTheOtherCalls) {
+GPIB_TEST(GpibErrorsTest, StatusWord_OfTheOtherCalls) {
   driver_.Load(MeterBus(Failures(Failing("ibclr", 1, R"("error": 3, "status": 32767)") + "," +
                                  Failing("ibeos", 1, R"("error": 3, "status": 32767)") + "," +
                                  Failing("ibrd", 1, R"("error": 3, "status": 32767)") + "," +
@@ -171,7 +171,7 @@ TEST_F(GpibErrorsTest, StatusWord_OfTheOtherCalls) {
   driver_.Load(MeterBus());
 }
 
-TEST_F(GpibErrorsTest, DescriptorBeyond16Bits_IsAnOverflowAndGivenBack) {
+GPIB_TEST(GpibErrorsTest, DescriptorBeyond16Bits_IsAnOverflowAndGivenBack) {
   driver_.Load(MeterBus(Failures(Failing("ibdev", 1, R"("status": 256, "result": 40000)") + "," +
                                  Failing("ibdev", 2, R"("status": 256, "result": 65537)") + "," +
                                  Failing("ibdev", 3, R"("status": 256, "result": 32768)") + "," +
@@ -190,7 +190,7 @@ TEST_F(GpibErrorsTest, DescriptorBeyond16Bits_IsAnOverflowAndGivenBack) {
                        "ibdev(0,5,0,12,1,0)", "ibonl(32768,0)", "ibdev(0,5,0,12,1,0)"}));
 }
 
-TEST_F(GpibErrorsTest, InvalidDevice_AfterAFailedOpening_UntilOneSucceeds) {
+GPIB_TEST(GpibErrorsTest, InvalidDevice_AfterAFailedOpening_UntilOneSucceeds) {
   driver_.Load(MeterBus(Failures(Failing("ibdev", 2))));
   Open();
   EXPECT_EQ(ieee_.Initialize().result, ERR_IBDEV);
@@ -203,13 +203,13 @@ TEST_F(GpibErrorsTest, InvalidDevice_AfterAFailedOpening_UntilOneSucceeds) {
   EXPECT_EQ(ieee_.Uninitialize(), kDone);
 }
 
-TEST_F(GpibErrorsTest, ErrorInformation_IsSupported) {
+GPIB_TEST(GpibErrorsTest, ErrorInformation_IsSupported) {
   ComPtr<ISupportErrorInfo> support;
   ASSERT_EQ(ieee_.object.As(&support), S_OK);
   EXPECT_EQ(support->InterfaceSupportsErrorInfo(__uuidof(_CKespIEEE)), S_OK);
 }
 
-TEST_F(GpibErrorsTest, LateBound_EachCallsErrorIsInExcepInfo) {
+GPIB_TEST(GpibErrorsTest, LateBound_EachCallsErrorIsInExcepInfo) {
   struct Example {
     const char* function;
     const wchar_t* member;
@@ -225,7 +225,7 @@ TEST_F(GpibErrorsTest, LateBound_EachCallsErrorIsInExcepInfo) {
         Example{"ibwrt", L"WriteLine", ERR_IBWRT, kWritingSource, L"ibwrt() with command 't' on device 1"},
         Example{"ibrd", L"ReadLine", ERR_IBRD, kReadingSource, L"ibrd() on device 1"},
         Example{"ibonl", L"Uninitialize", ERR_IBONL, kOpeningSource, L"ibonl() for device"}}) {
-    RunAfresh(MeterBus(Failures(Failing(example.function, 1, "\"error\": 2"))), [&] {
+    RunAfresh(driver_, MeterBus(Failures(Failing(example.function, 1, "\"error\": 2"))), [&] {
       IeeeClient client;
       const LateObject late(client.object);
       Value reply(L"before");
@@ -244,7 +244,7 @@ TEST_F(GpibErrorsTest, LateBound_EachCallsErrorIsInExcepInfo) {
   }
 }
 
-TEST_F(GpibErrorsTest, LateBound_BareNumbersAndOptionalCommand) {
+GPIB_TEST(GpibErrorsTest, LateBound_BareNumbersAndOptionalCommand) {
   const LateObject late(ieee_.object);
   EXPECT_TRUE(late.Call(L"Initialize").IsTrue());
   EXPECT_TRUE(late.Call(L"WriteLine").IsTrue());
@@ -256,7 +256,7 @@ TEST_F(GpibErrorsTest, LateBound_BareNumbersAndOptionalCommand) {
 }
 
 // A number is a fine EOSChar for a script.
-TEST_F(GpibErrorsTest, LateBound_EosCharAsANumber) {
+GPIB_TEST(GpibErrorsTest, LateBound_EosCharAsANumber) {
   const LateObject late(ieee_.object);
   EXPECT_EQ(late.Put(L"EOSChar", Plain(Value(13))).result, S_OK);
   EXPECT_TRUE(late.Call(L"Initialize").IsTrue());

@@ -11,7 +11,7 @@ class GpibFaultsTest : public GpibDriverFixture {
   template <class Client>
   void Sweep(const std::string& devices, bool (*operation)(Client&), bool (*next)(Client&)) {
     std::size_t calls = 0;
-    RunAfresh(BusWith(devices), [&] {
+    RunAfresh(driver_, BusWith(devices), [&] {
       Client client;
       EXPECT_TRUE(operation(client)) << driver_.RecordText();
       calls = driver_.Calls().size();
@@ -20,7 +20,7 @@ class GpibFaultsTest : public GpibDriverFixture {
     for (std::size_t at = 1; at <= calls; ++at) {
       for (const char* outcome : {R"("error": 14)", R"("error": 6, "status": 49408, "count": 0)"}) {
         SCOPED_TRACE("call " + std::to_string(at) + " of " + std::to_string(calls) + ": " + outcome);
-        RunAfresh(BusWith(devices, Failures(Failing("*", static_cast<int>(at), outcome))), [&] {
+        RunAfresh(driver_, BusWith(devices, Failures(Failing("*", static_cast<int>(at), outcome))), [&] {
           Client client;
           const bool succeeded = operation(client);
           ExpectOnlyClosingIsForgiven(succeeded);

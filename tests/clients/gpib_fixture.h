@@ -1,4 +1,4 @@
-// An IEEE-488 transport beside the simulated driver.
+// An IEEE-488 transport beside the simulated driver, and where tests of it run.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,43 +7,52 @@
 #include <string>
 
 #include "tests/clients/ieee_client.h"
-#include "tests/clients/library_module.h"
 #include "tests/clients/other_apartment.h"
 #include "tests/clients/simulated_bus.h"
 #include "tests/clients/simulated_driver.h"
 
 namespace kesp::clients {
 
+// With another bus, on a new thread in an apartment of its own.
+inline void RunAfresh(const SimulatedDriver& driver, const std::string& bus,
+                      const std::function<void()>& work) {
+  driver.Load(bus);
+  RunElsewhere(COINIT_APARTMENTTHREADED, work);
+}
+
 // The driver alone, for tests that bring threads of their own.
 class GpibDriverFixture : public testing::Test {
  protected:
   GpibDriverFixture() { driver_.Load(MeterBus()); }
+  void TearDown() override { driver_.ExpectNothingLeft(); }
 
-  // With another bus, on a new thread in an apartment of its own.
-  void RunAfresh(const std::string& bus, const std::function<void()>& work) {
-    driver_.Load(bus);
-    RunElsewhere(COINIT_APARTMENTTHREADED, work);
-  }
-
-  SimulatedDriver driver_;
+  const SimulatedDriver driver_;
 };
 
-// For threads that end at the same time. The library stays loaded until they have: when it is unloaded, it
-// can end the registration of one thread alone.
-class GpibThreadsFixture : public GpibDriverFixture {
+// What a test on a thread of its own needs: the driver, and a transport.
+class GpibStage {
  protected:
-  void TearDown() override { driver_.AwaitUnregistered(); }
-
- private:
-  LibraryModule module_;
-};
-
-// A transport on the test's own thread. The library is unloaded at the end of each test, and with it goes the
-// registration of that thread.
-class GpibFixture : public GpibDriverFixture {
- protected:
-  Apartment apartment_;
+  const SimulatedDriver driver_;
   IeeeClient ieee_;
 };
+
+// Sets the stage on a new thread, runs the test there, and looks when the thread has ended at what it left.
+template <class Stage>
+void RunOnItsOwnThread() {
+  const SimulatedDriver driver;
+  RunAfresh(driver, MeterBus(), [] { Stage().Run(); });
+  driver.ExpectNothingLeft();
+}
+
+// A test case as TEST_F defines them, but on a thread of its own. The library registers each thread with the
+// driver once and does not learn that a new bus has forgotten it.
+#define GPIB_TEST(Stage, Case)                            \
+  struct Stage##_##Case : Stage {                         \
+    void Run();                                           \
+  };                                                      \
+  TEST(Stage, Case) {                                     \
+    ::kesp::clients::RunOnItsOwnThread<Stage##_##Case>(); \
+  }                                                       \
+  void Stage##_##Case::Run()
 
 }  // namespace kesp::clients

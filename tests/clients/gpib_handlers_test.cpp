@@ -9,7 +9,7 @@
 namespace kesp::clients {
 namespace {
 
-class GpibHandlersTest : public GpibDetectionFixture {
+class GpibHandlersTest : public GpibDetectionStage {
  protected:
   GpibHandlersTest() { driver_.Load(BusWith(kAnswersIdn)); }
 
@@ -31,7 +31,7 @@ class GpibHandlersTest : public GpibDetectionFixture {
   }
 };
 
-TEST_F(GpibHandlersTest, ReadsTheSettingsOfTheSearch) {
+GPIB_TEST(GpibHandlersTest, ReadsTheSettingsOfTheSearch) {
   std::vector<short> addresses;
   On(L"AutoDetectBegin", [&] { EXPECT_EQ(ieee_.TimeOut(), to1s); });
   On(L"AutoDetectUpdate", [&] {
@@ -44,7 +44,7 @@ TEST_F(GpibHandlersTest, ReadsTheSettingsOfTheSearch) {
   EXPECT_EQ(addresses, (std::vector<short>{17, 1, 1, 1, 2}));
 }
 
-TEST_F(GpibHandlersTest, ChangesEveryMember_FoundAddressStays) {
+GPIB_TEST(GpibHandlersTest, ChangesEveryMember_FoundAddressStays) {
   OnTrial(L"*IDN?", 2, [&] {
     ieee_.SetAddress(20);
     ieee_.SetTimeOut(to300s);
@@ -55,30 +55,30 @@ TEST_F(GpibHandlersTest, ChangesEveryMember_FoundAddressStays) {
 }
 
 // The command that follows finds no device; the next address does.
-TEST_F(GpibHandlersTest, ClosesTheDevice_SearchGoesOn) {
+GPIB_TEST(GpibHandlersTest, ClosesTheDevice_SearchGoesOn) {
   OnTrial(L"*IDN?", 1, [&] { EXPECT_EQ(ieee_.Uninitialize(), kDone); });
   ExpectUndisturbed();
 }
 
-TEST_F(GpibHandlersTest, ClosesTheDeviceThatWouldAnswer_NothingIsFound) {
+GPIB_TEST(GpibHandlersTest, ClosesTheDeviceThatWouldAnswer_NothingIsFound) {
   ieee_.SetAddress(1);
   On(L"AutoDetectUpdate", [&] { ieee_.Uninitialize(); });
   EXPECT_EQ(AutoDetect(dlSCPIOnly), kDone);
   ExpectNothingFound(1);
 }
 
-TEST_F(GpibHandlersTest, ConversesItself) {
+GPIB_TEST(GpibHandlersTest, ConversesItself) {
   OnTrial(L"*IDN?", 2, [&] { EXPECT_EQ(ieee_.Exchange(L"*IDN?"), L"KESP,GP488,SIM48802,2.0\n"); });
   ExpectUndisturbed();
   EXPECT_EQ(driver_.Calls("ibrd").size(), 2U);
 }
 
-TEST_F(GpibHandlersTest, OpensTheDeviceAnew) {
+GPIB_TEST(GpibHandlersTest, OpensTheDeviceAnew) {
   OnTrial(L"*IDN?", 2, [&] { EXPECT_EQ(ieee_.Initialize(), kDone); });
   ExpectUndisturbed();
 }
 
-TEST_F(GpibHandlersTest, DetectsItself) {
+GPIB_TEST(GpibHandlersTest, DetectsItself) {
   OnTrial(L"*VER", 1, [&] {
     recorder_->handlers.clear();
     Text inner;
@@ -92,12 +92,12 @@ TEST_F(GpibHandlersTest, DetectsItself) {
   EXPECT_EQ(recorder_->Count(L"AutoDetectEnd"), 2U);
 }
 
-TEST_F(GpibHandlersTest, Fails_NothingChanges) {
+GPIB_TEST(GpibHandlersTest, Fails_NothingChanges) {
   recorder_->result = E_FAIL;
   ExpectUndisturbed();
 }
 
-TEST_F(GpibHandlersTest, WritesAnyNumberButZeroIntoAbort) {
+GPIB_TEST(GpibHandlersTest, WritesAnyNumberButZeroIntoAbort) {
   recorder_->handlers[L"AutoDetectUpdate"] = [](DISPPARAMS& arguments) {
     *V_BOOLREF(&arguments.rgvarg[0]) = 1;
   };
@@ -107,7 +107,7 @@ TEST_F(GpibHandlersTest, WritesAnyNumberButZeroIntoAbort) {
 }
 
 // The next handler sees what the one before left.
-TEST_F(GpibHandlersTest, SecondHandlerTakesTheAbortBack) {
+GPIB_TEST(GpibHandlersTest, SecondHandlerTakesTheAbortBack) {
   const auto second = EventRecorder::Make(__uuidof(__CKespIEEE));
   const Connection connection(ieee_.object.Get(), __uuidof(__CKespIEEE), second.Get());
   recorder_->handlers[L"AutoDetectUpdate"] = [](DISPPARAMS& arguments) {
@@ -120,13 +120,13 @@ TEST_F(GpibHandlersTest, SecondHandlerTakesTheAbortBack) {
   ExpectUndisturbed();
 }
 
-TEST_F(GpibHandlersTest, DisconnectsItself) {
+GPIB_TEST(GpibHandlersTest, DisconnectsItself) {
   On(L"AutoDetectBegin", [&] { connection_.Disconnect(); });
   ExpectUndisturbed();
   EXPECT_EQ(journal(), Journal{L"AutoDetectBegin()"});
 }
 
-TEST_F(GpibHandlersTest, DisconnectsTheNext_WhichIsNotCalledAnyMore) {
+GPIB_TEST(GpibHandlersTest, DisconnectsTheNext_WhichIsNotCalledAnyMore) {
   const auto second = EventRecorder::Make(__uuidof(__CKespIEEE));
   Connection connection(ieee_.object.Get(), __uuidof(__CKespIEEE), second.Get());
   On(L"AutoDetectBegin", [&] { connection.Disconnect(); });
@@ -135,7 +135,7 @@ TEST_F(GpibHandlersTest, DisconnectsTheNext_WhichIsNotCalledAnyMore) {
   EXPECT_EQ(second->references(), 1U);
 }
 
-TEST_F(GpibHandlersTest, ConnectsAnother_WhichHearsFromTheNextEventOn) {
+GPIB_TEST(GpibHandlersTest, ConnectsAnother_WhichHearsFromTheNextEventOn) {
   const auto second = EventRecorder::Make(__uuidof(__CKespIEEE));
   std::unique_ptr<Connection> connection;
   OnTrial(L"*IDN?", 2, [&] {
@@ -146,7 +146,7 @@ TEST_F(GpibHandlersTest, ConnectsAnother_WhichHearsFromTheNextEventOn) {
 }
 
 // The object lives as long as the call that is on its way, and closes its device behind it.
-class GpibLastReferenceTest : public GpibDriverFixture {
+class GpibLastReferenceTest : public GpibStage {
  protected:
   GpibLastReferenceTest() {
     driver_.Load(BusWith(kAnswersIdn));
@@ -174,32 +174,30 @@ class GpibLastReferenceTest : public GpibDriverFixture {
     return result;
   }
 
-  Apartment apartment_;
   LibraryModule module_;
-  IeeeClient ieee_;
   ComPtr<EventRecorder> recorder_ = EventRecorder::Make(__uuidof(__CKespIEEE));
   Text result_;
   VARIANT_BOOL found_ = VARIANT_FALSE;
 };
 
-TEST_F(GpibLastReferenceTest, ReleasedAtTheBeginning) {
+GPIB_TEST(GpibLastReferenceTest, ReleasedAtTheBeginning) {
   EXPECT_EQ(DetectAndReleaseAt(L"AutoDetectBegin"), S_OK);
   EXPECT_EQ(found_, VARIANT_TRUE);
   EXPECT_EQ(result_.str(), L"KESP,GP488,SIM48802,2.0\n");
 }
 
-TEST_F(GpibLastReferenceTest, ReleasedInTheMiddle) {
+GPIB_TEST(GpibLastReferenceTest, ReleasedInTheMiddle) {
   EXPECT_EQ(DetectAndReleaseAt(L"AutoDetectUpdate", 5), S_OK);
   EXPECT_EQ(found_, VARIANT_TRUE);
   EXPECT_EQ(result_.str(), L"KESP,GP488,SIM48802,2.0\n");
 }
 
-TEST_F(GpibLastReferenceTest, ReleasedAtTheEnd) {
+GPIB_TEST(GpibLastReferenceTest, ReleasedAtTheEnd) {
   EXPECT_EQ(DetectAndReleaseAt(L"AutoDetectEnd"), S_OK);
   EXPECT_EQ(found_, VARIANT_TRUE);
 }
 
-TEST_F(GpibLastReferenceTest, ReleasedJustBeforeAnError) {
+GPIB_TEST(GpibLastReferenceTest, ReleasedJustBeforeAnError) {
   driver_.Load(BusWith(kAnswersIdn, Failures(Failing("ibdev", 2))));
   EXPECT_EQ(DetectAndReleaseAt(L"AutoDetectEnd"), ERR_IBDEV);
   EXPECT_EQ(found_, VARIANT_FALSE);

@@ -4,9 +4,9 @@
 namespace kesp::clients {
 namespace {
 
-class GpibLinesTest : public GpibFixture {};
+class GpibLinesTest : public GpibStage {};
 
-TEST_F(GpibLinesTest, Conversation_WholeRecord) {
+GPIB_TEST(GpibLinesTest, Conversation_WholeRecord) {
   EXPECT_EQ(ieee_.Initialize(), kDone);
   EXPECT_EQ(ieee_.WriteLine(L"*IDN?"), kDone);
   EXPECT_EQ(ieee_.ReadLine(), kDone);
@@ -22,12 +22,12 @@ TEST_F(GpibLinesTest, Conversation_WholeRecord) {
                  "1 ibonl(1,0) = 256 sta 0100 err 0 cnt 0", "1 ibonl(0,0) = 256 sta 0100 err 0 cnt 0"}));
 }
 
-TEST_F(GpibLinesTest, Created_TouchesNoDriver) {
+GPIB_TEST(GpibLinesTest, Created_TouchesNoDriver) {
   EXPECT_EQ(ieee_.Uninitialize(), kDone) << "nothing is open";
   EXPECT_EQ(driver_.Record(), CallLines{});
 }
 
-TEST_F(GpibLinesTest, ClearDeviceAndSetEos_AreAskedForSingly) {
+GPIB_TEST(GpibLinesTest, ClearDeviceAndSetEos_AreAskedForSingly) {
   for (const bool clears : {false, true}) {
     for (const bool ends_reads : {false, true}) {
       ieee_.SetClears(clears);
@@ -44,7 +44,7 @@ TEST_F(GpibLinesTest, ClearDeviceAndSetEos_AreAskedForSingly) {
                               "ibdev(0,5,0,12,1,0)", "ibclr(4)", "ibeos(4,1073)"}));
 }
 
-TEST_F(GpibLinesTest, TimeOutCodes_ArePassedAsTheyAre) {
+GPIB_TEST(GpibLinesTest, TimeOutCodes_ArePassedAsTheyAre) {
   CallLines expected;
   for (int code = toNone; code <= to1000s; ++code) {
     ieee_.SetTimeOut(static_cast<ETimeOutSecs>(code));
@@ -56,7 +56,7 @@ TEST_F(GpibLinesTest, TimeOutCodes_ArePassedAsTheyAre) {
 }
 
 // No setting is checked on its way, so the driver has the last word.
-TEST_F(GpibLinesTest, TimeOutCodeOfNoTime_IsTheDriversToRefuse) {
+GPIB_TEST(GpibLinesTest, TimeOutCodeOfNoTime_IsTheDriversToRefuse) {
   for (const int code : {-1, 18, 70000}) {
     ieee_.SetTimeOut(static_cast<ETimeOutSecs>(code));
     EXPECT_EQ(ieee_.Initialize(),
@@ -67,7 +67,7 @@ TEST_F(GpibLinesTest, TimeOutCodeOfNoTime_IsTheDriversToRefuse) {
             (CallLines{"ibdev(0,5,0,-1,1,0)", "ibdev(0,5,0,18,1,0)", "ibdev(0,5,0,70000,1,0)"}));
 }
 
-TEST_F(GpibLinesTest, TimeOutSetWhileOpen_CountsFromTheNextOpening) {
+GPIB_TEST(GpibLinesTest, TimeOutSetWhileOpen_CountsFromTheNextOpening) {
   EXPECT_EQ(ieee_.Initialize(), kDone);
   ieee_.SetTimeOut(to30ms);
   EXPECT_EQ(ieee_.Exchange(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
@@ -76,7 +76,7 @@ TEST_F(GpibLinesTest, TimeOutSetWhileOpen_CountsFromTheNextOpening) {
   EXPECT_EQ(driver_.Calls("ibdev"), (CallLines{"ibdev(0,5,0,12,1,0)", "ibdev(0,5,0,8,1,0)"}));
 }
 
-TEST_F(GpibLinesTest, Addresses_ArePassedAsTheyAre) {
+GPIB_TEST(GpibLinesTest, Addresses_ArePassedAsTheyAre) {
   CallLines expected;
   for (const short primary : {short{1}, short{30}}) {
     for (const short secondary : {short{0}, short{1}, short{30}}) {
@@ -90,14 +90,14 @@ TEST_F(GpibLinesTest, Addresses_ArePassedAsTheyAre) {
   EXPECT_EQ(driver_.Calls("ibdev"), expected);
 }
 
-TEST_F(GpibLinesTest, SecondaryAddress_ReachesTheDeviceBehindIt) {
+GPIB_TEST(GpibLinesTest, SecondaryAddress_ReachesTheDeviceBehindIt) {
   driver_.Load(BusWith(R"({"primary": 5, "secondary": 1, "commands": {"t": "one"}},
                           {"primary": 5, "secondary": 2, "commands": {"t": "two"}})"));
   EXPECT_EQ(Write(ieee_.object, &_CKespIEEE::put_SecondaryAddress, 2), S_OK);
   EXPECT_EQ(ieee_.Converse(L"t"), L"two\n");
 }
 
-TEST_F(GpibLinesTest, AddressSetWhileOpen_CountsFromTheNextOpening) {
+GPIB_TEST(GpibLinesTest, AddressSetWhileOpen_CountsFromTheNextOpening) {
   EXPECT_EQ(ieee_.Initialize(), kDone);
   ieee_.SetAddress(9);
   EXPECT_EQ(ieee_.Exchange(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
@@ -105,7 +105,7 @@ TEST_F(GpibLinesTest, AddressSetWhileOpen_CountsFromTheNextOpening) {
   EXPECT_EQ(driver_.Calls("ibdev"), CallLines{"ibdev(0,5,0,12,1,0)"});
 }
 
-TEST_F(GpibLinesTest, SecondInitialize_ClosesTheFirstDeviceAndNotTheBoard) {
+GPIB_TEST(GpibLinesTest, SecondInitialize_ClosesTheFirstDeviceAndNotTheBoard) {
   EXPECT_EQ(ieee_.Initialize(), kDone);
   ieee_.SetAddress(6);
   EXPECT_EQ(ieee_.Initialize(), kDone);
@@ -114,21 +114,21 @@ TEST_F(GpibLinesTest, SecondInitialize_ClosesTheFirstDeviceAndNotTheBoard) {
   EXPECT_EQ(driver_.OpenDescriptors(), 1);
 }
 
-TEST_F(GpibLinesTest, Uninitialize_ASecondTimeDoesNothing) {
+GPIB_TEST(GpibLinesTest, Uninitialize_ASecondTimeDoesNothing) {
   EXPECT_EQ(ieee_.Initialize(), kDone);
   EXPECT_EQ(ieee_.Uninitialize(), kDone);
   EXPECT_EQ(ieee_.Uninitialize(), kDone);
   EXPECT_EQ(driver_.Calls("ibonl"), (CallLines{"ibonl(1,0)", "ibonl(0,0)"}));
 }
 
-TEST_F(GpibLinesTest, Released_ClosesItsDeviceAndTheBoard) {
+GPIB_TEST(GpibLinesTest, Released_ClosesItsDeviceAndTheBoard) {
   EXPECT_EQ(ieee_.Initialize(), kDone);
   ieee_.object.Reset();
   EXPECT_EQ(driver_.Calls("ibonl"), (CallLines{"ibonl(1,0)", "ibonl(0,0)"}));
   EXPECT_EQ(driver_.OpenDescriptors(), 0);
 }
 
-TEST_F(GpibLinesTest, TwoObjects_HaveADeviceEach) {
+GPIB_TEST(GpibLinesTest, TwoObjects_HaveADeviceEach) {
   driver_.Load(
       BusWith(R"({"primary": 5, "commands": {"t": "five"}}, {"primary": 6, "commands": {"t": "six"}})"));
   IeeeClient other;
@@ -143,7 +143,7 @@ TEST_F(GpibLinesTest, TwoObjects_HaveADeviceEach) {
   EXPECT_EQ(ieee_.Exchange(L"t"), L"five\n");
 }
 
-TEST_F(GpibLinesTest, CommandAsItIs_TerminatorBehindIt) {
+GPIB_TEST(GpibLinesTest, CommandAsItIs_TerminatorBehindIt) {
   EXPECT_EQ(ieee_.Initialize(), kDone);
   for (const wchar_t* cmd : {L"", L" t ", L"t\n", L"\"\\"}) EXPECT_EQ(ieee_.WriteLine(cmd), kDone);
   VARIANT_BOOL answer = VARIANT_FALSE;
@@ -154,7 +154,7 @@ TEST_F(GpibLinesTest, CommandAsItIs_TerminatorBehindIt) {
 }
 
 // The library does not look whether a device is open: the driver knows what a descriptor of 0 is.
-TEST_F(GpibLinesTest, NeverOpened_LinesGoToTheBoardsOwnDescriptor) {
+GPIB_TEST(GpibLinesTest, NeverOpened_LinesGoToTheBoardsOwnDescriptor) {
   EXPECT_EQ(ieee_.WriteLine(L"t"),
             (Refusal{ERR_IBWRT, kWritingSource,
                      L"Error calling ibwrt() with command 't' on device 0: Error: 4 - Invalid argument to "
@@ -165,7 +165,7 @@ TEST_F(GpibLinesTest, NeverOpened_LinesGoToTheBoardsOwnDescriptor) {
   EXPECT_EQ(driver_.Calls(), (CallLines{R"(ibwrt(0,"t\n",2))", "ibrd(0,[50 blanks],50)"}));
 }
 
-TEST_F(GpibLinesTest, Closed_DescriptorIsUsedAllTheSame) {
+GPIB_TEST(GpibLinesTest, Closed_DescriptorIsUsedAllTheSame) {
   EXPECT_EQ(ieee_.Initialize(), kDone);
   EXPECT_EQ(ieee_.Uninitialize(), kDone);
   EXPECT_EQ(ieee_.WriteLine(L"t"), (Refusal{ERR_IBWRT, kWritingSource,

@@ -8,7 +8,7 @@ namespace {
 
 using Lines = std::vector<std::wstring>;
 
-class GpibQueryTest : public GpibDriverFixture {
+class GpibQueryTest {
  protected:
   GpibQueryTest() {
     EXPECT_EQ(Write(comm_, &_CKespCommObj::put_DebugFilename, trace_.path()), S_OK);
@@ -52,7 +52,7 @@ class GpibQueryTest : public GpibDriverFixture {
            L" **";
   }
 
-  Apartment apartment_;
+  const SimulatedDriver driver_;
   ComPtr<_CKespCommObj> comm_ = Create<_CKespCommObj>(__uuidof(CKespCommObj));
   IeeeClient ieee_{TransportOf(comm_)};
   Text reply_;
@@ -60,7 +60,7 @@ class GpibQueryTest : public GpibDriverFixture {
   std::size_t seen_ = 0;
 };
 
-TEST_F(GpibQueryTest, Success) {
+GPIB_TEST(GpibQueryTest, Success) {
   EXPECT_TRUE(Query(L"*IDN?"));
   EXPECT_EQ(reply_.str(), L"KESP,GP488,SIM48805,2.0\n");
   ExpectStatus(cfrSuccess);
@@ -77,7 +77,7 @@ TEST_F(GpibQueryTest, Success) {
                                         R"(ibwrt(2,"SETP 20\n",8))", "ibonl(2,0)", "ibonl(0,0)"}));
 }
 
-TEST_F(GpibQueryTest, Transport_WritesItsLinesInBetween) {
+GPIB_TEST(GpibQueryTest, Transport_WritesItsLinesInBetween) {
   EXPECT_EQ(Write(ieee_.object, &_CKespIEEE::put_CreateLogFile, VARIANT_TRUE), S_OK);
   EXPECT_TRUE(Query(L"*IDN?"));
   ExpectTrace({L"Beginning Query()... (command: *IDN?)", L"IEEE: Initialize()", L"Initialize()",
@@ -88,7 +88,7 @@ TEST_F(GpibQueryTest, Transport_WritesItsLinesInBetween) {
                L"Exiting Query()...(command: *IDN?)"});
 }
 
-TEST_F(GpibQueryTest, TransportsLog_EndsAtTheCallThatFailed) {
+GPIB_TEST(GpibQueryTest, TransportsLog_EndsAtTheCallThatFailed) {
   driver_.Load(MeterBus(Failures(Failing("ibclr", 1, "\"error\": 8"))));
   EXPECT_EQ(Write(ieee_.object, &_CKespIEEE::put_CreateLogFile, VARIANT_TRUE), S_OK);
   EXPECT_EQ(ieee_.Initialize().result, ERR_IBCLR);
@@ -97,7 +97,7 @@ TEST_F(GpibQueryTest, TransportsLog_EndsAtTheCallThatFailed) {
                L"ibclr()", L"Error ibclr()- Error: 8 - DMA Error"});
 }
 
-TEST_F(GpibQueryTest, OpeningFails_IsInitializeFailed) {
+GPIB_TEST(GpibQueryTest, OpeningFails_IsInitializeFailed) {
   driver_.Load(
       MeterBus(Failures(Failing("ibdev", 1, "\"error\": 7") + "," + Failing("ibeos", 1, "\"error\": 4"))));
   const std::wstring no_board = DriverError(L"ibdev()", L"7 - Non-existent interface board");
@@ -116,7 +116,7 @@ TEST_F(GpibQueryTest, OpeningFails_IsInitializeFailed) {
   ExpectStatus(cfrSuccess);
 }
 
-TEST_F(GpibQueryTest, EosCharEmpty_IsInitializeFailed) {
+GPIB_TEST(GpibQueryTest, EosCharEmpty_IsInitializeFailed) {
   ieee_.SetEos(L"");
   EXPECT_FALSE(Query(L"*IDN?"));
   ExpectStatus(
@@ -126,7 +126,7 @@ TEST_F(GpibQueryTest, EosCharEmpty_IsInitializeFailed) {
   EXPECT_EQ(driver_.OpenDescriptors(), 0);
 }
 
-TEST_F(GpibQueryTest, NoDevice_IsWriteFailed) {
+GPIB_TEST(GpibQueryTest, NoDevice_IsWriteFailed) {
   ieee_.SetAddress(9);
   const auto description = [](int device, const std::wstring& cmd) {
     return DriverError(L"ibwrt() with command '" + cmd + L"' on device " + std::to_wstring(device),
@@ -145,7 +145,7 @@ TEST_F(GpibQueryTest, NoDevice_IsWriteFailed) {
   EXPECT_EQ(driver_.OpenDescriptors(), 0);
 }
 
-TEST_F(GpibQueryTest, Silence_IsReadFailed) {
+GPIB_TEST(GpibQueryTest, Silence_IsReadFailed) {
   ieee_.SetTimeOut(to100ms);
   const std::wstring silence = DriverError(L"ibrd() on device 1", L"6 - I/O operation aborted");
   EXPECT_FALSE(Query(L"SETP 20"));
@@ -158,7 +158,7 @@ TEST_F(GpibQueryTest, Silence_IsReadFailed) {
 }
 
 // The exchange is over by then.
-TEST_F(GpibQueryTest, ClosingFails_ChangesNothing) {
+GPIB_TEST(GpibQueryTest, ClosingFails_ChangesNothing) {
   driver_.Load(MeterBus(Failures(Failing("ibonl", 1))));
   EXPECT_TRUE(Query(L"*IDN?"));
   ExpectStatus(cfrSuccess);
@@ -167,24 +167,24 @@ TEST_F(GpibQueryTest, ClosingFails_ChangesNothing) {
   EXPECT_EQ(driver_.OpenDescriptors(), 0) << driver_.RecordText();
 }
 
-TEST_F(GpibQueryTest, DeviceThatTheClientOpened_IsReplacedAndClosed) {
+GPIB_TEST(GpibQueryTest, DeviceThatTheClientOpened_IsReplacedAndClosed) {
   EXPECT_EQ(ieee_.Initialize(), kDone);
   EXPECT_TRUE(Query(L"*IDN?"));
   EXPECT_EQ(driver_.OpenDescriptors(), 0) << "that of the client's own opening is gone";
 }
 
-TEST_F(GpibQueryTest, OmegaArguments_AreIgnored) {
+GPIB_TEST(GpibQueryTest, OmegaArguments_AreIgnored) {
   EXPECT_TRUE(Query(L"*IDN?", L"01", L"20"));
   EXPECT_EQ(driver_.Calls("ibwrt"), CallLines{R"(ibwrt(1,"*IDN?\n",6))"});
 }
 
-TEST_F(GpibQueryTest, LongReply_IsItsFirstFiftyCharacters) {
+GPIB_TEST(GpibQueryTest, LongReply_IsItsFirstFiftyCharacters) {
   driver_.Load(BusWith(R"({"primary": 5, "commands": {"LOG?": ")" + std::string(60, 'a') + "\"}}"));
   EXPECT_TRUE(Query(L"LOG?"));
   EXPECT_EQ(reply_.str(), std::wstring(50, L'a'));
 }
 
-TEST_F(GpibQueryTest, QueryBinary_IsRefusedWithoutACall) {
+GPIB_TEST(GpibQueryTest, QueryBinary_IsRefusedWithoutACall) {
   Value bytes(5);
   VARIANT_BOOL answer = VARIANT_TRUE;
   EXPECT_EQ(RefusalOf(comm_->QueryBinary(bytes.get(), Text(L"*IDN?").get(), nullptr, nullptr, &answer)),
@@ -197,14 +197,14 @@ TEST_F(GpibQueryTest, QueryBinary_IsRefusedWithoutACall) {
   EXPECT_TRUE(Query(L"*IDN?")) << "the object works on";
 }
 
-TEST_F(GpibQueryTest, AnotherStyleAndBack_KeepsTheSettings) {
+GPIB_TEST(GpibQueryTest, AnotherStyleAndBack_KeepsTheSettings) {
   EXPECT_TRUE(Query(L"*IDN?"));
   EXPECT_EQ(WriteByReference(comm_, &_CKespCommObj::put_CommStyle, csTCPIP), S_OK);
   EXPECT_EQ(WriteByReference(comm_, &_CKespCommObj::put_CommStyle, csIEEE), S_OK);
   EXPECT_TRUE(Query(L"*IDN?"));
 }
 
-TEST_F(GpibQueryTest, LateBound_SettingsThroughCommObject) {
+GPIB_TEST(GpibQueryTest, LateBound_SettingsThroughCommObject) {
   const LateObject comm(Create<IDispatch>(__uuidof(CKespCommObj)));
   EXPECT_EQ(comm.Put(L"CommStyle", Plain(Value(csIEEE))).result, S_OK);
   const Outcome transport = comm.Get(L"CommObject");
@@ -225,7 +225,7 @@ TEST_F(GpibQueryTest, LateBound_SettingsThroughCommObject) {
   EXPECT_EQ(comm.Get(L"CommErrorSource").value.text(), kWritingSource);
 }
 
-TEST_F(GpibQueryTest, FacadeReleased_TransportOfTheClientWorksOn) {
+GPIB_TEST(GpibQueryTest, FacadeReleased_TransportOfTheClientWorksOn) {
   comm_.Reset();
   EXPECT_EQ(ieee_.Converse(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
   EXPECT_EQ(ieee_.Initialize(), kDone);

@@ -9,7 +9,7 @@ namespace {
 
 const std::string kOpened = "1 ibdev(0,5,0,12,1,0) = 1 sta 0100 err 0 cnt 0";
 
-class GpibRegistrationTest : public GpibFixture {
+class GpibRegistrationTest : public GpibStage {
  protected:
   GpibRegistrationTest() {
     ieee_.SetClears(false);
@@ -32,7 +32,7 @@ std::string Unregistered(int result) {
   return "1 UnregisterGpibGlobalsForThread() = " + std::to_string(result);
 }
 
-TEST_F(GpibRegistrationTest, Once_ForAllCallsAndObjects) {
+GPIB_TEST(GpibRegistrationTest, Once_ForAllCallsAndObjects) {
   {
     IeeeClient other;
     EXPECT_EQ(other.Converse(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
@@ -42,16 +42,35 @@ TEST_F(GpibRegistrationTest, Once_ForAllCallsAndObjects) {
   EXPECT_EQ(std::count(record.begin(), record.end(), Registered(0)), 1) << testing::PrintToString(record);
 }
 
-TEST_F(GpibRegistrationTest, OtherCellsThere_AreReplaced) {
+GPIB_TEST(GpibRegistrationTest, OtherCellsThere_AreReplaced) {
   Script("1, 0");
   EXPECT_EQ(ieee_.Initialize(), kDone);
   EXPECT_EQ(driver_.Record(), (CallLines{Registered(1), Unregistered(1), Registered(0), kOpened}));
 }
 
-TEST_F(GpibRegistrationTest, RefusedWith2Or3_IsUndoneAndTriedAgain) {
+// What becomes of a call that reports into other cells cannot be known, so what it has opened is closed.
+GPIB_TEST(GpibRegistrationTest, OtherCellsStay_OneCallFails) {
+  Script("1, 1");
+  EXPECT_EQ(ieee_.Initialize(),
+            (Refusal{ERR_IBDEV, kOpeningSource, DriverError(L"ibdev()", L"0 - System error")}));
+  EXPECT_EQ(driver_.OpenDescriptors(), 0) << driver_.RecordText();
+  EXPECT_EQ(ieee_.Initialize(), kDone);
+}
+
+// As a new bus does, a host program may take the registration away at any time.
+GPIB_TEST(GpibRegistrationTest, RegistrationLost_OneCallFails) {
+  EXPECT_EQ(ieee_.Converse(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
+  driver_.Load(MeterBus());
+  EXPECT_EQ(ieee_.Initialize(),
+            (Refusal{ERR_IBDEV, kOpeningSource, DriverError(L"ibdev()", L"0 - System error")}));
+  EXPECT_EQ(driver_.OpenDescriptors(), 0) << driver_.RecordText();
+  EXPECT_EQ(ieee_.Converse(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
+}
+
+GPIB_TEST(GpibRegistrationTest, RefusedWith2Or3_IsUndoneAndTriedAgain) {
   for (const int refusal : {2, 3}) {
     const std::string results = std::to_string(refusal) + ", " + std::to_string(refusal);
-    RunAfresh(MeterBus("\"registration\": [" + results + "]"), [&] {
+    RunAfresh(driver_, MeterBus("\"registration\": [" + results + "]"), [&] {
       IeeeClient client;
       for (int attempt = 0; attempt < 2; ++attempt) {
         EXPECT_EQ(client.Initialize(),
@@ -68,7 +87,7 @@ TEST_F(GpibRegistrationTest, RefusedWith2Or3_IsUndoneAndTriedAgain) {
   }
 }
 
-TEST_F(GpibRegistrationTest, RefusedOtherwise_IsTriedAgain) {
+GPIB_TEST(GpibRegistrationTest, RefusedOtherwise_IsTriedAgain) {
   Script("7, 4");
   ExpectRefused();
   ExpectRefused();
@@ -76,7 +95,7 @@ TEST_F(GpibRegistrationTest, RefusedOtherwise_IsTriedAgain) {
   EXPECT_EQ(driver_.Record(), (CallLines{Registered(7), Registered(4), Registered(0), kOpened}));
 }
 
-TEST_F(GpibRegistrationTest, RefusedInAQuery_IsItsStatus) {
+GPIB_TEST(GpibRegistrationTest, RefusedInAQuery_IsItsStatus) {
   Script("2");
   const auto comm = Create<_CKespCommObj>(__uuidof(CKespCommObj));
   EXPECT_EQ(WriteByReference(comm, &_CKespCommObj::put_CommStyle, csIEEE), S_OK);
@@ -94,7 +113,7 @@ TEST_F(GpibRegistrationTest, RefusedInAQuery_IsItsStatus) {
   EXPECT_EQ(reply.str(), L"KESP,GP488,SIM48805,2.0\n");
 }
 
-class GpibThreadEndTest : public GpibThreadsFixture, public testing::WithParamInterface<DWORD> {
+class GpibThreadEndTest : public GpibDriverFixture, public testing::WithParamInterface<DWORD> {
  protected:
   // Expects that record, once the thread has come to its end.
   void AwaitRecordsEnd(const std::string& line) {
@@ -147,7 +166,7 @@ TEST_P(GpibThreadEndTest, NeverRegistered_NoCall) {
   EXPECT_EQ(driver_.Record(), CallLines{Registered(7)});
 }
 
-class GpibAbandonedApartmentTest : public GpibThreadsFixture {};
+class GpibAbandonedApartmentTest : public GpibDriverFixture {};
 
 // A program may let its thread end without leaving the apartment.
 TEST_F(GpibAbandonedApartmentTest, ThreadEnds_Unregistered) {

@@ -4,7 +4,7 @@
 namespace kesp::clients {
 namespace {
 
-class GpibRepliesTest : public GpibFixture {
+class GpibRepliesTest : public GpibStage {
  protected:
   // Opens a device that answers "t" with this reply (as JSON writes it); it alone ends reads.
   void OpenWith(const std::string& reply, const std::string& more = R"("reply_terminator": "")") {
@@ -35,7 +35,7 @@ std::wstring AllCharacters() {
   return characters;
 }
 
-TEST_F(GpibRepliesTest, LongerThanFifty_ComesInPieces) {
+GPIB_TEST(GpibRepliesTest, LongerThanFifty_ComesInPieces) {
   const std::string reply = std::string(50, 'a') + std::string(50, 'b') + std::string(20, 'c');
   OpenWith(reply, R"("reply_terminator": "\n")");
   EXPECT_EQ(Piece(), std::wstring(50, L'a'));
@@ -44,30 +44,30 @@ TEST_F(GpibRepliesTest, LongerThanFifty_ComesInPieces) {
   EXPECT_EQ(Piece(), silence_);
 }
 
-TEST_F(GpibRepliesTest, ExactlyFifty_IsOnePiece) {
+GPIB_TEST(GpibRepliesTest, ExactlyFifty_IsOnePiece) {
   OpenWith(std::string(50, 'a'));
   EXPECT_EQ(Piece(), std::wstring(50, L'a'));
   EXPECT_EQ(Piece(), silence_) << "nothing is left";
 }
 
-TEST_F(GpibRepliesTest, FiftyOne_IsTwoPieces) {
+GPIB_TEST(GpibRepliesTest, FiftyOne_IsTwoPieces) {
   OpenWith(std::string(50, 'a') + "b");
   EXPECT_EQ(Piece(), std::wstring(50, L'a'));
   EXPECT_EQ(Piece(), L"b");
 }
 
-TEST_F(GpibRepliesTest, Reply_IsNotTrimmed) {
+GPIB_TEST(GpibRepliesTest, Reply_IsNotTrimmed) {
   OpenWith("  21.5 \\t ", R"("reply_terminator": "\r\n")");
   EXPECT_EQ(Piece(), L"  21.5 \t \r\n");
 }
 
 // A blank is what the buffer holds before the read.
-TEST_F(GpibRepliesTest, BlanksOfTheReply_AreTold) {
+GPIB_TEST(GpibRepliesTest, BlanksOfTheReply_AreTold) {
   OpenWith("   ");
   EXPECT_EQ(Piece(), L"   ");
 }
 
-TEST_F(GpibRepliesTest, NextCommand_DropsTheRest) {
+GPIB_TEST(GpibRepliesTest, NextCommand_DropsTheRest) {
   OpenWith(std::string(60, 'a'));
   EXPECT_EQ(Piece(), std::wstring(50, L'a'));
   EXPECT_EQ(ieee_.WriteLine(L"t"), kDone);
@@ -75,7 +75,7 @@ TEST_F(GpibRepliesTest, NextCommand_DropsTheRest) {
   EXPECT_EQ(Piece(), std::wstring(10, L'a'));
 }
 
-TEST_F(GpibRepliesTest, EveryByteValue_IsReceived) {
+GPIB_TEST(GpibRepliesTest, EveryByteValue_IsReceived) {
   std::string reply;
   for (int byte = 0; byte < 256; ++byte) {
     const char* const digits = "0123456789ABCDEF";
@@ -87,7 +87,7 @@ TEST_F(GpibRepliesTest, EveryByteValue_IsReceived) {
   EXPECT_EQ(received, AllCharacters());
 }
 
-TEST_F(GpibRepliesTest, EveryByteValue_IsSent) {
+GPIB_TEST(GpibRepliesTest, EveryByteValue_IsSent) {
   EXPECT_EQ(ieee_.Initialize(), kDone);
   EXPECT_EQ(ieee_.WriteLine(AllCharacters()), kDone);
   std::string all;
@@ -106,20 +106,20 @@ TEST_F(GpibRepliesTest, EveryByteValue_IsSent) {
   EXPECT_EQ(driver_.Calls("ibwrt"), CallLines{"ibwrt(1,\"" + all + "\\n\",257)"});
 }
 
-TEST_F(GpibRepliesTest, CharacterWithoutAByte_IsSentAsAQuestionMark) {
+GPIB_TEST(GpibRepliesTest, CharacterWithoutAByte_IsSentAsAQuestionMark) {
   EXPECT_EQ(ieee_.Initialize(), kDone);
   EXPECT_EQ(ieee_.WriteLine(L"\x20AC \x4E2D \xD83D\xDE00"), kDone);
   EXPECT_EQ(driver_.Calls("ibwrt"), CallLines{R"(ibwrt(1,"\x80 ? ?\n",6))"});
 }
 
 // The device stops without the end that the read waits for.
-TEST_F(GpibRepliesTest, PartOfAReply_IsInTheResultAfterTheTimeOut) {
+GPIB_TEST(GpibRepliesTest, PartOfAReply_IsInTheResultAfterTheTimeOut) {
   OpenWith("21.", R"("reply_terminator": "", "end": false)");
   EXPECT_EQ(ieee_.ReadLine(), (Refusal{ERR_IBRD, kReadingSource, silence_}));
   EXPECT_EQ(ieee_.reply.str(), L"21.");
 }
 
-TEST_F(GpibRepliesTest, Silence_LeavesTheResultEmpty) {
+GPIB_TEST(GpibRepliesTest, Silence_LeavesTheResultEmpty) {
   OpenWith("21.5");
   EXPECT_EQ(Piece(), L"21.5");
   EXPECT_EQ(Piece(), silence_);
@@ -127,7 +127,7 @@ TEST_F(GpibRepliesTest, Silence_LeavesTheResultEmpty) {
 }
 
 // The buffer is 50 blanks, whatever the driver claims to have put there.
-TEST_F(GpibRepliesTest, CountOfTheDriver_IsHeldWithinTheBuffer) {
+GPIB_TEST(GpibRepliesTest, CountOfTheDriver_IsHeldWithinTheBuffer) {
   driver_.Load(MeterBus(Failures(Failing("ibrd", 1, R"("status": 256, "count": 3)") + "," +
                                  Failing("ibrd", 2, R"("status": 256, "count": 51)") + "," +
                                  Failing("ibrd", 3, R"("status": 256, "count": 2147483647)") + "," +

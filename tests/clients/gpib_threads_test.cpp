@@ -68,7 +68,7 @@ void PrintTo(const Way& way, std::ostream* out) {
   *out << (way.apartment == COINIT_MULTITHREADED ? "MTA" : "STA") << (way.takes_turns ? " in turns" : "");
 }
 
-class GpibThreadsTest : public GpibThreadsFixture, public testing::WithParamInterface<Way> {
+class GpibThreadsTest : public GpibDriverFixture, public testing::WithParamInterface<Way> {
  protected:
   GpibThreadsTest() { driver_.Load(kBus); }
 
@@ -154,7 +154,7 @@ TEST_P(GpibThreadsTest, BothOpenAndClose) {
   EXPECT_EQ(driver_.Calls("ibdev").size(), 2U * kExchanges);
 }
 
-class GpibTwoThreadsTest : public GpibThreadsFixture {
+class GpibTwoThreadsTest : public GpibDriverFixture {
  protected:
   GpibTwoThreadsTest() { driver_.Load(kBus); }
 };

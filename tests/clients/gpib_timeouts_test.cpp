@@ -11,7 +11,7 @@ using std::chrono::milliseconds;
 // What a machine that is busy elsewhere may need beyond the time-out.
 constexpr milliseconds kPatience(5000);
 
-class GpibTimeoutsTest : public GpibFixture {
+class GpibTimeoutsTest : public GpibStage {
  protected:
   static constexpr const wchar_t* kAborted = L"6 - I/O operation aborted";
 
@@ -30,26 +30,26 @@ class GpibTimeoutsTest : public GpibFixture {
   }
 };
 
-TEST_F(GpibTimeoutsTest, TenthOfASecond_ThenWorksOn) {
+GPIB_TEST(GpibTimeoutsTest, TenthOfASecond_ThenWorksOn) {
   Open(to100ms);
   ExpectSilenceFor(milliseconds(100));
   EXPECT_EQ(ieee_.Exchange(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
   ExpectSilenceFor(milliseconds(100));
 }
 
-TEST_F(GpibTimeoutsTest, Second_ThenWorksOn) {
+GPIB_TEST(GpibTimeoutsTest, Second_ThenWorksOn) {
   Open(to1s);
   ExpectSilenceFor(milliseconds(1000));
   EXPECT_EQ(ieee_.Exchange(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
 }
 
-TEST_F(GpibTimeoutsTest, CommandWithoutReply_IsThatReadsTimeOut) {
+GPIB_TEST(GpibTimeoutsTest, CommandWithoutReply_IsThatReadsTimeOut) {
   Open(to100ms);
   EXPECT_EQ(ieee_.WriteLine(L"SETP 20"), kDone);
   ExpectSilenceFor(milliseconds(100));
 }
 
-TEST_F(GpibTimeoutsTest, NoDeviceAtTheAddress_WriteFailsAtOnce) {
+GPIB_TEST(GpibTimeoutsTest, NoDeviceAtTheAddress_WriteFailsAtOnce) {
   ieee_.SetAddress(9);
   Open(to1000s);
   EXPECT_EQ(ieee_.WriteLine(L"t"), (Refusal{ERR_IBWRT, kWritingSource,
@@ -57,7 +57,7 @@ TEST_F(GpibTimeoutsTest, NoDeviceAtTheAddress_WriteFailsAtOnce) {
                                                         L"2 - Write function detected no listeners")}));
 }
 
-TEST_F(GpibTimeoutsTest, SlowReply_IsWaitedFor) {
+GPIB_TEST(GpibTimeoutsTest, SlowReply_IsWaitedFor) {
   driver_.Load(BusWith(R"({"primary": 5, "delay_ms": 400, "commands": {"t": "23.5"}})"));
   Open(toNone);
   const auto begin = std::chrono::steady_clock::now();
@@ -65,7 +65,7 @@ TEST_F(GpibTimeoutsTest, SlowReply_IsWaitedFor) {
   EXPECT_GE(std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - begin).count(), 360);
 }
 
-TEST_F(GpibTimeoutsTest, ReplyAfterTheTimeOut_IsReadByALaterRead) {
+GPIB_TEST(GpibTimeoutsTest, ReplyAfterTheTimeOut_IsReadByALaterRead) {
   driver_.Load(BusWith(R"({"primary": 5, "delay_ms": 400, "commands": {"t": "23.5"}})"));
   Open(to100ms);
   EXPECT_EQ(ieee_.WriteLine(L"t"), kDone);

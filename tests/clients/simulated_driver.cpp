@@ -44,14 +44,10 @@ bool IsAnyRegistered(const CallLines& record) {
 SimulatedDriver::SimulatedDriver()
     : module_(LoadLibraryExW(L"Gpib-32.dll", nullptr, LOAD_LIBRARY_SEARCH_APPLICATION_DIR)) {
   EXPECT_NE(module_, nullptr) << "no driver beside the program: run this with tools/wine-run --driver";
-  Load(R"({"devices": [{"primary": 5}]})");
 }
 
 SimulatedDriver::~SimulatedDriver() {
-  if (module_ == nullptr) return;
-  AwaitUnregistered();
-  EXPECT_EQ(OpenDescriptors(), 0) << RecordText();
-  FreeLibrary(module_);
+  if (module_ != nullptr) FreeLibrary(module_);
 }
 
 void SimulatedDriver::Load(const std::string& description) const {
@@ -107,11 +103,12 @@ int SimulatedDriver::OpenDescriptors() const {
   return open_descriptors == nullptr ? -1 : open_descriptors();
 }
 
-void SimulatedDriver::AwaitUnregistered() const {
+void SimulatedDriver::ExpectNothingLeft() const {
   // COM keeps a thread for objects of others until some time after the last of those has left its apartment.
   const DWORD start = GetTickCount();
   while (IsAnyRegistered(Record()) && GetTickCount() - start < kPatience) Sleep(1);
   EXPECT_FALSE(IsAnyRegistered(Record())) << RecordText();
+  EXPECT_EQ(OpenDescriptors(), 0) << RecordText();
 }
 
 template <class Function>

@@ -10,14 +10,12 @@ namespace kesp::clients {
 
 using CallLines = std::vector<std::string>;
 
-// A new bus for one test. At the end it fails the test when a device was left open, or a thread registered;
-// so it must outlive the apartments in which the library is used.
+// The driver's DLL, which is one in the process.
 //
-// The library registers each thread once and does not learn of a new bus. Load therefore comes before the
-// thread's first call of the driver, or the rest is done on a thread of its own.
+// The library registers each thread with it once and does not learn of a new bus. Load therefore comes before
+// the thread's first call of the driver, or the rest is done on a thread of its own.
 class SimulatedDriver {
  public:
-  // With one device, which takes any command and never answers, unless Load follows.
   SimulatedDriver();
   ~SimulatedDriver();
   SimulatedDriver(const SimulatedDriver&) = delete;
@@ -42,9 +40,9 @@ class SimulatedDriver {
 
   int OpenDescriptors() const;
 
-  // Waits for the end of threads that are about to end, and fails the test when one is registered after that
-  // or has ended so.
-  void AwaitUnregistered() const;
+  // Fails the test when a device is open, or a thread registered that is not just about to end, or one has
+  // ended so.
+  void ExpectNothingLeft() const;
 
  private:
   template <class Function>
