@@ -65,20 +65,22 @@ TEST_F(GpibThreadsWinTest, ThreadThatIsNotRegisteredEnds_DriverIsNotCalled) {
   EXPECT_TRUE(unregistered.empty());
 }
 
+// What a fiber is to do, and the fiber that goes on then.
+struct FiberTask {
+  const std::function<void()>& work;
+  void* back;
+};
+
+void WINAPI RunFiber(void* parameter) {
+  const auto* task = static_cast<FiberTask*>(parameter);
+  task->work();
+  SwitchToFiber(task->back);
+}
+
 // Runs the work on a new fiber of this thread, whose present fiber is `own`, and deletes the fiber.
 void OnNewFiber(void* own, const std::function<void()>& work) {
-  struct Task {
-    const std::function<void()>& work;
-    void* back;
-  } task{work, own};
-  void* fiber = CreateFiber(
-      0,
-      [](void* parameter) {
-        auto* its = static_cast<Task*>(parameter);
-        its->work();
-        SwitchToFiber(its->back);
-      },
-      &task);
+  FiberTask task{work, own};
+  void* fiber = CreateFiber(0, &RunFiber, &task);
   ASSERT_NE(fiber, nullptr);
   SwitchToFiber(fiber);
   DeleteFiber(fiber);
