@@ -1,6 +1,8 @@
 // EOSChar as a decimal number and as a character.
 #include "gpib/eos_character.h"
 
+#include <algorithm>
+
 #include "support/failure.h"
 #include "support/text.h"
 #include "support/text_edit.h"
@@ -23,16 +25,16 @@ Failure Detailed(const Failure& failure, const wchar_t* source, const std::wstri
 }  // namespace
 
 std::uint8_t EosByteOfNumber(const std::wstring& text, const wchar_t* source) {
-  const std::wstring digits = Trim(text);
-  if (digits.empty()) {
+  if (text.empty()) {
     throw Detailed(TypeMismatch(), source, L"is empty; it must hold the code of a character, such as 10");
+  }
+  const std::wstring digits = Trim(text);
+  if (digits.empty() || !std::all_of(digits.begin(), digits.end(), IsDigit)) {
+    throw Detailed(TypeMismatch(), source,
+                   L"is \"" + text + L"\"; it must hold the code of a character, such as 10");
   }
   std::uint32_t number = 0;
   for (wchar_t c : digits) {
-    if (!IsDigit(c)) {
-      throw Detailed(TypeMismatch(), source,
-                     L"is \"" + text + L"\"; it must hold the code of a character, such as 10");
-    }
     // Held down, so that any number of digits can follow.
     if (number <= kHighestByte) number = number * 10 + static_cast<std::uint32_t>(c - L'0');
   }

@@ -34,7 +34,8 @@ TEST(EosCharacterTest, NumberOutOfRange_IsAnInvalidArgument) {
 }
 
 TEST(EosCharacterTest, NotANumber_IsATypeMismatch) {
-  for (const wchar_t* text : {L"LF", L"\n", L"-1", L"+10", L"1 0", L"10.5", L"1e1", L"&H0A", L"\x0661"}) {
+  for (const wchar_t* text :
+       {L"LF", L"   ", L"\n", L"-1", L"+10", L"1 0", L"10.5", L"1e1", L"&H0A", L"\x0661"}) {
     EXPECT_EQ(RaisedBy([&] { EosByteOfNumber(text, L"[source]"); }),
               (Raised{13, L"[source]",
                       std::wstring(L"Type mismatch (EOSChar is \"") + text +
@@ -43,12 +44,9 @@ TEST(EosCharacterTest, NotANumber_IsATypeMismatch) {
 }
 
 TEST(EosCharacterTest, EmptyAsNumber_IsATypeMismatch) {
-  for (const wchar_t* text : {L"", L"   "}) {
-    EXPECT_EQ(
-        RaisedBy([&] { EosByteOfNumber(text, L"[source]"); }),
-        (Raised{13, L"[source]",
-                L"Type mismatch (EOSChar is empty; it must hold the code of a character, such as 10)"}));
-  }
+  EXPECT_EQ(RaisedBy([] { EosByteOfNumber(L"", L"[source]"); }),
+            (Raised{13, L"[source]",
+                    L"Type mismatch (EOSChar is empty; it must hold the code of a character, such as 10)"}));
 }
 
 TEST(EosCharacterTest, FirstCharacter_IsItsByteInTheCodePage) {

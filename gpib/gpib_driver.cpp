@@ -23,6 +23,11 @@ constexpr int kEndOfTransfer = 1;
 constexpr int kNoEndOfString = 0;
 constexpr int kOffline = 0;
 
+int RegisterCells(GpibThread& thread) {
+  return thread.entry_points->RegisterGpibGlobalsForThread(&thread.status_cell, &thread.error_cell,
+                                                           &thread.count_cell, &thread.long_count_cell);
+}
+
 }  // namespace
 
 void GpibDriver::Load(const wchar_t* source) {
@@ -105,11 +110,6 @@ bool GpibDriver::Register(GpibThread& thread) const {
       break;
   }
   return thread.registered;
-}
-
-int GpibDriver::RegisterCells(GpibThread& thread) const {
-  return thread.entry_points->RegisterGpibGlobalsForThread(&thread.status_cell, &thread.error_cell,
-                                                           &thread.count_cell, &thread.long_count_cell);
 }
 
 }  // namespace kesp

@@ -63,7 +63,6 @@ class GpibDriver {
   template <typename Call>
   GpibStatus Run(const Call& call);
   bool Register(GpibThread& thread) const;
-  int RegisterCells(GpibThread& thread) const;
 
   GpibLibrary& library_;
   GpibThreads& threads_;
