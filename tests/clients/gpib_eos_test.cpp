@@ -10,7 +10,6 @@ const Refusal kNoCharacter{ControlError(5), kOpeningSource,
 
 // What WriteLine raises for a text that is no number.
 Refusal NoNumber(const std::wstring& text) {
-  // Blanks do not count.
   const std::wstring is = text.empty() ? L"is empty" : L"is \"" + text + L"\"";
   return {ControlError(13), kWritingSource,
           L"Type mismatch (EOSChar " + is + L"; it must hold the code of a character, such as 10)"};
