@@ -68,9 +68,10 @@ void CKespIEEE::OpenDevice() {
     throw Failure(Overflow().number(), kDriverSource,
                   L"Overflow (the driver's descriptor " + std::to_wstring(opened.descriptor) + L")");
   }
-  // Also one that comes with a failure, except 0, which is the board's own.
-  device_online_ = device_ > 0;
-  if (opened.status.Failed() || device_ < 0) FailOpening(opened.status, L"ibdev()", ieee_error::ERR_IBDEV);
+  const bool failed = opened.status.Failed() || device_ < 0;
+  // One that comes with a failure is to be closed, too, except 0, which is the board's own.
+  device_online_ = !failed || device_ > 0;
+  if (failed) FailOpening(opened.status, L"ibdev()", ieee_error::ERR_IBDEV);
 }
 
 void CKespIEEE::SetUpDevice() {

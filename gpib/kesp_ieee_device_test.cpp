@@ -158,6 +158,14 @@ TEST_F(IeeeDeviceTest, Initialize_HighestDescriptor_Fits) {
   EXPECT_EQ(Heard()[1], "ibclr(32767)");
 }
 
+TEST_F(IeeeDeviceTest, Initialize_DescriptorZero_IsClosedLikeAnyOther) {
+  Answer("ibdev", {.result = 0});
+  EXPECT_TRUE(ieee_.Initialize());
+  Heard();
+  EXPECT_TRUE(ieee_.Uninitialize());
+  EXPECT_EQ(Heard(), (Calls{"ibonl(0,0)", "ibonl(0,0)"}));
+}
+
 TEST_F(IeeeDeviceTest, InitializeTwice_ClosesTheFirstDevice) {
   ieee_.Initialize();
   Heard();
