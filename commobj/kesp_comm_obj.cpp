@@ -46,10 +46,19 @@ void CKespCommObj::SetDebugging(bool value) {
 void CKespCommObj::SetCommStyle(ECommStyle value) {
   if (comm_style_ == ECommStyle::csRS232 && serial_port_open_) CloseSerialPort();
   if (value < ECommStyle::csNone || value > ECommStyle::csIEEE) {
-    throw Failure(comm_obj_error::ERR_COMM_STYLE_NOT_SUPPORTED, L"[CKespCommObj - CommStyle]",
-                  L"The selected communication style is currently not supported");
+    throw StyleNotSupported(L"[CKespCommObj - CommStyle]");
   }
   comm_style_ = value;
+}
+
+void CKespCommObj::RequireTransport(const std::wstring& source) const {
+  if (comm_style_ != ECommStyle::csNone) return;
+  throw Failure(comm_obj_error::ERR_NO_COMM_OBJECT, source, L"Communications object not initialized");
+}
+
+Failure CKespCommObj::StyleNotSupported(const std::wstring& source) {
+  return {comm_obj_error::ERR_COMM_STYLE_NOT_SUPPORTED, source,
+          L"The selected communication style is currently not supported"};
 }
 
 void CKespCommObj::Trace(const std::wstring& message) {

@@ -11,6 +11,7 @@
 #include "support/binary_value.h"
 #include "support/enumerations.h"
 #include "support/environment.h"
+#include "support/failure.h"
 #include "support/log.h"
 
 namespace kesp {
@@ -89,7 +90,24 @@ class CKespCommObj {
   bool Update(const std::wstring& cmd, const std::wstring& OmegaAddress = {},
               const std::wstring& OmegaValue = {});
 
+  // Looks for an instrument as the selected transport's AutoDetect does (csIEEE: from the first address on)
+  // and returns what that returns; `result` is what it left there. The port, connection or device is closed
+  // afterwards. A failure of the transport is shown in an error box and gives false. The status stays as it
+  // is. Throws ERR_NO_COMM_OBJECT with csNone.
+  bool DetectInstrument(std::wstring& result, EDetectLevel DetectLevel = EDetectLevel::dlAllCommands);
+
+  // Sets how the serial port's input is read, imText or imBinary; other values and other styles change
+  // nothing there. CommError is cfrOtherError afterwards in every case, until the next exchange. A failure is
+  // shown in an error box. Throws ERR_NO_COMM_OBJECT with csNone, with the source of Update.
+  void SetInputMode(EInputMode eMode);
+
  private:
+  // Throws ERR_NO_COMM_OBJECT with csNone.
+  void RequireTransport(const std::wstring& source) const;
+  static Failure StyleNotSupported(const std::wstring& source);
+
+  bool DetectOnSerial(std::wstring& result, EDetectLevel level);
+  bool DetectOnNetwork(std::wstring& result, EDetectLevel level);
   bool Run(const Exchange& exchange);
   bool RunOnTransport(const Exchange& exchange);
   bool RunOnSerial(const Exchange& exchange);

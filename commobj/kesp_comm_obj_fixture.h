@@ -56,7 +56,8 @@ class KespCommObjFixture : public testing::Test {
             .make_network =
                 [this] {
                   made_.push_back("network");
-                  return std::make_shared<CKespTCP>(fakes_.environment, SocketFactory(), &events_);
+                  return std::make_shared<CKespTCP>(fakes_.environment, SocketFactory(), MakeInstrument,
+                                                    &events_);
                 },
             .make_ieee =
                 [this] {

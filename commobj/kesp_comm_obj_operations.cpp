@@ -79,14 +79,11 @@ bool CKespCommObj::Update(const std::wstring& cmd, const std::wstring& OmegaAddr
 
 bool CKespCommObj::Run(const Exchange& exchange) {
   const std::wstring source = L"[CKespCommObj - " + exchange.member + L"()]";
-  if (comm_style_ == ECommStyle::csNone) {
-    throw Failure(comm_obj_error::ERR_NO_COMM_OBJECT, source, L"Communications object not initialized");
-  }
+  RequireTransport(source);
   if (!exchange.beginning_line.empty()) Trace(exchange.beginning_line);
   BeginOperation();
   if (comm_style_ == ECommStyle::csIEEE && !exchange.works_on_ieee) {
-    throw Failure(comm_obj_error::ERR_COMM_STYLE_NOT_SUPPORTED, source,
-                  L"The selected communication style is currently not supported");
+    throw StyleNotSupported(source);
   }
   return RunTrapped(environment_.user, exchange.trap_action, [&] {
     const bool succeeded = RunOnTransport(exchange);

@@ -136,8 +136,8 @@ TEST_F(CKespCommObjTest, Released_TransportsGoInTheOrderSerialNetworkIeee) {
           },
       .make_network =
           [&] {
-            return std::shared_ptr<CKespTCP>(new CKespTCP(fakes_.environment, SocketFactory(), &events_),
-                                             tell("network"));
+            return std::shared_ptr<CKespTCP>(
+                new CKespTCP(fakes_.environment, SocketFactory(), MakeInstrument, &events_), tell("network"));
           },
       .make_ieee =
           [&] { return std::shared_ptr<CKespIEEE>(new CKespIEEE(fakes_.environment, gpib_), tell("ieee")); }};

@@ -27,6 +27,9 @@ class Instrument {
   virtual void SetMACAddress(const std::wstring& value) = 0;
 };
 
+// Makes a new record, with the defaults of CInstrument. The maker decides where it lives.
+using InstrumentFactory = std::function<std::shared_ptr<Instrument>()>;
+
 // The record itself: texts empty and ipStatic at first.
 class CInstrument final : public Instrument {
  public:
@@ -48,5 +51,10 @@ class CInstrument final : public Instrument {
   EIPType ip_type_ = EIPType::ipStatic;
   std::wstring mac_address_;
 };
+
+// The factory of plain records.
+inline std::shared_ptr<Instrument> MakeInstrument() {
+  return std::make_shared<CInstrument>();
+}
 
 }  // namespace kesp

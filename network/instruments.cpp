@@ -36,11 +36,13 @@ void CInstruments::Remove(const IndexOrKey& index_or_key) {
   // The item goes when the collection is whole again: letting go of it may run code of a client.
   const Entry removed = std::move(*position);
   entries_.erase(position);
+  ++removals_;
 }
 
 void CInstruments::Clear() {
   std::vector<Entry> removed;
   removed.swap(entries_);
+  ++removals_;
 }
 
 const std::shared_ptr<Instrument>& CInstruments::Item(const IndexOrKey& index_or_key) const {

@@ -34,6 +34,9 @@ class CInstruments {
 
   std::int32_t Count() const;
 
+  // How often items were removed, by Remove or Clear: while this stays the same, items are only appended.
+  std::uint32_t Removals() const { return removals_; }
+
  private:
   struct Entry {
     std::shared_ptr<Instrument> item;
@@ -44,6 +47,7 @@ class CInstruments {
   std::size_t PositionOf(const IndexOrKey& index_or_key) const;
 
   std::vector<Entry> entries_;
+  std::uint32_t removals_ = 0;
 };
 
 }  // namespace kesp

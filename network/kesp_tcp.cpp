@@ -1,17 +1,21 @@
 // The network transport's creation and settings.
 #include "network/kesp_tcp.h"
 
+#include <utility>
+
 #include "support/error_numbers.h"
 #include "support/object_key.h"
 
 namespace kesp {
 
-CKespTCP::CKespTCP(Environment& environment, const SocketControlFactory& make_socket, CKespTCPEvents* events)
+CKespTCP::CKespTCP(Environment& environment, const SocketControlFactory& make_socket,
+                   InstrumentFactory make_instrument, CKespTCPEvents* events)
     : environment_(environment),
       events_(events),
       log_(environment.clock, environment.files, L"CKespTCP.log"),
       key_(NewObjectKey(environment.guids)),
       socket_(make_socket(*this)),
+      make_instrument_(std::move(make_instrument)),
       devices_(std::make_shared<CInstruments>()) {}
 
 CKespTCP::~CKespTCP() = default;

@@ -1,13 +1,16 @@
-// The network transport: settings, connection, and line input and output over one TCP connection.
+// The network transport: settings, connection, line input and output over one TCP connection, and detection.
 #pragma once
 
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 
+#include "network/address_index.h"
 #include "network/eos_scanner.h"
+#include "network/instrument.h"
 #include "network/instruments.h"
 #include "network/socket_control.h"
 #include "network/tcp_events.h"
@@ -16,6 +19,7 @@
 #include "support/enumerations.h"
 #include "support/environment.h"
 #include "support/failure.h"
+#include "support/timing.h"
 
 namespace kesp {
 
@@ -25,10 +29,10 @@ namespace kesp {
 // where their setter says otherwise. A setter or method that throws leaves the settings as they were.
 class CKespTCP final : private SocketListener {
  public:
-  // `events` receives the object's events and may be null; it must outlive the object or be taken back with
-  // SetEvents(nullptr).
+  // make_instrument makes the records of the instruments that are found. `events` receives the object's
+  // events and may be null; it must outlive the object or be taken back with SetEvents(nullptr).
   CKespTCP(Environment& environment, const SocketControlFactory& make_socket,
-           CKespTCPEvents* events = nullptr);
+           InstrumentFactory make_instrument, CKespTCPEvents* events = nullptr);
   ~CKespTCP() override;
   CKespTCP(const CKespTCP&) = delete;
   CKespTCP& operator=(const CKespTCP&) = delete;
@@ -82,13 +86,31 @@ class CKespTCP final : private SocketListener {
   // The instruments found so far; the object's own collection, empty at first.
   const std::shared_ptr<CInstruments>& Devices() const { return devices_; }
 
-  // The protocol of the next Initialize, sckTCPProtocol at first.
+  // The protocol of the next Initialize, sckTCPProtocol at first. It also decides how AutoDetect searches.
   EKespProtocol Protocol() const { return protocol_; }
   void SetProtocol(EKespProtocol value) { protocol_ = value; }
 
   // Whether the address is known (ipStatic, at first) or to be discovered; stored only.
   EIPType IPType() const { return ip_type_; }
   void SetIPType(EIPType value) { ip_type_ = value; }
+
+  // Looks for instruments, each wait lasting 1000 ms as TimeOutmSecs counts them (1 to 2 seconds); returns
+  // whether one was found. TimeOutmSecs, IPType and Protocol are afterwards what they were, also when it
+  // throws.
+  //
+  // With the TCP protocol it connects to IPAddress and Port, as Initialize does, and tries the level's
+  // commands until one is answered; `result` gets the answer and the connection stays open. When nothing
+  // answers, or a handler of AutoDetectUpdate sets Abort, `result` is empty and a connection that it opened
+  // is closed. No connection is nothing found; throws ERR_INVALID_IP_ADDRESS and ERR_INVALID_PORT.
+  //
+  // With the UDP protocol it sends one broadcast, adds everyone who answers it to Devices, unless his address
+  // is there already, and connects to every item of Devices in turn, from the last to the first, to ask for
+  // Model and Serial. An item that cannot be reached, does not answer or gives fewer than three fields keeps
+  // what it has. True: somebody answered the broadcast; Port is 10001 then and IPAddress that of the first
+  // item. `result` is empty in every case. An open connection is closed. Removing items from Devices, in a
+  // handler, shortens the search. Throws ERR_TIMEOUT (the old connection did not close), ERR_CONNECTING and
+  // ERR_SEND_DATA (the broadcast could not be sent).
+  bool AutoDetect(std::wstring& result, EDetectLevel DetectLevel = EDetectLevel::dlAllCommands);
 
   // Connects to IPAddress and Port and returns true; at once when the object counts itself connected. Pumps
   // messages while it waits. Throws ERR_INVALID_IP_ADDRESS (empty or "0.0.0.0"), ERR_INVALID_PORT,
@@ -143,10 +165,25 @@ class CKespTCP final : private SocketListener {
   // Closes the socket and forgets what was known of the bytes that go with it.
   void CloseSocket();
   void CheckTarget();
-  void CloseBeforeConnecting();
+  void CloseBeforeConnecting(const wchar_t* source);
   void StartConnecting();
   bool AwaitConnection();
 
+  bool Probe(std::span<const wchar_t* const> commands, std::wstring& result);
+  bool AskInTurn(std::span<const wchar_t* const> commands, std::wstring& result);
+  bool IsAborted(const std::wstring& cmd);
+  bool IsAnswered(const std::wstring& cmd, std::wstring& result);
+
+  bool Discover();
+  bool UDPBroadcast();
+  void GatherReplies();
+  void TakeReply();
+  void StoreDevice(const std::wstring& address);
+  void IdentifyDevices();
+  void Identify(Instrument& device);
+  void Disconnect();
+
+  bool AwaitReply(const ElapsedSeconds& waited, const wchar_t* source);
   void CheckReadable(const wchar_t* source) const;
   void CheckOverrun(const wchar_t* source) const;
   bool IsQuietFor(std::int32_t milliseconds) const;
@@ -168,7 +205,10 @@ class CKespTCP final : private SocketListener {
   bool strip_crlf_ = true;
   bool check_non_ascii_ = true;
   bool terminate_on_eos_ = true;
+  InstrumentFactory make_instrument_;
   std::shared_ptr<CInstruments> devices_;
+  AddressIndex device_addresses_;
+  bool reply_heard_ = false;  // somebody answered the last broadcast
   EKespProtocol protocol_ = EKespProtocol::sckTCPProtocol;
   EIPType ip_type_ = EIPType::ipStatic;
   bool connected_ = false;

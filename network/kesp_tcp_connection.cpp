@@ -12,10 +12,6 @@ constexpr int kMaxAttempts = 4;
 constexpr wchar_t kInitializeSource[] = L"[CKespTCP - Initialize()]";
 constexpr wchar_t kUninitializeSource[] = L"[CKespTCP - Uninitialize()]";
 
-std::wstring NumberAndDescription(const Failure& failure) {
-  return std::to_wstring(failure.number()) + L" - " + failure.description();
-}
-
 }  // namespace
 
 bool CKespTCP::Initialize() {
@@ -26,7 +22,7 @@ bool CKespTCP::Initialize() {
   }
   CheckTarget();
   for (int attempt = 1;; ++attempt) {
-    CloseBeforeConnecting();
+    CloseBeforeConnecting(kInitializeSource);
     StartConnecting();
     if (AwaitConnection()) break;
     const EKespTCPState state = socket_->State();
@@ -51,14 +47,14 @@ void CKespTCP::CheckTarget() {
   if (port_ < 1) throw Failure(tcp_error::ERR_INVALID_PORT, kInitializeSource, L"Invalid Port");
 }
 
-void CKespTCP::CloseBeforeConnecting() {
+void CKespTCP::CloseBeforeConnecting(const wchar_t* source) {
   if (socket_->State() == EKespTCPState::sckClosed) return;
   CloseSocket();
   const ElapsedSeconds waited(environment_.clock);
   while (socket_->State() != EKespTCPState::sckClosed) {
     if (!waited.Exceeds(time_out_msecs_)) continue;
     log_.Write(L"Connection timeout...");
-    throw Failure(tcp_error::ERR_TIMEOUT, kInitializeSource, L"Timeout waiting for connection to close");
+    throw Failure(tcp_error::ERR_TIMEOUT, source, L"Timeout waiting for connection to close");
   }
 }
 

@@ -40,7 +40,7 @@ class KespTCPFixture : public testing::Test {
           listener_ = &listener;
           return socket;
         },
-        &events_);
+        [this] { return make_instrument_(); }, &events_);
   }
 
   void SetTarget() {
@@ -77,6 +77,7 @@ class KespTCPFixture : public testing::Test {
   CKespTCPEventsFake events_;
   SocketControlFake* socket_ = nullptr;
   SocketListener* listener_ = nullptr;
+  InstrumentFactory make_instrument_ = MakeInstrument;
   std::unique_ptr<CKespTCP> tcp_;
 
  private:

@@ -50,8 +50,7 @@ bool CKespTCP::WriteLine(const std::wstring& cmd) {
     socket_->SendData(SystemCodePage().ToBytes(cmd) + '\r');
     PumpOnce();
   } catch (...) {
-    const Failure failure = CurrentFailure();
-    const std::wstring reason = std::to_wstring(failure.number()) + L" - " + failure.description();
+    const std::wstring reason = NumberAndDescription(CurrentFailure());
     log_.Write([&] { return L"Unable to send command '" + cmd + L"' to " + Target() + L": " + reason; });
     throw Failure(tcp_error::ERR_SEND_DATA, kWriteLineSource, L"Unable to send data (" + reason + L")");
   }
@@ -61,12 +60,8 @@ bool CKespTCP::WriteLine(const std::wstring& cmd) {
 bool CKespTCP::ReadLine(std::wstring& result) {
   CheckReadable(kReadLineSource);
   const ElapsedSeconds waited(environment_.clock);
-  // A handler that runs inside the pump may have taken the reply itself; then the wait simply goes on.
-  while (!data_ready_) {
-    PumpOnce();
-    CheckOverrun(kReadLineSource);
-    if (!waited.Exceeds(time_out_msecs_)) continue;
-    // With UDP it is discovery that waits here, and its time is over.
+  if (!AwaitReply(waited, kReadLineSource)) {
+    // With UDP it is answers to a broadcast that are waited for, and their time is over.
     if (socket_->Protocol() == EKespProtocol::sckUDPProtocol) return true;
     throw TimeOut(kReadLineSource);
   }
@@ -77,6 +72,17 @@ bool CKespTCP::ReadLine(std::wstring& result) {
   }
   if (strip_crlf_) result = StripLineEnds(std::move(result));
   data_ready_ = false;
+  return true;
+}
+
+// False when the time is up. A handler that runs inside the pump may have taken the reply itself; then the
+// wait simply goes on.
+bool CKespTCP::AwaitReply(const ElapsedSeconds& waited, const wchar_t* source) {
+  while (!data_ready_) {
+    PumpOnce();
+    CheckOverrun(source);
+    if (waited.Exceeds(time_out_msecs_)) return false;
+  }
   return true;
 }
 
@@ -149,7 +155,11 @@ void CKespTCP::OnDataArrival(std::int32_t bytes_total) {
   std::optional<std::string> peeked;
   if (log_.IsOn()) peeked.emplace(socket_->PeekData());
   Raise(&CKespTCPEvents::DataArrivalBegin, bytes_total);
-  if (socket_->Protocol() == EKespProtocol::sckTCPProtocol) JudgeReply();
+  if (socket_->Protocol() == EKespProtocol::sckUDPProtocol) {
+    TakeReply();
+  } else {
+    JudgeReply();
+  }
   if (peeked) LogArrival(*peeked);
   Raise(&CKespTCPEvents::DataArrivalEnd);
 }

@@ -254,6 +254,7 @@ TEST_F(CKespTCPReadLine, Udp_NeedsAnOpenPortAndReturnsTrueAtTheTimeOut) {
   SetTarget();
   tcp_->SetProtocol(EKespProtocol::sckUDPProtocol);
   tcp_->SetTimeOutmSecs(1000);
+  socket_->state_after_udp_connect = EKespTCPState::sckResolvingHost;
   EXPECT_NE(RaisedBy([&] { tcp_->Initialize(); }).number, 0);
   std::wstring result = L"old";
   EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }),

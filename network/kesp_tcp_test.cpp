@@ -27,8 +27,9 @@ TEST_F(CKespTCPSettings, New_HasTheDefaults) {
 }
 
 TEST_F(CKespTCPSettings, GetKey_ElevenCharactersAndDifferentForEachObject) {
-  CKespTCP other(fakes_.environment,
-                 [](SocketListener& listener) { return std::make_unique<SocketControlFake>(listener); });
+  CKespTCP other(
+      fakes_.environment,
+      [](SocketListener& listener) { return std::make_unique<SocketControlFake>(listener); }, MakeInstrument);
   EXPECT_EQ(tcp_->GetKey(), L"0000000100K");
   EXPECT_EQ(other.GetKey(), L"0000000200K");
 }

@@ -10,7 +10,7 @@ bool ReceiveBuffer::AppendToStream(std::string_view bytes) noexcept {
   try {
     if (bytes.size() <= limit_ - held_) {
       if (pieces_.empty()) pieces_.emplace_back();
-      pieces_.back().append(bytes);
+      pieces_.back().bytes.append(bytes);
       held_ += bytes.size();
       return true;
     }
@@ -21,11 +21,11 @@ bool ReceiveBuffer::AppendToStream(std::string_view bytes) noexcept {
   return false;
 }
 
-bool ReceiveBuffer::AddDatagram(std::string_view bytes) noexcept {
+bool ReceiveBuffer::AddDatagram(std::string_view bytes, const DatagramSender& sender) noexcept {
   const std::size_t cost = bytes.size() + kDatagramOverhead;
   if (cost > limit_ - held_) return false;
   try {
-    pieces_.emplace_back(bytes);
+    pieces_.push_back({.bytes = std::string(bytes), .sender = sender});
   } catch (const std::bad_alloc&) {
     return false;
   }
@@ -34,9 +34,14 @@ bool ReceiveBuffer::AddDatagram(std::string_view bytes) noexcept {
   return true;
 }
 
+std::optional<DatagramSender> ReceiveBuffer::FrontSender() const {
+  if (!datagrams_ || pieces_.empty()) return std::nullopt;
+  return pieces_.front().sender;
+}
+
 std::string ReceiveBuffer::TakeFront() {
   if (pieces_.empty()) return {};
-  std::string front = std::move(pieces_.front());
+  std::string front = std::move(pieces_.front().bytes);
   pieces_.pop_front();
   held_ -= front.size() + (datagrams_ ? kDatagramOverhead : 0);
   return front;

@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <deque>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "network/datagram_sender.h"
 #include "network/socket_control.h"
 
 namespace kesp {
@@ -22,10 +24,13 @@ class ReceiveBuffer {
 
   // Adds a datagram. False when there is no room for it: then it is dropped, as networks drop datagrams. Each
   // counts for a little more than its bytes, so that small ones are bounded too.
-  bool AddDatagram(std::string_view bytes) noexcept;
+  bool AddDatagram(std::string_view bytes, const DatagramSender& sender) noexcept;
 
   // The stream, or the oldest datagram; empty when there is nothing. Holds until the next change.
-  std::string_view Front() const { return pieces_.empty() ? std::string_view() : pieces_.front(); }
+  std::string_view Front() const { return pieces_.empty() ? std::string_view() : pieces_.front().bytes; }
+
+  // Where the oldest datagram came from; nothing when there is none.
+  std::optional<DatagramSender> FrontSender() const;
 
   // Takes that out. The cost does not depend on the number of bytes.
   std::string TakeFront();
@@ -33,12 +38,16 @@ class ReceiveBuffer {
   void Clear();
 
  private:
-  static constexpr std::size_t kDatagramOverhead = sizeof(std::string);
+  struct Piece {
+    std::string bytes;
+    DatagramSender sender;  // of a datagram
+  };
+  static constexpr std::size_t kDatagramOverhead = sizeof(Piece);
 
   std::size_t limit_;
   std::size_t held_ = 0;  // bytes, with the overhead of datagrams
   bool datagrams_ = false;
-  std::deque<std::string> pieces_;
+  std::deque<Piece> pieces_;
 };
 
 }  // namespace kesp

@@ -6,6 +6,8 @@
 namespace kesp {
 namespace {
 
+constexpr DatagramSender kSender{.address = 0x0A000007, .port = 30718};
+
 TEST(ReceiveBuffer, New_HoldsNothing) {
   ReceiveBuffer buffer;
   EXPECT_EQ(buffer.Front(), "");
@@ -57,19 +59,39 @@ TEST(ReceiveBuffer, Stream_TakenWithoutACopy) {
 
 TEST(ReceiveBuffer, Datagrams_AreKeptApartAndComeInOrder) {
   ReceiveBuffer buffer;
-  EXPECT_TRUE(buffer.AddDatagram("AB"));
-  EXPECT_TRUE(buffer.AddDatagram("C"));
+  EXPECT_TRUE(buffer.AddDatagram("AB", kSender));
+  EXPECT_TRUE(buffer.AddDatagram("C", kSender));
   EXPECT_EQ(buffer.Front(), "AB");
   EXPECT_EQ(buffer.TakeFront(), "AB");
   EXPECT_EQ(buffer.TakeFront(), "C");
   EXPECT_EQ(buffer.TakeFront(), "");
 }
 
+TEST(ReceiveBuffer, Datagrams_HaveTheirSendersBesideThem) {
+  ReceiveBuffer buffer;
+  EXPECT_FALSE(buffer.FrontSender());
+  EXPECT_TRUE(buffer.AddDatagram("", {.address = 1, .port = 2}));
+  EXPECT_TRUE(buffer.AddDatagram("B", {.address = 3, .port = 4}));
+  EXPECT_EQ(buffer.FrontSender()->address, 1U);
+  EXPECT_EQ(buffer.FrontSender()->port, 2U);
+  buffer.TakeFront();
+  EXPECT_EQ(buffer.FrontSender()->address, 3U);
+  EXPECT_EQ(buffer.FrontSender()->port, 4U);
+  buffer.TakeFront();
+  EXPECT_FALSE(buffer.FrontSender());
+}
+
+TEST(ReceiveBuffer, Stream_HasNoSender) {
+  ReceiveBuffer buffer;
+  EXPECT_TRUE(buffer.AppendToStream("AB"));
+  EXPECT_FALSE(buffer.FrontSender());
+}
+
 TEST(ReceiveBuffer, Datagrams_WithoutRoom_AreDroppedAndTheOthersStay) {
   ReceiveBuffer buffer(1000);
-  EXPECT_TRUE(buffer.AddDatagram(std::string(600, 'a')));
-  EXPECT_FALSE(buffer.AddDatagram(std::string(600, 'b')));
-  EXPECT_TRUE(buffer.AddDatagram("c"));
+  EXPECT_TRUE(buffer.AddDatagram(std::string(600, 'a'), kSender));
+  EXPECT_FALSE(buffer.AddDatagram(std::string(600, 'b'), kSender));
+  EXPECT_TRUE(buffer.AddDatagram("c", kSender));
   EXPECT_EQ(buffer.TakeFront(), std::string(600, 'a'));
   EXPECT_EQ(buffer.TakeFront(), "c");
 }
@@ -77,16 +99,16 @@ TEST(ReceiveBuffer, Datagrams_WithoutRoom_AreDroppedAndTheOthersStay) {
 TEST(ReceiveBuffer, Datagrams_Empty_AreBoundedToo) {
   ReceiveBuffer buffer(1000);
   int taken = 0;
-  while (taken < 1000 && buffer.AddDatagram("")) ++taken;
+  while (taken < 1000 && buffer.AddDatagram("", kSender)) ++taken;
   EXPECT_GT(taken, 0);
   EXPECT_LE(taken, 1000 / static_cast<int>(sizeof(std::string)));
   for (int i = 0; i < taken; ++i) buffer.TakeFront();
-  EXPECT_TRUE(buffer.AddDatagram(std::string(900, 'x')));
+  EXPECT_TRUE(buffer.AddDatagram(std::string(900, 'x'), kSender));
 }
 
 TEST(ReceiveBuffer, Clear_FromDatagramsToAStream_ForgetsEverything) {
   ReceiveBuffer buffer(100);
-  EXPECT_TRUE(buffer.AddDatagram("A"));
+  EXPECT_TRUE(buffer.AddDatagram("A", kSender));
   buffer.Clear();
   EXPECT_EQ(buffer.Front(), "");
   EXPECT_TRUE(buffer.AppendToStream(std::string(100, 'x')));

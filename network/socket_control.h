@@ -5,9 +5,11 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "network/datagram_sender.h"
 #include "support/enumerations.h"
 
 namespace kesp {
@@ -35,7 +37,7 @@ class SocketListener {
   virtual void OnClose() = 0;
   virtual void OnError(SocketError& error) = 0;
   // bytes_total bytes wait to be read (those of earlier arrivals that were not taken included; UDP: the bytes
-  // of the oldest datagram).
+  // of the oldest datagram, 0 for an empty one).
   virtual void OnDataArrival(std::int32_t bytes_total) = 0;
   virtual void OnSendProgress(std::int32_t bytes_sent, std::int32_t bytes_remaining) = 0;
   virtual void OnSendComplete() = 0;
@@ -91,6 +93,9 @@ class SocketControl {
   // The bytes received and not yet taken (UDP: those of the oldest datagram). The view holds until the next
   // call of GetData, Close or the message pump.
   virtual std::string_view PeekData() const = 0;
+
+  // UDP: where the oldest datagram came from; nothing when none waits.
+  virtual std::optional<DatagramSender> Sender() const = 0;
 
   // Takes those bytes out of the control. The cost does not depend on their number or on how many pieces they
   // came in.

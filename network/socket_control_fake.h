@@ -75,6 +75,17 @@ class SocketControlFake final : public SocketControl {
     step();
   }
 
+  // UDP: a datagram arrives from that sender.
+  SocketControlFake& ThenHears(DatagramSender sender, std::string bytes) {
+    return Then([this, sender, bytes = std::move(bytes)] { ReceiveDatagram(sender, bytes); });
+  }
+
+  // Lets a datagram arrive at this moment.
+  void ReceiveDatagram(DatagramSender sender, const std::string& bytes) {
+    datagrams_.push_back({sender, bytes});
+    listener_.OnDataArrival(static_cast<std::int32_t>(datagrams_.front().bytes.size()));
+  }
+
   // Lets bytes arrive at this moment.
   void Receive(const std::string& bytes) {
     pending_ += bytes;
@@ -89,10 +100,13 @@ class SocketControlFake final : public SocketControl {
 
   // Runs at the end of each Connect, to script what follows that attempt.
   std::function<void()> on_connect;
+  // Runs at the end of each SendData with what was sent, to script the answer.
+  std::function<void(const std::string& bytes)> on_send;
   // Runs at the next DeliverDue, once.
   std::function<void()> on_deliver_due;
-  // What Connect leads to at once.
+  // What Connect leads to at once, by protocol.
   EKespTCPState state_after_connect = EKespTCPState::sckConnecting;
+  EKespTCPState state_after_udp_connect = EKespTCPState::sckOpen;
   // After Close the state reads sckClosing that many times before it reads sckClosed.
   int closing_reads = 0;
 
@@ -117,27 +131,38 @@ class SocketControlFake final : public SocketControl {
     Called("Connect " + std::string(host.begin(), host.end()) + ":" + std::to_string(port));
     host_ = host;
     port_ = port;
-    state_ = state_after_connect;
+    state_ = protocol_ == EKespProtocol::sckUDPProtocol ? state_after_udp_connect : state_after_connect;
     if (on_connect) on_connect();
   }
   void Close() override {
     Called("Close");
     steps_.clear();
     pending_.clear();
+    datagrams_.clear();
     closing_left_ = closing_reads;
     state_ = closing_reads > 0 ? EKespTCPState::sckClosing : EKespTCPState::sckClosed;
   }
   void SendData(std::string_view bytes) override {
     Called("SendData");
     sent += bytes;
+    if (on_send) on_send(std::string(bytes));
   }
   void DeliverDue() override {
     if (const std::function<void()> due = std::exchange(on_deliver_due, nullptr)) due();
   }
-  std::string_view PeekData() const override { return pending_; }
+  std::string_view PeekData() const override {
+    return datagrams_.empty() ? std::string_view(pending_) : datagrams_.front().bytes;
+  }
+  std::optional<DatagramSender> Sender() const override {
+    if (datagrams_.empty()) return std::nullopt;
+    return datagrams_.front().sender;
+  }
   std::string GetData() override {
     Called("GetData");
-    return std::exchange(pending_, std::string());
+    if (datagrams_.empty()) return std::exchange(pending_, std::string());
+    std::string bytes = std::move(datagrams_.front().bytes);
+    datagrams_.pop_front();
+    return bytes;
   }
 
  private:
@@ -145,6 +170,11 @@ class SocketControlFake final : public SocketControl {
     calls.push_back(std::move(call));
     if (fail_in_ > 0 && --fail_in_ == 0) throw SocketFailure(fail_number_);
   }
+
+  struct Datagram {
+    DatagramSender sender;
+    std::string bytes;
+  };
 
   SocketListener& listener_;
   std::deque<std::function<void()>> steps_;
@@ -156,6 +186,7 @@ class SocketControlFake final : public SocketControl {
   std::wstring host_;
   std::int32_t port_ = 0;
   std::string pending_;
+  std::deque<Datagram> datagrams_;
 };
 
 }  // namespace kesp

@@ -27,6 +27,10 @@ class CKespTCPEvents {
   virtual void ErrorEnd() = 0;
   virtual void CloseBegin() = 0;
   virtual void CloseEnd() = 0;
+  virtual void AutoDetectUpdate(const std::wstring& cmd, const std::wstring& IPAddress, std::int16_t Port,
+                                bool& Abort) = 0;
+  virtual void AutoDetectBegin() = 0;
+  virtual void AutoDetectEnd() = 0;
   virtual void ReadInvalidChars(const std::wstring& Buffer, std::int16_t pos,
                                 const std::wstring& IPAddress) = 0;
 

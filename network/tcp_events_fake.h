@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "network/tcp_events.h"
@@ -17,6 +18,8 @@ class CKespTCPEventsFake final : public CKespTCPEvents {
   std::map<std::wstring, std::function<void()>> handlers;
   // When set, ErrorBegin puts it into Description and sets CancelDisplay.
   std::wstring new_description;
+  // AutoDetectUpdate sets Abort at this command.
+  std::optional<std::wstring> abort_at;
   std::shared_ptr<void> keep_alive;
 
   void ConnectBegin() override { Heard(L"ConnectBegin"); }
@@ -44,6 +47,14 @@ class CKespTCPEventsFake final : public CKespTCPEvents {
   void ErrorEnd() override { Heard(L"ErrorEnd"); }
   void CloseBegin() override { Heard(L"CloseBegin"); }
   void CloseEnd() override { Heard(L"CloseEnd"); }
+  void AutoDetectUpdate(const std::wstring& cmd, const std::wstring& IPAddress, std::int16_t Port,
+                        bool& Abort) override {
+    Heard(L"AutoDetectUpdate",
+          cmd + L"," + IPAddress + L"," + std::to_wstring(Port) + L"," + (Abort ? L"True" : L"False"));
+    if (cmd == abort_at) Abort = true;
+  }
+  void AutoDetectBegin() override { Heard(L"AutoDetectBegin"); }
+  void AutoDetectEnd() override { Heard(L"AutoDetectEnd"); }
   void ReadInvalidChars(const std::wstring& Buffer, std::int16_t pos,
                         const std::wstring& IPAddress) override {
     Heard(L"ReadInvalidChars", Buffer + L"," + std::to_wstring(pos) + L"," + IPAddress);

@@ -97,9 +97,14 @@ WinsockControl::Receipt WinsockControl::ReceiveOnce() {
 
 void WinsockControl::OnDatagramReadable() {
   if (scratch_ == nullptr) scratch_ = std::make_unique_for_overwrite<char[]>(kScratchBytes);
-  const int count = recv(socket_.get(), scratch_.get(), kScratchBytes, 0);
-  // Errors are ICMP's answers to earlier datagrams: the port stays open. Empty datagrams say nothing.
-  if (count > 0 && received_.AddDatagram({scratch_.get(), static_cast<std::size_t>(count)})) ReportArrival();
+  sockaddr_in from{};
+  int from_size = sizeof from;
+  const int count = recvfrom(socket_.get(), scratch_.get(), kScratchBytes, 0,
+                             reinterpret_cast<sockaddr*>(&from), &from_size);
+  // Errors are ICMP's answers to earlier datagrams: the port stays open.
+  if (count < 0) return;
+  const DatagramSender sender{.address = ntohl(from.sin_addr.s_addr), .port = ntohs(from.sin_port)};
+  if (received_.AddDatagram({scratch_.get(), static_cast<std::size_t>(count)}, sender)) ReportArrival();
 }
 
 void WinsockControl::ReportArrival() {

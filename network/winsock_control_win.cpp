@@ -16,6 +16,9 @@ namespace {
 
 constexpr std::int32_t kHighestPort = 65535;
 
+// Room in the system for datagrams that come at once: a thousand answers to one broadcast take about as much.
+constexpr int kDatagramRoom = 1024 * 1024;
+
 sockaddr_in AddressOf(std::uint32_t address, std::int32_t port) {
   sockaddr_in name{};
   name.sin_family = AF_INET;
@@ -102,6 +105,8 @@ int WinsockControl::OpenDatagrams() {
   socket_ = SocketHandle(socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP));
   if (!socket_.IsOpen()) return WSAGetLastError();
   SetFlag(socket_.get(), SOL_SOCKET, SO_BROADCAST);
+  setsockopt(socket_.get(), SOL_SOCKET, SO_RCVBUF, reinterpret_cast<const char*>(&kDatagramRoom),
+             sizeof kDatagramRoom);
   const sockaddr_in any = AddressOf(INADDR_ANY, 0);
   if (bind(socket_.get(), reinterpret_cast<const sockaddr*>(&any), sizeof any) != 0) return WSAGetLastError();
   if (const int error = Watch(FD_READ)) return error;

@@ -37,6 +37,7 @@ class WinsockControl final : public SocketControl, private MessageHandler {
   void SendData(std::string_view bytes) override;
   void DeliverDue() override;
   std::string_view PeekData() const override { return received_.Front(); }
+  std::optional<DatagramSender> Sender() const override { return received_.FrontSender(); }
   std::string GetData() override { return received_.TakeFront(); }
 
  private:

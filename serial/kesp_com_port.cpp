@@ -175,8 +175,8 @@ void CKespCOMPort3::FailIn(const wchar_t* member, const Failure& failure) {
 
 void CKespCOMPort3::LogFailure(const wchar_t* member, const Failure& failure) {
   Log([&] {
-    return std::wstring(L"** ") + member + L" error: " + std::to_wstring(failure.number()) + L" - " +
-           failure.description() + L" [" + failure.source() + L"] **";
+    return std::wstring(L"** ") + member + L" error: " + NumberAndDescription(failure) + L" [" +
+           failure.source() + L"] **";
   });
 }
 

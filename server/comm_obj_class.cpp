@@ -89,4 +89,15 @@ HRESULT CommObjClass::Update(BSTR cmd, BSTR OmegaAddress, BSTR OmegaValue, VARIA
   return Get(retval, [&] { return object_->Update(TextOf(cmd), TextOf(OmegaAddress), TextOf(OmegaValue)); });
 }
 
+HRESULT CommObjClass::DetectInstrument(BSTR* result, ::EDetectLevel DetectLevel, VARIANT_BOOL* retval) {
+  return Get(
+      retval,
+      [&] {
+        return ReadInto(result, [&](auto& answer) {
+          return object_->DetectInstrument(answer, static_cast<EDetectLevel>(DetectLevel));
+        });
+      },
+      result);
+}
+
 }  // namespace kesp

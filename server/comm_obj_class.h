@@ -70,6 +70,11 @@ class CommObjClass final : public AutomationObject<::_CKespCommObj> {
                                         VARIANT_BOOL* retval) override;
   HRESULT STDMETHODCALLTYPE Update(BSTR cmd, BSTR OmegaAddress, BSTR OmegaValue,
                                    VARIANT_BOOL* retval) override;
+  HRESULT STDMETHODCALLTYPE DetectInstrument(BSTR* result, ::EDetectLevel DetectLevel,
+                                             VARIANT_BOOL* retval) override;
+  HRESULT STDMETHODCALLTYPE SetInputMode(::EInputMode eMode) override {
+    return Put([&] { object_->SetInputMode(static_cast<EInputMode>(eMode)); });
+  }
 
  private:
   TransportFactory MakeFactory();

@@ -3,6 +3,8 @@
 
 #include "network/socket_control_win.h"
 #include "server/adopt.h"
+#include "server/com_instrument.h"
+#include "server/instrument_class.h"
 #include "server/variant_bridge.h"
 #include "support/environment_win.h"
 
@@ -12,13 +14,19 @@ namespace {
 
 const ClassDescription kDescription{__uuidof(::CKespTCP), __uuidof(::_CKespTCP), &__uuidof(::__CKespTCP)};
 
+// A record that clients can be handed.
+std::shared_ptr<Instrument> MakeComInstrument() {
+  return std::make_shared<ComInstrument>(Adopt(new InstrumentClass).Get());
+}
+
 }  // namespace
 
 TcpClass::TcpClass()
     : AutomationObject(kDescription),
       events_(static_cast<::_CKespTCP*>(this), __uuidof(::__CKespTCP)),
       bridge_(static_cast<::_CKespTCP*>(this), events_),
-      object_(std::make_unique<CKespTCP>(SystemEnvironment(), MakeSocketControl, &bridge_)) {
+      object_(
+          std::make_unique<CKespTCP>(SystemEnvironment(), MakeSocketControl, MakeComInstrument, &bridge_)) {
   devices_ = Adopt(new InstrumentsClass(object_->Devices()));
 }
 
@@ -27,6 +35,17 @@ HRESULT TcpClass::get_Devices(::_CInstruments** retval) {
     devices_->AddRef();
     return static_cast<::_CInstruments*>(devices_.Get());
   });
+}
+
+HRESULT TcpClass::AutoDetect(BSTR* result, ::EDetectLevel DetectLevel, VARIANT_BOOL* retval) {
+  return Get(
+      retval,
+      [&] {
+        return ReadInto(result, [&](auto& answer) {
+          return object_->AutoDetect(answer, static_cast<EDetectLevel>(DetectLevel));
+        });
+      },
+      result);
 }
 
 HRESULT TcpClass::ReadLine(BSTR* result, VARIANT_BOOL* retval) {

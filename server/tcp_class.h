@@ -107,6 +107,8 @@ class TcpClass final : public AutomationObject<::_CKespTCP> {
   }
   HRESULT STDMETHODCALLTYPE ReadLine(BSTR* result, VARIANT_BOOL* retval) override;
   HRESULT STDMETHODCALLTYPE ReadLineBinary(VARIANT* result, LONG lTimeoutms, VARIANT_BOOL* retval) override;
+  HRESULT STDMETHODCALLTYPE AutoDetect(BSTR* result, ::EDetectLevel DetectLevel,
+                                       VARIANT_BOOL* retval) override;
 
  protected:
   void* FindInterface(REFIID iid) override;

@@ -58,6 +58,13 @@ void TcpEventBridge::CloseEnd() {
   source_.Raise(kCloseEnd);
 }
 
+void TcpEventBridge::AutoDetectBegin() {
+  source_.Raise(kAutoDetectBegin);
+}
+void TcpEventBridge::AutoDetectEnd() {
+  source_.Raise(kAutoDetectEnd);
+}
+
 void TcpEventBridge::SendProgressBegin(std::int32_t bytesSent, std::int32_t bytesRemaining) {
   if (!source_.HasSinks()) return;
   EventArguments arguments;
@@ -84,6 +91,16 @@ void TcpEventBridge::ErrorBegin(std::int16_t Number, std::wstring& Description, 
   source_.Raise(kErrorBegin, arguments.ForInvoke());
   Description = TextOf(*description);
   CancelDisplay = FromComBool(*cancel_display);
+}
+
+void TcpEventBridge::AutoDetectUpdate(const std::wstring& cmd, const std::wstring& IPAddress,
+                                      std::int16_t Port, bool& Abort) {
+  if (!source_.HasSinks()) return;
+  EventArguments arguments;
+  arguments.Add(cmd).Add(IPAddress).Add(Port);
+  const VARIANT_BOOL* abort = arguments.AddInOut(Abort);
+  source_.Raise(kAutoDetectUpdate, arguments.ForInvoke());
+  Abort = FromComBool(*abort);
 }
 
 void TcpEventBridge::ReadInvalidChars(const std::wstring& Buffer, std::int16_t pos,

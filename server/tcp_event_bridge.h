@@ -26,6 +26,10 @@ class TcpEventBridge final : public CKespTCPEvents {
   void ErrorEnd() override;
   void CloseBegin() override;
   void CloseEnd() override;
+  void AutoDetectUpdate(const std::wstring& cmd, const std::wstring& IPAddress, std::int16_t Port,
+                        bool& Abort) override;
+  void AutoDetectBegin() override;
+  void AutoDetectEnd() override;
   void ReadInvalidChars(const std::wstring& Buffer, std::int16_t pos, const std::wstring& IPAddress) override;
 
   // A reference to the COM object.

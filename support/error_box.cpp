@@ -4,8 +4,7 @@
 namespace kesp {
 
 std::wstring ErrorBoxText(const std::wstring& action, const Failure& failure) {
-  std::wstring text = L"An error occurred while " + action + L".\r\nError: " +
-                      std::to_wstring(failure.number()) + L" - " + failure.description();
+  std::wstring text = L"An error occurred while " + action + L".\r\nError: " + NumberAndDescription(failure);
   if (!failure.source().empty()) text += L"\r\n(" + failure.source() + L")";
   return text;
 }

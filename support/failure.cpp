@@ -27,6 +27,10 @@ Failure::Failure(std::int32_t number, std::wstring source, std::wstring descript
       description_(std::move(description)),
       what_(Ascii(description_)) {}
 
+std::wstring NumberAndDescription(const Failure& failure) {
+  return std::to_wstring(failure.number()) + L" - " + failure.description();
+}
+
 Failure InvalidCall() {
   return RuntimeFailure(5, L"Invalid procedure call or argument");
 }

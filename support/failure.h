@@ -32,6 +32,9 @@ class Failure : public std::exception {
   std::string what_;
 };
 
+// "10061 - Connection is forcefully rejected", as messages and log lines quote a failure.
+std::wstring NumberAndDescription(const Failure& failure);
+
 // Run-time failures that automation clients know by these numbers (the numbers of Visual Basic's own
 // run-time errors), with the source "KespCommObj".
 Failure InvalidCall();      // 5, "Invalid procedure call or argument"

@@ -28,7 +28,7 @@ class CKespTCPWin : public testing::Test {
     return 0;
   }
 
-  CKespTCP tcp_{SystemEnvironment(), MakeSocketControl};
+  CKespTCP tcp_{SystemEnvironment(), MakeSocketControl, MakeInstrument};
 };
 
 // Answers each command with itself.

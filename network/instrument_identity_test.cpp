@@ -1,0 +1,44 @@
+// Tests of taking an identity apart.
+#include "network/instrument_identity.h"
+
+#include <gtest/gtest.h>
+
+namespace kesp {
+namespace {
+
+void ExpectIdentity(const std::wstring& answer, const std::wstring& model, const std::wstring& serial) {
+  const auto identity = IdentityIn(answer);
+  ASSERT_TRUE(identity) << testing::PrintToString(answer);
+  EXPECT_EQ(identity->model, model);
+  EXPECT_EQ(identity->serial, serial);
+}
+
+TEST(InstrumentIdentity, SecondAndThirdField) {
+  ExpectIdentity(L"KESP,7100,SIM00001,1.0", L"7100", L"SIM00001");
+}
+
+TEST(InstrumentIdentity, ThreeFields_TheLastOneEndsWithTheAnswer) {
+  ExpectIdentity(L"KESP,7100,SIM00001", L"7100", L"SIM00001");
+}
+
+TEST(InstrumentIdentity, Fields_AreTakenAsTheyAre) {
+  ExpectIdentity(L" KESP , 71 00 , SIM\t1 ,x", L" 71 00 ", L" SIM\t1 ");
+  ExpectIdentity(L",,", L"", L"");
+  ExpectIdentity(L",,,", L"", L"");
+  ExpectIdentity(L"a;b,c;d,e", L"c;d", L"e");
+}
+
+TEST(InstrumentIdentity, HundredFields_AreNoMoreThanFour) {
+  std::wstring answer = L"f1";
+  for (int i = 2; i <= 100; ++i) answer += L",f" + std::to_wstring(i);
+  ExpectIdentity(answer, L"f2", L"f3");
+}
+
+TEST(InstrumentIdentity, FewerThanThreeFields_AreNone) {
+  for (const std::wstring answer : {L"", L"KESP", L"KESP,7100", L","}) {
+    EXPECT_FALSE(IdentityIn(answer)) << testing::PrintToString(answer);
+  }
+}
+
+}  // namespace
+}  // namespace kesp

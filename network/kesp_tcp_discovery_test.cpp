@@ -1,0 +1,308 @@
+// Unit tests of the broadcast and of what becomes of the answers to it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "network/counting_instrument_fake.h"
+#include "network/kesp_tcp_discovery_fixture.h"
+
+namespace kesp {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class KespTCPDiscoveryTest : public KespTCPDiscoveryFixture {};
+
+TEST_F(KespTCPDiscoveryTest, Broadcast_FourBytesToTheWholeNetwork) {
+  EXPECT_FALSE(Discover());
+  EXPECT_THAT(socket_->calls,
+              ElementsAre("SetProtocol 1", "Connect 255.255.255.255:30718", "SendData", "Close"));
+  EXPECT_EQ(socket_->sent, std::string("\x00\x01\x00\xF6", 4));
+}
+
+TEST_F(KespTCPDiscoveryTest, NobodyAnswers_NothingIsFoundAfterOneToTwoSeconds) {
+  const std::int32_t start = fakes_.clock.tick();
+  EXPECT_FALSE(Discover());
+  EXPECT_GE(Elapsed(start), 1000U);
+  EXPECT_LE(Elapsed(start), 2000U + kPumpMilliseconds);
+  EXPECT_EQ(Count(), 0);
+  // Only a search that found something moves these.
+  EXPECT_EQ(tcp_->IPAddress(), L"10.9.9.9");
+  EXPECT_EQ(tcp_->Port(), 1234);
+  EXPECT_THAT(Lines(L"log: UDP discovery"), IsEmpty());
+  ExpectRestored();
+}
+
+TEST_F(KespTCPDiscoveryTest, OneAnswers_EveryStepIsLogged) {
+  PlaceInstrument(7, "KESP,7100,SIM1,1.0");
+  StartLog();
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(
+      Journal(),
+      ElementsAre(
+          L"AutoDetectBegin()", L"log: Sending broadcast command to 255.255.255.255 on port 30718...",
+          L"log: DataArrival (255.255.255.255:30718) Bytes: 10", L"DataArrivalBegin(10)",
+          L"log: Receiving from 10.0.0.7:30718",
+          L"log: Received buffer data: " + SystemCodePage().FromBytes(kDiscoveryReply),
+          L"log: Stored object for discovered device at 10.0.0.7",
+          L"log: Socket Data arrived: <" + SystemCodePage().FromBytes(kDiscoveryReply) +
+              L"> (length: 10  last byte: 111 EOS: 13 EOS?: True)",
+          L"DataArrivalEnd()", L"log: UDP discovery successful. Found 1 devices.", L"log: Initialize()",
+          L"log: Check IP Address...", L"log: Check Port...", L"log: Connecting to 10.0.0.7 on port 10001...",
+          L"log: Waiting for connection to be established...", L"ConnectBegin()",
+          L"log: Connect (10.0.0.7:10001)", L"ConnectEnd()", L"log: Initialize() Done...",
+          L"log: DataArrival (10.0.0.7:10001) Bytes: 19", L"DataArrivalBegin(19)",
+          L"log: Socket Data arrived: <KESP,7100,SIM1,1.0\r> (length: 19  last byte: 13 EOS: 13 EOS?: True)",
+          L"DataArrivalEnd()", L"AutoDetectEnd()"));
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.7/7100/SIM1"));
+  ExpectRestored();
+}
+
+TEST_F(KespTCPDiscoveryTest, Mark_CountsAnywhereInTheAnswer) {
+  Answers(SenderAt(1), "\xF7");
+  Answers(SenderAt(2), "\xF7 at the beginning");
+  Answers(SenderAt(3), "in the \xF7 middle");
+  Answers(SenderAt(4), "at the end \xF7");
+  Answers(SenderAt(5), std::string(65506, '\0') + '\xF7');
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(),
+              ElementsAre(L"10.0.0.1//", L"10.0.0.2//", L"10.0.0.3//", L"10.0.0.4//", L"10.0.0.5//"));
+}
+
+TEST_F(KespTCPDiscoveryTest, DatagramsWithoutTheMark_AreLoggedAndNoInstruments) {
+  StartLog();
+  Answers(SenderAt(1), "");
+  Answers(SenderAt(2), "x");
+  Answers(SenderAt(3), std::string(65507, '\xF6'));
+  EXPECT_FALSE(Discover());
+  EXPECT_EQ(Count(), 0);
+  EXPECT_THAT(Lines(L"log: Receiving from"),
+              ElementsAre(L"log: Receiving from 10.0.0.1:30718", L"log: Receiving from 10.0.0.2:30718",
+                          L"log: Receiving from 10.0.0.3:30718"));
+  EXPECT_EQ(Lines(L"log: Received buffer data: ").size(), 3U);
+  EXPECT_THAT(Lines(L"log: Stored"), IsEmpty());
+  ExpectRestored();
+}
+
+TEST_F(KespTCPDiscoveryTest, EchoOfTheQuery_IsNoInstrument) {
+  Answers(SenderAt(1), std::string("\x00\x01\x00\xF6", 4));
+  EXPECT_FALSE(Discover());
+  EXPECT_EQ(Count(), 0);
+}
+
+TEST_F(KespTCPDiscoveryTest, SeveralAnswer_TheWholeTimeIsUsed) {
+  Answers(SenderAt(1));
+  for (int i = 0; i < 8; ++i) answers_.emplace_back(SenderAt(99), "noise");
+  Answers(SenderAt(2));  // 1 s after the broadcast
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1//", L"10.0.0.2//"));
+}
+
+TEST_F(KespTCPDiscoveryTest, AnswerBehindTheTime_IsNotStoredAnyMore) {
+  Answers(SenderAt(1));
+  for (int i = 0; i < 40; ++i) answers_.emplace_back(SenderAt(99), "noise");
+  Answers(SenderAt(2));
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1//"));
+}
+
+TEST_F(KespTCPDiscoveryTest, SameAddressTwice_OneInstrumentAndOneLineAboutIt) {
+  StartLog();
+  Answers(SenderAt(1));
+  Answers(SenderAt(2));
+  Answers(SenderAt(1, 4711), "another \xF7 text");
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1//", L"10.0.0.2//"));
+  EXPECT_THAT(Lines(L"log: Duplicate device"), ElementsAre(L"log: Duplicate device: 10.0.0.1"));
+  EXPECT_THAT(Lines(L"log: Stored"), ElementsAre(L"log: Stored object for discovered device at 10.0.0.1",
+                                                 L"log: Stored object for discovered device at 10.0.0.2"));
+  EXPECT_THAT(Lines(L"log: Receiving"),
+              ElementsAre(L"log: Receiving from 10.0.0.1:30718", L"log: Receiving from 10.0.0.2:30718",
+                          L"log: Receiving from 10.0.0.1:4711"));
+  EXPECT_THAT(Lines(L"log: UDP"), ElementsAre(L"log: UDP discovery successful. Found 2 devices."));
+}
+
+TEST_F(KespTCPDiscoveryTest, SecondDiscovery_AddsOnlyNewSenders) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  EXPECT_TRUE(Discover());
+  const std::shared_ptr<Instrument> first = tcp_->Devices()->Item(1);
+  StartLog();
+  PlaceInstrument(2, "KESP,7200,SIM2,1.0");
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1", L"10.0.0.2/7200/SIM2"));
+  EXPECT_EQ(tcp_->Devices()->Item(1), first);
+  EXPECT_THAT(Lines(L"log: Duplicate device"), ElementsAre(L"log: Duplicate device: 10.0.0.1"));
+  EXPECT_THAT(Lines(L"log: UDP"), ElementsAre(L"log: UDP discovery successful. Found 2 devices."));
+}
+
+TEST_F(KespTCPDiscoveryTest, OnlyKnownOnesAnswer_TheyAreFoundAgain) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  EXPECT_TRUE(Discover());
+  identities_[L"10.0.0.1"] = "KESP,7100,SIM99,1.0\r";
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM99"));
+}
+
+TEST_F(KespTCPDiscoveryTest, NobodyAnswersTheSecondTime_TheCollectionStaysAndNothingIsFound) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  EXPECT_TRUE(Discover());
+  tcp_->SetIPAddress(L"10.9.9.9");
+  answers_.clear();
+  identities_.clear();
+  EXPECT_FALSE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1"));
+  EXPECT_EQ(tcp_->IPAddress(), L"10.9.9.9");
+  ExpectRestored();
+}
+
+TEST_F(KespTCPDiscoveryTest, ClientEmptiedTheCollection_EveryoneIsNewAgain) {
+  Answers(SenderAt(1));
+  EXPECT_TRUE(Discover());
+  tcp_->Devices()->Clear();
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1//"));
+}
+
+TEST_F(KespTCPDiscoveryTest, AddressOfAnItemOfTheClient_IsADuplicateToo) {
+  AddDevice(L"10.0.0.1");
+  Answers(SenderAt(1));
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(Count(), 1);
+  // Also when the client changes it between two searches.
+  tcp_->Devices()->Item(1)->SetIPAddress(L"10.0.0.2");
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.2//", L"10.0.0.1//"));
+}
+
+TEST_F(KespTCPDiscoveryTest, HandlerRemovesAnInstrument_ItsNextAnswerStoresItAgain) {
+  Answers(SenderAt(1));
+  Answers(SenderAt(2));
+  Answers(SenderAt(1));
+  int arrivals = 0;
+  events_.handlers[L"DataArrivalEnd"] = [&] {
+    if (++arrivals == 1) tcp_->Devices()->Clear();
+  };
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.2//", L"10.0.0.1//"));
+}
+
+TEST_F(KespTCPDiscoveryTest, HandlerTakesTheDatagram_NobodyIsStored) {
+  StartLog();
+  Answers(SenderAt(1));
+  events_.handlers[L"DataArrivalBegin"] = [this] { socket_->GetData(); };
+  EXPECT_FALSE(Discover());
+  EXPECT_THAT(Lines(L"log: Receiving"), IsEmpty());
+}
+
+TEST_F(KespTCPDiscoveryTest, ForgedSendersWithoutEnd_AreBounded) {
+  StartLog();
+  socket_->on_send = [this](const std::string& /*bytes*/) {
+    socket_->on_send = nullptr;
+    socket_->Then([this] {
+      for (std::uint32_t n = 1; n <= 4100; ++n) socket_->ReceiveDatagram(SenderAt(n), kDiscoveryReply);
+      socket_->ReceiveDatagram(SenderAt(1), kDiscoveryReply);
+    });
+  };
+  // The walk is not what is tested here.
+  events_.handlers[L"ConnectBegin"] = [this] { tcp_->Devices()->Clear(); };
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(Lines(L"log: Stored").size(), 4096U);
+  EXPECT_THAT(Lines(L"log: Too many"), ElementsAre(L"log: Too many devices, not stored: 10.0.16.1",
+                                                   L"log: Too many devices, not stored: 10.0.16.2",
+                                                   L"log: Too many devices, not stored: 10.0.16.3",
+                                                   L"log: Too many devices, not stored: 10.0.16.4"));
+  EXPECT_THAT(Lines(L"log: Duplicate"), ElementsAre(L"log: Duplicate device: 10.0.0.1"));
+  EXPECT_THAT(Lines(L"log: UDP"), ElementsAre(L"log: UDP discovery successful. Found 4096 devices."));
+}
+
+TEST_F(KespTCPDiscoveryTest, FloodWithoutEnd_TheSearchEndsAllTheSame) {
+  const std::function<void()> flood = [&] {
+    socket_->ReceiveDatagram(SenderAt(1), kDiscoveryReply);
+    socket_->Then(flood);
+  };
+  socket_->on_send = [&](const std::string& /*bytes*/) {
+    socket_->on_send = nullptr;
+    socket_->Then(flood);
+  };
+  unreachable_ = {L"10.0.0.1"};
+  const std::int32_t start = fakes_.clock.tick();
+  EXPECT_TRUE(Discover());
+  EXPECT_LE(Elapsed(start), 5 * 2000U + 1000U);
+  ExpectRestored();
+}
+
+TEST_F(KespTCPDiscoveryTest, OpenConnection_IsClosedForIt) {
+  tcp_->SetProtocol(EKespProtocol::sckTCPProtocol);
+  EXPECT_TRUE(tcp_->Initialize());
+  tcp_->SetProtocol(EKespProtocol::sckUDPProtocol);
+  socket_->calls.clear();
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(socket_->calls, ElementsAre("Close", "SetProtocol 1", "Connect 255.255.255.255:30718",
+                                          "SendData", "GetData", "Close", "SetProtocol 0",
+                                          "Connect 10.0.0.1:10001", "SendData", "GetData", "Close"));
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1"));
+}
+
+TEST_F(KespTCPDiscoveryTest, OldConnectionDoesNotClose_RaisesTimeout) {
+  tcp_->SetProtocol(EKespProtocol::sckTCPProtocol);
+  EXPECT_TRUE(tcp_->Initialize());
+  tcp_->SetProtocol(EKespProtocol::sckUDPProtocol);
+  StartLog();
+  socket_->closing_reads = 1'000'000;
+  fakes_.clock.SetStepPerReading(10);
+  EXPECT_EQ(RaisedBy([&] { Discover(); }), (Raised{tcp_error::ERR_TIMEOUT, L"[CKespTCP - UDPBroadcast()]",
+                                                   L"Timeout waiting for connection to close"}));
+  EXPECT_THAT(Lines(L"log: "), ElementsAre(L"log: Connection timeout..."));
+  EXPECT_EQ(tcp_->TimeOutmSecs(), 5000);
+  EXPECT_EQ(tcp_->Protocol(), EKespProtocol::sckUDPProtocol);
+  EXPECT_EQ(Journal().back(), L"AutoDetectEnd()");
+}
+
+TEST_F(KespTCPDiscoveryTest, PortCannotBeOpened_RaisesWithEverythingRestored) {
+  socket_->FailCall(2, 10055);  // Connect, behind SetProtocol
+  EXPECT_EQ(RaisedBy([&] { Discover(); }),
+            (Raised{tcp_error::ERR_CONNECTING, L"[CKespTCP - UDPBroadcast()]",
+                    L"Unable to establish connection (10055 - " + SocketErrorDescription(10055) + L")"}));
+  ExpectRestored();
+}
+
+TEST_F(KespTCPDiscoveryTest, NoNetwork_RaisesWithEverythingRestored) {
+  socket_->FailCall(3, 10051);
+  EXPECT_EQ(RaisedBy([&] { Discover(); }),
+            (Raised{tcp_error::ERR_SEND_DATA, L"[CKespTCP - UDPBroadcast()]",
+                    L"Unable to send data (10051 - " + SocketErrorDescription(10051) + L")"}));
+  ExpectRestored();
+}
+
+TEST_F(KespTCPDiscoveryTest, SocketIsNotOpen_NothingIsSentAndNothingFound) {
+  StartLog();
+  socket_->state_after_udp_connect = EKespTCPState::sckError;
+  const std::int32_t start = fakes_.clock.tick();
+  EXPECT_FALSE(Discover());
+  EXPECT_EQ(socket_->sent, "");
+  EXPECT_EQ(Elapsed(start), 0U);
+  EXPECT_EQ(Lines(L"log: Sending broadcast").size(), 1U);
+  ExpectRestored();
+}
+
+TEST_F(KespTCPDiscoveryTest, ManyInstruments_AreAskedForTheirAddressTwiceEachHoweverManyAnswers) {
+  // Once in the search for duplicates and once by the walk.
+  int asked = 0;
+  make_instrument_ = [&asked] { return std::make_shared<CountingInstrument>(asked); };
+  socket_->on_send = [this](const std::string& /*bytes*/) {
+    socket_->on_send = nullptr;
+    socket_->Then([this] {
+      for (int round = 0; round < 3; ++round) {
+        for (std::uint32_t n = 1; n <= 1000; ++n) socket_->ReceiveDatagram(SenderAt(n), kDiscoveryReply);
+      }
+    });
+  };
+  socket_->state_after_connect = EKespTCPState::sckError;
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(Count(), 1000);
+  EXPECT_EQ(asked, 2000);
+}
+
+}  // namespace
+}  // namespace kesp

@@ -1,0 +1,239 @@
+// Unit tests of the walk over the instruments found: who is asked, in which order, and what is stored.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "network/kesp_tcp_discovery_fixture.h"
+
+namespace kesp {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+class KespTCPIdentityTest : public KespTCPDiscoveryFixture {
+ protected:
+  // To whom connections were started, in order.
+  std::vector<std::string> Connections() const {
+    std::vector<std::string> all;
+    for (const std::string& call : socket_->calls) {
+      if (call.starts_with("Connect 10.")) all.push_back(call.substr(8));
+    }
+    return all;
+  }
+};
+
+TEST_F(KespTCPIdentityTest, Devices_AreAskedFromTheLastToTheFirst) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  PlaceInstrument(2, "KESP,7200,SIM2,1.0");
+  PlaceInstrument(3, "KESP,7300,SIM3,1.0");
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Connections(), ElementsAre("10.0.0.3:10001", "10.0.0.2:10001", "10.0.0.1:10001"));
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1", L"10.0.0.2/7200/SIM2", L"10.0.0.3/7300/SIM3"));
+  EXPECT_EQ(socket_->sent, std::string("\x00\x01\x00\xF6", 4) + "*IDN?\r*IDN?\r*IDN?\r");
+  ExpectRestored();
+}
+
+TEST_F(KespTCPIdentityTest, AddressAndPort_AreThoseOfTheFirstDevice) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  PlaceInstrument(2, "KESP,7200,SIM2,1.0");
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(tcp_->IPAddress(), L"10.0.0.1");
+  EXPECT_EQ(tcp_->Port(), 10001);
+}
+
+TEST_F(KespTCPIdentityTest, DuringTheWalk_TheSettingsAreThoseOfTheProbe) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  bool seen = false;
+  events_.handlers[L"ConnectBegin"] = [&] {
+    seen = true;
+    EXPECT_EQ(tcp_->TimeOutmSecs(), 1000);
+    EXPECT_EQ(tcp_->IPType(), EIPType::ipStatic);
+    EXPECT_EQ(tcp_->Protocol(), EKespProtocol::sckTCPProtocol);
+    EXPECT_EQ(tcp_->Port(), 10001);
+    EXPECT_EQ(tcp_->IPAddress(), L"10.0.0.1");
+  };
+  EXPECT_TRUE(Discover());
+  EXPECT_TRUE(seen);
+  ExpectRestored();
+}
+
+TEST_F(KespTCPIdentityTest, Walk_RaisesNoAutoDetectUpdate) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Journal(), ElementsAre(L"AutoDetectBegin()", L"DataArrivalBegin(10)", L"DataArrivalEnd()",
+                                     L"ConnectBegin()", L"ConnectEnd()", L"DataArrivalBegin(19)",
+                                     L"DataArrivalEnd()", L"AutoDetectEnd()"));
+}
+
+TEST_F(KespTCPIdentityTest, OtherProperties_AreNotTouched) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  AddDevice(L"10.0.0.1")->SetIPType(EIPType::ipDynamic);
+  tcp_->Devices()->Item(1)->SetMACAddress(L"00:11");
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1"));
+  EXPECT_EQ(tcp_->Devices()->Item(1)->IPType(), EIPType::ipDynamic);
+  EXPECT_EQ(tcp_->Devices()->Item(1)->MACAddress(), L"00:11");
+}
+
+TEST_F(KespTCPIdentityTest, DiscoveredRecord_HasOnlyItsAddressBesideTheIdentity) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(tcp_->Devices()->Item(1)->IPType(), EIPType::ipStatic);
+  EXPECT_EQ(tcp_->Devices()->Item(1)->MACAddress(), L"");
+}
+
+TEST_F(KespTCPIdentityTest, ItemsFromBefore_AreAskedToo) {
+  AddDevice(L"10.0.0.9");
+  identities_[L"10.0.0.9"] = "KESP,7900,SIM9,1.0\r";
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.9/7900/SIM9", L"10.0.0.1/7100/SIM1"));
+}
+
+TEST_F(KespTCPIdentityTest, FewerThanThreeFields_KeepWhatIsThereAndTheOthersGoOn) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  PlaceInstrument(2, "KESP");
+  PlaceInstrument(3, "KESP,7300");
+  PlaceInstrument(4, "");
+  for (int n = 2; n <= 4; ++n) {
+    const auto device = AddDevice(L"10.0.0." + std::to_wstring(n));
+    device->SetModel(L"old model");
+    device->SetSerial(L"old serial");
+  }
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.2/old model/old serial", L"10.0.0.3/old model/old serial",
+                                     L"10.0.0.4/old model/old serial", L"10.0.0.1/7100/SIM1"));
+  ExpectRestored();
+}
+
+TEST_F(KespTCPIdentityTest, HundredFields_SecondAndThirdCount) {
+  std::string identity = "f1";
+  for (int i = 2; i <= 100; ++i) identity += ",f" + std::to_string(i);
+  PlaceInstrument(1, identity);
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/f2/f3"));
+}
+
+TEST_F(KespTCPIdentityTest, DeviceSaysNothing_IsSkippedAfterOneToTwoSeconds) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  Answers(SenderAt(2));
+  PlaceInstrument(3, "KESP,7300,SIM3,1.0");
+  const std::int32_t start = fakes_.clock.tick();
+  EXPECT_TRUE(Discover());
+  EXPECT_LE(Elapsed(start), 2000U + 2000U + 2000U);
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1", L"10.0.0.2//", L"10.0.0.3/7300/SIM3"));
+  // Closed before the next one is asked.
+  EXPECT_THAT(Connections(), ElementsAre("10.0.0.3:10001", "10.0.0.2:10001", "10.0.0.1:10001"));
+  ExpectRestored();
+}
+
+TEST_F(KespTCPIdentityTest, DeviceSendsWithoutEnd_IsSkipped) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  Answers(SenderAt(2));
+  identities_[L"10.0.0.2"] = std::string(10'000'000, ',');
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1", L"10.0.0.2//"));
+}
+
+TEST_F(KespTCPIdentityTest, DeviceCannotBeReached_IsSkippedAfterFourAttempts) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  PlaceInstrument(2, "KESP,7200,SIM2,1.0");
+  unreachable_ = {L"10.0.0.2"};
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Connections(), ElementsAre("10.0.0.2:10001", "10.0.0.2:10001", "10.0.0.2:10001",
+                                         "10.0.0.2:10001", "10.0.0.1:10001"));
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1", L"10.0.0.2//"));
+}
+
+TEST_F(KespTCPIdentityTest, NoDeviceGivesItsIdentity_TheyAreFoundAllTheSame) {
+  Answers(SenderAt(1));
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1//"));
+}
+
+TEST_F(KespTCPIdentityTest, CharactersAbove128_SkipTheDevice) {
+  PlaceInstrument(1, "KESP,71\xC8,SIM1,1.0");
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1//"));
+  EXPECT_THAT(Lines(L"ReadInvalidChars"),
+              ElementsAre(L"ReadInvalidChars(KESP,71" + SystemCodePage().FromBytes("\xC8") +
+                          L",SIM1,1.0\r,8,10.0.0.1)"));
+}
+
+TEST_F(KespTCPIdentityTest, ItemsWithoutAUsableAddress_AreSkipped) {
+  AddDevice(L"");
+  AddDevice(L"0.0.0.0");
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"//", L"0.0.0.0//", L"10.0.0.1/7100/SIM1"));
+  EXPECT_THAT(Connections(), ElementsAre("10.0.0.1:10001"));
+}
+
+// Whichever call of the socket fails: nothing escapes but what says so, and everything is put back.
+TEST_F(KespTCPIdentityTest, AnyCallOfTheSocketFails_TheRestGoesOnAndIsRestored) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  PlaceInstrument(2, "KESP,7200,SIM2,1.0");
+  ASSERT_TRUE(Discover());
+  const auto calls = static_cast<int>(socket_->calls.size());
+  ASSERT_GT(calls, 10);
+  // The first three are those of the broadcast, the next two take the answers and cannot fail.
+  for (int nth = 6; nth <= calls; ++nth) {
+    tcp_->Devices()->Clear();
+    result_ = L"before";
+    socket_->FailCall(nth, 10050);
+    EXPECT_EQ(RaisedBy([&] { Discover(); }), Raised{}) << nth;
+    EXPECT_EQ(tcp_->TimeOutmSecs(), 5000) << nth;
+    EXPECT_EQ(tcp_->Protocol(), EKespProtocol::sckUDPProtocol) << nth;
+    EXPECT_EQ(tcp_->IPType(), EIPType::ipDynamic) << nth;
+    EXPECT_EQ(result_, L"") << nth;
+    // A device has its own identity or none, never the other's.
+    for (const std::wstring& device : Devices()) {
+      EXPECT_TRUE(device == L"10.0.0.1//" || device == L"10.0.0.1/7100/SIM1" || device == L"10.0.0.2//" ||
+                  device == L"10.0.0.2/7200/SIM2")
+          << nth << " " << testing::PrintToString(device);
+    }
+  }
+}
+
+TEST_F(KespTCPIdentityTest, HandlerClearsTheCollection_TheWalkEnds) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  PlaceInstrument(2, "KESP,7200,SIM2,1.0");
+  PlaceInstrument(3, "KESP,7300,SIM3,1.0");
+  events_.handlers[L"ConnectEnd"] = [this] { tcp_->Devices()->Clear(); };
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Connections(), ElementsAre("10.0.0.3:10001"));
+  EXPECT_EQ(Count(), 0);
+  ExpectRestored();
+}
+
+TEST_F(KespTCPIdentityTest, HandlerRemovesOne_TheOthersAreAskedOnce) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  PlaceInstrument(2, "KESP,7200,SIM2,1.0");
+  PlaceInstrument(3, "KESP,7300,SIM3,1.0");
+  events_.handlers[L"ConnectEnd"] = [this] {
+    if (Count() == 3) tcp_->Devices()->Remove(3);
+  };
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Connections(), ElementsAre("10.0.0.3:10001", "10.0.0.2:10001", "10.0.0.1:10001"));
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1", L"10.0.0.2/7200/SIM2"));
+}
+
+TEST_F(KespTCPIdentityTest, HandlerSearchesAgain_BothEndAndAreRestored) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  bool nested = false;
+  events_.handlers[L"DataArrivalEnd"] = [&] {
+    if (std::exchange(nested, true)) return;
+    std::wstring result;
+    tcp_->SetProtocol(EKespProtocol::sckUDPProtocol);
+    EXPECT_TRUE(tcp_->AutoDetect(result));
+  };
+  EXPECT_TRUE(Discover());
+  EXPECT_TRUE(nested);
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1"));
+  ExpectRestored();
+}
+
+}  // namespace
+}  // namespace kesp
