@@ -1,0 +1,112 @@
+// Discovery among instruments that answer late, twice, wrongly, too much or not at all.
+#include "tests/clients/discovery_fixture.h"
+
+namespace kesp::clients {
+namespace {
+
+class DiscoveryFaultsTest : public DiscoveryStage {};
+
+TEST_F(DiscoveryFaultsTest, OnlyTheFaultyOnesAreSkipped) {
+  StartLog();
+  EXPECT_TRUE(Discover());
+  // Neither the silent (.12), the late (.13) nor the one without the mark (.15).
+  EXPECT_EQ(SortedDevices(),
+            (Lines{L"10.88.0.11/7100/NET00011", L"10.88.0.14/7100/NET00103", L"10.88.0.16/7100/NET00106",
+                   L"10.88.0.17//", L"10.88.0.18//", L"10.88.0.19/7100/NET00107", L"10.88.0.20//",
+                   L"10.88.0.21//", L"10.88.0.22//", L"10.88.0.23//", L"10.88.0.24/7300/NET00033"}));
+  ExpectRestored();
+  EXPECT_EQ(LogLines(L"Duplicate"), (Lines{L"Duplicate device: 10.88.0.14"}));
+  EXPECT_EQ(LogLines(L"Receiving from 10.88.0.15:").size(), 3U);
+  EXPECT_EQ(LogLines(L"Receiving from 10.88.0.13:").size(), 0U);
+  EXPECT_EQ(LogLines(L"UDP"), (Lines{L"UDP discovery successful. Found 11 devices."}));
+  EXPECT_EQ(recorder_->Count(L"ReadInvalidChars"), 1U);
+}
+
+TEST_F(DiscoveryFaultsTest, Time_IsTwoSecondsForTheAnswersAndForEachThatFails) {
+  EXPECT_TRUE(Discover());
+  // The endless, the mute and the refusing one; five seconds for a busy machine.
+  EXPECT_LT(elapsed_, 2000U + 3U * 2000U + 5000U);
+}
+
+TEST_F(DiscoveryFaultsTest, Again_WhatWasReadBeforeIsKept) {
+  EXPECT_TRUE(Discover());
+  for (long index = 1; index <= Count(); ++index) {
+    const ComPtr<_CInstrument> item = Item(index);
+    if (!Read(item, &_CInstrument::get_Model).empty()) continue;
+    EXPECT_EQ(Write(item, &_CInstrument::put_Model, L"kept"), S_OK);
+    EXPECT_EQ(Write(item, &_CInstrument::put_Serial, L"too"), S_OK);
+  }
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(SortedDevices(),
+            (Lines{L"10.88.0.11/7100/NET00011", L"10.88.0.14/7100/NET00103", L"10.88.0.16/7100/NET00106",
+                   L"10.88.0.17/kept/too", L"10.88.0.18/kept/too", L"10.88.0.19/7100/NET00107",
+                   L"10.88.0.20/kept/too", L"10.88.0.21/kept/too", L"10.88.0.22/kept/too",
+                   L"10.88.0.23/kept/too", L"10.88.0.24/7300/NET00033"}));
+}
+
+// On a network where an instrument answers every second search.
+class DiscoveryRepeatedTest : public DiscoveryStage {};
+
+TEST_F(DiscoveryRepeatedTest, SecondSearch_AddsTheNewSenderOnly) {
+  StartLog();
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(Devices(), (Lines{L"10.88.0.11/7100/NET00011"}));
+  const ComPtr<_CInstrument> first = Item(1);
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(Devices(), (Lines{L"10.88.0.11/7100/NET00011", L"10.88.0.12/7100/NET00104"}));
+  EXPECT_TRUE(IsSameObject(Item(1).Get(), first.Get()));
+  EXPECT_EQ(LogLines(L"UDP"), (Lines{L"UDP discovery successful. Found 1 devices.",
+                                     L"UDP discovery successful. Found 2 devices."}));
+}
+
+// On a network with a thousand instruments, and another one behind a second adapter.
+class DiscoveryOfManyTest : public DiscoveryStage {};
+
+TEST_F(DiscoveryOfManyTest, AllOfTheFirstNetworkAreFoundAndAsked) {
+  EXPECT_TRUE(Discover());
+  const Lines found = SortedDevices();
+  Lines expected;
+  for (int number = 0; number < 1000; ++number) {
+    expected.push_back(L"10.88." + std::to_wstring(4 + (number + 1) / 256) + L"." +
+                       std::to_wstring((number + 1) % 256) + L"/7100/NET00011");
+  }
+  std::sort(expected.begin(), expected.end());
+  EXPECT_EQ(found, expected);
+  ExpectRestored();
+}
+
+// On a network where nobody answers.
+class DiscoveryOfNobodyTest : public DiscoveryStage {};
+
+TEST_F(DiscoveryOfNobodyTest, NothingIsFoundAfterOneToTwoSeconds) {
+  StartLog();
+  EXPECT_FALSE(Discover());
+  EXPECT_EQ(Count(), 0);
+  EXPECT_GE(elapsed_, 1000U);
+  EXPECT_LT(elapsed_, 2000U + 3000U);
+  EXPECT_EQ(Read(tcp_, &_CKespTCP::get_IPAddress), L"10.88.255.254");
+  EXPECT_EQ(Read(tcp_, &_CKespTCP::get_Port), 1234);
+  EXPECT_EQ(LogLines(L"UDP"), Lines{});
+  ExpectRestored();
+}
+
+// On a network with floods of answers, one of them with a thousand senders.
+class DiscoveryStormTest : public DiscoveryStage {};
+
+TEST_F(DiscoveryStormTest, Search_EndsInTimeAndFindsTheOthers) {
+  // Asking all the senders that do not exist is what a client may cut short.
+  On(L"ConnectEnd", [this] {
+    if (Read(tcp_, &_CKespTCP::get_IPAddress).starts_with(L"10.88.0.")) return;
+    for (long index = Count(); index >= 1; --index) {
+      if (Read(Item(index), &_CInstrument::get_IPAddress).starts_with(L"10.88.0.")) continue;
+      EXPECT_EQ(devices_->Remove(Plain(Value(index))), S_OK);
+    }
+  });
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(SortedDevices(), (Lines{L"10.88.0.11/7300/NET00033", L"10.88.0.12/7100/NET00109"}));
+  EXPECT_LT(elapsed_, 2000U + 10000U);
+  ExpectRestored();
+}
+
+}  // namespace
+}  // namespace kesp::clients

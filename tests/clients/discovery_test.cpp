@@ -1,0 +1,186 @@
+// Discovery of three instruments on a network, through the interfaces that clients use.
+#include "tests/clients/discovery_fixture.h"
+#include "tests/clients/late_object.h"
+#include "tests/clients/library_module.h"
+
+namespace kesp::clients {
+namespace {
+
+// They answer the broadcast in this order.
+const Lines kThree{L"10.88.0.11/7100/NET00011", L"10.88.0.12/7200/NET00022", L"10.88.0.13/7300/NET00033"};
+
+class DiscoveryTest : public DiscoveryStage {};
+
+TEST_F(DiscoveryTest, ThreeInstruments_AreFoundWithTheirIdentity) {
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(Devices(), kThree);
+  ExpectRestored();
+  // One to two seconds for the answers; asking takes no time to speak of.
+  EXPECT_GE(elapsed_, 1000U);
+  EXPECT_LT(elapsed_, 2000U + 3000U);
+}
+
+TEST_F(DiscoveryTest, AddressAndPort_AreThoseOfTheFirst) {
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(Read(tcp_, &_CKespTCP::get_IPAddress), L"10.88.0.11");
+  EXPECT_EQ(Read(tcp_, &_CKespTCP::get_Port), 10001);
+}
+
+TEST_F(DiscoveryTest, Events_BeginAnswersWalkEnd) {
+  std::vector<short> time_outs;
+  const auto read = [&] { time_outs.push_back(Read(tcp_, &_CKespTCP::get_TimeOutmSecs)); };
+  On(L"AutoDetectBegin", read);
+  On(L"AutoDetectEnd", read);
+  EXPECT_TRUE(Discover());
+  const Lines& journal = recorder_->journal;
+  EXPECT_EQ(journal.front(), L"AutoDetectBegin()");
+  EXPECT_EQ(journal.back(), L"AutoDetectEnd()");
+  EXPECT_EQ(recorder_->Count(L"AutoDetectUpdate"), 0U);
+  EXPECT_EQ(recorder_->Count(L"ConnectBegin"), 3U);
+  EXPECT_EQ(recorder_->Count(L"ErrorBegin"), 0U);
+  const auto first_answer = std::find_if(journal.begin(), journal.end(), [](const std::wstring& entry) {
+    return entry.starts_with(L"DataArrivalBegin");
+  });
+  const auto first_connection = std::find(journal.begin(), journal.end(), L"ConnectBegin()");
+  EXPECT_LT(first_answer - journal.begin(), first_connection - journal.begin());
+  EXPECT_EQ(time_outs, (std::vector<short>{1000, 5000}));
+}
+
+TEST_F(DiscoveryTest, Log_HasBroadcastAnswersSummaryAndTheWalkFromTheLastToTheFirst) {
+  StartLog();
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(LogLines(L"Sending"), (Lines{L"Sending broadcast command to 255.255.255.255 on port 30718..."}));
+  EXPECT_EQ(LogLines(L"Receiving"),
+            (Lines{L"Receiving from 10.88.0.11:30718", L"Receiving from 10.88.0.12:30718",
+                   L"Receiving from 10.88.0.13:30718"}));
+  EXPECT_EQ(LogLines(L"Received buffer data: ").size(), 3U);
+  EXPECT_EQ(LogLines(L"Stored"), (Lines{L"Stored object for discovered device at 10.88.0.11",
+                                        L"Stored object for discovered device at 10.88.0.12",
+                                        L"Stored object for discovered device at 10.88.0.13"}));
+  EXPECT_EQ(LogLines(L"UDP"), (Lines{L"UDP discovery successful. Found 3 devices."}));
+  EXPECT_EQ(LogLines(L"Connecting"),
+            (Lines{L"Connecting to 10.88.0.13 on port 10001...", L"Connecting to 10.88.0.12 on port 10001...",
+                   L"Connecting to 10.88.0.11 on port 10001..."}));
+  EXPECT_EQ(LogLines(L"Duplicate"), Lines{});
+}
+
+TEST_F(DiscoveryTest, Again_NobodyIsStoredTwice) {
+  EXPECT_TRUE(Discover());
+  const ComPtr<_CInstrument> first = Item(1);
+  EXPECT_EQ(Write(first, &_CInstrument::put_Model, L"to be read anew"), S_OK);
+  EXPECT_EQ(Write(first, &_CInstrument::put_MACAddress, L"00-11"), S_OK);
+  StartLog();
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(Devices(), kThree);
+  EXPECT_TRUE(IsSameObject(Item(1).Get(), first.Get()));
+  EXPECT_EQ(Read(first, &_CInstrument::get_MACAddress), L"00-11");
+  EXPECT_EQ(LogLines(L"Duplicate"), (Lines{L"Duplicate device: 10.88.0.11", L"Duplicate device: 10.88.0.12",
+                                           L"Duplicate device: 10.88.0.13"}));
+  EXPECT_EQ(LogLines(L"UDP"), (Lines{L"UDP discovery successful. Found 3 devices."}));
+  // Emptied by the client, it fills anew.
+  EXPECT_EQ(devices_->Clear(), S_OK);
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(Devices(), kThree);
+}
+
+TEST_F(DiscoveryTest, Found_AreFullObjects) {
+  EXPECT_TRUE(Discover());
+  const ComPtr<_CInstrument> item = Item(2);
+  EXPECT_TRUE(IsSameObject(Item(2).Get(), item.Get()));
+  EXPECT_EQ(Read(item, &_CInstrument::get_IPType), ipStatic);
+  EXPECT_EQ(Read(item, &_CInstrument::get_MACAddress), L"");
+  ComPtr<IProvideClassInfo2> info;
+  EXPECT_EQ(item.As(&info), S_OK);
+  const LateObject late(item);
+  EXPECT_EQ(late.Get(L"Model").value.text(), L"7200");
+  // It outlives the collection and the transport.
+  connection_.Disconnect();
+  devices_.Reset();
+  tcp_.Reset();
+  EXPECT_EQ(Read(item, &_CInstrument::get_Serial), L"NET00022");
+}
+
+TEST_F(DiscoveryTest, FoundInstrument_CanBeTalkedToAfterwards) {
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(Write(tcp_, &_CKespTCP::put_Protocol, sckTCPProtocol), S_OK);
+  EXPECT_EQ(Write(tcp_, &_CKespTCP::put_IPAddress, Read(Item(3), &_CInstrument::get_IPAddress)), S_OK);
+  EXPECT_TRUE(CallsTrue(tcp_, &_CKespTCP::Initialize));
+  VARIANT_BOOL answer = VARIANT_FALSE;
+  Text reply;
+  EXPECT_EQ(tcp_->WriteLine(Text(L"*IDN?").get(), &answer), S_OK);
+  EXPECT_EQ(tcp_->ReadLine(reply.in_out(), &answer), S_OK);
+  EXPECT_EQ(reply.str(), L"KESP,7300,NET00033,2.0");
+}
+
+TEST_F(DiscoveryTest, HandlerClearsDevicesDuringTheWalk_ItEnds) {
+  On(L"ConnectEnd", [this] { EXPECT_EQ(devices_->Clear(), S_OK); });
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(Count(), 0);
+  EXPECT_EQ(recorder_->Count(L"ConnectEnd"), 1U);
+  ExpectRestored();
+}
+
+TEST_F(DiscoveryTest, LateBound_WithAVariable) {
+  const LateObject late(tcp_);
+  Value result(L"before");
+  EXPECT_TRUE(late.Call(L"AutoDetect", {Variable(result)}).IsTrue());
+  EXPECT_EQ(result.text(), L"");
+  EXPECT_EQ(Devices(), kThree);
+}
+
+TEST_F(DiscoveryTest, ThroughTheCommunicationObject) {
+  const auto comm = Create<_CKespCommObj>(__uuidof(CKespCommObj));
+  EXPECT_EQ(WriteByReference(comm, &_CKespCommObj::put_CommStyle, csTCPIP), S_OK);
+  ComPtr<IDispatch> transport;
+  EXPECT_EQ(comm->get_CommObject(transport.GetAddressOf()), S_OK);
+  EXPECT_EQ(transport.As(&tcp_), S_OK);
+  devices_ = ReadObject(tcp_, &_CKespTCP::get_Devices);
+  EXPECT_EQ(Write(tcp_, &_CKespTCP::put_Protocol, sckUDPProtocol), S_OK);
+  VARIANT_BOOL found = 5;
+  EXPECT_EQ(comm->DetectInstrument(result_.in_out(), dlAllCommands, &found), S_OK);
+  EXPECT_EQ(found, VARIANT_TRUE);
+  EXPECT_EQ(Devices(), kThree);
+  EXPECT_EQ(Read(comm, &_CKespCommObj::get_CommError), cfrSuccess);
+}
+
+// Lets go of the transport in the middle of a search.
+class DiscoveryLastReferenceTest : public testing::TestWithParam<const wchar_t*> {
+ protected:
+  Apartment apartment_;
+  LibraryModule module_;
+};
+
+TEST_P(DiscoveryLastReferenceTest, Released_TheSearchEndsAllTheSame) {
+  ComPtr<_CKespTCP> tcp = Create<_CKespTCP>(__uuidof(CKespTCP));
+  EXPECT_EQ(Write(tcp, &_CKespTCP::put_Protocol, sckUDPProtocol), S_OK);
+  const ComPtr<EventRecorder> recorder = EventRecorder::Make(__uuidof(__CKespTCP));
+  {
+    // The object alone keeps the sink, and nobody keeps the connection point.
+    ComPtr<IConnectionPointContainer> container;
+    tcp.As(&container);
+    ComPtr<IConnectionPoint> point;
+    container->FindConnectionPoint(__uuidof(__CKespTCP), &point);
+    DWORD cookie = 0;
+    EXPECT_EQ(point->Advise(recorder.Get(), &cookie), S_OK);
+  }
+  recorder->handlers[GetParam()] = [&tcp](DISPPARAMS&) { tcp.Reset(); };
+  Text result;
+  VARIANT_BOOL found = VARIANT_FALSE;
+  EXPECT_EQ(tcp.Get()->AutoDetect(result.in_out(), dlAllCommands, &found), S_OK);
+  EXPECT_EQ(tcp, nullptr) << "nothing let go";
+  EXPECT_EQ(found, VARIANT_TRUE);
+  EXPECT_EQ(recorder->Count(L"AutoDetectEnd"), 1U);
+  EXPECT_EQ(recorder->references(), 1U);
+  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
+}
+
+INSTANTIATE_TEST_SUITE_P(Event, DiscoveryLastReferenceTest,
+                         testing::Values(L"AutoDetectBegin", L"DataArrivalBegin", L"DataArrivalEnd",
+                                         L"ConnectBegin", L"AutoDetectEnd"),
+                         [](const auto& info) {
+                           const std::wstring name = info.param;
+                           return std::string(name.begin(), name.end());
+                         });
+
+}  // namespace
+}  // namespace kesp::clients
