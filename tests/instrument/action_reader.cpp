@@ -10,6 +10,7 @@
 
 #include "tests/instrument/json_fields.h"
 #include "tests/instrument/personality_error.h"
+#include "tests/instrument/turns_reader.h"
 
 namespace kesp::simulator {
 namespace {
@@ -113,29 +114,17 @@ constexpr Kind kKinds[] = {
     {"reset", ReadReset},   {"echo", ReadEcho},        {"merge_next", ReadMergeNext},
 };
 
-Action ReadAction(const nlohmann::json& value, const std::string& place,
-                  const std::string& reply_terminator) {
-  const JsonFields fields(value, place);
-  for (const Kind& kind : kKinds) {
-    if (fields.Has(kind.name)) return kind.read(fields, reply_terminator);
-  }
-  std::string known;
-  for (const Kind& kind : kKinds) known += (known.empty() ? "" : ", ") + std::string(kind.name);
-  throw PersonalityError(place, "is not a known action (" + known + ")");
-}
-
 // A reply that is held back has no pieces, no pauses and no end of its own, and must be of bounded length.
 bool CanBeHeld(const Action& action) {
   return std::holds_alternative<Send>(action) || std::holds_alternative<Echo>(action) ||
          std::holds_alternative<HoldForNext>(action);
 }
 
-ActionList ReadList(const nlohmann::json& value, const std::string& place,
+ActionList ReadList(const nlohmann::json& list, const std::string& place,
                     const std::string& reply_terminator) {
-  if (!value.is_array()) throw PersonalityError(place, "must be a list of actions");
   ActionList actions;
-  for (std::size_t i = 0; i < value.size(); ++i) {
-    actions.push_back(ReadAction(value[i], place + "/" + std::to_string(i), reply_terminator));
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    actions.push_back(ReadAction(list[i], place + "/" + std::to_string(i), reply_terminator));
   }
   const bool held = std::any_of(actions.begin(), actions.end(), [](const Action& action) {
     return std::holds_alternative<HoldForNext>(action);
@@ -148,23 +137,24 @@ ActionList ReadList(const nlohmann::json& value, const std::string& place,
 
 }  // namespace
 
+Action ReadAction(const nlohmann::json& value, const std::string& place,
+                  const std::string& reply_terminator) {
+  const JsonFields fields(value, place);
+  for (const Kind& kind : kKinds) {
+    if (fields.Has(kind.name)) return kind.read(fields, reply_terminator);
+  }
+  std::string known;
+  for (const Kind& kind : kKinds) known += (known.empty() ? "" : ", ") + std::string(kind.name);
+  throw PersonalityError(place, "is not a known action (" + known + ")");
+}
+
 Answer ReadAnswer(const nlohmann::json& value, const std::string& place,
                   const std::string& reply_terminator) {
   Answer answer;
   answer.turns.clear();
-  if (!value.is_object()) {
-    answer.turns.push_back(ReadList(value, place, reply_terminator));
-    return answer;
-  }
-  const JsonFields fields(value, place);
-  fields.AllowOnly({"cycle"});
-  const nlohmann::json& turns = fields.Value("cycle");
-  if (!turns.is_array() || turns.empty())
-    throw PersonalityError(fields.PlaceOf("cycle"), "must be a list of one or more lists of actions");
-  for (std::size_t i = 0; i < turns.size(); ++i) {
-    const std::string turn_place = fields.PlaceOf("cycle") + "/" + std::to_string(i);
-    answer.turns.push_back(ReadList(turns[i], turn_place, reply_terminator));
-  }
+  ReadTurns(value, place, [&](const nlohmann::json& list, const std::string& list_place) {
+    answer.turns.push_back(ReadList(list, list_place, reply_terminator));
+  });
   return answer;
 }
 

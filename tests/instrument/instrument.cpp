@@ -8,11 +8,15 @@ namespace kesp::simulator {
 Instrument::Instrument(Personality personality) : personality_(std::move(personality)) {}
 
 const ActionList& Instrument::Connected() {
-  return NextTurn(personality_.on_connect);
+  return NextTurn(personality_.on_connect.turns);
+}
+
+const DiscoveryList& Instrument::Discovered() {
+  return NextTurn(personality_.discovery.turns);
 }
 
 const ActionList& Instrument::Command(std::string_view command) {
-  return NextTurn(Find(command));
+  return NextTurn(Find(command).turns);
 }
 
 const Answer& Instrument::Find(std::string_view command) const {
@@ -30,10 +34,6 @@ const Answer& Instrument::Find(std::string_view command) const {
   if (longest != nullptr) return *longest;
   const bool query = !command.empty() && command.back() == '?';
   return query ? personality_.unknown_query : personality_.unknown;
-}
-
-const ActionList& Instrument::NextTurn(const Answer& answer) {
-  return answer.turns[turns_taken_[&answer]++ % answer.turns.size()];
 }
 
 }  // namespace kesp::simulator

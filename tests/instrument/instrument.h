@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "tests/instrument/personality.h"
 
@@ -25,16 +26,23 @@ class Instrument {
   // What to do for a new client. The lists live as long as the instrument.
   const ActionList& Connected();
 
+  // What to do for a discovery datagram.
+  const DiscoveryList& Discovered();
+
   // What to do for this command, given without its terminator. An exact name counts before the longest name
   // that ends in "*", and both before the answers to unknown commands.
   const ActionList& Command(std::string_view command);
 
  private:
   const Answer& Find(std::string_view command) const;
-  const ActionList& NextTurn(const Answer& answer);
+  // The list whose turn it is; kept apart for each of the personality's answers.
+  template <typename List>
+  const List& NextTurn(const std::vector<List>& turns) {
+    return turns[turns_taken_[&turns]++ % turns.size()];
+  }
 
   const Personality personality_;
-  std::map<const Answer*, std::size_t> turns_taken_;
+  std::map<const void*, std::size_t> turns_taken_;
 };
 
 }  // namespace kesp::simulator

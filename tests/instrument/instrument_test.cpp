@@ -14,6 +14,18 @@ std::string Reply(const ActionList& actions) {
   return std::get<Send>(actions.at(0)).bytes;
 }
 
+TEST(Instrument, Discovered_GoesRoundApartFromCommands) {
+  Instrument instrument(ReadPersonality(R"({
+    "discovery": {"cycle": [[], [{"send": "1"}, {"send": "2"}]]},
+    "commands": {"A?": {"cycle": [[{"send": "a"}], [{"send": "b"}]]}}
+  })"));
+  EXPECT_EQ(instrument.Discovered().size(), 0U);
+  EXPECT_EQ(Reply(instrument.Command("A?")), "a\r");
+  EXPECT_EQ(instrument.Discovered().size(), 2U);
+  EXPECT_EQ(instrument.Discovered().size(), 0U);
+  EXPECT_EQ(Reply(instrument.Command("A?")), "b\r");
+}
+
 TEST(Instrument, Command_ExactThenLongestPrefixThenDefault) {
   Instrument instrument(ReadPersonality(R"({
     "reply_terminator": "",

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tests/instrument/action.h"
+#include "tests/instrument/discovery_answer.h"
 #include "tests/instrument/line_rule.h"
 
 namespace kesp::simulator {
@@ -18,6 +19,9 @@ struct Personality {
   std::string terminator = "\r";
   // On a serial line: the settings at which commands are understood.
   std::optional<LineRule> line;
+
+  // What a discovery datagram is answered with, once for each.
+  DiscoveryAnswer discovery = UsualDiscoveryAnswer();
 
   Answer on_connect;
   AnswersByName commands;

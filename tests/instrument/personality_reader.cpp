@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/instrument/action_reader.h"
+#include "tests/instrument/discovery_reader.h"
 #include "tests/instrument/json_fields.h"
 #include "tests/instrument/json_file.h"
 #include "tests/instrument/line_rule_reader.h"
@@ -38,14 +39,16 @@ Personality ReadPersonality(const std::string& json_text) {
 
 Personality ReadPersonality(const json& value, const std::string& place) {
   const JsonFields file(value, place);
-  file.AllowOnly({"description", "terminator", "reply_terminator", "line", "on_connect", "commands",
-                  "default_query", "default"});
+  file.AllowOnly({"description", "terminator", "reply_terminator", "line", "discovery", "on_connect",
+                  "commands", "default_query", "default"});
   file.CheckDescription();
 
   Personality personality;
   personality.terminator = file.TextOr("terminator", "\r");
   if (personality.terminator.empty()) throw PersonalityError(file.PlaceOf("terminator"), "must not be empty");
   if (file.Has("line")) personality.line = ReadLineRule(file.Value("line"), file.PlaceOf("line"));
+  if (file.Has("discovery"))
+    personality.discovery = ReadDiscoveryAnswer(file.Value("discovery"), file.PlaceOf("discovery"));
   const std::string reply_terminator = file.TextOr("reply_terminator", "\r");
 
   const auto answer = [&](const char* field, const Answer& otherwise) {

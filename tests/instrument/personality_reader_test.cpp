@@ -59,6 +59,15 @@ TEST(PersonalityReader, DefaultAlone_CountsForQueriesToo) {
   EXPECT_EQ(FirstBytes(personality.unknown_query), "what!\r");
 }
 
+TEST(PersonalityReader, Discovery_HasNoTerminatorAndAnAnswerWhenLeftOut) {
+  const auto bytes = [](const std::string& json) {
+    return std::get<Datagram>(ReadPersonality(json).discovery.turns.at(0).at(0)).bytes;
+  };
+  EXPECT_EQ(bytes(R"({"reply_terminator": "\n", "discovery": [{"send": "here"}]})"), "here");
+  EXPECT_EQ(bytes("{}").size(), 30U);
+  EXPECT_TRUE(ReadPersonality(R"({"discovery": []})").discovery.turns.at(0).empty());
+}
+
 TEST(PersonalityReader, CommandNames_AreBytes) {
   const Personality personality = ReadPersonality(R"({"commands": {"\u00B5?": []}})");
   EXPECT_TRUE(personality.commands.contains("\xB5?"));
@@ -88,6 +97,8 @@ TEST(PersonalityReader, BadFiles_AreRefusedWithThePlace) {
       {R"({"on_connect": [{"wait_ms": "1"}]})",
        "/on_connect/0/wait_ms: must be a whole number from 0 to 3600000"},
       {R"({"default": 1})", "/default: must be a list of actions"},
+      {R"({"discovery": [{"send": "x"}, {"close": true}]})",
+       "/discovery/1: is not an action of discovery (send, send_hex, random, repeat, storm, wait_ms)"},
       {R"({"default_query": [5]})", "/default_query/0: must be an object"},
       {R"({"commands": {"A?": [], "B?": [], "A?": []}})", "\"A?\": is given twice in one object"},
   };
