@@ -81,6 +81,10 @@ std::string Quoted(std::string_view bytes, std::size_t limit) {
   return text;
 }
 
+std::string Counted(std::size_t count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
 std::string Hexadecimal(std::uint32_t value) {
   std::string text;
   do {

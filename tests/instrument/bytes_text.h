@@ -21,6 +21,9 @@ std::optional<std::string> BytesFromHex(std::string_view hex);
 // ASCII. Of more than `limit` bytes the first ones and "...", so that a log stays a log.
 std::string Quoted(std::string_view bytes, std::size_t limit = 60);
 
+// A number of things: "1 byte", "30 bytes".
+std::string Counted(std::size_t count, const std::string& what);
+
 // A number in upper-case hexadecimal without leading zeros, and back; nothing for a text that is no such
 // number.
 std::string Hexadecimal(std::uint32_t value);

@@ -59,6 +59,12 @@ TEST(Quoted, MoreThanTheLimit_IsCutAndMarked) {
   EXPECT_EQ(Quoted("123456", 5), "\"12345...\"");
 }
 
+TEST(Counted, OneThing_IsSingular) {
+  EXPECT_EQ(Counted(0, "byte"), "0 bytes");
+  EXPECT_EQ(Counted(1, "byte"), "1 byte");
+  EXPECT_EQ(Counted(30, "byte"), "30 bytes");
+}
+
 TEST(Hexadecimal, Numbers_GoThereAndBack) {
   for (const auto& [number, text] :
        {std::pair(0U, "0"), std::pair(0x1AU, "1A"), std::pair(~0U, "FFFFFFFF")}) {

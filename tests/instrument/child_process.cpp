@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -100,14 +101,19 @@ std::string ChildProcess::Error() const {
 }
 
 std::string ChildProcess::FirstLine() {
+  const std::string output = OutputWithLines(1);
+  const std::size_t end = output.find('\n');
+  return end == std::string::npos ? std::string() : output.substr(0, end);
+}
+
+std::string ChildProcess::OutputWithLines(std::ptrdiff_t count) {
   std::string output;
   Eventually([&] {
     const bool ended = Ended();  // asked first: what it wrote before it ended must count
     output = Output();
-    return ended || output.find('\n') != std::string::npos;
+    return ended || std::count(output.begin(), output.end(), '\n') >= count;
   });
-  const std::size_t end = output.find('\n');
-  return end == std::string::npos ? std::string() : output.substr(0, end);
+  return output;
 }
 
 int ChildProcess::Wait() {

@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,10 @@ class ChildProcess {
   // The first line of standard output, without its line feed, as soon as it is whole; empty when it does not
   // come in time or the program ends before.
   std::string FirstLine();
+
+  // Standard output as soon as it has so many whole lines; what there is when they do not come in time or the
+  // program ends before.
+  std::string OutputWithLines(std::ptrdiff_t count);
 
   // The exit code; 128 and the signal's number for a program ended by a signal; -1 when it does not end in
   // time.

@@ -8,14 +8,6 @@
 #include "tests/instrument/bytes_text.h"
 
 namespace kesp::simulator {
-namespace {
-
-std::string Counted(std::size_t count, const std::string& what) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
-}  // namespace
-
 Conversation::Conversation(Carrier& carrier, Instrument& instrument, EventLog& log, unsigned number)
     : carrier_(carrier),
       instrument_(instrument),

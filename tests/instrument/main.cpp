@@ -40,11 +40,6 @@ void Serve(const Options& options, EventLog& log) {
   });
 }
 
-std::string Place(const Options& options) {
-  if (!options.serial.empty()) return "serve " + options.serial;
-  return "listen on " + options.bind + " port " + std::to_string(options.port);
-}
-
 int Run(const Options& options) {
   std::vector<std::ostream*> sinks;
   if (!options.quiet) sinks.push_back(&std::cerr);
@@ -64,7 +59,7 @@ int Run(const Options& options) {
     std::cerr << "kesp-instrument: " << error.what() << "\n";
     return kExitBadInput;
   } catch (const std::system_error& error) {
-    std::cerr << "kesp-instrument: cannot " << Place(options) << ": " << error.code().message() << "\n";
+    std::cerr << "kesp-instrument: cannot " << error.what() << "\n";
     return kExitCannotListen;
   }
   return kExitDone;

@@ -12,9 +12,8 @@ namespace {
 constexpr char kAbout[] =
     "Plays a laboratory instrument over TCP or on a serial line: answers text commands, with faults on "
     "demand.\n"
-    "It prints one line, \"listening on ADDRESS:PORT\" or \"serving PATH\", when it is ready, and runs "
-    "until\n"
-    "it is interrupted.\n";
+    "It prints \"listening on ADDRESS:PORT\" or \"serving PATH\" when it is ready, with --discovery\n"
+    "\"discovery on ADDRESS:PORT\" on a second line, and runs until it is interrupted.\n";
 
 constexpr char kMore[] =
     "Without a personality file it answers *IDN?, *VER, t and MEAS?, refuses other queries with an error\n"
@@ -24,6 +23,8 @@ constexpr char kMore[] =
     "  kesp-instrument                                      the built-in instrument on a free port\n"
     "  kesp-instrument --port 10001                         ... on a port of your choice\n"
     "  kesp-instrument --personality bench-top-controller.json --log talk.log --quiet\n"
+    "  kesp-instrument --discovery --bind 0.0.0.0 --port 10001\n"
+    "                                                       ... that is found by its network\n"
     "  kesp-instrument --serial ~/.wine/dosdevices/com33     on a serial line, COM33 in Wine\n"
     "  printf '*IDN?\\r' | nc -q 1 127.0.0.1 10001           talk to it by hand\n"
     "\n"
@@ -36,8 +37,40 @@ std::string CheckAddress(const std::string& text) {
   return error ? "\"" + text + "\" is not an IP address" : std::string();
 }
 
+std::string CheckAddresses(const std::string& text) {
+  return ReadAddressRange(text)
+             ? std::string()
+             : "\"" + text + "\" is not a range of IPv4 addresses such as 10.0.0.1-10.0.0.9";
+}
+
 std::string CheckPath(const std::string& text) {
   return text.empty() ? "the path is empty" : std::string();
+}
+
+void DescribeDiscovery(CLI::App& app, Options& options) {
+  app.add_flag("--discovery", options.discovery, "Answer discovery datagrams (UDP, IPv4), too");
+  app.add_option("--discovery-port", options.discovery_port,
+                 "Port on which they come and from which the answers go; 30718 is the default, 0 picks one")
+      ->type_name("N")
+      ->needs("--discovery");
+  app.add_option_function<std::string>(
+         "--discovery-from",
+         [&options](const std::string& text) { options.discovery_from = ReadAddressRange(text); },
+         "Send each answer from every one of these addresses of this machine, as if each had an instrument")
+      ->type_name("FIRST-LAST")
+      ->check(CheckAddresses)
+      ->needs("--discovery");
+  app.add_option("--discovery-rate", options.discovery_rate,
+                 "Send at most so many datagrams of an answer in a second; 0 (default) sets no limit")
+      ->type_name("N")
+      ->check(CLI::Range(0U, 1'000'000U))
+      ->needs("--discovery");
+}
+
+// What no single option can tell.
+void CheckTogether(const Options& options) {
+  if (options.discovery && !asio::ip::make_address(options.bind).is_v4())
+    throw CLI::ValidationError("--discovery", "goes with an IPv4 address as --bind only");
 }
 
 void Describe(CLI::App& app, Options& options) {
@@ -50,10 +83,11 @@ void Describe(CLI::App& app, Options& options) {
   app.add_option("--bind", options.bind, "IP address to listen on; 127.0.0.1 (default) is this machine only")
       ->type_name("ADDRESS")
       ->check(CheckAddress);
+  DescribeDiscovery(app, options);
   app.add_option("--serial", options.serial, "Serve a serial line instead, which is linked under this path")
       ->type_name("PATH")
       ->check(CheckPath)
-      ->excludes("--port", "--bind");
+      ->excludes("--port", "--bind", "--discovery");
   app.add_option("--personality", options.personality, "What to answer to which command (JSON)")
       ->type_name("FILE");
   app.add_option("--log", options.log, "Append a line per connection, command and reply to this file")
@@ -73,6 +107,7 @@ ParsedOptions ParseOptions(std::vector<std::string> arguments) {
   std::reverse(arguments.begin(), arguments.end());
   try {
     app.parse(arguments);
+    CheckTogether(options);
     parsed.options = options;
   } catch (const CLI::ParseError& stop) {
     std::ostringstream output;

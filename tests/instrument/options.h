@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/instrument/address_range.h"
+
 namespace kesp::simulator {
 
 // The exit codes of the program.
@@ -16,9 +18,13 @@ inline constexpr int kExitBadInput = 2;      // a bad command line, personality 
 struct Options {
   std::uint16_t port = 0;  // 0: pick a free one
   std::string bind = "127.0.0.1";
-  std::string serial;       // where to make a serial line; empty: serve over TCP
-  std::string personality;  // a file; empty: the built-in one
-  std::string log;          // a file; empty: none
+  bool discovery = false;                      // answer discovery datagrams, too
+  std::uint16_t discovery_port = 30718;        // 0: pick a free one
+  std::optional<AddressRange> discovery_from;  // nothing: from the address of `bind`
+  unsigned discovery_rate = 0;                 // datagrams a second; 0: no limit
+  std::string serial;                          // where to make a serial line; empty: serve over TCP
+  std::string personality;                     // a file; empty: the built-in one
+  std::string log;                             // a file; empty: none
   bool quiet = false;
   bool once = false;
 };

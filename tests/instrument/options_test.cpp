@@ -36,13 +36,35 @@ TEST(ParseOptions, Serial_IsTakenInPlaceOfAPort) {
   EXPECT_EQ(parsed.options->serial, "d/com33");
 }
 
+TEST(ParseOptions, Discovery_IsOffAndHasItsDefaults) {
+  const ParsedOptions none = ParseOptions({});
+  EXPECT_FALSE(none.options->discovery);
+  const ParsedOptions parsed = ParseOptions({"--discovery"});
+  ASSERT_TRUE(parsed.options) << parsed.error;
+  EXPECT_TRUE(parsed.options->discovery);
+  EXPECT_EQ(parsed.options->discovery_port, 30718);
+  EXPECT_FALSE(parsed.options->discovery_from);
+  EXPECT_EQ(parsed.options->discovery_rate, 0U);
+}
+
+TEST(ParseOptions, DiscoveryArguments_AreTaken) {
+  const ParsedOptions parsed =
+      ParseOptions({"--discovery", "--discovery-port", "0", "--discovery-from", "10.0.0.1-10.0.0.9",
+                    "--discovery-rate", "500", "--bind", "0.0.0.0"});
+  ASSERT_TRUE(parsed.options) << parsed.error;
+  EXPECT_EQ(parsed.options->discovery_port, 0);
+  EXPECT_EQ(parsed.options->discovery_from->Text(), "10.0.0.1-10.0.0.9");
+  EXPECT_EQ(parsed.options->discovery_rate, 500U);
+}
+
 TEST(ParseOptions, Help_NamesEveryOptionAndSucceeds) {
   const ParsedOptions parsed = ParseOptions({"--help"});
   EXPECT_FALSE(parsed.options);
   EXPECT_EQ(parsed.exit_code, kExitDone);
   EXPECT_EQ(parsed.error, "");
   for (const char* name :
-       {"--port", "--bind", "--serial", "--personality", "--log", "--quiet", "--once", "--help"})
+       {"--port", "--bind", "--serial", "--personality", "--log", "--quiet", "--once", "--help",
+        "--discovery", "--discovery-port", "--discovery-from", "--discovery-rate"})
     EXPECT_NE(parsed.output.find(name), std::string::npos) << name;
 }
 
@@ -62,6 +84,15 @@ TEST(ParseOptions, Mistakes_AreRefusedWithAMessage) {
       {"--serial", "p", "--port", "1"},
       {"--serial", "p", "--bind", "::1"},
       {"--serial", "p", "--once"},
+      {"--serial", "p", "--discovery"},
+      {"--discovery-port", "1"},
+      {"--discovery-from", "10.0.0.1"},
+      {"--discovery-rate", "1"},
+      {"--discovery", "--discovery-port", "65536"},
+      {"--discovery", "--discovery-from", "10.0.0.2-10.0.0.1"},
+      {"--discovery", "--discovery-from", ""},
+      {"--discovery", "--discovery-rate", "-1"},
+      {"--discovery", "--bind", "::1"},
   };
   for (const std::vector<std::string>& arguments : mistakes) {
     const ParsedOptions parsed = ParseOptions(arguments);

@@ -8,10 +8,14 @@
 #include <csignal>
 #include <exception>
 #include <iostream>
+#include <memory>
+#include <system_error>
 
+#include "tests/instrument/discovery_responder.h"
 #include "tests/instrument/pseudo_terminal.h"
 #include "tests/instrument/serial_carrier.h"
 #include "tests/instrument/tcp_server.h"
+#include "tests/instrument/udp_port.h"
 
 namespace kesp::simulator {
 namespace {
@@ -20,16 +24,59 @@ void StopOn(asio::signal_set& signals, asio::io_context& io) {
   signals.async_wait([&io](const asio::error_code& /*error*/, int /*signal*/) { io.stop(); });
 }
 
+// Calls `make`, and adds to the error of the system what could not be done.
+template <typename Make>
+auto Making(const std::string& what, const Make& make) {
+  try {
+    return make();
+  } catch (const std::system_error& error) {
+    throw std::system_error(error.code(), what);
+  }
+}
+
+// The UDP side of an instrument that answers discovery.
+class Discovery {
+ public:
+  Discovery(asio::io_context& io, const Options& options, Instrument& instrument, EventLog& log)
+      : port_(io, options.discovery_port), responder_(port_, instrument, log, MannerOf(options)) {
+    asio::co_spawn(io, responder_.Run(), asio::detached);
+  }
+
+  asio::ip::udp::endpoint endpoint() const { return port_.endpoint(); }
+
+ private:
+  static AnswerManner MannerOf(const Options& options) {
+    AnswerManner manner{options.discovery_from, options.discovery_rate};
+    const asio::ip::address_v4 bind = asio::ip::make_address_v4(options.bind);
+    if (!manner.from && !bind.is_unspecified()) manner.from = AddressRange{bind, bind};
+    return manner;
+  }
+
+  UdpPort port_;
+  DiscoveryResponder responder_;
+};
+
+std::unique_ptr<Discovery> MakeDiscovery(asio::io_context& io, const Options& options, Instrument& instrument,
+                                         EventLog& log) {
+  if (!options.discovery) return nullptr;
+  return Making("listen for discovery on port " + std::to_string(options.discovery_port),
+                [&] { return std::make_unique<Discovery>(io, options, instrument, log); });
+}
+
 }  // namespace
 
 void ServeTcp(const Options& options, Instrument& instrument, EventLog& log) {
   asio::io_context io(1);
-  TcpServer server(Listen(io, options.bind, options.port), instrument, log);
+  TcpServer server(Making("listen on " + options.bind + " port " + std::to_string(options.port),
+                          [&] { return Listen(io, options.bind, options.port); }),
+                   instrument, log);
+  const std::unique_ptr<Discovery> discovery = MakeDiscovery(io, options, instrument, log);
   asio::signal_set signals(io, SIGINT, SIGTERM);
   StopOn(signals, io);
   asio::co_spawn(io, server.Run(options.once ? Clients::kOne : Clients::kMany),
                  [&io](const std::exception_ptr& /*failure*/) { io.stop(); });
   std::cout << "listening on " << server.endpoint() << std::endl;
+  if (discovery != nullptr) std::cout << "discovery on " << discovery->endpoint() << std::endl;
   io.run();
 }
 
@@ -38,7 +85,7 @@ void ServeSerial(const std::string& path, const TalkMaker& make_talk) {
   // Before there is a link that a signal could leave behind.
   asio::signal_set signals(io, SIGINT, SIGTERM);
   StopOn(signals, io);
-  PseudoTerminal terminal(path);
+  PseudoTerminal terminal = Making("serve " + path, [&path] { return PseudoTerminal(path); });
   SerialCarrier carrier(io.get_executor(), terminal);
   const std::unique_ptr<Talk> talk = make_talk(carrier);
   asio::co_spawn(io, talk->Run(), asio::detached);
