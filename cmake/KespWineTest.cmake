@@ -1,7 +1,8 @@
 # Tests that run Windows programs and scripts under Wine, registered in the native build's CTest.
 #
 # kesp_wine_test(NAME <name> PROGRAM <path> [BITS 64 32] [ARGS ...] [INSTRUMENT <personality.json>] [TIMEOUT <s>]
-#                [SERIAL <com number> [WIRE]] [DRIVER <bus.json>] [STANDALONE] [CHANGES_REGISTRY])
+#                [SERIAL <com number> [WIRE]] [HOSTS <hosts.json>] [DRIVER <bus.json>] [STANDALONE]
+#                [CHANGES_REGISTRY])
 #
 # One test for each width (both unless BITS says otherwise), named wine64.<name> and wine32.<name>.
 #   PROGRAM     an .exe as a path within the Windows build (tests/win/foo.exe), or a .vbs or .js file of this folder
@@ -9,6 +10,8 @@
 #   INSTRUMENT  runs the simulated instrument along; a personality file of this folder, or BUILT_IN
 #   SERIAL      puts the instrument on that COM port, from 33 up and no other test's; without INSTRUMENT the built-in one
 #   WIRE        puts no instrument there; the program itself is the other end, through a network connection
+#   HOSTS       runs it on a simulated network with the hosts of that file of this folder (tools/with-network-hosts),
+#               in a Windows of its own with the library registered; not with INSTRUMENT or SERIAL
 #   DRIVER      runs with the simulated GPIB driver beside the program; a bus of this folder, or BUILT_IN
 #   STANDALONE  does not need the library registered
 #   CHANGES_REGISTRY  runs alone and must leave the library registered
@@ -16,6 +19,7 @@
 set(KESP_WINE_TEST "${CMAKE_SOURCE_DIR}/tools/wine-test")
 set(KESP_WITH_INSTRUMENT "${CMAKE_SOURCE_DIR}/tests/instrument/with-instrument")
 set(KESP_WITH_SERIAL_LINE "${CMAKE_SOURCE_DIR}/tools/with-serial-line")
+set(KESP_WITH_NETWORK_HOSTS "${CMAKE_SOURCE_DIR}/tools/with-network-hosts")
 set(KESP_SKIPPED 77)
 
 # Registering is a test of its own; those that need the library depend on it.
@@ -37,7 +41,7 @@ function(kesp_wine_test)
   if(WIN32)
     return()
   endif()
-  cmake_parse_arguments(TEST "STANDALONE;CHANGES_REGISTRY;WIRE" "NAME;PROGRAM;INSTRUMENT;SERIAL;DRIVER;TIMEOUT"
+  cmake_parse_arguments(TEST "STANDALONE;CHANGES_REGISTRY;WIRE" "NAME;PROGRAM;INSTRUMENT;SERIAL;HOSTS;DRIVER;TIMEOUT"
     "BITS;ARGS" ${ARGN})
   if(TEST_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "kesp_wine_test does not know ${TEST_UNPARSED_ARGUMENTS}")
@@ -50,6 +54,9 @@ function(kesp_wine_test)
   endif()
   if(TEST_WIRE AND (TEST_INSTRUMENT OR NOT TEST_SERIAL))
     message(FATAL_ERROR "kesp_wine_test: WIRE goes with SERIAL and without INSTRUMENT")
+  endif()
+  if(TEST_HOSTS AND (TEST_INSTRUMENT OR TEST_SERIAL))
+    message(FATAL_ERROR "kesp_wine_test: HOSTS goes without INSTRUMENT and SERIAL")
   endif()
   foreach(bits IN LISTS TEST_BITS)
     kesp_add_wine_test(${bits})
@@ -80,6 +87,8 @@ macro(kesp_add_wine_test bits)
   endif()
   if(TEST_SERIAL)
     set(command "${KESP_WITH_SERIAL_LINE}" --bits ${bits} --com ${TEST_SERIAL} ${other_end} -- ${command})
+  elseif(TEST_HOSTS)
+    set(command "${KESP_WITH_NETWORK_HOSTS}" --bits ${bits} "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_HOSTS}" -- ${command})
   elseif(TEST_INSTRUMENT)
     set(command "${KESP_WITH_INSTRUMENT}" ${other_end} -- ${command})
   endif()
@@ -89,7 +98,8 @@ macro(kesp_add_wine_test bits)
   set_tests_properties(${name} PROPERTIES
     LABELS wine${bits} TIMEOUT ${last_resort} SKIP_RETURN_CODE ${KESP_SKIPPED}
     ENVIRONMENT "KESP_INSTRUMENT=${CMAKE_BINARY_DIR}/tests/instrument/kesp-instrument")
-  if(NOT TEST_STANDALONE)
+  # On a network of its own the library is registered by the way, where nobody else sees it.
+  if(NOT TEST_STANDALONE AND NOT TEST_HOSTS)
     set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED registered${bits})
   endif()
   if(TEST_CHANGES_REGISTRY)

@@ -4,8 +4,14 @@ KESP_WINE32_ROOT=${KESP_WINE32_ROOT:-/var/cache/kespcommobj/wine32}
 KESP_WINE_BASE=${KESP_WINE_BASE:-$KESP_ROOT/build/wine-$(id -un)}
 export KESP_WINE32_ROOT KESP_WINE_BASE
 
-# The X display that all programs share, such as ":99"; empty where there is none.
-wine_screen() { cat "$KESP_WINE_BASE/screen" 2>/dev/null || true; }
+# The X display that all programs share, such as ":99"; empty where there is none. KESP_SCREEN names one that is there.
+wine_screen() {
+  if [ -n "${KESP_SCREEN:-}" ]; then
+    printf '%s\n' "$KESP_SCREEN"
+  else
+    cat "$KESP_WINE_BASE/screen" 2>/dev/null || true
+  fi
+}
 
 wine_prefix() { printf '%s\n' "$KESP_WINE_BASE/win$1"; }
 
