@@ -183,9 +183,9 @@ class LeftoversTest(unittest.TestCase):
 
     @staticmethod
     def machine():
-        """Links and mounts of this machine, and what lies where each network has its own files."""
+        """Of this machine's links and mounts those that are named as ours, and what lies where networks have files."""
         links = subprocess.run(["ip", "-brief", "link"], text=True, capture_output=True, check=True).stdout
-        names = sorted(line.split()[0] for line in links.splitlines())
+        names = sorted(line.split()[0] for line in links.splitlines() if line.startswith(("network", "host")))
         mounts = pathlib.Path("/proc/self/mounts").read_text(encoding="utf-8")
         named = pathlib.Path("/run/netns")
         return (names, [line for line in mounts.splitlines() if "network-hosts" in line],
