@@ -11,6 +11,7 @@
 #include "KespCommObj.h"
 #include "tests/clients/early_bound.h"
 #include "tests/clients/event_recorder.h"
+#include "tests/clients/late_object.h"
 #include "tests/clients/temporary_file.h"
 
 namespace kesp::clients {
