@@ -171,8 +171,7 @@ TEST_P(DiscoveryLastReferenceTest, Released_TheSearchEndsAllTheSame) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Event, DiscoveryLastReferenceTest,
-                         testing::Values(L"AutoDetectBegin", L"DataArrivalBegin", L"DataArrivalEnd",
-                                         L"ConnectBegin", L"AutoDetectEnd"),
+                         testing::Values(L"DataArrivalBegin", L"ConnectBegin", L"AutoDetectEnd"),
                          [](const auto& info) {
                            const std::wstring name = info.param;
                            return std::string(name.begin(), name.end());
