@@ -9,8 +9,7 @@
 namespace kesp {
 
 // Runs the operation and returns its result. When it throws anything, shows the error box with the action
-// text
-// ("attempting to ...") and returns false.
+// text ("attempting to ...") and returns false.
 bool RunTrapped(UserSurface& user, const std::wstring& action, const std::function<bool()>& operation);
 
 }  // namespace kesp

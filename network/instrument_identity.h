@@ -12,8 +12,7 @@ struct InstrumentIdentity {
 };
 
 // The second and the third of the answer's fields, which are separated by "," and taken as they are, blanks
-// included
-// ("maker,model,serial,version" in SCPI). Nothing when there are fewer than three.
+// included ("maker,model,serial,version" in SCPI). Nothing when there are fewer than three.
 std::optional<InstrumentIdentity> IdentityIn(const std::wstring& answer);
 
 }  // namespace kesp

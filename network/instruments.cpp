@@ -53,6 +53,18 @@ std::int32_t CInstruments::Count() const {
   return static_cast<std::int32_t>(entries_.size());
 }
 
+std::vector<std::shared_ptr<Instrument>> CInstruments::Items() const {
+  std::vector<std::shared_ptr<Instrument>> items;
+  items.reserve(entries_.size());
+  for (const Entry& entry : entries_) items.push_back(entry.item);
+  return items;
+}
+
+bool CInstruments::Contains(const Instrument& item) const {
+  return std::any_of(entries_.begin(), entries_.end(),
+                     [&item](const Entry& entry) { return entry.item.get() == &item; });
+}
+
 std::vector<CInstruments::Entry>::const_iterator CInstruments::FindKey(const std::wstring& key) const {
   return std::find_if(entries_.begin(), entries_.end(),
                       [&key](const Entry& entry) { return !entry.key.empty() && SameKey(entry.key, key); });

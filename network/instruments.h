@@ -34,6 +34,10 @@ class CInstruments {
 
   std::int32_t Count() const;
 
+  // All items, in their order.
+  std::vector<std::shared_ptr<Instrument>> Items() const;
+  bool Contains(const Instrument& item) const;
+
   // How often items were removed, by Remove or Clear: while this stays the same, items are only appended.
   std::uint32_t Removals() const { return removals_; }
 

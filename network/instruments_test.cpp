@@ -175,5 +175,32 @@ TEST(CInstruments, RemoveAndClear_ItemLooksBack_SeesCollectionWithoutIt) {
   EXPECT_EQ(seen, 0);
 }
 
+TEST(CInstrumentsItems, AreAllInTheirOrderAndKnown) {
+  CInstruments instruments;
+  const auto first = MakeInstrument();
+  const auto second = MakeInstrument();
+  instruments.AddReference(first);
+  instruments.AddReference(second, L"key");
+  EXPECT_EQ(instruments.Items(), (std::vector<std::shared_ptr<Instrument>>{first, second}));
+  EXPECT_TRUE(instruments.Contains(*second));
+  instruments.Remove(L"key");
+  EXPECT_EQ(instruments.Items(), (std::vector<std::shared_ptr<Instrument>>{first}));
+  EXPECT_TRUE(instruments.Contains(*first));
+  EXPECT_FALSE(instruments.Contains(*second));
+}
+
+TEST(CInstrumentsItems, Removals_CountRemoveAndClearOnly) {
+  CInstruments instruments;
+  instruments.AddReference(MakeInstrument());
+  instruments.AddReference(MakeInstrument());
+  EXPECT_EQ(instruments.Removals(), 0U);
+  instruments.Remove(1);
+  EXPECT_EQ(instruments.Removals(), 1U);
+  EXPECT_THROW(instruments.Remove(5), Failure);
+  EXPECT_EQ(instruments.Removals(), 1U);
+  instruments.Clear();
+  EXPECT_EQ(instruments.Removals(), 2U);
+}
+
 }  // namespace
 }  // namespace kesp

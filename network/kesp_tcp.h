@@ -107,9 +107,9 @@ class CKespTCP final : private SocketListener {
   // is there already, and connects to every item of Devices in turn, from the last to the first, to ask for
   // Model and Serial. An item that cannot be reached, does not answer or gives fewer than three fields keeps
   // what it has. True: somebody answered the broadcast; Port is 10001 then and IPAddress that of the first
-  // item. `result` is empty in every case. An open connection is closed. Removing items from Devices, in a
-  // handler, shortens the search. Throws ERR_TIMEOUT (the old connection did not close), ERR_CONNECTING and
-  // ERR_SEND_DATA (the broadcast could not be sent).
+  // item. `result` is empty in every case. An open connection is closed. Items that a handler
+  // removes from Devices meanwhile are not asked. Throws ERR_TIMEOUT (the old connection did not close),
+  // ERR_CONNECTING and ERR_SEND_DATA (the broadcast could not be sent).
   bool AutoDetect(std::wstring& result, EDetectLevel DetectLevel = EDetectLevel::dlAllCommands);
 
   // Connects to IPAddress and Port and returns true; at once when the object counts itself connected. Pumps
@@ -130,7 +130,8 @@ class CKespTCP final : private SocketListener {
   // strips it as set, and returns true. Throws ERR_NOT_INITIALIZED, ERR_NO_CONNECTION, ERR_TIMEOUT (`result`
   // is unchanged, a partial reply stays for the next read), ERR_GET_DATA (the instrument sent more than the
   // socket may hold), ERR_INVALID_CHARACTERS of the serial list (`result` holds the reply). With the UDP
-  // protocol it waits for TimeOutmSecs at the most and returns true then too, `result` unchanged.
+  // protocol it waits for an answer to a broadcast, which is stored (see AutoDetect) and leaves `result`
+  // empty; it returns true when TimeOutmSecs are over, too, `result` unchanged.
   bool ReadLine(std::wstring& result);
 
   // Waits for a reply, pumping messages, takes everything received into `result` as bytes and returns true.

@@ -1,5 +1,6 @@
 // The network transport's discovery: one broadcast, the senders of the answers, and what each says it is.
 #include <string_view>
+#include <vector>
 
 #include "network/instrument_identity.h"
 #include "network/kesp_tcp.h"
@@ -110,11 +111,11 @@ void CKespTCP::StoreDevice(const std::wstring& address) {
 }
 
 void CKespTCP::IdentifyDevices() {
-  for (std::int32_t index = devices_->Count(); index >= 1; --index) {
-    // A handler may have removed some.
-    if (index > devices_->Count()) continue;
-    const std::shared_ptr<Instrument> device = devices_->Item(index);
-    Identify(*device);
+  const std::vector<std::shared_ptr<Instrument>> devices = devices_->Items();
+  const std::uint32_t removals = devices_->Removals();
+  for (auto device = devices.rbegin(); device != devices.rend(); ++device) {
+    const bool is_gone = devices_->Removals() != removals && !devices_->Contains(**device);
+    if (!is_gone) Identify(**device);
   }
 }
 

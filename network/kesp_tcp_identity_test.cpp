@@ -213,11 +213,11 @@ TEST_F(KespTCPIdentityTest, HandlerRemovesOne_TheOthersAreAskedOnce) {
   PlaceInstrument(2, "KESP,7200,SIM2,1.0");
   PlaceInstrument(3, "KESP,7300,SIM3,1.0");
   events_.handlers[L"ConnectEnd"] = [this] {
-    if (Count() == 3) tcp_->Devices()->Remove(3);
+    if (Count() == 3) tcp_->Devices()->Remove(1);
   };
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Connections(), ElementsAre("10.0.0.3:10001", "10.0.0.2:10001", "10.0.0.1:10001"));
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1", L"10.0.0.2/7200/SIM2"));
+  EXPECT_THAT(Connections(), ElementsAre("10.0.0.3:10001", "10.0.0.2:10001"));
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.2/7200/SIM2", L"10.0.0.3/7300/SIM3"));
 }
 
 TEST_F(KespTCPIdentityTest, HandlerSearchesAgain_BothEndAndAreRestored) {

@@ -30,7 +30,7 @@ struct InstrumentTraits {
 using InstrumentEnumerator =
     ObjectEnumerator<IEnumVARIANT, VARIANT, ComPtr<::_CInstrument>, InstrumentTraits>;
 
-// Every item that is reached through COM was added through COM.
+// Every item that is reached through COM was added through COM or made as a COM object by a discovery.
 ::_CInstrument* ComObjectOf(const std::shared_ptr<Instrument>& item) {
   return static_cast<ComInstrument&>(*item).object();
 }
@@ -70,7 +70,7 @@ HRESULT InstrumentsClass::get_Count(LONG* retval) {
 HRESULT InstrumentsClass::get_NewEnum(IUnknown** retval) {
   return Get(retval, [&] {
     auto list = std::make_shared<std::vector<ComPtr<::_CInstrument>>>();
-    for (std::int32_t i = 1; i <= object_->Count(); ++i) list->emplace_back(ComObjectOf(object_->Item(i)));
+    for (const auto& item : object_->Items()) list->emplace_back(ComObjectOf(item));
     return static_cast<IUnknown*>(new InstrumentEnumerator(std::move(list)));
   });
 }

@@ -21,10 +21,8 @@ If found Then
         WScript.Echo "instrument:  " & instrument.IPAddress & "  model " & instrument.Model & "  serial " & instrument.Serial
     Next
 Else
-    WScript.Echo "source:      " & comm.CommErrorSource
-    WScript.Echo "description: " & comm.CommErrorDescr
+    WScript.Echo "nobody answered"
 End If
-WScript.Echo "status:      " & comm.CommError
 WScript.Echo "trace file:  " & comm.DebugFilename
 If Not found Then WScript.Quit 1
 
