@@ -152,12 +152,7 @@ TEST(MultithreadedClientTest, CreatesQueriesAndReleases) {
       const auto comm = Create<_CKespCommObj>(__uuidof(CKespCommObj));
       ASSERT_NE(comm, nullptr);
       const auto tcp = UseInstrument(comm.Get());
-      ComPtr<IConnectionPointContainer> container;
-      tcp.As(&container);
-      ComPtr<IConnectionPoint> point;
-      EXPECT_EQ(container->FindConnectionPoint(__uuidof(__CKespTCP), &point), S_OK);
-      DWORD cookie = 0;
-      EXPECT_EQ(point->Advise(recorder.Get(), &cookie), S_OK);
+      Connection(tcp.Get(), __uuidof(__CKespTCP), recorder.Get()).Abandon();
       Text reply;
       VARIANT_BOOL answer = VARIANT_FALSE;
       EXPECT_EQ(comm->Query(reply.in_out(), Text(L"*IDN?").get(), Text(L"").get(), Text(L"").get(), &answer),

@@ -1,6 +1,6 @@
 // Discovery of three instruments on a network, through the interfaces that clients use.
 #include "tests/clients/discovery_fixture.h"
-#include "tests/clients/library_module.h"
+#include "tests/clients/released_search.h"
 
 namespace kesp::clients {
 namespace {
@@ -139,43 +139,16 @@ TEST_F(DiscoveryTest, ThroughTheCommunicationObject) {
   EXPECT_EQ(Read(comm, &_CKespCommObj::get_CommError), cfrSuccess);
 }
 
-// Lets go of the transport in the middle of a search.
-class DiscoveryLastReferenceTest : public testing::TestWithParam<const wchar_t*> {
- protected:
-  Apartment apartment_;
-  LibraryModule module_;
-};
+class DiscoveryLastReferenceTest : public ReleasedSearchTest {};
 
 TEST_P(DiscoveryLastReferenceTest, Released_TheSearchEndsAllTheSame) {
-  ComPtr<_CKespTCP> tcp = Create<_CKespTCP>(__uuidof(CKespTCP));
-  EXPECT_EQ(Write(tcp, &_CKespTCP::put_Protocol, sckUDPProtocol), S_OK);
-  const ComPtr<EventRecorder> recorder = EventRecorder::Make(__uuidof(__CKespTCP));
-  {
-    // The object alone keeps the sink, and nobody keeps the connection point.
-    ComPtr<IConnectionPointContainer> container;
-    tcp.As(&container);
-    ComPtr<IConnectionPoint> point;
-    container->FindConnectionPoint(__uuidof(__CKespTCP), &point);
-    DWORD cookie = 0;
-    EXPECT_EQ(point->Advise(recorder.Get(), &cookie), S_OK);
-  }
-  recorder->handlers[GetParam()] = [&tcp](DISPPARAMS&) { tcp.Reset(); };
+  EXPECT_EQ(Write(tcp_, &_CKespTCP::put_Protocol, sckUDPProtocol), S_OK);
   Text result;
-  VARIANT_BOOL found = VARIANT_FALSE;
-  EXPECT_EQ(tcp.Get()->AutoDetect(result.in_out(), dlAllCommands, &found), S_OK);
-  EXPECT_EQ(tcp, nullptr) << "nothing let go";
-  EXPECT_EQ(found, VARIANT_TRUE);
-  EXPECT_EQ(recorder->Count(L"AutoDetectEnd"), 1U);
-  EXPECT_EQ(recorder->references(), 1U);
-  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
+  ExpectFoundAllTheSame(result);
 }
 
 INSTANTIATE_TEST_SUITE_P(Event, DiscoveryLastReferenceTest,
-                         testing::Values(L"DataArrivalBegin", L"ConnectBegin", L"AutoDetectEnd"),
-                         [](const auto& info) {
-                           const std::wstring name = info.param;
-                           return std::string(name.begin(), name.end());
-                         });
+                         testing::Values(L"DataArrivalBegin", L"ConnectBegin", L"AutoDetectEnd"), EventName);
 
 }  // namespace
 }  // namespace kesp::clients

@@ -102,4 +102,9 @@ void Connection::Disconnect() {
   point_.Reset();
 }
 
+void Connection::Abandon() {
+  cookie_ = 0;
+  point_.Reset();
+}
+
 }  // namespace kesp::clients

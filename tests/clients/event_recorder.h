@@ -64,6 +64,8 @@ class Connection {
   Connection& operator=(const Connection&) = delete;
 
   void Disconnect();
+  // Leaves the sink to the object: nobody keeps the connection point.
+  void Abandon();
 
  private:
   ComPtr<IConnectionPoint> point_;

@@ -150,13 +150,7 @@ class GpibLastReferenceTest : public GpibStage {
  protected:
   GpibLastReferenceTest() {
     driver_.Load(BusWith(kAnswersIdn));
-    // The object alone keeps the sink, and nobody keeps the connection point.
-    ComPtr<IConnectionPointContainer> container;
-    ieee_.object.As(&container);
-    ComPtr<IConnectionPoint> point;
-    container->FindConnectionPoint(__uuidof(__CKespIEEE), &point);
-    DWORD cookie = 0;
-    EXPECT_EQ(point->Advise(recorder_.Get(), &cookie), S_OK);
+    Connection(ieee_.object.Get(), __uuidof(__CKespIEEE), recorder_.Get()).Abandon();
   }
 
   // Lets go of the object at the n-th event of that name, in the middle of a detection.

@@ -77,6 +77,21 @@ GPIB_TEST(GpibQueryTest, Success) {
                                         R"(ibwrt(2,"SETP 20\n",8))", "ibonl(2,0)", "ibonl(0,0)"}));
 }
 
+GPIB_TEST(GpibQueryTest, DetectInstrument_SearchesFromTheFirstAddress) {
+  driver_.Load(BusWith(R"({"primary": 3, "commands": {"*IDN?": "KESP,GP488,SIM48803,2.0"}})"));
+  ieee_.SetAddress(5);
+  VARIANT_BOOL found = 5;
+  EXPECT_EQ(comm_->DetectInstrument(reply_.in_out(), dlSCPIOnly, &found), S_OK);
+  EXPECT_EQ(found, VARIANT_TRUE);
+  EXPECT_EQ(reply_.str(), L"KESP,GP488,SIM48803,2.0\n");
+  EXPECT_EQ(ieee_.Address(), 3);
+  EXPECT_EQ(driver_.Calls().front(), "ibdev(0,1,0,11,1,0)");
+  EXPECT_EQ(driver_.OpenDescriptors(), 0);
+  // Neither status nor trace of the communication object know of it.
+  ExpectStatus(cfrSuccess);
+  ExpectTrace({});
+}
+
 GPIB_TEST(GpibQueryTest, Transport_WritesItsLinesInBetween) {
   EXPECT_EQ(Write(ieee_.object, &_CKespIEEE::put_CreateLogFile, VARIANT_TRUE), S_OK);
   EXPECT_TRUE(Query(L"*IDN?"));

@@ -111,13 +111,7 @@ class LastReferenceTest : public testing::Test {
     ComPtr<EventRecorder> recorder = EventRecorder::Make(__uuidof(__CKespTCP));
     Stage() {
       SetTarget(tcp.Get());
-      // The object alone keeps the sink, and nobody keeps the connection point.
-      ComPtr<IConnectionPointContainer> container;
-      tcp.As(&container);
-      ComPtr<IConnectionPoint> point;
-      container->FindConnectionPoint(__uuidof(__CKespTCP), &point);
-      DWORD cookie = 0;
-      EXPECT_EQ(point->Advise(recorder.Get(), &cookie), S_OK);
+      Connection(tcp.Get(), __uuidof(__CKespTCP), recorder.Get()).Abandon();
     }
     // Lets go of the object at the event. The raw pointer stays good for the call on its way.
     _CKespTCP* ReleaseAt(const std::wstring& event) {

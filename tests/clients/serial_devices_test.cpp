@@ -63,6 +63,43 @@ TEST_F(SerialControllerTest, WrongRate_DetectionFindsTheRightOne) {
   EXPECT_EQ(Read(port_, &_CKespCOMPort3::get_TimeOut), 3000);
 }
 
+TEST_F(SerialControllerTest, DetectInstrument_FindsTheRateAndTheNextQueryUsesIt) {
+  EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_MinBaudRate, br4800), S_OK);
+  EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_MaxBaudRate, br19200), S_OK);
+  EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_BaudRate, br19200), S_OK);
+  EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_TerminateOnLF, VARIANT_FALSE), S_OK);
+  Text answer(L"before");
+  VARIANT_BOOL found = VARIANT_FALSE;
+  EXPECT_EQ(comm_->DetectInstrument(answer.in_out(), dlSCPIOnly, &found), S_OK);
+  EXPECT_EQ(found, VARIANT_TRUE);
+  EXPECT_EQ(answer.str(), L"KESP,SC300,SIM30118,1.4");
+  EXPECT_EQ(Read(port_, &_CKespCOMPort3::get_BaudRate), br9600);
+  EXPECT_EQ(Query(L"*VER"), L"1.4");
+}
+
+TEST_F(SerialControllerTest, DetectInstrument_PortThatAQueryLeftOpen_IsClosedAndOpenedAgain) {
+  EXPECT_EQ(Write(comm_, &_CKespCommObj::put_AutoClose, VARIANT_FALSE), S_OK);
+  EXPECT_EQ(Query(L"*VER"), L"1.4");
+  Text answer;
+  VARIANT_BOOL found = VARIANT_FALSE;
+  EXPECT_EQ(comm_->DetectInstrument(answer.in_out(), dlSCPIOnly, &found), S_OK);
+  EXPECT_EQ(found, VARIANT_TRUE);
+  EXPECT_EQ(Query(L"*VER"), L"1.4");
+}
+
+TEST_F(SerialControllerTest, SetInputMode_DecidesWhatABinaryQueryGives) {
+  for (const auto& [mode, type] : {std::pair{imBinary, VT_ARRAY | VT_UI1}, std::pair{imText, int{VT_BSTR}}}) {
+    EXPECT_EQ(comm_->SetInputMode(mode), S_OK);
+    EXPECT_EQ(Read(comm_, &_CKespCommObj::get_CommError), cfrOtherError);
+    Value reply;
+    VARIANT_BOOL answer = VARIANT_FALSE;
+    EXPECT_EQ(comm_->QueryBinary(reply.get(), Text(L"*VER").get(), nullptr, nullptr, &answer), S_OK);
+    EXPECT_EQ(answer, VARIANT_TRUE);
+    EXPECT_EQ(reply.type(), type);
+    EXPECT_EQ(Read(comm_, &_CKespCommObj::get_CommError), cfrSuccess);
+  }
+}
+
 class SerialOmegaTest : public SerialDeviceFixture {
  protected:
   SerialOmegaTest() {

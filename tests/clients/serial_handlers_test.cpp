@@ -123,13 +123,7 @@ class SerialLastReferenceTest : public testing::Test {
     UseSerialLine(port_);
     VARIANT_BOOL answer = VARIANT_FALSE;
     EXPECT_EQ(port_->OpenPort(&answer), S_OK);
-    // The object alone keeps the sink, and nobody keeps the connection point.
-    ComPtr<IConnectionPointContainer> container;
-    port_.As(&container);
-    ComPtr<IConnectionPoint> point;
-    container->FindConnectionPoint(__uuidof(__CKespCOMPort3), &point);
-    DWORD cookie = 0;
-    EXPECT_EQ(point->Advise(recorder_.Get(), &cookie), S_OK);
+    Connection(port_.Get(), __uuidof(__CKespCOMPort3), recorder_.Get()).Abandon();
   }
 
   // Lets go of the object at the event. The raw pointer stays good for the call on its way.

@@ -7,9 +7,8 @@
 #include <vector>
 
 #include "tests/clients/late_object.h"
-#include "tests/clients/library_module.h"
+#include "tests/clients/released_search.h"
 #include "tests/clients/tcp_detection_fixture.h"
-#include "tests/clients/temporary_file.h"
 
 namespace kesp::clients {
 namespace {
@@ -144,45 +143,19 @@ TEST_F(TcpDetectionTest, LateBound_FailureIsInExcepInfoAndTheVariableEmpty) {
   EXPECT_EQ(result.text(), L"");
 }
 
-// Lets go of the object at an event in the middle of the search.
-class TcpDetectionLastReferenceTest : public testing::TestWithParam<const wchar_t*> {
- protected:
-  Apartment apartment_;
-  LibraryModule module_;
-};
+class TcpDetectionLastReferenceTest : public ReleasedSearchTest {};
 
 TEST_P(TcpDetectionLastReferenceTest, Released_TheSearchEndsAllTheSame) {
-  ComPtr<_CKespTCP> tcp = Create<_CKespTCP>(__uuidof(CKespTCP));
-  SetTarget(tcp.Get());
-  const ComPtr<EventRecorder> recorder = EventRecorder::Make(__uuidof(__CKespTCP));
-  {
-    // The object alone keeps the sink, and nobody keeps the connection point.
-    ComPtr<IConnectionPointContainer> container;
-    tcp.As(&container);
-    ComPtr<IConnectionPoint> point;
-    container->FindConnectionPoint(__uuidof(__CKespTCP), &point);
-    DWORD cookie = 0;
-    EXPECT_EQ(point->Advise(recorder.Get(), &cookie), S_OK);
-  }
-  recorder->handlers[GetParam()] = [&tcp](DISPPARAMS&) { tcp.Reset(); };
+  SetTarget(tcp_.Get());
   Text result;
-  VARIANT_BOOL found = VARIANT_FALSE;
-  EXPECT_EQ(tcp.Get()->AutoDetect(result.in_out(), dlAllCommands, &found), S_OK);
-  EXPECT_EQ(tcp, nullptr) << "nothing let go";
-  EXPECT_EQ(found, VARIANT_TRUE);
+  ExpectFoundAllTheSame(result);
   EXPECT_EQ(result.str(), kIdentity);
-  EXPECT_EQ(recorder->Count(L"AutoDetectEnd"), 1U);
-  EXPECT_EQ(recorder->references(), 1U);
-  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
 }
 
 INSTANTIATE_TEST_SUITE_P(Event, TcpDetectionLastReferenceTest,
                          testing::Values(L"AutoDetectBegin", L"ConnectEnd", L"AutoDetectUpdate",
                                          L"SendCompleteEnd", L"DataArrivalEnd", L"AutoDetectEnd"),
-                         [](const auto& info) {
-                           const std::wstring name = info.param;
-                           return std::string(name.begin(), name.end());
-                         });
+                         EventName);
 
 // At an instrument that knows "t" alone.
 class TcpOldInstrumentTest : public TcpDetectionTest {};
