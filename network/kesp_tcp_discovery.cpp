@@ -1,4 +1,5 @@
 // The network transport's discovery: one broadcast, the senders of the answers, and what each says it is.
+#include <algorithm>
 #include <string_view>
 #include <vector>
 
@@ -111,11 +112,12 @@ void CKespTCP::StoreDevice(const std::wstring& address) {
 }
 
 void CKespTCP::IdentifyDevices() {
-  const std::vector<std::shared_ptr<Instrument>> devices = devices_->Items();
+  std::vector<std::shared_ptr<Instrument>> devices = devices_->Items();
+  std::reverse(devices.begin(), devices.end());
   const std::uint32_t removals = devices_->Removals();
-  for (auto device = devices.rbegin(); device != devices.rend(); ++device) {
-    const bool is_gone = devices_->Removals() != removals && !devices_->Contains(**device);
-    if (!is_gone) Identify(**device);
+  for (const auto& device : devices) {
+    const bool is_gone = devices_->Removals() != removals && !devices_->Contains(*device);
+    if (!is_gone) Identify(*device);
   }
 }
 
