@@ -37,10 +37,11 @@ bool CKespCommObj::DetectOnSerial(std::wstring& result, EDetectLevel level) {
 }
 
 bool CKespCommObj::DetectOnNetwork(std::wstring& result, EDetectLevel level) {
-  const bool found = network_->AutoDetect(result, level);
+  const Attempt detection = Try([&] { return network_->AutoDetect(result, level); });
   // As after a query, so that the next one goes to the address that is set by then.
   Try([this] { return network_->Uninitialize(); });
-  return found;
+  if (detection.error) throw *detection.error;
+  return detection.succeeded;
 }
 
 void CKespCommObj::SetInputMode(EInputMode eMode) {

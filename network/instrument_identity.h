@@ -12,7 +12,8 @@ struct InstrumentIdentity {
 };
 
 // The second and the third of the answer's fields, which are separated by "," and taken as they are, blanks
-// included ("maker,model,serial,version" in SCPI). Nothing when there are fewer than three.
+// included ("maker,model,serial,version" in SCPI). Nothing when there are fewer than three, or when one of
+// these two is longer than 255 characters (SCPI allows 72 for the whole answer).
 std::optional<InstrumentIdentity> IdentityIn(const std::wstring& answer);
 
 }  // namespace kesp

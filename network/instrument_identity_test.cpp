@@ -34,6 +34,14 @@ TEST(InstrumentIdentity, HundredFields_AreNoMoreThanFour) {
   ExpectIdentity(answer, L"f2", L"f3");
 }
 
+TEST(InstrumentIdentity, LongFields_AreNoIdentity) {
+  const std::wstring longest(255, L'x');
+  ExpectIdentity(L"KESP," + longest + L"," + longest + L",1.0", longest, longest);
+  EXPECT_FALSE(IdentityIn(L"KESP," + longest + L"x,SIM1,1.0"));
+  EXPECT_FALSE(IdentityIn(L"KESP,7100," + longest + L"x"));
+  ExpectIdentity(longest + L"xx,7100,SIM1," + longest + L"xx", L"7100", L"SIM1");
+}
+
 TEST(InstrumentIdentity, FewerThanThreeFields_AreNone) {
   for (const std::wstring answer : {L"", L"KESP", L"KESP,7100", L","}) {
     EXPECT_FALSE(IdentityIn(answer)) << testing::PrintToString(answer);

@@ -98,18 +98,21 @@ class CKespTCP final : private SocketListener {
   // whether one was found. TimeOutmSecs, IPType and Protocol are afterwards what they were, also when it
   // throws.
   //
-  // With the TCP protocol it connects to IPAddress and Port, as Initialize does, and tries the level's
-  // commands until one is answered; `result` gets the answer and the connection stays open. When nothing
-  // answers, or a handler of AutoDetectUpdate sets Abort, `result` is empty and a connection that it opened
-  // is closed. No connection is nothing found; throws ERR_INVALID_IP_ADDRESS and ERR_INVALID_PORT.
+  // With the TCP protocol it connects to IPAddress and Port, as Initialize does (a connection that leads
+  // elsewhere, or nowhere any more, is closed first), and tries the level's commands until one is answered.
+  // True: `result` has the answer, and the connection is open. Nothing answers, or a handler of
+  // AutoDetectUpdate sets Abort: `result` is empty, and a connection that it opened is closed. After commands
+  // without an answer a connection that stays open is a new one, on which no late answer can come. No
+  // connection is nothing found; throws ERR_INVALID_IP_ADDRESS and ERR_INVALID_PORT.
   //
   // With the UDP protocol it sends one broadcast, adds everyone who answers it to Devices, unless his address
-  // is there already, and connects to every item of Devices in turn, from the last to the first, to ask for
-  // Model and Serial. An item that cannot be reached, does not answer or gives fewer than three fields keeps
-  // what it has. True: somebody answered the broadcast; Port is 10001 then and IPAddress that of the first
-  // item. `result` is empty in every case. An open connection is closed. Items that a handler
-  // removes from Devices meanwhile are not asked. Throws ERR_TIMEOUT (the old connection did not close),
-  // ERR_CONNECTING and ERR_SEND_DATA (the broadcast could not be sent).
+  // is there already or 4,096 items are, and connects to every item of Devices in turn, from the last to the
+  // first, to ask for Model and Serial. An item that cannot be reached, does not answer, or gives fewer than
+  // three fields or overlong ones keeps what it has; after 64 in a row that did not answer the others are not
+  // asked. Items that a handler removes from Devices meanwhile are not asked. True: somebody answered the
+  // broadcast; Port is 10001 then and IPAddress that of the item asked last. `result` is empty and no
+  // connection open in every case. Throws ERR_TIMEOUT (the old connection did not close), ERR_CONNECTING and
+  // ERR_SEND_DATA (the broadcast could not be sent).
   bool AutoDetect(std::wstring& result, EDetectLevel DetectLevel = EDetectLevel::dlAllCommands);
 
   // Connects to IPAddress and Port and returns true; at once when the object counts itself connected. Pumps
@@ -171,7 +174,8 @@ class CKespTCP final : private SocketListener {
   bool AwaitConnection();
 
   bool Probe(std::span<const wchar_t* const> commands, std::wstring& result);
-  bool AskInTurn(std::span<const wchar_t* const> commands, std::wstring& result);
+  bool AskInTurn(std::span<const wchar_t* const> commands, std::wstring& result, bool& all_answered);
+  bool IsConnectedToTarget() const;
   bool IsAborted(const std::wstring& cmd);
   bool IsAnswered(const std::wstring& cmd, std::wstring& result);
 
@@ -181,7 +185,7 @@ class CKespTCP final : private SocketListener {
   void TakeReply();
   void StoreDevice(const std::wstring& address);
   void IdentifyDevices();
-  void Identify(Instrument& device);
+  bool Identify(Instrument& device);
   void Disconnect();
 
   bool AwaitReply(const ElapsedSeconds& waited, const wchar_t* source);
@@ -209,7 +213,7 @@ class CKespTCP final : private SocketListener {
   InstrumentFactory make_instrument_;
   std::shared_ptr<CInstruments> devices_;
   AddressIndex device_addresses_;
-  bool reply_heard_ = false;  // somebody answered the last broadcast
+  std::uint32_t replies_heard_ = 0;  // to all broadcasts
   EKespProtocol protocol_ = EKespProtocol::sckTCPProtocol;
   EIPType ip_type_ = EIPType::ipStatic;
   bool connected_ = false;

@@ -61,6 +61,7 @@ void CKespTCP::CloseBeforeConnecting(const wchar_t* source) {
 void CKespTCP::StartConnecting() {
   try {
     socket_->SetProtocol(protocol_);
+    if (protocol_ == EKespProtocol::sckUDPProtocol) device_addresses_.Restart();
     log_.Write([this] { return L"Connecting to " + Target() + L"..."; });
     socket_->Connect(ip_address_, port_);
   } catch (...) {

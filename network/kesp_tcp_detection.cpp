@@ -37,27 +37,37 @@ bool CKespTCP::AutoDetect(std::wstring& result, EDetectLevel DetectLevel) {
 }
 
 bool CKespTCP::Probe(std::span<const wchar_t* const> commands, std::wstring& result) {
+  // A connection to somebody else, or to somebody who has gone, cannot tell who is at this address.
+  if (connected_ && !IsConnectedToTarget()) Disconnect();
   const bool was_connected = connected_;
-  const Attempt connection = Try([&] { return Initialize(); });
-  if (connection.succeeded && AskInTurn(commands, result)) return true;
+  bool all_answered = true;
+  const Attempt search = Try([&] { return Initialize() && AskInTurn(commands, result, all_answered); });
+  const bool stays_open = search.succeeded || was_connected;
   // A late answer must not become the reply to somebody's next command.
-  if (!was_connected) Disconnect();
-  if (connection.error && !MeansNobodyThere(connection.number())) throw *connection.error;
-  return false;
+  if (!stays_open || !all_answered) Disconnect();
+  if (stays_open) Try([&] { return Initialize(); });
+  if (search.error && !MeansNobodyThere(search.number())) throw *search.error;
+  return search.succeeded;
 }
 
-bool CKespTCP::AskInTurn(std::span<const wchar_t* const> commands, std::wstring& result) {
+bool CKespTCP::IsConnectedToTarget() const {
+  return socket_->State() == EKespTCPState::sckConnected && socket_->RemoteHost() == ip_address_ &&
+         socket_->RemotePort() == port_;
+}
+
+// Whether one of them is answered. all_answered becomes false when an earlier one was not.
+bool CKespTCP::AskInTurn(std::span<const wchar_t* const> commands, std::wstring& result, bool& all_answered) {
   for (const wchar_t* command : commands) {
     if (IsAborted(command)) return false;
     if (IsAnswered(command, result)) return true;
+    all_answered = false;
   }
   return false;
 }
 
 bool CKespTCP::IsAborted(const std::wstring& cmd) {
-  const std::wstring address = ip_address_;  // a handler may set another one
   bool abort = false;
-  Raise(&CKespTCPEvents::AutoDetectUpdate, cmd, address, port_, abort);
+  Raise(&CKespTCPEvents::AutoDetectUpdate, cmd, ip_address_, port_, abort);
   return abort;
 }
 

@@ -106,12 +106,68 @@ TEST_F(KespTCPDetectionTest, NothingAnswers_EachReadTakesOneSecondAndTheConnecti
   EXPECT_THAT(socket_->calls, ElementsAre("SetProtocol 0", "Connect 10.0.0.7:5025"));
 }
 
-TEST_F(KespTCPDetectionTest, NothingAnswersOnAConnectionOfTheClient_ItStaysOpen) {
+TEST_F(KespTCPDetectionTest, NothingAnswersOnAConnectionOfTheClient_ItIsMadeAnew) {
   Connect();
   LetAnswer();
   EXPECT_FALSE(Detect());
   EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnected);
-  EXPECT_THAT(socket_->calls, ElementsAre("SendData", "SendData", "SendData"));
+  EXPECT_THAT(socket_->calls, ElementsAre("SendData", "SendData", "SendData", "Close", "SetProtocol 0",
+                                          "Connect 10.0.0.7:5025"));
+}
+
+TEST_F(KespTCPDetectionTest, FirstCommandIsAnsweredOnAConnectionOfTheClient_ItIsNotTouched) {
+  Connect();
+  LetAnswer();
+  replies_ = {{"*IDN?\r", "KESP\r"}};
+  EXPECT_TRUE(Detect());
+  EXPECT_THAT(socket_->calls, ElementsAre("SendData", "GetData"));
+}
+
+TEST_F(KespTCPDetectionTest, LaterCommandIsAnswered_LateAnswersDoNotReachTheClient) {
+  LetAnswer();
+  replies_ = {{"*VER\r", "KESP,late\r"}};
+  EXPECT_TRUE(Detect());
+  // What was still to come on that connection is gone with it.
+  const auto& calls = socket_->calls;
+  EXPECT_THAT(std::vector<std::string>(calls.end() - 3, calls.end()),
+              ElementsAre("Close", "SetProtocol 0", "Connect 10.0.0.7:5025"));
+  EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnected);
+  replies_ = {{"t\r", "21.5\r"}};
+  tcp_->WriteLine(L"t");
+  std::wstring reply;
+  tcp_->ReadLine(reply);
+  EXPECT_EQ(reply, L"21.5");
+}
+
+TEST_F(KespTCPDetectionTest, OpenConnectionLeadsElsewhere_TheAddressThatIsSetIsAsked) {
+  Connect();
+  LetAnswer();
+  replies_ = {{"*IDN?\r", "KESP\r"}};
+  for (const auto& [address, port] : {std::pair{L"10.0.0.8", 5025}, std::pair{L"10.0.0.8", 5026}}) {
+    tcp_->SetIPAddress(address);
+    tcp_->SetPort(static_cast<std::int16_t>(port));
+    socket_->calls.clear();
+    EXPECT_TRUE(Detect());
+    EXPECT_THAT(socket_->calls,
+                ElementsAre("Close", "SetProtocol 0", "Connect 10.0.0.8:" + std::to_string(port), "SendData",
+                            "GetData"));
+  }
+}
+
+TEST_F(KespTCPDetectionTest, PeerOfTheOpenConnectionHasGone_ItIsMadeAnew) {
+  Connect();
+  socket_->ThenPeerCloses().Deliver();
+  LetAnswer();
+  replies_ = {{"*IDN?\r", "KESP\r"}};
+  EXPECT_TRUE(Detect());
+  EXPECT_EQ(result_, L"KESP");
+}
+
+TEST_F(KespTCPDetectionTest, HandlerOfTheBeginningChangesTheProtocol_ItCounts) {
+  events_.handlers[L"AutoDetectBegin"] = [this] { tcp_->SetProtocol(EKespProtocol::sckUDPProtocol); };
+  EXPECT_FALSE(Detect());
+  EXPECT_EQ(socket_->calls[0], "SetProtocol 1");
+  ExpectRestored();
 }
 
 TEST_F(KespTCPDetectionTest, Events_TellTheSettingsOfTheSearch) {

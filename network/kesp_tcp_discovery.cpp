@@ -26,6 +26,8 @@ constexpr std::int16_t kInstrumentPort = 10001;
 
 // Forged senders could go on without end. More than a network that takes broadcasts has.
 constexpr std::int32_t kMostDevices = 4096;
+// Nor is it worth asking more when so many of them, one after the other, have not answered: that is minutes.
+constexpr int kMostFailures = 64;
 
 // Runs one step of the broadcast. A failure of the socket becomes that error, which quotes it.
 template <class Step>
@@ -40,7 +42,7 @@ void OrRaise(std::int32_t error, const std::wstring& what, Step step) {
 }  // namespace
 
 bool CKespTCP::Discover() {
-  reply_heard_ = false;
+  const std::uint32_t replies = replies_heard_;
   device_addresses_.Restart();
   const Attempt search = Try([this] {
     if (UDPBroadcast()) GatherReplies();
@@ -49,7 +51,7 @@ bool CKespTCP::Discover() {
   // From here on nobody is added.
   Try([this] { return CloseSocket(), true; });
   if (search.error) throw *search.error;
-  if (!reply_heard_) return false;
+  if (replies_heard_ == replies) return false;
   log_.Write([this] {
     return L"UDP discovery successful. Found " + std::to_wstring(devices_->Count()) + L" devices.";
   });
@@ -61,8 +63,8 @@ bool CKespTCP::Discover() {
 }
 
 bool CKespTCP::UDPBroadcast() {
-  CloseBeforeConnecting(kBroadcastSource);
   connected_ = false;
+  CloseBeforeConnecting(kBroadcastSource);
   OrRaise(tcp_error::ERR_CONNECTING, L"Unable to establish connection", [this] {
     socket_->SetProtocol(EKespProtocol::sckUDPProtocol);
     socket_->Connect(kBroadcastAddress, kDiscoveryPort);
@@ -96,7 +98,7 @@ void CKespTCP::TakeReply() {
 }
 
 void CKespTCP::StoreDevice(const std::wstring& address) {
-  reply_heard_ = true;
+  ++replies_heard_;
   if (device_addresses_.Holds(*devices_, address)) {
     log_.Write([&] { return L"Duplicate device: " + address; });
     return;
@@ -115,27 +117,38 @@ void CKespTCP::IdentifyDevices() {
   std::vector<std::shared_ptr<Instrument>> devices = devices_->Items();
   std::reverse(devices.begin(), devices.end());
   const std::uint32_t removals = devices_->Removals();
+  int failures = 0;  // in a row
   for (const auto& device : devices) {
     const bool is_gone = devices_->Removals() != removals && !devices_->Contains(*device);
-    if (!is_gone) Identify(*device);
+    if (is_gone) continue;
+    failures = Identify(*device) ? 0 : failures + 1;
+    if (failures < kMostFailures) continue;
+    log_.Write(L"Too many devices do not answer, the others are not asked");
+    return;
   }
 }
 
-// Whatever fails here, the next device may do better.
-void CKespTCP::Identify(Instrument& device) {
-  Try([&] {
-    SetIPAddress(device.IPAddress());
+// False when it did not answer. Whatever fails here, the next device may do better.
+bool CKespTCP::Identify(Instrument& device) {
+  const Attempt exchange = Try([&] {
+    const std::wstring address = device.IPAddress();
+    // A handler may have made a connection of its own.
+    Disconnect();
+    SetIPAddress(address);
     std::wstring reply;
     Initialize();
     WriteLine(L"*IDN?");
     ReadLine(reply);
-    if (const std::optional<InstrumentIdentity> identity = IdentityIn(reply)) {
+    const bool is_its_own = socket_->RemoteHost() == address;
+    const std::optional<InstrumentIdentity> identity = IdentityIn(reply);
+    if (is_its_own && identity) {
       device.SetModel(identity->model);
       device.SetSerial(identity->serial);
     }
     return true;
   });
   Disconnect();
+  return exchange.succeeded;
 }
 
 // However far the connection has come. Not even one that fails to close may pass for the next device's.

@@ -257,6 +257,13 @@ TEST_F(KespTCPDiscoveryTest, OldConnectionDoesNotClose_RaisesTimeout) {
   EXPECT_EQ(tcp_->TimeOutmSecs(), 5000);
   EXPECT_EQ(tcp_->Protocol(), EKespProtocol::sckUDPProtocol);
   EXPECT_EQ(Journal().back(), L"AutoDetectEnd()");
+  // It no longer counts as connected.
+  socket_->closing_reads = 0;
+  socket_->Close();
+  socket_->calls.clear();
+  tcp_->SetProtocol(EKespProtocol::sckTCPProtocol);
+  EXPECT_TRUE(tcp_->Initialize());
+  EXPECT_THAT(socket_->calls, ElementsAre("SetProtocol 0", "Connect 10.9.9.9:1234"));
 }
 
 TEST_F(KespTCPDiscoveryTest, PortCannotBeOpened_RaisesWithEverythingRestored) {
@@ -290,18 +297,53 @@ TEST_F(KespTCPDiscoveryTest, ManyInstruments_AreAskedForTheirAddressTwiceEachHow
   // Once in the search for duplicates and once by the walk.
   int asked = 0;
   make_instrument_ = [&asked] { return std::make_shared<CountingInstrument>(asked); };
-  socket_->on_send = [this](const std::string& /*bytes*/) {
-    socket_->on_send = nullptr;
+  socket_->on_send = [this](const std::string& bytes) {
+    if (bytes == "*IDN?\r") {
+      socket_->ThenReceives("KESP,7100,SIM1,1.0\r");
+      return;
+    }
     socket_->Then([this] {
       for (int round = 0; round < 3; ++round) {
         for (std::uint32_t n = 1; n <= 1000; ++n) socket_->ReceiveDatagram(SenderAt(n), kDiscoveryReply);
       }
     });
   };
-  socket_->state_after_connect = EKespTCPState::sckError;
   EXPECT_TRUE(Discover());
   EXPECT_EQ(Count(), 1000);
   EXPECT_EQ(asked, 2000);
+}
+
+TEST_F(KespTCPDiscoveryTest, HandlerSearchesAgainAndNobodyAnswersThat_TheFirstSearchHasFoundSomebody) {
+  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
+  events_.handlers[L"DataArrivalEnd"] = [this] {
+    events_.handlers.clear();
+    answers_.clear();
+    std::wstring result;
+    EXPECT_FALSE(tcp_->AutoDetect(result));
+  };
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1"));
+  ExpectRestored();
+}
+
+TEST_F(KespTCPDiscoveryTest, HandlerChangesTheProtocol_AnswersAreStoredAllTheSame) {
+  Answers(SenderAt(1));
+  Answers(SenderAt(2));
+  events_.handlers[L"DataArrivalBegin"] = [this] { tcp_->SetProtocol(EKespProtocol::sckTCPProtocol); };
+  EXPECT_TRUE(Discover());
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1//", L"10.0.0.2//"));
+  ExpectRestored();
+}
+
+TEST_F(KespTCPDiscoveryTest, PortThatTheClientOpened_DuplicatesAreThoseOfNow) {
+  socket_->state_after_udp_connect = EKespTCPState::sckOpen;
+  Answers(SenderAt(1));
+  EXPECT_TRUE(Discover());
+  tcp_->Devices()->Item(1)->SetIPAddress(L"10.0.0.5");
+  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }).number, tcp_error::ERR_TIMEOUT);
+  socket_->ReceiveDatagram(SenderAt(5), kDiscoveryReply);
+  socket_->ReceiveDatagram(SenderAt(1), kDiscoveryReply);
+  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.5//", L"10.0.0.1//"));
 }
 
 }  // namespace

@@ -16,7 +16,8 @@ namespace {
 
 constexpr std::int32_t kHighestPort = 65535;
 
-// Room in the system for datagrams that come at once: a thousand answers to one broadcast take about as much.
+// Room in the system for answers that come all at once, before the first message is pumped. Linux, where each
+// datagram costs some 800 bytes of it, gives less than is asked for.
 constexpr int kDatagramRoom = 1024 * 1024;
 
 sockaddr_in AddressOf(std::uint32_t address, std::int32_t port) {
