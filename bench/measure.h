@@ -8,20 +8,29 @@
 
 namespace kesp::bench {
 
-// Microseconds that `work` takes.
-template <class Work>
-double Microseconds(Work&& work) {
+// Microseconds since a moment that is the same for the whole run.
+inline double MicrosecondsNow() {
   static const double ticks_per_microsecond = [] {
     LARGE_INTEGER frequency;
     QueryPerformanceFrequency(&frequency);
     return static_cast<double>(frequency.QuadPart) / 1e6;
   }();
-  LARGE_INTEGER start;
-  LARGE_INTEGER end;
-  QueryPerformanceCounter(&start);
+  static const LARGE_INTEGER origin = [] {
+    LARGE_INTEGER now;
+    QueryPerformanceCounter(&now);
+    return now;
+  }();
+  LARGE_INTEGER now;
+  QueryPerformanceCounter(&now);
+  return static_cast<double>(now.QuadPart - origin.QuadPart) / ticks_per_microsecond;
+}
+
+// Microseconds that `work` takes.
+template <class Work>
+double Microseconds(Work&& work) {
+  const double start = MicrosecondsNow();
   work();
-  QueryPerformanceCounter(&end);
-  return static_cast<double>(end.QuadPart - start.QuadPart) / ticks_per_microsecond;
+  return MicrosecondsNow() - start;
 }
 
 inline double Median(std::vector<double> values) {
