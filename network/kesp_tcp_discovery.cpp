@@ -151,9 +151,8 @@ bool CKespTCP::Identify(Instrument& device) {
   return exchange.succeeded;
 }
 
-// However far the connection has come. Not even one that fails to close may pass for the next device's.
+// However far the connection has come. One that fails to close does not count either.
 void CKespTCP::Disconnect() {
-  Try([this] { return Uninitialize(); });
   connected_ = false;
   if (socket_->State() != EKespTCPState::sckClosed) Try([this] { return CloseSocket(), true; });
 }
