@@ -12,7 +12,7 @@
 namespace kesp {
 
 // Holds a reference to the COM object and reads and writes its properties. A property that cannot be reached
-// (the object's process is gone) reads as empty.
+// (the object's process is gone) reads as empty; one that cannot be set throws InvalidCall().
 class ComInstrument final : public Instrument {
  public:
   explicit ComInstrument(::_CInstrument* object) : object_(object) {}

@@ -73,6 +73,8 @@ TEST_F(DiscoveryOfManyTest, AllOfTheFirstNetworkAreFoundAndAsked) {
   std::sort(expected.begin(), expected.end());
   EXPECT_EQ(found, expected);
   ExpectRestored();
+  // Two seconds for the answers, and a twentieth of one for each that is asked, on a busy machine.
+  EXPECT_LT(elapsed_, 2000U + 50000U);
 }
 
 // On a network where nobody answers.
@@ -90,20 +92,21 @@ TEST_F(DiscoveryOfNobodyTest, NothingIsFoundAfterOneToTwoSeconds) {
   ExpectRestored();
 }
 
-// On a network with floods of answers, one of them with a thousand senders.
+// On a network with floods of answers, one of them with a thousand senders, of which every second one has the
+// mark.
 class DiscoveryStormTest : public DiscoveryStage {};
 
 TEST_F(DiscoveryStormTest, Search_EndsInTimeAndFindsTheOthers) {
-  // Asking all the senders that do not exist is what a client may cut short.
-  On(L"ConnectEnd", [this] {
-    if (Read(tcp_, &_CKespTCP::get_IPAddress).starts_with(L"10.88.0.")) return;
-    for (long index = Count(); index >= 1; --index) {
-      if (Read(Item(index), &_CInstrument::get_IPAddress).starts_with(L"10.88.0.")) continue;
-      EXPECT_EQ(devices_->Remove(Plain(Value(index))), S_OK);
-    }
-  });
   EXPECT_TRUE(Discover());
-  EXPECT_EQ(SortedDevices(), (Lines{L"10.88.0.11/7300/NET00033", L"10.88.0.12/7100/NET00109"}));
+  Lines found = SortedDevices();
+  const auto is_forged = [](const std::wstring& device) {
+    return device.starts_with(L"10.88.4.") || device.starts_with(L"10.88.5.") ||
+           device.starts_with(L"10.88.6.") || device.starts_with(L"10.88.7.");
+  };
+  // As many as the system's buffer took.
+  EXPECT_GT(std::erase_if(found, is_forged), 0U);
+  EXPECT_EQ(found, (Lines{L"10.88.0.11/7300/NET00033", L"10.88.0.12/7100/NET00109"}));
+  EXPECT_LE(Count(), 502);
   EXPECT_LT(elapsed_, 2000U + 10000U);
   ExpectRestored();
 }

@@ -1,5 +1,6 @@
 // Discovery of three instruments on a network, through the interfaces that clients use.
 #include "tests/clients/discovery_fixture.h"
+#include "tests/clients/foreign_instrument.h"
 #include "tests/clients/released_search.h"
 
 namespace kesp::clients {
@@ -113,6 +114,46 @@ TEST_F(DiscoveryTest, HandlerClearsDevicesDuringTheWalk_ItEnds) {
   EXPECT_TRUE(Discover());
   EXPECT_EQ(Count(), 0);
   EXPECT_EQ(recorder_->Count(L"ConnectEnd"), 1U);
+  ExpectRestored();
+}
+
+// The library's own and a client's stand side by side in the collection.
+class DiscoveryWithForeignDevicesTest : public DiscoveryStage {
+ protected:
+  DiscoveryWithForeignDevicesTest() {
+    foreign_->address = L"10.88.0.12";
+    EXPECT_EQ(devices_->AddReference(foreign_.Get(), nullptr), S_OK);
+  }
+
+  ComPtr<ForeignInstrument> foreign_ = ForeignInstrument::Make();
+};
+
+TEST_F(DiscoveryWithForeignDevicesTest, IsADuplicateAndGetsItsIdentity) {
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(Devices(), (Lines{kThree[1], kThree[0], kThree[2]}));
+  EXPECT_TRUE(IsSameObject(Item(1).Get(), foreign_.Get()));
+}
+
+TEST_F(DiscoveryWithForeignDevicesTest, RefusesItsModel_KeepsItsSerialNumberToo) {
+  foreign_->model_result = E_FAIL;
+  foreign_->serial = L"kept";
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(Devices(), (Lines{L"10.88.0.12//kept", kThree[0], kThree[2]}));
+}
+
+TEST_F(DiscoveryWithForeignDevicesTest, RefusesItsAddress_TheOthersAreFound) {
+  foreign_->address_result = E_FAIL;
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(foreign_->model, L"");
+  foreign_->address_result = S_OK;
+  EXPECT_EQ(Devices(), (Lines{L"10.88.0.12//", kThree[0], kThree[1], kThree[2]}));
+}
+
+// It is asked at the first answer, before that is stored.
+TEST_F(DiscoveryWithForeignDevicesTest, ClearsTheCollectionWhenItIsAsked_TheOthersAreFound) {
+  foreign_->on_address = [this] { EXPECT_EQ(devices_->Clear(), S_OK); };
+  EXPECT_TRUE(Discover());
+  EXPECT_EQ(Devices(), kThree);
   ExpectRestored();
 }
 

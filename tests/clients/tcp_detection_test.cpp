@@ -190,5 +190,13 @@ TEST_F(TcpLateInstrumentTest, LateAnswer_IsNotTheReplyToTheNextCommand) {
   EXPECT_EQ(Exchange(L"t"), L"21.5");
 }
 
+TEST_F(TcpLateInstrumentTest, FoundByTheLateAnswer_TheAnswersStillToComeAreNobodysReply) {
+  EXPECT_EQ(AutoDetect(), kDone);
+  ExpectFound(L"KESP,LATE,SIM00077,1.0");
+  EXPECT_EQ(Read(tcp_, &_CKespTCP::get_State), sckConnected);
+  EXPECT_EQ(recorder_->Count(L"ConnectEnd"), 2U);
+  EXPECT_EQ(Exchange(L"MEAS?"), L"7.7");
+}
+
 }  // namespace
 }  // namespace kesp::clients
