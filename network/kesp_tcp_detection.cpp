@@ -43,9 +43,11 @@ bool CKespTCP::Probe(std::span<const wchar_t* const> commands, std::wstring& res
   bool all_answered = true;
   const Attempt search = Try([&] { return Initialize() && AskInTurn(commands, result, all_answered); });
   const bool stays_open = search.succeeded || was_connected;
-  // A late answer must not become the reply to somebody's next command.
-  if (!stays_open || !all_answered) Disconnect();
-  if (stays_open) Try([&] { return Initialize(); });
+  if (!stays_open || !all_answered) {
+    // A late answer must not become the reply to somebody's next command.
+    Disconnect();
+    if (stays_open) Try([&] { return Initialize(); });
+  }
   if (search.error && !MeansNobodyThere(search.number())) throw *search.error;
   return search.succeeded;
 }

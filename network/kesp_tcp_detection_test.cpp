@@ -280,6 +280,20 @@ TEST_F(KespTCPDetectionTest, Log_IsThatOfConnectionAndLines) {
                           L"AutoDetectEnd()"));
 }
 
+TEST_F(KespTCPDetectionTest, LogOfAnAnswer_EndsWithItsArrival) {
+  Connect();
+  LetAnswer();
+  StartLog();
+  replies_ = {{"*IDN?\r", "A\r"}};
+  EXPECT_TRUE(Detect());
+  EXPECT_THAT(Journal(),
+              ElementsAre(L"AutoDetectBegin()", L"log: Initialize()", L"log: Initialize() Done...",
+                          L"AutoDetectUpdate(*IDN?,10.0.0.7,5025,False)",
+                          L"log: DataArrival (10.0.0.7:5025) Bytes: 2", L"DataArrivalBegin(2)",
+                          L"log: Socket Data arrived: <A\r> (length: 2  last byte: 13 EOS: 13 EOS?: True)",
+                          L"DataArrivalEnd()", L"AutoDetectEnd()"));
+}
+
 class KespTCPDetectionWithoutATarget : public KespTCPFixture {};
 
 TEST_F(KespTCPDetectionWithoutATarget, PortMissing_RaisesWithTheTimeOutRestored) {
