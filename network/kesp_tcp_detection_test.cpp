@@ -1,5 +1,4 @@
 // Unit tests of detection over TCP: the commands in turn, events and Abort, and what is left behind.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,9 +10,6 @@
 
 namespace kesp {
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 class KespTCPDetectionTest : public KespTCPFixture {
  protected:
@@ -44,7 +40,7 @@ class KespTCPDetectionTest : public KespTCPFixture {
   }
 
   std::map<std::string, std::string> replies_;
-  std::vector<std::string> asked_;
+  Calls asked_;
   std::wstring result_ = L"before";
 };
 
@@ -53,10 +49,10 @@ TEST_F(KespTCPDetectionTest, FirstCommandIsAnswered_FoundAndTheConnectionStaysOp
   replies_ = {{"*IDN?\r", "KESP,7100,SIM1,1.0\r"}};
   EXPECT_TRUE(Detect());
   EXPECT_EQ(result_, L"KESP,7100,SIM1,1.0");
-  EXPECT_THAT(asked_, ElementsAre("*IDN?\r"));
-  EXPECT_THAT(Journal(), ElementsAre(L"AutoDetectBegin()", L"ConnectBegin()", L"ConnectEnd()",
-                                     L"AutoDetectUpdate(*IDN?,10.0.0.7,5025,False)", L"DataArrivalBegin(19)",
-                                     L"DataArrivalEnd()", L"AutoDetectEnd()"));
+  EXPECT_EQ(asked_, (Calls{"*IDN?\r"}));
+  EXPECT_EQ(Journal(), (Lines{L"AutoDetectBegin()", L"ConnectBegin()", L"ConnectEnd()",
+                              L"AutoDetectUpdate(*IDN?,10.0.0.7,5025,False)", L"DataArrivalBegin(19)",
+                              L"DataArrivalEnd()", L"AutoDetectEnd()"}));
   EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnected);
   ExpectRestored();
 }
@@ -66,19 +62,19 @@ TEST_F(KespTCPDetectionTest, LaterCommandIsAnswered_TheEarlierOnesWereTried) {
   replies_ = {{"t\r", "21.5\r"}};
   EXPECT_TRUE(Detect());
   EXPECT_EQ(result_, L"21.5");
-  EXPECT_THAT(asked_, ElementsAre("*IDN?\r", "*VER\r", "t\r"));
+  EXPECT_EQ(asked_, (Calls{"*IDN?\r", "*VER\r", "t\r"}));
   EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnected);
   ExpectRestored();
 }
 
 TEST_F(KespTCPDetectionTest, Level_DecidesWhichCommandsAreTried) {
-  const std::vector<std::string> all{"*IDN?\r", "*VER\r", "t\r"};
+  const Calls all{"*IDN?\r", "*VER\r", "t\r"};
   for (const auto& [level, count] :
        std::vector<std::pair<int, int>>{{-1, 0}, {0, 0}, {1, 1}, {2, 2}, {3, 3}, {4, 3}}) {
     LetAnswer();
     asked_.clear();
     EXPECT_FALSE(Detect(static_cast<EDetectLevel>(level)));
-    EXPECT_EQ(asked_, std::vector<std::string>(all.begin(), all.begin() + count)) << level;
+    EXPECT_EQ(asked_, Calls(all.begin(), all.begin() + count)) << level;
     EXPECT_EQ(result_, L"") << level;
   }
 }
@@ -103,7 +99,7 @@ TEST_F(KespTCPDetectionTest, NothingAnswers_EachReadTakesOneSecondAndTheConnecti
   // Not counted as connected: the next Initialize connects anew.
   socket_->calls.clear();
   EXPECT_TRUE(tcp_->Initialize());
-  EXPECT_THAT(socket_->calls, ElementsAre("SetProtocol 0", "Connect 10.0.0.7:5025"));
+  EXPECT_EQ(socket_->calls, (Calls{"SetProtocol 0", "Connect 10.0.0.7:5025"}));
 }
 
 TEST_F(KespTCPDetectionTest, NothingAnswersOnAConnectionOfTheClient_ItIsMadeAnew) {
@@ -111,8 +107,8 @@ TEST_F(KespTCPDetectionTest, NothingAnswersOnAConnectionOfTheClient_ItIsMadeAnew
   LetAnswer();
   EXPECT_FALSE(Detect());
   EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnected);
-  EXPECT_THAT(socket_->calls, ElementsAre("SendData", "SendData", "SendData", "Close", "SetProtocol 0",
-                                          "Connect 10.0.0.7:5025"));
+  EXPECT_EQ(socket_->calls,
+            (Calls{"SendData", "SendData", "SendData", "Close", "SetProtocol 0", "Connect 10.0.0.7:5025"}));
 }
 
 TEST_F(KespTCPDetectionTest, FirstCommandIsAnsweredOnAConnectionOfTheClient_ItIsNotTouched) {
@@ -120,7 +116,7 @@ TEST_F(KespTCPDetectionTest, FirstCommandIsAnsweredOnAConnectionOfTheClient_ItIs
   LetAnswer();
   replies_ = {{"*IDN?\r", "KESP\r"}};
   EXPECT_TRUE(Detect());
-  EXPECT_THAT(socket_->calls, ElementsAre("SendData", "GetData"));
+  EXPECT_EQ(socket_->calls, (Calls{"SendData", "GetData"}));
 }
 
 TEST_F(KespTCPDetectionTest, LaterCommandIsAnswered_LateAnswersDoNotReachTheClient) {
@@ -129,8 +125,7 @@ TEST_F(KespTCPDetectionTest, LaterCommandIsAnswered_LateAnswersDoNotReachTheClie
   EXPECT_TRUE(Detect());
   // What was still to come on that connection is gone with it.
   const auto& calls = socket_->calls;
-  EXPECT_THAT(std::vector<std::string>(calls.end() - 3, calls.end()),
-              ElementsAre("Close", "SetProtocol 0", "Connect 10.0.0.7:5025"));
+  EXPECT_EQ(Calls(calls.end() - 3, calls.end()), (Calls{"Close", "SetProtocol 0", "Connect 10.0.0.7:5025"}));
   EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnected);
   replies_ = {{"t\r", "21.5\r"}};
   tcp_->WriteLine(L"t");
@@ -148,9 +143,8 @@ TEST_F(KespTCPDetectionTest, OpenConnectionLeadsElsewhere_TheAddressThatIsSetIsA
     tcp_->SetPort(static_cast<std::int16_t>(port));
     socket_->calls.clear();
     EXPECT_TRUE(Detect());
-    EXPECT_THAT(socket_->calls,
-                ElementsAre("Close", "SetProtocol 0", "Connect 10.0.0.8:" + std::to_string(port), "SendData",
-                            "GetData"));
+    EXPECT_EQ(socket_->calls, (Calls{"Close", "SetProtocol 0", "Connect 10.0.0.8:" + std::to_string(port),
+                                     "SendData", "GetData"}));
   }
 }
 
@@ -184,7 +178,7 @@ TEST_F(KespTCPDetectionTest, Abort_StopsBeforeTheCommandIsSent) {
   events_.abort_at = L"*VER";
   replies_ = {{"*VER\r", "1.0\r"}, {"t\r", "21.5\r"}};
   EXPECT_FALSE(Detect());
-  EXPECT_THAT(asked_, ElementsAre("*IDN?\r"));
+  EXPECT_EQ(asked_, (Calls{"*IDN?\r"}));
   EXPECT_EQ(result_, L"");
   EXPECT_EQ(tcp_->State(), EKespTCPState::sckClosed);
   ExpectRestored();
@@ -200,7 +194,7 @@ TEST_F(KespTCPDetectionTest, ConnectionRefused_FindsNothing) {
 TEST_F(KespTCPDetectionTest, ConnectFailsAtOnce_FindsNothing) {
   socket_->FailCall(2, 10049);  // Connect, behind SetProtocol
   EXPECT_FALSE(Detect());
-  EXPECT_THAT(Journal(), ElementsAre(L"AutoDetectBegin()", L"AutoDetectEnd()"));
+  EXPECT_EQ(Journal(), (Lines{L"AutoDetectBegin()", L"AutoDetectEnd()"}));
   ExpectRestored();
 }
 
@@ -272,12 +266,11 @@ TEST_F(KespTCPDetectionTest, Log_IsThatOfConnectionAndLines) {
   StartLog();
   socket_->FailCall(2, 10049);
   Detect();
-  EXPECT_THAT(Journal(),
-              ElementsAre(L"AutoDetectBegin()", L"log: Initialize()", L"log: Check IP Address...",
-                          L"log: Check Port...", L"log: Connecting to 10.0.0.7 on port 5025...",
-                          L"log: Unable to establish connection to 10.0.0.7 on port 5025: 10049 - " +
-                              SocketErrorDescription(10049),
-                          L"AutoDetectEnd()"));
+  EXPECT_EQ(Journal(), (Lines{L"AutoDetectBegin()", L"log: Initialize()", L"log: Check IP Address...",
+                              L"log: Check Port...", L"log: Connecting to 10.0.0.7 on port 5025...",
+                              L"log: Unable to establish connection to 10.0.0.7 on port 5025: 10049 - " +
+                                  SocketErrorDescription(10049),
+                              L"AutoDetectEnd()"}));
 }
 
 TEST_F(KespTCPDetectionTest, LogOfAnAnswer_EndsWithItsArrival) {
@@ -286,12 +279,12 @@ TEST_F(KespTCPDetectionTest, LogOfAnAnswer_EndsWithItsArrival) {
   StartLog();
   replies_ = {{"*IDN?\r", "A\r"}};
   EXPECT_TRUE(Detect());
-  EXPECT_THAT(Journal(),
-              ElementsAre(L"AutoDetectBegin()", L"log: Initialize()", L"log: Initialize() Done...",
-                          L"AutoDetectUpdate(*IDN?,10.0.0.7,5025,False)",
-                          L"log: DataArrival (10.0.0.7:5025) Bytes: 2", L"DataArrivalBegin(2)",
-                          L"log: Socket Data arrived: <A\r> (length: 2  last byte: 13 EOS: 13 EOS?: True)",
-                          L"DataArrivalEnd()", L"AutoDetectEnd()"));
+  EXPECT_EQ(Journal(),
+            (Lines{L"AutoDetectBegin()", L"log: Initialize()", L"log: Initialize() Done...",
+                   L"AutoDetectUpdate(*IDN?,10.0.0.7,5025,False)",
+                   L"log: DataArrival (10.0.0.7:5025) Bytes: 2", L"DataArrivalBegin(2)",
+                   L"log: Socket Data arrived: <A\r> (length: 2  last byte: 13 EOS: 13 EOS?: True)",
+                   L"DataArrivalEnd()", L"AutoDetectEnd()"}));
 }
 
 class KespTCPDetectionWithoutATarget : public KespTCPFixture {};
@@ -303,7 +296,7 @@ TEST_F(KespTCPDetectionWithoutATarget, PortMissing_RaisesWithTheTimeOutRestored)
             (Raised{tcp_error::ERR_INVALID_PORT, L"[CKespTCP - Initialize()]", L"Invalid Port"}));
   EXPECT_EQ(result, L"");
   EXPECT_EQ(tcp_->TimeOutmSecs(), 3000);
-  EXPECT_THAT(Journal(), ElementsAre(L"AutoDetectBegin()", L"AutoDetectEnd()"));
+  EXPECT_EQ(Journal(), (Lines{L"AutoDetectBegin()", L"AutoDetectEnd()"}));
 }
 
 }  // namespace

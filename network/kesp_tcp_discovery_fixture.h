@@ -57,8 +57,8 @@ class KespTCPDiscoveryFixture : public KespTCPFixture {
     const std::shared_ptr<Instrument>& item = tcp_->Devices()->Item(index);
     return item->IPAddress() + L"/" + item->Model() + L"/" + item->Serial();
   }
-  std::vector<std::wstring> Devices() const {
-    std::vector<std::wstring> all;
+  Lines Devices() const {
+    Lines all;
     for (std::int32_t i = 1; i <= Count(); ++i) all.push_back(Device(i));
     return all;
   }
@@ -70,8 +70,8 @@ class KespTCPDiscoveryFixture : public KespTCPFixture {
   }
 
   // The lines of the journal that begin so.
-  std::vector<std::wstring> Lines(const std::wstring& beginning) {
-    std::vector<std::wstring> found;
+  Lines LinesFrom(const std::wstring& beginning) {
+    Lines found;
     for (const std::wstring& line : Journal()) {
       if (line.starts_with(beginning)) found.push_back(line);
     }
@@ -90,7 +90,7 @@ class KespTCPDiscoveryFixture : public KespTCPFixture {
   std::vector<std::pair<DatagramSender, std::string>> answers_;
   std::map<std::wstring, std::string> identities_;
   // Connections to others stay unanswered.
-  std::vector<std::wstring> unreachable_;
+  Lines unreachable_;
   std::wstring result_ = L"before";
 
  private:

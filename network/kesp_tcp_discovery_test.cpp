@@ -1,5 +1,4 @@
 // Unit tests of the broadcast and of what becomes of the answers to it.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "network/counting_instrument_fake.h"
@@ -8,15 +7,11 @@
 namespace kesp {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 class KespTCPDiscoveryTest : public KespTCPDiscoveryFixture {};
 
 TEST_F(KespTCPDiscoveryTest, Broadcast_FourBytesToTheWholeNetwork) {
   EXPECT_FALSE(Discover());
-  EXPECT_THAT(socket_->calls,
-              ElementsAre("SetProtocol 1", "Connect 255.255.255.255:30718", "SendData", "Close"));
+  EXPECT_EQ(socket_->calls, (Calls{"SetProtocol 1", "Connect 255.255.255.255:30718", "SendData", "Close"}));
   EXPECT_EQ(socket_->sent, std::string("\x00\x01\x00\xF6", 4));
 }
 
@@ -29,7 +24,7 @@ TEST_F(KespTCPDiscoveryTest, NobodyAnswers_NothingIsFoundAfterOneToTwoSeconds) {
   // Only a search that found something moves these.
   EXPECT_EQ(tcp_->IPAddress(), L"10.9.9.9");
   EXPECT_EQ(tcp_->Port(), 1234);
-  EXPECT_THAT(Lines(L"log: UDP discovery"), IsEmpty());
+  EXPECT_EQ(LinesFrom(L"log: UDP discovery"), Lines{});
   ExpectRestored();
 }
 
@@ -37,24 +32,35 @@ TEST_F(KespTCPDiscoveryTest, OneAnswers_EveryStepIsLogged) {
   PlaceInstrument(7, "KESP,7100,SIM1,1.0");
   StartLog();
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(
+  EXPECT_EQ(
       Journal(),
-      ElementsAre(
-          L"AutoDetectBegin()", L"log: Sending broadcast command to 255.255.255.255 on port 30718...",
-          L"log: DataArrival (255.255.255.255:30718) Bytes: 10", L"DataArrivalBegin(10)",
+      (Lines{
+          L"AutoDetectBegin()",
+          L"log: Sending broadcast command to 255.255.255.255 on port 30718...",
+          L"log: DataArrival (255.255.255.255:30718) Bytes: 10",
+          L"DataArrivalBegin(10)",
           L"log: Receiving from 10.0.0.7:30718",
           L"log: Received buffer data: " + SystemCodePage().FromBytes(kDiscoveryReply),
           L"log: Stored object for discovered device at 10.0.0.7",
           L"log: Socket Data arrived: <" + SystemCodePage().FromBytes(kDiscoveryReply) +
               L"> (length: 10  last byte: 111 EOS: 13 EOS?: True)",
-          L"DataArrivalEnd()", L"log: UDP discovery successful. Found 1 devices.", L"log: Initialize()",
-          L"log: Check IP Address...", L"log: Check Port...", L"log: Connecting to 10.0.0.7 on port 10001...",
-          L"log: Waiting for connection to be established...", L"ConnectBegin()",
-          L"log: Connect (10.0.0.7:10001)", L"ConnectEnd()", L"log: Initialize() Done...",
-          L"log: DataArrival (10.0.0.7:10001) Bytes: 19", L"DataArrivalBegin(19)",
+          L"DataArrivalEnd()",
+          L"log: UDP discovery successful. Found 1 devices.",
+          L"log: Initialize()",
+          L"log: Check IP Address...",
+          L"log: Check Port...",
+          L"log: Connecting to 10.0.0.7 on port 10001...",
+          L"log: Waiting for connection to be established...",
+          L"ConnectBegin()",
+          L"log: Connect (10.0.0.7:10001)",
+          L"ConnectEnd()",
+          L"log: Initialize() Done...",
+          L"log: DataArrival (10.0.0.7:10001) Bytes: 19",
+          L"DataArrivalBegin(19)",
           L"log: Socket Data arrived: <KESP,7100,SIM1,1.0\r> (length: 19  last byte: 13 EOS: 13 EOS?: True)",
-          L"DataArrivalEnd()", L"AutoDetectEnd()"));
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.7/7100/SIM1"));
+          L"DataArrivalEnd()",
+          L"AutoDetectEnd()"}));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.7/7100/SIM1"}));
   ExpectRestored();
 }
 
@@ -65,8 +71,7 @@ TEST_F(KespTCPDiscoveryTest, Mark_CountsAnywhereInTheAnswer) {
   Answers(SenderAt(4), "at the end \xF7");
   Answers(SenderAt(5), std::string(65506, '\0') + '\xF7');
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(),
-              ElementsAre(L"10.0.0.1//", L"10.0.0.2//", L"10.0.0.3//", L"10.0.0.4//", L"10.0.0.5//"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1//", L"10.0.0.2//", L"10.0.0.3//", L"10.0.0.4//", L"10.0.0.5//"}));
 }
 
 TEST_F(KespTCPDiscoveryTest, DatagramsWithoutTheMark_AreLoggedAndNoInstruments) {
@@ -76,11 +81,11 @@ TEST_F(KespTCPDiscoveryTest, DatagramsWithoutTheMark_AreLoggedAndNoInstruments) 
   Answers(SenderAt(3), std::string(65507, '\xF6'));
   EXPECT_FALSE(Discover());
   EXPECT_EQ(Count(), 0);
-  EXPECT_THAT(Lines(L"log: Receiving from"),
-              ElementsAre(L"log: Receiving from 10.0.0.1:30718", L"log: Receiving from 10.0.0.2:30718",
-                          L"log: Receiving from 10.0.0.3:30718"));
-  EXPECT_EQ(Lines(L"log: Received buffer data: ").size(), 3U);
-  EXPECT_THAT(Lines(L"log: Stored"), IsEmpty());
+  EXPECT_EQ(LinesFrom(L"log: Receiving from"),
+            (Lines{L"log: Receiving from 10.0.0.1:30718", L"log: Receiving from 10.0.0.2:30718",
+                   L"log: Receiving from 10.0.0.3:30718"}));
+  EXPECT_EQ(LinesFrom(L"log: Received buffer data: ").size(), 3U);
+  EXPECT_EQ(LinesFrom(L"log: Stored"), Lines{});
   ExpectRestored();
 }
 
@@ -95,7 +100,7 @@ TEST_F(KespTCPDiscoveryTest, SeveralAnswer_TheWholeTimeIsUsed) {
   for (int i = 0; i < 8; ++i) answers_.emplace_back(SenderAt(99), "noise");
   Answers(SenderAt(2));  // 1 s after the broadcast
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1//", L"10.0.0.2//"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1//", L"10.0.0.2//"}));
 }
 
 TEST_F(KespTCPDiscoveryTest, AnswerBehindTheTime_IsNotStoredAnyMore) {
@@ -103,7 +108,7 @@ TEST_F(KespTCPDiscoveryTest, AnswerBehindTheTime_IsNotStoredAnyMore) {
   for (int i = 0; i < 40; ++i) answers_.emplace_back(SenderAt(99), "noise");
   Answers(SenderAt(2));
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1//"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1//"}));
 }
 
 TEST_F(KespTCPDiscoveryTest, SameAddressTwice_OneInstrumentAndOneLineAboutIt) {
@@ -112,14 +117,14 @@ TEST_F(KespTCPDiscoveryTest, SameAddressTwice_OneInstrumentAndOneLineAboutIt) {
   Answers(SenderAt(2));
   Answers(SenderAt(1, 4711), "another \xF7 text");
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1//", L"10.0.0.2//"));
-  EXPECT_THAT(Lines(L"log: Duplicate device"), ElementsAre(L"log: Duplicate device: 10.0.0.1"));
-  EXPECT_THAT(Lines(L"log: Stored"), ElementsAre(L"log: Stored object for discovered device at 10.0.0.1",
-                                                 L"log: Stored object for discovered device at 10.0.0.2"));
-  EXPECT_THAT(Lines(L"log: Receiving"),
-              ElementsAre(L"log: Receiving from 10.0.0.1:30718", L"log: Receiving from 10.0.0.2:30718",
-                          L"log: Receiving from 10.0.0.1:4711"));
-  EXPECT_THAT(Lines(L"log: UDP"), ElementsAre(L"log: UDP discovery successful. Found 2 devices."));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1//", L"10.0.0.2//"}));
+  EXPECT_EQ(LinesFrom(L"log: Duplicate device"), (Lines{L"log: Duplicate device: 10.0.0.1"}));
+  EXPECT_EQ(LinesFrom(L"log: Stored"), (Lines{L"log: Stored object for discovered device at 10.0.0.1",
+                                              L"log: Stored object for discovered device at 10.0.0.2"}));
+  EXPECT_EQ(LinesFrom(L"log: Receiving"),
+            (Lines{L"log: Receiving from 10.0.0.1:30718", L"log: Receiving from 10.0.0.2:30718",
+                   L"log: Receiving from 10.0.0.1:4711"}));
+  EXPECT_EQ(LinesFrom(L"log: UDP"), (Lines{L"log: UDP discovery successful. Found 2 devices."}));
 }
 
 TEST_F(KespTCPDiscoveryTest, SecondDiscovery_AddsOnlyNewSenders) {
@@ -129,10 +134,10 @@ TEST_F(KespTCPDiscoveryTest, SecondDiscovery_AddsOnlyNewSenders) {
   StartLog();
   PlaceInstrument(2, "KESP,7200,SIM2,1.0");
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1", L"10.0.0.2/7200/SIM2"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/7100/SIM1", L"10.0.0.2/7200/SIM2"}));
   EXPECT_EQ(tcp_->Devices()->Item(1), first);
-  EXPECT_THAT(Lines(L"log: Duplicate device"), ElementsAre(L"log: Duplicate device: 10.0.0.1"));
-  EXPECT_THAT(Lines(L"log: UDP"), ElementsAre(L"log: UDP discovery successful. Found 2 devices."));
+  EXPECT_EQ(LinesFrom(L"log: Duplicate device"), (Lines{L"log: Duplicate device: 10.0.0.1"}));
+  EXPECT_EQ(LinesFrom(L"log: UDP"), (Lines{L"log: UDP discovery successful. Found 2 devices."}));
 }
 
 TEST_F(KespTCPDiscoveryTest, OnlyKnownOnesAnswer_TheyAreFoundAgain) {
@@ -140,7 +145,7 @@ TEST_F(KespTCPDiscoveryTest, OnlyKnownOnesAnswer_TheyAreFoundAgain) {
   EXPECT_TRUE(Discover());
   identities_[L"10.0.0.1"] = "KESP,7100,SIM99,1.0\r";
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM99"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/7100/SIM99"}));
 }
 
 TEST_F(KespTCPDiscoveryTest, NobodyAnswersTheSecondTime_TheCollectionStaysAndNothingIsFound) {
@@ -150,7 +155,7 @@ TEST_F(KespTCPDiscoveryTest, NobodyAnswersTheSecondTime_TheCollectionStaysAndNot
   answers_.clear();
   identities_.clear();
   EXPECT_FALSE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/7100/SIM1"}));
   EXPECT_EQ(tcp_->IPAddress(), L"10.9.9.9");
   ExpectRestored();
 }
@@ -160,7 +165,7 @@ TEST_F(KespTCPDiscoveryTest, ClientEmptiedTheCollection_EveryoneIsNewAgain) {
   EXPECT_TRUE(Discover());
   tcp_->Devices()->Clear();
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1//"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1//"}));
 }
 
 TEST_F(KespTCPDiscoveryTest, AddressOfAnItemOfTheClient_IsADuplicateToo) {
@@ -171,7 +176,7 @@ TEST_F(KespTCPDiscoveryTest, AddressOfAnItemOfTheClient_IsADuplicateToo) {
   // Also when the client changes it between two searches.
   tcp_->Devices()->Item(1)->SetIPAddress(L"10.0.0.2");
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.2//", L"10.0.0.1//"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.2//", L"10.0.0.1//"}));
 }
 
 TEST_F(KespTCPDiscoveryTest, HandlerRemovesAnInstrument_ItsNextAnswerStoresItAgain) {
@@ -183,7 +188,7 @@ TEST_F(KespTCPDiscoveryTest, HandlerRemovesAnInstrument_ItsNextAnswerStoresItAga
     if (++arrivals == 1) tcp_->Devices()->Clear();
   };
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.2//", L"10.0.0.1//"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.2//", L"10.0.0.1//"}));
 }
 
 TEST_F(KespTCPDiscoveryTest, HandlerTakesTheDatagram_NobodyIsStored) {
@@ -191,7 +196,7 @@ TEST_F(KespTCPDiscoveryTest, HandlerTakesTheDatagram_NobodyIsStored) {
   Answers(SenderAt(1));
   events_.handlers[L"DataArrivalBegin"] = [this] { socket_->GetData(); };
   EXPECT_FALSE(Discover());
-  EXPECT_THAT(Lines(L"log: Receiving"), IsEmpty());
+  EXPECT_EQ(LinesFrom(L"log: Receiving"), Lines{});
 }
 
 TEST_F(KespTCPDiscoveryTest, ForgedSendersWithoutEnd_AreBounded) {
@@ -206,13 +211,13 @@ TEST_F(KespTCPDiscoveryTest, ForgedSendersWithoutEnd_AreBounded) {
   // The walk is not what is tested here.
   events_.handlers[L"ConnectBegin"] = [this] { tcp_->Devices()->Clear(); };
   EXPECT_TRUE(Discover());
-  EXPECT_EQ(Lines(L"log: Stored").size(), 4096U);
-  EXPECT_THAT(Lines(L"log: Too many"), ElementsAre(L"log: Too many devices, not stored: 10.0.16.1",
-                                                   L"log: Too many devices, not stored: 10.0.16.2",
-                                                   L"log: Too many devices, not stored: 10.0.16.3",
-                                                   L"log: Too many devices, not stored: 10.0.16.4"));
-  EXPECT_THAT(Lines(L"log: Duplicate"), ElementsAre(L"log: Duplicate device: 10.0.0.1"));
-  EXPECT_THAT(Lines(L"log: UDP"), ElementsAre(L"log: UDP discovery successful. Found 4096 devices."));
+  EXPECT_EQ(LinesFrom(L"log: Stored").size(), 4096U);
+  EXPECT_EQ(LinesFrom(L"log: Too many"), (Lines{L"log: Too many devices, not stored: 10.0.16.1",
+                                                L"log: Too many devices, not stored: 10.0.16.2",
+                                                L"log: Too many devices, not stored: 10.0.16.3",
+                                                L"log: Too many devices, not stored: 10.0.16.4"}));
+  EXPECT_EQ(LinesFrom(L"log: Duplicate"), (Lines{L"log: Duplicate device: 10.0.0.1"}));
+  EXPECT_EQ(LinesFrom(L"log: UDP"), (Lines{L"log: UDP discovery successful. Found 4096 devices."}));
 }
 
 TEST_F(KespTCPDiscoveryTest, FloodWithoutEnd_TheSearchEndsAllTheSame) {
@@ -238,10 +243,10 @@ TEST_F(KespTCPDiscoveryTest, OpenConnection_IsClosedForIt) {
   socket_->calls.clear();
   PlaceInstrument(1, "KESP,7100,SIM1,1.0");
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(socket_->calls, ElementsAre("Close", "SetProtocol 1", "Connect 255.255.255.255:30718",
-                                          "SendData", "GetData", "Close", "SetProtocol 0",
-                                          "Connect 10.0.0.1:10001", "SendData", "GetData", "Close"));
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1"));
+  EXPECT_EQ(socket_->calls,
+            (Calls{"Close", "SetProtocol 1", "Connect 255.255.255.255:30718", "SendData", "GetData", "Close",
+                   "SetProtocol 0", "Connect 10.0.0.1:10001", "SendData", "GetData", "Close"}));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/7100/SIM1"}));
 }
 
 TEST_F(KespTCPDiscoveryTest, OldConnectionDoesNotClose_RaisesTimeout) {
@@ -253,7 +258,7 @@ TEST_F(KespTCPDiscoveryTest, OldConnectionDoesNotClose_RaisesTimeout) {
   fakes_.clock.SetStepPerReading(10);
   EXPECT_EQ(RaisedBy([&] { Discover(); }), (Raised{tcp_error::ERR_TIMEOUT, L"[CKespTCP - UDPBroadcast()]",
                                                    L"Timeout waiting for connection to close"}));
-  EXPECT_THAT(Lines(L"log: "), ElementsAre(L"log: Connection timeout..."));
+  EXPECT_EQ(LinesFrom(L"log: "), (Lines{L"log: Connection timeout..."}));
   EXPECT_EQ(tcp_->TimeOutmSecs(), 5000);
   EXPECT_EQ(tcp_->Protocol(), EKespProtocol::sckUDPProtocol);
   EXPECT_EQ(Journal().back(), L"AutoDetectEnd()");
@@ -263,7 +268,7 @@ TEST_F(KespTCPDiscoveryTest, OldConnectionDoesNotClose_RaisesTimeout) {
   socket_->calls.clear();
   tcp_->SetProtocol(EKespProtocol::sckTCPProtocol);
   EXPECT_TRUE(tcp_->Initialize());
-  EXPECT_THAT(socket_->calls, ElementsAre("SetProtocol 0", "Connect 10.9.9.9:1234"));
+  EXPECT_EQ(socket_->calls, (Calls{"SetProtocol 0", "Connect 10.9.9.9:1234"}));
 }
 
 TEST_F(KespTCPDiscoveryTest, PortCannotBeOpened_RaisesWithEverythingRestored) {
@@ -289,7 +294,7 @@ TEST_F(KespTCPDiscoveryTest, SocketIsNotOpen_NothingIsSentAndNothingFound) {
   EXPECT_FALSE(Discover());
   EXPECT_EQ(socket_->sent, "");
   EXPECT_EQ(Elapsed(start), 0U);
-  EXPECT_EQ(Lines(L"log: Sending broadcast").size(), 1U);
+  EXPECT_EQ(LinesFrom(L"log: Sending broadcast").size(), 1U);
   ExpectRestored();
 }
 
@@ -322,7 +327,7 @@ TEST_F(KespTCPDiscoveryTest, HandlerSearchesAgainAndNobodyAnswersThat_TheFirstSe
     EXPECT_FALSE(tcp_->AutoDetect(result));
   };
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/7100/SIM1"}));
   ExpectRestored();
 }
 
@@ -331,7 +336,7 @@ TEST_F(KespTCPDiscoveryTest, HandlerChangesTheProtocol_AnswersAreStoredAllTheSam
   Answers(SenderAt(2));
   events_.handlers[L"DataArrivalBegin"] = [this] { tcp_->SetProtocol(EKespProtocol::sckTCPProtocol); };
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1//", L"10.0.0.2//"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1//", L"10.0.0.2//"}));
   ExpectRestored();
 }
 
@@ -343,7 +348,7 @@ TEST_F(KespTCPDiscoveryTest, PortThatTheClientOpened_DuplicatesAreThoseOfNow) {
   EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }).number, tcp_error::ERR_TIMEOUT);
   socket_->ReceiveDatagram(SenderAt(5), kDiscoveryReply);
   socket_->ReceiveDatagram(SenderAt(1), kDiscoveryReply);
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.5//", L"10.0.0.1//"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.5//", L"10.0.0.1//"}));
 }
 
 }  // namespace

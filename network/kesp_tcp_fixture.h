@@ -18,6 +18,10 @@
 
 namespace kesp {
 
+// Lines of a journal, and calls of the socket.
+using Lines = std::vector<std::wstring>;
+using Calls = std::vector<std::string>;
+
 // Each pump of messages works off one step of the socket's script and takes kPumpMilliseconds.
 class KespTCPFixture : public testing::Test {
  protected:
@@ -62,7 +66,7 @@ class KespTCPFixture : public testing::Test {
   void StartLog() { tcp_->SetCreateLogFile(true); }
 
   // Events as "Name(arguments)" and log lines as "log: text", in the order they happened.
-  std::vector<std::wstring> Journal() {
+  Lines Journal() {
     CollectLog();
     return journal_;
   }
@@ -93,7 +97,7 @@ class KespTCPFixture : public testing::Test {
     }
   }
 
-  std::vector<std::wstring> journal_;
+  Lines journal_;
   std::size_t log_read_ = 0;
 };
 

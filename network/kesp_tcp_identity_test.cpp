@@ -13,8 +13,8 @@ using testing::ElementsAre;
 class KespTCPIdentityTest : public KespTCPDiscoveryFixture {
  protected:
   // To whom connections were started, in order.
-  std::vector<std::string> Connections() const {
-    std::vector<std::string> all;
+  Calls Connections() const {
+    Calls all;
     for (const std::string& call : socket_->calls) {
       if (call.starts_with("Connect 10.")) all.push_back(call.substr(8));
     }
@@ -27,8 +27,8 @@ TEST_F(KespTCPIdentityTest, Devices_AreAskedFromTheLastToTheFirst) {
   PlaceInstrument(2, "KESP,7200,SIM2,1.0");
   PlaceInstrument(3, "KESP,7300,SIM3,1.0");
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Connections(), ElementsAre("10.0.0.3:10001", "10.0.0.2:10001", "10.0.0.1:10001"));
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1", L"10.0.0.2/7200/SIM2", L"10.0.0.3/7300/SIM3"));
+  EXPECT_EQ(Connections(), (Calls{"10.0.0.3:10001", "10.0.0.2:10001", "10.0.0.1:10001"}));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/7100/SIM1", L"10.0.0.2/7200/SIM2", L"10.0.0.3/7300/SIM3"}));
   EXPECT_EQ(socket_->sent, std::string("\x00\x01\x00\xF6", 4) + "*IDN?\r*IDN?\r*IDN?\r");
   ExpectRestored();
 }
@@ -60,9 +60,9 @@ TEST_F(KespTCPIdentityTest, DuringTheWalk_TheSettingsAreThoseOfTheProbe) {
 TEST_F(KespTCPIdentityTest, Walk_RaisesNoAutoDetectUpdate) {
   PlaceInstrument(1, "KESP,7100,SIM1,1.0");
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Journal(), ElementsAre(L"AutoDetectBegin()", L"DataArrivalBegin(10)", L"DataArrivalEnd()",
-                                     L"ConnectBegin()", L"ConnectEnd()", L"DataArrivalBegin(19)",
-                                     L"DataArrivalEnd()", L"AutoDetectEnd()"));
+  EXPECT_EQ(Journal(),
+            (Lines{L"AutoDetectBegin()", L"DataArrivalBegin(10)", L"DataArrivalEnd()", L"ConnectBegin()",
+                   L"ConnectEnd()", L"DataArrivalBegin(19)", L"DataArrivalEnd()", L"AutoDetectEnd()"}));
 }
 
 TEST_F(KespTCPIdentityTest, OtherProperties_AreNotTouched) {
@@ -70,7 +70,7 @@ TEST_F(KespTCPIdentityTest, OtherProperties_AreNotTouched) {
   AddDevice(L"10.0.0.1")->SetIPType(EIPType::ipDynamic);
   tcp_->Devices()->Item(1)->SetMACAddress(L"00:11");
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/7100/SIM1"}));
   EXPECT_EQ(tcp_->Devices()->Item(1)->IPType(), EIPType::ipDynamic);
   EXPECT_EQ(tcp_->Devices()->Item(1)->MACAddress(), L"00:11");
 }
@@ -87,7 +87,7 @@ TEST_F(KespTCPIdentityTest, ItemsFromBefore_AreAskedToo) {
   identities_[L"10.0.0.9"] = "KESP,7900,SIM9,1.0\r";
   PlaceInstrument(1, "KESP,7100,SIM1,1.0");
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.9/7900/SIM9", L"10.0.0.1/7100/SIM1"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.9/7900/SIM9", L"10.0.0.1/7100/SIM1"}));
 }
 
 TEST_F(KespTCPIdentityTest, FewerThanThreeFields_KeepWhatIsThereAndTheOthersGoOn) {
@@ -101,8 +101,8 @@ TEST_F(KespTCPIdentityTest, FewerThanThreeFields_KeepWhatIsThereAndTheOthersGoOn
     device->SetSerial(L"old serial");
   }
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.2/old model/old serial", L"10.0.0.3/old model/old serial",
-                                     L"10.0.0.4/old model/old serial", L"10.0.0.1/7100/SIM1"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.2/old model/old serial", L"10.0.0.3/old model/old serial",
+                              L"10.0.0.4/old model/old serial", L"10.0.0.1/7100/SIM1"}));
   ExpectRestored();
 }
 
@@ -111,7 +111,7 @@ TEST_F(KespTCPIdentityTest, HundredFields_SecondAndThirdCount) {
   for (int i = 2; i <= 100; ++i) identity += ",f" + std::to_string(i);
   PlaceInstrument(1, identity);
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/f2/f3"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/f2/f3"}));
 }
 
 TEST_F(KespTCPIdentityTest, DeviceSaysNothing_IsSkippedAfterOneToTwoSeconds) {
@@ -121,9 +121,9 @@ TEST_F(KespTCPIdentityTest, DeviceSaysNothing_IsSkippedAfterOneToTwoSeconds) {
   const std::int32_t start = fakes_.clock.tick();
   EXPECT_TRUE(Discover());
   EXPECT_LE(Elapsed(start), 2000U + 2000U + 2000U);
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1", L"10.0.0.2//", L"10.0.0.3/7300/SIM3"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/7100/SIM1", L"10.0.0.2//", L"10.0.0.3/7300/SIM3"}));
   // Closed before the next one is asked.
-  EXPECT_THAT(Connections(), ElementsAre("10.0.0.3:10001", "10.0.0.2:10001", "10.0.0.1:10001"));
+  EXPECT_EQ(Connections(), (Calls{"10.0.0.3:10001", "10.0.0.2:10001", "10.0.0.1:10001"}));
   ExpectRestored();
 }
 
@@ -132,7 +132,7 @@ TEST_F(KespTCPIdentityTest, DeviceSendsWithoutEnd_IsSkipped) {
   Answers(SenderAt(2));
   identities_[L"10.0.0.2"] = std::string(10'000'000, ',');
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1", L"10.0.0.2//"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/7100/SIM1", L"10.0.0.2//"}));
 }
 
 TEST_F(KespTCPIdentityTest, DeviceCannotBeReached_IsSkippedAfterFourAttempts) {
@@ -140,24 +140,24 @@ TEST_F(KespTCPIdentityTest, DeviceCannotBeReached_IsSkippedAfterFourAttempts) {
   PlaceInstrument(2, "KESP,7200,SIM2,1.0");
   unreachable_ = {L"10.0.0.2"};
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Connections(), ElementsAre("10.0.0.2:10001", "10.0.0.2:10001", "10.0.0.2:10001",
-                                         "10.0.0.2:10001", "10.0.0.1:10001"));
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1", L"10.0.0.2//"));
+  EXPECT_EQ(Connections(), (Calls{"10.0.0.2:10001", "10.0.0.2:10001", "10.0.0.2:10001", "10.0.0.2:10001",
+                                  "10.0.0.1:10001"}));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/7100/SIM1", L"10.0.0.2//"}));
 }
 
 TEST_F(KespTCPIdentityTest, NoDeviceGivesItsIdentity_TheyAreFoundAllTheSame) {
   Answers(SenderAt(1));
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1//"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1//"}));
 }
 
 TEST_F(KespTCPIdentityTest, CharactersAbove128_SkipTheDevice) {
   PlaceInstrument(1, "KESP,71\xC8,SIM1,1.0");
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1//"));
-  EXPECT_THAT(Lines(L"ReadInvalidChars"),
-              ElementsAre(L"ReadInvalidChars(KESP,71" + SystemCodePage().FromBytes("\xC8") +
-                          L",SIM1,1.0\r,8,10.0.0.1)"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1//"}));
+  EXPECT_EQ(
+      LinesFrom(L"ReadInvalidChars"),
+      (Lines{L"ReadInvalidChars(KESP,71" + SystemCodePage().FromBytes("\xC8") + L",SIM1,1.0\r,8,10.0.0.1)"}));
 }
 
 TEST_F(KespTCPIdentityTest, ItemsWithoutAUsableAddress_AreSkipped) {
@@ -165,8 +165,8 @@ TEST_F(KespTCPIdentityTest, ItemsWithoutAUsableAddress_AreSkipped) {
   AddDevice(L"0.0.0.0");
   PlaceInstrument(1, "KESP,7100,SIM1,1.0");
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"//", L"0.0.0.0//", L"10.0.0.1/7100/SIM1"));
-  EXPECT_THAT(Connections(), ElementsAre("10.0.0.1:10001"));
+  EXPECT_EQ(Devices(), (Lines{L"//", L"0.0.0.0//", L"10.0.0.1/7100/SIM1"}));
+  EXPECT_EQ(Connections(), (Calls{"10.0.0.1:10001"}));
 }
 
 // Whichever call of the socket fails: nothing escapes but what says so, and everything is put back.
@@ -174,7 +174,7 @@ TEST_F(KespTCPIdentityTest, AnyCallOfTheSocketFails_TheRestGoesOnAndIsRestored) 
   PlaceInstrument(1, "KESP,7100,SIM1,1.0");
   PlaceInstrument(2, "KESP,7200,SIM2,1.0");
   ASSERT_TRUE(Discover());
-  const std::vector<std::string> calls = socket_->calls;
+  const Calls calls = socket_->calls;
   ASSERT_GT(calls.size(), 10U);
   // The first three are those of the broadcast, the next two take the answers and cannot fail.
   for (std::size_t nth = 6; nth <= calls.size(); ++nth) {
@@ -204,8 +204,8 @@ TEST_F(KespTCPIdentityTest, SixtyFourInARowDoNotAnswer_TheOthersAreNotAsked) {
   socket_->state_after_connect = EKespTCPState::sckError;
   EXPECT_TRUE(Discover());
   EXPECT_EQ(Connections().size(), 64U);
-  EXPECT_THAT(Lines(L"log: Too many"),
-              ElementsAre(L"log: Too many devices do not answer, the others are not asked"));
+  EXPECT_EQ(LinesFrom(L"log: Too many"),
+            (Lines{L"log: Too many devices do not answer, the others are not asked"}));
   ExpectRestored();
 }
 
@@ -234,7 +234,7 @@ TEST_F(KespTCPIdentityTest, ClientConnectsElsewhereMeanwhile_NobodyGetsTheOthers
     });
   };
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1", L"10.0.0.2//"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/7100/SIM1", L"10.0.0.2//"}));
 }
 
 TEST_F(KespTCPIdentityTest, HandlerClearsTheCollection_TheWalkEnds) {
@@ -243,7 +243,7 @@ TEST_F(KespTCPIdentityTest, HandlerClearsTheCollection_TheWalkEnds) {
   PlaceInstrument(3, "KESP,7300,SIM3,1.0");
   events_.handlers[L"ConnectEnd"] = [this] { tcp_->Devices()->Clear(); };
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Connections(), ElementsAre("10.0.0.3:10001"));
+  EXPECT_EQ(Connections(), (Calls{"10.0.0.3:10001"}));
   EXPECT_EQ(Count(), 0);
   ExpectRestored();
 }
@@ -256,8 +256,8 @@ TEST_F(KespTCPIdentityTest, HandlerRemovesOne_TheOthersAreAskedOnce) {
     if (Count() == 3) tcp_->Devices()->Remove(1);
   };
   EXPECT_TRUE(Discover());
-  EXPECT_THAT(Connections(), ElementsAre("10.0.0.3:10001", "10.0.0.2:10001"));
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.2/7200/SIM2", L"10.0.0.3/7300/SIM3"));
+  EXPECT_EQ(Connections(), (Calls{"10.0.0.3:10001", "10.0.0.2:10001"}));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.2/7200/SIM2", L"10.0.0.3/7300/SIM3"}));
 }
 
 TEST_F(KespTCPIdentityTest, HandlerSearchesAgain_BothEndAndAreRestored) {
@@ -271,7 +271,7 @@ TEST_F(KespTCPIdentityTest, HandlerSearchesAgain_BothEndAndAreRestored) {
   };
   EXPECT_TRUE(Discover());
   EXPECT_TRUE(nested);
-  EXPECT_THAT(Devices(), ElementsAre(L"10.0.0.1/7100/SIM1"));
+  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/7100/SIM1"}));
   ExpectRestored();
 }
 
