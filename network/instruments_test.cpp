@@ -140,37 +140,21 @@ TEST(CInstruments, Clear_LetsGoOfEverything) {
   EXPECT_EQ(instruments.Count(), 0);
 }
 
-// A client's object may look at the collection when it is let go of.
-class Watcher final : public Instrument {
- public:
-  Watcher(CInstruments& instruments, std::int32_t& count) : instruments_(instruments), count_(count) {}
-  Watcher(const Watcher&) = delete;
-  Watcher& operator=(const Watcher&) = delete;
-  ~Watcher() override { count_ = instruments_.Count(); }
-  std::wstring Model() const override { return {}; }
-  void SetModel(const std::wstring& /*value*/) override {}
-  std::wstring Serial() const override { return {}; }
-  void SetSerial(const std::wstring& /*value*/) override {}
-  std::wstring IPAddress() const override { return {}; }
-  void SetIPAddress(const std::wstring& /*value*/) override {}
-  EIPType IPType() const override { return EIPType::ipStatic; }
-  void SetIPType(EIPType /*value*/) override {}
-  std::wstring MACAddress() const override { return {}; }
-  void SetMACAddress(const std::wstring& /*value*/) override {}
-
- private:
-  CInstruments& instruments_;
-  std::int32_t& count_;
-};
-
 TEST(CInstruments, RemoveAndClear_ItemLooksBack_SeesCollectionWithoutIt) {
   CInstruments instruments;
   std::int32_t seen = -1;
-  instruments.AddReference(std::make_shared<Watcher>(instruments, seen));
+  // A client's object may do so when it is let go of.
+  const auto add_one_that_looks_back = [&] {
+    instruments.AddReference({new CInstrument, [&](const CInstrument* item) {
+                                seen = instruments.Count();
+                                delete item;
+                              }});
+  };
+  add_one_that_looks_back();
   instruments.AddReference(Named(L"b"));
   instruments.Remove(1);
   EXPECT_EQ(seen, 1);
-  instruments.AddReference(std::make_shared<Watcher>(instruments, seen));
+  add_one_that_looks_back();
   instruments.Clear();
   EXPECT_EQ(seen, 0);
 }

@@ -166,6 +166,7 @@ class CKespTCP final : private SocketListener {
 
   // Lets the socket's notifications and the client's own messages come in.
   void PumpOnce();
+  void Disconnect();
   // Closes the socket and forgets what was known of the bytes that go with it.
   void CloseSocket();
   void CheckTarget();
@@ -186,7 +187,6 @@ class CKespTCP final : private SocketListener {
   void StoreDevice(const std::wstring& address);
   void IdentifyDevices();
   bool Identify(Instrument& device);
-  void Disconnect();
 
   bool AwaitReply(const ElapsedSeconds& waited, const wchar_t* source);
   void CheckReadable(const wchar_t* source) const;

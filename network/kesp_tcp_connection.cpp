@@ -1,6 +1,7 @@
 // The network transport's connection: opening and closing it, and the socket's notifications other than data.
 #include "network/kesp_tcp.h"
 #include "network/socket_errors.h"
+#include "support/attempt.h"
 #include "support/error_numbers.h"
 #include "support/timing.h"
 
@@ -101,6 +102,12 @@ bool CKespTCP::Uninitialize() {
   }
   connected_ = false;
   return true;
+}
+
+// However far the connection has come. One that fails to close does not count either.
+void CKespTCP::Disconnect() {
+  connected_ = false;
+  if (socket_->State() != EKespTCPState::sckClosed) Try([this] { return CloseSocket(), true; });
 }
 
 void CKespTCP::CloseSocket() {

@@ -5,7 +5,6 @@
 
 #include "network/instrument_identity.h"
 #include "network/kesp_tcp.h"
-#include "network/socket_errors.h"
 #include "support/attempt.h"
 #include "support/error_numbers.h"
 #include "support/text.h"
@@ -149,12 +148,6 @@ bool CKespTCP::Identify(Instrument& device) {
   });
   Disconnect();
   return exchange.succeeded;
-}
-
-// However far the connection has come. One that fails to close does not count either.
-void CKespTCP::Disconnect() {
-  connected_ = false;
-  if (socket_->State() != EKespTCPState::sckClosed) Try([this] { return CloseSocket(), true; });
 }
 
 }  // namespace kesp

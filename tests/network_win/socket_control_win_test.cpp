@@ -8,16 +8,13 @@
 #include <stdexcept>
 
 #include "support/failure.h"
-#include "tests/network_win/loopback_peer_win.h"
-#include "tests/network_win/socket_listener_recorder_win.h"
+#include "tests/network_win/socket_control_fixture_win.h"
 
 namespace kesp {
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-const wchar_t kLoopback[] = L"127.0.0.1";
 
 // Reads what comes until the other side closes.
 void UntilClosed(SOCKET connection) {
@@ -33,49 +30,6 @@ std::int32_t NumberOf(const Call& call) {
   }
   return 0;
 }
-
-class SocketControlWin : public testing::Test {
- protected:
-  void TearDown() override {
-    recorder_.reset();
-    EXPECT_FALSE(WindowClassExists()) << "the window class outlives the last control";
-  }
-
-  SocketControl& control() { return *recorder_->control; }
-
-  void Connect(const LoopbackPeer& peer) {
-    control().Connect(kLoopback, peer.port());
-    ASSERT_TRUE(PumpUntil([this] { return !recorder_->heard.empty(); }));
-    ASSERT_EQ(recorder_->heard.front(), "Connect()");
-    recorder_->heard.erase(recorder_->heard.begin());
-  }
-
-  // One pumping, as the transport does it.
-  void Pump() {
-    if (const std::shared_ptr<Recorder> alive = recorder_) alive->control->DeliverDue();
-    MSG message{};
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) DispatchMessageW(&message);
-  }
-
-  // Pumps until the condition holds; false when it does not within 10 seconds.
-  bool PumpUntil(const std::function<bool()>& condition) {
-    const DWORD start = GetTickCount();
-    while (!condition()) {
-      if (GetTickCount() - start > 10000) return false;
-      MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
-      Pump();
-    }
-    return true;
-  }
-
-  // Pumps for that long, to see that nothing more comes.
-  void PumpFor(DWORD milliseconds) {
-    const DWORD start = GetTickCount();
-    PumpUntil([&] { return GetTickCount() - start >= milliseconds; });
-  }
-
-  std::shared_ptr<Recorder> recorder_ = Recorder::Make();
-};
 
 TEST_F(SocketControlWin, New_IsClosedAndTakesNothingOfTheSystem) {
   EXPECT_EQ(control().State(), EKespTCPState::sckClosed);
@@ -444,82 +398,6 @@ TEST_F(SocketControlWin, WindowClass_LivesAsLongAsTheLastConnectedControl) {
   EXPECT_TRUE(WindowClassExists());
   other.reset();
   EXPECT_FALSE(WindowClassExists());
-}
-
-TEST_F(SocketControlWin, Udp_DatagramsAreSentAndReadWhole) {
-  const WinsockLibrary library;
-  int port = 0;
-  const SOCKET peer = BindToLoopback(SOCK_DGRAM, port);
-  control().SetProtocol(EKespProtocol::sckUDPProtocol);
-  control().Connect(kLoopback, port);
-  EXPECT_EQ(control().State(), EKespTCPState::sckOpen);
-  control().SendData(std::string_view("\0\x01\0\xF6", 4));
-  ASSERT_TRUE(WaitReadable(peer, 5000));
-  char received[16];
-  sockaddr_in sender{};
-  int sender_size = sizeof sender;
-  ASSERT_EQ(recvfrom(peer, received, sizeof received, 0, reinterpret_cast<sockaddr*>(&sender), &sender_size),
-            4);
-  EXPECT_EQ(std::string(received, 4), std::string("\0\x01\0\xF6", 4));
-  for (const char* reply : {"first", "2nd"}) {
-    sendto(peer, reply, static_cast<int>(strlen(reply)), 0, reinterpret_cast<sockaddr*>(&sender),
-           sender_size);
-  }
-  ASSERT_TRUE(PumpUntil([this] { return recorder_->heard.size() == 4; }));
-  EXPECT_THAT(recorder_->heard, testing::UnorderedElementsAre("SendProgress(4,0)", "SendComplete()",
-                                                              "DataArrival(5)", "DataArrival(5)"));
-  ASSERT_TRUE(control().Sender());
-  EXPECT_EQ(control().Sender()->AddressText(), L"127.0.0.1");
-  EXPECT_EQ(control().Sender()->port, port);
-  EXPECT_EQ(control().GetData(), "first");
-  EXPECT_EQ(control().PeekData(), "2nd");
-  EXPECT_EQ(control().GetData(), "2nd");
-  EXPECT_EQ(control().GetData(), "");
-  EXPECT_FALSE(control().Sender());
-  control().Close();
-  closesocket(peer);
-}
-
-TEST_F(SocketControlWin, Udp_EachDatagramHasItsOwnSender) {
-  const WinsockLibrary library;
-  int ports[2] = {};
-  const SOCKET peers[2] = {BindToLoopback(SOCK_DGRAM, ports[0]), BindToLoopback(SOCK_DGRAM, ports[1])};
-  control().SetProtocol(EKespProtocol::sckUDPProtocol);
-  control().Connect(kLoopback, ports[0]);
-  control().SendData("hello");
-  ASSERT_TRUE(WaitReadable(peers[0], 5000));
-  char received[16];
-  sockaddr_in client{};
-  int client_size = sizeof client;
-  ASSERT_EQ(
-      recvfrom(peers[0], received, sizeof received, 0, reinterpret_cast<sockaddr*>(&client), &client_size),
-      5);
-  // The smallest and the largest that there are.
-  const std::string datagrams[2] = {"", std::string(65506, 'x') + '\xF7'};
-  for (int i : {0, 1}) {
-    EXPECT_EQ(sendto(peers[i], datagrams[i].data(), static_cast<int>(datagrams[i].size()), 0,
-                     reinterpret_cast<sockaddr*>(&client), client_size),
-              static_cast<int>(datagrams[i].size()));
-    const std::string arrival = "DataArrival(" + std::to_string(datagrams[i].size()) + ")";
-    ASSERT_TRUE(PumpUntil([&] { return recorder_->Heard(arrival); }));
-    ASSERT_TRUE(control().Sender());
-    EXPECT_EQ(control().Sender()->port, ports[i]);
-    EXPECT_EQ(control().GetData(), datagrams[i]);
-  }
-  control().Close();
-  for (const SOCKET peer : peers) closesocket(peer);
-}
-
-TEST_F(SocketControlWin, Udp_NobodyListens_ThePortStaysOpen) {
-  control().SetProtocol(EKespProtocol::sckUDPProtocol);
-  control().Connect(L"localhost", ClosedPort());
-  ASSERT_TRUE(PumpUntil([this] { return control().State() == EKespTCPState::sckOpen; }));
-  control().SendData("x");
-  PumpFor(200);
-  control().SendData("y");
-  PumpFor(100);
-  EXPECT_EQ(control().State(), EKespTCPState::sckOpen);
-  EXPECT_FALSE(recorder_->Heard("Close()"));
 }
 
 }  // namespace
