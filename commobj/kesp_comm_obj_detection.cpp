@@ -1,6 +1,6 @@
 // DetectInstrument and SetInputMode: what the selected transport does in one call.
-#include "commobj/error_trap.h"
 #include "commobj/kesp_comm_obj.h"
+#include "support/error_trap.h"
 
 namespace kesp {
 

@@ -1,7 +1,7 @@
 // Query, QueryBinary and Update: what is common to all transports.
-#include "commobj/error_trap.h"
 #include "commobj/kesp_comm_obj.h"
 #include "support/error_numbers.h"
+#include "support/error_trap.h"
 #include "support/failure.h"
 #include "support/text.h"
 

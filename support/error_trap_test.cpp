@@ -1,5 +1,5 @@
 // Unit tests of the trap around the operations that face the user.
-#include "commobj/error_trap.h"
+#include "support/error_trap.h"
 
 #include <gtest/gtest.h>
 

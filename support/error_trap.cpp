@@ -1,5 +1,5 @@
 // The trap around the operations that face the user.
-#include "commobj/error_trap.h"
+#include "support/error_trap.h"
 
 #include "support/error_box.h"
 #include "support/failure.h"
