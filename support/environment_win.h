@@ -5,7 +5,7 @@
 
 namespace kesp {
 
-// The environment of this process. Its members keep no state, so every thread may use it.
+// The environment of this process. Every thread may use its members.
 Environment& SystemEnvironment();
 
 }  // namespace kesp

@@ -1,4 +1,4 @@
-// Opening a topic of a help file in Windows' help viewer.
+// Windows' help viewer.
 #pragma once
 
 #include <cstdint>
@@ -6,8 +6,8 @@
 
 namespace kesp {
 
-// Shows the topic of that context number. False when the system has no help viewer call, or it refused. owner
-// is the window (HWND) that asks; it may be null.
-bool ShowHelpContext(void* owner, const std::wstring& help_file, std::int32_t help_context);
+// Gives the viewer a command (HELP_CONTEXT with a context number, for example) on a help file. False when the
+// system has no help viewer call, or it refused. owner is the window (HWND) that asks; it may be null.
+bool CallWinHelp(void* owner, const std::wstring& help_file, std::uint32_t command, std::uint32_t data);
 
 }  // namespace kesp

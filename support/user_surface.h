@@ -15,8 +15,15 @@ struct MessageBoxRequest {
   std::int32_t help_context = 0;  // only with the Help button
 };
 
-inline constexpr std::uint32_t kStopIcon = 16;       // MB_ICONHAND
-inline constexpr std::uint32_t kHelpButton = 16384;  // MB_HELP
+inline constexpr std::uint32_t kOkCancelButtons = 1;   // MB_OKCANCEL
+inline constexpr std::uint32_t kYesNoButtons = 4;      // MB_YESNO
+inline constexpr std::uint32_t kStopIcon = 16;         // MB_ICONHAND
+inline constexpr std::uint32_t kInformationIcon = 64;  // MB_ICONINFORMATION
+inline constexpr std::uint32_t kHelpButton = 16384;    // MB_HELP
+
+// What ShowMessageBox answers.
+inline constexpr int kCancelAnswer = 2;  // IDCANCEL
+inline constexpr int kYesAnswer = 6;     // IDYES
 
 enum class MousePointer { kDefault, kBusy };
 
@@ -29,6 +36,16 @@ class UserSurface {
 
   // Changes the mouse pointer, until a window under it shows one of its own. Never fails.
   virtual void SetPointer(MousePointer pointer) noexcept = 0;
+
+  // The help file that CallHelp opens from now on, for every thread of the program; empty at first.
+  virtual void SetHelpFile(const std::wstring& path) = 0;
+
+  // Gives the help viewer a command on that file, as the Win32 function WinHelp does without an owner window.
+  // False when there is no viewer, or it refused.
+  virtual bool CallHelp(std::uint32_t command, std::uint32_t data) = 0;
+
+  // The first character that separates whole numbers from fractions in the user's locale.
+  virtual wchar_t DecimalSeparator() = 0;
 };
 
 }  // namespace kesp

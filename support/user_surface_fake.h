@@ -2,6 +2,9 @@
 #pragma once
 
 #include <deque>
+#include <functional>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "support/user_surface.h"
@@ -13,6 +16,8 @@ class UserSurfaceFake final : public UserSurface {
   // Records the request; the next scripted answer, or 1 (OK) when there is none left.
   int ShowMessageBox(const MessageBoxRequest& request) override {
     boxes_.push_back(request);
+    pointer_under_boxes_.push_back(pointer_);
+    if (on_box) on_box();
     if (answers_.empty()) return 1;
     const int answer = answers_.front();
     answers_.pop_front();
@@ -21,6 +26,33 @@ class UserSurfaceFake final : public UserSurface {
 
   void SetPointer(MousePointer pointer) noexcept override { pointer_ = pointer; }
 
+  void SetHelpFile(const std::wstring& path) override { help_file_ = path; }
+  bool CallHelp(std::uint32_t command, std::uint32_t data) override {
+    if (help_failure) throw std::runtime_error("the help viewer fails");
+    help_calls_.push_back({help_file_, command, data, pointer_});
+    return help_answer;
+  }
+  wchar_t DecimalSeparator() override {
+    ++separator_questions;
+    return separator;
+  }
+
+  // A topic that was asked for, and the mouse pointer meanwhile.
+  struct HelpCall {
+    std::wstring file;
+    std::uint32_t command;
+    std::uint32_t data;
+    MousePointer pointer;
+    bool operator==(const HelpCall&) const = default;
+  };
+
+  // Runs while a box is shown.
+  std::function<void()> on_box;
+  bool help_answer = true;
+  bool help_failure = false;
+  wchar_t separator = L'.';
+  int separator_questions = 0;
+
   void Answer(int button) { answers_.push_back(button); }
 
   // Every box that was shown, in order.
@@ -28,10 +60,19 @@ class UserSurfaceFake final : public UserSurface {
 
   MousePointer pointer() const { return pointer_; }
 
+  // The mouse pointer under each box.
+  const std::vector<MousePointer>& pointer_under_boxes() const { return pointer_under_boxes_; }
+
+  const std::vector<HelpCall>& help_calls() const { return help_calls_; }
+  const std::wstring& help_file() const { return help_file_; }
+
  private:
   std::vector<MessageBoxRequest> boxes_;
   std::deque<int> answers_;
   MousePointer pointer_ = MousePointer::kDefault;
+  std::vector<MousePointer> pointer_under_boxes_;
+  std::vector<HelpCall> help_calls_;
+  std::wstring help_file_;
 };
 
 }  // namespace kesp

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <array>
+
 namespace kesp {
 
 namespace {
@@ -11,7 +13,7 @@ namespace {
 struct HelpBinding {
   HWND owner;
   const MessageBoxRequest& request;
-  HelpOpener open_help;
+  HelpCaller call_help;
 };
 thread_local const HelpBinding* current_help = nullptr;
 
@@ -30,7 +32,8 @@ void CALLBACK OpenHelp(HELPINFO* /*info*/) {
   if (current_help == nullptr || current_help->request.help_file.empty()) return;
   try {
     const MessageBoxRequest& request = current_help->request;
-    current_help->open_help(current_help->owner, request.help_file, request.help_context);
+    current_help->call_help(current_help->owner, request.help_file, HELP_CONTEXT,
+                            static_cast<std::uint32_t>(request.help_context));
   } catch (...) {
     // No exception may pass through the system's window procedure; the user sees no help.
   }
@@ -40,7 +43,7 @@ void CALLBACK OpenHelp(HELPINFO* /*info*/) {
 
 int UserSurfaceWin::ShowMessageBox(const MessageBoxRequest& request) {
   HWND owner = GetActiveWindow();
-  const HelpBinding binding{owner, request, open_help_};
+  const HelpBinding binding{owner, request, call_help_};
   const HelpScope scope(binding);
   MSGBOXPARAMSW box{};
   box.cbSize = sizeof(box);
@@ -56,6 +59,27 @@ int UserSurfaceWin::ShowMessageBox(const MessageBoxRequest& request) {
 void UserSurfaceWin::SetPointer(MousePointer pointer) noexcept {
   const bool busy = pointer == MousePointer::kBusy;
   SetCursor(LoadCursorW(nullptr, busy ? IDC_WAIT : IDC_ARROW));
+}
+
+void UserSurfaceWin::SetHelpFile(const std::wstring& path) {
+  const std::lock_guard<std::mutex> lock(help_file_mutex_);
+  help_file_ = path;
+}
+
+bool UserSurfaceWin::CallHelp(std::uint32_t command, std::uint32_t data) {
+  std::wstring help_file;
+  {
+    const std::lock_guard<std::mutex> lock(help_file_mutex_);
+    help_file = help_file_;
+  }
+  return call_help_(nullptr, help_file, command, data);
+}
+
+wchar_t UserSurfaceWin::DecimalSeparator() {
+  std::array<wchar_t, 8> separator{};
+  const int length = GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, separator.data(),
+                                    static_cast<int>(separator.size()));
+  return length > 1 ? separator[0] : L'.';
 }
 
 }  // namespace kesp

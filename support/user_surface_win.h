@@ -1,25 +1,34 @@
-// Message boxes and the mouse pointer on the real screen.
+// Message boxes, the mouse pointer and the help viewer on the real screen.
 #pragma once
+
+#include <mutex>
+#include <string>
 
 #include "support/help_win.h"
 #include "support/user_surface.h"
 
 namespace kesp {
 
-// How the Help button of a box opens its topic; the first argument is the box's owner window or null.
-using HelpOpener = bool (*)(void* owner, const std::wstring& help_file, std::int32_t help_context);
+// How the help viewer is called: as CallWinHelp is.
+using HelpCaller = bool (*)(void* owner, const std::wstring& help_file, std::uint32_t command,
+                            std::uint32_t data);
 
 class UserSurfaceWin final : public UserSurface {
  public:
-  explicit UserSurfaceWin(HelpOpener open_help = ShowHelpContext) : open_help_(open_help) {}
+  explicit UserSurfaceWin(HelpCaller call_help = CallWinHelp) : call_help_(call_help) {}
 
   // The box belongs to the calling thread's active window; without one it is modal to the thread's windows.
   // It runs a message loop. Returns 0 when Windows could not show it.
   int ShowMessageBox(const MessageBoxRequest& request) override;
   void SetPointer(MousePointer pointer) noexcept override;
+  void SetHelpFile(const std::wstring& path) override;
+  bool CallHelp(std::uint32_t command, std::uint32_t data) override;
+  wchar_t DecimalSeparator() override;
 
  private:
-  HelpOpener open_help_;
+  HelpCaller call_help_;
+  std::mutex help_file_mutex_;
+  std::wstring help_file_;
 };
 
 }  // namespace kesp

@@ -24,8 +24,9 @@ struct HelpRecord {
 };
 HelpRecord help_record;
 
-bool RecordHelp(void* owner, const std::wstring& help_file, std::int32_t help_context) {
-  help_record = {help_record.count + 1, owner, help_file, help_context};
+bool RecordHelp(void* owner, const std::wstring& help_file, std::uint32_t command, std::uint32_t data) {
+  EXPECT_EQ(command, std::uint32_t{HELP_CONTEXT});
+  help_record = {help_record.count + 1, owner, help_file, static_cast<std::int32_t>(data)};
   return true;
 }
 

@@ -1,0 +1,98 @@
+// The life of a form: loaded at the first paint, confirmed when its entries are valid and written, or
+// cancelled.
+#include "dialogs/form.h"
+
+#include <utility>
+
+#include "dialogs/dialog_ids.h"
+#include "dialogs/editing.h"
+#include "dialogs/help.h"
+#include "support/error_trap.h"
+
+namespace kesp {
+
+Form::Form(UserSurface& user, std::wstring caption, std::wstring action, std::int32_t help_context,
+           std::vector<TabStrip::Tab> tabs)
+    : cmdOKCancelHelp{{{*this, ID_OK, kEveryPage},
+                       {*this, ID_CANCEL, kEveryPage},
+                       {*this, ID_HELP, kEveryPage}}},
+      tabSettings(*this, ID_TAB_SETTINGS, std::move(tabs)),
+      user_(user),
+      caption_(std::move(caption)),
+      action_(std::move(action)),
+      help_context_(help_context) {
+  for (const TabStrip::Tab& tab : tabSettings.tabs()) {
+    framSettings.emplace_back(*this, ID_FRAM_SETTINGS + tab.tag, kEveryPage);
+  }
+  tabSettings.on_choose = [this] { SwitchPage(); };
+  cmdOKCancelHelp[kOK].on_click = [this] { Confirm(); };
+  cmdOKCancelHelp[kCancel].on_click = [this] { Cancel(); };
+  cmdOKCancelHelp[kHelp].on_click = [this] { ShowContextHelp(user_, help_context_); };
+  SwitchPage();
+}
+
+void Form::FirstPaint() {
+  if (std::exchange(painted_, true)) return;
+  Use([this] { LoadSettings(); });
+}
+
+void Form::Use(const std::function<void()>& action) {
+  RunTrapped(user_, action_, [&] {
+    action();
+    return true;
+  });
+}
+
+std::int16_t Form::KeyPress(TextBox& box, std::int16_t key) {
+  std::int16_t kept = 0;
+  Use([&] {
+    OnKeyPress(box, key);
+    kept = box.filter() == KeyFilter::kDigits ? FilterDigit(user_, key) : FilterSignedDecimal(user_, key);
+  });
+  return kept;
+}
+
+void Form::GotFocus(Control& control) {
+  focused_ = &control;
+  if (auto* box = dynamic_cast<TextBox*>(&control)) Use([box] { box->SelectAll(); });
+}
+
+void Form::LostFocus(Control& control) {
+  if (auto* box = dynamic_cast<TextBox*>(&control)) Use([box] { box->Leave(); });
+}
+
+void Form::Close() {
+  if (is_open_) Cancel();
+}
+
+void Form::SwitchPage() {
+  for (std::size_t index = 0; index < tabSettings.tabs().size(); ++index) {
+    const auto frame = static_cast<std::size_t>(tabSettings.tabs()[index].tag);
+    framSettings[frame].Show(index == tabSettings.selection());
+  }
+}
+
+void Form::ShowControl(const Control& control) {
+  const auto& tabs = tabSettings.tabs();
+  for (std::size_t index = 0; index < tabs.size(); ++index) {
+    if (tabs[index].tag == control.page()) tabSettings.Select(index);
+  }
+  SwitchPage();
+  Focus(control);
+}
+
+void Form::Focus(const Control& control) {
+  focused_ = &control;
+  if (view() != nullptr) view()->OnFocus(control);
+}
+
+void Form::Cancel() {
+  b_cancel_ = true;
+  is_open_ = false;
+}
+
+void Form::Confirm() {
+  if (Validate() && WriteSettings()) is_open_ = false;
+}
+
+}  // namespace kesp

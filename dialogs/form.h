@@ -1,0 +1,104 @@
+// A settings dialog without its window: its controls, its pages, and how it is loaded, confirmed and
+// cancelled.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "dialogs/controls.h"
+#include "dialogs/text_box.h"
+#include "support/user_surface.h"
+
+namespace kesp {
+
+// The base of every form. A form is made for one showing of its dialog and used by one thread. Its life:
+// it is made with everything set up; the window shows it and calls FirstPaint, which loads the settings; the
+// user works; OK or Cancel closes it. Its controls are public members with the names that the dialogs'
+// descriptions use, so that a window finds them and a test reads them.
+//
+// The entry points for the window let no failure out: they show it in the error box, and the form stays as it
+// is then.
+class Form : public ControlOwner {
+ public:
+  // Index of each of the three buttons.
+  enum : std::size_t { kOK = 0, kCancel = 1, kHelp = 2 };
+
+  const std::wstring& caption() const { return caption_; }
+  std::int32_t help_context() const { return help_context_; }
+
+  // Whether the dialog is still to be seen, and whether it ended by Cancel.
+  bool is_open() const { return is_open_; }
+  bool bCancel() const { return b_cancel_; }
+
+  // The control that the form gave the focus to last, or that got it; null for none yet.
+  const Control* focused() const { return focused_; }
+
+  // For the window -----------------------------------------------------------------------------------------
+
+  // The dialog has been painted: loads the settings when it is the first time.
+  void FirstPaint();
+
+  // Something that the user does: clicks, choices. Runs it under the error trap.
+  void Use(const std::function<void()>& action);
+
+  // A character that is typed into the box: its code, that of another character in its place, or 0 when it is
+  // to be dropped.
+  std::int16_t KeyPress(TextBox& box, std::int16_t key);
+
+  // The focus goes to a control, or leaves it for another one of the dialog.
+  void GotFocus(Control& control);
+  void LostFocus(Control& control);
+
+  // The title bar's close button, and Escape.
+  void Close();
+
+  std::array<Button, 3> cmdOKCancelHelp;
+  TabStrip tabSettings;
+  std::deque<Frame> framSettings;  // one for each page; the index is the page
+
+ protected:
+  // action names what is going on for the error box, for example "attempting to edit TCP/IP settings".
+  Form(UserSurface& user, std::wstring caption, std::wstring action, std::int32_t help_context,
+       std::vector<TabStrip::Tab> tabs);
+
+  UserSurface& user() const { return user_; }
+
+  // Fills the controls from what is edited.
+  virtual void LoadSettings() = 0;
+
+  // Checks what was entered and tells the user of the first mistake. Writes it back. True on success.
+  virtual bool Validate() = 0;
+  virtual bool WriteSettings() = 0;
+
+  // What a character does beyond being filtered.
+  virtual void OnKeyPress(TextBox& /*box*/, std::int16_t /*key*/) {}
+
+  // Shows exactly the frame of the selected tab.
+  void SwitchPage();
+
+  // Selects the control's page and gives it the focus.
+  void ShowControl(const Control& control);
+  void Focus(const Control& control);
+
+  // Ends the dialog as the Cancel button does.
+  void Cancel();
+
+ private:
+  void Confirm();
+
+  UserSurface& user_;
+  const std::wstring caption_;
+  const std::wstring action_;
+  const std::int32_t help_context_;
+  bool painted_ = false;
+  bool is_open_ = true;
+  bool b_cancel_ = false;
+  const Control* focused_ = nullptr;
+};
+
+}  // namespace kesp
