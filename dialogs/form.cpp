@@ -72,13 +72,19 @@ void Form::SwitchPage() {
   }
 }
 
-void Form::ShowControl(const Control& control) {
+void Form::SelectPage(int page) {
   const auto& tabs = tabSettings.tabs();
   for (std::size_t index = 0; index < tabs.size(); ++index) {
-    if (tabs[index].tag == control.page()) tabSettings.Select(index);
+    if (tabs[index].tag == page) tabSettings.Select(index);
   }
   SwitchPage();
+}
+
+bool Form::Refuse(const Control& control, const std::wstring& title, const std::wstring& message) {
+  ShowMessage(user_, message, title);
+  SelectPage(control.page());
   Focus(control);
+  return false;
 }
 
 void Form::Focus(const Control& control) {

@@ -81,8 +81,11 @@ class Form : public ControlOwner {
   // Shows exactly the frame of the selected tab.
   void SwitchPage();
 
-  // Selects the control's page and gives it the focus.
-  void ShowControl(const Control& control);
+  // Tells the user what is wrong with a control's entry, selects its page and gives it the focus. False, as
+  // the outcome of Validate.
+  bool Refuse(const Control& control, const std::wstring& title, const std::wstring& message);
+
+  // Gives the control the focus.
   void Focus(const Control& control);
 
   // Ends the dialog as the Cancel button does.
@@ -90,6 +93,7 @@ class Form : public ControlOwner {
 
  private:
   void Confirm();
+  void SelectPage(int page);
 
   UserSurface& user_;
   const std::wstring caption_;

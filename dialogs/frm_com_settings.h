@@ -1,8 +1,6 @@
 // The form of the dialog "RS-232 Communication Settings": what it shows, what it allows, and what it writes.
 #pragma once
 
-#include <string>
-
 #include "dialogs/form.h"
 #include "dialogs/rf_modem_dialog.h"
 #include "serial/com_port_dialog.h"
@@ -72,7 +70,6 @@ class frmCOMSettings final : public Form {
   void OnRFProperties();
   void ShowRFProperties();
 
-  bool Refuse(const Control& control, const std::wstring& title, const std::wstring& message);
   bool IsValid();
   void WriteExtended();
   void WriteSmartSwitch();

@@ -16,12 +16,6 @@ constexpr wchar_t kInvalidAddress[] = L"Invalid Instrument Address";
 
 }  // namespace
 
-bool frmCOMSettings::Refuse(const Control& control, const std::wstring& title, const std::wstring& message) {
-  ShowMessage(user(), message, title);
-  ShowControl(control);
-  return false;
-}
-
 bool frmCOMSettings::Validate() {
   return RunTrapped(user(), L"attempting to validate communication settings", [this] { return IsValid(); });
 }
