@@ -1,0 +1,129 @@
+// Each kind of control, drawn by the messages of its window class.
+#include "dialogs/control_painter_win.h"
+
+#include <utility>
+
+namespace kesp {
+
+namespace {
+
+constexpr Change kAllChanges[] = {Change::kEntries,      Change::kSelection, Change::kText,
+                                  Change::kSelectedText, Change::kChecked,   Change::kValue,
+                                  Change::kEnabled,      Change::kVisible};
+
+}  // namespace
+
+HWND ControlPainter::WindowOf(const Control& control) const {
+  const auto found = windows_.find(&control);
+  return found == windows_.end() ? nullptr : found->second;
+}
+
+void ControlPainter::SetImages(const Control& control, const ControlImages& images) {
+  images_[&control] = &images;
+  SendMessageW(WindowOf(control), CBEM_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images.handle()));
+}
+
+void ControlPainter::DrawAll(const Control& control) {
+  for (const Change change : kAllChanges) Draw(control, change);
+}
+
+void ControlPainter::Draw(const Control& control, Change change) {
+  HWND window = WindowOf(control);
+  if (window == nullptr) return;
+  const HWND outer_window = std::exchange(window_, window);
+  const Change outer_change = std::exchange(change_, change);
+  const bool outer_drawing = std::exchange(drawing_, true);
+  switch (change) {
+    case Change::kEnabled:
+      EnableWindow(window, control.enabled() ? TRUE : FALSE);
+      break;
+    case Change::kVisible:
+      ShowWindow(window, control.visible() ? SW_SHOWNA : SW_HIDE);
+      break;
+    default:
+      control.Accept(*this);
+  }
+  window_ = outer_window;
+  change_ = outer_change;
+  drawing_ = outer_drawing;
+}
+
+void ControlPainter::Visit(const Label& label) {
+  // Captions that the form does not know stand in the resource.
+  if (change_ == Change::kText && !label.text().empty()) SetWindowTextW(window_, label.text().c_str());
+}
+
+void ControlPainter::Visit(const Button& /*button*/) {}
+
+void ControlPainter::Visit(const CheckBox& box) {
+  if (change_ == Change::kChecked) Send(BM_SETCHECK, box.checked() ? BST_CHECKED : BST_UNCHECKED, 0);
+}
+
+void ControlPainter::Visit(const OptionButton& button) {
+  if (change_ == Change::kChecked) Send(BM_SETCHECK, button.selected() ? BST_CHECKED : BST_UNCHECKED, 0);
+}
+
+void ControlPainter::Visit(const ChoiceList& list) {
+  if (change_ == Change::kEntries) FillList(list);
+  if (change_ != Change::kSelection && change_ != Change::kEntries) return;
+  Send(CB_SETCURSEL, list.selection() ? *list.selection() : static_cast<WPARAM>(-1), 0);
+}
+
+void ControlPainter::FillList(const ChoiceList& list) {
+  Send(CB_RESETCONTENT, 0, 0);
+  const auto images = images_.find(&list);
+  for (const ChoiceList::Entry& entry : list.entries()) {
+    if (images == images_.end()) {
+      Send(CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(entry.text.c_str()));
+      continue;
+    }
+    COMBOBOXEXITEMW item{};
+    item.mask = CBEIF_TEXT | CBEIF_IMAGE | CBEIF_SELECTEDIMAGE;
+    item.iItem = -1;
+    item.pszText = const_cast<wchar_t*>(entry.text.c_str());
+    item.iImage = item.iSelectedImage = images->second->IndexOf(entry.image);
+    Send(CBEM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+  }
+}
+
+void ControlPainter::Visit(const UpDown& arrows) {
+  if (change_ != Change::kValue) return;
+  UDACCEL speed{0, static_cast<UINT>(arrows.step())};
+  Send(UDM_SETACCEL, 1, reinterpret_cast<LPARAM>(&speed));
+  Send(UDM_SETRANGE32, static_cast<WPARAM>(arrows.minimum()), arrows.maximum());
+}
+
+void ControlPainter::Visit(const ProgressBar& bar) {
+  if (change_ != Change::kValue) return;
+  Send(PBM_SETRANGE32, static_cast<WPARAM>(bar.minimum()), bar.maximum());
+  Send(PBM_SETPOS, static_cast<WPARAM>(bar.value()), 0);
+}
+
+void ControlPainter::Visit(const Frame& /*frame*/) {}
+
+void ControlPainter::Visit(const TabStrip& strip) {
+  if (change_ == Change::kEntries) FillTabs(strip);
+  if (change_ == Change::kSelection || change_ == Change::kEntries) Send(TCM_SETCURSEL, strip.selection(), 0);
+}
+
+void ControlPainter::FillTabs(const TabStrip& strip) const {
+  Send(TCM_DELETEALLITEMS, 0, 0);
+  int index = 0;
+  for (const TabStrip::Tab& tab : strip.tabs()) {
+    TCITEMW item{};
+    item.mask = TCIF_TEXT | TCIF_PARAM;
+    item.pszText = const_cast<wchar_t*>(tab.caption.c_str());
+    item.lParam = tab.tag;
+    Send(TCM_INSERTITEMW, static_cast<WPARAM>(index++), reinterpret_cast<LPARAM>(&item));
+  }
+}
+
+void ControlPainter::Visit(const TextBox& box) {
+  if (change_ == Change::kText) SetWindowTextW(window_, box.text().c_str());
+  if (change_ == Change::kSelectedText) {
+    Send(EM_SETSEL, box.selection_start(),
+         static_cast<LPARAM>(box.selection_start() + box.selection_length()));
+  }
+}
+
+}  // namespace kesp

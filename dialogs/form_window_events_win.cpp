@@ -1,0 +1,139 @@
+// What Windows reports to a form's window, and what of it the form is told.
+#include <array>
+#include <string>
+
+#include "dialogs/form_window_win.h"
+
+namespace kesp {
+
+namespace {
+
+std::wstring TextOf(HWND window) {
+  std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+  text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+  return text;
+}
+
+bool IsDown(int key) {
+  return (GetKeyState(key) & 0x8000) != 0;
+}
+
+}  // namespace
+
+INT_PTR CALLBACK FormWindow::Procedure(HWND window, UINT message, WPARAM first, LPARAM second) {
+  if (message == WM_INITDIALOG) {
+    SetWindowLongPtrW(window, DWLP_USER, second);
+    // The focus is set when the window is shown.
+    return FALSE;
+  }
+  auto* self = reinterpret_cast<FormWindow*>(GetWindowLongPtrW(window, DWLP_USER));
+  if (self == nullptr) return FALSE;
+  try {
+    return self->Handle(window, message, first, second);
+  } catch (...) {
+    // No exception may pass through the system. The form shows its own failures; this is memory at its end.
+    return FALSE;
+  }
+}
+
+INT_PTR FormWindow::Handle(HWND window, UINT message, WPARAM first, LPARAM second) {
+  switch (message) {
+    case WM_COMMAND:
+      OnCommand(LOWORD(first), HIWORD(first));
+      return TRUE;
+    case WM_NOTIFY: {
+      const auto& notice = *reinterpret_cast<const NMHDR*>(second);
+      if (notice.code != static_cast<UINT>(TCN_SELCHANGE)) return FALSE;
+      OnTabChosen(static_cast<std::size_t>(TabCtrl_GetCurSel(notice.hwndFrom)));
+      return TRUE;
+    }
+    case WM_HELP:
+      OnClick(form_.cmdOKCancelHelp[Form::kHelp]);
+      return TRUE;
+    case WM_CLOSE:
+      form_.Close();
+      return TRUE;
+    case WM_CTLCOLORDLG:
+    case WM_CTLCOLORSTATIC:
+    case WM_CTLCOLORBTN:
+      return reinterpret_cast<INT_PTR>(
+          BackgroundFor(window, reinterpret_cast<HWND>(second), reinterpret_cast<HDC>(first)));
+    case WM_SIZE:
+    case WM_THEMECHANGED:
+      backgrounds_.erase(window);
+      return FALSE;
+    case WM_DESTROY:
+      if (window == dialog_) {
+        dialog_ = nullptr;
+        form_.Close();
+      }
+      return FALSE;
+    default:
+      return FALSE;
+  }
+}
+
+void FormWindow::OnCommand(int id, int code) {
+  Control* control = FindControl(id);
+  if (control == nullptr || painter_.is_drawing()) return;
+  if (auto* box = dynamic_cast<TextBox*>(control)) {
+    if (code == EN_CHANGE) box->Type(TextOf(painter_.WindowOf(*box)));
+  } else if (auto* list = dynamic_cast<ChoiceList*>(control)) {
+    OnListNotice(*list, code);
+  } else if (code == BN_CLICKED) {
+    OnClick(*control);
+  }
+}
+
+void FormWindow::OnClick(Control& control) const {
+  form_.Use([&control] {
+    if (auto* button = dynamic_cast<Button*>(&control)) button->Click();
+    if (auto* box = dynamic_cast<CheckBox*>(&control)) box->Click();
+    if (auto* option = dynamic_cast<OptionButton*>(&control)) option->Click();
+  });
+}
+
+void FormWindow::OnListNotice(ChoiceList& list, int code) {
+  const LRESULT index = SendMessageW(painter_.WindowOf(list), CB_GETCURSEL, 0, 0);
+  if (index < 0) return;
+  const auto chosen = static_cast<std::size_t>(index);
+  // A list that closes may have gone back to another entry without saying so.
+  const bool closed_elsewhere = code == CBN_CLOSEUP && list.selection() != chosen;
+  if (code != CBN_SELCHANGE && !closed_elsewhere) return;
+  form_.Use([&] { list.Choose(chosen); });
+}
+
+void FormWindow::OnTabChosen(std::size_t index) {
+  // The page that goes takes no focus with it.
+  HWND focus = GetFocus();
+  for (HWND page : pages_) {
+    if (page != nullptr && IsChild(page, focus) != FALSE) SetFocus(painter_.WindowOf(form_.tabSettings));
+  }
+  form_.Use([&] { form_.tabSettings.Choose(index); });
+}
+
+bool FormWindow::IsPageKey(const MSG& message) const {
+  const bool key = message.wParam == VK_TAB || message.wParam == VK_NEXT || message.wParam == VK_PRIOR;
+  return message.message == WM_KEYDOWN && key && IsDown(VK_CONTROL) && !IsDown(VK_MENU) &&
+         IsChild(dialog_, message.hwnd) != FALSE;
+}
+
+void FormWindow::StepPage(const MSG& message) {
+  const std::size_t count = form_.tabSettings.tabs().size();
+  const bool backwards = message.wParam == VK_PRIOR || (message.wParam == VK_TAB && IsDown(VK_SHIFT));
+  OnTabChosen((form_.tabSettings.selection() + (backwards ? count - 1 : 1)) % count);
+  FocusFirst();
+}
+
+HBRUSH FormWindow::BackgroundFor(HWND page, HWND window, HDC device) {
+  return page == dialog_ ? nullptr : backgrounds_[page].BrushFor(page, window, device);
+}
+
+Control* FormWindow::FindControl(int id) const {
+  for (Control* control : form_.controls()) {
+    if (control->id() == id) return control;
+  }
+  return nullptr;
+}
+
+}  // namespace kesp

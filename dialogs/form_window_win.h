@@ -1,0 +1,80 @@
+// The window of a form: made from the resources, it draws what the form says and tells it what the user does.
+#pragma once
+
+#include <windows.h>
+
+#include <deque>
+#include <map>
+#include <vector>
+
+#include "dialogs/control_images_win.h"
+#include "dialogs/control_painter_win.h"
+#include "dialogs/form.h"
+#include "dialogs/number_edit_win.h"
+#include "dialogs/tab_page_win.h"
+
+namespace kesp {
+
+// Which resources a form is drawn with.
+struct FormResources {
+  int dialog;
+  std::vector<int> pages;  // the index is the page
+  // The pictures of the image combos, by the number of the control.
+  std::map<int, std::vector<ControlImages::Image>> images;
+};
+
+// Shows a form once. Used by the thread that the client calls on, whose messages it goes on delivering.
+class FormWindow final : private FormView {
+ public:
+  FormWindow(Form& form, const FormResources& resources);
+  ~FormWindow() override;
+  FormWindow(const FormWindow&) = delete;
+  FormWindow& operator=(const FormWindow&) = delete;
+
+  // Shows the window in front of the thread's active one, or alone when there is none, and returns when the
+  // form has closed. The thread's other windows take no input meanwhile. When the program is told to end, or
+  // the owner goes, the dialog is cancelled. Throws std::runtime_error when the window cannot be made.
+  void ShowModal();
+
+ private:
+  // FormView
+  void OnChanged(const Control& control, Change change) override { painter_.Draw(control, change); }
+  void OnFocus(const Control& control) override;
+
+  // Of the dialog and its pages alike.
+  static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM first, LPARAM second);
+  INT_PTR Handle(HWND window, UINT message, WPARAM first, LPARAM second);
+
+  void Make();
+  HWND MakeDialog(int resource, HWND parent);
+  void MakePages();
+  void BindControls();
+  void BindTextBoxes();
+  void AddToolTips();
+  HWND VisiblePage() const;
+  void FocusFirst() const;
+  void RunLoop();
+
+  // Ctrl with Tab, Page Up or Page Down anywhere in the dialog.
+  bool IsPageKey(const MSG& message) const;
+  void StepPage(const MSG& message);
+
+  void OnCommand(int id, int code);
+  void OnClick(Control& control) const;
+  void OnListNotice(ChoiceList& list, int code);
+  void OnTabChosen(std::size_t index);
+  HBRUSH BackgroundFor(HWND page, HWND window, HDC device);
+  Control* FindControl(int id) const;
+
+  Form& form_;
+  const FormResources resources_;
+  HWND owner_;
+  HWND dialog_ = nullptr;
+  std::vector<HWND> pages_;  // null where the form has no such tab
+  ControlPainter painter_;
+  std::deque<ControlImages> images_;
+  std::deque<NumberEdit> edits_;
+  std::map<HWND, TabPage> backgrounds_;
+};
+
+}  // namespace kesp

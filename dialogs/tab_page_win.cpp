@@ -1,0 +1,52 @@
+// A page's background as the theme paints it, kept as a brush.
+#include "dialogs/tab_page_win.h"
+
+#include "dialogs/common_controls_win.h"
+
+namespace kesp {
+
+namespace {
+
+HBRUSH PaintedBrush(HWND page) {
+  if (IsAppThemed() == FALSE) return nullptr;
+  const HTHEME theme = OpenThemeData(page, L"TAB");
+  if (theme == nullptr) return nullptr;
+  RECT area{};
+  GetClientRect(page, &area);
+  const HDC screen = GetDC(nullptr);
+  const HDC memory = CreateCompatibleDC(screen);
+  const HBITMAP bitmap = CreateCompatibleBitmap(screen, area.right, area.bottom);
+  ReleaseDC(nullptr, screen);
+  const HGDIOBJ before = SelectObject(memory, bitmap);
+  FillRect(memory, &area, GetSysColorBrush(COLOR_BTNFACE));
+  const HRESULT drawn = DrawThemeBackground(theme, memory, TABP_BODY, 0, &area, nullptr);
+  SelectObject(memory, before);
+  DeleteDC(memory);
+  CloseThemeData(theme);
+  const HBRUSH brush = SUCCEEDED(drawn) ? CreatePatternBrush(bitmap) : nullptr;
+  DeleteObject(bitmap);
+  return brush;
+}
+
+}  // namespace
+
+TabPage::~TabPage() {
+  Forget();
+}
+
+HBRUSH TabPage::BrushFor(HWND page, HWND window, HDC device) {
+  if (brush_ == nullptr) brush_ = PaintedBrush(page);
+  if (brush_ == nullptr) return nullptr;
+  POINT origin{};
+  MapWindowPoints(window, page, &origin, 1);
+  SetBrushOrgEx(device, -origin.x, -origin.y, nullptr);
+  SetBkMode(device, TRANSPARENT);
+  return brush_;
+}
+
+void TabPage::Forget() {
+  if (brush_ != nullptr) DeleteObject(brush_);
+  brush_ = nullptr;
+}
+
+}  // namespace kesp
