@@ -6,18 +6,10 @@
 #include <functional>
 #include <string>
 #include <thread>
-#include <vector>
+
+#include "window_reading.h"
 
 namespace kesp {
-
-// What a box shows.
-struct BoxContents {
-  std::vector<std::wstring> texts;    // of its labels that are not empty
-  std::vector<std::wstring> buttons;  // from left to right, without the "&" of their access keys
-  HICON icon = nullptr;
-  HWND owner = nullptr;
-  bool owner_enabled = true;
-};
 
 // Waits on a thread of its own for a box with that title, on the thread that made the reader; reads it, has
 // `act` do what a user would, and waits for the box to go. Whatever goes wrong, the box is closed at the

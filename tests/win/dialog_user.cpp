@@ -1,0 +1,266 @@
+// What somebody at the screen does, as messages in the queue of the thread that shows the dialog.
+#include "dialog_user.h"
+
+#include <commctrl.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <utility>
+
+namespace kesp {
+
+namespace {
+
+constexpr UINT kSignal = WM_APP + 1;
+
+// A window of the watched thread that answers to posted messages in their turn: what was posted before is
+// done by then. The message's second argument is the event to be set.
+LRESULT CALLBACK SignalProcedure(HWND window, UINT message, WPARAM first, LPARAM second) {
+  if (message != kSignal) return DefWindowProcW(window, message, first, second);
+  SetEvent(reinterpret_cast<HANDLE>(second));
+  return 0;
+}
+
+HWND MakeSignalWindow() {
+  HWND window = CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+  SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&SignalProcedure));
+  return window;
+}
+
+POINT MiddleOf(const RECT& area) {
+  return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
+}
+
+struct ControlSearch {
+  int id;
+  HWND found;
+};
+
+BOOL CALLBACK IsTheControl(HWND window, LPARAM search) {
+  auto& wanted = *reinterpret_cast<ControlSearch*>(search);
+  if (GetDlgCtrlID(window) != wanted.id) return TRUE;
+  wanted.found = window;
+  return FALSE;
+}
+
+HWND FindControl(HWND dialog, int id) {
+  ControlSearch search{id, nullptr};
+  EnumChildWindows(dialog, &IsTheControl, reinterpret_cast<LPARAM>(&search));
+  return search.found;
+}
+
+}  // namespace
+
+DialogUser::DialogUser(std::wstring caption, Act act)
+    : caption_(std::move(caption)),
+      act_(std::move(act)),
+      watched_thread_(GetCurrentThreadId()),
+      signal_(MakeSignalWindow()),
+      thread_([this] { Run(); }) {}
+
+DialogUser::~DialogUser() {
+  thread_.join();
+  DestroyWindow(signal_);
+  EXPECT_TRUE(came_) << "the dialog did not come";
+  EXPECT_TRUE(!came_ || went_) << "the dialog had to be closed by force";
+}
+
+void DialogUser::Run() {
+  came_ = WaitFor([this] { return (window_ = FindDialog(caption_, watched_thread_)) != nullptr; });
+  if (came_) {
+    Settle();
+    act_(*this);
+    went_ = WaitFor([this] { return IsWindow(window_) == FALSE; });
+  }
+  if (!went_) CloseDialogs(watched_thread_);
+}
+
+HWND DialogUser::Control(int id) const {
+  HWND control = FindControl(window_, id);
+  EXPECT_NE(control, nullptr) << "no control has the number " << id;
+  return control;
+}
+
+bool DialogUser::Has(int id) const {
+  return FindControl(window_, id) != nullptr;
+}
+
+bool DialogUser::IsChecked(int id) const {
+  return Ask(Control(id), BM_GETCHECK) == BST_CHECKED;
+}
+
+int DialogUser::Focus() const {
+  GUITHREADINFO thread{};
+  thread.cbSize = sizeof(thread);
+  GetGUIThreadInfo(watched_thread_, &thread);
+  for (HWND window = thread.hwndFocus; window != nullptr && window != window_; window = GetParent(window)) {
+    // The combo within an image combo has no number of its own.
+    if (GetDlgCtrlID(window) > 0) return GetDlgCtrlID(window);
+  }
+  return 0;
+}
+
+std::pair<DWORD, DWORD> DialogUser::SelectedText(int id) const {
+  const auto range = static_cast<DWORD>(Ask(Control(id), EM_GETSEL));
+  return {LOWORD(range), HIWORD(range)};
+}
+
+std::vector<std::wstring> DialogUser::Entries(int id) const {
+  std::vector<std::wstring> entries;
+  HWND list = Control(id);
+  const LRESULT count = Ask(list, CB_GETCOUNT);
+  for (LRESULT index = 0; index < count; ++index) {
+    std::array<wchar_t, 256> text{};
+    Ask(list, CB_GETLBTEXT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(text.data()));
+    entries.emplace_back(text.data());
+  }
+  return entries;
+}
+
+int DialogUser::Selection(int id) const {
+  return static_cast<int>(Ask(Control(id), CB_GETCURSEL));
+}
+
+std::vector<std::wstring> DialogUser::Tabs() const {
+  std::vector<std::wstring> captions;
+  HWND strip = FindWindowExW(window_, nullptr, WC_TABCONTROLW, nullptr);
+  const LRESULT count = Ask(strip, TCM_GETITEMCOUNT);
+  for (LRESULT index = 0; index < count; ++index) {
+    std::array<wchar_t, 64> text{};
+    TCITEMW item{};
+    item.mask = TCIF_TEXT;
+    item.pszText = text.data();
+    item.cchTextMax = static_cast<int>(text.size());
+    Ask(strip, TCM_GETITEMW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
+    captions.emplace_back(text.data());
+  }
+  return captions;
+}
+
+int DialogUser::Tab() const {
+  return static_cast<int>(Ask(FindWindowExW(window_, nullptr, WC_TABCONTROLW, nullptr), TCM_GETCURSEL));
+}
+
+void DialogUser::Click(int id) {
+  HWND control = Control(id);
+  RECT area{};
+  GetClientRect(control, &area);
+  PostClick(control, MiddleOf(area));
+  Settle();
+}
+
+void DialogUser::ClickTab(int index) {
+  HWND strip = FindWindowExW(window_, nullptr, WC_TABCONTROLW, nullptr);
+  RECT area{};
+  Ask(strip, TCM_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&area));
+  PostClick(strip, MiddleOf(area));
+  Settle();
+}
+
+void DialogUser::Press(UINT key) {
+  PostKey(key);
+  Settle();
+}
+
+void DialogUser::PressWith(UINT modifier, UINT key) {
+  // The thread's key state follows input from the keyboard, not posted messages.
+  AttachThreadInput(GetCurrentThreadId(), watched_thread_, TRUE);
+  std::array<BYTE, 256> keys{};
+  GetKeyboardState(keys.data());
+  const BYTE before = std::exchange(keys[modifier], BYTE{0x80});
+  SetKeyboardState(keys.data());
+  PostKey(key);
+  Settle();
+  keys[modifier] = before;
+  SetKeyboardState(keys.data());
+  AttachThreadInput(GetCurrentThreadId(), watched_thread_, FALSE);
+}
+
+void DialogUser::Type(const std::wstring& text) {
+  for (const wchar_t character : text) {
+    GUITHREADINFO thread{};
+    thread.cbSize = sizeof(thread);
+    GetGUIThreadInfo(watched_thread_, &thread);
+    Post(thread.hwndFocus, WM_CHAR, character, 1);
+    // A character may move the focus.
+    Settle();
+  }
+}
+
+void DialogUser::Choose(int id, int index) {
+  MoveTo(id);
+  Press(VK_F4);
+  Press(VK_HOME);
+  for (int step = 0; step < index; ++step) Press(VK_DOWN);
+  Press(VK_RETURN);
+}
+
+void DialogUser::MoveTo(int id) {
+  Post(window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Control(id)), TRUE);
+  Settle();
+}
+
+void DialogUser::CloseByTitleBar() {
+  Post(window_, WM_SYSCOMMAND, SC_CLOSE, 0);
+  Settle();
+}
+
+BoxContents DialogUser::AnswerBox(const std::wstring& title, int button) {
+  HWND box = nullptr;
+  if (!WaitFor([&] { return (box = FindDialog(title, watched_thread_)) != nullptr; })) {
+    ADD_FAILURE() << "the box did not come";
+    return {};
+  }
+  BoxContents contents = ReadBox(box);
+  Post(GetDlgItem(box, button), BM_CLICK, 0, 0);
+  EXPECT_TRUE(WaitFor([box] { return IsWindow(box) == FALSE; })) << "the box did not go";
+  Settle();
+  return contents;
+}
+
+void DialogUser::In(const std::wstring& caption, const Act& act) {
+  HWND inner = nullptr;
+  if (!WaitFor([&] { return (inner = FindDialog(caption, watched_thread_)) != nullptr; })) {
+    ADD_FAILURE() << "the inner dialog did not come";
+    return;
+  }
+  HWND outer = std::exchange(window_, inner);
+  Settle();
+  act(*this);
+  EXPECT_TRUE(WaitFor([inner] { return IsWindow(inner) == FALSE; })) << "the inner dialog did not go";
+  window_ = outer;
+  Settle();
+}
+
+void DialogUser::Settle() const {
+  HANDLE done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  PostMessageW(signal_, kSignal, 0, reinterpret_cast<LPARAM>(done));
+  const auto is_done = [done] { return WaitForSingleObject(done, 0) == WAIT_OBJECT_0; };
+  // A dialog that closed delivers no more messages.
+  EXPECT_TRUE(WaitFor([&] { return is_done() || IsWindow(window_) == FALSE; }))
+      << "the thread does not answer";
+  // Left open when it was not set: the thread may yet set it.
+  if (is_done()) CloseHandle(done);
+}
+
+void DialogUser::Post(HWND window, UINT message, WPARAM first, LPARAM second) const {
+  EXPECT_NE(PostMessageW(window, message, first, second), FALSE)
+      << "there is no window for message " << message;
+}
+
+void DialogUser::PostClick(HWND window, POINT at) const {
+  const LPARAM position = MAKELPARAM(at.x, at.y);
+  Post(window, WM_LBUTTONDOWN, MK_LBUTTON, position);
+  Post(window, WM_LBUTTONUP, 0, position);
+}
+
+void DialogUser::PostKey(UINT key) const {
+  GUITHREADINFO thread{};
+  thread.cbSize = sizeof(thread);
+  GetGUIThreadInfo(watched_thread_, &thread);
+  HWND window = thread.hwndFocus != nullptr ? thread.hwndFocus : window_;
+  Post(window, WM_KEYDOWN, key, 1);
+  Post(window, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001U));
+}
+
+}  // namespace kesp
