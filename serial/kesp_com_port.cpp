@@ -63,10 +63,12 @@ const wchar_t* StopBitsNumber(EKespStopBits3 stop_bits) {
 
 }  // namespace
 
-CKespCOMPort3::CKespCOMPort3(Environment& environment, SerialPorts& ports, CKespCOMPort3Events* events)
+CKespCOMPort3::CKespCOMPort3(Environment& environment, SerialPorts& ports, CKespCOMPort3Events* events,
+                             ComPortDialog* dialog)
     : environment_(environment),
       ports_(ports),
       events_(events),
+      dialog_(dialog),
       log_(environment.clock, environment.files, L"CKespCOMPort3.log"),
       key_(NewObjectKey(environment.guids)),
       smart_switch_(std::make_shared<CKespSmartSwitch3>()),

@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "serial/com_port_dialog.h"
 #include "serial/com_port_events.h"
 #include "serial/radio_modem_settings.h"
 #include "serial/serial_control.h"
@@ -34,8 +35,10 @@ class CKespCOMPort3 final : private SwitchLine {
   static constexpr std::size_t kReplyLimit = std::size_t{64} * 1024 * 1024;
 
   // Makes the key, then the port switch, and gives every setting its default. `events` receives the object's
-  // events and may be null; it must outlive the object.
-  CKespCOMPort3(Environment& environment, SerialPorts& ports, CKespCOMPort3Events* events = nullptr);
+  // events, `dialog` is what Edit shows. Either may be null, the dialog where there is no screen; they must
+  // outlive the object.
+  CKespCOMPort3(Environment& environment, SerialPorts& ports, CKespCOMPort3Events* events = nullptr,
+                ComPortDialog* dialog = nullptr);
 
   // Closes the port, and notes in the settings file that nobody knows where the radio modem on it points.
   ~CKespCOMPort3() override;
@@ -227,6 +230,15 @@ class CKespCOMPort3 final : private SwitchLine {
   // shown in the error box and ends the test at once; the port stays as it is then.
   void TestSmartSwitch();
 
+  // Closes the port and lets the user edit the settings in a dialog, of which Flags (any combination of the
+  // RS-232 ones; others mean nothing here) tells how much is shown. HelpFile, when not empty, becomes the
+  // help file of the whole program, and stays it; HCID is the number of the topic in it that Help opens, 0
+  // for none. True when the user confirmed; the new settings are then in place. False when he cancelled (what
+  // the dialog changes at once stays changed), when there is no screen, and after a failure, which is shown
+  // in the error box. The port is closed afterwards in every case; a failure of that is shown, too, and does
+  // not change the answer.
+  bool Edit(EEditCommFlags Flags = {}, const std::wstring& HelpFile = {}, std::int32_t HCID = 0);
+
  private:
   enum class ReadOutcome { kComplete, kTimeOut, kAborted };
   // What trying a command, or a rate, came to: an answer, nothing, characters that tell of a wrong rate, or a
@@ -297,6 +309,7 @@ class CKespCOMPort3 final : private SwitchLine {
   Environment& environment_;
   SerialPorts& ports_;
   CKespCOMPort3Events* events_;
+  ComPortDialog* dialog_;
   DiagnosticLog log_;
   std::wstring key_;
   std::shared_ptr<CKespSmartSwitch3> smart_switch_;

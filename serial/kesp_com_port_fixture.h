@@ -10,6 +10,7 @@
 #include <tuple>
 #include <vector>
 
+#include "serial/com_port_dialog_fake.h"
 #include "serial/com_port_events_fake.h"
 #include "serial/kesp_com_port.h"
 #include "serial/serial_control_fake.h"
@@ -71,8 +72,9 @@ class CKespCOMPort3Test : public testing::Test {
 
   EnvironmentFake environment_;
   CKespCOMPort3EventsFake events_;
+  ComPortDialogFake dialog_;
   SerialPortsFake ports_{environment_.clock};
-  CKespCOMPort3 port_{environment_.environment, ports_, &events_};
+  CKespCOMPort3 port_{environment_.environment, ports_, &events_, &dialog_};
 };
 
 using Lines = std::vector<std::wstring>;

@@ -51,6 +51,11 @@ enum class EEditCommFlags : std::int32_t {
   ecfShowTCPExtendedTab = 8,
 };
 
+// Whether the flags hold that one, whatever else they hold.
+constexpr bool Includes(EEditCommFlags flags, EEditCommFlags one) {
+  return (static_cast<std::int32_t>(flags) & static_cast<std::int32_t>(one)) != 0;
+}
+
 // Index of a serial bit rate; the name gives the rate in bit/s.
 enum class EKespBaudRate3 : std::int32_t {
   brNone = -1,

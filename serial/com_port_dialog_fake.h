@@ -1,0 +1,28 @@
+// A settings dialog of a serial transport whose user does what the test has written down.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "serial/com_port_dialog.h"
+
+namespace kesp {
+
+class ComPortDialogFake final : public ComPortDialog {
+ public:
+  bool Show(CKespCOMPort3& port, const ComPortDialogOptions& options) override {
+    shown.push_back(options);
+    if (on_show) on_show(port);
+    return answer;
+  }
+
+  // What the user does meanwhile; it may throw.
+  std::function<void(CKespCOMPort3& port)> on_show;
+  // Whether he confirms in the end.
+  bool answer = true;
+
+  // The options of every showing, in order.
+  std::vector<ComPortDialogOptions> shown;
+};
+
+}  // namespace kesp
