@@ -9,9 +9,10 @@
 namespace kesp {
 
 CKespTCP::CKespTCP(Environment& environment, const SocketControlFactory& make_socket,
-                   InstrumentFactory make_instrument, CKespTCPEvents* events)
+                   InstrumentFactory make_instrument, CKespTCPEvents* events, TcpDialog* dialog)
     : environment_(environment),
       events_(events),
+      dialog_(dialog),
       log_(environment.clock, environment.files, L"CKespTCP.log"),
       key_(NewObjectKey(environment.guids)),
       socket_(make_socket(*this)),

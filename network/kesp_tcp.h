@@ -13,6 +13,7 @@
 #include "network/instrument.h"
 #include "network/instruments.h"
 #include "network/socket_control.h"
+#include "network/tcp_dialog.h"
 #include "network/tcp_events.h"
 #include "support/binary_value.h"
 #include "support/diagnostic_log.h"
@@ -30,9 +31,10 @@ namespace kesp {
 class CKespTCP final : private SocketListener {
  public:
   // make_instrument makes the records of the instruments that are found. `events` receives the object's
-  // events and may be null; it must outlive the object or be taken back with SetEvents(nullptr).
+  // events and may be null; it must outlive the object or be taken back with SetEvents(nullptr). `dialog` is
+  // what Edit shows, null where there is no screen; it must outlive the object.
   CKespTCP(Environment& environment, const SocketControlFactory& make_socket,
-           InstrumentFactory make_instrument, CKespTCPEvents* events = nullptr);
+           InstrumentFactory make_instrument, CKespTCPEvents* events = nullptr, TcpDialog* dialog = nullptr);
   ~CKespTCP() override;
   CKespTCP(const CKespTCP&) = delete;
   CKespTCP& operator=(const CKespTCP&) = delete;
@@ -142,6 +144,13 @@ class CKespTCP final : private SocketListener {
   // Throws as ReadLine does, except that nothing is checked or stripped.
   bool ReadLineBinary(BinaryValue& result, std::int32_t lTimeoutms = 100);
 
+  // Lets the user edit the settings in a dialog; with ecfShowTCPExtendedTab among the Flags (others mean
+  // nothing here) it shows its second page, too. HelpFile, when not empty, becomes the help file of the whole
+  // program, and stays it; HCID is the number of the topic in it that Help opens, 0 for none. True when the
+  // user confirmed; the new settings are then in place. False when he cancelled, when there is no screen, and
+  // after a failure, which is shown in the error box. A connection stays as it is.
+  bool Edit(EEditCommFlags Flags = {}, const std::wstring& HelpFile = {}, std::int32_t HCID = 0);
+
  private:
   // SocketListener
   void OnConnect() override;
@@ -199,6 +208,7 @@ class CKespTCP final : private SocketListener {
 
   Environment& environment_;
   CKespTCPEvents* events_;
+  TcpDialog* dialog_;
   DiagnosticLog log_;
   std::wstring key_;
   std::unique_ptr<SocketControl> socket_;

@@ -10,6 +10,7 @@
 
 #include "network/kesp_tcp.h"
 #include "network/socket_control_fake.h"
+#include "network/tcp_dialog_fake.h"
 #include "network/tcp_events_fake.h"
 #include "support/environment_fake.h"
 #include "support/error_numbers.h"
@@ -44,7 +45,7 @@ class KespTCPFixture : public testing::Test {
           listener_ = &listener;
           return socket;
         },
-        [this] { return make_instrument_(); }, &events_);
+        [this] { return make_instrument_(); }, &events_, &dialog_);
   }
 
   void SetTarget() {
@@ -79,6 +80,7 @@ class KespTCPFixture : public testing::Test {
 
   EnvironmentFake fakes_;
   CKespTCPEventsFake events_;
+  TcpDialogFake dialog_;
   SocketControlFake* socket_ = nullptr;
   SocketListener* listener_ = nullptr;
   InstrumentFactory make_instrument_ = MakeInstrument;

@@ -1,0 +1,28 @@
+// A settings dialog of a network transport whose user does what the test has written down.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "network/tcp_dialog.h"
+
+namespace kesp {
+
+class TcpDialogFake final : public TcpDialog {
+ public:
+  bool Show(CKespTCP& tcp, const TcpDialogOptions& options) override {
+    shown.push_back(options);
+    if (on_show) on_show(tcp);
+    return answer;
+  }
+
+  // What the user does meanwhile; it may throw.
+  std::function<void(CKespTCP& tcp)> on_show;
+  // Whether he confirms in the end.
+  bool answer = true;
+
+  // The options of every showing, in order.
+  std::vector<TcpDialogOptions> shown;
+};
+
+}  // namespace kesp
