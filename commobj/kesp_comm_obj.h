@@ -101,6 +101,12 @@ class CKespCommObj {
   // shown in an error box. Throws ERR_NO_COMM_OBJECT with csNone, with the source of Update.
   void SetInputMode(EInputMode eMode);
 
+  // Lets the user edit the settings of the selected transport as its Edit does, and returns what that
+  // returns. csIEEE has no dialog: false at once. A serial port that an operation left open is closed. A
+  // failure is shown in an error box and gives false. The status stays as it is. Throws ERR_NO_COMM_OBJECT
+  // with csNone.
+  bool Edit(EEditCommFlags Flags = {}, const std::wstring& HelpFile = {}, std::int32_t HCID = 0);
+
  private:
   // Throws ERR_NO_COMM_OBJECT with csNone.
   void RequireTransport(const std::wstring& source) const;
@@ -108,6 +114,7 @@ class CKespCommObj {
 
   bool DetectOnSerial(std::wstring& result, EDetectLevel level);
   bool DetectOnNetwork(std::wstring& result, EDetectLevel level);
+  bool EditSerial(EEditCommFlags flags, const std::wstring& help_file, std::int32_t help_context);
   bool Run(const Exchange& exchange);
   bool RunOnTransport(const Exchange& exchange);
   bool RunOnSerial(const Exchange& exchange);

@@ -13,7 +13,9 @@
 #include "gpib/gpib_driver_fake.h"
 #include "gpib/ieee_events_fake.h"
 #include "network/socket_control_fake.h"
+#include "network/tcp_dialog_fake.h"
 #include "network/tcp_events_fake.h"
+#include "serial/com_port_dialog_fake.h"
 #include "serial/com_port_events_fake.h"
 #include "serial/serial_control_fake.h"
 #include "support/environment_fake.h"
@@ -51,13 +53,14 @@ class KespCommObjFixture : public testing::Test {
     return {.make_serial =
                 [this] {
                   made_.push_back("serial");
-                  return std::make_shared<CKespCOMPort3>(fakes_.environment, ports_, &serial_events_);
+                  return std::make_shared<CKespCOMPort3>(fakes_.environment, ports_, &serial_events_,
+                                                         &serial_dialog_);
                 },
             .make_network =
                 [this] {
                   made_.push_back("network");
                   return std::make_shared<CKespTCP>(fakes_.environment, SocketFactory(), MakeInstrument,
-                                                    &events_);
+                                                    &events_, &network_dialog_);
                 },
             .make_ieee =
                 [this] {
@@ -97,7 +100,9 @@ class KespCommObjFixture : public testing::Test {
 
   EnvironmentFake fakes_;
   CKespTCPEventsFake events_;
+  TcpDialogFake network_dialog_;
   CKespCOMPort3EventsFake serial_events_;
+  ComPortDialogFake serial_dialog_;
   SerialPortsFake ports_{fakes_.clock};
   CKespIEEEEventsFake ieee_events_;
   GpibDriverFake bus_;

@@ -1,0 +1,234 @@
+// Unit tests of Edit on each transport.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+#include "commobj/kesp_comm_obj_fixture.h"
+
+namespace kesp {
+namespace {
+
+using testing::IsEmpty;
+
+constexpr wchar_t kHelpFile[] = L"C:\\help\\lab.hlp";
+constexpr wchar_t kTitle[] = L"Kesp Communications Error";
+
+class KespCommObjEditingTest : public KespCommObjFixture {
+ protected:
+  KespCommObjEditingTest() {
+    fakes_.clock.SetStepPerReading(1);
+    ports_.line.Answer("t\r", "20.5\r\n");
+  }
+
+  bool Edit(std::int32_t flags = 0, const std::wstring& help_file = {}, std::int32_t help_context = 0) {
+    return comm_->Edit(static_cast<EEditCommFlags>(flags), help_file, help_context);
+  }
+  bool Query() {
+    result_.clear();
+    return comm_->Query(result_, L"t");
+  }
+  // A query that leaves the serial port open.
+  void LeavePortOpen() {
+    comm_->SetAutoClose(false);
+    ASSERT_TRUE(Query());
+    ASSERT_TRUE(ports_.line.open);
+  }
+  void ExpectQueryOpensThePort() {
+    EXPECT_FALSE(ports_.line.open);
+    EXPECT_TRUE(Query());
+    EXPECT_EQ(result_, L"20.5");
+    EXPECT_EQ(comm_->CommError(), ECommError::cfrSuccess);
+  }
+
+  std::wstring Box(std::size_t index) const { return fakes_.user.boxes().at(index).text; }
+
+  std::wstring result_;
+};
+
+TEST_F(KespCommObjEditingTest, Serial_AllArgumentsAndTheAnswerAreHandedOn) {
+  for (const bool answer : {true, false}) {
+    serial_dialog_.answer = answer;
+    EXPECT_EQ(Edit(5, kHelpFile, 4711), answer);
+  }
+  ASSERT_EQ(serial_dialog_.shown.size(), 2u);
+  EXPECT_TRUE(serial_dialog_.shown[0].show_extended_page);
+  EXPECT_FALSE(serial_dialog_.shown[0].show_smart_switch_page);
+  EXPECT_TRUE(serial_dialog_.shown[0].show_ir_dongle);
+  EXPECT_EQ(serial_dialog_.shown[0].help_context, 4711);
+  EXPECT_EQ(fakes_.user.help_file(), kHelpFile);
+  EXPECT_TRUE(network_dialog_.shown.empty());
+}
+
+TEST_F(KespCommObjEditingTest, Network_AllArgumentsAndTheAnswerAreHandedOn) {
+  comm_->SetCommStyle(ECommStyle::csTCPIP);
+  for (const bool answer : {true, false}) {
+    network_dialog_.answer = answer;
+    EXPECT_EQ(Edit(8, kHelpFile, 4711), answer);
+  }
+  ASSERT_EQ(network_dialog_.shown.size(), 2u);
+  EXPECT_TRUE(network_dialog_.shown[0].show_extended_page);
+  EXPECT_EQ(network_dialog_.shown[0].help_context, 4711);
+  EXPECT_EQ(fakes_.user.help_file(), kHelpFile);
+  EXPECT_TRUE(serial_dialog_.shown.empty());
+}
+
+TEST_F(KespCommObjEditingTest, ArgumentsLeftOut_ShowTheFirstPageOnly) {
+  EXPECT_TRUE(comm_->Edit());
+  comm_->SetCommStyle(ECommStyle::csTCPIP);
+  EXPECT_TRUE(comm_->Edit());
+  ASSERT_EQ(serial_dialog_.shown.size(), 1u);
+  EXPECT_FALSE(serial_dialog_.shown[0].show_extended_page);
+  EXPECT_FALSE(serial_dialog_.shown[0].show_smart_switch_page);
+  EXPECT_FALSE(serial_dialog_.shown[0].show_ir_dongle);
+  EXPECT_EQ(serial_dialog_.shown[0].help_context, 0);
+  ASSERT_EQ(network_dialog_.shown.size(), 1u);
+  EXPECT_FALSE(network_dialog_.shown[0].show_extended_page);
+  EXPECT_EQ(network_dialog_.shown[0].help_context, 0);
+  EXPECT_EQ(fakes_.user.help_file(), L"");
+}
+
+TEST_F(KespCommObjEditingTest, Dialogs_WorkOnTheObjectsOwnTransports) {
+  serial_dialog_.on_show = [](CKespCOMPort3& port) { port.SetPort(9); };
+  network_dialog_.on_show = [](CKespTCP& tcp) { tcp.SetPort(502); };
+  EXPECT_TRUE(Edit());
+  EXPECT_EQ(comm_->serial().Port(), 9);
+  comm_->SetCommStyle(ECommStyle::csTCPIP);
+  EXPECT_TRUE(Edit());
+  EXPECT_EQ(comm_->network().Port(), 502);
+}
+
+TEST_F(KespCommObjEditingTest, Ieee_FalseAtOnce) {
+  comm_->SetCommStyle(ECommStyle::csIEEE);
+  EXPECT_FALSE(Edit(15, kHelpFile, 3));
+  EXPECT_TRUE(serial_dialog_.shown.empty());
+  EXPECT_TRUE(network_dialog_.shown.empty());
+  EXPECT_TRUE(bus_.heard.empty());
+  EXPECT_EQ(fakes_.user.help_file(), L"");
+  EXPECT_TRUE(fakes_.user.boxes().empty());
+}
+
+TEST_F(KespCommObjEditingTest, NoTransport_RaisesInsteadOfShowing) {
+  comm_->SetCommStyle(ECommStyle::csNone);
+  EXPECT_EQ(RaisedBy([&] { Edit(15, kHelpFile, 3); }),
+            (Raised{-2147221303, L"[CKespCommObj - Edit()]", L"Communications object not initialized"}));
+  EXPECT_TRUE(fakes_.user.boxes().empty());
+  EXPECT_EQ(fakes_.user.help_file(), L"");
+  EXPECT_TRUE(serial_dialog_.shown.empty());
+  EXPECT_TRUE(network_dialog_.shown.empty());
+}
+
+TEST_F(KespCommObjEditingTest, Serial_PortThatAQueryLeftOpen_TheNextQueryOpensItAgain) {
+  for (const bool answer : {true, false}) {
+    LeavePortOpen();
+    serial_dialog_.answer = answer;
+    EXPECT_EQ(Edit(), answer);
+    ExpectQueryOpensThePort();
+  }
+}
+
+TEST_F(KespCommObjEditingTest, Serial_DialogFails_TheNextQueryOpensThePortAgain) {
+  LeavePortOpen();
+  serial_dialog_.on_show = [](CKespCOMPort3&) { throw std::runtime_error("no window"); };
+  EXPECT_FALSE(Edit());
+  ExpectQueryOpensThePort();
+}
+
+// A timer of the client's goes on while a modal dialog is shown.
+TEST_F(KespCommObjEditingTest, Serial_QueryBehindTheDialog_OpensThePortAndSoDoesTheNext) {
+  LeavePortOpen();
+  serial_dialog_.on_show = [this](CKespCOMPort3&) {
+    ExpectQueryOpensThePort();
+    EXPECT_TRUE(ports_.line.open);
+  };
+  EXPECT_TRUE(Edit());
+  ExpectQueryOpensThePort();
+}
+
+TEST_F(KespCommObjEditingTest, Serial_Failure_IsShownByTheTransportOnly) {
+  serial_dialog_.on_show = [](CKespCOMPort3&) { throw Failure(5, L"", L"odd"); };
+  EXPECT_FALSE(Edit());
+  ASSERT_EQ(fakes_.user.boxes().size(), 1u);
+  EXPECT_EQ(Box(0), L"An error occurred while attempting to edit COM port settings.\r\nError: 5 - odd");
+}
+
+TEST_F(KespCommObjEditingTest, Network_Failure_IsShownByTheTransportOnly) {
+  comm_->SetCommStyle(ECommStyle::csTCPIP);
+  network_dialog_.on_show = [](CKespTCP&) { throw Failure(5, L"", L"odd"); };
+  EXPECT_FALSE(Edit());
+  ASSERT_EQ(fakes_.user.boxes().size(), 1u);
+  EXPECT_EQ(Box(0), L"An error occurred while attempting to edit TCP/IP settings.\r\nError: 5 - odd");
+}
+
+// What even the transport could not show.
+TEST_F(KespCommObjEditingTest, BoxFails_IsShownUnderThisObjectsOwnWords) {
+  serial_dialog_.on_show = [](CKespCOMPort3& port) {
+    port.OpenPort();
+    throw Failure(5, L"", L"odd");
+  };
+  network_dialog_.on_show = [](CKespTCP&) { throw Failure(5, L"", L"odd"); };
+  for (const ECommStyle style : {ECommStyle::csRS232, ECommStyle::csTCPIP}) {
+    comm_->SetCommStyle(style);
+    fakes_.user.on_box = [this] {
+      fakes_.user.on_box = nullptr;
+      throw std::runtime_error("no box");
+    };
+    const std::size_t shown = fakes_.user.boxes().size();
+    EXPECT_FALSE(Edit());
+    ASSERT_EQ(fakes_.user.boxes().size(), shown + 2);
+    EXPECT_EQ(fakes_.user.boxes().back().title, kTitle);
+    EXPECT_EQ(fakes_.user.boxes().back().text,
+              L"An error occurred while attempting to edit communication settings.\r\n"
+              L"Error: 51 - Internal error (no box)\r\n(KespCommObj)");
+  }
+}
+
+TEST_F(KespCommObjEditingTest, BoxFails_TheNextQueryOpensThePortAllTheSame) {
+  LeavePortOpen();
+  serial_dialog_.on_show = [this](CKespCOMPort3&) {
+    EXPECT_TRUE(Query());
+    throw Failure(5, L"", L"odd");
+  };
+  fakes_.user.on_box = [this] {
+    fakes_.user.on_box = nullptr;
+    throw std::runtime_error("no box");
+  };
+  EXPECT_FALSE(Edit());
+  int openings = 0;
+  ports_.line.record = [&](const std::string& call) { openings += call.starts_with("Open ") ? 1 : 0; };
+  EXPECT_TRUE(Query());
+  ports_.line.record = [](const std::string&) {};
+  EXPECT_EQ(openings, 1);
+}
+
+TEST_F(KespCommObjEditingTest, Status_StaysAsItWas) {
+  comm_->SetCommStyle(ECommStyle::csTCPIP);
+  EXPECT_FALSE(Query());
+  const auto fails = [](auto&) { throw std::runtime_error("no window"); };
+  for (const ECommStyle style : {ECommStyle::csRS232, ECommStyle::csTCPIP, ECommStyle::csIEEE}) {
+    comm_->SetCommStyle(style);
+    Edit();
+    serial_dialog_.on_show = fails;
+    network_dialog_.on_show = fails;
+    Edit();
+    serial_dialog_.on_show = nullptr;
+    network_dialog_.on_show = nullptr;
+    EXPECT_EQ(comm_->CommError(), ECommError::cfrInvalidIPAddress);
+    EXPECT_EQ(comm_->CommErrorSource(), L"[CKespTCP - Initialize()]");
+    EXPECT_EQ(comm_->CommErrorDescr(), L"Invalid IP Address");
+  }
+}
+
+TEST_F(KespCommObjEditingTest, Trace_HasNoLinesOfEditing) {
+  StartTrace();
+  comm_->serial().SetCreateLogFile(false);
+  EXPECT_TRUE(Edit());
+  comm_->SetCommStyle(ECommStyle::csTCPIP);
+  EXPECT_TRUE(Edit());
+  EXPECT_THAT(Trace(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace kesp
