@@ -13,13 +13,17 @@ namespace {
 const ClassDescription kDescription{__uuidof(::CKespCOMPort3), __uuidof(::_CKespCOMPort3),
                                     &__uuidof(::__CKespCOMPort3)};
 
+// No window shows the settings yet, so Edit returns False.
+ComPortDialog* const kSettingsDialog = nullptr;
+
 }  // namespace
 
 ComPortClass::ComPortClass()
     : AutomationObject(kDescription),
       events_(static_cast<::_CKespCOMPort3*>(this), __uuidof(::__CKespCOMPort3)),
       bridge_(events_),
-      object_(std::make_unique<CKespCOMPort3>(SystemEnvironment(), SystemSerialPorts(), &bridge_)) {
+      object_(std::make_unique<CKespCOMPort3>(SystemEnvironment(), SystemSerialPorts(), &bridge_,
+                                              kSettingsDialog)) {
   smart_switch_ = Adopt(new SmartSwitchClass(object_->SmartSwitch()));
 }
 

@@ -200,6 +200,11 @@ class ComPortClass final : public AutomationObject<::_CKespCOMPort3> {
   HRESULT STDMETHODCALLTYPE TestSmartSwitch() override {
     return Put([&] { object_->TestSmartSwitch(); });
   }
+  HRESULT STDMETHODCALLTYPE Edit(::EEditCommFlags Flags, BSTR HelpFile, LONG HCID,
+                                 VARIANT_BOOL* retval) override {
+    return Get(retval,
+               [&] { return object_->Edit(static_cast<EEditCommFlags>(Flags), TextOf(HelpFile), HCID); });
+  }
 
  protected:
   void* FindInterface(REFIID iid) override;

@@ -75,6 +75,11 @@ class CommObjClass final : public AutomationObject<::_CKespCommObj> {
   HRESULT STDMETHODCALLTYPE SetInputMode(::EInputMode eMode) override {
     return Put([&] { object_->SetInputMode(static_cast<EInputMode>(eMode)); });
   }
+  HRESULT STDMETHODCALLTYPE Edit(::EEditCommFlags Flags, BSTR HelpFile, LONG HCID,
+                                 VARIANT_BOOL* retval) override {
+    return Get(retval,
+               [&] { return object_->Edit(static_cast<EEditCommFlags>(Flags), TextOf(HelpFile), HCID); });
+  }
 
  private:
   TransportFactory MakeFactory();

@@ -14,6 +14,9 @@ namespace {
 
 const ClassDescription kDescription{__uuidof(::CKespTCP), __uuidof(::_CKespTCP), &__uuidof(::__CKespTCP)};
 
+// No window shows the settings yet, so Edit returns False.
+TcpDialog* const kSettingsDialog = nullptr;
+
 // A record that clients can be handed.
 std::shared_ptr<Instrument> MakeComInstrument() {
   return std::make_shared<ComInstrument>(Adopt(new InstrumentClass).Get());
@@ -25,8 +28,8 @@ TcpClass::TcpClass()
     : AutomationObject(kDescription),
       events_(static_cast<::_CKespTCP*>(this), __uuidof(::__CKespTCP)),
       bridge_(static_cast<::_CKespTCP*>(this), events_),
-      object_(
-          std::make_unique<CKespTCP>(SystemEnvironment(), MakeSocketControl, MakeComInstrument, &bridge_)) {
+      object_(std::make_unique<CKespTCP>(SystemEnvironment(), MakeSocketControl, MakeComInstrument, &bridge_,
+                                         kSettingsDialog)) {
   devices_ = Adopt(new InstrumentsClass(object_->Devices()));
 }
 

@@ -109,6 +109,11 @@ class TcpClass final : public AutomationObject<::_CKespTCP> {
   HRESULT STDMETHODCALLTYPE ReadLineBinary(VARIANT* result, LONG lTimeoutms, VARIANT_BOOL* retval) override;
   HRESULT STDMETHODCALLTYPE AutoDetect(BSTR* result, ::EDetectLevel DetectLevel,
                                        VARIANT_BOOL* retval) override;
+  HRESULT STDMETHODCALLTYPE Edit(::EEditCommFlags Flags, BSTR HelpFile, LONG HCID,
+                                 VARIANT_BOOL* retval) override {
+    return Get(retval,
+               [&] { return object_->Edit(static_cast<EEditCommFlags>(Flags), TextOf(HelpFile), HCID); });
+  }
 
  protected:
   void* FindInterface(REFIID iid) override;

@@ -63,14 +63,6 @@ TEST_F(LateBoundTest, UnknownName_IsUnknown) {
   EXPECT_EQ(ids[1], DISPID_UNKNOWN);
 }
 
-// The dialogs do not exist.
-TEST_F(LateBoundTest, MembersThatAreNotThere_AreUnknown) {
-  std::vector<DISPID> ids;
-  for (const LateObject* object : {&comm_, &port_, &tcp_}) {
-    EXPECT_EQ(object->IdsOf({L"Edit"}, ids), DISP_E_UNKNOWNNAME);
-  }
-}
-
 TEST_F(LateBoundTest, UnknownIdentifierOrUse_IsNotFound) {
   EXPECT_EQ(comm_.Invoke(999, DISPATCH_METHOD, {}).result, DISP_E_MEMBERNOTFOUND);
   EXPECT_EQ(comm_.Invoke(DISPID_VALUE, DISPATCH_PROPERTYGET, {}).result, DISP_E_MEMBERNOTFOUND);
