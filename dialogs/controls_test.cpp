@@ -1,0 +1,299 @@
+// Tests of the controls: what using one changes, what it runs, and what the view is told.
+#include "dialogs/controls.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "dialogs/control_visitor.h"
+#include "dialogs/form_view_fake.h"
+
+namespace kesp {
+namespace {
+
+class ControlsTest : public testing::Test {
+ protected:
+  ControlsTest() { form_.SetView(&view_); }
+
+  // A handler that writes down that it runs, among what the view is told.
+  std::function<void()> Handler() {
+    return [this] { view_.lines.push_back("handler"); };
+  }
+
+  using Lines = std::vector<std::string>;
+
+  ControlOwner form_;
+  FormViewFake view_;
+};
+
+const std::vector<ChoiceList::Entry> kThree = {{L"a", 7, ""}, {L"b", 8, ""}, {L"c", 8, ""}};
+
+TEST_F(ControlsTest, NewControl_IsEnabledVisibleAndKnownToItsForm) {
+  Label first(form_, 5, 2);
+  Button second(form_, 6, kEveryPage);
+  EXPECT_TRUE(first.enabled());
+  EXPECT_TRUE(first.visible());
+  EXPECT_EQ(first.id(), 5);
+  EXPECT_EQ(first.page(), 2);
+  EXPECT_EQ(form_.controls(), (std::vector<Control*>{&first, &second}));
+  EXPECT_TRUE(view_.lines.empty());
+}
+
+TEST_F(ControlsTest, EnableAndShow_AreToldToTheView) {
+  Label label(form_, 5, 0);
+  label.Enable(false);
+  EXPECT_FALSE(label.enabled());
+  label.Show(false);
+  EXPECT_FALSE(label.visible());
+  label.Enable(true);
+  label.Show(true);
+  EXPECT_EQ(view_.lines, (Lines{"5 disabled", "5 hidden", "5 enabled", "5 shown"}));
+}
+
+TEST_F(ControlsTest, ChangeWithoutView_IsKept) {
+  Label label(form_, 5, 0);
+  form_.SetView(nullptr);
+  label.SetText(L"x");
+  EXPECT_EQ(label.text(), L"x");
+  EXPECT_TRUE(view_.lines.empty());
+}
+
+TEST_F(ControlsTest, LabelSetText_IsShown) {
+  Label label(form_, 5, 0);
+  label.SetText(L"Power level 4");
+  EXPECT_EQ(view_.lines, Lines{"5 text Power level 4"});
+}
+
+TEST_F(ControlsTest, ButtonClick_RunsTheHandlerOnlyWhileEnabled) {
+  Button button(form_, 5, 0);
+  button.Click();  // without a handler
+  button.on_click = Handler();
+  button.Click();
+  button.Enable(false);
+  button.Click();
+  EXPECT_EQ(view_.lines, (Lines{"handler", "5 disabled"}));
+}
+
+TEST_F(ControlsTest, CheckBoxClick_TogglesAndRunsTheHandlerAfterIt) {
+  CheckBox box(form_, 5, 0, L"tip");
+  EXPECT_EQ(box.tool_tip(), L"tip");
+  EXPECT_FALSE(box.checked());
+  box.Click();  // without a handler
+  EXPECT_TRUE(box.checked());
+  box.on_click = Handler();
+  box.Click();
+  EXPECT_FALSE(box.checked());
+  EXPECT_EQ(view_.lines, (Lines{"5 checked", "5 unchecked", "handler"}));
+}
+
+TEST_F(ControlsTest, CheckBoxSetChecked_RunsTheHandlerOnlyWhenItChanges) {
+  CheckBox box(form_, 5, 0);
+  EXPECT_EQ(box.tool_tip(), L"");
+  box.on_click = Handler();
+  box.SetChecked(false);
+  EXPECT_TRUE(view_.lines.empty());
+  box.SetChecked(true);
+  box.SetChecked(true);
+  EXPECT_EQ(view_.lines, (Lines{"5 checked", "handler"}));
+}
+
+TEST_F(ControlsTest, DisabledCheckBox_IsForTheFormAlone) {
+  CheckBox box(form_, 5, 0);
+  box.Enable(false);
+  box.Click();
+  EXPECT_FALSE(box.checked());
+  box.SetChecked(true);
+  EXPECT_TRUE(box.checked());
+}
+
+TEST_F(ControlsTest, OptionSelect_RunsTheHandlerAlsoWhenSelectedAlready) {
+  OptionButton option(form_, 5, 0);
+  EXPECT_FALSE(option.selected());
+  option.Select();  // without a handler
+  EXPECT_TRUE(option.selected());
+  option.on_click = Handler();
+  option.Click();
+  option.Deselect();
+  EXPECT_FALSE(option.selected());
+  EXPECT_EQ(view_.lines, (Lines{"5 checked", "5 checked", "handler", "5 unchecked"}));
+}
+
+TEST_F(ControlsTest, DisabledOption_CannotBeClicked) {
+  OptionButton option(form_, 5, 0);
+  option.on_click = Handler();
+  option.Enable(false);
+  option.Click();
+  EXPECT_FALSE(option.selected());
+  EXPECT_EQ(view_.lines, Lines{"5 disabled"});
+}
+
+TEST_F(ControlsTest, ListFill_ReplacesTheEntriesAndSelectsNone) {
+  ChoiceList list(form_, 5, 0);
+  EXPECT_EQ(list.selected(), nullptr);
+  list.Fill(kThree);
+  list.Select(1);
+  list.Fill({{L"x", 1, "image"}});
+  EXPECT_EQ(list.entries(), (std::vector<ChoiceList::Entry>{{L"x", 1, "image"}}));
+  EXPECT_FALSE(list.selection().has_value());
+  EXPECT_EQ(list.selected(), nullptr);
+  EXPECT_EQ(view_.lines, (Lines{"5 entries 3", "5 selection 1", "5 entries 1"}));
+}
+
+TEST_F(ControlsTest, ListSelect_ByProgramRunsNoHandler) {
+  ChoiceList list(form_, 5, 0);
+  list.Fill(kThree);
+  list.on_choose = Handler();
+  list.Select(2);
+  EXPECT_EQ(list.selected(), &list.entries()[2]);
+  list.Select(3);  // there is none
+  EXPECT_EQ(list.selection(), 2U);
+  EXPECT_EQ(view_.lines, (Lines{"5 entries 3", "5 selection 2"}));
+}
+
+TEST_F(ControlsTest, ListSelectValue_SelectsTheFirstOfEqualOnes) {
+  ChoiceList list(form_, 5, 0);
+  list.Fill(kThree);
+  list.on_choose = Handler();
+  list.SelectValue(8);
+  EXPECT_EQ(list.selection(), 1U);
+  list.SelectValue(7);
+  EXPECT_EQ(list.selection(), 0U);
+  EXPECT_EQ(view_.lines, (Lines{"5 entries 3", "5 selection 1", "5 selection 0"}));
+}
+
+TEST_F(ControlsTest, ListSelectValue_WithoutSuchAnEntryKeepsTheSelection) {
+  ChoiceList list(form_, 5, 0);
+  list.Fill(kThree);
+  list.SelectValue(9);
+  EXPECT_FALSE(list.selection().has_value());
+  list.Select(2);
+  list.SelectValue(9);
+  EXPECT_EQ(list.selection(), 2U);
+  EXPECT_EQ(view_.lines, (Lines{"5 entries 3", "5 selection 2"}));
+}
+
+TEST_F(ControlsTest, ListSelectedAs_IsTheEntrysValueOrTheOneForNone) {
+  enum class Letter : std::int32_t { kNone = -1, kA = 7 };
+  ChoiceList list(form_, 5, 0);
+  list.Fill(kThree);
+  EXPECT_EQ(list.SelectedAs(Letter::kNone), Letter::kNone);
+  list.Select(0);
+  EXPECT_EQ(list.SelectedAs(Letter::kNone), Letter::kA);
+}
+
+TEST_F(ControlsTest, ListChoose_SelectsAndThenRunsTheHandler) {
+  ChoiceList list(form_, 5, 0);
+  list.Fill(kThree);
+  list.Choose(0);  // without a handler
+  list.on_choose = Handler();
+  list.Choose(1);
+  list.Choose(1);
+  EXPECT_EQ(view_.lines,
+            (Lines{"5 entries 3", "5 selection 0", "5 selection 1", "handler", "5 selection 1", "handler"}));
+}
+
+TEST_F(ControlsTest, ListChoose_NoSuchEntryOrDisabledDoesNothing) {
+  ChoiceList list(form_, 5, 0);
+  list.Fill(kThree);
+  list.on_choose = Handler();
+  list.Choose(3);
+  list.Enable(false);
+  list.Choose(0);
+  EXPECT_FALSE(list.selection().has_value());
+  EXPECT_EQ(view_.lines, (Lines{"5 entries 3", "5 disabled"}));
+}
+
+TEST_F(ControlsTest, ProgressBarSetValue_IsShownInsideItsEnds) {
+  ProgressBar bar(form_, 5, 0, 1, 4);
+  EXPECT_EQ(bar.minimum(), 1);
+  EXPECT_EQ(bar.maximum(), 4);
+  EXPECT_EQ(bar.value(), 1);
+  const struct {
+    double value;
+    std::int32_t shown;
+  } rows[] = {{3, 3}, {0, 1}, {-1e300, 1}, {4, 4}, {5, 4}, {1e300, 4}, {2.6, 3}};
+  for (const auto& row : rows) {
+    bar.SetValue(row.value);
+    EXPECT_EQ(bar.value(), row.shown) << row.value;
+  }
+  EXPECT_EQ(view_.lines.front(), "5 value 3");
+  EXPECT_EQ(view_.lines.size(), std::size(rows));
+}
+
+TEST_F(ControlsTest, UpDown_HasTheRangeAndTheStepOfItsMaking) {
+  const UpDown arrows(form_, 5, 0, 100, 10000, 50);
+  EXPECT_EQ(arrows.minimum(), 100);
+  EXPECT_EQ(arrows.maximum(), 10000);
+  EXPECT_EQ(arrows.step(), 50);
+}
+
+TEST_F(ControlsTest, TabStripChoose_SelectsAndThenRunsTheHandler) {
+  TabStrip strip(form_, 5, {{L"a", 0}, {L"b", 1}});
+  EXPECT_EQ(strip.selection(), 0U);
+  strip.Choose(1);  // without a handler
+  strip.on_choose = Handler();
+  strip.Choose(0);
+  strip.Choose(2);  // there is none
+  strip.Select(1);
+  strip.Select(2);
+  EXPECT_EQ(strip.selection(), 1U);
+  EXPECT_EQ(view_.lines, (Lines{"5 selection 1", "5 selection 0", "handler", "5 selection 1"}));
+}
+
+TEST_F(ControlsTest, TabStripRemove_KeepsTheSelectedTabWhereItCan) {
+  const struct {
+    std::size_t selected, removed, selected_then;
+  } rows[] = {{0, 2, 0}, {2, 0, 1}, {2, 2, 1}, {1, 1, 0}, {0, 0, 0}, {1, 2, 1}};
+  for (const auto& row : rows) {
+    TabStrip strip(form_, 5, {{L"a", 0}, {L"b", 1}, {L"c", 2}});
+    strip.Select(row.selected);
+    strip.Remove(row.removed);
+    EXPECT_EQ(strip.tabs().size(), 2U);
+    EXPECT_EQ(strip.selection(), row.selected_then) << row.selected << " " << row.removed;
+  }
+}
+
+TEST_F(ControlsTest, TabStripRemove_LeavesTheOthersWithTheirPages) {
+  TabStrip strip(form_, 5, {{L"a", 0}, {L"b", 1}, {L"c", 2}});
+  strip.Remove(1);
+  EXPECT_EQ(strip.tabs(), (std::vector<TabStrip::Tab>{{L"a", 0}, {L"c", 2}}));
+  EXPECT_EQ(view_.lines, Lines{"5 entries 2"});
+}
+
+class NamingVisitor final : public ControlVisitor {
+ public:
+  std::string name;
+
+  void Visit(const Label&) override { name += "Label "; }
+  void Visit(const Button&) override { name += "Button "; }
+  void Visit(const CheckBox&) override { name += "CheckBox "; }
+  void Visit(const OptionButton&) override { name += "OptionButton "; }
+  void Visit(const ChoiceList&) override { name += "ChoiceList "; }
+  void Visit(const UpDown&) override { name += "UpDown "; }
+  void Visit(const ProgressBar&) override { name += "ProgressBar "; }
+  void Visit(const Frame&) override { name += "Frame "; }
+  void Visit(const TabStrip&) override { name += "TabStrip "; }
+  void Visit(const TextBox&) override { name += "TextBox "; }
+};
+
+TEST_F(ControlsTest, Accept_CallsTheVisitForItsKindOnce) {
+  const Label label(form_, 1, 0);
+  const Button button(form_, 2, 0);
+  const CheckBox check(form_, 3, 0);
+  const OptionButton option(form_, 4, 0);
+  const ChoiceList list(form_, 5, 0);
+  const UpDown arrows(form_, 6, 0, 0, 1, 1);
+  const ProgressBar bar(form_, 7, 0, 0, 1);
+  const Frame frame(form_, 8, 0);
+  const TabStrip strip(form_, 9, {});
+  const TextBox box(form_, 10, 0, KeyFilter::kDigits);
+  NamingVisitor visitor;
+  for (const Control* control : form_.controls()) control->Accept(visitor);
+  EXPECT_EQ(visitor.name,
+            "Label Button CheckBox OptionButton ChoiceList UpDown ProgressBar Frame TabStrip TextBox ");
+}
+
+}  // namespace
+}  // namespace kesp

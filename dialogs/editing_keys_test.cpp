@@ -1,0 +1,110 @@
+// Tests of the key filters, over every code there is, and of the separator that they keep.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <map>
+#include <thread>
+
+#include "dialogs/editing.h"
+#include "support/user_surface_fake.h"
+
+namespace kesp {
+namespace {
+
+using Filter = std::int16_t (*)(UserSurface&, std::int16_t);
+using Keys = std::map<std::int16_t, std::int16_t>;
+
+// The separator is kept for as long as the thread lives.
+void OnNewThread(const std::function<void()>& work) {
+  std::thread(work).join();
+}
+
+// The keys that are not dropped, each with what becomes of it.
+Keys Kept(Filter filter, wchar_t separator) {
+  Keys kept;
+  OnNewThread([&] {
+    UserSurfaceFake user;
+    user.separator = separator;
+    for (std::int32_t key = std::numeric_limits<std::int16_t>::min();
+         key <= std::numeric_limits<std::int16_t>::max(); ++key) {
+      const std::int16_t result = filter(user, static_cast<std::int16_t>(key));
+      if (result != 0) kept[static_cast<std::int16_t>(key)] = result;
+    }
+  });
+  return kept;
+}
+
+// What both filters keep as it is: the digits, and Ctrl+C, backspace, Enter, Ctrl+V, Ctrl+X, Ctrl+Z.
+Keys KeptByBoth() {
+  Keys keys = {{3, 3}, {8, 8}, {13, 13}, {22, 22}, {24, 24}, {26, 26}};
+  for (std::int16_t digit = 48; digit <= 57; ++digit) keys[digit] = digit;
+  return keys;
+}
+
+TEST(FilterDigit, EveryKey_OnlyDigitsAndControlKeysPass) {
+  EXPECT_EQ(Kept(FilterDigit, L'.'), KeptByBoth());
+  EXPECT_EQ(Kept(FilterDigit, L','), KeptByBoth());
+}
+
+TEST(FilterSignedDecimal, EveryKeyWithPoint_SignsAndThePointPassToo) {
+  Keys expected = KeptByBoth();
+  expected.insert({{L'+', L'+'}, {L'-', L'-'}, {L'.', L'.'}});
+  EXPECT_EQ(Kept(FilterSignedDecimal, L'.'), expected);
+}
+
+TEST(FilterSignedDecimal, EveryKeyWithComma_ThePointBecomesAComma) {
+  Keys expected = KeptByBoth();
+  expected.insert({{L'+', L'+'}, {L'-', L'-'}, {L'.', L','}, {L',', L','}});
+  EXPECT_EQ(Kept(FilterSignedDecimal, L','), expected);
+}
+
+TEST(FilterSignedDecimal, EveryKeyWithAnArabicSeparator_ThePointBecomesIt) {
+  Keys expected = KeptByBoth();
+  expected.insert({{L'+', L'+'}, {L'-', L'-'}, {L'.', 0x066B}, {0x066B, 0x066B}});
+  EXPECT_EQ(Kept(FilterSignedDecimal, 0x066B), expected);
+}
+
+TEST(DecimalSeparator, AskedTwice_TheFirstAnswerStays) {
+  OnNewThread([] {
+    UserSurfaceFake user;
+    user.separator = L',';
+    EXPECT_EQ(DecimalSeparator(user), L',');
+    user.separator = L'.';
+    EXPECT_EQ(DecimalSeparator(user), L',');
+    EXPECT_EQ(user.separator_questions, 1);
+  });
+}
+
+TEST(DecimalSeparator, AskedOnAnotherThread_IsThatThreadsOwn) {
+  OnNewThread([] {
+    UserSurfaceFake user;
+    user.separator = L',';
+    DecimalSeparator(user);
+    OnNewThread([] {
+      UserSurfaceFake other;
+      EXPECT_EQ(DecimalSeparator(other), L'.');
+      EXPECT_EQ(other.separator_questions, 1);
+    });
+    EXPECT_EQ(DecimalSeparator(user), L',');
+  });
+}
+
+TEST(DecimalSeparator, FirstKeyOfEitherFilter_AsksAndLaterOnesDoNot) {
+  for (const Filter first : {FilterDigit, FilterSignedDecimal}) {
+    OnNewThread([first] {
+      UserSurfaceFake user;
+      user.separator = L',';
+      EXPECT_EQ(first(user, L'x'), 0);
+      EXPECT_EQ(user.separator_questions, 1);
+      user.separator = L';';
+      EXPECT_EQ(FilterDigit(user, L'1'), L'1');
+      EXPECT_EQ(FilterSignedDecimal(user, L'.'), L',');
+      EXPECT_EQ(user.separator_questions, 1);
+    });
+  }
+}
+
+}  // namespace
+}  // namespace kesp

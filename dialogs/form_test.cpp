@@ -1,0 +1,159 @@
+// Tests of a form's life: what it is when it is made, loading, confirming, cancelling, help, and failures.
+#include "dialogs/form.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "dialogs/dialog_ids.h"
+#include "dialogs/form_fixture.h"
+#include "support/failure.h"
+
+namespace kesp {
+namespace {
+
+constexpr wchar_t kOverflowBox[] =
+    L"An error occurred while attempting to test.\r\nError: 6 - Overflow\r\n(KespCommObj)";
+
+TEST_F(FormTest, New_IsOpenOnItsFirstPage) {
+  EXPECT_TRUE(form_.is_open());
+  EXPECT_FALSE(form_.bCancel());
+  EXPECT_EQ(form_.focused(), nullptr);
+  EXPECT_EQ(form_.caption(), L"Caption");
+  EXPECT_EQ(form_.help_context(), 77);
+  EXPECT_EQ(form_.tabSettings.selection(), 0U);
+  ASSERT_EQ(form_.framSettings.size(), 2U);
+  EXPECT_TRUE(form_.framSettings[0].visible());
+  EXPECT_FALSE(form_.framSettings[1].visible());
+  EXPECT_TRUE(view_.lines.empty());
+}
+
+TEST_F(FormTest, New_NumbersItsOwnControls) {
+  EXPECT_EQ(form_.cmdOKCancelHelp[Form::kOK].id(), 1);
+  EXPECT_EQ(form_.cmdOKCancelHelp[Form::kCancel].id(), 2);
+  EXPECT_EQ(form_.cmdOKCancelHelp[Form::kHelp].id(), 9);
+  EXPECT_EQ(form_.tabSettings.id(), ID_TAB_SETTINGS);
+  EXPECT_EQ(form_.framSettings[0].id(), ID_FRAM_SETTINGS);
+  EXPECT_EQ(form_.framSettings[1].id(), ID_FRAM_SETTINGS + 1);
+  EXPECT_EQ(form_.cmdOKCancelHelp[Form::kOK].page(), kEveryPage);
+  EXPECT_EQ(form_.framSettings[1].page(), kEveryPage);
+  EXPECT_EQ(form_.controls().size(), 8U);
+  EXPECT_EQ(form_.controls().back(), &form_.txtSigned);
+}
+
+TEST_F(FormTest, FirstPaint_LoadsOnceOnly) {
+  int loads = 0;
+  form_.on_load = [&] { ++loads; };
+  form_.FirstPaint();
+  form_.FirstPaint();
+  EXPECT_EQ(loads, 1);
+}
+
+TEST_F(FormTest, LoadFails_IsShownAndNotTriedAgain) {
+  int loads = 0;
+  form_.on_load = [&] {
+    ++loads;
+    throw Overflow();
+  };
+  form_.FirstPaint();
+  form_.FirstPaint();
+  EXPECT_EQ(loads, 1);
+  ASSERT_EQ(user_.boxes().size(), 1U);
+  EXPECT_EQ(user_.boxes()[0].text, kOverflowBox);
+  EXPECT_EQ(user_.boxes()[0].title, L"Kesp Communications Error");
+  EXPECT_EQ(user_.boxes()[0].style, 16U);
+  EXPECT_TRUE(form_.is_open());
+}
+
+TEST_F(FormTest, OK_ValidatesThenWritesThenCloses) {
+  form_.on_validate = Step("validate");
+  form_.on_write = [this] {
+    view_.lines.push_back("write");
+    EXPECT_TRUE(form_.is_open());
+    return true;
+  };
+  Click(Form::kOK);
+  EXPECT_EQ(view_.lines, (Lines{"validate", "write"}));
+  EXPECT_FALSE(form_.is_open());
+  EXPECT_FALSE(form_.bCancel());
+}
+
+TEST_F(FormTest, OKWithInvalidEntries_WritesNothingAndStays) {
+  form_.on_validate = Step("validate", false);
+  form_.on_write = Step("write");
+  Click(Form::kOK);
+  EXPECT_EQ(view_.lines, Lines{"validate"});
+  EXPECT_TRUE(form_.is_open());
+  EXPECT_FALSE(form_.bCancel());
+}
+
+TEST_F(FormTest, OKThatCannotBeWritten_StaysForAnotherAttempt) {
+  form_.on_write = Step("write", false);
+  Click(Form::kOK);
+  EXPECT_TRUE(form_.is_open());
+  form_.on_write = Step("write");
+  Click(Form::kOK);
+  EXPECT_FALSE(form_.is_open());
+}
+
+TEST_F(FormTest, OKFails_IsShownAndStays) {
+  form_.on_validate = []() -> bool { throw Overflow(); };
+  form_.on_write = Step("write");
+  Click(Form::kOK);
+  EXPECT_EQ(view_.lines, Lines{"box"});
+  EXPECT_EQ(user_.boxes().at(0).text, kOverflowBox);
+  EXPECT_TRUE(form_.is_open());
+}
+
+TEST_F(FormTest, Cancel_ClosesWithoutValidatingOrWriting) {
+  form_.on_validate = Step("validate");
+  form_.on_write = Step("write");
+  Click(Form::kCancel);
+  EXPECT_FALSE(form_.is_open());
+  EXPECT_TRUE(form_.bCancel());
+  EXPECT_TRUE(view_.lines.empty());
+}
+
+TEST_F(FormTest, Help_OpensTheFormsTopicAndStays) {
+  user_.SetHelpFile(L"C:\\kesp.hlp");
+  Click(Form::kHelp);
+  ASSERT_EQ(user_.help_calls().size(), 1U);
+  EXPECT_EQ(user_.help_calls()[0], (UserSurfaceFake::HelpCall{L"C:\\kesp.hlp", 1, 77, MousePointer::kBusy}));
+  EXPECT_TRUE(form_.is_open());
+  EXPECT_FALSE(form_.bCancel());
+}
+
+TEST_F(FormTest, HelpFails_NobodyIsTold) {
+  user_.help_failure = true;
+  Click(Form::kHelp);
+  EXPECT_TRUE(user_.boxes().empty());
+  EXPECT_TRUE(form_.is_open());
+}
+
+TEST_F(FormTest, Close_IsCancel) {
+  form_.on_write = Step("write");
+  form_.Close();
+  EXPECT_FALSE(form_.is_open());
+  EXPECT_TRUE(form_.bCancel());
+  EXPECT_TRUE(view_.lines.empty());
+}
+
+TEST_F(FormTest, CloseAfterOK_ChangesNothing) {
+  Click(Form::kOK);
+  form_.Close();
+  EXPECT_FALSE(form_.bCancel());
+}
+
+TEST_F(FormTest, UseFails_IsShownWhateverWasThrown) {
+  form_.Use([] { throw Failure(-5, L"", L"No source"); });
+  form_.Use([] { throw std::runtime_error("odd"); });
+  ASSERT_EQ(user_.boxes().size(), 2U);
+  EXPECT_EQ(user_.boxes()[0].text, L"An error occurred while attempting to test.\r\nError: -5 - No source");
+  EXPECT_TRUE(
+      user_.boxes()[1].text.starts_with(L"An error occurred while attempting to test.\r\nError: 51 - "))
+      << testing::PrintToString(user_.boxes()[1].text);
+  EXPECT_TRUE(form_.is_open());
+}
+
+}  // namespace
+}  // namespace kesp
