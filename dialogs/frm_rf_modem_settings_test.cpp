@@ -1,0 +1,224 @@
+// Tests of the radio modem's form: its controls, and reading the modem.
+#include "dialogs/frm_rf_modem_settings.h"
+
+#include <gtest/gtest.h>
+
+#include "dialogs/dialog_ids.h"
+#include "dialogs/frm_rf_modem_settings_fixture.h"
+#include "serial/baud_rate.h"
+
+namespace kesp {
+namespace {
+
+constexpr wchar_t kUnread[] =
+    L"Unable to read settings from RF modem. Make sure the modem is connected to COM1 and set to operate at "
+    L"9600 baud.";
+constexpr std::int32_t kDeviceFailure = 8021;
+
+TEST_F(frmRFModemSettingsTest, New_HasItsCaptionPageAndTopic) {
+  EXPECT_EQ(form_->caption(), L"RF Modem Properties");
+  EXPECT_EQ(form_->tabSettings.tabs(), (std::vector<TabStrip::Tab>{{L"Properties", 0}}));
+  EXPECT_TRUE(form_->framSettings.at(0).visible());
+  EXPECT_EQ(form_->help_context(), 4711);
+}
+
+TEST_F(frmRFModemSettingsTest, New_NumbersItsControlsAndPutsThemOnThePage) {
+  const struct {
+    const Control& control;
+    int id;
+  } rows[] = {
+      {form_->txtPANID, ID_TXT_PAN_ID},
+      {form_->txtChannel, ID_TXT_CHANNEL},
+      {form_->txtRFModemAddress, ID_TXT_RF_MODEM_ADDRESS},
+      {form_->txtTimeout, ID_TXT_RF_TIMEOUT},
+      {form_->lblSerial, ID_LBL_SERIAL},
+      {form_->lblPowerLevel, ID_LBL_POWER_LEVEL},
+      {form_->pbPowerLevel, ID_PB_POWER_LEVEL},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(row.control.id(), row.id);
+    EXPECT_EQ(row.control.page(), 0) << row.id;
+  }
+}
+
+TEST_F(frmRFModemSettingsTest, New_ShowsNothingOfTheModemYet) {
+  EXPECT_EQ(Boxes(), (Texts{L"", L"", L"", L""}));
+  EXPECT_EQ(form_->lblSerial.text(), L"");
+  EXPECT_EQ(form_->lblPowerLevel.text(), L"Power level");
+  EXPECT_EQ(form_->pbPowerLevel.minimum(), 0);
+  EXPECT_EQ(form_->pbPowerLevel.maximum(), 4);
+  EXPECT_EQ(form_->pbPowerLevel.value(), 0);
+  EXPECT_TRUE(record_.empty());
+}
+
+TEST_F(frmRFModemSettingsTest, FirstPaint_ReadsTheModemAndShowsIt) {
+  AnswersQuestions();
+  form_->FirstPaint();
+  EXPECT_EQ(Outputs(), questions_);
+  EXPECT_EQ(view_.lines,
+            (ViewLines{"100 selection 0", "110 shown", "314 text 13A240B0C1D2", "315 text Power level 4",
+                       "316 value 4", "310 text 13106", "311 text 12", "312 text 26", "313 text 1500"}));
+  EXPECT_TRUE(form_->is_open());
+  ExpectLeftInOrder();
+}
+
+TEST_F(frmRFModemSettingsTest, SecondPaint_DoesNotAskTheModemAgain) {
+  Load();
+  form_->FirstPaint();
+  EXPECT_TRUE(record_.empty());
+  EXPECT_EQ(form_->lblPowerLevel.text(), L"Power level 4");
+}
+
+TEST_F(frmRFModemSettingsTest, FirstPaint_ThePointerIsBusyWhileTheModemIsAsked) {
+  AnswersQuestions();
+  int polls = 0;
+  ports_.line.on_poll = [&] {
+    ++polls;
+    EXPECT_EQ(environment_.user.pointer(), MousePointer::kBusy);
+  };
+  form_->FirstPaint();
+  EXPECT_GT(polls, 0);
+  EXPECT_EQ(environment_.user.pointer(), MousePointer::kDefault);
+}
+
+TEST_F(frmRFModemSettingsTest, Answers_AreShownWithoutBlanksAroundThem) {
+  AnswersQuestions();
+  port_.SetStripCRLF(false);
+  ports_.line.Answer("ATSH\r", " 13A2\r");
+  ports_.line.Answer("ATSL\r", "40B0C1D2 \r");
+  ports_.line.Answer("ATPL\r", "  3 \r");
+  form_->FirstPaint();
+  EXPECT_EQ(form_->lblSerial.text(), L"13A240B0C1D2");
+  EXPECT_EQ(form_->lblPowerLevel.text(), L"Power level 3");
+  EXPECT_EQ(form_->pbPowerLevel.value(), 3);
+}
+
+TEST_F(frmRFModemSettingsTest, PowerLevel_TheBarStaysInsideItsEnds) {
+  const struct {
+    const char* answer;
+    std::int32_t value;
+    const wchar_t* text;
+  } rows[] = {{"0\r", 0, L"Power level 0"},
+              {"2\r", 2, L"Power level 2"},
+              {"9\r", 4, L"Power level 9"},
+              {"x\r", 0, L"Power level x"}};
+  for (const auto& row : rows) {
+    AnswersQuestions();
+    ports_.line.Answer("ATPL\r", row.answer);
+    frmRFModemSettings form(environment_.user, port_, 0);
+    form.FirstPaint();
+    EXPECT_EQ(form.pbPowerLevel.value(), row.value) << row.answer;
+    EXPECT_EQ(form.lblPowerLevel.text(), row.text);
+  }
+}
+
+TEST_F(frmRFModemSettingsTest, SettingsOutOfRange_AreShownAsTheyAre) {
+  AnswersQuestions();
+  ports_.line.Answer("ATCH\r", "1F\r");
+  ports_.line.Answer("ATID\r", "FFFFF\r");
+  form_->FirstPaint();
+  EXPECT_EQ(Boxes(), (Texts{L"1048575", L"31", L"26", L"1500"}));
+}
+
+TEST_F(frmRFModemSettingsTest, NoAnswer_OneMessageAndTheDialogEndsAsCancelled) {
+  environment_.user.on_box = [this] { EXPECT_TRUE(form_->is_open()); };
+  form_->FirstPaint();
+  ASSERT_EQ(Shown().size(), 1U);
+  EXPECT_EQ(Shown()[0].text, kUnread);
+  EXPECT_EQ(Shown()[0].title, L"Query RF Modem Settings");
+  EXPECT_EQ(Shown()[0].style, 64U);
+  EXPECT_EQ(environment_.user.pointer_under_boxes(), std::vector{MousePointer::kDefault});
+  EXPECT_FALSE(form_->is_open());
+  EXPECT_TRUE(form_->bCancel());
+  EXPECT_EQ(Outputs(), Lines{L"+++"});
+  EXPECT_EQ(view_.lines, (ViewLines{"100 selection 0", "110 shown"}));
+}
+
+TEST_F(frmRFModemSettingsTest, NoAnswer_TheMessageNamesThePortAndItsRate) {
+  AllowRates(0, 13, 10);
+  port_.SetPort(12);
+  form_->FirstPaint();
+  ASSERT_EQ(Shown().size(), 1U);
+  EXPECT_EQ(Shown()[0].text,
+            L"Unable to read settings from RF modem. Make sure the modem is connected to COM12 and set to "
+            L"operate at " +
+                BaudRateName(port_.BaudRate()) + L" baud.");
+  EXPECT_NE(Shown()[0].text.find(L"at 115200 baud."), std::wstring::npos);
+}
+
+TEST_F(frmRFModemSettingsTest, PortFailsAtAnyCall_OneMessageAndTheDialogEndsWithNothingShown) {
+  int failed = 0;
+  for (int nth = 1;; ++nth) {
+    SCOPED_TRACE(nth);
+    AnswersQuestions();
+    const std::size_t boxes = Shown().size();
+    frmRFModemSettings form(environment_.user, port_, 0);
+    ports_.line.FailCall(nth, kDeviceFailure);
+    form.FirstPaint();
+    if (ports_.line.calls < ports_.line.fail_at) {
+      // Fewer calls than that: nothing failed.
+      EXPECT_EQ(Shown().size(), boxes);
+      EXPECT_EQ(form.txtPANID.text(), L"13106");
+      break;
+    }
+    ++failed;
+    ASSERT_EQ(Shown().size(), boxes + 1);
+    EXPECT_EQ(Shown().back().text, kUnread);
+    EXPECT_TRUE(form.bCancel());
+    EXPECT_FALSE(form.is_open());
+    EXPECT_EQ(form.txtPANID.text(), L"");
+    EXPECT_EQ(form.lblPowerLevel.text(), L"Power level");
+  }
+  EXPECT_GT(failed, 20);
+}
+
+TEST_F(frmRFModemSettingsTest, ReadingFailsOtherwise_TheErrorIsShownAndTheDialogStays) {
+  AnswersQuestions();
+  view_.on_change = [](const Control& control, Change) {
+    if (control.id() == ID_PB_POWER_LEVEL) throw Overflow();
+  };
+  form_->FirstPaint();
+  ASSERT_EQ(Shown().size(), 1U);
+  EXPECT_EQ(Shown()[0].text,
+            L"An error occurred while attempting to read settings from RF modem.\r\nError: 6 - "
+            L"Overflow\r\n(KespCommObj)");
+  EXPECT_EQ(Shown()[0].title, L"Kesp Communications Error");
+  EXPECT_TRUE(form_->is_open());
+  EXPECT_FALSE(form_->bCancel());
+}
+
+TEST_F(frmRFModemSettingsTest, Boxes_TakeDigitsAndSelectAllAndCorrectTheirNumbers) {
+  const struct {
+    TextBox& box;
+    const wchar_t* typed;
+    const wchar_t* shown;
+  } rows[] = {
+      {form_->txtPANID, L"0", L"1"},
+      {form_->txtPANID, L"", L"1"},
+      {form_->txtPANID, L"65535", L"65535"},
+      {form_->txtPANID, L"65536", L"65535"},
+      {form_->txtChannel, L"30", L"24"},
+      {form_->txtChannel, L"", L"12"},
+      {form_->txtChannel, L"7x", L"12"},
+      {form_->txtChannel, L"11", L"12"},
+      {form_->txtChannel, L"24", L"24"},
+      {form_->txtRFModemAddress, L"0", L"1"},
+      {form_->txtRFModemAddress, L"70000", L"65535"},
+      {form_->txtTimeout, L"1", L"2"},
+      {form_->txtTimeout, L"2", L"2"},
+      {form_->txtTimeout, L"70000", L"65535"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(form_->KeyPress(row.box, L'5'), L'5');
+    EXPECT_EQ(form_->KeyPress(row.box, L'-'), 0);
+    EXPECT_EQ(form_->KeyPress(row.box, L'.'), 0);
+    row.box.Type(row.typed);
+    form_->GotFocus(row.box);
+    EXPECT_EQ(row.box.selection_length(), row.box.text().size());
+    form_->LostFocus(row.box);
+    EXPECT_EQ(row.box.text(), row.shown) << row.box.id() << " " << row.typed;
+  }
+}
+
+}  // namespace
+}  // namespace kesp

@@ -1,0 +1,313 @@
+// Tests of the TCP/IP form: its controls, what it loads, its options, and typing an address.
+#include "dialogs/frm_tcp_settings.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "dialogs/dialog_ids.h"
+#include "dialogs/frm_tcp_settings_fixture.h"
+
+namespace kesp {
+namespace {
+
+TEST_F(frmTCPSettingsTest, New_HasItsCaptionAndItsPages) {
+  const frmTCPSettings form(fakes_.user, *tcp_, {true, 4711});
+  EXPECT_EQ(form.caption(), L"TCP/IP Communication Settings");
+  EXPECT_EQ(form.help_context(), 4711);
+  EXPECT_EQ(form.tabSettings.tabs(), (std::vector<TabStrip::Tab>{{L"General", 0}, {L"Extended", 1}}));
+  EXPECT_TRUE(form.framSettings[0].visible());
+  EXPECT_FALSE(form.framSettings[1].visible());
+}
+
+TEST_F(frmTCPSettingsTest, NewWithoutExtendedPage_HasOnlyTheGeneralOne) {
+  const frmTCPSettings form(fakes_.user, *tcp_, {false, 0});
+  EXPECT_EQ(form.tabSettings.tabs(), (std::vector<TabStrip::Tab>{{L"General", 0}}));
+  EXPECT_FALSE(form.framSettings[1].visible());
+}
+
+TEST_F(frmTCPSettingsTest, New_HasLoadedNothing) {
+  form_ = std::make_unique<frmTCPSettings>(fakes_.user, *tcp_, TcpDialogOptions{true, 0});
+  EXPECT_EQ(Octets(), (Texts{L"", L"", L"", L""}));
+  EXPECT_EQ(form_->txtPort.text(), L"");
+  EXPECT_EQ(form_->txtTimeout.text(), L"");
+  EXPECT_FALSE(form_->optTCPType[0].selected());
+  EXPECT_FALSE(form_->optTCPType[1].selected());
+}
+
+TEST_F(frmTCPSettingsTest, New_NumbersItsControlsAndPutsThemOnTheirPages) {
+  const frmTCPSettings form(fakes_.user, *tcp_, {true, 0});
+  const struct {
+    const Control& control;
+    int id, page;
+  } rows[] = {
+      {form.optTCPType[0], ID_OPT_TCP_TYPE, 0},
+      {form.optTCPType[1], ID_OPT_TCP_TYPE + 1, 0},
+      {form.lblIPAddress, ID_LBL_IP_ADDRESS, 0},
+      {form.txtIP[0], ID_TXT_IP, 0},
+      {form.txtIP[1], ID_TXT_IP + 1, 0},
+      {form.txtIP[2], ID_TXT_IP + 2, 0},
+      {form.txtIP[3], ID_TXT_IP + 3, 0},
+      {form.lblPort, ID_LBL_PORT, 0},
+      {form.udPort, ID_UD_PORT, 0},
+      {form.txtPort, ID_TXT_PORT, 0},
+      {form.udTimeout, ID_UD_TCP_TIMEOUT, 1},
+      {form.txtTimeout, ID_TXT_TCP_TIMEOUT, 1},
+      {form.chkCreateLogFile, ID_CHK_TCP_LOG_FILE, 1},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(row.control.id(), row.id);
+    EXPECT_EQ(row.control.page(), row.page) << row.id;
+  }
+}
+
+TEST_F(frmTCPSettingsTest, New_TheArrowsHoldTheRanges) {
+  const frmTCPSettings form(fakes_.user, *tcp_, {true, 0});
+  EXPECT_EQ(form.udPort.minimum(), 1);
+  EXPECT_EQ(form.udPort.maximum(), 65535);
+  EXPECT_EQ(form.udTimeout.minimum(), 100);
+  EXPECT_EQ(form.udTimeout.maximum(), 10000);
+}
+
+TEST_F(frmTCPSettingsTest, FirstPaint_ShowsTheSettings) {
+  Load();
+  EXPECT_TRUE(form_->optTCPType[0].selected());
+  EXPECT_FALSE(form_->optTCPType[1].selected());
+  EXPECT_EQ(Octets(), (Texts{L"192", L"168", L"0", L"10"}));
+  EXPECT_EQ(form_->txtPort.text(), L"10001");
+  EXPECT_EQ(form_->txtTimeout.text(), L"2500");
+  EXPECT_TRUE(form_->chkCreateLogFile.checked());
+  EXPECT_EQ(form_->focused(), &form_->txtIP[0]);
+  EXPECT_TRUE(fakes_.user.boxes().empty());
+}
+
+TEST_F(frmTCPSettingsTest, FirstPaint_TellsTheViewInThisOrder) {
+  Load();
+  EXPECT_EQ(view_.lines,
+            (ViewLines{"422 checked", "420 text 2500", "410 checked", "411 unchecked", "412 enabled",
+                       "413 enabled", "414 enabled", "415 enabled", "416 enabled", "417 enabled",
+                       "418 enabled", "419 enabled", "413 text 192", "414 text 168", "415 text 0",
+                       "416 text 10", "418 text 10001", "focus 413"}));
+}
+
+TEST_F(frmTCPSettingsTest, SecondPaint_KeepsWhatWasTyped) {
+  Load();
+  form_->txtPort.Type(L"80");
+  form_->FirstPaint();
+  EXPECT_EQ(form_->txtPort.text(), L"80");
+}
+
+TEST_F(frmTCPSettingsTest, FirstPaintOfANewTransport_ShowsItsDefaults) {
+  CKespTCP fresh(
+      fakes_.environment,
+      [](SocketListener& listener) { return std::make_unique<SocketControlFake>(listener); }, MakeInstrument);
+  frmTCPSettings form(fakes_.user, fresh, {true, 0});
+  form.FirstPaint();
+  EXPECT_TRUE(form.optTCPType[0].selected());
+  for (const TextBox& box : form.txtIP) EXPECT_EQ(box.text(), L"0");
+  EXPECT_EQ(form.txtPort.text(), L"0");
+  EXPECT_EQ(form.txtTimeout.text(), L"3000");
+  EXPECT_FALSE(form.chkCreateLogFile.checked());
+}
+
+TEST_F(frmTCPSettingsTest, FirstPaintWithoutExtendedPage_LoadsNothingOfIt) {
+  Load({false, 0});
+  EXPECT_EQ(form_->txtTimeout.text(), L"");
+  EXPECT_FALSE(form_->chkCreateLogFile.checked());
+  EXPECT_EQ(form_->txtPort.text(), L"10001");
+}
+
+TEST_F(frmTCPSettingsTest, FirstPaintWithDiscovery_GreysOutAddressAndPortAndLeavesTheFocus) {
+  LoadType(1);
+  EXPECT_FALSE(form_->optTCPType[0].selected());
+  EXPECT_TRUE(form_->optTCPType[1].selected());
+  EXPECT_FALSE(form_->lblIPAddress.enabled());
+  EXPECT_EQ(Octets(), (Texts{L"192", L"168", L"0", L"10"}));
+  EXPECT_EQ(form_->focused(), nullptr);
+}
+
+TEST_F(frmTCPSettingsTest, FirstPaintWithATypeThatHasNoOption_SelectsNoneAndWorks) {
+  for (const std::int32_t type : {2, 255, -1, -2147483647 - 1, 2147483647}) {
+    LoadType(type);
+    EXPECT_FALSE(form_->optTCPType[0].selected());
+    EXPECT_FALSE(form_->optTCPType[1].selected());
+    EXPECT_TRUE(form_->lblIPAddress.enabled());
+    EXPECT_EQ(form_->txtPort.text(), L"10001");
+    EXPECT_EQ(form_->focused(), &form_->txtIP[0]);
+    form_->optTCPType[1].Click();
+    EXPECT_FALSE(form_->txtPort.enabled());
+  }
+  EXPECT_TRUE(fakes_.user.boxes().empty());
+}
+
+TEST_F(frmTCPSettingsTest, Address_ItsPartsGoIntoTheBoxesAsPlainNumbers) {
+  const struct {
+    const wchar_t* address;
+    Texts octets;
+  } rows[] = {
+      {L"1.2.3.4", {L"1", L"2", L"3", L"4"}},
+      {L"1.2.3.4.5", {L"1", L"2", L"3", L"4"}},
+      {L"1.2.3.4.", {L"1", L"2", L"3", L"4"}},
+      {L"010.001.000.255", {L"10", L"1", L"0", L"255"}},
+      {L"300.-1.3.4", {L"300", L"-1", L"3", L"4"}},
+      {L"1..3.4", {L"1", L"0", L"3", L"4"}},
+      {L"...", {L"0", L"0", L"0", L"0"}},
+      {L"host.example", {L"0", L"0", L"", L""}},
+      {L"host", {L"0", L"", L"", L""}},
+      {L"7", {L"7", L"", L"", L""}},
+      {L"1.2.", {L"1", L"2", L"0", L""}},
+      {L"1.2.3", {L"1", L"2", L"3", L""}},
+      {L" 1 . 2 .3x.x4", {L"1", L"2", L"3", L"0"}},
+  };
+  for (const auto& row : rows) {
+    tcp_->SetIPAddress(row.address);
+    Load();
+    EXPECT_EQ(Octets(), row.octets) << row.address;
+    EXPECT_EQ(form_->txtPort.text(), L"10001") << row.address;
+  }
+  EXPECT_TRUE(fakes_.user.boxes().empty());
+}
+
+TEST_F(frmTCPSettingsTest, AddressOfFewerParts_TheOtherBoxesKeepTheirContent) {
+  tcp_->SetIPAddress(L"1.2");
+  form_ = std::make_unique<frmTCPSettings>(fakes_.user, *tcp_, TcpDialogOptions{});
+  TypeOctets({L"9", L"8", L"7", L"6"});
+  form_->FirstPaint();
+  EXPECT_EQ(Octets(), (Texts{L"1", L"2", L"7", L"6"}));
+}
+
+TEST_F(frmTCPSettingsTest, ClickDiscovery_DisablesAddressAndPort) {
+  Load();
+  view_.lines.clear();
+  form_->optTCPType[1].Click();
+  EXPECT_EQ(view_.lines,
+            (ViewLines{"411 checked", "410 unchecked", "412 disabled", "413 disabled", "414 disabled",
+                       "415 disabled", "416 disabled", "417 disabled", "418 disabled", "419 disabled"}));
+}
+
+TEST_F(frmTCPSettingsTest, ClickKnownAddress_EnablesThemAgain) {
+  LoadType(1);
+  view_.lines.clear();
+  form_->optTCPType[0].Click();
+  EXPECT_EQ(view_.lines,
+            (ViewLines{"410 checked", "411 unchecked", "412 enabled", "413 enabled", "414 enabled",
+                       "415 enabled", "416 enabled", "417 enabled", "418 enabled", "419 enabled"}));
+  EXPECT_EQ(tcp_->IPType(), EIPType::ipDynamic);
+}
+
+TEST_F(frmTCPSettingsTest, ClickTab_ShowsItsPage) {
+  Load();
+  form_->tabSettings.Choose(1);
+  EXPECT_FALSE(form_->framSettings[0].visible());
+  EXPECT_TRUE(form_->framSettings[1].visible());
+}
+
+// A window that does what a real one does: the focus moves, the boxes hear of it, and a typed character
+// replaces what is selected.
+class frmTCPSettingsTypingTest : public frmTCPSettingsTest {
+ protected:
+  void Type(const char* keys) {
+    for (; *keys != 0; ++keys) {
+      TextBox& box = FocusedOctet();
+      const std::int16_t kept = form_->KeyPress(box, *keys);
+      if (&FocusedOctet() != &box) {
+        form_->LostFocus(box);
+        form_->GotFocus(FocusedOctet());
+        replace_ = true;
+      }
+      if (kept == 0) continue;
+      box.Type((replace_ ? L"" : box.text()) + static_cast<wchar_t>(kept));
+      replace_ = false;
+    }
+  }
+
+ private:
+  TextBox& FocusedOctet() {
+    return *std::find_if(form_->txtIP.begin(), form_->txtIP.end(),
+                         [this](const TextBox& box) { return &box == form_->focused(); });
+  }
+
+  bool replace_ = true;
+};
+
+TEST_F(frmTCPSettingsTypingTest, WholeAddress_FillsTheBoxesOneByOne) {
+  tcp_->SetIPAddress(L"1.2.3.4");
+  Load();
+  Type("192.168.0.10");
+  EXPECT_EQ(Octets(), (Texts{L"192", L"168", L"0", L"10"}));
+  EXPECT_EQ(form_->focused(), &form_->txtIP[3]);
+}
+
+TEST_F(frmTCPSettingsTypingTest, FourthDot_WrapsToTheFirstBox) {
+  Load();
+  Type("1.2.3.4.5");
+  EXPECT_EQ(Octets(), (Texts{L"5", L"2", L"3", L"4"}));
+  EXPECT_EQ(form_->focused(), &form_->txtIP[0]);
+}
+
+TEST_F(frmTCPSettingsTypingTest, TooLargeOctet_IsCorrectedWhenTheDotLeavesIt) {
+  Load();
+  Type("300.");
+  EXPECT_EQ(Octets()[0], L"255");
+}
+
+TEST_F(frmTCPSettingsTest, Dot_MovesTheFocusAndIsDropped) {
+  Load();
+  view_.lines.clear();
+  for (TextBox& box : form_->txtIP) EXPECT_EQ(form_->KeyPress(box, L'.'), 0);
+  EXPECT_EQ(view_.lines, (ViewLines{"focus 414", "focus 415", "focus 416", "focus 413"}));
+}
+
+TEST_F(frmTCPSettingsTest, DotInAnotherBox_IsOnlyDropped) {
+  Load();
+  view_.lines.clear();
+  EXPECT_EQ(form_->KeyPress(form_->txtPort, L'.'), 0);
+  EXPECT_EQ(form_->KeyPress(form_->txtTimeout, L'.'), 0);
+  EXPECT_TRUE(view_.lines.empty());
+}
+
+TEST_F(frmTCPSettingsTest, OtherKeys_AreFilteredAndMoveNothing) {
+  Load();
+  view_.lines.clear();
+  for (TextBox* box : {&form_->txtIP[0], &form_->txtIP[3], &form_->txtPort, &form_->txtTimeout}) {
+    EXPECT_EQ(form_->KeyPress(*box, L'5'), L'5');
+    EXPECT_EQ(form_->KeyPress(*box, 22), 22);
+    for (const char dropped : {'-', '+', ',', ' ', 'x'}) {
+      EXPECT_EQ(form_->KeyPress(*box, dropped), 0) << dropped;
+    }
+  }
+  EXPECT_TRUE(view_.lines.empty());
+}
+
+TEST_F(frmTCPSettingsTest, GotFocus_SelectsAll) {
+  Load();
+  view_.lines.clear();
+  form_->GotFocus(form_->txtIP[1]);
+  form_->GotFocus(form_->txtPort);
+  form_->GotFocus(form_->txtTimeout);
+  EXPECT_EQ(view_.lines, (ViewLines{"414 selected 0+3", "418 selected 0+5", "420 selected 0+4"}));
+}
+
+TEST_F(frmTCPSettingsTest, LostFocus_BringsTheNumberIntoTheBoxsRange) {
+  Load();
+  const struct {
+    TextBox& box;
+    const wchar_t* typed;
+    const wchar_t* shown;
+  } rows[] = {
+      {form_->txtIP[0], L"300", L"255"},    {form_->txtIP[1], L"256", L"255"},
+      {form_->txtIP[2], L"", L"0"},         {form_->txtIP[3], L"255", L"255"},
+      {form_->txtIP[3], L"-1", L"0"},       {form_->txtPort, L"0", L"1"},
+      {form_->txtPort, L"", L"1"},          {form_->txtPort, L"65535", L"65535"},
+      {form_->txtPort, L"65536", L"65535"}, {form_->txtTimeout, L"99", L"100"},
+      {form_->txtTimeout, L"100", L"100"},  {form_->txtTimeout, L"10001", L"10000"},
+  };
+  for (const auto& row : rows) {
+    row.box.Type(row.typed);
+    form_->LostFocus(row.box);
+    EXPECT_EQ(row.box.text(), row.shown) << row.box.id() << " " << row.typed;
+  }
+}
+
+}  // namespace
+}  // namespace kesp
