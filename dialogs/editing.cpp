@@ -104,6 +104,7 @@ double LeadingNumber(std::wstring_view text) {
 }
 
 std::wstring PlainNumber(double number) {
+  if (!std::isfinite(number)) throw Overflow();
   std::array<char, 400> text{};
   // The sum has no negative zero.
   const auto end =

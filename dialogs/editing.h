@@ -26,6 +26,7 @@ std::int16_t FilterSignedDecimal(UserSurface& user, std::int16_t key);
 double LeadingNumber(std::wstring_view text);
 
 // The number in decimal, without thousands separators and without digits that add nothing: "250", "0.5".
+// Throws Overflow() for an infinite one.
 std::wstring PlainNumber(double number);
 
 // The value, or the bound that it is beyond; the minimum counts when the bounds are the wrong way round.

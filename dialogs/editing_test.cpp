@@ -112,6 +112,12 @@ TEST(PlainNumber, ExtremeNumbers_AreWrittenWhole) {
             -std::numeric_limits<double>::min());
 }
 
+TEST(PlainNumber, Infinite_RaisesOverflow) {
+  for (const double number : {kInfinity, -kInfinity, std::nan("")}) {
+    EXPECT_EQ(RaisedBy([&] { PlainNumber(number); }), kOverflow);
+  }
+}
+
 TEST(Clamp, Values_StayInsideTheBounds) {
   const struct {
     double value, minimum, maximum, result;
