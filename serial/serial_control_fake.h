@@ -210,12 +210,18 @@ class SerialPortsFake final : public SerialPorts {
   std::int32_t IsCOMPortAvailable(std::int16_t port) override {
     if (probing_fails) throw std::runtime_error("the ports cannot be listed");
     asked.push_back(port);
-    return code;
+    if (on_question) on_question(port);
+    const auto own = codes.find(port);
+    return own == codes.end() ? code : own->second;
   }
 
   SerialLineFake line;
+  // The answer for each port that is not among `codes`, and for those that are.
   std::int32_t code = 0;
+  std::map<std::int16_t, std::int32_t> codes;
   bool probing_fails = false;
+  // Runs at every question, before it is answered; may throw.
+  std::function<void(std::int16_t)> on_question;
   std::vector<std::int16_t> asked;
 };
 
