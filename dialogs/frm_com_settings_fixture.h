@@ -127,6 +127,12 @@ class FrmCOMSettingsTest : public CKespCOMPort3Test {
     modem_dialog_.on_show = [this] { record_.push_back(L"RF dialog"); };
   }
 
+  // As a new transport has it.
+  void AllowNoRate() {
+    port_.SetMinBaudRate(EKespBaudRate3::brNone);
+    AllowRates(-1, -1, -1);
+  }
+
   frmCOMSettings& Make(const ComPortDialogOptions& options = kEverything) {
     form_ = std::make_unique<frmCOMSettings>(user_, port_, options, modem_dialog_);
     view_ = std::make_unique<FrmCOMSettingsView>(*form_, record_);

@@ -1,0 +1,198 @@
+// Unit tests of the button that opens the radio modem's properties from the RS-232 form.
+#include <stdexcept>
+
+#include "dialogs/frm_com_settings_fixture.h"
+
+namespace kesp {
+namespace {
+
+constexpr wchar_t kTitle[] = L"Connect RF Modem";
+constexpr int kOkAnswer = 1;
+
+class FrmCOMSettingsModemTest : public FrmCOMSettingsTest {
+ protected:
+  using Modem = RFModemDialogFake::Modem;
+
+  // The form with the use of a modem checked, at a rate of the list; the rate is left to the user where the
+  // modem's own is not in the list.
+  frmCOMSettings& ShowWithModem(const ComPortDialogOptions& options = kNothing) {
+    frmCOMSettings& form = Show(options);
+    Click(form.chkUseRFModem);
+    record_.clear();
+    return form;
+  }
+  void ClickProperties() { Click(form_->cmdRFProperties); }
+
+  // What the dialog shown was given, and what the transport has now.
+  void ExpectShownOnceWith(const Modem& modem) {
+    EXPECT_EQ(modem_dialog_.ports, std::vector<const CKespCOMPort3*>{&port_});
+    EXPECT_TRUE(modem_dialog_.shown_with == modem);
+    ExpectTransport(modem);
+  }
+  void ExpectTransport(const Modem& modem) const {
+    EXPECT_EQ(port_.Port(), modem.port);
+    EXPECT_EQ(port_.MaxBaudRate(), modem.maximum);
+    EXPECT_EQ(port_.MinBaudRate(), modem.minimum);
+    EXPECT_EQ(port_.BaudRate(), modem.rate);
+    EXPECT_EQ(port_.UseRFModem(), modem.used);
+  }
+};
+
+TEST_F(FrmCOMSettingsModemTest, ModemNotUsed_ButtonIsOff) {
+  Show();
+  ClickProperties();
+  EXPECT_TRUE(user_.boxes().empty());
+  EXPECT_TRUE(modem_dialog_.ports.empty());
+}
+
+TEST_F(FrmCOMSettingsModemTest, NoPortSelected_IsRefused) {
+  ports_.codes.clear();
+  ShowWithModem();
+  const auto before = Settings(port_);
+  user_.SetPointer(MousePointer::kBusy);
+  ClickProperties();
+  ExpectBox(L"Invalid COM Port", L"Select a valid COM port to use.", 64);
+  EXPECT_TRUE(modem_dialog_.ports.empty());
+  EXPECT_TRUE(Settings(port_) == before);
+  EXPECT_TRUE(form_->is_open());
+}
+
+TEST_F(FrmCOMSettingsModemTest, At9600_AsksWithoutNote) {
+  Choose(ShowWithModem().icboCOMPort, L"COM3");
+  ClickProperties();
+  ExpectBox(kTitle,
+            L"Make sure the RF modem is connected to COM3 and set to operate at 9600 baud."
+            L" Click OK to continue or click Cancel to abort.",
+            65);
+}
+
+TEST_F(FrmCOMSettingsModemTest, AtAnotherRate_AsksWithNoteBehindTwoCarriageReturns) {
+  AllowRates(8, 13, 10);
+  ShowWithModem();
+  ClickProperties();
+  ExpectBox(kTitle,
+            L"Make sure the RF modem is connected to COM1 and set to operate at 115200 baud."
+            L"\r\rNote: The factory default baud rate for the RF modem is 9600."
+            L" Click OK to continue or click Cancel to abort.",
+            65);
+}
+
+TEST_F(FrmCOMSettingsModemTest, NoRateSelected_AsksWithoutOne_AndTheTransportRefusesIt) {
+  AllowRates(8, 10, 10);
+  frmCOMSettings& form = ShowWithModem(kEverything);
+  Choose(form.cboMinBaudRate, L"57600");
+  ASSERT_EQ(form.cboBaudRate.selected(), nullptr);
+  ClickProperties();
+  ASSERT_EQ(user_.boxes().size(), 2u);
+  EXPECT_EQ(user_.boxes()[0].text,
+            L"Make sure the RF modem is connected to COM1 and set to operate at  baud."
+            L"\r\rNote: The factory default baud rate for the RF modem is 9600."
+            L" Click OK to continue or click Cancel to abort.");
+  EXPECT_EQ(user_.boxes()[1].text,
+            L"An error occurred while attempting to display the RF modem properties.\r\nError: " +
+                std::to_wstring(com_port_error::ERR_BAUD_RATE_NOT_SUPPORTED) +
+                L" - Baud rate not supported.\r\n(CKespCOMPort3 - BaudRate)");
+  EXPECT_EQ(user_.boxes()[1].title, L"Kesp Communications Error");
+  EXPECT_EQ(user_.boxes()[1].style, 16u);
+  EXPECT_TRUE(modem_dialog_.ports.empty());
+  // What was written before the rate stays.
+  ExpectTransport({1, EKespBaudRate3::br115200, EKespBaudRate3::br1200, EKespBaudRate3::br115200, false});
+  EXPECT_TRUE(form.is_open());
+}
+
+TEST_F(FrmCOMSettingsModemTest, Asked_AtATimeWhenNothingIsWritten) {
+  AllowRates(0, 13, 10);
+  Choose(ShowWithModem().icboCOMPort, L"COM3");
+  const auto before = Settings(port_);
+  bool unchanged = false;
+  user_.on_box = [&] { unchanged = Settings(port_) == before; };
+  ClickProperties();
+  EXPECT_TRUE(unchanged);
+}
+
+TEST_F(FrmCOMSettingsModemTest, Cancelled_WritesAndShowsNothing) {
+  Choose(ShowWithModem().icboCOMPort, L"COM3");
+  const auto before = Settings(port_);
+  user_.Answer(kCancelAnswer);
+  ClickProperties();
+  EXPECT_EQ(user_.boxes().size(), 1u);
+  EXPECT_TRUE(Settings(port_) == before);
+  EXPECT_TRUE(modem_dialog_.ports.empty());
+  EXPECT_TRUE(form_->is_open());
+}
+
+TEST_F(FrmCOMSettingsModemTest, Accepted_WritesTheTransportAndShowsTheDialog) {
+  AllowRates(0, 13, 10);
+  port_.SetRFModemPropHCID(815);
+  Choose(ShowWithModem().icboCOMPort, L"COM3");
+  record_.clear();
+  user_.Answer(kOkAnswer);
+  ClickProperties();
+  EXPECT_EQ(record_, (Lines{L"Box Connect RF Modem", L"RF dialog"}));
+  ExpectShownOnceWith({3, EKespBaudRate3::br115200, EKespBaudRate3::br1200, EKespBaudRate3::br9600, true});
+  EXPECT_EQ(modem_dialog_.help_contexts, std::vector<std::int32_t>{815});
+  EXPECT_TRUE(form_->is_open());
+}
+
+TEST_F(FrmCOMSettingsModemTest, Accepted_WritesNothingElse) {
+  frmCOMSettings& form = ShowWithModem(kEverything);
+  Click(form.chkUseRedirector);
+  Click(form.chkUseSmartSwitch);
+  Choose(form.cboParity, L"Even");
+  form.txtInstrAddress.Type(L"12");
+  form.txtTimeout.Type(L"500");
+  const auto before = Settings(port_);
+  ClickProperties();
+  AllowRates(0, 13, 6);
+  port_.SetUseRFModem(false);
+  EXPECT_TRUE(Settings(port_) == before);
+}
+
+TEST_F(FrmCOMSettingsModemTest, NewRangeBelowTheOldOne_HighestIsSetFirst) {
+  // Setting the lowest rate to 1200 first would be refused here.
+  port_.SetMinBaudRate(EKespBaudRate3::br150);
+  port_.SetMaxBaudRate(EKespBaudRate3::br600);
+  port_.SetBaudRate(EKespBaudRate3::br300);
+  frmCOMSettings& form = ShowWithModem(kEverything);
+  Choose(form.cboMaxBaudRate, L"9600");
+  Choose(form.cboBaudRate, L"9600");
+  ClickProperties();
+  ExpectShownOnceWith({1, EKespBaudRate3::br115200, EKespBaudRate3::br1200, EKespBaudRate3::br9600, true});
+}
+
+TEST_F(FrmCOMSettingsModemTest, RangeAboveTheModems_IsShownAndOnlyThePortIsWritten) {
+  AllowRates(11, 13, 11);
+  Choose(ShowWithModem().icboCOMPort, L"COM3");
+  ClickProperties();
+  ASSERT_EQ(user_.boxes().size(), 2u);
+  EXPECT_EQ(user_.boxes()[1].text,
+            L"An error occurred while attempting to display the RF modem properties.\r\nError: " +
+                std::to_wstring(com_port_error::ERR_INVALID_BAUD_RATE) +
+                L" - Cannot set maximum baud rate lower than minimum baud rate.\r\n"
+                L"(CKespCOMPort3 - MaxBaudRate)");
+  ExpectTransport({3, EKespBaudRate3::br921600, EKespBaudRate3::br230400, EKespBaudRate3::br230400, false});
+  EXPECT_TRUE(modem_dialog_.ports.empty());
+}
+
+TEST_F(FrmCOMSettingsModemTest, DialogFails_IsShownAndTheWritesStay) {
+  ShowWithModem();
+  modem_dialog_.on_show = [] { throw std::runtime_error("no window"); };
+  ClickProperties();
+  ASSERT_EQ(user_.boxes().size(), 2u);
+  EXPECT_EQ(user_.boxes()[1].text,
+            L"An error occurred while attempting to display the RF modem properties.\r\n"
+            L"Error: 51 - Internal error (no window)\r\n(KespCommObj)");
+  ExpectTransport({1, EKespBaudRate3::br115200, EKespBaudRate3::br1200, EKespBaudRate3::br9600, true});
+  EXPECT_TRUE(form_->is_open());
+}
+
+TEST_F(FrmCOMSettingsModemTest, Writes_StayWhenTheFormIsCancelled) {
+  Choose(ShowWithModem().icboCOMPort, L"COM3");
+  ClickProperties();
+  Click(form_->cmdOKCancelHelp[Form::kCancel]);
+  EXPECT_TRUE(form_->bCancel());
+  ExpectTransport({3, EKespBaudRate3::br115200, EKespBaudRate3::br1200, EKespBaudRate3::br9600, true});
+}
+
+}  // namespace
+}  // namespace kesp
