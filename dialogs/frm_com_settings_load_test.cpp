@@ -161,6 +161,7 @@ TEST_F(FrmCOMSettingsLoadTest, FirstPaint_LoadsEverythingInOrder) {
 
 TEST_F(FrmCOMSettingsLoadTest, FirstPaint_OtherBoxesAndTheModemInTheirPlaces) {
   port_.SetUseRFModem(true);
+  port_.SetUseRedirector(true);
   Make().FirstPaint();
   EXPECT_EQ(record_, (Lines{L"cboMinBaudRate selects 150",
                             L"cboMaxBaudRate selects 921600",
@@ -174,6 +175,7 @@ TEST_F(FrmCOMSettingsLoadTest, FirstPaint_OtherBoxesAndTheModemInTheirPlaces) {
                             L"icboSmartSwitchStyle selects 6-port",
                             L"icboCOMPort selects COM1",
                             L"cboBaudRate selects 9600",
+                            L"chkUseRedirector checked",
                             L"chkUseRFModem checked",
                             L"cboBaudRate selects 9600",
                             L"lblBaudRate disabled",

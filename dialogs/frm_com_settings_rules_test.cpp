@@ -175,6 +175,7 @@ TEST_F(FrmCOMSettingsRulesTest, TestSmartSwitch_RunsWithWhatIsSaved) {
 }
 
 TEST_F(FrmCOMSettingsRulesTest, TestSmartSwitch_NotEnabled_DoesNothing) {
+  environment_.clock.SetStepPerReading(1);
   Show();
   Click(form_->cmdTestSmartSwitch);
   EXPECT_TRUE(ports_.line.writes.empty());
