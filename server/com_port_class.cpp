@@ -1,6 +1,7 @@
 // The COM object of the serial transport.
 #include "server/com_port_class.h"
 
+#include "dialogs/com_port_dialog_win.h"
 #include "serial/serial_ports_win.h"
 #include "server/adopt.h"
 #include "server/variant_bridge.h"
@@ -13,9 +14,6 @@ namespace {
 const ClassDescription kDescription{__uuidof(::CKespCOMPort3), __uuidof(::_CKespCOMPort3),
                                     &__uuidof(::__CKespCOMPort3)};
 
-// No window shows the settings yet, so Edit returns False.
-ComPortDialog* const kSettingsDialog = nullptr;
-
 }  // namespace
 
 ComPortClass::ComPortClass()
@@ -23,7 +21,7 @@ ComPortClass::ComPortClass()
       events_(static_cast<::_CKespCOMPort3*>(this), __uuidof(::__CKespCOMPort3)),
       bridge_(events_),
       object_(std::make_unique<CKespCOMPort3>(SystemEnvironment(), SystemSerialPorts(), &bridge_,
-                                              kSettingsDialog)) {
+                                              &SystemComPortDialog())) {
   smart_switch_ = Adopt(new SmartSwitchClass(object_->SmartSwitch()));
 }
 

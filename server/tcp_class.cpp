@@ -1,6 +1,7 @@
 // The COM object of the network transport.
 #include "server/tcp_class.h"
 
+#include "dialogs/tcp_dialog_win.h"
 #include "network/socket_control_win.h"
 #include "server/adopt.h"
 #include "server/com_instrument.h"
@@ -14,9 +15,6 @@ namespace {
 
 const ClassDescription kDescription{__uuidof(::CKespTCP), __uuidof(::_CKespTCP), &__uuidof(::__CKespTCP)};
 
-// No window shows the settings yet, so Edit returns False.
-TcpDialog* const kSettingsDialog = nullptr;
-
 // A record that clients can be handed.
 std::shared_ptr<Instrument> MakeComInstrument() {
   return std::make_shared<ComInstrument>(Adopt(new InstrumentClass).Get());
@@ -29,7 +27,7 @@ TcpClass::TcpClass()
       events_(static_cast<::_CKespTCP*>(this), __uuidof(::__CKespTCP)),
       bridge_(static_cast<::_CKespTCP*>(this), events_),
       object_(std::make_unique<CKespTCP>(SystemEnvironment(), MakeSocketControl, MakeComInstrument, &bridge_,
-                                         kSettingsDialog)) {
+                                         &SystemTcpDialog())) {
   devices_ = Adopt(new InstrumentsClass(object_->Devices()));
 }
 
