@@ -2,7 +2,7 @@
 #
 # kesp_wine_test(NAME <name> PROGRAM <path> [BITS 64 32] [ARGS ...] [INSTRUMENT <personality.json>] [TIMEOUT <s>]
 #                [SERIAL <com number> [WIRE]] [HOSTS <hosts.json>] [DRIVER <bus.json>] [STANDALONE]
-#                [CHANGES_REGISTRY])
+#                [SCREEN] [ALL_PORTS] [CHANGES_REGISTRY])
 #
 # One test for each width (both unless BITS says otherwise), named wine64.<name> and wine32.<name>.
 #   PROGRAM     an .exe as a path within the Windows build (tests/win/foo.exe), or a .vbs or .js file of this folder
@@ -14,6 +14,8 @@
 #               in a Windows of its own with the library registered; not with INSTRUMENT or SERIAL
 #   DRIVER      runs with the simulated GPIB driver beside the program; a bus of this folder, or BUILT_IN
 #   STANDALONE  does not need the library registered
+#   SCREEN      opens windows, and runs while no other such test does: they would take the focus from one another
+#   ALL_PORTS   opens every COM port there is, and runs alone, because the ports of other tests are among them
 #   CHANGES_REGISTRY  runs alone and must leave the library registered
 # In the Windows builds it does nothing, so that a folder's list file is the same for all builds.
 set(KESP_WINE_TEST "${CMAKE_SOURCE_DIR}/tools/wine-test")
@@ -41,7 +43,7 @@ function(kesp_wine_test)
   if(WIN32)
     return()
   endif()
-  cmake_parse_arguments(TEST "STANDALONE;CHANGES_REGISTRY;WIRE" "NAME;PROGRAM;INSTRUMENT;SERIAL;HOSTS;DRIVER;TIMEOUT"
+  cmake_parse_arguments(TEST "STANDALONE;CHANGES_REGISTRY;WIRE;SCREEN;ALL_PORTS" "NAME;PROGRAM;INSTRUMENT;SERIAL;HOSTS;DRIVER;TIMEOUT"
     "BITS;ARGS" ${ARGN})
   if(TEST_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "kesp_wine_test does not know ${TEST_UNPARSED_ARGUMENTS}")
@@ -102,7 +104,11 @@ macro(kesp_add_wine_test bits)
   if(NOT TEST_STANDALONE AND NOT TEST_HOSTS)
     set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED registered${bits})
   endif()
-  if(TEST_CHANGES_REGISTRY)
+  if(TEST_CHANGES_REGISTRY OR TEST_ALL_PORTS)
     set_tests_properties(${name} PROPERTIES RUN_SERIAL TRUE)
+  endif()
+  if(TEST_SCREEN)
+    # Of both widths, which share the screen.
+    set_tests_properties(${name} PROPERTIES RESOURCE_LOCK screen)
   endif()
 endmacro()

@@ -260,7 +260,8 @@ void DialogUser::PostKey(UINT key) const {
   GetGUIThreadInfo(watched_thread_, &thread);
   HWND window = thread.hwndFocus != nullptr ? thread.hwndFocus : window_;
   Post(window, WM_KEYDOWN, key, 1);
-  Post(window, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001U));
+  // The window may be gone by now.
+  PostMessageW(window, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001U));
 }
 
 }  // namespace kesp
