@@ -1,7 +1,6 @@
 // Filling the TCP/IP dialog, what its controls do to one another, and writing it back.
 #include "dialogs/frm_tcp_settings.h"
 
-#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -89,10 +88,9 @@ void frmTCPSettings::OnTCPType(std::size_t index) {
 
 void frmTCPSettings::OnKeyPress(TextBox& box, std::int16_t key) {
   if (key != L'.') return;
-  const auto octet =
-      std::find_if(txtIP.begin(), txtIP.end(), [&box](const TextBox& each) { return &each == &box; });
-  if (octet == txtIP.end()) return;
-  Focus(octet + 1 == txtIP.end() ? txtIP.front() : octet[1]);
+  for (std::size_t index = 0; index < txtIP.size(); ++index) {
+    if (&txtIP[index] == &box) Focus(txtIP[(index + 1) % txtIP.size()]);
+  }
 }
 
 bool frmTCPSettings::WriteSettings() {
