@@ -56,6 +56,22 @@ std::size_t EndOfNumber(std::wstring_view text, std::size_t position) {
   return end;
 }
 
+// How many digits a number has before its decimal point; negative for zeros behind it.
+std::ptrdiff_t OrderOfMagnitude(const std::string& number) {
+  const std::size_t mantissa = std::min(number.find_first_of("eE"), number.size());
+  const std::size_t point = std::min(number.find('.'), mantissa);
+  const std::size_t first = std::min(number.find_first_not_of("-0."), mantissa);
+  int exponent = 0;
+  if (mantissa < number.size()) {
+    const std::size_t sign = number[mantissa + 1] == '+' ? 2 : 1;
+    const auto read =
+        std::from_chars(number.data() + mantissa + sign, number.data() + number.size(), exponent);
+    constexpr int kBeyondAll = 1'000'000;
+    if (read.ec != std::errc()) exponent = number[mantissa + 1] == '-' ? -kBeyondAll : kBeyondAll;
+  }
+  return static_cast<std::ptrdiff_t>(point) - static_cast<std::ptrdiff_t>(first) + exponent;
+}
+
 template <typename Integer>
 Integer ToInteger(double number) {
   // The default rounding mode takes halves to the even number.
@@ -79,7 +95,7 @@ std::int16_t FilterDigit(UserSurface& user, std::int16_t key) {
 }
 
 std::int16_t FilterSignedDecimal(UserSurface& user, std::int16_t key) {
-  const auto separator = static_cast<std::int16_t>(DecimalSeparator(user));
+  const auto separator = static_cast<std::int16_t>(static_cast<std::uint16_t>(DecimalSeparator(user)));
   if (IsDigit(key) || key == L'-' || key == L'+' || key == separator) return key;
   if (key == L'.') return separator;
   return IsControlKey(key) ? key : std::int16_t{0};
@@ -95,9 +111,7 @@ double LeadingNumber(std::wstring_view text) {
   double value = 0;
   const auto read = std::from_chars(number.data(), number.data() + number.size(), value);
   if (read.ec == std::errc::result_out_of_range) {
-    // Either too large, or too close to 0 for any number; a negative exponent tells.
-    const bool tiny = number.find("e-") != std::string::npos || number.find("E-") != std::string::npos;
-    const double limit = tiny ? 0 : std::numeric_limits<double>::infinity();
+    const double limit = OrderOfMagnitude(number) > 0 ? std::numeric_limits<double>::infinity() : 0;
     return number.front() == '-' ? -limit : limit;
   }
   return value;

@@ -19,7 +19,7 @@ const Raised kOverflow{6, L"KespCommObj", L"Overflow"};
 
 TEST(LeadingNumber, Texts_GiveTheNumberAtTheirStart) {
   const struct {
-    const wchar_t* text;
+    std::wstring text;
     double number;
   } rows[] = {
       {L"", 0},
@@ -70,6 +70,12 @@ TEST(LeadingNumber, Texts_GiveTheNumberAtTheirStart) {
       {L"-1e999", -kInfinity},
       {L"+1E999", kInfinity},
       {L"1e-999", 0},
+      {L"0." + std::wstring(400, L'0') + L"1", 0},
+      {L"0." + std::wstring(400, L'0') + L"1e9", 0},
+      {std::wstring(400, L'9') + L"e-1", kInfinity},
+      {L"-" + std::wstring(400, L'9') + L".5e+1", -kInfinity},
+      {L"1e99999999999", kInfinity},
+      {L"1e-99999999999", 0},
       {L"-1E-999", 0},
       {L"\x0661\x0662", 0},  // Arabic digits
   };
