@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "dialogs/accessible_name_win.h"
 #include "dialogs/activation_context_win.h"
 #include "dialogs/dialog_template_win.h"
 #include "dialogs/thread_modal_win.h"
@@ -15,22 +16,33 @@ FormWindow::FormWindow(Form& form, const FormResources& resources)
     : form_(form), resources_(resources), owner_(GetActiveWindow()) {}
 
 FormWindow::~FormWindow() {
+  Destroy();
+}
+
+void FormWindow::Destroy() {
   form_.SetView(nullptr);
   edits_.clear();
   if (dialog_ != nullptr) DestroyWindow(dialog_);
 }
 
 void FormWindow::ShowModal() {
+  HWND focus = GetFocus();
   Make();
-  // The other windows are enabled again before this one goes, so that the owner is the one to become active.
-  const ThreadModal modal(dialog_);
-  PlaceOver(dialog_, owner_);
-  ShowWindow(dialog_, SW_SHOW);
-  if (owner_ == nullptr) SetForegroundWindow(dialog_);
-  FocusFirst();
-  RedrawWindow(dialog_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
-  form_.FirstPaint();
-  RunLoop();
+  {
+    // The other windows are enabled again before this one goes, so that the owner is the one to become
+    // active.
+    const ThreadModal modal(dialog_);
+    PlaceOver(dialog_, owner_);
+    ShowWindow(dialog_, SW_SHOW);
+    if (owner_ == nullptr) SetForegroundWindow(dialog_);
+    FocusFirst();
+    RedrawWindow(dialog_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+    form_.FirstPaint();
+    RunLoop();
+  }
+  Destroy();
+  // An owner that is no dialog does not remember which of its controls had the focus.
+  if (owner_ != nullptr && GetActiveWindow() == owner_ && IsChild(owner_, focus) != FALSE) SetFocus(focus);
 }
 
 void FormWindow::Make() {
@@ -40,6 +52,7 @@ void FormWindow::Make() {
   MakePages();
   BindControls();
   BindTextBoxes();
+  NameImageCombos();
   AddToolTips();
   form_.SetView(this);
 }
@@ -92,6 +105,16 @@ void FormWindow::BindTextBoxes() {
     auto* box = dynamic_cast<TextBox*>(control);
     HWND window = painter_.WindowOf(*control);
     if (box != nullptr && window != nullptr) edits_.emplace_back(form_, *box, window, dialog_);
+  }
+}
+
+// A label names the window that follows it, which is not the one that gets the focus here.
+void FormWindow::NameImageCombos() const {
+  for (const Control* control : form_.controls()) {
+    HWND window = painter_.WindowOf(*control);
+    const auto combo = reinterpret_cast<HWND>(SendMessageW(window, CBEM_GETCOMBOCONTROL, 0, 0));
+    if (window == nullptr || resources_.images.count(control->id()) == 0 || combo == nullptr) continue;
+    SetAccessibleName(combo, GetWindow(window, GW_HWNDPREV));
   }
 }
 

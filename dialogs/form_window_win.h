@@ -32,8 +32,9 @@ class FormWindow final : private FormView {
   FormWindow& operator=(const FormWindow&) = delete;
 
   // Shows the window in front of the thread's active one, or alone when there is none, and returns when the
-  // form has closed. The thread's other windows take no input meanwhile. When the program is told to end, or
-  // the owner goes, the dialog is cancelled. Throws std::runtime_error when the window cannot be made.
+  // form has closed. The thread's other windows take no input meanwhile; the control that had the focus has
+  // it again afterwards. When the program is told to end, or the owner goes, the dialog is cancelled. Throws
+  // std::runtime_error when the window cannot be made.
   void ShowModal();
 
  private:
@@ -46,10 +47,12 @@ class FormWindow final : private FormView {
   INT_PTR Handle(HWND window, UINT message, WPARAM first, LPARAM second);
 
   void Make();
+  void Destroy();
   HWND MakeDialog(int resource, HWND parent);
   void MakePages();
   void BindControls();
   void BindTextBoxes();
+  void NameImageCombos() const;
   void AddToolTips();
   HWND VisiblePage() const;
   void FocusFirst() const;

@@ -37,9 +37,12 @@ TabPage::~TabPage() {
 HBRUSH TabPage::BrushFor(HWND page, HWND window, HDC device) {
   if (brush_ == nullptr) brush_ = PaintedBrush(page);
   if (brush_ == nullptr) return nullptr;
+  POINT place{};
+  MapWindowPoints(window, page, &place, 1);
+  // A control that lets the page paint what lies behind it moves the origin of its device context instead.
   POINT origin{};
-  MapWindowPoints(window, page, &origin, 1);
-  SetBrushOrgEx(device, -origin.x, -origin.y, nullptr);
+  GetViewportOrgEx(device, &origin);
+  SetBrushOrgEx(device, origin.x - place.x, origin.y - place.y, nullptr);
   SetBkMode(device, TRANSPARENT);
   return brush_;
 }
