@@ -1,8 +1,10 @@
 // Measures the serial transport beside the bare communication functions, on the same port in the same run.
 //
-//   kesp-serial-bench com-port-number      (tools/bench puts the instrument there and runs it)
+//   kesp-serial-bench com-port-number            (tools/bench puts the instrument there and runs it)
+//   kesp-serial-bench com-port-number ports      how long the RS-232 dialog looks for ports, instead
 //
-// Prints a table of medians in microseconds and the ratio of each library row to its bare row.
+// Prints a table of medians, in microseconds or milliseconds, and the ratio of each library row to its bare
+// row.
 #include <windows.h>
 
 #include <cstdio>
@@ -14,6 +16,7 @@
 
 #include "bench/bare_line.h"
 #include "bench/measure.h"
+#include "bench/port_look.h"
 #include "bench/serial_client.h"
 #include "bench/table.h"
 #include "bench/text.h"
@@ -81,8 +84,9 @@ void MeasureLongReplies(const SerialClient& client) {
   client.Close();
 }
 
-void Run(int port) {
+void Run(int port, bool only_ports) {
   const SerialClient client(port);
+  if (only_ports) return MeasurePortLook(client);
   PrintHeading();
   MeasureExchanges(port, client);
   MeasureLongReplies(client);
@@ -93,14 +97,15 @@ void Run(int port) {
 }  // namespace kesp::bench
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::fprintf(stderr, "usage: kesp-serial-bench com-port-number\n");
+  const bool only_ports = argc == 3 && std::string(argv[2]) == "ports";
+  if (argc != 2 && !only_ports) {
+    std::fprintf(stderr, "usage: kesp-serial-bench com-port-number [ports]\n");
     return 2;
   }
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   int code = 0;
   try {
-    kesp::bench::Run(std::atoi(argv[1]));
+    kesp::bench::Run(std::atoi(argv[1]), only_ports);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "%s\n", error.what());
     code = 1;

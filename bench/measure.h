@@ -74,4 +74,12 @@ Pair MeasureInTurn(int samples, int batch, Library&& library, Bare&& bare) {
   return MeasureInTurn(samples, batch, nothing, library, nothing, nothing, bare, nothing);
 }
 
+inline double InMilliseconds(double microseconds) {
+  return microseconds / 1000;
+}
+
+inline Pair InMilliseconds(const Pair& pair) {
+  return {.library = InMilliseconds(pair.library), .bare = InMilliseconds(pair.bare)};
+}
+
 }  // namespace kesp::bench

@@ -2,6 +2,7 @@
 #include "bench/serial_client.h"
 
 #include "bench/calls.h"
+#include "bench/text.h"
 
 namespace kesp::bench {
 
@@ -68,6 +69,15 @@ std::size_t SerialClient::Download(BSTR cmd) const {
   BSTR result = nullptr;
   CheckResult(port_->Download(&result, &succeeded), "Download");
   return LengthOf(result);
+}
+
+bool SerialClient::Edit() const {
+  const auto everything = static_cast<::EEditCommFlags>(
+      ::ecfShowRS232ExtendedTab | ::ecfShowRS232SmartSwitchTab | ::ecfShowRS232IRDongle);
+  const Text no_help_file("");
+  VARIANT_BOOL confirmed = VARIANT_FALSE;
+  CheckResult(port_->Edit(everything, no_help_file.get(), 0, &confirmed), "Edit");
+  return confirmed != VARIANT_FALSE;
 }
 
 }  // namespace kesp::bench

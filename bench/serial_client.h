@@ -28,6 +28,9 @@ class SerialClient {
   std::size_t ExchangeBinary(BSTR cmd) const;
   std::size_t Download(BSTR cmd) const;
 
+  // Shows the settings dialog with all its pages; whether the user confirmed.
+  bool Edit() const;
+
  private:
   Microsoft::WRL::ComPtr<::_CKespCommObj> comm_;
   Microsoft::WRL::ComPtr<::_CKespCOMPort3> port_;

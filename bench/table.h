@@ -8,8 +8,10 @@
 
 namespace kesp::bench {
 
-inline void PrintHeading() {
-  std::printf("%-56s %12s %12s %8s %12s\n", "what", "library us", "bare us", "ratio", "added us");
+// The unit is that of all figures but the ratio.
+inline void PrintHeading(const std::string& unit = "us") {
+  std::printf("%-56s %12s %12s %8s %12s\n", "what", ("library " + unit).c_str(), ("bare " + unit).c_str(),
+              "ratio", ("added " + unit).c_str());
 }
 
 inline void Print(const std::string& what, const Pair& pair) {
