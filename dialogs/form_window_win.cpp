@@ -38,6 +38,8 @@ void FormWindow::ShowModal() {
     FocusFirst();
     RedrawWindow(dialog_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     form_.FirstPaint();
+    // What was loaded may have disabled the control that had the focus, and nothing has it then.
+    if (form_.focused() == nullptr || IsChild(dialog_, GetFocus()) == FALSE) FocusFirst();
     RunLoop();
   }
   Destroy();
