@@ -1,43 +1,202 @@
-// The TCP/IP dialog's window: what it shows, what typing and clicking in it does, and what it leaves behind.
-#include "dialogs/tcp_dialog_win.h"
-
-#include <gtest/gtest.h>
-
-#include "dialog_user.h"
-#include "dialogs/dialog_ids.h"
-#include "network/counting_instrument_fake.h"
-#include "network/kesp_tcp.h"
-#include "network/socket_control_fake.h"
-#include "support/environment_fake.h"
+// The TCP/IP dialog's window: what it shows, what clicking and choosing in it does, and what it leaves
+// behind.
+#include "dialog_stage.h"
 
 namespace kesp {
 namespace {
 
-constexpr wchar_t kCaption[] = L"TCP/IP Communication Settings";
+constexpr wchar_t kNoFit[] =
+    L"An error occurred while attempting to gather communication settings.\r\nError: 6 - "
+    L"Overflow\r\n(KespCommObj)";
 
-class TcpDialogWinTest : public testing::Test {
- protected:
-  bool Show(const DialogUser::Act& act, const TcpDialogOptions& options = {.show_extended_page = true}) {
-    DialogUser user(kCaption, act);
-    return SystemTcpDialog().Show(tcp_, options);
-  }
+using TcpDialogWinTest = TcpDialogStage;
 
-  EnvironmentFake fakes_;
-  CKespTCP tcp_{fakes_.environment,
-                [](SocketListener& listener) { return std::make_unique<SocketControlFake>(listener); },
-                MakeInstrument};
-};
+const Numbers kAddressAndPort = {ID_LBL_IP_ADDRESS, ID_TXT_IP,   ID_TXT_IP + 1, ID_TXT_IP + 2,
+                                 ID_TXT_IP + 3,     ID_LBL_PORT, ID_TXT_PORT,   ID_UD_PORT};
 
-TEST_F(TcpDialogWinTest, AddressTyped_DotsMoveOnAndOkWritesIt) {
-  tcp_.SetPort(5025);
-  EXPECT_TRUE(Show([](DialogUser& user) {
+void ExpectEnabled(const DialogUser& user, const Numbers& ids, bool enabled) {
+  for (const int id : ids) EXPECT_EQ(user.IsEnabled(id), enabled) << id;
+}
+
+TEST_F(TcpDialogWinTest, Opened_ShowsTitleTabsAndCaptions) {
+  EXPECT_FALSE(Show([](DialogUser& user) {
+    EXPECT_EQ(WindowText(user.window()), kTcpCaption);
+    EXPECT_EQ(user.Tabs(), (Texts{L"General", L"Extended"}));
+    EXPECT_EQ(user.Tab(), 0);
+    EXPECT_EQ(user.Captions(),
+              (Texts{L"Use a known address", L"Use auto-discovery to locate instrument", L"IP address", L".",
+                     L".", L".", L"Port", L"OK", L"&Cancel", L"&Help"}));
+    user.ClickTab(1);
+    EXPECT_EQ(user.Tab(), 1);
+    EXPECT_EQ(user.Captions(), (Texts{L"Timeout (msec)", L"Create log file", L"OK", L"&Cancel", L"&Help"}));
+    user.ClickTab(0);
+    EXPECT_TRUE(user.IsVisible(ID_TXT_IP));
+    EXPECT_FALSE(user.IsVisible(ID_TXT_TCP_TIMEOUT));
+    user.Press(VK_ESCAPE);
+  }));
+}
+
+TEST_F(TcpDialogWinTest, WithoutFlag_HasNoExtendedPageAndWritesNothingOfIt) {
+  tcp_.SetTimeOutmSecs(50);
+  EXPECT_TRUE(Show(
+      [](DialogUser& user) {
+        EXPECT_EQ(user.Tabs(), Texts{L"General"});
+        EXPECT_FALSE(user.Has(ID_TXT_TCP_TIMEOUT));
+        EXPECT_FALSE(user.Has(ID_CHK_TCP_LOG_FILE));
+        user.Click(ID_OK);
+      },
+      {.show_extended_page = false}));
+  EXPECT_EQ(tcp_.TimeOutmSecs(), 50);
+}
+
+TEST_F(TcpDialogWinTest, Opened_ShowsWhatTheTransportHas) {
+  tcp_.SetIPAddress(L"10.20.30.40");
+  tcp_.SetTimeOutmSecs(1500);
+  tcp_.SetCreateLogFile(true);
+  EXPECT_FALSE(Show([](DialogUser& user) {
+    EXPECT_TRUE(user.IsChecked(ID_OPT_TCP_TYPE));
+    EXPECT_FALSE(user.IsChecked(ID_OPT_TCP_TYPE + 1));
+    const wchar_t* const octets[] = {L"10", L"20", L"30", L"40"};
+    for (int index = 0; index < 4; ++index) EXPECT_EQ(user.Text(ID_TXT_IP + index), octets[index]);
+    EXPECT_EQ(user.Text(ID_TXT_PORT), L"5025");
     EXPECT_EQ(user.Focus(), ID_TXT_IP);
-    user.Type(L"192.168.0.10");
-    EXPECT_EQ(user.Text(ID_TXT_IP), L"192");
-    EXPECT_EQ(user.Text(ID_TXT_IP + 3), L"10");
+    EXPECT_EQ(user.SelectedText(ID_TXT_IP), (std::pair<DWORD, DWORD>{0, 2}));
+    ExpectEnabled(user, kAddressAndPort, true);
+    EXPECT_EQ(user.Text(ID_TXT_TCP_TIMEOUT), L"1500");
+    EXPECT_TRUE(user.IsChecked(ID_CHK_TCP_LOG_FILE));
+    user.Click(ID_CANCEL);
+  }));
+}
+
+TEST_F(TcpDialogWinTest, AutoDiscovery_GreysAddressAndPortAndWritesTheTypeAlone) {
+  tcp_.SetIPAddress(L"10.20.30.40");
+  EXPECT_TRUE(Show([](DialogUser& user) {
+    user.Click(ID_OPT_TCP_TYPE + 1);
+    EXPECT_TRUE(user.IsChecked(ID_OPT_TCP_TYPE + 1));
+    EXPECT_FALSE(user.IsChecked(ID_OPT_TCP_TYPE));
+    ExpectEnabled(user, kAddressAndPort, false);
+    user.Click(ID_OPT_TCP_TYPE);
+    EXPECT_FALSE(user.IsChecked(ID_OPT_TCP_TYPE + 1));
+    ExpectEnabled(user, kAddressAndPort, true);
+    user.MoveTo(ID_TXT_IP);
+    user.Type(L"99");
+    user.Click(ID_OPT_TCP_TYPE + 1);
+    user.Click(ID_OK);
+  }));
+  EXPECT_EQ(tcp_.IPType(), EIPType::ipDynamic);
+  EXPECT_EQ(tcp_.IPAddress(), L"10.20.30.40");
+  EXPECT_EQ(tcp_.Port(), 5025);
+}
+
+TEST_F(TcpDialogWinTest, OpenedWithAutoDiscovery_HasTheFocusOnThatOption) {
+  tcp_.SetIPType(EIPType::ipDynamic);
+  EXPECT_TRUE(Show([](DialogUser& user) {
+    EXPECT_TRUE(user.IsChecked(ID_OPT_TCP_TYPE + 1));
+    EXPECT_FALSE(user.IsChecked(ID_OPT_TCP_TYPE));
+    EXPECT_EQ(user.Focus(), ID_OPT_TCP_TYPE + 1);
+    ExpectEnabled(user, kAddressAndPort, false);
     user.Press(VK_RETURN);
   }));
-  EXPECT_EQ(tcp_.IPAddress(), L"192.168.0.10");
+  EXPECT_EQ(tcp_.IPType(), EIPType::ipDynamic);
+}
+
+TEST_F(TcpDialogWinTest, Arrows_StepTheNumberWithinItsRange) {
+  tcp_.SetTimeOutmSecs(150);
+  tcp_.SetPort(2);
+  EXPECT_TRUE(Show([](DialogUser& user) {
+    EXPECT_EQ(user.Range(ID_UD_PORT), (std::pair{1, 65535}));
+    EXPECT_EQ(user.Range(ID_UD_TCP_TIMEOUT), (std::pair{100, 10000}));
+    user.ClickArrow(ID_UD_PORT, true);
+    EXPECT_EQ(user.Text(ID_TXT_PORT), L"3");
+    for (int times = 0; times < 3; ++times) user.ClickArrow(ID_UD_PORT, false);
+    EXPECT_EQ(user.Text(ID_TXT_PORT), L"1");
+    user.MoveTo(ID_TXT_PORT);
+    user.Press(VK_UP);
+    EXPECT_EQ(user.Text(ID_TXT_PORT), L"2");
+    user.ClickTab(1);
+    user.ClickArrow(ID_UD_TCP_TIMEOUT, false);
+    EXPECT_EQ(user.Text(ID_TXT_TCP_TIMEOUT), L"100");
+    user.ClickArrow(ID_UD_TCP_TIMEOUT, true);
+    EXPECT_EQ(user.Text(ID_TXT_TCP_TIMEOUT), L"200");
+    user.MoveTo(ID_TXT_TCP_TIMEOUT);
+    user.Type(L"9950");
+    user.ClickArrow(ID_UD_TCP_TIMEOUT, true);
+    EXPECT_EQ(user.Text(ID_TXT_TCP_TIMEOUT), L"10000");
+    user.Click(ID_OK);
+  }));
+  EXPECT_EQ(tcp_.Port(), 2);
+  EXPECT_EQ(tcp_.TimeOutmSecs(), 10000);
+}
+
+TEST_F(TcpDialogWinTest, TabKey_GoesThroughTheVisiblePageAndBack) {
+  EXPECT_FALSE(Show([](DialogUser& user) {
+    const Numbers general = {ID_TXT_IP, ID_TXT_IP + 1, ID_TXT_IP + 2, ID_TXT_IP + 3,   ID_TXT_PORT,
+                             ID_OK,     ID_CANCEL,     ID_HELP,       ID_TAB_SETTINGS, ID_OPT_TCP_TYPE};
+    EXPECT_EQ(TabOrder(user), general);
+    Numbers back = general;
+    std::reverse(back.begin() + 1, back.end());
+    EXPECT_EQ(TabOrder(user, true), back);
+    user.PressWith({VK_CONTROL}, VK_TAB);
+    EXPECT_EQ(TabOrder(user),
+              (Numbers{ID_TXT_TCP_TIMEOUT, ID_CHK_TCP_LOG_FILE, ID_OK, ID_CANCEL, ID_HELP, ID_TAB_SETTINGS}));
+    user.Press(VK_ESCAPE);
+  }));
+}
+
+TEST_F(TcpDialogWinTest, ArrowKeys_MoveBetweenTheOptions) {
+  EXPECT_TRUE(Show([](DialogUser& user) {
+    user.MoveTo(ID_OPT_TCP_TYPE);
+    user.Press(VK_DOWN);
+    EXPECT_EQ(user.Focus(), ID_OPT_TCP_TYPE + 1);
+    EXPECT_TRUE(user.IsChecked(ID_OPT_TCP_TYPE + 1));
+    ExpectEnabled(user, kAddressAndPort, false);
+    // The other controls are not there for the Tab key now.
+    EXPECT_EQ(TabOrder(user), (Numbers{ID_OPT_TCP_TYPE + 1, ID_OK, ID_CANCEL, ID_HELP, ID_TAB_SETTINGS}));
+    user.Press(VK_UP);
+    EXPECT_EQ(user.Focus(), ID_OPT_TCP_TYPE);
+    EXPECT_TRUE(user.IsChecked(ID_OPT_TCP_TYPE));
+    ExpectEnabled(user, kAddressAndPort, true);
+    user.Press(VK_RETURN);
+  }));
+  EXPECT_EQ(tcp_.IPType(), EIPType::ipStatic);
+}
+
+TEST_F(TcpDialogWinTest, NumberThatDoesNotFit_ShowsTheErrorAndKeepsTheDialogUsable) {
+  EXPECT_TRUE(Show([](DialogUser& user) {
+    user.MoveTo(ID_TXT_PORT);
+    user.Type(L"40000");
+    user.Press(VK_RETURN);
+    ExpectErrorBox(user.AnswerBox(L"Kesp Communications Error", IDOK), kNoFit);
+    EXPECT_EQ(user.Text(ID_TXT_PORT), L"40000");
+    user.MoveTo(ID_TXT_IP);
+    user.MoveTo(ID_TXT_PORT);
+    user.Type(L"5026");
+    user.Click(ID_OK);
+  }));
+  EXPECT_EQ(tcp_.Port(), 5026);
+}
+
+TEST_F(TcpDialogWinTest, Cancelled_WritesNothing) {
+  tcp_.SetIPAddress(L"10.20.30.40");
+  EXPECT_FALSE(Show([](DialogUser& user) {
+    user.Type(L"99");
+    user.Click(ID_OPT_TCP_TYPE + 1);
+    user.Click(ID_CANCEL);
+  }));
+  EXPECT_EQ(tcp_.IPAddress(), L"10.20.30.40");
+  EXPECT_EQ(tcp_.IPType(), EIPType::ipStatic);
+}
+
+TEST_F(TcpDialogWinTest, Boxes_AreNamedByTheLabelBefore) {
+  EXPECT_FALSE(Show([](DialogUser& user) {
+    EXPECT_EQ(user.NameOf(ID_TXT_IP), L"IP address");
+    EXPECT_EQ(user.NameOf(ID_TXT_IP + 1), L"IP address, second number");
+    EXPECT_EQ(user.NameOf(ID_TXT_IP + 2), L"IP address, third number");
+    EXPECT_EQ(user.NameOf(ID_TXT_IP + 3), L"IP address, last number");
+    EXPECT_EQ(user.NameOf(ID_TXT_PORT), L"Port");
+    EXPECT_EQ(user.NameOf(ID_TXT_TCP_TIMEOUT), L"Timeout (msec)");
+    user.Press(VK_ESCAPE);
+  }));
 }
 
 }  // namespace

@@ -31,24 +31,6 @@ POINT MiddleOf(const RECT& area) {
   return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
 }
 
-struct ControlSearch {
-  int id;
-  HWND found;
-};
-
-BOOL CALLBACK IsTheControl(HWND window, LPARAM search) {
-  auto& wanted = *reinterpret_cast<ControlSearch*>(search);
-  if (GetDlgCtrlID(window) != wanted.id) return TRUE;
-  wanted.found = window;
-  return FALSE;
-}
-
-HWND FindControl(HWND dialog, int id) {
-  ControlSearch search{id, nullptr};
-  EnumChildWindows(dialog, &IsTheControl, reinterpret_cast<LPARAM>(&search));
-  return search.found;
-}
-
 }  // namespace
 
 DialogUser::DialogUser(std::wstring caption, Act act)
@@ -75,77 +57,20 @@ void DialogUser::Run() {
   if (!went_) CloseDialogs(watched_thread_);
 }
 
-HWND DialogUser::Control(int id) const {
-  HWND control = FindControl(window_, id);
-  EXPECT_NE(control, nullptr) << "no control has the number " << id;
-  return control;
-}
-
-bool DialogUser::Has(int id) const {
-  return FindControl(window_, id) != nullptr;
-}
-
-bool DialogUser::IsChecked(int id) const {
-  return Ask(Control(id), BM_GETCHECK) == BST_CHECKED;
-}
-
-int DialogUser::Focus() const {
-  GUITHREADINFO thread{};
-  thread.cbSize = sizeof(thread);
-  GetGUIThreadInfo(watched_thread_, &thread);
-  for (HWND window = thread.hwndFocus; window != nullptr && window != window_; window = GetParent(window)) {
-    // The combo within an image combo has no number of its own.
-    if (GetDlgCtrlID(window) > 0) return GetDlgCtrlID(window);
-  }
-  return 0;
-}
-
-std::pair<DWORD, DWORD> DialogUser::SelectedText(int id) const {
-  const auto range = static_cast<DWORD>(Ask(Control(id), EM_GETSEL));
-  return {LOWORD(range), HIWORD(range)};
-}
-
-std::vector<std::wstring> DialogUser::Entries(int id) const {
-  std::vector<std::wstring> entries;
-  HWND list = Control(id);
-  const LRESULT count = Ask(list, CB_GETCOUNT);
-  for (LRESULT index = 0; index < count; ++index) {
-    std::array<wchar_t, 256> text{};
-    Ask(list, CB_GETLBTEXT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(text.data()));
-    entries.emplace_back(text.data());
-  }
-  return entries;
-}
-
-int DialogUser::Selection(int id) const {
-  return static_cast<int>(Ask(Control(id), CB_GETCURSEL));
-}
-
-std::vector<std::wstring> DialogUser::Tabs() const {
-  std::vector<std::wstring> captions;
-  HWND strip = FindWindowExW(window_, nullptr, WC_TABCONTROLW, nullptr);
-  const LRESULT count = Ask(strip, TCM_GETITEMCOUNT);
-  for (LRESULT index = 0; index < count; ++index) {
-    std::array<wchar_t, 64> text{};
-    TCITEMW item{};
-    item.mask = TCIF_TEXT;
-    item.pszText = text.data();
-    item.cchTextMax = static_cast<int>(text.size());
-    Ask(strip, TCM_GETITEMW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
-    captions.emplace_back(text.data());
-  }
-  return captions;
-}
-
-int DialogUser::Tab() const {
-  return static_cast<int>(Ask(FindWindowExW(window_, nullptr, WC_TABCONTROLW, nullptr), TCM_GETCURSEL));
-}
-
 void DialogUser::Click(int id) {
   HWND control = Control(id);
   RECT area{};
   GetClientRect(control, &area);
   PostClick(control, MiddleOf(area));
+  Settle();
+}
+
+void DialogUser::ClickArrow(int id, bool up) {
+  HWND arrows = Control(id);
+  RECT area{};
+  GetClientRect(arrows, &area);
+  const LONG quarter = area.bottom / 4;
+  PostClick(arrows, {area.right / 2, up ? quarter : area.bottom - quarter});
   Settle();
 }
 
@@ -162,26 +87,31 @@ void DialogUser::Press(UINT key) {
   Settle();
 }
 
-void DialogUser::PressWith(UINT modifier, UINT key) {
+void DialogUser::PressWith(const std::vector<UINT>& modifiers, UINT key) {
   // The thread's key state follows input from the keyboard, not posted messages.
   AttachThreadInput(GetCurrentThreadId(), watched_thread_, TRUE);
   std::array<BYTE, 256> keys{};
   GetKeyboardState(keys.data());
-  const BYTE before = std::exchange(keys[modifier], BYTE{0x80});
-  SetKeyboardState(keys.data());
+  std::array<BYTE, 256> with_modifiers = keys;
+  for (const UINT modifier : modifiers) with_modifiers[modifier] = 0x80;
+  SetKeyboardState(with_modifiers.data());
   PostKey(key);
   Settle();
-  keys[modifier] = before;
   SetKeyboardState(keys.data());
   AttachThreadInput(GetCurrentThreadId(), watched_thread_, FALSE);
 }
 
+void DialogUser::PressAlt(wchar_t letter) {
+  constexpr LPARAM kAltIsDown = 1L << 29;
+  HWND window = KeyboardWindow();
+  Post(window, WM_SYSKEYDOWN, static_cast<WPARAM>(VkKeyScanW(letter) & 0xFF), kAltIsDown | 1);
+  Post(window, WM_SYSCHAR, letter, kAltIsDown | 1);
+  Settle();
+}
+
 void DialogUser::Type(const std::wstring& text) {
   for (const wchar_t character : text) {
-    GUITHREADINFO thread{};
-    thread.cbSize = sizeof(thread);
-    GetGUIThreadInfo(watched_thread_, &thread);
-    Post(thread.hwndFocus, WM_CHAR, character, 1);
+    Post(KeyboardWindow(), WM_CHAR, character, 1);
     // A character may move the focus.
     Settle();
   }
@@ -254,11 +184,15 @@ void DialogUser::PostClick(HWND window, POINT at) const {
   Post(window, WM_LBUTTONUP, 0, position);
 }
 
-void DialogUser::PostKey(UINT key) const {
+HWND DialogUser::KeyboardWindow() const {
   GUITHREADINFO thread{};
   thread.cbSize = sizeof(thread);
   GetGUIThreadInfo(watched_thread_, &thread);
-  HWND window = thread.hwndFocus != nullptr ? thread.hwndFocus : window_;
+  return thread.hwndFocus != nullptr ? thread.hwndFocus : window_;
+}
+
+void DialogUser::PostKey(UINT key) const {
+  HWND window = KeyboardWindow();
   Post(window, WM_KEYDOWN, key, 1);
   // The window may be gone by now.
   PostMessageW(window, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001U));

@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "window_reading.h"
@@ -52,12 +53,28 @@ class DialogUser {
   std::vector<std::wstring> Tabs() const;
   int Tab() const;
 
+  // The texts of everything with a text that can be seen now and that nobody types into: labels, check boxes,
+  // options and buttons, in their order on the dialog; with the "&" of access keys.
+  std::vector<std::wstring> Captions() const;
+  // The label by which a screen reader names the control: the one before it.
+  std::wstring NameOf(int id) const;
+  // What appears when the mouse rests on it; empty for nothing.
+  std::wstring ToolTip(int id) const;
+  // The lowest and the highest number that a pair of arrows steps to.
+  std::pair<int, int> Range(int id) const;
+  // Which image each entry of an image combo has; -1 for none.
+  std::vector<int> Images(int id) const;
+
   // A click with the left mouse button in the middle of a control, or on a tab.
   void Click(int id);
   void ClickTab(int index);
+  // A click on the upper or the lower one of a pair of arrows.
+  void ClickArrow(int id, bool up);
   // A key pressed and released where the focus is, and characters one after the other.
   void Press(UINT key);
-  void PressWith(UINT modifier, UINT key);
+  void PressWith(const std::vector<UINT>& modifiers, UINT key);
+  // Alt with a letter.
+  void PressAlt(wchar_t letter);
   void Type(const std::wstring& text);
   // Opens a list by its keys, goes to the entry, and closes it.
   void Choose(int id, int index);
@@ -80,6 +97,8 @@ class DialogUser {
   void Run();
   void Post(HWND window, UINT message, WPARAM first, LPARAM second) const;
   void PostClick(HWND window, POINT at) const;
+  // Where keys go: the window with the focus, or the dialog.
+  HWND KeyboardWindow() const;
   void PostKey(UINT key) const;
 
   std::wstring caption_;

@@ -1,0 +1,167 @@
+// What somebody at the screen sees of a dialog.
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "dialog_user.h"
+#include "dialogs/common_controls_win.h"
+
+namespace kesp {
+
+namespace {
+
+struct ControlSearch {
+  int id;
+  HWND found;
+};
+
+BOOL CALLBACK IsTheControl(HWND window, LPARAM search) {
+  auto& wanted = *reinterpret_cast<ControlSearch*>(search);
+  if (GetDlgCtrlID(window) != wanted.id) return TRUE;
+  wanted.found = window;
+  return FALSE;
+}
+
+HWND FindControl(HWND dialog, int id) {
+  ControlSearch search{id, nullptr};
+  EnumChildWindows(dialog, &IsTheControl, reinterpret_cast<LPARAM>(&search));
+  return search.found;
+}
+
+BOOL CALLBACK AddCaption(HWND window, LPARAM captions) {
+  const bool has_caption = HasClass(window, L"Static") || HasClass(window, L"Button");
+  const std::wstring text = WindowText(window);
+  if (has_caption && !text.empty() && IsWindowVisible(window) != FALSE) {
+    reinterpret_cast<std::vector<std::wstring>*>(captions)->push_back(text);
+  }
+  return TRUE;
+}
+
+struct TipsSearch {
+  HWND owner;
+  HWND found;
+};
+
+BOOL CALLBACK IsTheTips(HWND window, LPARAM search) {
+  auto& wanted = *reinterpret_cast<TipsSearch*>(search);
+  if (!HasClass(window, TOOLTIPS_CLASSW) || GetWindow(window, GW_OWNER) != wanted.owner) return TRUE;
+  wanted.found = window;
+  return FALSE;
+}
+
+}  // namespace
+
+HWND DialogUser::Control(int id) const {
+  HWND control = FindControl(window_, id);
+  EXPECT_NE(control, nullptr) << "no control has the number " << id;
+  return control;
+}
+
+bool DialogUser::Has(int id) const {
+  return FindControl(window_, id) != nullptr;
+}
+
+bool DialogUser::IsChecked(int id) const {
+  return Ask(Control(id), BM_GETCHECK) == BST_CHECKED;
+}
+
+int DialogUser::Focus() const {
+  GUITHREADINFO thread{};
+  thread.cbSize = sizeof(thread);
+  GetGUIThreadInfo(watched_thread_, &thread);
+  for (HWND window = thread.hwndFocus; window != nullptr && window != window_; window = GetParent(window)) {
+    // The combo within an image combo has no number of its own.
+    if (GetDlgCtrlID(window) > 0) return GetDlgCtrlID(window);
+  }
+  return 0;
+}
+
+std::pair<DWORD, DWORD> DialogUser::SelectedText(int id) const {
+  const auto range = static_cast<DWORD>(Ask(Control(id), EM_GETSEL));
+  return {LOWORD(range), HIWORD(range)};
+}
+
+std::vector<std::wstring> DialogUser::Entries(int id) const {
+  std::vector<std::wstring> entries;
+  HWND list = Control(id);
+  const LRESULT count = Ask(list, CB_GETCOUNT);
+  for (LRESULT index = 0; index < count; ++index) {
+    std::array<wchar_t, 256> text{};
+    Ask(list, CB_GETLBTEXT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(text.data()));
+    entries.emplace_back(text.data());
+  }
+  return entries;
+}
+
+int DialogUser::Selection(int id) const {
+  return static_cast<int>(Ask(Control(id), CB_GETCURSEL));
+}
+
+std::vector<std::wstring> DialogUser::Tabs() const {
+  std::vector<std::wstring> captions;
+  HWND strip = FindWindowExW(window_, nullptr, WC_TABCONTROLW, nullptr);
+  const LRESULT count = Ask(strip, TCM_GETITEMCOUNT);
+  for (LRESULT index = 0; index < count; ++index) {
+    std::array<wchar_t, 64> text{};
+    TCITEMW item{};
+    item.mask = TCIF_TEXT;
+    item.pszText = text.data();
+    item.cchTextMax = static_cast<int>(text.size());
+    Ask(strip, TCM_GETITEMW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
+    captions.emplace_back(text.data());
+  }
+  return captions;
+}
+
+int DialogUser::Tab() const {
+  return static_cast<int>(Ask(FindWindowExW(window_, nullptr, WC_TABCONTROLW, nullptr), TCM_GETCURSEL));
+}
+
+std::vector<std::wstring> DialogUser::Captions() const {
+  std::vector<std::wstring> captions;
+  EnumChildWindows(window_, &AddCaption, reinterpret_cast<LPARAM>(&captions));
+  return captions;
+}
+
+std::wstring DialogUser::NameOf(int id) const {
+  HWND before = GetWindow(Control(id), GW_HWNDPREV);
+  return before != nullptr && HasClass(before, L"Static") ? WindowText(before) : std::wstring();
+}
+
+std::wstring DialogUser::ToolTip(int id) const {
+  TipsSearch search{window_, nullptr};
+  EnumThreadWindows(watched_thread_, &IsTheTips, reinterpret_cast<LPARAM>(&search));
+  std::array<wchar_t, 256> text{};
+  TTTOOLINFOW tool{};
+  tool.cbSize = TTTOOLINFOW_V2_SIZE;
+  tool.hwnd = GetParent(Control(id));
+  tool.uId = reinterpret_cast<UINT_PTR>(Control(id));
+  tool.lpszText = text.data();
+  Ask(search.found, TTM_GETTEXTW, text.size(), reinterpret_cast<LPARAM>(&tool));
+  return text.data();
+}
+
+std::pair<int, int> DialogUser::Range(int id) const {
+  int minimum = 0;
+  int maximum = 0;
+  Ask(Control(id), UDM_GETRANGE32, reinterpret_cast<WPARAM>(&minimum), reinterpret_cast<LPARAM>(&maximum));
+  return {minimum, maximum};
+}
+
+std::vector<int> DialogUser::Images(int id) const {
+  std::vector<int> images;
+  HWND list = Control(id);
+  EXPECT_NE(Ask(list, CBEM_GETIMAGELIST), 0) << "there are no images at all";
+  const LRESULT count = Ask(list, CB_GETCOUNT);
+  for (LRESULT index = 0; index < count; ++index) {
+    COMBOBOXEXITEMW item{};
+    item.mask = CBEIF_IMAGE;
+    item.iItem = index;
+    item.iImage = -1;
+    Ask(list, CBEM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    images.push_back(item.iImage);
+  }
+  return images;
+}
+
+}  // namespace kesp
