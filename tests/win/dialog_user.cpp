@@ -48,6 +48,8 @@ DialogUser::~DialogUser() {
 }
 
 void DialogUser::Run() {
+  // Out of the way: a list that opens under the mouse goes to the entry that it points at.
+  SetCursorPos(0, 0);
   came_ = WaitFor([this] { return (window_ = FindDialog(caption_, watched_thread_)) != nullptr; });
   if (came_) {
     Settle();
@@ -137,7 +139,11 @@ void DialogUser::CloseByTitleBar() {
 
 BoxContents DialogUser::AnswerBox(const std::wstring& title, int button) {
   HWND box = nullptr;
-  if (!WaitFor([&] { return (box = FindDialog(title, watched_thread_)) != nullptr; })) {
+  // Its title may be that of the dialog, above which it stands.
+  if (!WaitFor([&] {
+        box = FindDialog(title, watched_thread_);
+        return box != nullptr && box != window_;
+      })) {
     ADD_FAILURE() << "the box did not come";
     return {};
   }
