@@ -28,12 +28,16 @@ INT_PTR CALLBACK FormWindow::Procedure(HWND window, UINT message, WPARAM first, 
   }
   auto* self = reinterpret_cast<FormWindow*>(GetWindowLongPtrW(window, DWLP_USER));
   if (self == nullptr) return FALSE;
+  const bool was_open = self->form_.is_open();
+  INT_PTR result = FALSE;
   try {
-    return self->Handle(window, message, first, second);
+    result = self->Handle(window, message, first, second);
   } catch (...) {
     // No exception may pass through the system. The form shows its own failures; this is memory at its end.
-    return FALSE;
   }
+  // A message that was sent and not posted leaves the loop waiting for the next one, perhaps for long.
+  if (was_open && !self->form_.is_open()) PostThreadMessageW(GetCurrentThreadId(), WM_NULL, 0, 0);
+  return result;
 }
 
 INT_PTR FormWindow::Handle(HWND window, UINT message, WPARAM first, LPARAM second) {
