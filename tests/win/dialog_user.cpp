@@ -105,9 +105,10 @@ void DialogUser::PressWith(const std::vector<UINT>& modifiers, UINT key) {
 
 void DialogUser::PressAlt(wchar_t letter) {
   constexpr LPARAM kAltIsDown = 1L << 29;
-  HWND window = KeyboardWindow();
-  Post(window, WM_SYSKEYDOWN, static_cast<WPARAM>(VkKeyScanW(letter) & 0xFF), kAltIsDown | 1);
-  Post(window, WM_SYSCHAR, letter, kAltIsDown | 1);
+  // The thread makes the character of the key itself.
+  Post(KeyboardWindow(), WM_SYSKEYDOWN, static_cast<WPARAM>(VkKeyScanW(letter) & 0xFF), kAltIsDown | 1);
+  Settle();
+  // The character stands behind what has been settled.
   Settle();
 }
 
@@ -200,6 +201,9 @@ HWND DialogUser::KeyboardWindow() const {
 void DialogUser::PostKey(UINT key) const {
   HWND window = KeyboardWindow();
   Post(window, WM_KEYDOWN, key, 1);
+  // What the system adds of its own when the key comes from the keyboard; no header has its name (WM_KEYF1).
+  constexpr UINT kHelpKey = 0x004D;
+  if (key == VK_F1) Post(window, kHelpKey, 0, 0);
   // The window may be gone by now.
   PostMessageW(window, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001U));
 }
