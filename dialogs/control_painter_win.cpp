@@ -13,6 +13,29 @@ constexpr Change kAllChanges[] = {Change::kEntries,      Change::kSelection, Cha
 
 }  // namespace
 
+// What is being drawn, for as long as it lives; then what was being drawn before.
+class ControlPainter::Stroke {
+ public:
+  Stroke(ControlPainter& painter, HWND window, Change change)
+      : painter_(painter),
+        window_(std::exchange(painter.window_, window)),
+        change_(std::exchange(painter.change_, change)),
+        drawing_(std::exchange(painter.drawing_, true)) {}
+  ~Stroke() {
+    painter_.window_ = window_;
+    painter_.change_ = change_;
+    painter_.drawing_ = drawing_;
+  }
+  Stroke(const Stroke&) = delete;
+  Stroke& operator=(const Stroke&) = delete;
+
+ private:
+  ControlPainter& painter_;
+  HWND window_;
+  Change change_;
+  bool drawing_;
+};
+
 HWND ControlPainter::WindowOf(const Control& control) const {
   const auto found = windows_.find(&control);
   return found == windows_.end() ? nullptr : found->second;
@@ -30,9 +53,7 @@ void ControlPainter::DrawAll(const Control& control) {
 void ControlPainter::Draw(const Control& control, Change change) {
   HWND window = WindowOf(control);
   if (window == nullptr) return;
-  const HWND outer_window = std::exchange(window_, window);
-  const Change outer_change = std::exchange(change_, change);
-  const bool outer_drawing = std::exchange(drawing_, true);
+  const Stroke stroke(*this, window, change);
   switch (change) {
     case Change::kEnabled:
       EnableWindow(window, control.enabled() ? TRUE : FALSE);
@@ -43,9 +64,6 @@ void ControlPainter::Draw(const Control& control, Change change) {
     default:
       control.Accept(*this);
   }
-  window_ = outer_window;
-  change_ = outer_change;
-  drawing_ = outer_drawing;
 }
 
 void ControlPainter::Visit(const Label& label) {
@@ -60,7 +78,11 @@ void ControlPainter::Visit(const CheckBox& box) {
 }
 
 void ControlPainter::Visit(const OptionButton& button) {
-  if (change_ == Change::kChecked) Send(BM_SETCHECK, button.selected() ? BST_CHECKED : BST_UNCHECKED, 0);
+  const LRESULT wanted = button.selected() ? BST_CHECKED : BST_UNCHECKED;
+  // Deselecting takes a button out of the Tab order, the first one, too, when none is selected.
+  if (change_ == Change::kChecked && Send(BM_GETCHECK, 0, 0) != wanted) {
+    Send(BM_SETCHECK, static_cast<WPARAM>(wanted), 0);
+  }
 }
 
 void ControlPainter::Visit(const ChoiceList& list) {

@@ -29,6 +29,8 @@ class ControlPainter final : private ControlVisitor {
   bool is_drawing() const { return drawing_; }
 
  private:
+  class Stroke;
+
   void Visit(const Label& label) override;
   void Visit(const Button& button) override;
   void Visit(const CheckBox& box) override;

@@ -37,6 +37,13 @@ void Form::FirstPaint() {
 }
 
 void Form::Use(const std::function<void()>& action) {
+  if (!is_open_ || is_in_use_) return;
+  is_in_use_ = true;
+  Trapped(action);
+  is_in_use_ = false;
+}
+
+void Form::Trapped(const std::function<void()>& action) {
   RunTrapped(user_, action_, [&] {
     action();
     return true;
@@ -45,7 +52,7 @@ void Form::Use(const std::function<void()>& action) {
 
 std::int16_t Form::KeyPress(TextBox& box, std::int16_t key) {
   std::int16_t kept = 0;
-  Use([&] {
+  Trapped([&] {
     OnKeyPress(box, key);
     kept = box.filter() == KeyFilter::kDigits ? FilterDigit(user_, key) : FilterSignedDecimal(user_, key);
   });
@@ -54,11 +61,11 @@ std::int16_t Form::KeyPress(TextBox& box, std::int16_t key) {
 
 void Form::GotFocus(Control& control) {
   focused_ = &control;
-  if (auto* box = dynamic_cast<TextBox*>(&control)) Use([box] { box->SelectAll(); });
+  if (auto* box = dynamic_cast<TextBox*>(&control)) Trapped([box] { box->SelectAll(); });
 }
 
 void Form::LostFocus(Control& control) {
-  if (auto* box = dynamic_cast<TextBox*>(&control)) Use([box] { box->Leave(); });
+  if (auto* box = dynamic_cast<TextBox*>(&control)) Trapped([box] { box->Leave(); });
 }
 
 void Form::Close() {

@@ -35,7 +35,7 @@ class Form : public ControlOwner {
   bool is_open() const { return is_open_; }
   bool bCancel() const { return b_cancel_; }
 
-  // The control that the form gave the focus to last, or that got it; null for none yet.
+  // The control that the form gave the focus to last, or the text box that got it since; null for none yet.
   const Control* focused() const { return focused_; }
 
   // For the window -----------------------------------------------------------------------------------------
@@ -43,7 +43,8 @@ class Form : public ControlOwner {
   // The dialog has been painted: loads the settings when it is the first time.
   void FirstPaint();
 
-  // Something that the user does: clicks, choices. Runs it under the error trap.
+  // Something that the user does: clicks, choices. Runs it under the error trap. Does nothing when the form
+  // has closed, or while an earlier action is still under way (some of them deliver messages meanwhile).
   void Use(const std::function<void()>& action);
 
   // A character that is typed into the box: its code, that of another character in its place, or 0 when it is
@@ -92,6 +93,7 @@ class Form : public ControlOwner {
   void Cancel();
 
  private:
+  void Trapped(const std::function<void()>& action);
   void Confirm();
   void SelectPage(int page);
 
@@ -100,6 +102,7 @@ class Form : public ControlOwner {
   const std::wstring action_;
   const std::int32_t help_context_;
   bool painted_ = false;
+  bool is_in_use_ = false;
   bool is_open_ = true;
   bool b_cancel_ = false;
   const Control* focused_ = nullptr;

@@ -1,6 +1,7 @@
 // What Windows reports to a form's window, and what of it the form is told.
 #include <array>
 #include <string>
+#include <utility>
 
 #include "dialogs/form_window_win.h"
 
@@ -63,6 +64,7 @@ INT_PTR FormWindow::Handle(HWND window, UINT message, WPARAM first, LPARAM secon
       return reinterpret_cast<INT_PTR>(
           BackgroundFor(window, reinterpret_cast<HWND>(second), reinterpret_cast<HDC>(first)));
     case WM_SIZE:
+    case WM_SYSCOLORCHANGE:
     case WM_THEMECHANGED:
       backgrounds_.erase(window);
       return FALSE;
@@ -89,22 +91,28 @@ void FormWindow::OnCommand(int id, int code) {
   }
 }
 
-void FormWindow::OnClick(Control& control) const {
+void FormWindow::OnClick(Control& control) {
   form_.Use([&control] {
     if (auto* button = dynamic_cast<Button*>(&control)) button->Click();
     if (auto* box = dynamic_cast<CheckBox*>(&control)) box->Click();
     if (auto* option = dynamic_cast<OptionButton*>(&control)) option->Click();
   });
+  // Windows has marked the control already, and its neighbours; the form need not have followed.
+  for (const Control* each : form_.controls()) painter_.Draw(*each, Change::kChecked);
 }
 
 void FormWindow::OnListNotice(ChoiceList& list, int code) {
   const LRESULT index = SendMessageW(painter_.WindowOf(list), CB_GETCURSEL, 0, 0);
   if (index < 0) return;
   const auto chosen = static_cast<std::size_t>(index);
-  // A list that closes may have gone back to another entry without saying so.
+  if (code == CBN_DROPDOWN) told_by_closing_ = nullptr;
+  // A list that closes may have gone back to another entry without saying so, or be about to say so.
   const bool closed_elsewhere = code == CBN_CLOSEUP && list.selection() != chosen;
-  if (code != CBN_SELCHANGE && !closed_elsewhere) return;
+  const bool told_already = std::exchange(told_by_closing_, nullptr) == &list && list.selection() == chosen;
+  if (closed_elsewhere) told_by_closing_ = &list;
+  if (!closed_elsewhere && (code != CBN_SELCHANGE || told_already)) return;
   form_.Use([&] { list.Choose(chosen); });
+  painter_.Draw(list, Change::kSelection);
 }
 
 void FormWindow::OnTabChosen(std::size_t index) {
@@ -114,6 +122,7 @@ void FormWindow::OnTabChosen(std::size_t index) {
     if (page != nullptr && IsChild(page, focus) != FALSE) SetFocus(painter_.WindowOf(form_.tabSettings));
   }
   form_.Use([&] { form_.tabSettings.Choose(index); });
+  painter_.Draw(form_.tabSettings, Change::kSelection);
 }
 
 bool FormWindow::IsPageKey(const MSG& message) const {
@@ -130,7 +139,10 @@ void FormWindow::StepPage(const MSG& message) {
 }
 
 HBRUSH FormWindow::BackgroundFor(HWND page, HWND window, HDC device) {
-  return page == dialog_ ? nullptr : backgrounds_[page].BrushFor(page, window, device);
+  // A text box that is disabled asks as labels do, and keeps the grey that shows it.
+  const bool own_ground =
+      page == dialog_ || dynamic_cast<TextBox*>(FindControl(GetDlgCtrlID(window))) != nullptr;
+  return own_ground ? nullptr : backgrounds_[page].BrushFor(page, window, device);
 }
 
 Control* FormWindow::FindControl(int id) const {

@@ -7,13 +7,13 @@
 #include "dialogs/accessible_name_win.h"
 #include "dialogs/activation_context_win.h"
 #include "dialogs/dialog_template_win.h"
-#include "dialogs/thread_modal_win.h"
 #include "dialogs/window_place_win.h"
+#include "support/thread_modal_win.h"
 
 namespace kesp {
 
-FormWindow::FormWindow(Form& form, const FormResources& resources)
-    : form_(form), resources_(resources), owner_(GetActiveWindow()) {}
+FormWindow::FormWindow(Form& form, const FormResources& resources, HWND owner)
+    : form_(form), resources_(resources), owner_(owner) {}
 
 FormWindow::~FormWindow() {
   Destroy();
@@ -33,7 +33,8 @@ void FormWindow::ShowModal() {
     // active.
     const ThreadModal modal(dialog_);
     PlaceOver(dialog_, owner_);
-    ShowWindow(dialog_, SW_SHOW);
+    // ShowWindow would show the first window of a program as its starter wished, perhaps not at all.
+    SetWindowPos(dialog_, nullptr, 0, 0, 0, 0, SWP_SHOWWINDOW | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER);
     if (owner_ == nullptr) SetForegroundWindow(dialog_);
     FocusFirst();
     RedrawWindow(dialog_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
@@ -151,7 +152,11 @@ void FormWindow::FocusFirst() const {
 
 void FormWindow::OnFocus(const Control& control) {
   HWND window = painter_.WindowOf(control);
-  if (window == nullptr || IsWindowEnabled(window) == FALSE) return;
+  if (window == nullptr || IsWindowEnabled(window) == FALSE) {
+    // The focus must not stay behind on a page that is not seen any more.
+    FocusFirst();
+    return;
+  }
   SendMessageW(dialog_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(window), TRUE);
 }
 

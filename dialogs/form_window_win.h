@@ -26,15 +26,15 @@ struct FormResources {
 // Shows a form once. Used by the thread that the client calls on, whose messages it goes on delivering.
 class FormWindow final : private FormView {
  public:
-  FormWindow(Form& form, const FormResources& resources);
+  // owner is the window in front of which it is shown; null for none.
+  FormWindow(Form& form, const FormResources& resources, HWND owner);
   ~FormWindow() override;
   FormWindow(const FormWindow&) = delete;
   FormWindow& operator=(const FormWindow&) = delete;
 
-  // Shows the window in front of the thread's active one, or alone when there is none, and returns when the
-  // form has closed. The thread's other windows take no input meanwhile; the control that had the focus has
-  // it again afterwards. When the program is told to end, or the owner goes, the dialog is cancelled. Throws
-  // std::runtime_error when the window cannot be made.
+  // Shows the window and returns when the form has closed. The thread's other windows take no input
+  // meanwhile; the control that had the focus has it again afterwards. When the program is told to end, or
+  // the owner goes, the dialog is cancelled. Throws std::runtime_error when the window cannot be made.
   void ShowModal();
 
  private:
@@ -63,7 +63,7 @@ class FormWindow final : private FormView {
   void StepPage(const MSG& message);
 
   void OnCommand(int id, int code);
-  void OnClick(Control& control) const;
+  void OnClick(Control& control);
   void OnListNotice(ChoiceList& list, int code);
   void OnTabChosen(std::size_t index);
   HBRUSH BackgroundFor(HWND page, HWND window, HDC device);
@@ -78,6 +78,7 @@ class FormWindow final : private FormView {
   std::deque<ControlImages> images_;
   std::deque<NumberEdit> edits_;
   std::map<HWND, TabPage> backgrounds_;
+  const ChoiceList* told_by_closing_ = nullptr;  // whose choice was seen when it closed, before it was told
 };
 
 }  // namespace kesp

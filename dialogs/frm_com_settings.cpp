@@ -4,6 +4,7 @@
 #include "dialogs/com_settings_lists.h"
 #include "dialogs/dialog_ids.h"
 #include "dialogs/editing.h"
+#include "dialogs/timeout_arrows.h"
 #include "support/busy_pointer.h"
 
 namespace kesp {
@@ -11,11 +12,6 @@ namespace kesp {
 namespace {
 
 constexpr std::int16_t kLastPort = 256;
-
-// What the arrows allow, and how far one press of them goes; milliseconds.
-constexpr std::int32_t kShortestTimeout = 100;
-constexpr std::int32_t kLongestTimeout = 10000;
-constexpr std::int32_t kTimeoutStep = 100;
 
 constexpr wchar_t kConflict[] =
     L"You cannot use the RF modem (wireless) feature and the IR dongle simultaneously.";
@@ -88,7 +84,8 @@ void frmCOMSettings::FillPorts() {
   const BusyPointer busy(user());
   std::vector<ChoiceList::Entry> ports;
   for (std::int16_t n = 1; n <= kLastPort; ++n) {
-    if (port_.PortExists(n) && port_.IsPortAvailable(n)) {
+    // A port that is available exists, too. Asking is opening it, which some ports take seconds for.
+    if (port_.IsPortAvailable(n)) {
       ports.push_back({L"COM" + std::to_wstring(n), n, "COMPort"});
     }
   }

@@ -107,7 +107,8 @@ void frmCOMSettings::ShowRFProperties() {
   request.text += L" Click OK to continue or click Cancel to abort.";
   request.title = L"Connect RF Modem";
   request.style = kOkCancelButtons | kInformationIcon;
-  if (user().ShowMessageBox(request) == kCancelAnswer) return;
+  // Neither when the box could not be shown.
+  if (user().ShowMessageBox(request) != kOkAnswer) return;
 
   port_.SetPort(static_cast<std::int16_t>(port->value));
   port_.SetMaxBaudRate(EKespBaudRate3::br115200);

@@ -121,6 +121,15 @@ TEST_F(FrmCOMSettingsModemTest, Cancelled_WritesAndShowsNothing) {
   EXPECT_TRUE(form_->is_open());
 }
 
+TEST_F(FrmCOMSettingsModemTest, BoxCannotBeShown_WritesNothingAndAsksNoModem) {
+  ShowWithModem();
+  const auto before = Settings(port_);
+  user_.Answer(0);
+  ClickProperties();
+  EXPECT_TRUE(Settings(port_) == before);
+  EXPECT_TRUE(modem_dialog_.ports.empty());
+}
+
 TEST_F(FrmCOMSettingsModemTest, Accepted_WritesTheTransportAndShowsTheDialog) {
   AllowRates(0, 13, 10);
   port_.SetRFModemPropHCID(815);

@@ -174,6 +174,40 @@ TEST_F(FrmCOMSettingsRulesTest, TestSmartSwitch_RunsWithWhatIsSaved) {
   EXPECT_TRUE(form.is_open());
 }
 
+TEST_F(FrmCOMSettingsRulesTest, TestSmartSwitch_ClicksMeanwhileDoNothing) {
+  environment_.clock.SetStepPerReading(1);
+  frmCOMSettings& form = Show();
+  Click(form.chkUseSmartSwitch);
+  Choose(form.icboCOMPort, L"COM3");
+  int clicks = 0;
+  environment_.pump.OnPump([&] {
+    if (++clicks > 9) return;
+    Click(form.cmdOKCancelHelp[Form::kOK]);
+    Click(form.cmdTestSmartSwitch);
+    Click(form.cmdOKCancelHelp[Form::kCancel]);
+    Click(form.chkUseRedirector);
+  });
+  Click(form.cmdTestSmartSwitch);
+  EXPECT_GT(clicks, 0);
+  EXPECT_EQ(ports_.line.writes.size(), 12u);
+  EXPECT_EQ(port_.Port(), 1);
+  EXPECT_FALSE(form.chkUseRedirector.checked());
+  EXPECT_TRUE(form.is_open());
+  EXPECT_TRUE(user_.boxes().empty());
+}
+
+TEST_F(FrmCOMSettingsRulesTest, TestSmartSwitch_ClosedMeanwhile_EndsAsCancelled) {
+  environment_.clock.SetStepPerReading(1);
+  frmCOMSettings& form = Show();
+  Click(form.chkUseSmartSwitch);
+  environment_.pump.OnPump([&] { form.Close(); });
+  Click(form.cmdTestSmartSwitch);
+  EXPECT_FALSE(form.is_open());
+  EXPECT_TRUE(form.bCancel());
+  Click(form.cmdOKCancelHelp[Form::kOK]);
+  EXPECT_TRUE(form.bCancel());
+}
+
 TEST_F(FrmCOMSettingsRulesTest, TestSmartSwitch_NotEnabled_DoesNothing) {
   environment_.clock.SetStepPerReading(1);
   Show();
@@ -199,6 +233,17 @@ TEST_F(FrmCOMSettingsRulesTest, RateRange_Chosen_Leaves150OrNothing) {
   ExpectRange(L"300", L"9600", 6, L"");
   ExpectRange(L"9600", L"9600", 1, L"");
   ExpectRange(L"9600", L"300", 0, L"");
+}
+
+TEST_F(FrmCOMSettingsRulesTest, RateRange_ChosenWithTheModemInUse_TakesItsRateAway) {
+  frmCOMSettings& form = Show();
+  Click(form.chkUseRFModem);
+  Choose(form.cboMaxBaudRate, L"57600");
+  EXPECT_EQ(Selected(form.cboBaudRate), L"150");
+  EXPECT_FALSE(form.cboBaudRate.enabled());
+  Click(form.chkUseRFModem);
+  Click(form.chkUseRFModem);
+  EXPECT_EQ(Selected(form.cboBaudRate), L"9600");
 }
 
 TEST_F(FrmCOMSettingsRulesTest, RateRange_EachListCounts_AndTheTransportIsLeftAlone) {

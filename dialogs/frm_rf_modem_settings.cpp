@@ -1,6 +1,7 @@
 // Reading the radio modem into its dialog, checking what was entered, and writing it to the modem.
 #include "dialogs/frm_rf_modem_settings.h"
 
+#include <stdexcept>
 #include <string>
 
 #include "dialogs/dialog_ids.h"
@@ -127,12 +128,15 @@ bool frmRFModemSettings::AskForNVRAM() {
   return user().ShowMessageBox(request) == kYesAnswer;
 }
 
-// A port that fails tells nobody why; the dialog stays for another attempt then.
 bool frmRFModemSettings::WriteSettings() {
   return RunTrapped(user(), L"attempting to gather settings", [this] {
-    return port_.RFWriteModemSettings(ToInteger32(txtPANID.Value()), ToInteger16(txtChannel.Value()),
-                                      ToInteger32(txtRFModemAddress.Value()), txtTimeout.Value(),
-                                      write_to_nvram_);
+    if (!port_.RFWriteModemSettings(ToInteger32(txtPANID.Value()), ToInteger16(txtChannel.Value()),
+                                    ToInteger32(txtRFModemAddress.Value()), txtTimeout.Value(),
+                                    write_to_nvram_)) {
+      // It keeps to itself what the port said.
+      throw std::runtime_error("The COM port of the RF modem failed");
+    }
+    return true;
   });
 }
 

@@ -222,10 +222,17 @@ TEST_F(frmRFModemSettingsConfirmTest, PortFailsAtAnyCall_TheDialogStaysForAnothe
     ports_.line.FailCall(nth, kDeviceFailure);
     const std::size_t boxes = Shown().size();
     OK();
-    ASSERT_EQ(Shown().size(), boxes + 1);
-    EXPECT_EQ(Shown().back().text, kQuestion);
-    if (ports_.line.calls < ports_.line.fail_at) break;
+    ASSERT_GT(Shown().size(), boxes);
+    EXPECT_EQ(Shown()[boxes].text, kQuestion);
+    if (ports_.line.calls < ports_.line.fail_at) {
+      EXPECT_EQ(Shown().size(), boxes + 1);
+      break;
+    }
     ++failed;
+    ASSERT_EQ(Shown().size(), boxes + 2);
+    EXPECT_EQ(Shown().back().text,
+              L"An error occurred while attempting to gather settings.\r\n"
+              L"Error: 51 - Internal error (The COM port of the RF modem failed)\r\n(KespCommObj)");
     EXPECT_TRUE(form_->is_open());
     EXPECT_FALSE(form_->bCancel());
     EXPECT_EQ(Boxes(), (Texts{L"13106", L"12", L"26", L"1500"}));

@@ -6,6 +6,7 @@
 
 #include "dialogs/dialog_ids.h"
 #include "dialogs/editing.h"
+#include "dialogs/timeout_arrows.h"
 #include "support/error_trap.h"
 
 namespace kesp {
@@ -18,9 +19,6 @@ constexpr NumberRange kOctet{0, 255};
 constexpr std::int32_t kLowestPort = 1;
 constexpr std::int32_t kHighestPort = 65535;
 constexpr std::int32_t kPortStep = 1;
-constexpr std::int32_t kShortestTimeout = 100;  // milliseconds, as the next two
-constexpr std::int32_t kLongestTimeout = 10000;
-constexpr std::int32_t kTimeoutStep = 100;
 
 }  // namespace
 

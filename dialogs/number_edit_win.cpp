@@ -1,11 +1,15 @@
 // Keys and focus of a text box, on their way from Windows to the form.
 #include "dialogs/number_edit_win.h"
 
+#include <imm.h>
+
 namespace kesp {
 
 NumberEdit::NumberEdit(Form& form, TextBox& box, HWND edit, HWND dialog)
     : form_(form), box_(box), edit_(edit), dialog_(dialog) {
   SetWindowLongPtrW(edit_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+  // What an input method composes would pass by the filter, and a number needs none.
+  ImmAssociateContext(edit_, nullptr);
   original_ = reinterpret_cast<WNDPROC>(
       SetWindowLongPtrW(edit_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&NumberEdit::Procedure)));
 }
@@ -17,7 +21,12 @@ NumberEdit::~NumberEdit() {
 
 LRESULT CALLBACK NumberEdit::Procedure(HWND window, UINT message, WPARAM first, LPARAM second) {
   auto& self = *reinterpret_cast<NumberEdit*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-  return self.Handle(message, first, second);
+  try {
+    return self.Handle(message, first, second);
+  } catch (...) {
+    // No exception may pass through the system. The form shows its own failures; this is memory at its end.
+    return 0;
+  }
 }
 
 LRESULT NumberEdit::Handle(UINT message, WPARAM first, LPARAM second) {

@@ -7,8 +7,16 @@ namespace kesp {
 
 namespace {
 
+// The user's own colours count for more than a theme's.
+bool IsHighContrast() {
+  HIGHCONTRASTW contrast{};
+  contrast.cbSize = sizeof(contrast);
+  return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof(contrast), &contrast, 0) != FALSE &&
+         (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
+}
+
 HBRUSH PaintedBrush(HWND page) {
-  if (IsAppThemed() == FALSE) return nullptr;
+  if (IsAppThemed() == FALSE || IsHighContrast()) return nullptr;
   const HTHEME theme = OpenThemeData(page, L"TAB");
   if (theme == nullptr) return nullptr;
   RECT area{};
@@ -44,6 +52,7 @@ HBRUSH TabPage::BrushFor(HWND page, HWND window, HDC device) {
   GetViewportOrgEx(device, &origin);
   SetBrushOrgEx(device, origin.x - place.x, origin.y - place.y, nullptr);
   SetBkMode(device, TRANSPARENT);
+  SetTextColor(device, GetSysColor(COLOR_WINDOWTEXT));
   return brush_;
 }
 

@@ -5,6 +5,7 @@
 #include "dialogs/form_window_win.h"
 #include "dialogs/frm_tcp_settings.h"
 #include "support/environment_win.h"
+#include "support/owner_window_win.h"
 
 namespace kesp {
 
@@ -14,7 +15,8 @@ class TcpDialogWin final : public TcpDialog {
  public:
   bool Show(CKespTCP& tcp, const TcpDialogOptions& options) override {
     frmTCPSettings form(SystemEnvironment().user, tcp, options);
-    FormWindow(form, {DIALOG_TCP_SETTINGS, {DIALOG_TCP_GENERAL_PAGE, DIALOG_TCP_EXTENDED_PAGE}, {}})
+    FormWindow(form, {DIALOG_TCP_SETTINGS, {DIALOG_TCP_GENERAL_PAGE, DIALOG_TCP_EXTENDED_PAGE}, {}},
+               OwnerWindow())
         .ShowModal();
     return !form.bCancel();
   }

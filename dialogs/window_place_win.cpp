@@ -5,7 +5,15 @@
 
 namespace kesp {
 
-void PlaceOver(HWND window, HWND owner) {
+namespace {
+
+SIZE SizeOf(HWND window) {
+  RECT area{};
+  GetWindowRect(window, &area);
+  return {area.right - area.left, area.bottom - area.top};
+}
+
+void Place(HWND window, HWND owner) {
   const bool beside_owner = owner != nullptr && IsWindowVisible(owner) != FALSE && IsIconic(owner) == FALSE;
   POINT pointer{};
   GetCursorPos(&pointer);
@@ -17,16 +25,23 @@ void PlaceOver(HWND window, HWND owner) {
   const RECT& work = monitor.rcWork;
   RECT around = work;
   if (beside_owner) GetWindowRect(owner, &around);
-  RECT size{};
-  GetWindowRect(window, &size);
-  const LONG width = size.right - size.left;
-  const LONG height = size.bottom - size.top;
-  const LONG left = (around.left + around.right - width) / 2;
-  const LONG top = (around.top + around.bottom - height) / 2;
+  const SIZE size = SizeOf(window);
+  const LONG left = (around.left + around.right - size.cx) / 2;
+  const LONG top = (around.top + around.bottom - size.cy) / 2;
   // Title bar and left edge count most when the screen is too small.
-  SetWindowPos(window, nullptr, std::max(work.left, std::min(left, work.right - width)),
-               std::max(work.top, std::min(top, work.bottom - height)), 0, 0,
+  SetWindowPos(window, nullptr, std::max(work.left, std::min(left, work.right - size.cx)),
+               std::max(work.top, std::min(top, work.bottom - size.cy)), 0, 0,
                SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+}  // namespace
+
+void PlaceOver(HWND window, HWND owner) {
+  const SIZE before = SizeOf(window);
+  Place(window, owner);
+  // A screen with other dots per inch may have given it another size.
+  const SIZE after = SizeOf(window);
+  if (after.cx != before.cx || after.cy != before.cy) Place(window, owner);
 }
 
 }  // namespace kesp

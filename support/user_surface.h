@@ -22,6 +22,7 @@ inline constexpr std::uint32_t kInformationIcon = 64;  // MB_ICONINFORMATION
 inline constexpr std::uint32_t kHelpButton = 16384;    // MB_HELP
 
 // What ShowMessageBox answers.
+inline constexpr int kOkAnswer = 1;      // IDOK
 inline constexpr int kCancelAnswer = 2;  // IDCANCEL
 inline constexpr int kYesAnswer = 6;     // IDYES
 

@@ -4,6 +4,10 @@
 #include <windows.h>
 
 #include <array>
+#include <optional>
+
+#include "support/owner_window_win.h"
+#include "support/thread_modal_win.h"
 
 namespace kesp {
 
@@ -42,7 +46,7 @@ void CALLBACK OpenHelp(HELPINFO* /*info*/) {
 }  // namespace
 
 int UserSurfaceWin::ShowMessageBox(const MessageBoxRequest& request) {
-  HWND owner = GetActiveWindow();
+  HWND owner = OwnerWindow();
   const HelpBinding binding{owner, request, call_help_};
   const HelpScope scope(binding);
   MSGBOXPARAMSW box{};
@@ -53,6 +57,9 @@ int UserSurfaceWin::ShowMessageBox(const MessageBoxRequest& request) {
   box.dwStyle = request.style | (owner == nullptr ? MB_TASKMODAL : 0U);
   box.dwContextHelpId = static_cast<DWORD_PTR>(static_cast<std::uint32_t>(request.help_context));
   box.lpfnMsgBoxCallback = OpenHelp;
+  // As in a task-modal box, the thread's other windows wait, too.
+  std::optional<ThreadModal> modal;
+  if (owner != GetActiveWindow()) modal.emplace(owner);
   return MessageBoxIndirectW(&box);
 }
 

@@ -17,7 +17,8 @@ class UserSurfaceWin final : public UserSurface {
  public:
   explicit UserSurfaceWin(HelpCaller call_help = CallWinHelp) : call_help_(call_help) {}
 
-  // The box belongs to the calling thread's active window; without one it is modal to the thread's windows.
+  // The box belongs to the calling thread's active window, or to its foremost one while another program is in
+  // front; in that case, and without one, all windows of the thread wait for it.
   // It runs a message loop. Returns 0 when Windows could not show it.
   int ShowMessageBox(const MessageBoxRequest& request) override;
   void SetPointer(MousePointer pointer) noexcept override;

@@ -1,5 +1,5 @@
 // Windows that wait for a dialog, found and disabled.
-#include "dialogs/thread_modal_win.h"
+#include "support/thread_modal_win.h"
 
 namespace kesp {
 

@@ -1,0 +1,24 @@
+// The foremost window of a thread.
+#include "support/owner_window_win.h"
+
+namespace kesp {
+
+namespace {
+
+BOOL CALLBACK IsUsable(HWND window, LPARAM found) {
+  if (IsWindowVisible(window) == FALSE || IsWindowEnabled(window) == FALSE) return TRUE;
+  *reinterpret_cast<HWND*>(found) = window;
+  return FALSE;
+}
+
+}  // namespace
+
+HWND OwnerWindow() {
+  HWND window = GetActiveWindow();
+  // They come in their order on the screen.
+  if (window == nullptr)
+    EnumThreadWindows(GetCurrentThreadId(), &IsUsable, reinterpret_cast<LPARAM>(&window));
+  return window;
+}
+
+}  // namespace kesp
