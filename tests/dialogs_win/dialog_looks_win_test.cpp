@@ -1,0 +1,203 @@
+// What the dialogs look like - the system's font, its themed controls, pages without patches - and what they
+// leave behind.
+#include <gmock/gmock.h>
+
+#include <array>
+#include <cstdlib>
+
+#include "client_window.h"
+#include "dialog_stage.h"
+#include "dialogs/common_controls_win.h"
+
+namespace kesp {
+namespace {
+
+using DialogLooksWinTest = ComDialogStage;
+
+std::vector<HWND> ChildrenOf(HWND window) {
+  std::vector<HWND> children;
+  EnumChildWindows(
+      window,
+      [](HWND child, LPARAM list) {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&children));
+  return children;
+}
+
+// Every top-level window of this thread, message boxes' and menus' included.
+int CountWindows() {
+  int count = 0;
+  EnumThreadWindows(
+      GetCurrentThreadId(),
+      [](HWND /*window*/, LPARAM counter) {
+        ++*reinterpret_cast<int*>(counter);
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&count));
+  return count;
+}
+
+// How many pens, brushes, bitmaps and the like there are.
+int CountDrawingObjects() {
+  if (const DWORD count = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS); count != 0) {
+    return static_cast<int>(count);
+  }
+  // A system that does not count them has a limit: whatever does not fit any more is there already.
+  constexpr int kMoreThanThereCanBe = 1 << 17;
+  std::vector<HPEN> fitting;
+  while (HPEN pen = CreatePen(PS_SOLID, 1, static_cast<COLORREF>(fitting.size()))) {
+    fitting.push_back(pen);
+    if (fitting.size() == kMoreThanThereCanBe) break;
+  }
+  for (HPEN pen : fitting) DeleteObject(pen);
+  EXPECT_LT(fitting.size(), static_cast<std::size_t>(kMoreThanThereCanBe)) << "there is no limit";
+  return kMoreThanThereCanBe - static_cast<int>(fitting.size());
+}
+
+LOGFONTW FontOf(HWND window) {
+  LOGFONTW font{};
+  GetObjectW(reinterpret_cast<HFONT>(Ask(window, WM_GETFONT)), sizeof(font), &font);
+  return font;
+}
+
+LOGFONTW MessageFont() {
+  NONCLIENTMETRICSW metrics{};
+  metrics.cbSize = sizeof(metrics);
+  SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, metrics.cbSize, &metrics, 0);
+  return metrics.lfMessageFont;
+}
+
+COLORREF PixelAt(POINT place) {
+  const HDC screen = GetDC(nullptr);
+  const COLORREF color = GetPixel(screen, place.x, place.y);
+  ReleaseDC(nullptr, screen);
+  return color;
+}
+
+// The file whose code the window runs.
+std::wstring MakerOf(HWND window) {
+  HMODULE module = nullptr;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                     reinterpret_cast<const wchar_t*>(GetWindowLongPtrW(window, GWLP_WNDPROC)), &module);
+  std::array<wchar_t, MAX_PATH> file{};
+  GetModuleFileNameW(module, file.data(), static_cast<DWORD>(file.size()));
+  return file.data();
+}
+
+TEST_F(DialogLooksWinTest, EveryControl_HasTheSystemsMessageFont) {
+  const LOGFONTW message = MessageFont();
+  EXPECT_FALSE(Show([&message](DialogUser& user) {
+    int seen = 0;
+    for (HWND child : ChildrenOf(user.window())) {
+      // Neither shows text.
+      if (HasClass(child, UPDOWN_CLASSW) || HasClass(child, L"#32770")) continue;
+      const LOGFONTW font = FontOf(child);
+      EXPECT_STREQ(font.lfFaceName, message.lfFaceName) << GetDlgCtrlID(child);
+      EXPECT_NEAR(std::abs(font.lfHeight), std::abs(message.lfHeight), 1) << GetDlgCtrlID(child);
+      EXPECT_EQ(font.lfWeight, message.lfWeight);
+      ++seen;
+    }
+    EXPECT_GT(seen, 35);
+    user.Press(VK_ESCAPE);
+  }));
+}
+
+TEST_F(DialogLooksWinTest, Controls_AreThoseOfVersion6) {
+  EXPECT_FALSE(Show([](DialogUser& user) {
+    for (const int id : {ID_TAB_SETTINGS, ID_UD_TIMEOUT, ID_ICBO_COM_PORT}) {
+      // Each version lies in a folder of its own, which has the version in its name.
+      EXPECT_THAT(MakerOf(user.Control(id)), testing::HasSubstr(L"common-controls_6595b64144ccf1df_6.0."));
+    }
+    user.Press(VK_ESCAPE);
+  }));
+}
+
+TEST_F(DialogLooksWinTest, LabelsAndBoxes_HaveTheBackgroundOfTheirPage) {
+  EXPECT_FALSE(Show([](DialogUser& user) {
+    for (int tab = 0; tab < 3; ++tab) {
+      user.ClickTab(tab);
+      RedrawWindow(user.window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+      user.Settle();
+      int seen = 0;
+      for (HWND child : ChildrenOf(user.window())) {
+        const bool on_page = GetParent(child) != user.window();
+        const LONG_PTR kind = GetWindowLongPtrW(child, GWL_STYLE) & BS_TYPEMASK;
+        const bool check_box = HasClass(child, L"Button") && kind == BS_AUTOCHECKBOX;
+        if (!on_page || IsWindowVisible(child) == FALSE || (!check_box && !HasClass(child, L"Static")))
+          continue;
+        RECT area{};
+        GetWindowRect(child, &area);
+        // Its right edge, which no text reaches, and the page beside that.
+        const COLORREF inside = PixelAt({area.right - 1, area.bottom - 1});
+        const COLORREF beside = PixelAt({area.right - 1, area.bottom + 1});
+        EXPECT_EQ(inside, beside) << "control " << GetDlgCtrlID(child) << " on page " << tab;
+        ++seen;
+      }
+      EXPECT_GE(seen, 2);
+    }
+    user.Press(VK_ESCAPE);
+  }));
+}
+
+TEST_F(DialogLooksWinTest, Page_DiffersFromTheDialogUnderATheme) {
+  if (IsAppThemed() == FALSE) GTEST_SKIP() << "the system has no theme";
+  EXPECT_FALSE(Show([](DialogUser& user) {
+    RedrawWindow(user.window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+    user.Settle();
+    RECT page{};
+    GetWindowRect(GetParent(user.Control(ID_CHK_USE_RF_MODEM)), &page);
+    RECT button{};
+    GetWindowRect(user.Control(ID_OK), &button);
+    EXPECT_NE(PixelAt({page.right - 3, page.bottom - 3}), PixelAt({button.left - 3, button.top}));
+    user.Press(VK_ESCAPE);
+  }));
+}
+
+class DialogLeavingsWinTest : public ComDialogStage {
+ protected:
+  void OpenEach() {
+    port_.SetUseRFModem(false);
+    EXPECT_FALSE(Show([](DialogUser& user) {
+      user.ClickTab(2);
+      user.ClickTab(1);
+      user.ClickTab(0);
+      user.Click(ID_CHK_USE_RF_MODEM);
+      user.Click(ID_CMD_RF_PROPERTIES);
+      user.AnswerBox(L"Connect RF Modem", IDOK);
+      user.In(kModemCaption, [](DialogUser& modem) { modem.Press(VK_ESCAPE); });
+      user.Press(VK_ESCAPE);
+    }));
+    DialogUser user(kTcpCaption, [](DialogUser& dialog) {
+      dialog.ClickTab(1);
+      dialog.Press(VK_ESCAPE);
+    });
+    EXPECT_FALSE(SystemTcpDialog().Show(tcp_, {.show_extended_page = true}));
+  }
+
+  CKespTCP tcp_{fakes_.environment,
+                [](SocketListener& listener) { return std::make_unique<SocketControlFake>(listener); },
+                MakeInstrument};
+};
+
+TEST_F(DialogLeavingsWinTest, OpenedAndClosedOften_LeavesNoWindowsOrHandles) {
+  constexpr int kTimes = 20;
+  ConnectModem();
+  tcp_.SetPort(5025);
+  const ClientWindow client;
+  // What the system keeps for good it has made by then.
+  OpenEach();
+  const int windows = CountWindows();
+  const DWORD user_objects = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+  const int drawing_objects = CountDrawingObjects();
+  for (int times = 0; times < kTimes; ++times) OpenEach();
+  EXPECT_EQ(CountWindows(), windows);
+  // Less than one of each kind for each time; the system's caches may grow by a few. A system that does not
+  // count the first says 0 both times.
+  EXPECT_LT(GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS), user_objects + kTimes);
+  EXPECT_LT(CountDrawingObjects(), drawing_objects + kTimes);
+}
+
+}  // namespace
+}  // namespace kesp
