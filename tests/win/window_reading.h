@@ -12,11 +12,11 @@ inline constexpr DWORD kWindowDeadlineMs = 10000;
 
 // Polls until the condition holds; false when the time is up first.
 template <typename Condition>
-bool WaitFor(Condition condition) {
+bool WaitFor(Condition condition, DWORD deadline_ms = kWindowDeadlineMs) {
   constexpr DWORD kPollMs = 10;
   const DWORD start = GetTickCount();
   while (!condition()) {
-    if (GetTickCount() - start > kWindowDeadlineMs) return false;
+    if (GetTickCount() - start > deadline_ms) return false;
     Sleep(kPollMs);
   }
   return true;
