@@ -3,6 +3,7 @@
 #include "dialog_stage.h"
 #include "dialogs/form_window_win.h"
 #include "dialogs/frm_tcp_settings.h"
+#include "support/owner_window_win.h"
 #include "support/user_surface_win.h"
 
 namespace kesp {
@@ -34,7 +35,7 @@ class DialogHelpWinTest : public TcpDialogStage {
   bool ShowWithHelp(const DialogUser::Act& act) {
     DialogUser user(kTcpCaption, act);
     frmTCPSettings form(surface_, tcp_, {.show_extended_page = true, .help_context = kTopic});
-    FormWindow(form, {DIALOG_TCP_SETTINGS, {DIALOG_TCP_GENERAL_PAGE, DIALOG_TCP_EXTENDED_PAGE}, {}})
+    FormWindow(form, {DIALOG_TCP_SETTINGS, {DIALOG_TCP_GENERAL_PAGE, DIALOG_TCP_EXTENDED_PAGE}, {}}, OwnerWindow())
         .ShowModal();
     return !form.bCancel();
   }
