@@ -7,6 +7,7 @@
 
 #include "client_window.h"
 #include "dialog_stage.h"
+#include "dialogs/activation_context_win.h"
 #include "dialogs/common_controls_win.h"
 
 namespace kesp {
@@ -14,29 +15,22 @@ namespace {
 
 using DialogLooksWinTest = ComDialogStage;
 
+BOOL CALLBACK AddTo(HWND window, LPARAM windows) {
+  reinterpret_cast<std::vector<HWND>*>(windows)->push_back(window);
+  return TRUE;
+}
+
 std::vector<HWND> ChildrenOf(HWND window) {
   std::vector<HWND> children;
-  EnumChildWindows(
-      window,
-      [](HWND child, LPARAM list) {
-        reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&children));
+  EnumChildWindows(window, &AddTo, reinterpret_cast<LPARAM>(&children));
   return children;
 }
 
 // Every top-level window of this thread, message boxes' and menus' included.
-int CountWindows() {
-  int count = 0;
-  EnumThreadWindows(
-      GetCurrentThreadId(),
-      [](HWND /*window*/, LPARAM counter) {
-        ++*reinterpret_cast<int*>(counter);
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&count));
-  return count;
+std::size_t CountWindows() {
+  std::vector<HWND> windows;
+  EnumThreadWindows(GetCurrentThreadId(), &AddTo, reinterpret_cast<LPARAM>(&windows));
+  return windows.size();
 }
 
 // How many pens, brushes, bitmaps and the like there are.
@@ -102,6 +96,25 @@ TEST_F(DialogLooksWinTest, EveryControl_HasTheSystemsMessageFont) {
     EXPECT_GT(seen, 35);
     user.Press(VK_ESCAPE);
   }));
+}
+
+HANDLE CurrentContext() {
+  HANDLE context = nullptr;
+  GetCurrentActCtx(&context);
+  // Whoever activated it holds it; here it is only compared.
+  if (context != nullptr) ReleaseActCtx(context);
+  return context;
+}
+
+// Some systems give controls of version 6 to programs that do not ask for them; whether the library asks
+// shows here.
+TEST_F(DialogLooksWinTest, ActivationContext_HoldsWhileItLives) {
+  const HANDLE before = CurrentContext();
+  {
+    const ActivationContext context;
+    EXPECT_NE(CurrentContext(), before);
+  }
+  EXPECT_EQ(CurrentContext(), before);
 }
 
 TEST_F(DialogLooksWinTest, Controls_AreThoseOfVersion6) {
@@ -188,7 +201,7 @@ TEST_F(DialogLeavingsWinTest, OpenedAndClosedOften_LeavesNoWindowsOrHandles) {
   const ClientWindow client;
   // What the system keeps for good it has made by then.
   OpenEach();
-  const int windows = CountWindows();
+  const std::size_t windows = CountWindows();
   const DWORD user_objects = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
   const int drawing_objects = CountDrawingObjects();
   for (int times = 0; times < kTimes; ++times) OpenEach();
