@@ -30,7 +30,7 @@ HelpViewer::~HelpViewer() {
 }
 
 bool HelpViewer::Mentions(long number) const {
-  return Mentions(std::string(reinterpret_cast<const char*>(&number), sizeof(number)));
+  return last_.find(std::string(reinterpret_cast<const char*>(&number), sizeof(number))) != std::string::npos;
 }
 
 LRESULT CALLBACK HelpViewer::Procedure(HWND window, UINT message, WPARAM first, LPARAM second) {

@@ -17,9 +17,10 @@ class HelpViewer {
   HelpViewer(const HelpViewer&) = delete;
   HelpViewer& operator=(const HelpViewer&) = delete;
 
-  // How many requests came, and the bytes of the last one. Their layout is the system's own.
+  // How many requests came, and whether the bytes of the last one hold that text with its end, or that
+  // number. Their layout is the system's own.
   int requests() const { return requests_; }
-  bool Mentions(const std::string& text) const { return last_.find(text) != std::string::npos; }
+  bool Mentions(const std::string& text) const { return last_.find(text + '\0') != std::string::npos; }
   bool Mentions(long number) const;
 
  private:
