@@ -51,7 +51,7 @@ int OpenEach(const std::vector<std::wstring>& names) {
 int AskForEach(CKespCOMPort3& port) {
   int found = 0;
   for (std::int16_t n = 1; n <= kLastPort; ++n) {
-    if (port.PortExists(n) && port.IsPortAvailable(n)) ++found;
+    if (port.IsPortAvailable(n)) ++found;
   }
   return found;
 }
@@ -70,7 +70,7 @@ void MeasurePortLook(const SerialClient& client) {
 
   std::printf("\n%d ports offered, %d opened\n", AskForEach(port), OpenEach(names));
   PrintHeading("ms");
-  Print("PortExists, IsPortAvailable for 256 / CreateFile", InMilliseconds(MeasureInTurn(21, 5, ask, open)));
+  Print("IsPortAvailable for 256 / CreateFile", InMilliseconds(MeasureInTurn(21, 5, ask, open)));
   Print("frmCOMSettings made / CreateFile", InMilliseconds(MeasureInTurn(21, 5, make, open)));
   const DialogOpening opening = MeasureDialogOpening(client);
   Print("Edit until the dialog takes input, first time", InMilliseconds(opening.first_in_process));

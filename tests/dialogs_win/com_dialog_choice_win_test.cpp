@@ -130,6 +130,21 @@ TEST_F(ComDialogChoiceWinTest, NoRate_IsRefused) {
   }));
 }
 
+TEST_F(ComDialogChoiceWinTest, NoRateInAListThatIsOff_LeavesNoFocusOnTheHiddenPage) {
+  EXPECT_FALSE(Show([](DialogUser& user) {
+    user.Click(ID_CHK_USE_RF_MODEM);
+    user.ClickTab(2);
+    user.Choose(ID_CBO_MIN_BAUD_RATE, 4);
+    user.MoveTo(ID_TXT_TIMEOUT);
+    user.Press(VK_RETURN);
+    ExpectRemark(user.AnswerBox(L"Invalid Baud Rate", IDOK), L"Select the baud rate.");
+    EXPECT_EQ(user.Tab(), 0);
+    EXPECT_FALSE(user.IsEnabled(ID_CBO_BAUD_RATE));
+    EXPECT_EQ(user.Focus(), ID_ICBO_COM_PORT);
+    user.Press(VK_ESCAPE);
+  }));
+}
+
 TEST_F(ComDialogChoiceWinTest, InstrumentAddress_IsCheckedWithARadioModemOnly) {
   constexpr wchar_t kTitle[] = L"Invalid Instrument Address";
   constexpr wchar_t kRange[] =

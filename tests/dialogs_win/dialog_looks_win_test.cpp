@@ -154,6 +154,36 @@ TEST_F(DialogLooksWinTest, LabelsAndBoxes_HaveTheBackgroundOfTheirPage) {
   }));
 }
 
+TEST_F(DialogLooksWinTest, DisabledBox_HasAnotherGroundThanAnEnabledOne) {
+  EXPECT_FALSE(Show([](DialogUser& user) {
+    const auto ground = [&user] {
+      RedrawWindow(user.window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+      user.Settle();
+      RECT area{};
+      GetWindowRect(user.Control(ID_TXT_INSTR_ADDRESS), &area);
+      // Near the right edge, which no text reaches.
+      return PixelAt({area.right - 8, (area.top + area.bottom) / 2});
+    };
+    const COLORREF off = ground();
+    user.Click(ID_CHK_USE_RF_MODEM);
+    EXPECT_NE(off, ground());
+    user.Press(VK_ESCAPE);
+  }));
+}
+
+TEST_F(DialogLooksWinTest, LabelsInOtherColours_AskForTheSystemsText) {
+  EXPECT_FALSE(Show([](DialogUser& user) {
+    HWND label = user.Control(ID_LBL_BAUD_RATE);
+    const HDC device = GetDC(label);
+    SetTextColor(device, RGB(1, 2, 3));
+    Ask(GetParent(label), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(device),
+        reinterpret_cast<LPARAM>(label));
+    EXPECT_EQ(GetTextColor(device), GetSysColor(COLOR_WINDOWTEXT));
+    ReleaseDC(label, device);
+    user.Press(VK_ESCAPE);
+  }));
+}
+
 TEST_F(DialogLooksWinTest, Page_DiffersFromTheDialogUnderATheme) {
   if (IsAppThemed() == FALSE) GTEST_SKIP() << "the system has no theme";
   EXPECT_FALSE(Show([](DialogUser& user) {

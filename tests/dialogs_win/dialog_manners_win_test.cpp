@@ -70,6 +70,27 @@ TEST_F(DialogMannersWinTest, ClientsWindows_WaitWhileItIsOpen) {
   EXPECT_EQ(GetActiveWindow(), client.handle());
 }
 
+TEST_F(DialogMannersWinTest, ClientsControlWithTheFocus_HasItAgain) {
+  const ClientWindow client;
+  HWND box = CreateWindowW(L"EDIT", L"", WS_CHILD | WS_VISIBLE, 0, 0, 50, 20, client.handle(), nullptr,
+                           nullptr, nullptr);
+  SetFocus(box);
+  EXPECT_FALSE(Show([](DialogUser& user) { user.Press(VK_ESCAPE); }));
+  EXPECT_EQ(GetFocus(), box);
+}
+
+TEST_F(DialogMannersWinTest, NoActiveWindow_TheForemostOneOwnsTheDialog) {
+  const ClientWindow back;
+  const ClientWindow front;
+  SetActiveWindow(nullptr);
+  ASSERT_EQ(GetActiveWindow(), nullptr);
+  EXPECT_FALSE(Show([&](DialogUser& user) {
+    EXPECT_EQ(GetWindow(user.window(), GW_OWNER), front.handle());
+    user.Press(VK_ESCAPE);
+  }));
+  EXPECT_TRUE(front.is_enabled());
+}
+
 TEST_F(DialogMannersWinTest, NoOwner_OpensInTheMiddleOfTheScreen) {
   ASSERT_EQ(GetActiveWindow(), nullptr);
   EXPECT_TRUE(Show([](DialogUser& user) {
