@@ -142,16 +142,7 @@ std::int32_t ToInteger32(double number) {
 void ShowMessage(UserSurface& user, const std::wstring& prompt, const std::wstring& title,
                  const std::wstring& help_file, std::int32_t help_context) {
   user.SetPointer(MousePointer::kDefault);
-  MessageBoxRequest request;
-  request.text = prompt;
-  request.title = title;
-  request.style = kInformationIcon;
-  if (!help_file.empty()) {
-    request.style |= kHelpButton;
-    request.help_file = help_file;
-    request.help_context = help_context;
-  }
-  user.ShowMessageBox(request);
+  user.ShowMessageBox(BoxWithIcon(kInformationIcon, prompt, title, help_file, help_context));
 }
 
 }  // namespace kesp

@@ -11,16 +11,7 @@ std::wstring ErrorBoxText(const std::wstring& action, const Failure& failure) {
 
 void ShowError(UserSurface& user, const std::wstring& action, const Failure& failure,
                const std::wstring& title, const std::wstring& help_file, std::int32_t help_context) {
-  MessageBoxRequest request;
-  request.text = ErrorBoxText(action, failure);
-  request.title = title;
-  request.style = kStopIcon;
-  if (!help_file.empty()) {
-    request.style |= kHelpButton;
-    request.help_file = help_file;
-    request.help_context = help_context;
-  }
-  user.ShowMessageBox(request);
+  user.ShowMessageBox(BoxWithIcon(kStopIcon, ErrorBoxText(action, failure), title, help_file, help_context));
 }
 
 }  // namespace kesp

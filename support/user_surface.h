@@ -26,6 +26,14 @@ inline constexpr int kOkAnswer = 1;      // IDOK
 inline constexpr int kCancelAnswer = 2;  // IDCANCEL
 inline constexpr int kYesAnswer = 6;     // IDYES
 
+// A box with that icon and an OK button. With a help file it has a Help button, too, bound to file and
+// context.
+inline MessageBoxRequest BoxWithIcon(std::uint32_t icon, const std::wstring& text, const std::wstring& title,
+                                     const std::wstring& help_file, std::int32_t help_context) {
+  if (help_file.empty()) return {text, title, icon, {}, 0};
+  return {text, title, icon | kHelpButton, help_file, help_context};
+}
+
 enum class MousePointer { kDefault, kBusy };
 
 class UserSurface {
