@@ -6,7 +6,9 @@ namespace kesp {
 namespace {
 
 BOOL CALLBACK IsUsable(HWND window, LPARAM found) {
-  if (IsWindowVisible(window) == FALSE || IsWindowEnabled(window) == FALSE) return TRUE;
+  // A tool tip is seen, too, and in front of everything.
+  const bool is_tool = (GetWindowLongPtrW(window, GWL_EXSTYLE) & (WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE)) != 0;
+  if (is_tool || IsWindowVisible(window) == FALSE || IsWindowEnabled(window) == FALSE) return TRUE;
   *reinterpret_cast<HWND*>(found) = window;
   return FALSE;
 }
