@@ -35,7 +35,8 @@ class DialogHelpWinTest : public TcpDialogStage {
   bool ShowWithHelp(const DialogUser::Act& act) {
     DialogUser user(kTcpCaption, act);
     frmTCPSettings form(surface_, tcp_, {.show_extended_page = true, .help_context = kTopic});
-    FormWindow(form, {DIALOG_TCP_SETTINGS, {DIALOG_TCP_GENERAL_PAGE, DIALOG_TCP_EXTENDED_PAGE}, {}}, OwnerWindow())
+    FormWindow(form, {DIALOG_TCP_SETTINGS, {DIALOG_TCP_GENERAL_PAGE, DIALOG_TCP_EXTENDED_PAGE}, {}},
+               OwnerWindow())
         .ShowModal();
     return !form.bCancel();
   }
