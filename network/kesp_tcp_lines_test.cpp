@@ -277,6 +277,18 @@ TEST_F(CKespTCPReadLine, ReplyThenPeerCloses_IsStillRead) {
   EXPECT_EQ(Read(), L"A");
 }
 
+TEST_F(CKespTCPReadLine, ReplyAndPeerClosesDuringTheWrite_FindsNoConnection) {
+  Connect();
+  socket_->Then([this] {
+    socket_->Receive("A\r");
+    socket_->ThenPeerCloses().Deliver();
+  });
+  EXPECT_TRUE(tcp_->WriteLine(L"x"));
+  std::wstring result = L"old";
+  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }).number, tcp_error::ERR_NO_CONNECTION);
+  EXPECT_EQ(result, L"old");
+}
+
 TEST_F(CKespTCPReadLine, PeerClosesAfterAPart_TimesOutAndTheNextReadFindsNoConnection) {
   Connect();
   socket_->ThenReceives("A").ThenPeerCloses();

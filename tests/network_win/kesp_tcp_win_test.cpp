@@ -1,6 +1,9 @@
 // Tests of the network transport over the real socket control, clock and message pump.
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <future>
+
 #include "network/kesp_tcp.h"
 #include "network/socket_control_win.h"
 #include "support/environment_win.h"
@@ -95,14 +98,20 @@ TEST_F(CKespTCPWin, PeerFloods_TheReadEndsAtTheLimit) {
   EXPECT_TRUE(tcp_.Uninitialize());
 }
 
+// The peer waits until the command counts as written: a connection that closes earlier is one that ReadLine
+// refuses.
 TEST_F(CKespTCPWin, PeerRepliesAndCloses_TheReplyIsRead) {
-  const LoopbackPeer peer([](SOCKET connection) {
+  std::promise<void> written;
+  const LoopbackPeer peer([&written](SOCKET connection) {
     ReceiveUntil(connection, '\r');
+    written.get_future().wait_for(std::chrono::seconds(5));
     SendAll(connection, "done\r");
   });
   Connect(peer);
   std::wstring result;
   EXPECT_TRUE(tcp_.WriteLine(L"x"));
+  // Only pumping tells the transport of what arrives, and that is left to ReadLine.
+  written.set_value();
   EXPECT_TRUE(tcp_.ReadLine(result));
   EXPECT_EQ(result, L"done");
   EXPECT_TRUE(tcp_.Uninitialize());
