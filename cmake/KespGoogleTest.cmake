@@ -3,7 +3,6 @@ set(KESP_GOOGLETEST_SOURCES "/usr/src/googletest" CACHE PATH "The sources of Goo
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 set(gtest_force_shared_crt ON CACHE BOOL "" FORCE)
 add_subdirectory("${KESP_GOOGLETEST_SOURCES}" "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
-include(GoogleTest)
 if(NOT TARGET GTest::gmock_main)
   add_library(GTest::gmock_main ALIAS gmock_main)
 endif()

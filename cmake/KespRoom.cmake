@@ -17,10 +17,6 @@ function(kesp_room name)
   if(WIN32)
     target_link_libraries(kesp_${name} PUBLIC ${ROOM_LIBS})
   elseif(ROOM_TESTS)
-    add_executable(${name}_test ${ROOM_TESTS})
-    target_link_libraries(${name}_test PRIVATE kesp_${name} GTest::gmock_main)
-    # A busy machine takes its time to list them; a name must not hold the bytes of a parameter.
-    gtest_discover_tests(${name}_test TEST_PREFIX "unit." NO_PRETTY_VALUES DISCOVERY_TIMEOUT 120
-      PROPERTIES LABELS unit TIMEOUT 60)
+    kesp_test_program(${name}_test UNIT SOURCES ${ROOM_TESTS} USES kesp_${name})
   endif()
 endfunction()

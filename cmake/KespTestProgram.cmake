@@ -1,0 +1,47 @@
+# kesp_test_program(<name> SOURCES a_test.cpp ... [USES kesp_support ...] [UNIT])
+#
+# A program of GoogleTest tests with its main. USES names what it is linked with. UNIT registers each of its tests with
+# CTest, under the label unit; the Windows ones are registered by kesp_wine_test.
+#
+# The headers that nearly every test reads are compiled once for all of them. KESP_PRECOMPILE=OFF, as in the coverage
+# build, shows what a file forgot to include.
+include(GoogleTest)
+option(KESP_PRECOMPILE "Compile the headers that nearly every test reads once for all" ON)
+
+# Tests run for seconds, so compiling them takes longer than optimising saves. In their own code the sanitizers leave
+# out the checks of each pointer, a third of the compile time; the code under test has them all.
+add_library(kesp_test_options INTERFACE)
+target_compile_options(kesp_test_options INTERFACE -O0 -g1)
+if(NOT WIN32 AND KESP_SANITIZE AND NOT KESP_COVERAGE)
+  target_compile_options(kesp_test_options INTERFACE -fno-sanitize=null,alignment,vptr,object-size)
+endif()
+
+if(KESP_PRECOMPILE)
+  set(empty_source "${CMAKE_BINARY_DIR}/test_headers.cpp")
+  file(CONFIGURE OUTPUT "${empty_source}" CONTENT "")
+  add_library(kesp_test_headers OBJECT "${empty_source}")
+  target_link_libraries(kesp_test_headers PRIVATE kesp_options GTest::gmock kesp_test_options)
+  if(WIN32)
+    target_precompile_headers(kesp_test_headers PRIVATE <winsock2.h> <windows.h> <oleauto.h> <wrl/client.h>)
+  endif()
+  target_precompile_headers(kesp_test_headers PRIVATE
+    <gmock/gmock.h> <gtest/gtest.h> <algorithm> <array> <atomic> <chrono> <cstdint> <deque> <filesystem> <fstream>
+    <functional> <map> <memory> <optional> <set> <string> <thread> <vector>)
+endif()
+
+function(kesp_test_program name)
+  cmake_parse_arguments(PROGRAM "UNIT" "" "SOURCES;USES" ${ARGN})
+  if(PROGRAM_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "kesp_test_program does not know ${PROGRAM_UNPARSED_ARGUMENTS}")
+  endif()
+  add_executable(${name} ${PROGRAM_SOURCES})
+  target_link_libraries(${name} PRIVATE kesp_options ${PROGRAM_USES} GTest::gmock_main kesp_test_options)
+  if(KESP_PRECOMPILE)
+    target_precompile_headers(${name} REUSE_FROM kesp_test_headers)
+  endif()
+  if(PROGRAM_UNIT)
+    # A busy machine takes its time to list them; a name must not hold the bytes of a parameter.
+    gtest_discover_tests(${name} TEST_PREFIX "unit." NO_PRETTY_VALUES DISCOVERY_TIMEOUT 120
+      PROPERTIES LABELS unit TIMEOUT 60)
+  endif()
+endfunction()
