@@ -11,16 +11,32 @@
 
 namespace kesp {
 
-void SetAccessibleName(HWND window, HWND label) {
+namespace {
+
+constexpr auto kClient = static_cast<DWORD>(OBJID_CLIENT);
+
+// Null where there are none.
+Microsoft::WRL::ComPtr<IAccPropServices> Annotations() {
   Microsoft::WRL::ComPtr<IAccPropServices> services;
-  const HRESULT made =
-      CoCreateInstance(CLSID_AccPropServices, nullptr, CLSCTX_INPROC_SERVER, IID_IAccPropServices,
-                       reinterpret_cast<void**>(services.GetAddressOf()));
-  if (FAILED(made)) return;
+  CoCreateInstance(CLSID_AccPropServices, nullptr, CLSCTX_INPROC_SERVER, IID_IAccPropServices,
+                   reinterpret_cast<void**>(services.GetAddressOf()));
+  return services;
+}
+
+}  // namespace
+
+AccessibleName::AccessibleName(HWND window, HWND label) : window_(window) {
   std::array<wchar_t, 128> name{};
   GetWindowTextW(label, name.data(), static_cast<int>(name.size()));
-  services->SetHwndPropStr(window, static_cast<DWORD>(OBJID_CLIENT), CHILDID_SELF, PROPID_ACC_NAME,
-                           name.data());
+  if (const auto services = Annotations()) {
+    services->SetHwndPropStr(window_, kClient, CHILDID_SELF, PROPID_ACC_NAME, name.data());
+  }
+}
+
+// The system keeps an annotation until it is told, also when the window has gone.
+AccessibleName::~AccessibleName() {
+  MSAAPROPID name = PROPID_ACC_NAME;
+  if (const auto services = Annotations()) services->ClearHwndProps(window_, kClient, CHILDID_SELF, &name, 1);
 }
 
 }  // namespace kesp

@@ -2,6 +2,7 @@
 #include "dialogs/control_painter_win.h"
 
 #include <utility>
+#include <vector>
 
 namespace kesp {
 
@@ -10,6 +11,23 @@ namespace {
 constexpr Change kAllChanges[] = {Change::kEntries,      Change::kSelection, Change::kText,
                                   Change::kSelectedText, Change::kChecked,   Change::kValue,
                                   Change::kEnabled,      Change::kVisible};
+
+bool BeginsGroup(HWND window) {
+  return (GetWindowLongPtrW(window, GWL_STYLE) & WS_GROUP) != 0;
+}
+
+// The other controls of a control's group, also those that are hidden or disabled.
+std::vector<HWND> OthersOfGroup(HWND window) {
+  HWND first = window;
+  while (!BeginsGroup(first) && GetWindow(first, GW_HWNDPREV) != nullptr)
+    first = GetWindow(first, GW_HWNDPREV);
+  std::vector<HWND> others;
+  for (HWND each = first; each != nullptr; each = GetWindow(each, GW_HWNDNEXT)) {
+    if (each != first && BeginsGroup(each)) break;
+    if (each != window) others.push_back(each);
+  }
+  return others;
+}
 
 }  // namespace
 
@@ -78,11 +96,13 @@ void ControlPainter::Visit(const CheckBox& box) {
 }
 
 void ControlPainter::Visit(const OptionButton& button) {
+  if (change_ != Change::kChecked) return;
   const LRESULT wanted = button.selected() ? BST_CHECKED : BST_UNCHECKED;
   // Deselecting takes a button out of the Tab order, the first one, too, when none is selected.
-  if (change_ == Change::kChecked && Send(BM_GETCHECK, 0, 0) != wanted) {
-    Send(BM_SETCHECK, static_cast<WPARAM>(wanted), 0);
-  }
+  if (Send(BM_GETCHECK, 0, 0) != wanted) Send(BM_SETCHECK, static_cast<WPARAM>(wanted), 0);
+  if (!button.selected()) return;
+  // The Tab key is to find the option that is selected, and not the group's first one.
+  for (HWND other : OthersOfGroup(window_)) SendMessageW(other, BM_SETCHECK, BST_UNCHECKED, 0);
 }
 
 void ControlPainter::Visit(const ChoiceList& list) {

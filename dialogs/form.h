@@ -55,7 +55,8 @@ class Form : public ControlOwner {
   void GotFocus(Control& control);
   void LostFocus(Control& control);
 
-  // The title bar's close button, and Escape.
+  // The title bar's close button. Unlike Cancel it counts also while an action is under way, which ends
+  // first.
   void Close();
 
   std::array<Button, 3> cmdOKCancelHelp;

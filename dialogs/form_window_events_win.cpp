@@ -2,6 +2,7 @@
 #include <array>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "dialogs/form_window_win.h"
 
@@ -63,8 +64,11 @@ INT_PTR FormWindow::Handle(HWND window, UINT message, WPARAM first, LPARAM secon
     case WM_CTLCOLORBTN:
       return reinterpret_cast<INT_PTR>(
           BackgroundFor(window, reinterpret_cast<HWND>(second), reinterpret_cast<HDC>(first)));
-    case WM_SIZE:
     case WM_SYSCOLORCHANGE:
+      backgrounds_.erase(window);
+      if (window == dialog_) OnColorsChanged(first, second);
+      return FALSE;
+    case WM_SIZE:
     case WM_THEMECHANGED:
       backgrounds_.erase(window);
       return FALSE;
@@ -86,7 +90,7 @@ void FormWindow::OnCommand(int id, int code) {
     if (code == EN_CHANGE) box->Type(TextOf(painter_.WindowOf(*box)));
   } else if (auto* list = dynamic_cast<ChoiceList*>(control)) {
     OnListNotice(*list, code);
-  } else if (code == BN_CLICKED) {
+  } else if (code == BN_CLICKED && !IsOnlyFocused(*control)) {
     OnClick(*control);
   }
 }
@@ -99,6 +103,12 @@ void FormWindow::OnClick(Control& control) {
   });
   // Windows has marked the control already, and its neighbours; the form need not have followed.
   for (const Control* each : form_.controls()) painter_.Draw(*each, Change::kChecked);
+}
+
+// An option reports a click also when it gets the focus unchecked. One that was clicked is checked by then.
+bool FormWindow::IsOnlyFocused(const Control& control) const {
+  return dynamic_cast<const OptionButton*>(&control) != nullptr &&
+         SendMessageW(painter_.WindowOf(control), BM_GETCHECK, 0, 0) == BST_UNCHECKED;
 }
 
 void FormWindow::OnListNotice(ChoiceList& list, int code) {
@@ -136,6 +146,19 @@ void FormWindow::StepPage(const MSG& message) {
   const bool backwards = message.wParam == VK_PRIOR || (message.wParam == VK_TAB && IsDown(VK_SHIFT));
   OnTabChosen((form_.tabSettings.selection() + (backwards ? count - 1 : 1)) % count);
   FocusFirst();
+}
+
+// The system tells the dialog alone; its pages and their controls have colors of their own to renew.
+void FormWindow::OnColorsChanged(WPARAM first, LPARAM second) {
+  std::vector<HWND> children;
+  EnumChildWindows(
+      dialog_,
+      [](HWND child, LPARAM list) -> BOOL {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&children));
+  for (HWND child : children) SendMessageW(child, WM_SYSCOLORCHANGE, first, second);
 }
 
 HBRUSH FormWindow::BackgroundFor(HWND page, HWND window, HDC device) {

@@ -4,7 +4,6 @@
 #include <stdexcept>
 #include <string>
 
-#include "dialogs/accessible_name_win.h"
 #include "dialogs/activation_context_win.h"
 #include "dialogs/dialog_template_win.h"
 #include "dialogs/window_place_win.h"
@@ -22,6 +21,7 @@ FormWindow::~FormWindow() {
 void FormWindow::Destroy() {
   form_.SetView(nullptr);
   edits_.clear();
+  names_.clear();
   if (dialog_ != nullptr) DestroyWindow(dialog_);
 }
 
@@ -36,10 +36,11 @@ void FormWindow::ShowModal() {
     // ShowWindow would show the first window of a program as its starter wished, perhaps not at all.
     SetWindowPos(dialog_, nullptr, 0, 0, 0, 0, SWP_SHOWWINDOW | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER);
     if (owner_ == nullptr) SetForegroundWindow(dialog_);
-    FocusFirst();
+    // An option that gets the focus counts as clicked, so none gets it before it shows what was loaded.
+    GiveFocus(painter_.WindowOf(form_.tabSettings));
     RedrawWindow(dialog_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     form_.FirstPaint();
-    // What was loaded may have disabled the control that had the focus, and nothing has it then.
+    // Where the form has no wish of its own, or one that its state does not allow.
     if (form_.focused() == nullptr || IsChild(dialog_, GetFocus()) == FALSE) FocusFirst();
     RunLoop();
   }
@@ -112,12 +113,12 @@ void FormWindow::BindTextBoxes() {
 }
 
 // A label names the window that follows it, which is not the one that gets the focus here.
-void FormWindow::NameImageCombos() const {
+void FormWindow::NameImageCombos() {
   for (const Control* control : form_.controls()) {
     HWND window = painter_.WindowOf(*control);
+    if (window == nullptr || resources_.images.count(control->id()) == 0) continue;
     const auto combo = reinterpret_cast<HWND>(SendMessageW(window, CBEM_GETCOMBOCONTROL, 0, 0));
-    if (window == nullptr || resources_.images.count(control->id()) == 0 || combo == nullptr) continue;
-    SetAccessibleName(combo, GetWindow(window, GW_HWNDPREV));
+    names_.emplace_back(combo, GetWindow(window, GW_HWNDPREV));
   }
 }
 
@@ -145,9 +146,14 @@ HWND FormWindow::VisiblePage() const {
   return pages_[static_cast<std::size_t>(strip.tabs()[strip.selection()].tag)];
 }
 
+// As the Tab key does, with the default button that belongs to it.
+void FormWindow::GiveFocus(HWND window) const {
+  SendMessageW(dialog_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(window), TRUE);
+}
+
 void FormWindow::FocusFirst() const {
   HWND first = GetNextDlgTabItem(VisiblePage(), nullptr, FALSE);
-  if (first != nullptr) SendMessageW(dialog_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(first), TRUE);
+  if (first != nullptr) GiveFocus(first);
 }
 
 void FormWindow::OnFocus(const Control& control) {
@@ -157,7 +163,7 @@ void FormWindow::OnFocus(const Control& control) {
     FocusFirst();
     return;
   }
-  SendMessageW(dialog_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(window), TRUE);
+  GiveFocus(window);
 }
 
 void FormWindow::RunLoop() {

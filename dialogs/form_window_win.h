@@ -7,6 +7,7 @@
 #include <map>
 #include <vector>
 
+#include "dialogs/accessible_name_win.h"
 #include "dialogs/control_images_win.h"
 #include "dialogs/control_painter_win.h"
 #include "dialogs/form.h"
@@ -52,9 +53,10 @@ class FormWindow final : private FormView {
   void MakePages();
   void BindControls();
   void BindTextBoxes();
-  void NameImageCombos() const;
+  void NameImageCombos();
   void AddToolTips();
   HWND VisiblePage() const;
+  void GiveFocus(HWND window) const;
   void FocusFirst() const;
   void RunLoop();
 
@@ -64,8 +66,10 @@ class FormWindow final : private FormView {
 
   void OnCommand(int id, int code);
   void OnClick(Control& control);
+  bool IsOnlyFocused(const Control& control) const;
   void OnListNotice(ChoiceList& list, int code);
   void OnTabChosen(std::size_t index);
+  void OnColorsChanged(WPARAM first, LPARAM second);
   HBRUSH BackgroundFor(HWND page, HWND window, HDC device);
   Control* FindControl(int id) const;
 
@@ -77,6 +81,7 @@ class FormWindow final : private FormView {
   ControlPainter painter_;
   std::deque<ControlImages> images_;
   std::deque<NumberEdit> edits_;
+  std::deque<AccessibleName> names_;
   std::map<HWND, TabPage> backgrounds_;
   const ChoiceList* told_by_closing_ = nullptr;  // whose choice was seen when it closed, before it was told
 };

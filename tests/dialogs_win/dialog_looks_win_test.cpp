@@ -4,11 +4,13 @@
 
 #include <array>
 #include <cstdlib>
+#include <map>
 
 #include "client_window.h"
 #include "dialog_stage.h"
 #include "dialogs/activation_context_win.h"
 #include "dialogs/common_controls_win.h"
+#include "message_hook.h"
 
 namespace kesp {
 namespace {
@@ -180,6 +182,21 @@ TEST_F(DialogLooksWinTest, LabelsInOtherColours_AskForTheSystemsText) {
         reinterpret_cast<LPARAM>(label));
     EXPECT_EQ(GetTextColor(device), GetSysColor(COLOR_WINDOWTEXT));
     ReleaseDC(label, device);
+    user.Press(VK_ESCAPE);
+  }));
+}
+
+// The system tells the dialog, and only that.
+TEST_F(DialogLooksWinTest, ColoursChange_PagesAndControlsAreToldToo) {
+  std::map<HWND, int> told;
+  const MessageHook hook([&told](const CWPRETSTRUCT& message) {
+    if (message.message == WM_SYSCOLORCHANGE) ++told[message.hwnd];
+  });
+  EXPECT_FALSE(Show([&told](DialogUser& user) {
+    Ask(user.window(), WM_SYSCOLORCHANGE);
+    user.Settle();
+    for (HWND child : ChildrenOf(user.window())) EXPECT_GE(told[child], 1) << GetDlgCtrlID(child);
+    EXPECT_EQ(told[user.Control(ID_TAB_SETTINGS)], 1);
     user.Press(VK_ESCAPE);
   }));
 }

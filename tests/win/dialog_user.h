@@ -40,6 +40,8 @@ class DialogUser {
   // Whether it can be seen: it and the page that it is on.
   bool IsVisible(int id) const { return IsWindowVisible(Control(id)) != FALSE; }
   bool IsChecked(int id) const;
+  // Whether the Tab key stops at it.
+  bool IsTabStop(int id) const;
 
   // The control that has the keyboard; of an image combo, the combo. 0 for none.
   int Focus() const;

@@ -65,6 +65,10 @@ bool DialogUser::IsChecked(int id) const {
   return Ask(Control(id), BM_GETCHECK) == BST_CHECKED;
 }
 
+bool DialogUser::IsTabStop(int id) const {
+  return (GetWindowLongPtrW(Control(id), GWL_STYLE) & WS_TABSTOP) != 0;
+}
+
 int DialogUser::Focus() const {
   GUITHREADINFO thread{};
   thread.cbSize = sizeof(thread);
