@@ -53,6 +53,16 @@ TEST_F(FormTest, RefuseOnAPageThatIsGone_StaysWhereItIs) {
   EXPECT_TRUE(form_.framSettings[0].visible());
 }
 
+TEST_F(FormTest, RefuseOnAPageBehindARemovedOne_ShowsThePageOfTheControl) {
+  FormForTest form(user_, {{L"First", 0}, {L"Second", 1}, {L"Third", 2}});
+  form.tabSettings.Remove(0);
+  form.tabSettings.Choose(1);
+  form.Refuse(form.txtSigned, L"A", L"B");
+  EXPECT_EQ(form.tabSettings.selection(), 0U);
+  EXPECT_TRUE(form.framSettings[1].visible());
+  EXPECT_FALSE(form.framSettings[2].visible());
+}
+
 TEST_F(FormTest, FocusWithoutView_IsRemembered) {
   form_.SetView(nullptr);
   form_.Focus(form_.txtDigits);

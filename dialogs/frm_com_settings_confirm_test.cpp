@@ -15,7 +15,7 @@ constexpr wchar_t kAddressOutOfRange[] =
     L"The instrument address entered is invalid. Enter an address between 1 and 65535.";
 constexpr wchar_t kOverflow[] = L"6 - Overflow\r\n(KespCommObj)";
 
-class FrmCOMSettingsConfirmTest : public FrmCOMSettingsTest {
+class frmCOMSettingsConfirmTest : public frmCOMSettingsTest {
  protected:
   // OK is refused with this one message, behind which the control's page is shown and the control focused.
   void ExpectRefused(const Control& control, const std::wstring& name, const std::wstring& title,
@@ -42,33 +42,33 @@ class FrmCOMSettingsConfirmTest : public FrmCOMSettingsTest {
   }
 };
 
-TEST_F(FrmCOMSettingsConfirmTest, OK_MinimumAboveMaximum_IsRefused) {
+TEST_F(frmCOMSettingsConfirmTest, OK_MinimumAboveMaximum_IsRefused) {
   frmCOMSettings& form = Show();
   Choose(form.cboMinBaudRate, L"9600");
   Choose(form.cboMaxBaudRate, L"4800");
   ExpectRefused(form.cboMinBaudRate, L"cboMinBaudRate", kInvalidRate, kRangeWrongWayRound);
 }
 
-TEST_F(FrmCOMSettingsConfirmTest, OK_MaximumNotSelected_CountsAsBelowTheMinimum) {
+TEST_F(frmCOMSettingsConfirmTest, OK_MaximumNotSelected_CountsAsBelowTheMinimum) {
   AllowNoRate();
   frmCOMSettings& form = Show();
   Choose(form.cboMinBaudRate, L"150");
   ExpectRefused(form.cboMinBaudRate, L"cboMinBaudRate", kInvalidRate, kRangeWrongWayRound);
 }
 
-TEST_F(FrmCOMSettingsConfirmTest, OK_NoPort_IsRefused) {
+TEST_F(frmCOMSettingsConfirmTest, OK_NoPort_IsRefused) {
   ports_.codes.clear();
   Show();
   ExpectRefused(form_->icboCOMPort, L"icboCOMPort", L"Invalid COM Port", kSelectPort);
 }
 
-TEST_F(FrmCOMSettingsConfirmTest, OK_NoRate_IsRefused) {
+TEST_F(frmCOMSettingsConfirmTest, OK_NoRate_IsRefused) {
   frmCOMSettings& form = Show();
   Choose(form.cboMinBaudRate, L"9600");
   ExpectRefused(form.cboBaudRate, L"cboBaudRate", kInvalidRate, L"Select the baud rate.");
 }
 
-TEST_F(FrmCOMSettingsConfirmTest, OK_ModemWithoutAddress_IsRefused) {
+TEST_F(frmCOMSettingsConfirmTest, OK_ModemWithoutAddress_IsRefused) {
   Show();
   Click(form_->chkUseRFModem);
   form_->txtInstrAddress.Type(L"");
@@ -76,20 +76,20 @@ TEST_F(FrmCOMSettingsConfirmTest, OK_ModemWithoutAddress_IsRefused) {
                 L"Enter the instrument address.");
 }
 
-class FrmCOMSettingsAddressTest : public FrmCOMSettingsConfirmTest,
+class frmCOMSettingsAddressTest : public frmCOMSettingsConfirmTest,
                                   public testing::WithParamInterface<const wchar_t*> {};
 
-TEST_P(FrmCOMSettingsAddressTest, OK_ModemWithAddressOutOfRange_IsRefused) {
+TEST_P(frmCOMSettingsAddressTest, OK_ModemWithAddressOutOfRange_IsRefused) {
   Show();
   Click(form_->chkUseRFModem);
   form_->txtInstrAddress.Type(GetParam());
   ExpectRefused(form_->txtInstrAddress, L"txtInstrAddress", kInvalidAddress, kAddressOutOfRange);
 }
 
-INSTANTIATE_TEST_SUITE_P(Addresses, FrmCOMSettingsAddressTest,
+INSTANTIATE_TEST_SUITE_P(Addresses, frmCOMSettingsAddressTest,
                          testing::Values(L"0", L"70000", L"65536", L"-3", L"0.9", L"x7", L" "));
 
-TEST_F(FrmCOMSettingsConfirmTest, OK_SeveralMistakes_TheFirstOneOnly) {
+TEST_F(frmCOMSettingsConfirmTest, OK_SeveralMistakes_TheFirstOneOnly) {
   struct Case {
     bool range;
     bool port;
@@ -115,7 +115,7 @@ TEST_F(FrmCOMSettingsConfirmTest, OK_SeveralMistakes_TheFirstOneOnly) {
   }
 }
 
-TEST_F(FrmCOMSettingsConfirmTest, OK_AddressesAtTheEnds) {
+TEST_F(frmCOMSettingsConfirmTest, OK_AddressesAtTheEnds) {
   for (const auto& [text, address] : {std::pair{L"1", 1}, std::pair{L"32767", 32767}}) {
     Show();
     Click(form_->chkUseRFModem);
@@ -127,7 +127,7 @@ TEST_F(FrmCOMSettingsConfirmTest, OK_AddressesAtTheEnds) {
   EXPECT_TRUE(user_.boxes().empty());
 }
 
-TEST_F(FrmCOMSettingsConfirmTest, OK_ModemNotUsed_AddressIsNotChecked) {
+TEST_F(frmCOMSettingsConfirmTest, OK_ModemNotUsed_AddressIsNotChecked) {
   for (const auto& [text, address] : {std::pair{L"", 0}, std::pair{L"-3", -3}, std::pair{L"0", 0}}) {
     port_.SetInstrAddr(5);
     Show();
@@ -139,7 +139,7 @@ TEST_F(FrmCOMSettingsConfirmTest, OK_ModemNotUsed_AddressIsNotChecked) {
   EXPECT_TRUE(user_.boxes().empty());
 }
 
-TEST_F(FrmCOMSettingsConfirmTest, OK_AddressWithoutRoomIn16Bits_IsShownAndTheDialogStays) {
+TEST_F(frmCOMSettingsConfirmTest, OK_AddressWithoutRoomIn16Bits_IsShownAndTheDialogStays) {
   // Allowed by the check, and not checked at all.
   for (const bool modem : {true, false}) {
     Show();
@@ -162,7 +162,7 @@ TEST_F(FrmCOMSettingsConfirmTest, OK_AddressWithoutRoomIn16Bits_IsShownAndTheDia
   }
 }
 
-TEST_F(FrmCOMSettingsConfirmTest, OK_FailureWhileChecking_IsShownAndTheDialogStays) {
+TEST_F(frmCOMSettingsConfirmTest, OK_FailureWhileChecking_IsShownAndTheDialogStays) {
   ports_.codes.clear();
   Show();
   user_.on_box = [&] {
@@ -177,7 +177,7 @@ TEST_F(FrmCOMSettingsConfirmTest, OK_FailureWhileChecking_IsShownAndTheDialogSta
   EXPECT_TRUE(form_->is_open());
 }
 
-TEST_F(FrmCOMSettingsConfirmTest, Cancel_ClosesAndWritesNothing) {
+TEST_F(frmCOMSettingsConfirmTest, Cancel_ClosesAndWritesNothing) {
   frmCOMSettings& form = Show();
   const auto before = Settings(port_);
   Choose(form.icboCOMPort, L"COM3");
@@ -190,7 +190,7 @@ TEST_F(FrmCOMSettingsConfirmTest, Cancel_ClosesAndWritesNothing) {
   EXPECT_TRUE(user_.boxes().empty());
 }
 
-TEST_F(FrmCOMSettingsConfirmTest, Close_IsCancel_ButNotBehindOK) {
+TEST_F(frmCOMSettingsConfirmTest, Close_IsCancel_ButNotBehindOK) {
   Show().Close();
   EXPECT_FALSE(form_->is_open());
   EXPECT_TRUE(form_->bCancel());
@@ -201,7 +201,7 @@ TEST_F(FrmCOMSettingsConfirmTest, Close_IsCancel_ButNotBehindOK) {
   EXPECT_FALSE(form_->bCancel());
 }
 
-TEST_F(FrmCOMSettingsConfirmTest, Help_OpensTheTopicAndTheDialogStays) {
+TEST_F(frmCOMSettingsConfirmTest, Help_OpensTheTopicAndTheDialogStays) {
   user_.SetHelpFile(L"C:\\Help\\comm.hlp");
   Show();
   Click(form_->cmdOKCancelHelp[Form::kHelp]);

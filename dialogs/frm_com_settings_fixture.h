@@ -33,9 +33,9 @@ inline std::wstring Selected(const ChoiceList& list) {
 }
 
 // Writes down each change of a form in words: "cboBaudRate selects 9600", "chkUseRFModem checked".
-class FrmCOMSettingsView final : public FormView {
+class frmCOMSettingsView final : public FormView {
  public:
-  FrmCOMSettingsView(const frmCOMSettings& form, Lines& record) : form_(form), record_(record) {}
+  frmCOMSettingsView(const frmCOMSettings& form, Lines& record) : form_(form), record_(record) {}
 
   void OnChanged(const Control& control, Change change) override {
     record_.push_back(Name(control) + L" " + Words(control, change));
@@ -110,7 +110,7 @@ class FrmCOMSettingsView final : public FormView {
 // The stage: ports 1 and 3 of the machine are free, all others do not exist, and the transport allows every
 // rate and uses 9600 baud. The record has what the form shows, from when it was made, and "Box <title>" for
 // each message box.
-class FrmCOMSettingsTest : public CKespCOMPort3Test {
+class frmCOMSettingsTest : public CKespCOMPort3Test {
  protected:
   static constexpr std::int32_t kHelpTopic = 4711;
   static constexpr ComPortDialogOptions kNothing{.help_context = kHelpTopic};
@@ -119,7 +119,7 @@ class FrmCOMSettingsTest : public CKespCOMPort3Test {
                                                     .show_ir_dongle = true,
                                                     .help_context = kHelpTopic};
 
-  FrmCOMSettingsTest() {
+  frmCOMSettingsTest() {
     ports_.code = 2;
     ports_.codes = {{1, 0}, {3, 0}};
     AllowRates(0, 13, 6);
@@ -135,7 +135,7 @@ class FrmCOMSettingsTest : public CKespCOMPort3Test {
 
   frmCOMSettings& Make(const ComPortDialogOptions& options = kEverything) {
     form_ = std::make_unique<frmCOMSettings>(user_, port_, options, modem_dialog_);
-    view_ = std::make_unique<FrmCOMSettingsView>(*form_, record_);
+    view_ = std::make_unique<frmCOMSettingsView>(*form_, record_);
     form_->SetView(view_.get());
     return *form_;
   }
@@ -204,7 +204,7 @@ class FrmCOMSettingsTest : public CKespCOMPort3Test {
   UserSurfaceFake& user_ = environment_.user;
   Lines record_;
   RFModemDialogFake modem_dialog_;
-  std::unique_ptr<FrmCOMSettingsView> view_;
+  std::unique_ptr<frmCOMSettingsView> view_;
   std::unique_ptr<frmCOMSettings> form_;
 };
 

@@ -7,7 +7,7 @@
 namespace kesp {
 namespace {
 
-class FrmCOMSettingsLoadTest : public FrmCOMSettingsTest {
+class frmCOMSettingsLoadTest : public frmCOMSettingsTest {
  protected:
   // Every setting that the form shows, each different from that of a new transport.
   void SetEverything() {
@@ -29,7 +29,7 @@ class FrmCOMSettingsLoadTest : public FrmCOMSettingsTest {
   }
 };
 
-TEST_F(FrmCOMSettingsLoadTest, New_OpenAndNotCancelled) {
+TEST_F(frmCOMSettingsLoadTest, New_OpenAndNotCancelled) {
   const frmCOMSettings& form = Make();
   EXPECT_EQ(form.caption(), L"RS-232 Communication Settings");
   EXPECT_EQ(form.help_context(), kHelpTopic);
@@ -38,7 +38,7 @@ TEST_F(FrmCOMSettingsLoadTest, New_OpenAndNotCancelled) {
   EXPECT_EQ(form.focused(), nullptr);
 }
 
-TEST_F(FrmCOMSettingsLoadTest, New_EachControlOnItsPage) {
+TEST_F(frmCOMSettingsLoadTest, New_EachControlOnItsPage) {
   const frmCOMSettings& form = Make();
   const std::vector<std::vector<const Control*>> pages = {
       {&form.icboCOMPort, &form.lblBaudRate, &form.cboBaudRate, &form.chkUseIRDongle, &form.chkUseRFModem,
@@ -55,12 +55,12 @@ TEST_F(FrmCOMSettingsLoadTest, New_EachControlOnItsPage) {
   EXPECT_EQ(form.controls().size(), 9u + 4u + 11u + 1u + 3u + 3u);  // and the tabs, the frames, the buttons
 }
 
-TEST_F(FrmCOMSettingsLoadTest, New_EachControlHasANumberOfItsOwn) {
+TEST_F(frmCOMSettingsLoadTest, New_EachControlHasANumberOfItsOwn) {
   std::set<int> ids;
   for (const Control* control : Make().controls()) EXPECT_TRUE(ids.insert(control->id()).second);
 }
 
-TEST_F(FrmCOMSettingsLoadTest, New_ToolTipsFiltersAndRange) {
+TEST_F(frmCOMSettingsLoadTest, New_ToolTipsFiltersAndRange) {
   const frmCOMSettings& form = Make();
   EXPECT_EQ(form.chkUseIRDongle.tool_tip(), L"Using IR dongle");
   EXPECT_EQ(form.chkUseRFModem.tool_tip(), L"Using RF modem for wireless communications");
@@ -72,7 +72,7 @@ TEST_F(FrmCOMSettingsLoadTest, New_ToolTipsFiltersAndRange) {
   EXPECT_EQ(form.udTimeout.maximum(), 10000);
 }
 
-TEST_F(FrmCOMSettingsLoadTest, Flags_EachCombination_PagesListsAndDongle) {
+TEST_F(frmCOMSettingsLoadTest, Flags_EachCombination_PagesListsAndDongle) {
   using Tab = TabStrip::Tab;
   for (int flags = 0; flags < 8; ++flags) {
     const bool extended = (flags & 1) != 0;
@@ -101,7 +101,7 @@ TEST_F(FrmCOMSettingsLoadTest, Flags_EachCombination_PagesListsAndDongle) {
   }
 }
 
-TEST_F(FrmCOMSettingsLoadTest, Lists_HaveTheWholeOfTheirEntries) {
+TEST_F(frmCOMSettingsLoadTest, Lists_HaveTheWholeOfTheirEntries) {
   AllowRates(5, 7, 6);
   const frmCOMSettings& form = Make();
   EXPECT_EQ(Described(form.cboBaudRate.entries()), (Lines{L"4800 5", L"9600 6", L"19200 7"}));
@@ -117,7 +117,7 @@ TEST_F(FrmCOMSettingsLoadTest, Lists_HaveTheWholeOfTheirEntries) {
   EXPECT_EQ(form.icboSmartSwitchStyle.entries()[1].text, L"8-port");
 }
 
-TEST_F(FrmCOMSettingsLoadTest, BeforeTheFirstPaint_NothingIsLoaded) {
+TEST_F(frmCOMSettingsLoadTest, BeforeTheFirstPaint_NothingIsLoaded) {
   SetEverything();
   const frmCOMSettings& form = Make();
   for (const ChoiceList* list : {&form.icboCOMPort, &form.cboBaudRate, &form.icboSmartSwitchStyle,
@@ -132,7 +132,7 @@ TEST_F(FrmCOMSettingsLoadTest, BeforeTheFirstPaint_NothingIsLoaded) {
   EXPECT_FALSE(form.txtInstrAddress.enabled());
 }
 
-TEST_F(FrmCOMSettingsLoadTest, FirstPaint_LoadsEverythingInOrder) {
+TEST_F(frmCOMSettingsLoadTest, FirstPaint_LoadsEverythingInOrder) {
   SetEverything();
   Make().FirstPaint();
   EXPECT_EQ(record_, (Lines{L"cboMinBaudRate selects 1200",
@@ -159,7 +159,7 @@ TEST_F(FrmCOMSettingsLoadTest, FirstPaint_LoadsEverythingInOrder) {
   EXPECT_TRUE(user_.boxes().empty());
 }
 
-TEST_F(FrmCOMSettingsLoadTest, FirstPaint_OtherBoxesAndTheModemInTheirPlaces) {
+TEST_F(frmCOMSettingsLoadTest, FirstPaint_OtherBoxesAndTheModemInTheirPlaces) {
   port_.SetUseRFModem(true);
   port_.SetUseRedirector(true);
   Make().FirstPaint();
@@ -189,7 +189,7 @@ TEST_F(FrmCOMSettingsLoadTest, FirstPaint_OtherBoxesAndTheModemInTheirPlaces) {
                             L"cmdTestSmartSwitch disabled"}));
 }
 
-TEST_F(FrmCOMSettingsLoadTest, FirstPaint_WithoutThePages_LoadsTheFirstOneOnly) {
+TEST_F(frmCOMSettingsLoadTest, FirstPaint_WithoutThePages_LoadsTheFirstOneOnly) {
   SetEverything();
   Make(kNothing).FirstPaint();
   EXPECT_EQ(record_,
@@ -199,7 +199,7 @@ TEST_F(FrmCOMSettingsLoadTest, FirstPaint_WithoutThePages_LoadsTheFirstOneOnly) 
   EXPECT_EQ(form_->txtTimeout.text(), L"");
 }
 
-TEST_F(FrmCOMSettingsLoadTest, FirstPaint_OnceOnly) {
+TEST_F(frmCOMSettingsLoadTest, FirstPaint_OnceOnly) {
   frmCOMSettings& form = Show();
   port_.SetUseRedirector(true);
   form.FirstPaint();
@@ -207,7 +207,7 @@ TEST_F(FrmCOMSettingsLoadTest, FirstPaint_OnceOnly) {
   EXPECT_FALSE(form.chkUseRedirector.checked());
 }
 
-TEST_F(FrmCOMSettingsLoadTest, FirstPaint_ChangesNothingOfTheTransport) {
+TEST_F(frmCOMSettingsLoadTest, FirstPaint_ChangesNothingOfTheTransport) {
   SetEverything();
   const auto before = Settings(port_);
   Show();
@@ -215,7 +215,7 @@ TEST_F(FrmCOMSettingsLoadTest, FirstPaint_ChangesNothingOfTheTransport) {
   EXPECT_EQ(port_.SmartSwitch()->Style(), ESmartSwitchStyle3::ssBB8port);
 }
 
-TEST_F(FrmCOMSettingsLoadTest, FirstPaint_ValuesThatAreNotOffered_SelectNothing) {
+TEST_F(frmCOMSettingsLoadTest, FirstPaint_ValuesThatAreNotOffered_SelectNothing) {
   port_.SetMinBaudRate(EKespBaudRate3::brNone);
   port_.SetControllerStyle(EKespControllerStyle3::CS_MAXSTREAM);
   port_.SetParity(As<EKespParity3>(9));
@@ -231,7 +231,7 @@ TEST_F(FrmCOMSettingsLoadTest, FirstPaint_ValuesThatAreNotOffered_SelectNothing)
   EXPECT_EQ(form.cboBaudRate.selected(), nullptr);  // 9600 is out of the range by now
 }
 
-TEST_F(FrmCOMSettingsLoadTest, FirstPaint_FailureInside_IsShownAndTheDialogStays) {
+TEST_F(frmCOMSettingsLoadTest, FirstPaint_FailureInside_IsShownAndTheDialogStays) {
   port_.SetUseRFModem(true);
   Make();
   view_->on_changed = [&] {

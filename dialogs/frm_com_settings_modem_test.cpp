@@ -7,9 +7,8 @@ namespace kesp {
 namespace {
 
 constexpr wchar_t kTitle[] = L"Connect RF Modem";
-constexpr int kOkAnswer = 1;
 
-class FrmCOMSettingsModemTest : public FrmCOMSettingsTest {
+class frmCOMSettingsModemTest : public frmCOMSettingsTest {
  protected:
   using Modem = RFModemDialogFake::Modem;
 
@@ -38,14 +37,14 @@ class FrmCOMSettingsModemTest : public FrmCOMSettingsTest {
   }
 };
 
-TEST_F(FrmCOMSettingsModemTest, ModemNotUsed_ButtonIsOff) {
+TEST_F(frmCOMSettingsModemTest, ModemNotUsed_ButtonIsOff) {
   Show();
   ClickProperties();
   EXPECT_TRUE(user_.boxes().empty());
   EXPECT_TRUE(modem_dialog_.ports.empty());
 }
 
-TEST_F(FrmCOMSettingsModemTest, NoPortSelected_IsRefused) {
+TEST_F(frmCOMSettingsModemTest, NoPortSelected_IsRefused) {
   ports_.codes.clear();
   ShowWithModem();
   const auto before = Settings(port_);
@@ -57,7 +56,7 @@ TEST_F(FrmCOMSettingsModemTest, NoPortSelected_IsRefused) {
   EXPECT_TRUE(form_->is_open());
 }
 
-TEST_F(FrmCOMSettingsModemTest, At9600_AsksWithoutNote) {
+TEST_F(frmCOMSettingsModemTest, At9600_AsksWithoutNote) {
   Choose(ShowWithModem().icboCOMPort, L"COM3");
   ClickProperties();
   ExpectBox(kTitle,
@@ -66,7 +65,7 @@ TEST_F(FrmCOMSettingsModemTest, At9600_AsksWithoutNote) {
             65);
 }
 
-TEST_F(FrmCOMSettingsModemTest, AtAnotherRate_AsksWithNoteBehindTwoCarriageReturns) {
+TEST_F(frmCOMSettingsModemTest, AtAnotherRate_AsksWithNoteBehindTwoCarriageReturns) {
   AllowRates(8, 13, 10);
   ShowWithModem();
   ClickProperties();
@@ -77,7 +76,7 @@ TEST_F(FrmCOMSettingsModemTest, AtAnotherRate_AsksWithNoteBehindTwoCarriageRetur
             65);
 }
 
-TEST_F(FrmCOMSettingsModemTest, NoRateSelected_AsksWithoutOne_AndTheTransportRefusesIt) {
+TEST_F(frmCOMSettingsModemTest, NoRateSelected_AsksWithoutOne_AndTheTransportRefusesIt) {
   AllowRates(8, 10, 10);
   frmCOMSettings& form = ShowWithModem(kEverything);
   Choose(form.cboMinBaudRate, L"57600");
@@ -100,7 +99,7 @@ TEST_F(FrmCOMSettingsModemTest, NoRateSelected_AsksWithoutOne_AndTheTransportRef
   EXPECT_TRUE(form.is_open());
 }
 
-TEST_F(FrmCOMSettingsModemTest, Asked_AtATimeWhenNothingIsWritten) {
+TEST_F(frmCOMSettingsModemTest, Asked_AtATimeWhenNothingIsWritten) {
   AllowRates(0, 13, 10);
   Choose(ShowWithModem().icboCOMPort, L"COM3");
   const auto before = Settings(port_);
@@ -110,7 +109,7 @@ TEST_F(FrmCOMSettingsModemTest, Asked_AtATimeWhenNothingIsWritten) {
   EXPECT_TRUE(unchanged);
 }
 
-TEST_F(FrmCOMSettingsModemTest, Cancelled_WritesAndShowsNothing) {
+TEST_F(frmCOMSettingsModemTest, Cancelled_WritesAndShowsNothing) {
   Choose(ShowWithModem().icboCOMPort, L"COM3");
   const auto before = Settings(port_);
   user_.Answer(kCancelAnswer);
@@ -121,7 +120,7 @@ TEST_F(FrmCOMSettingsModemTest, Cancelled_WritesAndShowsNothing) {
   EXPECT_TRUE(form_->is_open());
 }
 
-TEST_F(FrmCOMSettingsModemTest, BoxCannotBeShown_WritesNothingAndAsksNoModem) {
+TEST_F(frmCOMSettingsModemTest, BoxCannotBeShown_WritesNothingAndAsksNoModem) {
   ShowWithModem();
   const auto before = Settings(port_);
   user_.Answer(0);
@@ -130,7 +129,7 @@ TEST_F(FrmCOMSettingsModemTest, BoxCannotBeShown_WritesNothingAndAsksNoModem) {
   EXPECT_TRUE(modem_dialog_.ports.empty());
 }
 
-TEST_F(FrmCOMSettingsModemTest, Accepted_WritesTheTransportAndShowsTheDialog) {
+TEST_F(frmCOMSettingsModemTest, Accepted_WritesTheTransportAndShowsTheDialog) {
   AllowRates(0, 13, 10);
   port_.SetRFModemPropHCID(815);
   Choose(ShowWithModem().icboCOMPort, L"COM3");
@@ -143,7 +142,7 @@ TEST_F(FrmCOMSettingsModemTest, Accepted_WritesTheTransportAndShowsTheDialog) {
   EXPECT_TRUE(form_->is_open());
 }
 
-TEST_F(FrmCOMSettingsModemTest, Accepted_WritesNothingElse) {
+TEST_F(frmCOMSettingsModemTest, Accepted_WritesNothingElse) {
   frmCOMSettings& form = ShowWithModem(kEverything);
   Click(form.chkUseRedirector);
   Click(form.chkUseSmartSwitch);
@@ -157,7 +156,7 @@ TEST_F(FrmCOMSettingsModemTest, Accepted_WritesNothingElse) {
   EXPECT_TRUE(Settings(port_) == before);
 }
 
-TEST_F(FrmCOMSettingsModemTest, NewRangeBelowTheOldOne_HighestIsSetFirst) {
+TEST_F(frmCOMSettingsModemTest, NewRangeBelowTheOldOne_HighestIsSetFirst) {
   // Setting the lowest rate to 1200 first would be refused here.
   port_.SetMinBaudRate(EKespBaudRate3::br150);
   port_.SetMaxBaudRate(EKespBaudRate3::br600);
@@ -169,7 +168,7 @@ TEST_F(FrmCOMSettingsModemTest, NewRangeBelowTheOldOne_HighestIsSetFirst) {
   ExpectShownOnceWith({1, EKespBaudRate3::br115200, EKespBaudRate3::br1200, EKespBaudRate3::br9600, true});
 }
 
-TEST_F(FrmCOMSettingsModemTest, RangeAboveTheModems_IsShownAndOnlyThePortIsWritten) {
+TEST_F(frmCOMSettingsModemTest, RangeAboveTheModems_IsShownAndOnlyThePortIsWritten) {
   AllowRates(11, 13, 11);
   Choose(ShowWithModem().icboCOMPort, L"COM3");
   ClickProperties();
@@ -183,7 +182,7 @@ TEST_F(FrmCOMSettingsModemTest, RangeAboveTheModems_IsShownAndOnlyThePortIsWritt
   EXPECT_TRUE(modem_dialog_.ports.empty());
 }
 
-TEST_F(FrmCOMSettingsModemTest, DialogFails_IsShownAndTheWritesStay) {
+TEST_F(frmCOMSettingsModemTest, DialogFails_IsShownAndTheWritesStay) {
   ShowWithModem();
   modem_dialog_.on_show = [] { throw std::runtime_error("no window"); };
   ClickProperties();
@@ -195,7 +194,7 @@ TEST_F(FrmCOMSettingsModemTest, DialogFails_IsShownAndTheWritesStay) {
   EXPECT_TRUE(form_->is_open());
 }
 
-TEST_F(FrmCOMSettingsModemTest, Writes_StayWhenTheFormIsCancelled) {
+TEST_F(frmCOMSettingsModemTest, Writes_StayWhenTheFormIsCancelled) {
   Choose(ShowWithModem().icboCOMPort, L"COM3");
   ClickProperties();
   Click(form_->cmdOKCancelHelp[Form::kCancel]);

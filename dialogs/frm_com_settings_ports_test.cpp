@@ -7,9 +7,9 @@
 namespace kesp {
 namespace {
 
-class FrmCOMSettingsPortsTest : public FrmCOMSettingsTest {};
+class frmCOMSettingsPortsTest : public frmCOMSettingsTest {};
 
-TEST_F(FrmCOMSettingsPortsTest, EachTriedOnceInOrder) {
+TEST_F(frmCOMSettingsPortsTest, EachTriedOnceInOrder) {
   ports_.codes = {{1, 5}, {2, 31}, {256, 0}};
   Show();
   std::vector<std::int16_t> expected;
@@ -17,13 +17,13 @@ TEST_F(FrmCOMSettingsPortsTest, EachTriedOnceInOrder) {
   EXPECT_EQ(ports_.asked, expected);
 }
 
-TEST_F(FrmCOMSettingsPortsTest, InUseNotListed_OtherAnswersAre) {
+TEST_F(frmCOMSettingsPortsTest, InUseNotListed_OtherAnswersAre) {
   ports_.codes = {{1, 5}, {2, 31}, {10, 0}, {256, 0}};
   EXPECT_EQ(Described(Show().icboCOMPort.entries()),
             (Lines{L"COM2 2 [COMPort]", L"COM10 10 [COMPort]", L"COM256 256 [COMPort]"}));
 }
 
-TEST_F(FrmCOMSettingsPortsTest, All_OnesOwnIsSelected) {
+TEST_F(frmCOMSettingsPortsTest, All_OnesOwnIsSelected) {
   ports_.code = 0;
   port_.SetPort(256);
   const frmCOMSettings& form = Show();
@@ -34,7 +34,7 @@ TEST_F(FrmCOMSettingsPortsTest, All_OnesOwnIsSelected) {
   EXPECT_EQ(Selected(form.icboCOMPort), L"COM256");
 }
 
-TEST_F(FrmCOMSettingsPortsTest, OnesOwnAbsent_FirstIsSelected) {
+TEST_F(frmCOMSettingsPortsTest, OnesOwnAbsent_FirstIsSelected) {
   ports_.codes = {{17, 0}};
   EXPECT_EQ(Selected(Show().icboCOMPort), L"COM17");
   ports_.codes = {{16, 0}, {18, 0}};
@@ -42,7 +42,7 @@ TEST_F(FrmCOMSettingsPortsTest, OnesOwnAbsent_FirstIsSelected) {
   EXPECT_EQ(Selected(Show().icboCOMPort), L"COM16");
 }
 
-TEST_F(FrmCOMSettingsPortsTest, None_NothingIsSelected) {
+TEST_F(frmCOMSettingsPortsTest, None_NothingIsSelected) {
   ports_.codes.clear();
   const frmCOMSettings& form = Show();
   EXPECT_TRUE(form.icboCOMPort.entries().empty());
@@ -51,7 +51,7 @@ TEST_F(FrmCOMSettingsPortsTest, None_NothingIsSelected) {
   EXPECT_TRUE(user_.boxes().empty());
 }
 
-TEST_F(FrmCOMSettingsPortsTest, LookedForUnderTheBusyPointer) {
+TEST_F(frmCOMSettingsPortsTest, LookedForUnderTheBusyPointer) {
   std::set<MousePointer> seen;
   ports_.on_question = [&](std::int16_t) { seen.insert(user_.pointer()); };
   Make();
@@ -59,7 +59,7 @@ TEST_F(FrmCOMSettingsPortsTest, LookedForUnderTheBusyPointer) {
   EXPECT_EQ(user_.pointer(), MousePointer::kDefault);
 }
 
-TEST_F(FrmCOMSettingsPortsTest, CannotBeFoundOut_IsShownAndTheOthersAreListed) {
+TEST_F(frmCOMSettingsPortsTest, CannotBeFoundOut_IsShownAndTheOthersAreListed) {
   ports_.codes = {{1, 0}, {3, 0}, {4, 0}};
   ports_.on_question = [&](std::int16_t port) {
     if (port == 2 || port == 3) throw std::runtime_error("out of order");

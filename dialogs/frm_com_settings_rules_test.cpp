@@ -8,7 +8,7 @@ constexpr wchar_t kConflict[] =
     L"You cannot use the RF modem (wireless) feature and the IR dongle simultaneously.";
 constexpr wchar_t kConflictTitle[] = L"RF Modem / IR Conflict";
 
-class FrmCOMSettingsRulesTest : public FrmCOMSettingsTest {
+class frmCOMSettingsRulesTest : public frmCOMSettingsTest {
  protected:
   // A pair of lists chosen by the user, and what becomes of the list of rates.
   void ExpectRange(const wchar_t* minimum, const wchar_t* maximum, std::size_t rates,
@@ -26,7 +26,7 @@ class FrmCOMSettingsRulesTest : public FrmCOMSettingsTest {
   }
 };
 
-TEST_F(FrmCOMSettingsRulesTest, ControllerStyle_WrittenAtOnceWithItsFraming_AndNotUndoneByCancel) {
+TEST_F(frmCOMSettingsRulesTest, ControllerStyle_WrittenAtOnceWithItsFraming_AndNotUndoneByCancel) {
   frmCOMSettings& form = Show();
   Choose(form.cboParity, L"Space");
   Choose(form.cboStopBits, L"2 bits");
@@ -40,7 +40,7 @@ TEST_F(FrmCOMSettingsRulesTest, ControllerStyle_WrittenAtOnceWithItsFraming_AndN
   EXPECT_EQ(port_.GetSettings(), L"9600,E,7,1");
 }
 
-TEST_F(FrmCOMSettingsRulesTest, ControllerStyle_WritesNothingElse) {
+TEST_F(frmCOMSettingsRulesTest, ControllerStyle_WritesNothingElse) {
   port_.SetControllerStyle(EKespControllerStyle3::CS_OMEGA);
   frmCOMSettings& form = Show();
   Choose(form.icboCOMPort, L"COM3");
@@ -56,7 +56,7 @@ TEST_F(FrmCOMSettingsRulesTest, ControllerStyle_WritesNothingElse) {
   EXPECT_EQ(form.txtTimeout.text(), L"500");
 }
 
-TEST_F(FrmCOMSettingsRulesTest, UseRFModem_FixesTheRateUntilItIsUnchecked) {
+TEST_F(frmCOMSettingsRulesTest, UseRFModem_FixesTheRateUntilItIsUnchecked) {
   AllowRates(0, 13, 10);
   frmCOMSettings& form = Show();
   Click(form.chkUseRFModem);
@@ -73,7 +73,7 @@ TEST_F(FrmCOMSettingsRulesTest, UseRFModem_FixesTheRateUntilItIsUnchecked) {
   EXPECT_FALSE(port_.UseRFModem());
 }
 
-TEST_F(FrmCOMSettingsRulesTest, UseRFModem_RateNotInTheList_StaysTheUsersChoice) {
+TEST_F(frmCOMSettingsRulesTest, UseRFModem_RateNotInTheList_StaysTheUsersChoice) {
   AllowRates(9, 13, 10);
   const frmCOMSettings& form = Show();
   Click(form_->chkUseRFModem);
@@ -85,7 +85,7 @@ TEST_F(FrmCOMSettingsRulesTest, UseRFModem_RateNotInTheList_StaysTheUsersChoice)
   EXPECT_TRUE(form.txtInstrAddress.enabled());
 }
 
-TEST_F(FrmCOMSettingsRulesTest, UseRFModem_WithTheDongle_UnchecksItAndSaysSo) {
+TEST_F(frmCOMSettingsRulesTest, UseRFModem_WithTheDongle_UnchecksItAndSaysSo) {
   port_.SetUseIRDongle(true);
   Show();
   user_.SetPointer(MousePointer::kBusy);
@@ -97,7 +97,7 @@ TEST_F(FrmCOMSettingsRulesTest, UseRFModem_WithTheDongle_UnchecksItAndSaysSo) {
                    L"cmdRFProperties enabled", L"lblInstrAddress enabled", L"txtInstrAddress enabled"}));
 }
 
-TEST_F(FrmCOMSettingsRulesTest, UseIRDongle_WithTheModem_UnchecksItAndSaysSo) {
+TEST_F(frmCOMSettingsRulesTest, UseIRDongle_WithTheModem_UnchecksItAndSaysSo) {
   port_.SetUseRFModem(true);
   Show();
   user_.SetPointer(MousePointer::kBusy);
@@ -108,14 +108,14 @@ TEST_F(FrmCOMSettingsRulesTest, UseIRDongle_WithTheModem_UnchecksItAndSaysSo) {
                             L"txtInstrAddress disabled", L"Box RF Modem / IR Conflict"}));
 }
 
-TEST_F(FrmCOMSettingsRulesTest, UseIRDongle_Alone_ChangesNothingElse) {
+TEST_F(frmCOMSettingsRulesTest, UseIRDongle_Alone_ChangesNothingElse) {
   Show();
   Click(form_->chkUseIRDongle);
   Click(form_->chkUseIRDongle);
   EXPECT_EQ(record_, (Lines{L"chkUseIRDongle checked", L"chkUseIRDongle unchecked"}));
 }
 
-TEST_F(FrmCOMSettingsRulesTest, Load_TransportHasBoth_ModemWinsAndItIsSaid) {
+TEST_F(frmCOMSettingsRulesTest, Load_TransportHasBoth_ModemWinsAndItIsSaid) {
   port_.SetUseIRDongle(true);
   port_.SetUseRFModem(true);
   Make().FirstPaint();
@@ -129,7 +129,7 @@ TEST_F(FrmCOMSettingsRulesTest, Load_TransportHasBoth_ModemWinsAndItIsSaid) {
   EXPECT_TRUE(port_.UseIRDongle());
 }
 
-TEST_F(FrmCOMSettingsRulesTest, Load_TransportHasBoth_DongleNotShown_NoConflict) {
+TEST_F(frmCOMSettingsRulesTest, Load_TransportHasBoth_DongleNotShown_NoConflict) {
   port_.SetUseIRDongle(true);
   port_.SetUseRFModem(true);
   Show(kNothing);
@@ -138,7 +138,7 @@ TEST_F(FrmCOMSettingsRulesTest, Load_TransportHasBoth_DongleNotShown_NoConflict)
   EXPECT_FALSE(form_->chkUseIRDongle.checked());
 }
 
-TEST_F(FrmCOMSettingsRulesTest, UseSmartSwitch_EnablesItsStyleAndItsTest) {
+TEST_F(frmCOMSettingsRulesTest, UseSmartSwitch_EnablesItsStyleAndItsTest) {
   Show();
   Click(form_->chkUseSmartSwitch);
   Click(form_->chkUseSmartSwitch);
@@ -149,7 +149,7 @@ TEST_F(FrmCOMSettingsRulesTest, UseSmartSwitch_EnablesItsStyleAndItsTest) {
   EXPECT_FALSE(port_.UseSmartSwitch());
 }
 
-TEST_F(FrmCOMSettingsRulesTest, TestSmartSwitch_RunsWithWhatIsSaved) {
+TEST_F(frmCOMSettingsRulesTest, TestSmartSwitch_RunsWithWhatIsSaved) {
   environment_.clock.SetStepPerReading(1);
   frmCOMSettings& form = Show();
   std::string opened;
@@ -174,7 +174,7 @@ TEST_F(FrmCOMSettingsRulesTest, TestSmartSwitch_RunsWithWhatIsSaved) {
   EXPECT_TRUE(form.is_open());
 }
 
-TEST_F(FrmCOMSettingsRulesTest, TestSmartSwitch_ClicksMeanwhileDoNothing) {
+TEST_F(frmCOMSettingsRulesTest, TestSmartSwitch_ClicksMeanwhileDoNothing) {
   environment_.clock.SetStepPerReading(1);
   frmCOMSettings& form = Show();
   Click(form.chkUseSmartSwitch);
@@ -196,7 +196,7 @@ TEST_F(FrmCOMSettingsRulesTest, TestSmartSwitch_ClicksMeanwhileDoNothing) {
   EXPECT_TRUE(user_.boxes().empty());
 }
 
-TEST_F(FrmCOMSettingsRulesTest, TestSmartSwitch_ClosedMeanwhile_EndsAsCancelled) {
+TEST_F(frmCOMSettingsRulesTest, TestSmartSwitch_ClosedMeanwhile_EndsAsCancelled) {
   environment_.clock.SetStepPerReading(1);
   frmCOMSettings& form = Show();
   Click(form.chkUseSmartSwitch);
@@ -208,14 +208,14 @@ TEST_F(FrmCOMSettingsRulesTest, TestSmartSwitch_ClosedMeanwhile_EndsAsCancelled)
   EXPECT_TRUE(form.bCancel());
 }
 
-TEST_F(FrmCOMSettingsRulesTest, TestSmartSwitch_NotEnabled_DoesNothing) {
+TEST_F(frmCOMSettingsRulesTest, TestSmartSwitch_NotEnabled_DoesNothing) {
   environment_.clock.SetStepPerReading(1);
   Show();
   Click(form_->cmdTestSmartSwitch);
   EXPECT_TRUE(ports_.line.writes.empty());
 }
 
-TEST_F(FrmCOMSettingsRulesTest, TestSmartSwitch_Failure_IsShownOnce) {
+TEST_F(frmCOMSettingsRulesTest, TestSmartSwitch_Failure_IsShownOnce) {
   port_.SetUseSmartSwitch(true);
   ports_.line.open_failures = {8005};
   Show();
@@ -227,7 +227,7 @@ TEST_F(FrmCOMSettingsRulesTest, TestSmartSwitch_Failure_IsShownOnce) {
   EXPECT_TRUE(form_->is_open());
 }
 
-TEST_F(FrmCOMSettingsRulesTest, RateRange_Chosen_Leaves150OrNothing) {
+TEST_F(frmCOMSettingsRulesTest, RateRange_Chosen_Leaves150OrNothing) {
   ExpectRange(L"150", L"9600", 7, L"150");
   ExpectRange(L"150", L"150", 1, L"150");
   ExpectRange(L"300", L"9600", 6, L"");
@@ -235,7 +235,7 @@ TEST_F(FrmCOMSettingsRulesTest, RateRange_Chosen_Leaves150OrNothing) {
   ExpectRange(L"9600", L"300", 0, L"");
 }
 
-TEST_F(FrmCOMSettingsRulesTest, RateRange_ChosenWithTheModemInUse_TakesItsRateAway) {
+TEST_F(frmCOMSettingsRulesTest, RateRange_ChosenWithTheModemInUse_TakesItsRateAway) {
   frmCOMSettings& form = Show();
   Click(form.chkUseRFModem);
   Choose(form.cboMaxBaudRate, L"57600");
@@ -246,7 +246,7 @@ TEST_F(FrmCOMSettingsRulesTest, RateRange_ChosenWithTheModemInUse_TakesItsRateAw
   EXPECT_EQ(Selected(form.cboBaudRate), L"9600");
 }
 
-TEST_F(FrmCOMSettingsRulesTest, RateRange_EachListCounts_AndTheTransportIsLeftAlone) {
+TEST_F(frmCOMSettingsRulesTest, RateRange_EachListCounts_AndTheTransportIsLeftAlone) {
   frmCOMSettings& form = Show();
   Choose(form.cboMinBaudRate, L"9600");
   EXPECT_EQ(record_, (Lines{L"cboMinBaudRate selects 9600", L"cboBaudRate filled"}));
@@ -261,7 +261,7 @@ TEST_F(FrmCOMSettingsRulesTest, RateRange_EachListCounts_AndTheTransportIsLeftAl
   EXPECT_EQ(port_.MaxBaudRate(), EKespBaudRate3::br921600);
 }
 
-TEST_F(FrmCOMSettingsRulesTest, RateRange_NothingSelectedCountsAsNone) {
+TEST_F(frmCOMSettingsRulesTest, RateRange_NothingSelectedCountsAsNone) {
   port_.SetMinBaudRate(EKespBaudRate3::brNone);
   frmCOMSettings& form = Show();
   Choose(form.cboMaxBaudRate, L"300");
@@ -269,7 +269,7 @@ TEST_F(FrmCOMSettingsRulesTest, RateRange_NothingSelectedCountsAsNone) {
   EXPECT_EQ(Selected(form.cboBaudRate), L"150");
 }
 
-TEST_F(FrmCOMSettingsRulesTest, Tabs_ShowExactlyTheirFrame) {
+TEST_F(frmCOMSettingsRulesTest, Tabs_ShowExactlyTheirFrame) {
   Show();
   form_->Use([&] { form_->tabSettings.Choose(2); });
   EXPECT_EQ(record_, (Lines{L"tabSettings selects a page", L"framSettings(0) hidden",
@@ -282,7 +282,7 @@ TEST_F(FrmCOMSettingsRulesTest, Tabs_ShowExactlyTheirFrame) {
   EXPECT_FALSE(form_->framSettings[1].visible());
 }
 
-TEST_F(FrmCOMSettingsRulesTest, Keys_TimeoutTakesSignsAndTheAddressDigits) {
+TEST_F(frmCOMSettingsRulesTest, Keys_TimeoutTakesSignsAndTheAddressDigits) {
   frmCOMSettings& form = Show();
   EXPECT_EQ(form.KeyPress(form.txtTimeout, L'-'), L'-');
   EXPECT_EQ(form.KeyPress(form.txtTimeout, L'a'), 0);
@@ -290,7 +290,7 @@ TEST_F(FrmCOMSettingsRulesTest, Keys_TimeoutTakesSignsAndTheAddressDigits) {
   EXPECT_EQ(form.KeyPress(form.txtInstrAddress, L'7'), L'7');
 }
 
-TEST_F(FrmCOMSettingsRulesTest, Focus_SelectsTheText_AndLeavingClampsTheTimeoutOnly) {
+TEST_F(frmCOMSettingsRulesTest, Focus_SelectsTheText_AndLeavingClampsTheTimeoutOnly) {
   frmCOMSettings& form = Show();
   for (TextBox* box : {&form.txtTimeout, &form.txtInstrAddress}) {
     box->Type(L"70000");

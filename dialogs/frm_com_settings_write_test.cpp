@@ -4,7 +4,7 @@
 namespace kesp {
 namespace {
 
-class FrmCOMSettingsWriteTest : public FrmCOMSettingsTest {
+class frmCOMSettingsWriteTest : public frmCOMSettingsTest {
  protected:
   // Another choice for everything that has one; lowest, highest and present rate as given.
   void ChangeEverything(const wchar_t* minimum = L"600", const wchar_t* maximum = L"38400",
@@ -53,7 +53,7 @@ class FrmCOMSettingsWriteTest : public FrmCOMSettingsTest {
   }
 };
 
-TEST_F(FrmCOMSettingsWriteTest, OK_WritesEverythingAndCloses) {
+TEST_F(frmCOMSettingsWriteTest, OK_WritesEverythingAndCloses) {
   Show();
   ChangeEverything();
   ExpectWritten(Upto::kNothing);
@@ -64,7 +64,7 @@ TEST_F(FrmCOMSettingsWriteTest, OK_WritesEverythingAndCloses) {
   EXPECT_TRUE(user_.boxes().empty());
 }
 
-TEST_F(FrmCOMSettingsWriteTest, OK_NothingChanged_LeavesEverything) {
+TEST_F(frmCOMSettingsWriteTest, OK_NothingChanged_LeavesEverything) {
   port_.SetUseRFModem(true);
   port_.SetInstrAddr(9);
   const auto before = Settings(port_);
@@ -74,7 +74,7 @@ TEST_F(FrmCOMSettingsWriteTest, OK_NothingChanged_LeavesEverything) {
   EXPECT_TRUE(Settings(port_) == before);
 }
 
-TEST_F(FrmCOMSettingsWriteTest, OK_WithModem_WritesItsUseItsRateAndItsAddress) {
+TEST_F(frmCOMSettingsWriteTest, OK_WithModem_WritesItsUseItsRateAndItsAddress) {
   AllowRates(0, 13, 10);
   Show(kNothing);
   Click(form_->chkUseRFModem);
@@ -85,7 +85,7 @@ TEST_F(FrmCOMSettingsWriteTest, OK_WithModem_WritesItsUseItsRateAndItsAddress) {
   EXPECT_EQ(port_.InstrAddr(), 12);
 }
 
-TEST_F(FrmCOMSettingsWriteTest, OK_NewTransport_OffersTheUnknownRateAndLeavesIt) {
+TEST_F(frmCOMSettingsWriteTest, OK_NewTransport_OffersTheUnknownRateAndLeavesIt) {
   AllowNoRate();
   const auto before = Settings(port_);
   const frmCOMSettings& form = Show();
@@ -96,7 +96,7 @@ TEST_F(FrmCOMSettingsWriteTest, OK_NewTransport_OffersTheUnknownRateAndLeavesIt)
   EXPECT_TRUE(Settings(port_) == before);
 }
 
-TEST_F(FrmCOMSettingsWriteTest, OK_PagesNotShown_AreNotWritten) {
+TEST_F(frmCOMSettingsWriteTest, OK_PagesNotShown_AreNotWritten) {
   port_.SetUseIRDongle(true);
   port_.SmartSwitch()->SetStyle(ESmartSwitchStyle3::ssBB4port);
   const auto before = Settings(port_);
@@ -110,7 +110,7 @@ TEST_F(FrmCOMSettingsWriteTest, OK_PagesNotShown_AreNotWritten) {
   EXPECT_EQ(port_.SmartSwitch()->Style(), ESmartSwitchStyle3::ssBB4port);
 }
 
-TEST_F(FrmCOMSettingsWriteTest, OK_ValuesThatAreNotOffered_AreLeft) {
+TEST_F(frmCOMSettingsWriteTest, OK_ValuesThatAreNotOffered_AreLeft) {
   port_.SetControllerStyle(EKespControllerStyle3::CS_PRECIDIA);
   port_.SetParity(As<EKespParity3>(9));
   port_.SetDataBits(As<EKespDataBits3>(-2));
@@ -124,7 +124,7 @@ TEST_F(FrmCOMSettingsWriteTest, OK_ValuesThatAreNotOffered_AreLeft) {
   EXPECT_EQ(port_.SmartSwitch()->Style(), ESmartSwitchStyle3::ssBB4port);
 }
 
-TEST_F(FrmCOMSettingsWriteTest, OK_FramingIsWrittenBehindTheControllerStyle) {
+TEST_F(frmCOMSettingsWriteTest, OK_FramingIsWrittenBehindTheControllerStyle) {
   Show();
   Choose(form_->cboControllerStyle, L"Omega 847/848");
   Choose(form_->cboParity, L"Odd");
@@ -135,7 +135,7 @@ TEST_F(FrmCOMSettingsWriteTest, OK_FramingIsWrittenBehindTheControllerStyle) {
   EXPECT_EQ(port_.GetSettings(), L"9600,O,8,2");
 }
 
-TEST_F(FrmCOMSettingsWriteTest, OK_ControllerStyleIsWrittenAnew) {
+TEST_F(frmCOMSettingsWriteTest, OK_ControllerStyleIsWrittenAnew) {
   Show();
   Choose(form_->cboControllerStyle, L"Omega 847/848");
   // A program meanwhile; the list still shows the user's choice.
@@ -144,7 +144,7 @@ TEST_F(FrmCOMSettingsWriteTest, OK_ControllerStyleIsWrittenAnew) {
   EXPECT_EQ(port_.ControllerStyle(), EKespControllerStyle3::CS_OMEGA);
 }
 
-TEST_F(FrmCOMSettingsWriteTest, OK_TimeoutConfirmedWithoutLeavingItsBox_IsWrittenAsItStands) {
+TEST_F(frmCOMSettingsWriteTest, OK_TimeoutConfirmedWithoutLeavingItsBox_IsWrittenAsItStands) {
   for (const auto& [text, time_out] :
        {std::pair{L"50", 50}, std::pair{L"20000", 20000}, std::pair{L"", 0}, std::pair{L"250.5", 250}}) {
     Show();
@@ -155,7 +155,7 @@ TEST_F(FrmCOMSettingsWriteTest, OK_TimeoutConfirmedWithoutLeavingItsBox_IsWritte
   }
 }
 
-TEST_F(FrmCOMSettingsWriteTest, OK_MinimumAboveTheOldMaximum_IsRefusedAtOnce) {
+TEST_F(frmCOMSettingsWriteTest, OK_MinimumAboveTheOldMaximum_IsRefusedAtOnce) {
   AllowRates(0, 6, 6);
   const auto before = Settings(port_);
   Show();
@@ -170,7 +170,7 @@ TEST_F(FrmCOMSettingsWriteTest, OK_MinimumAboveTheOldMaximum_IsRefusedAtOnce) {
   EXPECT_TRUE(Settings(port_) == before);
 }
 
-TEST_F(FrmCOMSettingsWriteTest, OK_MaximumBelowTheOldMinimum_FollowsTheMinimum) {
+TEST_F(frmCOMSettingsWriteTest, OK_MaximumBelowTheOldMinimum_FollowsTheMinimum) {
   AllowRates(6, 8, 6);
   Show();
   ChangeEverything(L"150", L"300", L"300");
@@ -181,7 +181,7 @@ TEST_F(FrmCOMSettingsWriteTest, OK_MaximumBelowTheOldMinimum_FollowsTheMinimum) 
   EXPECT_EQ(port_.BaudRate(), EKespBaudRate3::br300);
 }
 
-TEST_F(FrmCOMSettingsWriteTest, OK_TimeoutRefused_RangeAndChecksAreWritten) {
+TEST_F(frmCOMSettingsWriteTest, OK_TimeoutRefused_RangeAndChecksAreWritten) {
   Show();
   ChangeEverything();
   form_->txtTimeout.Type(L"-5");
@@ -200,7 +200,7 @@ TEST_F(FrmCOMSettingsWriteTest, OK_TimeoutRefused_RangeAndChecksAreWritten) {
   EXPECT_FALSE(form_->bCancel());
 }
 
-TEST_F(FrmCOMSettingsWriteTest, OK_TimeoutWithoutRoomIn32Bits_RangeAndChecksAreWritten) {
+TEST_F(frmCOMSettingsWriteTest, OK_TimeoutWithoutRoomIn32Bits_RangeAndChecksAreWritten) {
   Show();
   ChangeEverything();
   form_->txtTimeout.Type(L"3000000000");
@@ -209,7 +209,7 @@ TEST_F(FrmCOMSettingsWriteTest, OK_TimeoutWithoutRoomIn32Bits_RangeAndChecksAreW
   ExpectWritten(Upto::kChecks);
 }
 
-TEST_F(FrmCOMSettingsWriteTest, OK_RateRefused_SwitchAndPortAreWritten) {
+TEST_F(frmCOMSettingsWriteTest, OK_RateRefused_SwitchAndPortAreWritten) {
   frmCOMSettings& form = Show({.show_smart_switch_page = true, .show_ir_dongle = true});
   Click(form.chkUseSmartSwitch);
   Choose(form.icboSmartSwitchStyle, L"8-port");

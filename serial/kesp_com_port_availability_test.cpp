@@ -1,5 +1,4 @@
 // Unit tests around the serial transport's port: availability, buffers, input mode, and the log's lines.
-// adapter.
 #include <string>
 #include <vector>
 

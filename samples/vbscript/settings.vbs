@@ -4,6 +4,9 @@
 Option Explicit
 Const csRS232 = 0
 Const csTCPIP = 1
+Const sckTCPProtocol = 0
+Const sckUDPProtocol = 1
+Const ipDynamic = 1
 Const ecfShowRS232ExtendedTab = 1
 Const ecfShowTCPExtendedTab = 8
 Const br300 = 1
@@ -36,6 +39,9 @@ If Not comm.Edit(ecfShowRS232ExtendedTab Or ecfShowTCPExtendedTab) Then
     WScript.Echo "cancelled"
     WScript.Quit 1
 End If
+If transport = "tcp" Then
+    If comm.CommObject.IPType = ipDynamic Then TakeFirstFound
+End If
 With comm.CommObject
     If transport = "tcp" Then
         WScript.Echo "address:     " & .IPAddress
@@ -60,6 +66,23 @@ End If
 WScript.Echo "status:      " & comm.CommError
 WScript.Echo "trace file:  " & comm.DebugFilename
 If Not succeeded Then WScript.Quit 1
+
+' The library only keeps the choice of auto-discovery: to look for the instrument is up to the program.
+Sub TakeFirstFound
+    Dim tcp, answer, found, instrument
+    Set tcp = comm.CommObject
+    tcp.Protocol = sckUDPProtocol
+    found = comm.DetectInstrument(answer)
+    tcp.Protocol = sckTCPProtocol
+    If Not found Then
+        WScript.Echo "nobody answered"
+        WScript.Quit 1
+    End If
+    For Each instrument In tcp.Devices
+        tcp.IPAddress = instrument.IPAddress
+        Exit For
+    Next
+End Sub
 
 Function Argument(position, default)
     Argument = default

@@ -1,5 +1,6 @@
 // The RS-232 dialog's window: what it shows on each page, and how its controls act on one another.
 #include "dialog_stage.h"
+#include "dialogs/common_controls_win.h"
 
 namespace kesp {
 namespace {
@@ -76,6 +77,9 @@ TEST_F(ComDialogWinTest, Lists_HaveTheirEntriesAndShowWhatIsSet) {
     EXPECT_EQ(user.Entries(ID_ICBO_COM_PORT), (Texts{L"COM1", L"COM3", L"COM7"}));
     EXPECT_EQ(user.Selection(ID_ICBO_COM_PORT), 1);
     EXPECT_EQ(user.Images(ID_ICBO_COM_PORT), (Numbers{0, 0, 0}));
+    // That of a COM port, and that of an infrared one.
+    const LRESULT images = Ask(user.Control(ID_ICBO_COM_PORT), CBEM_GETIMAGELIST);
+    EXPECT_EQ(ImageList_GetImageCount(reinterpret_cast<HIMAGELIST>(images)), 2);
     EXPECT_EQ(user.Entries(ID_CBO_BAUD_RATE), (Texts{L"300", L"600", L"1200", L"2400", L"4800", L"9600",
                                                      L"19200", L"38400", L"57600", L"115200"}));
     EXPECT_EQ(user.Selection(ID_CBO_BAUD_RATE), 8);
