@@ -16,6 +16,12 @@ std::wstring TextOf(HWND window) {
   return text;
 }
 
+// For EnumChildWindows, with a vector of windows.
+BOOL CALLBACK AddTo(HWND window, LPARAM windows) {
+  reinterpret_cast<std::vector<HWND>*>(windows)->push_back(window);
+  return TRUE;
+}
+
 bool IsDown(int key) {
   return (GetKeyState(key) & 0x8000) != 0;
 }
@@ -151,13 +157,7 @@ void FormWindow::StepPage(const MSG& message) {
 // The system tells the dialog alone; its pages and their controls have colors of their own to renew.
 void FormWindow::OnColorsChanged(WPARAM first, LPARAM second) {
   std::vector<HWND> children;
-  EnumChildWindows(
-      dialog_,
-      [](HWND child, LPARAM list) -> BOOL {
-        reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&children));
+  EnumChildWindows(dialog_, &AddTo, reinterpret_cast<LPARAM>(&children));
   for (HWND child : children) SendMessageW(child, WM_SYSCOLORCHANGE, first, second);
 }
 
