@@ -6,7 +6,6 @@
 # The headers that nearly every test reads are compiled once for all of them. KESP_PRECOMPILE=OFF, as in the coverage
 # build, shows what a file forgot to include.
 include(GoogleTest)
-option(KESP_PRECOMPILE "Compile the headers that nearly every test reads once for all" ON)
 
 # Tests run for seconds, so compiling them takes longer than optimising saves. In their own code the sanitizers leave
 # out the checks of each pointer, a third of the compile time; the code under test has them all.
