@@ -28,16 +28,23 @@ if(KESP_PRECOMPILE)
     <functional> <map> <memory> <optional> <set> <string> <thread> <vector>)
 endif()
 
+# kesp_compile_as_test(<target>): the compiler settings and the precompiled headers of tests, for the target's own files,
+# which see the headers of GoogleTest.
+function(kesp_compile_as_test target)
+  target_link_libraries(${target} PRIVATE kesp_options kesp_test_options)
+  if(KESP_PRECOMPILE)
+    target_precompile_headers(${target} REUSE_FROM kesp_test_headers)
+  endif()
+endfunction()
+
 function(kesp_test_program name)
   cmake_parse_arguments(PROGRAM "UNIT" "" "SOURCES;USES" ${ARGN})
   if(PROGRAM_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "kesp_test_program does not know ${PROGRAM_UNPARSED_ARGUMENTS}")
   endif()
   add_executable(${name} ${PROGRAM_SOURCES})
-  target_link_libraries(${name} PRIVATE kesp_options ${PROGRAM_USES} GTest::gmock_main kesp_test_options)
-  if(KESP_PRECOMPILE)
-    target_precompile_headers(${name} REUSE_FROM kesp_test_headers)
-  endif()
+  target_link_libraries(${name} PRIVATE kesp_options ${PROGRAM_USES} GTest::gmock_main)
+  kesp_compile_as_test(${name})
   if(PROGRAM_UNIT)
     # A busy machine takes its time to list them; a name must not hold the bytes of a parameter.
     gtest_discover_tests(${name} TEST_PREFIX "unit." NO_PRETTY_VALUES DISCOVERY_TIMEOUT 120

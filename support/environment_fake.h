@@ -21,7 +21,8 @@ struct EnvironmentFake {
   UserSurfaceFake user;
   Environment environment{clock, pump, files, settings, guids, user};
 
-  EnvironmentFake() = default;
+  EnvironmentFake();
+  ~EnvironmentFake();
   EnvironmentFake(const EnvironmentFake&) = delete;
   EnvironmentFake& operator=(const EnvironmentFake&) = delete;
 };

@@ -1,10 +1,8 @@
 // What a call raised, in a form that tests can compare and print.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <cstdint>
-#include <ostream>
+#include <iosfwd>
 #include <string>
 
 #include "support/failure.h"
@@ -17,12 +15,11 @@ struct Raised {
   std::wstring source;
   std::wstring description;
 
-  friend bool operator==(const Raised&, const Raised&) = default;
-  friend std::ostream& operator<<(std::ostream& out, const Raised& raised) {
-    return out << raised.number << " " << testing::PrintToString(raised.source) << " "
-               << testing::PrintToString(raised.description);
-  }
+  friend bool operator==(const Raised& left, const Raised& right);
+  friend std::ostream& operator<<(std::ostream& out, const Raised& raised);
 };
+
+Raised PartsOf(const Failure& failure);
 
 // What the call raised; number 0 when nothing.
 template <typename Call>
@@ -30,7 +27,7 @@ Raised RaisedBy(const Call& call) {
   try {
     call();
   } catch (const Failure& failure) {
-    return {failure.number(), failure.source(), failure.description()};
+    return PartsOf(failure);
   }
   return {};
 }

@@ -3,12 +3,10 @@
 
 #include <functional>
 #include <map>
-#include <new>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "support/clock.h"
 #include "support/files.h"
@@ -26,85 +24,44 @@ class FilesFake final : public Files {
   // The operations that Refuse can make fail.
   enum class Operation { kLastModified, kAppend, kRename, kTemporaryFolder, kLibraryFile };
 
-  explicit FilesFake(Clock& clock) : clock_(clock) {}
+  explicit FilesFake(Clock& clock);
+  ~FilesFake() override;
 
-  bool Exists(const std::wstring& path) override {
-    CountCall();
-    return files_.contains(path);
-  }
-
-  std::optional<CalendarDate> LastModified(const std::wstring& path) override {
-    CountCall();
-    if (Refused(Operation::kLastModified) || !files_.contains(path)) return std::nullopt;
-    return files_.at(path).modified;
-  }
-
-  bool Append(const std::wstring& path, std::string_view bytes) override {
-    CountCall();
-    if (Refused(Operation::kAppend) || path.empty()) return false;
-    on_append_(path, bytes);
-    File& file = files_[path];
-    file.content += bytes;
-    file.modified = clock_.Today();
-    return true;
-  }
-
-  bool Rename(const std::wstring& from, const std::wstring& to) override {
-    CountCall();
-    if (Refused(Operation::kRename) || !files_.contains(from) || files_.contains(to)) return false;
-    auto node = files_.extract(from);
-    node.key() = to;
-    files_.insert(std::move(node));
-    return true;
-  }
-
-  std::wstring TemporaryFolder() override {
-    CountCall();
-    return Refused(Operation::kTemporaryFolder) ? L"" : temporary_folder_;
-  }
-
-  std::wstring LibraryFile() override {
-    CountCall();
-    return Refused(Operation::kLibraryFile) ? L"" : library_file_;
-  }
+  bool Exists(const std::wstring& path) override;
+  std::optional<CalendarDate> LastModified(const std::wstring& path) override;
+  bool Append(const std::wstring& path, std::string_view bytes) override;
+  bool Rename(const std::wstring& from, const std::wstring& to) override;
+  std::wstring TemporaryFolder() override;
+  std::wstring LibraryFile() override;
 
   // From now on the operation fails as its contract says.
-  void Refuse(Operation operation) { refused_.insert(operation); }
+  void Refuse(Operation operation);
 
   // The n-th call from the fake's creation (1 is the first) throws std::bad_alloc before it does anything.
   void ThrowAtCall(int n) { throw_at_call_ = n; }
 
   // Told the path and the bytes of everything that is appended from now on.
-  void OnAppend(std::function<void(const std::wstring&, std::string_view)> action) {
-    on_append_ = std::move(action);
-  }
+  void OnAppend(std::function<void(const std::wstring&, std::string_view)> action);
 
   void SetLibraryFile(const std::wstring& path) { library_file_ = path; }
   void SetTemporaryFolder(const std::wstring& path) { temporary_folder_ = path; }
 
   // Makes a file, or replaces one.
-  void Put(const std::wstring& path, const std::string& content, const CalendarDate& modified) {
-    files_[path] = {content, modified};
-  }
+  void Put(const std::wstring& path, const std::string& content, const CalendarDate& modified);
 
   // What is on the disk.
   const std::map<std::wstring, File>& files() const { return files_; }
 
   // The content of a file; empty when there is none.
-  std::string Content(const std::wstring& path) const {
-    const auto found = files_.find(path);
-    return found == files_.end() ? std::string() : found->second.content;
-  }
+  std::string Content(const std::wstring& path) const;
 
   // How often any operation was called.
   int calls() const { return calls_; }
 
  private:
-  bool Refused(Operation operation) const { return refused_.contains(operation); }
+  bool Refused(Operation operation) const;
 
-  void CountCall() {
-    if (++calls_ == throw_at_call_) throw std::bad_alloc();
-  }
+  void CountCall();
 
   Clock& clock_;
   std::map<std::wstring, File> files_;

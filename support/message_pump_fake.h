@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <utility>
 
 #include "support/message_pump.h"
 
@@ -10,14 +9,13 @@ namespace kesp {
 
 class MessagePumpFake final : public MessagePump {
  public:
-  void PumpOnce() override {
-    ++count_;
-    // A copy: the action may set another one.
-    if (const std::function<void()> action = on_pump_) action();
-  }
+  MessagePumpFake();
+  ~MessagePumpFake() override;
+
+  void PumpOnce() override;
 
   // Runs at every pumping from now on; it may throw, pump again and call OnPump.
-  void OnPump(std::function<void()> action) { on_pump_ = std::move(action); }
+  void OnPump(std::function<void()> action);
 
   // How often the pump was called.
   int count() const { return count_; }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <map>
-#include <new>
 #include <string>
 #include <tuple>
 
@@ -12,20 +11,13 @@ namespace kesp {
 
 class SettingsFilesFake final : public SettingsFiles {
  public:
-  std::wstring Read(const std::wstring& path, const std::wstring& section, const std::wstring& key,
-                    const std::wstring& otherwise) override {
-    CountCall();
-    const auto found = values_.find({path, section, key});
-    return found == values_.end() ? otherwise : found->second;
-  }
+  SettingsFilesFake();
+  ~SettingsFilesFake() override;
 
+  std::wstring Read(const std::wstring& path, const std::wstring& section, const std::wstring& key,
+                    const std::wstring& otherwise) override;
   bool Write(const std::wstring& path, const std::wstring& section, const std::wstring& key,
-             const std::wstring& value) override {
-    CountCall();
-    if (refusing_) return false;
-    values_[{path, section, key}] = value;
-    return true;
-  }
+             const std::wstring& value) override;
 
   // From now on nothing can be written.
   void RefuseWriting() { refusing_ = true; }
@@ -34,22 +26,15 @@ class SettingsFilesFake final : public SettingsFiles {
   void ThrowAtCall(int n) { throw_at_call_ = n; }
 
   void Put(const std::wstring& path, const std::wstring& section, const std::wstring& key,
-           const std::wstring& value) {
-    values_[{path, section, key}] = value;
-  }
+           const std::wstring& value);
 
   // The text under a key; "<none>" where there is none.
-  std::wstring Value(const std::wstring& path, const std::wstring& section, const std::wstring& key) const {
-    const auto found = values_.find({path, section, key});
-    return found == values_.end() ? L"<none>" : found->second;
-  }
+  std::wstring Value(const std::wstring& path, const std::wstring& section, const std::wstring& key) const;
 
   int calls() const { return calls_; }
 
  private:
-  void CountCall() {
-    if (++calls_ == throw_at_call_) throw std::bad_alloc();
-  }
+  void CountCall();
 
   std::map<std::tuple<std::wstring, std::wstring, std::wstring>, std::wstring> values_;
   bool refusing_ = false;

@@ -1,9 +1,9 @@
 // A user who answers as the test has written down, and whose screen can be read.
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <functional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -13,29 +13,17 @@ namespace kesp {
 
 class UserSurfaceFake final : public UserSurface {
  public:
+  UserSurfaceFake();
+  ~UserSurfaceFake() override;
+
   // Records the request; the next scripted answer, or 1 (OK) when there is none left.
-  int ShowMessageBox(const MessageBoxRequest& request) override {
-    boxes_.push_back(request);
-    pointer_under_boxes_.push_back(pointer_);
-    if (on_box) on_box();
-    if (answers_.empty()) return 1;
-    const int answer = answers_.front();
-    answers_.pop_front();
-    return answer;
-  }
+  int ShowMessageBox(const MessageBoxRequest& request) override;
 
   void SetPointer(MousePointer pointer) noexcept override { pointer_ = pointer; }
 
   void SetHelpFile(const std::wstring& path) override { help_file_ = path; }
-  bool CallHelp(std::uint32_t command, std::uint32_t data) override {
-    if (help_failure) throw std::runtime_error("the help viewer fails");
-    help_calls_.push_back({help_file_, command, data, pointer_});
-    return help_answer;
-  }
-  wchar_t DecimalSeparator() override {
-    ++separator_questions;
-    return separator;
-  }
+  bool CallHelp(std::uint32_t command, std::uint32_t data) override;
+  wchar_t DecimalSeparator() override;
 
   // A topic that was asked for, and the mouse pointer meanwhile.
   struct HelpCall {
@@ -53,7 +41,7 @@ class UserSurfaceFake final : public UserSurface {
   wchar_t separator = L'.';
   int separator_questions = 0;
 
-  void Answer(int button) { answers_.push_back(button); }
+  void Answer(int button);
 
   // Every box that was shown, in order.
   const std::vector<MessageBoxRequest>& boxes() const { return boxes_; }
