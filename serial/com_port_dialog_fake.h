@@ -10,11 +10,10 @@ namespace kesp {
 
 class ComPortDialogFake final : public ComPortDialog {
  public:
-  bool Show(CKespCOMPort3& port, const ComPortDialogOptions& options) override {
-    shown.push_back(options);
-    if (on_show) on_show(port);
-    return answer;
-  }
+  ComPortDialogFake();
+  ~ComPortDialogFake() override;
+
+  bool Show(CKespCOMPort3& port, const ComPortDialogOptions& options) override;
 
   // What the user does meanwhile; it may throw.
   std::function<void(CKespCOMPort3& port)> on_show;

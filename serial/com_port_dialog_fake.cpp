@@ -1,0 +1,16 @@
+// The settings dialog whose user does what the test has written down.
+#include "serial/com_port_dialog_fake.h"
+
+namespace kesp {
+
+ComPortDialogFake::ComPortDialogFake() = default;
+
+ComPortDialogFake::~ComPortDialogFake() = default;
+
+bool ComPortDialogFake::Show(CKespCOMPort3& port, const ComPortDialogOptions& options) {
+  shown.push_back(options);
+  if (on_show) on_show(port);
+  return answer;
+}
+
+}  // namespace kesp
