@@ -9,16 +9,14 @@ namespace kesp {
 
 class CountingInstrument final : public Instrument {
  public:
-  explicit CountingInstrument(int& asked) : asked_(asked) {}
+  explicit CountingInstrument(int& asked);
+  ~CountingInstrument() override;
 
   std::wstring Model() const override { return {}; }
   void SetModel(const std::wstring& /*value*/) override {}
   std::wstring Serial() const override { return {}; }
   void SetSerial(const std::wstring& /*value*/) override {}
-  std::wstring IPAddress() const override {
-    ++asked_;
-    return address_;
-  }
+  std::wstring IPAddress() const override;
   void SetIPAddress(const std::wstring& value) override { address_ = value; }
   EIPType IPType() const override { return EIPType::ipStatic; }
   void SetIPType(EIPType /*value*/) override {}

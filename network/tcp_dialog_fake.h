@@ -10,11 +10,10 @@ namespace kesp {
 
 class TcpDialogFake final : public TcpDialog {
  public:
-  bool Show(CKespTCP& tcp, const TcpDialogOptions& options) override {
-    shown.push_back(options);
-    if (on_show) on_show(tcp);
-    return answer;
-  }
+  TcpDialogFake();
+  ~TcpDialogFake() override;
+
+  bool Show(CKespTCP& tcp, const TcpDialogOptions& options) override;
 
   // What the user does meanwhile; it may throw.
   std::function<void(CKespTCP& tcp)> on_show;

@@ -1,0 +1,93 @@
+// The listener that writes down the network transport's events, each as a line of text.
+#include "network/tcp_events_fake.h"
+
+namespace kesp {
+
+CKespTCPEventsFake::CKespTCPEventsFake() = default;
+
+CKespTCPEventsFake::~CKespTCPEventsFake() = default;
+
+void CKespTCPEventsFake::ConnectBegin() {
+  Heard(L"ConnectBegin");
+}
+
+void CKespTCPEventsFake::ConnectEnd() {
+  Heard(L"ConnectEnd");
+}
+
+void CKespTCPEventsFake::SendProgressBegin(std::int32_t bytesSent, std::int32_t bytesRemaining) {
+  Heard(L"SendProgressBegin", std::to_wstring(bytesSent) + L"," + std::to_wstring(bytesRemaining));
+}
+
+void CKespTCPEventsFake::SendProgressEnd() {
+  Heard(L"SendProgressEnd");
+}
+
+void CKespTCPEventsFake::SendCompleteBegin() {
+  Heard(L"SendCompleteBegin");
+}
+
+void CKespTCPEventsFake::SendCompleteEnd() {
+  Heard(L"SendCompleteEnd");
+}
+
+void CKespTCPEventsFake::DataArrivalBegin(std::int32_t bytesTotal) {
+  Heard(L"DataArrivalBegin", std::to_wstring(bytesTotal));
+}
+
+void CKespTCPEventsFake::DataArrivalEnd() {
+  Heard(L"DataArrivalEnd");
+}
+
+void CKespTCPEventsFake::ErrorBegin(std::int16_t Number, std::wstring& Description, std::int32_t Scode,
+                                    const std::wstring& Source, const std::wstring& HelpFile,
+                                    std::int32_t HelpContext, bool& CancelDisplay) {
+  Heard(L"ErrorBegin", std::to_wstring(Number) + L"," + Description + L"," + std::to_wstring(Scode) + L"," +
+                           Source + L"," + HelpFile + L"," + std::to_wstring(HelpContext) + L"," +
+                           (CancelDisplay ? L"True" : L"False"));
+  if (new_description.empty()) return;
+  Description = new_description;
+  CancelDisplay = true;
+}
+
+void CKespTCPEventsFake::ErrorEnd() {
+  Heard(L"ErrorEnd");
+}
+
+void CKespTCPEventsFake::CloseBegin() {
+  Heard(L"CloseBegin");
+}
+
+void CKespTCPEventsFake::CloseEnd() {
+  Heard(L"CloseEnd");
+}
+
+void CKespTCPEventsFake::AutoDetectUpdate(const std::wstring& cmd, const std::wstring& IPAddress,
+                                          std::int16_t Port, bool& Abort) {
+  Heard(L"AutoDetectUpdate",
+        cmd + L"," + IPAddress + L"," + std::to_wstring(Port) + L"," + (Abort ? L"True" : L"False"));
+  if (cmd == abort_at) Abort = true;
+}
+
+void CKespTCPEventsFake::AutoDetectBegin() {
+  Heard(L"AutoDetectBegin");
+}
+
+void CKespTCPEventsFake::AutoDetectEnd() {
+  Heard(L"AutoDetectEnd");
+}
+
+void CKespTCPEventsFake::ReadInvalidChars(const std::wstring& Buffer, std::int16_t pos,
+                                          const std::wstring& IPAddress) {
+  Heard(L"ReadInvalidChars", Buffer + L"," + std::to_wstring(pos) + L"," + IPAddress);
+}
+
+void CKespTCPEventsFake::Heard(const std::wstring& name, const std::wstring& arguments) {
+  record(name + L"(" + arguments + L")");
+  const auto found = handlers.find(name);
+  if (found == handlers.end()) return;
+  const std::function<void()> handler = found->second;  // it may take itself out of the map
+  handler();
+}
+
+}  // namespace kesp
