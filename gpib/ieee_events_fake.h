@@ -1,6 +1,7 @@
 // A listener of the IEEE-488 transport's events that writes down what it hears, and can answer back.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
@@ -11,6 +12,9 @@ namespace kesp {
 
 class CKespIEEEEventsFake final : public CKespIEEEEvents {
  public:
+  CKespIEEEEventsFake();
+  ~CKespIEEEEventsFake() override;
+
   // Told each event as its name and arguments, for example "AutoDetectUpdate(*IDN?,5,False)".
   std::function<void(std::wstring)> record = [](const std::wstring&) {};
   // Handlers by the event's name, run after it was recorded.
@@ -18,21 +22,12 @@ class CKespIEEEEventsFake final : public CKespIEEEEvents {
   // The update (1 is the first) at which Abort is set; 0 for never.
   int abort_at_update = 0;
 
-  void AutoDetectUpdate(const std::wstring& cmd, std::int16_t Address, bool& Abort) override {
-    Heard(L"AutoDetectUpdate", cmd + L"," + std::to_wstring(Address) + L"," + (Abort ? L"True" : L"False"));
-    if (++updates_ == abort_at_update) Abort = true;
-  }
-  void AutoDetectBegin() override { Heard(L"AutoDetectBegin"); }
-  void AutoDetectEnd() override { Heard(L"AutoDetectEnd"); }
+  void AutoDetectUpdate(const std::wstring& cmd, std::int16_t Address, bool& Abort) override;
+  void AutoDetectBegin() override;
+  void AutoDetectEnd() override;
 
  private:
-  void Heard(const std::wstring& name, const std::wstring& arguments = {}) {
-    record(name + L"(" + arguments + L")");
-    const auto found = handlers.find(name);
-    if (found == handlers.end()) return;
-    const std::function<void()> handler = found->second;  // it may take itself out of the map
-    handler();
-  }
+  void Heard(const std::wstring& name, const std::wstring& arguments = {});
 
   int updates_ = 0;
 };

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "gpib/gpib_driver_fake.h"
@@ -23,31 +22,17 @@ using Lines = std::vector<std::wstring>;
 // A device at address 5 whose EOSChar is good for both readings.
 class IeeeFixture : public testing::Test {
  protected:
-  IeeeFixture() {
-    bus_.knows_descriptors = true;
-    ieee_.SetPrimaryAddress(5);
-    ieee_.SetEOSChar(L"10");
-  }
+  IeeeFixture();
+  ~IeeeFixture() override;
 
   // From now on calls of the entry point come to this.
-  void Answer(const char* entry_point, const GpibOutcome& outcome) {
-    bus_.answers[entry_point] = [outcome] { return outcome; };
-  }
+  void Answer(const char* entry_point, const GpibOutcome& outcome);
 
   // The bus calls since the last look.
-  Calls Heard() { return std::exchange(bus_.heard, {}); }
+  Calls Heard();
 
   // The messages of the diagnostic log.
-  Lines Logged() {
-    Lines lines;
-    const std::string content = environment_.files.Content(ieee_.LogFilename());
-    for (std::size_t begin = 0, end = 0; (end = content.find("\r\n", begin)) != std::string::npos;
-         begin = end + 2) {
-      const std::string line = content.substr(begin, end - begin);
-      lines.push_back(SystemCodePage().FromBytes(line.substr(line.rfind('\t') + 1)));
-    }
-    return lines;
-  }
+  Lines Logged();
 
   EnvironmentFake environment_;
   GpibDriverFake bus_;
