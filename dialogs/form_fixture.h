@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -19,10 +20,8 @@ inline constexpr int kSignedId = 502;
 // Its own part is what the test puts into its handlers.
 class FormForTest final : public Form {
  public:
-  FormForTest(UserSurface& user, std::vector<TabStrip::Tab> tabs)
-      : Form(user, L"Caption", L"attempting to test", 77, std::move(tabs)),
-        txtDigits(*this, kDigitsId, 0, KeyFilter::kDigits, NumberRange{12, 24}),
-        txtSigned(*this, kSignedId, 1, KeyFilter::kSignedDecimal) {}
+  FormForTest(UserSurface& user, std::vector<TabStrip::Tab> tabs);
+  ~FormForTest() override;
 
   using Form::Cancel;
   using Form::Focus;
@@ -38,32 +37,23 @@ class FormForTest final : public Form {
   std::function<void(TextBox&, std::int16_t)> on_key_press = [](TextBox&, std::int16_t) {};
 
  private:
-  void LoadSettings() override { on_load(); }
-  bool Validate() override { return on_validate(); }
-  bool WriteSettings() override { return on_write(); }
-  void OnKeyPress(TextBox& box, std::int16_t key) override { on_key_press(box, key); }
+  void LoadSettings() override;
+  bool Validate() override;
+  bool WriteSettings() override;
+  void OnKeyPress(TextBox& box, std::int16_t key) override;
 };
 
 class FormTest : public testing::Test {
  protected:
   using Lines = std::vector<std::string>;
 
-  FormTest() {
-    form_.SetView(&view_);
-    user_.on_box = [this] { view_.lines.push_back("box"); };
-  }
+  FormTest();
+  ~FormTest() override;
 
   // A step that writes itself down and returns the outcome.
-  std::function<bool()> Step(const char* name, bool outcome = true) {
-    return [this, name, outcome] {
-      view_.lines.push_back(name);
-      return outcome;
-    };
-  }
+  std::function<bool()> Step(const char* name, bool outcome = true);
 
-  void Click(std::size_t button) {
-    form_.Use([this, button] { form_.cmdOKCancelHelp[button].Click(); });
-  }
+  void Click(std::size_t button);
 
   UserSurfaceFake user_;
   FormViewFake view_;

@@ -16,31 +16,18 @@ class frmRFModemSettingsTest : public CKespCOMPort3ModemTest {
   using ViewLines = std::vector<std::string>;
   using Texts = std::vector<std::wstring>;
 
-  frmRFModemSettingsTest() {
-    form_ = std::make_unique<frmRFModemSettings>(environment_.user, port_, 4711);
-    form_->SetView(&view_);
-  }
+  frmRFModemSettingsTest();
+  ~frmRFModemSettingsTest() override;
 
   // Has the modem read, and forgets how.
-  void Load() {
-    AnswersQuestions();
-    form_->FirstPaint();
-    ASSERT_TRUE(environment_.user.boxes().empty());
-    record_.clear();
-    view_.lines.clear();
-  }
+  void Load();
 
-  void OK() {
-    form_->Use([this] { form_->cmdOKCancelHelp[Form::kOK].Click(); });
-  }
+  void OK();
 
   // PAN ID, channel, modem address, time-out.
-  Texts Boxes() const {
-    return {form_->txtPANID.text(), form_->txtChannel.text(), form_->txtRFModemAddress.text(),
-            form_->txtTimeout.text()};
-  }
+  Texts Boxes() const;
 
-  const std::vector<MessageBoxRequest>& Shown() const { return environment_.user.boxes(); }
+  const std::vector<MessageBoxRequest>& Shown() const;
 
   FormViewFake view_;
   std::unique_ptr<frmRFModemSettings> form_;

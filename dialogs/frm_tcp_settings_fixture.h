@@ -19,44 +19,20 @@ class frmTCPSettingsTest : public KespTCPFixture {
   using ViewLines = std::vector<std::string>;
   using Texts = std::vector<std::wstring>;
 
-  frmTCPSettingsTest() {
-    tcp_->SetIPAddress(L"192.168.0.10");
-    tcp_->SetPort(10001);
-    tcp_->SetTimeOutmSecs(2500);
-    tcp_->SetCreateLogFile(true);
-  }
+  frmTCPSettingsTest();
+  ~frmTCPSettingsTest() override;
 
   // Makes the form as the transport does and paints it for the first time.
-  void Load(const TcpDialogOptions& options = {true, 0}) {
-    form_ = std::make_unique<frmTCPSettings>(fakes_.user, *tcp_, options);
-    form_->SetView(&view_);
-    form_->FirstPaint();
-  }
+  void Load(const TcpDialogOptions& options = {true, 0});
+  void LoadType(std::int32_t type);
 
-  void LoadType(std::int32_t type) {
-    tcp_->SetIPType(static_cast<EIPType>(type));
-    Load();
-  }
+  void OK();
 
-  void OK() {
-    form_->Use([this] { form_->cmdOKCancelHelp[Form::kOK].Click(); });
-  }
-
-  Texts Octets() const {
-    Texts texts;
-    for (const TextBox& box : form_->txtIP) texts.push_back(box.text());
-    return texts;
-  }
-
-  void TypeOctets(const Texts& texts) {
-    for (std::size_t index = 0; index < texts.size(); ++index) form_->txtIP[index].Type(texts[index]);
-  }
+  Texts Octets() const;
+  void TypeOctets(const Texts& texts);
 
   // Type, address, port, time-out, log: what the dialog may write.
-  auto Settings() const {
-    return std::tuple(tcp_->IPType(), tcp_->IPAddress(), tcp_->Port(), tcp_->TimeOutmSecs(),
-                      tcp_->CreateLogFile());
-  }
+  std::tuple<EIPType, std::wstring, std::int16_t, std::int16_t, bool> Settings() const;
 
   FormViewFake view_;
   std::unique_ptr<frmTCPSettings> form_;
