@@ -6,8 +6,9 @@
 # program <name>_test. USES names other rooms, LIBS system libraries of the Windows half.
 #
 # FAKES are the bodies of the room's fakes and fixtures, compiled once for all tests: the static library
-# kesp_<name>_fakes, which brings GoogleTest and the fakes of the rooms in USES along. <name>_test is linked with all of them.
-# In the Windows build it holds the fakes only, since fixtures are for unit tests, and is built for tests that name it.
+# kesp_<name>_fakes, which brings GoogleTest and the fakes of the rooms in USES along. <name>_test is linked with
+# all of them. In the Windows build the library has the fakes only, since fixtures are for unit tests, and is built
+# where a test names it.
 function(kesp_room name)
   cmake_parse_arguments(ROOM "" "" "PORTABLE;WINDOWS;FAKES;TESTS;USES;LIBS" ${ARGN})
   set(sources ${ROOM_PORTABLE})

@@ -28,8 +28,9 @@ if(KESP_PRECOMPILE)
     <functional> <map> <memory> <optional> <set> <string> <thread> <vector>)
 endif()
 
-# kesp_compile_as_test(<target>): the compiler settings and the precompiled headers of tests, for the target's own files,
-# which see the headers of GoogleTest.
+# kesp_compile_as_test(<target>)
+#
+# The compiler settings and the precompiled headers of tests, for a target that is linked with GoogleTest.
 function(kesp_compile_as_test target)
   target_link_libraries(${target} PRIVATE kesp_options kesp_test_options)
   if(KESP_PRECOMPILE)

@@ -131,8 +131,9 @@ class CheckLayeringTest(unittest.TestCase):
         self.assert_passes({"support/a.h": "#include <string>\n#include <sys/types.h>\n"})
 
     def test_fakes_and_tests_pass_in_tests(self):
-        beside = ("support/b_test.cpp", "support/b_fixture.h", "support/b_fake.h", "support/b_fuzz.cpp")
-        for path in beside + ("tests/b.cpp",):
+        headers = ("support/b_fixture.h", "support/b_fake.h")
+        beside = ("support/b_test.cpp", "support/b_fixture.cpp", "support/b_fake.cpp", "support/b_fuzz.cpp")
+        for path in headers + beside + ("tests/b.cpp",):
             for header in ("support/a_fake.h", "support/a_fixture.h", "support/a_test.cpp"):
                 with self.subTest(path=path, header=header):
                     self.assert_passes({path: f'#include "{header}"\n', header: ""})
