@@ -36,11 +36,10 @@ void FormWindow::ShowModal() {
     // ShowWindow would show the first window of a program as its starter wished, perhaps not at all.
     SetWindowPos(dialog_, nullptr, 0, 0, 0, 0, SWP_SHOWWINDOW | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER);
     if (owner_ == nullptr) SetForegroundWindow(dialog_);
-    // An option that gets the focus counts as clicked, so none gets it before it shows what was loaded.
-    GiveFocus(painter_.WindowOf(form_.tabSettings));
+    FocusFirst();
     RedrawWindow(dialog_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     form_.FirstPaint();
-    // Where the form has no wish of its own, or one that its state does not allow.
+    // What was loaded may have disabled the control that had the focus, and nothing has it then.
     if (form_.focused() == nullptr || IsChild(dialog_, GetFocus()) == FALSE) FocusFirst();
     RunLoop();
   }
