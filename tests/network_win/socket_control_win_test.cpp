@@ -220,10 +220,10 @@ TEST_F(SocketControlWin, SendProgressHandlerCloses_NothingMoreIsTold) {
 TEST_F(SocketControlWin, Receive_PiecesMergeUntilTheyAreTaken) {
   std::atomic<int> step = 0;
   const LoopbackPeer peer([&step](SOCKET connection) {
-    for (const char* piece : {"AB", "C\r", "D"}) {
+    for (int sent = 0; const char* piece : {"AB", "C\r", "D"}) {
       SendAll(connection, piece);
-      const int next = step + 1;
-      while (step < next) Sleep(1);
+      ++sent;
+      for (int waited = 0; step < sent && waited < 5000; ++waited) Sleep(1);
     }
     UntilClosed(connection);
   });
