@@ -8,7 +8,7 @@ CKespIEEEEventsFake::CKespIEEEEventsFake() = default;
 CKespIEEEEventsFake::~CKespIEEEEventsFake() = default;
 
 void CKespIEEEEventsFake::AutoDetectUpdate(const std::wstring& cmd, std::int16_t Address, bool& Abort) {
-  Heard(L"AutoDetectUpdate", cmd + L"," + std::to_wstring(Address) + L"," + (Abort ? L"True" : L"False"));
+  Heard(L"AutoDetectUpdate", {cmd, std::to_wstring(Address), Text(Abort)});
   if (++updates_ == abort_at_update) Abort = true;
 }
 
@@ -18,14 +18,6 @@ void CKespIEEEEventsFake::AutoDetectBegin() {
 
 void CKespIEEEEventsFake::AutoDetectEnd() {
   Heard(L"AutoDetectEnd");
-}
-
-void CKespIEEEEventsFake::Heard(const std::wstring& name, const std::wstring& arguments) {
-  record(name + L"(" + arguments + L")");
-  const auto found = handlers.find(name);
-  if (found == handlers.end()) return;
-  const std::function<void()> handler = found->second;  // it may take itself out of the map
-  handler();
 }
 
 }  // namespace kesp

@@ -2,23 +2,18 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <map>
 #include <string>
 
 #include "gpib/ieee_events.h"
+#include "support/event_record_fake.h"
 
 namespace kesp {
 
-class CKespIEEEEventsFake final : public CKespIEEEEvents {
+class CKespIEEEEventsFake final : public CKespIEEEEvents, public EventRecordFake {
  public:
   CKespIEEEEventsFake();
   ~CKespIEEEEventsFake() override;
 
-  // Told each event as its name and arguments, for example "AutoDetectUpdate(*IDN?,5,False)".
-  std::function<void(std::wstring)> record = [](const std::wstring&) {};
-  // Handlers by the event's name, run after it was recorded.
-  std::map<std::wstring, std::function<void()>> handlers;
   // The update (1 is the first) at which Abort is set; 0 for never.
   int abort_at_update = 0;
 
@@ -27,8 +22,6 @@ class CKespIEEEEventsFake final : public CKespIEEEEvents {
   void AutoDetectEnd() override;
 
  private:
-  void Heard(const std::wstring& name, const std::wstring& arguments = {});
-
   int updates_ = 0;
 };
 

@@ -16,7 +16,7 @@ void CKespTCPEventsFake::ConnectEnd() {
 }
 
 void CKespTCPEventsFake::SendProgressBegin(std::int32_t bytesSent, std::int32_t bytesRemaining) {
-  Heard(L"SendProgressBegin", std::to_wstring(bytesSent) + L"," + std::to_wstring(bytesRemaining));
+  Heard(L"SendProgressBegin", {std::to_wstring(bytesSent), std::to_wstring(bytesRemaining)});
 }
 
 void CKespTCPEventsFake::SendProgressEnd() {
@@ -32,7 +32,7 @@ void CKespTCPEventsFake::SendCompleteEnd() {
 }
 
 void CKespTCPEventsFake::DataArrivalBegin(std::int32_t bytesTotal) {
-  Heard(L"DataArrivalBegin", std::to_wstring(bytesTotal));
+  Heard(L"DataArrivalBegin", {std::to_wstring(bytesTotal)});
 }
 
 void CKespTCPEventsFake::DataArrivalEnd() {
@@ -42,9 +42,8 @@ void CKespTCPEventsFake::DataArrivalEnd() {
 void CKespTCPEventsFake::ErrorBegin(std::int16_t Number, std::wstring& Description, std::int32_t Scode,
                                     const std::wstring& Source, const std::wstring& HelpFile,
                                     std::int32_t HelpContext, bool& CancelDisplay) {
-  Heard(L"ErrorBegin", std::to_wstring(Number) + L"," + Description + L"," + std::to_wstring(Scode) + L"," +
-                           Source + L"," + HelpFile + L"," + std::to_wstring(HelpContext) + L"," +
-                           (CancelDisplay ? L"True" : L"False"));
+  Heard(L"ErrorBegin", {std::to_wstring(Number), Description, std::to_wstring(Scode), Source, HelpFile,
+                        std::to_wstring(HelpContext), Text(CancelDisplay)});
   if (new_description.empty()) return;
   Description = new_description;
   CancelDisplay = true;
@@ -64,8 +63,7 @@ void CKespTCPEventsFake::CloseEnd() {
 
 void CKespTCPEventsFake::AutoDetectUpdate(const std::wstring& cmd, const std::wstring& IPAddress,
                                           std::int16_t Port, bool& Abort) {
-  Heard(L"AutoDetectUpdate",
-        cmd + L"," + IPAddress + L"," + std::to_wstring(Port) + L"," + (Abort ? L"True" : L"False"));
+  Heard(L"AutoDetectUpdate", {cmd, IPAddress, std::to_wstring(Port), Text(Abort)});
   if (cmd == abort_at) Abort = true;
 }
 
@@ -79,15 +77,7 @@ void CKespTCPEventsFake::AutoDetectEnd() {
 
 void CKespTCPEventsFake::ReadInvalidChars(const std::wstring& Buffer, std::int16_t pos,
                                           const std::wstring& IPAddress) {
-  Heard(L"ReadInvalidChars", Buffer + L"," + std::to_wstring(pos) + L"," + IPAddress);
-}
-
-void CKespTCPEventsFake::Heard(const std::wstring& name, const std::wstring& arguments) {
-  record(name + L"(" + arguments + L")");
-  const auto found = handlers.find(name);
-  if (found == handlers.end()) return;
-  const std::function<void()> handler = found->second;  // it may take itself out of the map
-  handler();
+  Heard(L"ReadInvalidChars", {Buffer, std::to_wstring(pos), IPAddress});
 }
 
 }  // namespace kesp

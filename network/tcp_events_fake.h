@@ -2,25 +2,20 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "network/tcp_events.h"
+#include "support/event_record_fake.h"
 
 namespace kesp {
 
-class CKespTCPEventsFake final : public CKespTCPEvents {
+class CKespTCPEventsFake final : public CKespTCPEvents, public EventRecordFake {
  public:
   CKespTCPEventsFake();
   ~CKespTCPEventsFake() override;
 
-  // Told each event as its name and arguments, for example "SendProgressBegin(3,0)".
-  std::function<void(std::wstring)> record = [](const std::wstring&) {};
-  // Handlers by the event's name, run after it was recorded.
-  std::map<std::wstring, std::function<void()>> handlers;
   // When set, ErrorBegin puts it into Description and sets CancelDisplay.
   std::wstring new_description;
   // AutoDetectUpdate sets Abort at this command.
@@ -47,9 +42,6 @@ class CKespTCPEventsFake final : public CKespTCPEvents {
   void AutoDetectEnd() override;
   void ReadInvalidChars(const std::wstring& Buffer, std::int16_t pos, const std::wstring& IPAddress) override;
   std::shared_ptr<void> KeepAlive() override { return keep_alive; }
-
- private:
-  void Heard(const std::wstring& name, const std::wstring& arguments = {});
 };
 
 }  // namespace kesp

@@ -3,14 +3,6 @@
 
 namespace kesp {
 
-namespace {
-
-std::wstring Text(bool value) {
-  return value ? L"True" : L"False";
-}
-
-}  // namespace
-
 CKespCOMPort3EventsFake::CKespCOMPort3EventsFake() = default;
 
 CKespCOMPort3EventsFake::~CKespCOMPort3EventsFake() = default;
@@ -74,16 +66,6 @@ void CKespCOMPort3EventsFake::AutoDetectUpdate(std::int16_t Port, EKespBaudRate3
 
 void CKespCOMPort3EventsFake::AutoDetectEnd() {
   Heard(L"AutoDetectEnd");
-}
-
-void CKespCOMPort3EventsFake::Heard(const std::wstring& name, std::initializer_list<std::wstring> arguments) {
-  std::wstring list;
-  for (const std::wstring& argument : arguments) list += L"," + argument;
-  record(name + L"(" + (list.empty() ? list : list.substr(1)) + L")");
-  const auto found = handlers.find(name);
-  if (found == handlers.end()) return;
-  const std::function<void()> handler = found->second;  // it may take itself out of the map
-  handler();
 }
 
 void CKespCOMPort3EventsFake::Answer(bool& Abort) {

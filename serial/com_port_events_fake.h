@@ -2,24 +2,18 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <initializer_list>
-#include <map>
 #include <string>
 
 #include "serial/com_port_events.h"
+#include "support/event_record_fake.h"
 
 namespace kesp {
 
-class CKespCOMPort3EventsFake final : public CKespCOMPort3Events {
+class CKespCOMPort3EventsFake final : public CKespCOMPort3Events, public EventRecordFake {
  public:
   CKespCOMPort3EventsFake();
   ~CKespCOMPort3EventsFake() override;
 
-  // Told each event as its name and arguments, for example "WriteUpdate(5,1)".
-  std::function<void(std::wstring)> record = [](const std::wstring&) {};
-  // Handlers by the event's name, run after it was recorded.
-  std::map<std::wstring, std::function<void()>> handlers;
   // The update (1 is the first of any kind) at which Abort is set; 0 for never.
   int abort_at_update = 0;
 
@@ -40,7 +34,6 @@ class CKespCOMPort3EventsFake final : public CKespCOMPort3Events {
   void AutoDetectEnd() override;
 
  private:
-  void Heard(const std::wstring& name, std::initializer_list<std::wstring> arguments = {});
   void Answer(bool& Abort);
 
   int updates_ = 0;
