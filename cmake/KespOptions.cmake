@@ -22,3 +22,14 @@ elseif(KESP_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(kesp_options INTERFACE -fsanitize=address,undefined)
 endif()
+
+# kesp_own_unwinder(<target>)
+#
+# For a DLL that hosts load: its exceptions are unwound by what is linked in, whatever the host has loaded. Concerns
+# 32 bit only; see the source file.
+function(kesp_own_unwinder target)
+  if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+    target_sources(${target} PRIVATE "${CMAKE_SOURCE_DIR}/support/own_unwinder_win.cpp")
+    target_link_options(${target} PRIVATE "-Wl,--wrap=_imp__GetModuleHandleA@4")
+  endif()
+endfunction()
