@@ -17,7 +17,7 @@ const ClassDescription kDescription{__uuidof(::CKespCOMPort3), __uuidof(::_CKesp
 }  // namespace
 
 ComPortClass::ComPortClass()
-    : AutomationObject(kDescription),
+    : OperatingObject(kDescription, L"CKespCOMPort3"),
       events_(static_cast<::_CKespCOMPort3*>(this), __uuidof(::__CKespCOMPort3)),
       bridge_(events_),
       object_(std::make_unique<CKespCOMPort3>(SystemEnvironment(), SystemSerialPorts(), &bridge_,
@@ -33,14 +33,14 @@ HRESULT ComPortClass::get_SmartSwitch(::_CKespSmartSwitch3** retval) {
 }
 
 HRESULT ComPortClass::ReadLine(BSTR* result, VARIANT_BOOL* retval) {
-  return Get(
-      retval, [&] { return ReadInto(result, [&](auto& reply) { return object_->ReadLine(reply); }); },
-      result);
+  return Operate(
+      L"ReadLine()", retval,
+      [&] { return ReadInto(result, [&](auto& reply) { return object_->ReadLine(reply); }); }, result);
 }
 
 HRESULT ComPortClass::ReadLineBinary(VARIANT* result, LONG lTimeoutms, VARIANT_BOOL* retval) {
-  return Get(
-      retval,
+  return Operate(
+      L"ReadLineBinary()", retval,
       [&] {
         return ReadInto(result, [&](auto& reply) { return object_->ReadLineBinary(reply, lTimeoutms); });
       },
@@ -48,14 +48,15 @@ HRESULT ComPortClass::ReadLineBinary(VARIANT* result, LONG lTimeoutms, VARIANT_B
 }
 
 HRESULT ComPortClass::Download(BSTR* result, VARIANT_BOOL* retval) {
-  return Get(
-      retval, [&] { return ReadInto(result, [&](auto& data) { return object_->Download(data); }); }, result);
+  return Operate(
+      L"Download()", retval,
+      [&] { return ReadInto(result, [&](auto& data) { return object_->Download(data); }); }, result);
 }
 
 HRESULT ComPortClass::AutoDetect(BSTR* Buffer, ::EDetectLevel DetectLevel, BSTR OmegaAddress,
                                  VARIANT_BOOL* retval) {
-  return Get(
-      retval,
+  return Operate(
+      L"AutoDetect()", retval,
       [&] {
         return ReadInto(Buffer, [&](auto& answer) {
           return object_->AutoDetect(answer, static_cast<EDetectLevel>(DetectLevel), TextOf(OmegaAddress));
@@ -66,8 +67,8 @@ HRESULT ComPortClass::AutoDetect(BSTR* Buffer, ::EDetectLevel DetectLevel, BSTR 
 
 HRESULT ComPortClass::RFReadModemSettings(BSTR* sSerial, BSTR* sPowerLevel, BSTR* sPANID, BSTR* sChannel,
                                           BSTR* sModemAddr, BSTR* sTimeout, VARIANT_BOOL* retval) {
-  return Get(
-      retval,
+  return Operate(
+      L"RFReadModemSettings()", retval,
       [&] {
         RadioModemSettings settings;
         if (!object_->RFReadModemSettings(settings)) return false;

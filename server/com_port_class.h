@@ -7,16 +7,16 @@
 
 #include "KespCommObj.h"
 #include "serial/kesp_com_port.h"
-#include "server/automation_object.h"
 #include "server/com_headers.h"
 #include "server/com_port_event_bridge.h"
 #include "server/connection_points.h"
+#include "server/operating_object.h"
 #include "server/smart_switch_class.h"
 
 namespace kesp {
 
 // Wraps one serial transport and hands out its port switch.
-class ComPortClass final : public AutomationObject<::_CKespCOMPort3> {
+class ComPortClass final : public OperatingObject<::_CKespCOMPort3> {
  public:
   ComPortClass();
 
@@ -154,10 +154,10 @@ class ComPortClass final : public AutomationObject<::_CKespCOMPort3> {
     return Get(retval, [&] { return object_->GetKey(); });
   }
   HRESULT STDMETHODCALLTYPE OpenPort(VARIANT_BOOL* retval) override {
-    return Get(retval, [&] { return object_->OpenPort(); });
+    return Operate(L"OpenPort()", retval, [&] { return object_->OpenPort(); });
   }
   HRESULT STDMETHODCALLTYPE ClosePort() override {
-    return Put([&] { object_->ClosePort(); });
+    return OperateOnly(L"ClosePort()", [&] { object_->ClosePort(); });
   }
   HRESULT STDMETHODCALLTYPE PortExists(SHORT cp, VARIANT_BOOL* retval) override {
     return Get(retval, [&] { return object_->PortExists(cp); });
@@ -166,14 +166,14 @@ class ComPortClass final : public AutomationObject<::_CKespCOMPort3> {
     return Get(retval, [&] { return object_->IsPortAvailable(cp); });
   }
   HRESULT STDMETHODCALLTYPE ClearBuffers() override {
-    return Put([&] { object_->ClearBuffers(); });
+    return OperateOnly(L"ClearBuffers()", [&] { object_->ClearBuffers(); });
   }
   HRESULT STDMETHODCALLTYPE SetInputMode(::EInputMode eMode) override {
-    return Put([&] { object_->SetInputMode(static_cast<EInputMode>(eMode)); });
+    return OperateOnly(L"SetInputMode()", [&] { object_->SetInputMode(static_cast<EInputMode>(eMode)); });
   }
   HRESULT STDMETHODCALLTYPE WriteLine(BSTR cmd, BSTR OmegaAddress, BSTR OmegaValue, VARIANT_BOOL CRBeforeCmd,
                                       VARIANT_BOOL* retval) override {
-    return Get(retval, [&] {
+    return Operate(L"WriteLine()", retval, [&] {
       return object_->WriteLine(TextOf(cmd), TextOf(OmegaAddress), TextOf(OmegaValue),
                                 FromComBool(CRBeforeCmd));
     });
@@ -189,21 +189,22 @@ class ComPortClass final : public AutomationObject<::_CKespCOMPort3> {
   HRESULT STDMETHODCALLTYPE RFWriteModemSettings(DOUBLE dPANID, SHORT iChannel, DOUBLE dModemAddress,
                                                  DOUBLE dTimeout, VARIANT_BOOL bWriteToNVRAM,
                                                  VARIANT_BOOL* retval) override {
-    return Get(retval, [&] {
+    return Operate(L"RFWriteModemSettings()", retval, [&] {
       return object_->RFWriteModemSettings(dPANID, iChannel, dModemAddress, dTimeout,
                                            FromComBool(bWriteToNVRAM));
     });
   }
   HRESULT STDMETHODCALLTYPE RFWriteModemInstrAddress(SHORT iInstrAddr, VARIANT_BOOL* retval) override {
-    return Get(retval, [&] { return object_->RFWriteModemInstrAddress(iInstrAddr); });
+    return Operate(L"RFWriteModemInstrAddress()", retval,
+                   [&] { return object_->RFWriteModemInstrAddress(iInstrAddr); });
   }
   HRESULT STDMETHODCALLTYPE TestSmartSwitch() override {
-    return Put([&] { object_->TestSmartSwitch(); });
+    return OperateOnly(L"TestSmartSwitch()", [&] { object_->TestSmartSwitch(); });
   }
   HRESULT STDMETHODCALLTYPE Edit(::EEditCommFlags Flags, BSTR HelpFile, LONG HCID,
                                  VARIANT_BOOL* retval) override {
-    return Get(retval,
-               [&] { return object_->Edit(static_cast<EEditCommFlags>(Flags), TextOf(HelpFile), HCID); });
+    return Operate(L"Edit()", retval,
+                   [&] { return object_->Edit(static_cast<EEditCommFlags>(Flags), TextOf(HelpFile), HCID); });
   }
 
  protected:

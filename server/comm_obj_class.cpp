@@ -19,10 +19,10 @@ namespace {
 const ClassDescription kDescription{__uuidof(::CKespCommObj), __uuidof(::_CKespCommObj), nullptr};
 
 // Makes the COM object of a transport and returns the transport, whose owner holds the COM object.
-template <class Class>
-auto MakeTransport(IDispatch*& com_object) {
+template <class Class, class Transport>
+auto MakeTransport(Transport& place) {
   ComPtr<Class> made = Adopt(new Class);
-  com_object = made.Get();
+  place = {.object = made.Get(), .gate = &made->gate()};
   auto* transport = &made->object();
   return std::shared_ptr<std::remove_reference_t<decltype(*transport)>>(
       transport, [made](auto*) mutable { made.Reset(); });
@@ -31,7 +31,7 @@ auto MakeTransport(IDispatch*& com_object) {
 }  // namespace
 
 CommObjClass::CommObjClass()
-    : AutomationObject(kDescription),
+    : OperatingObject(kDescription, L"CKespCommObj"),
       object_(std::make_unique<CKespCommObj>(SystemEnvironment(), MakeFactory())) {}
 
 TransportFactory CommObjClass::MakeFactory() {
@@ -40,7 +40,7 @@ TransportFactory CommObjClass::MakeFactory() {
           .make_ieee = [this] { return MakeTransport<IeeeClass>(ieee_); }};
 }
 
-IDispatch* CommObjClass::SelectedTransport() const {
+CommObjClass::Transport CommObjClass::SelectedTransport() const {
   switch (object_->CommStyle()) {
     case ECommStyle::csRS232:
       return serial_;
@@ -49,13 +49,13 @@ IDispatch* CommObjClass::SelectedTransport() const {
     case ECommStyle::csIEEE:
       return ieee_;
     default:
-      return nullptr;
+      return {};
   }
 }
 
 HRESULT CommObjClass::get_CommObject(IDispatch** retval) {
   return Get(retval, [&] {
-    IDispatch* transport = SelectedTransport();
+    IDispatch* transport = SelectedTransport().object;
     if (transport != nullptr) transport->AddRef();
     return transport;
   });
@@ -63,8 +63,8 @@ HRESULT CommObjClass::get_CommObject(IDispatch** retval) {
 
 HRESULT CommObjClass::Query(BSTR* result, BSTR cmd, BSTR OmegaAddress, BSTR OmegaValue,
                             VARIANT_BOOL* retval) {
-  return Get(
-      retval,
+  return Operate(
+      L"Query()", retval,
       [&] {
         return ReadInto(result, [&](auto& reply) {
           return object_->Query(reply, TextOf(cmd), TextOf(OmegaAddress), TextOf(OmegaValue));
@@ -75,8 +75,8 @@ HRESULT CommObjClass::Query(BSTR* result, BSTR cmd, BSTR OmegaAddress, BSTR Omeg
 
 HRESULT CommObjClass::QueryBinary(VARIANT* result, BSTR cmd, BSTR OmegaAddress, BSTR OmegaValue,
                                   VARIANT_BOOL* retval) {
-  return Get(
-      retval,
+  return Operate(
+      L"QueryBinary()", retval,
       [&] {
         return ReadInto(result, [&](auto& reply) {
           return object_->QueryBinary(reply, TextOf(cmd), TextOf(OmegaAddress), TextOf(OmegaValue));
@@ -86,12 +86,13 @@ HRESULT CommObjClass::QueryBinary(VARIANT* result, BSTR cmd, BSTR OmegaAddress, 
 }
 
 HRESULT CommObjClass::Update(BSTR cmd, BSTR OmegaAddress, BSTR OmegaValue, VARIANT_BOOL* retval) {
-  return Get(retval, [&] { return object_->Update(TextOf(cmd), TextOf(OmegaAddress), TextOf(OmegaValue)); });
+  return Operate(L"Update()", retval,
+                 [&] { return object_->Update(TextOf(cmd), TextOf(OmegaAddress), TextOf(OmegaValue)); });
 }
 
 HRESULT CommObjClass::DetectInstrument(BSTR* result, ::EDetectLevel DetectLevel, VARIANT_BOOL* retval) {
-  return Get(
-      retval,
+  return Operate(
+      L"DetectInstrument()", retval,
       [&] {
         return ReadInto(result, [&](auto& answer) {
           return object_->DetectInstrument(answer, static_cast<EDetectLevel>(DetectLevel));

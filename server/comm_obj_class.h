@@ -5,13 +5,13 @@
 
 #include "KespCommObj.h"
 #include "commobj/kesp_comm_obj.h"
-#include "server/automation_object.h"
 #include "server/com_headers.h"
+#include "server/operating_object.h"
 
 namespace kesp {
 
 // Wraps one communication object, whose transports are COM objects that clients may hold on to.
-class CommObjClass final : public AutomationObject<::_CKespCommObj> {
+class CommObjClass final : public OperatingObject<::_CKespCommObj> {
  public:
   CommObjClass();
 
@@ -62,7 +62,8 @@ class CommObjClass final : public AutomationObject<::_CKespCommObj> {
     return Get(retval, [&] { return object_->CommStyle(); });
   }
   HRESULT STDMETHODCALLTYPE put_CommStyle(::ECommStyle* vData) override {
-    return Put([&] { object_->SetCommStyle(static_cast<ECommStyle>(*vData)); }, vData);
+    return OperateOnly(
+        L"CommStyle", [&] { object_->SetCommStyle(static_cast<ECommStyle>(*vData)); }, vData);
   }
   HRESULT STDMETHODCALLTYPE Query(BSTR* result, BSTR cmd, BSTR OmegaAddress, BSTR OmegaValue,
                                   VARIANT_BOOL* retval) override;
@@ -73,22 +74,31 @@ class CommObjClass final : public AutomationObject<::_CKespCommObj> {
   HRESULT STDMETHODCALLTYPE DetectInstrument(BSTR* result, ::EDetectLevel DetectLevel,
                                              VARIANT_BOOL* retval) override;
   HRESULT STDMETHODCALLTYPE SetInputMode(::EInputMode eMode) override {
-    return Put([&] { object_->SetInputMode(static_cast<EInputMode>(eMode)); });
+    return OperateOnly(L"SetInputMode()", [&] { object_->SetInputMode(static_cast<EInputMode>(eMode)); });
   }
   HRESULT STDMETHODCALLTYPE Edit(::EEditCommFlags Flags, BSTR HelpFile, LONG HCID,
                                  VARIANT_BOOL* retval) override {
-    return Get(retval,
-               [&] { return object_->Edit(static_cast<EEditCommFlags>(Flags), TextOf(HelpFile), HCID); });
+    return Operate(L"Edit()", retval,
+                   [&] { return object_->Edit(static_cast<EEditCommFlags>(Flags), TextOf(HelpFile), HCID); });
   }
 
- private:
-  TransportFactory MakeFactory();
-  IDispatch* SelectedTransport() const;
+ protected:
+  // Clients may use the transport directly, too.
+  OperationGate* FurtherGate() override { return SelectedTransport().gate; }
 
-  // The COM objects of the transports; their references belong to object_.
-  IDispatch* serial_ = nullptr;
-  IDispatch* network_ = nullptr;
-  IDispatch* ieee_ = nullptr;
+ private:
+  // The COM object of a transport, whose reference belongs to object_, and its gate.
+  struct Transport {
+    IDispatch* object = nullptr;
+    OperationGate* gate = nullptr;
+  };
+
+  TransportFactory MakeFactory();
+  Transport SelectedTransport() const;
+
+  Transport serial_;
+  Transport network_;
+  Transport ieee_;
   std::unique_ptr<CKespCommObj> object_;
 };
 

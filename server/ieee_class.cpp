@@ -14,15 +14,15 @@ const ClassDescription kDescription{__uuidof(::CKespIEEE), __uuidof(::_CKespIEEE
 }  // namespace
 
 IeeeClass::IeeeClass()
-    : AutomationObject(kDescription),
+    : OperatingObject(kDescription, L"CKespIEEE"),
       events_(static_cast<::_CKespIEEE*>(this), __uuidof(::__CKespIEEE)),
       bridge_(events_),
       object_(std::make_unique<CKespIEEE>(SystemEnvironment(), SystemGpibDriver(), &bridge_)) {}
 
 HRESULT IeeeClass::AutoDetect(BSTR* result, ::EDetectLevel DetectLevel, ::ESearchOption SearchOption,
                               VARIANT_BOOL* retval) {
-  return Get(
-      retval,
+  return Operate(
+      L"AutoDetect()", retval,
       [&] {
         return ReadInto(result, [&](auto& answer) {
           return object_->AutoDetect(answer, static_cast<EDetectLevel>(DetectLevel),
@@ -33,9 +33,9 @@ HRESULT IeeeClass::AutoDetect(BSTR* result, ::EDetectLevel DetectLevel, ::ESearc
 }
 
 HRESULT IeeeClass::ReadLine(BSTR* result, VARIANT_BOOL* retval) {
-  return Get(
-      retval, [&] { return ReadInto(result, [&](auto& reply) { return object_->ReadLine(reply); }); },
-      result);
+  return Operate(
+      L"ReadLine()", retval,
+      [&] { return ReadInto(result, [&](auto& reply) { return object_->ReadLine(reply); }); }, result);
 }
 
 void* IeeeClass::FindInterface(REFIID iid) {

@@ -5,15 +5,15 @@
 
 #include "KespCommObj.h"
 #include "gpib/kesp_ieee.h"
-#include "server/automation_object.h"
 #include "server/com_headers.h"
 #include "server/connection_points.h"
 #include "server/ieee_event_bridge.h"
+#include "server/operating_object.h"
 
 namespace kesp {
 
 // Wraps one IEEE-488 transport.
-class IeeeClass final : public AutomationObject<::_CKespIEEE> {
+class IeeeClass final : public OperatingObject<::_CKespIEEE> {
  public:
   IeeeClass();
 
@@ -78,15 +78,15 @@ class IeeeClass final : public AutomationObject<::_CKespIEEE> {
     return Put([&] { object_->SetLogFilename(TextOf(vData)); });
   }
   HRESULT STDMETHODCALLTYPE Initialize(VARIANT_BOOL* retval) override {
-    return Get(retval, [&] { return object_->Initialize(); });
+    return Operate(L"Initialize()", retval, [&] { return object_->Initialize(); });
   }
   HRESULT STDMETHODCALLTYPE Uninitialize(VARIANT_BOOL* retval) override {
-    return Get(retval, [&] { return object_->Uninitialize(); });
+    return Operate(L"Uninitialize()", retval, [&] { return object_->Uninitialize(); });
   }
   HRESULT STDMETHODCALLTYPE AutoDetect(BSTR* result, ::EDetectLevel DetectLevel, ::ESearchOption SearchOption,
                                        VARIANT_BOOL* retval) override;
   HRESULT STDMETHODCALLTYPE WriteLine(BSTR cmd, VARIANT_BOOL* retval) override {
-    return Get(retval, [&] { return object_->WriteLine(TextOf(cmd)); });
+    return Operate(L"WriteLine()", retval, [&] { return object_->WriteLine(TextOf(cmd)); });
   }
   HRESULT STDMETHODCALLTYPE ReadLine(BSTR* result, VARIANT_BOOL* retval) override;
 

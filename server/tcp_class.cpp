@@ -23,7 +23,7 @@ std::shared_ptr<Instrument> MakeComInstrument() {
 }  // namespace
 
 TcpClass::TcpClass()
-    : AutomationObject(kDescription),
+    : OperatingObject(kDescription, L"CKespTCP"),
       events_(static_cast<::_CKespTCP*>(this), __uuidof(::__CKespTCP)),
       bridge_(static_cast<::_CKespTCP*>(this), events_),
       object_(std::make_unique<CKespTCP>(SystemEnvironment(), MakeSocketControl, MakeComInstrument, &bridge_,
@@ -39,8 +39,8 @@ HRESULT TcpClass::get_Devices(::_CInstruments** retval) {
 }
 
 HRESULT TcpClass::AutoDetect(BSTR* result, ::EDetectLevel DetectLevel, VARIANT_BOOL* retval) {
-  return Get(
-      retval,
+  return Operate(
+      L"AutoDetect()", retval,
       [&] {
         return ReadInto(result, [&](auto& answer) {
           return object_->AutoDetect(answer, static_cast<EDetectLevel>(DetectLevel));
@@ -50,14 +50,14 @@ HRESULT TcpClass::AutoDetect(BSTR* result, ::EDetectLevel DetectLevel, VARIANT_B
 }
 
 HRESULT TcpClass::ReadLine(BSTR* result, VARIANT_BOOL* retval) {
-  return Get(
-      retval, [&] { return ReadInto(result, [&](auto& reply) { return object_->ReadLine(reply); }); },
-      result);
+  return Operate(
+      L"ReadLine()", retval,
+      [&] { return ReadInto(result, [&](auto& reply) { return object_->ReadLine(reply); }); }, result);
 }
 
 HRESULT TcpClass::ReadLineBinary(VARIANT* result, LONG lTimeoutms, VARIANT_BOOL* retval) {
-  return Get(
-      retval,
+  return Operate(
+      L"ReadLineBinary()", retval,
       [&] {
         return ReadInto(result, [&](auto& reply) { return object_->ReadLineBinary(reply, lTimeoutms); });
       },

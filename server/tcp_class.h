@@ -7,16 +7,16 @@
 
 #include "KespCommObj.h"
 #include "network/kesp_tcp.h"
-#include "server/automation_object.h"
 #include "server/com_headers.h"
 #include "server/connection_points.h"
 #include "server/instruments_class.h"
+#include "server/operating_object.h"
 #include "server/tcp_event_bridge.h"
 
 namespace kesp {
 
 // Wraps one network transport and hands out its collection of instruments.
-class TcpClass final : public AutomationObject<::_CKespTCP> {
+class TcpClass final : public OperatingObject<::_CKespTCP> {
  public:
   TcpClass();
 
@@ -97,13 +97,13 @@ class TcpClass final : public AutomationObject<::_CKespTCP> {
     return Put([&] { object_->SetIPType(static_cast<EIPType>(vData)); });
   }
   HRESULT STDMETHODCALLTYPE Initialize(VARIANT_BOOL* retval) override {
-    return Get(retval, [&] { return object_->Initialize(); });
+    return Operate(L"Initialize()", retval, [&] { return object_->Initialize(); });
   }
   HRESULT STDMETHODCALLTYPE Uninitialize(VARIANT_BOOL* retval) override {
-    return Get(retval, [&] { return object_->Uninitialize(); });
+    return Operate(L"Uninitialize()", retval, [&] { return object_->Uninitialize(); });
   }
   HRESULT STDMETHODCALLTYPE WriteLine(BSTR cmd, VARIANT_BOOL* retval) override {
-    return Get(retval, [&] { return object_->WriteLine(TextOf(cmd)); });
+    return Operate(L"WriteLine()", retval, [&] { return object_->WriteLine(TextOf(cmd)); });
   }
   HRESULT STDMETHODCALLTYPE ReadLine(BSTR* result, VARIANT_BOOL* retval) override;
   HRESULT STDMETHODCALLTYPE ReadLineBinary(VARIANT* result, LONG lTimeoutms, VARIANT_BOOL* retval) override;
@@ -111,8 +111,8 @@ class TcpClass final : public AutomationObject<::_CKespTCP> {
                                        VARIANT_BOOL* retval) override;
   HRESULT STDMETHODCALLTYPE Edit(::EEditCommFlags Flags, BSTR HelpFile, LONG HCID,
                                  VARIANT_BOOL* retval) override {
-    return Get(retval,
-               [&] { return object_->Edit(static_cast<EEditCommFlags>(Flags), TextOf(HelpFile), HCID); });
+    return Operate(L"Edit()", retval,
+                   [&] { return object_->Edit(static_cast<EEditCommFlags>(Flags), TextOf(HelpFile), HCID); });
   }
 
  protected:
