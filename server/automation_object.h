@@ -25,7 +25,9 @@ template <class Interface>
 class AutomationObject : public Interface, public ISupportErrorInfo, public IProvideClassInfo2 {
  public:
   explicit AutomationObject(const ClassDescription& description)
-      : description_(description), info_(InterfaceInfoOf(description.default_interface)) {}
+      : description_(description), info_(InterfaceInfoOf(description.default_interface)) {
+    KeepModule();
+  }
   AutomationObject(const AutomationObject&) = delete;
   AutomationObject& operator=(const AutomationObject&) = delete;
 
@@ -52,8 +54,6 @@ class AutomationObject : public Interface, public ISupportErrorInfo, public IPro
     if (left == 0) {
       // What runs while the object is torn down may take and drop references to it; it must not die twice.
       references_ = kTearingDown;
-      // The count of the module goes down last, when no code of the object is left to run.
-      const ModuleLock lock;
       delete this;
     }
     return left;
@@ -117,7 +117,6 @@ class AutomationObject : public Interface, public ISupportErrorInfo, public IPro
 
   const ClassDescription& description_;
   const InterfaceInfo& info_;
-  const ModuleLock module_lock_;
   std::atomic<ULONG> references_ = 1;
 };
 

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "server/com_headers.h"
-#include "server/module.h"
 
 namespace kesp {
 
@@ -33,10 +32,7 @@ class ObjectEnumerator final : public Interface {
   ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
   ULONG STDMETHODCALLTYPE Release() override {
     const ULONG left = --references_;
-    if (left == 0) {
-      const ModuleLock lock;
-      delete this;
-    }
+    if (left == 0) delete this;
     return left;
   }
 
@@ -71,7 +67,6 @@ class ObjectEnumerator final : public Interface {
  private:
   ~ObjectEnumerator() = default;
 
-  const ModuleLock module_lock_;
   std::shared_ptr<const List> list_;
   std::size_t next_;
   std::atomic<ULONG> references_ = 1;

@@ -5,7 +5,6 @@
 #include <functional>
 #include <memory>
 
-#include "tests/clients/library_module.h"
 #include "tests/clients/serial_fixture.h"
 #include "tests/serial_win/bare_port.h"
 
@@ -137,13 +136,11 @@ class SerialLastReferenceTest : public testing::Test {
   void ExpectGone() {
     EXPECT_TRUE(released_);
     EXPECT_EQ(recorder_->references(), 1U);
-    EXPECT_EQ(module_.CanUnloadNow(), S_OK);
     const BarePort free(SerialWire::PortName());
     EXPECT_EQ(free.error(), DWORD{ERROR_SUCCESS});
   }
 
   Apartment apartment_;
-  LibraryModule module_;
   SerialWire wire_;
   ComPtr<_CKespCOMPort3> port_ = Create<_CKespCOMPort3>(__uuidof(CKespCOMPort3));
   ComPtr<EventRecorder> recorder_ = EventRecorder::Make(__uuidof(__CKespCOMPort3));

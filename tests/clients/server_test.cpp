@@ -1,4 +1,4 @@
-// The library as a COM server: creation, class factories, and when it may be unloaded.
+// The library as a COM server: creation, class factories, and what outlives what.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -133,99 +133,37 @@ TEST_F(ServerTest, SmartSwitch_IsReachedThroughItsPortAndStaysTheSame) {
 }
 
 TEST_F(ServerTest, SmartSwitch_OutlivesItsPort) {
-  const LibraryModule module;
   ComPtr<_CKespSmartSwitch3> smart_switch;
   Create<_CKespCOMPort3>(__uuidof(CKespCOMPort3))->get_SmartSwitch(&smart_switch);
   short ports = 0;
   EXPECT_EQ(smart_switch->get_NumPorts(&ports), S_OK);
   EXPECT_EQ(ports, 6);
-  EXPECT_EQ(module.CanUnloadNow(), S_FALSE);
-  smart_switch.Reset();
-  EXPECT_EQ(module.CanUnloadNow(), S_OK);
 }
 
-class UnloadingTest : public ServerTest {
- protected:
-  LibraryModule module_;
-};
-
-TEST_F(UnloadingTest, NothingAlive_MayBeUnloaded) {
-  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
-}
-
-TEST_F(UnloadingTest, AnyObjectAlive_MustStay) {
-  for (const PublicClass& one : kPublicClasses) {
-    ComPtr<IUnknown> object = MakeObject(one);
-    EXPECT_EQ(module_.CanUnloadNow(), S_FALSE) << NarrowName(one);
-    object.Reset();
-    EXPECT_EQ(module_.CanUnloadNow(), S_OK) << NarrowName(one);
-  }
-}
-
-TEST_F(UnloadingTest, FactoryAlive_MustStay) {
-  ComPtr<IClassFactory> factory;
-  ASSERT_EQ(module_.GetClassObject(__uuidof(CInstrument), IID_IClassFactory,
-                                   reinterpret_cast<void**>(factory.GetAddressOf())),
-            S_OK);
-  EXPECT_EQ(module_.CanUnloadNow(), S_FALSE);
-  factory.Reset();
-  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
-}
-
-TEST_F(UnloadingTest, Locked_MustStayUntilTheLastLockIsGone) {
-  ComPtr<IClassFactory> factory;
-  module_.GetClassObject(__uuidof(CInstrument), IID_IClassFactory,
-                         reinterpret_cast<void**>(factory.GetAddressOf()));
-  EXPECT_EQ(factory->LockServer(TRUE), S_OK);
-  EXPECT_EQ(factory->LockServer(TRUE), S_OK);
-  EXPECT_EQ(factory->LockServer(FALSE), S_OK);
-  factory.Reset();
-  EXPECT_EQ(module_.CanUnloadNow(), S_FALSE);
-  module_.GetClassObject(__uuidof(CInstrument), IID_IClassFactory,
-                         reinterpret_cast<void**>(factory.GetAddressOf()));
-  EXPECT_EQ(factory->LockServer(FALSE), S_OK);
-  factory.Reset();
-  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
-}
-
-TEST_F(UnloadingTest, EnumeratorAlive_MustStayAlthoughItsCollectionIsGone) {
-  ComPtr<IUnknown> enumerator;
-  Create<_CInstruments>(__uuidof(CInstruments))->get_NewEnum(&enumerator);
-  ASSERT_NE(enumerator, nullptr);
-  EXPECT_EQ(module_.CanUnloadNow(), S_FALSE);
-  enumerator.Reset();
-  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
-}
-
-TEST_F(UnloadingTest, ConnectionPointAlive_MustStayWithItsObject) {
+// A connection point belongs to its object and keeps it.
+TEST_F(ServerTest, ConnectionPoint_OutlivesTheReferencesToItsObject) {
   ComPtr<IConnectionPointContainer> container;
   Create<IUnknown>(__uuidof(CKespTCP)).As(&container);
   ComPtr<IConnectionPoint> point;
   ASSERT_EQ(container->FindConnectionPoint(__uuidof(__CKespTCP), &point), S_OK);
   container.Reset();
-  EXPECT_EQ(module_.CanUnloadNow(), S_FALSE);
   IID iid = GUID_NULL;
   EXPECT_EQ(point->GetConnectionInterface(&iid), S_OK);
-  point.Reset();
-  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
+  EXPECT_EQ(iid, __uuidof(__CKespTCP));
 }
 
-TEST_F(UnloadingTest, TransportAlive_MustStayAlthoughItsFacadeIsGone) {
+TEST_F(ServerTest, Transport_OutlivesItsFacade) {
   ComPtr<IDispatch> transport;
   Create<_CKespCommObj>(__uuidof(CKespCommObj))->get_CommObject(&transport);
   ComPtr<_CKespCOMPort3> port;
   ASSERT_EQ(transport.As(&port), S_OK);
   transport.Reset();
-  EXPECT_EQ(module_.CanUnloadNow(), S_FALSE);
   short number = 0;
   EXPECT_EQ(port->get_Port(&number), S_OK);
   EXPECT_EQ(number, 1);
-  port.Reset();
-  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
 }
 
-TEST_F(UnloadingTest, ManyThreadsCreateAndRelease_CountIsRightAfterwards) {
-  auto held = Create<_CInstrument>(__uuidof(CInstrument));
+TEST_F(ServerTest, ManyThreadsCreateAndRelease) {
   std::atomic<int> made = 0;
   std::vector<std::thread> threads;
   for (int i = 0; i < 8; ++i) {
@@ -240,32 +178,6 @@ TEST_F(UnloadingTest, ManyThreadsCreateAndRelease_CountIsRightAfterwards) {
   }
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(made, 8 * 25 * 7);
-  EXPECT_EQ(module_.CanUnloadNow(), S_FALSE);
-  held.Reset();
-  EXPECT_EQ(module_.CanUnloadNow(), S_OK);
-}
-
-TEST(ReloadTest, LastApartmentGone_LibraryIsUnloadedAndWorksWhenLoadedAgain) {
-  for (int round = 0; round < 3; ++round) {
-    {
-      const Apartment apartment;
-      const auto comm = Create<_CKespCommObj>(__uuidof(CKespCommObj));
-      Text key;
-      EXPECT_EQ(comm->GetKey(key.out()), S_OK);
-      EXPECT_EQ(key.str().size(), 11u);
-      EXPECT_NE(GetModuleHandleW(L"KespCommObj.dll"), nullptr);
-    }
-    EXPECT_EQ(GetModuleHandleW(L"KespCommObj.dll"), nullptr) << "round " << round;
-  }
-}
-
-TEST(ReloadTest, UnusedLibrariesFreed_LibraryIsUnloadedInARunningApartment) {
-  const Apartment apartment;
-  Create<_CKespTCP>(__uuidof(CKespTCP)).Reset();
-  CoFreeUnusedLibrariesEx(0, 0);
-  CoFreeUnusedLibrariesEx(0, 0);
-  EXPECT_EQ(GetModuleHandleW(L"KespCommObj.dll"), nullptr);
-  EXPECT_NE(Create<_CKespTCP>(__uuidof(CKespTCP)), nullptr);
 }
 
 }  // namespace
