@@ -3,7 +3,7 @@
 
 usage: payload.py TREE DIST OUTPUT
 
-TREE is the folder of the sources, whose README, CHANGELOG and docs go along; DIST holds win64 and win32. A file that is
+TREE is the folder of the sources, whose README and CHANGELOG go along with the pages that they lead to; DIST holds win64 and win32. A file that is
 the same for both widths is installed once; one that differs goes into the folder of its width. The simulated driver
 is not installed: on a machine with instruments nothing may be taken for their driver.
 """
@@ -12,6 +12,11 @@ import filecmp
 import pathlib
 import sys
 
+sys.dont_write_bytecode = True  # the tree stays as it is
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tools" / "lib"))
+import page_links  # noqa: E402
+
+DOCUMENTS = {".md", ".png"}
 WIDTHS = ("win64", "win32")
 LEFT_OUT = {"simulated_driver"}
 
@@ -23,9 +28,18 @@ def files_below(folder):
 
 
 def documents(tree):
-    """The pages for users, as pairs of source and place."""
-    found = [tree / "README.md", tree / "CHANGELOG.md", *sorted((tree / "docs").glob("*.md"))]
-    return [(path, path.relative_to(tree)) for path in found if path.is_file()]
+    """The pages for users, as pairs of source and place: those of the top, and all pages and pictures to which links lead
+    from there. Samples are among the products."""
+    found, open_ends = [], [pathlib.PurePosixPath(name) for name in ("README.md", "CHANGELOG.md")]
+    while open_ends:
+        place = open_ends.pop()
+        if place in found or place.suffix not in DOCUMENTS or not (tree / place).is_file():
+            continue
+        found.append(place)
+        if place.suffix == ".md":
+            text = (tree / place).read_text(encoding="utf-8")
+            open_ends += [page_links.place(place, path) for path, _ in page_links.links(text) if path]
+    return [(tree / place, pathlib.Path(place)) for place in sorted(found)]
 
 
 def products(dist):

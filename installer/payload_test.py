@@ -9,6 +9,7 @@ import unittest
 
 sys.dont_write_bytecode = True  # the tree stays as it is
 import payload  # noqa: E402
+import page_links  # noqa: E402  (found by payload)
 
 
 class PayloadTest(unittest.TestCase):
@@ -62,10 +63,21 @@ class PayloadTest(unittest.TestCase):
             "win64": ["win64/KespCommObj.dll"], "win32": ["win32/KespCommObj.dll"]})
         self.assertNotIn("Gpib-32", self.script())
 
-    def test_Documents_AreThePagesAndNothingElseOfTheTree(self):
-        for place in ("README.md", "docs/b.md", "docs/a.md", "docs/picture.png", "server/c.md"):
+    def test_Documents_AreThePagesAndPicturesThatTheFirstOneLeadsTo(self):
+        self.write("README.md", "[b](docs/b.md#top) [script](samples/a.vbs) [elsewhere](http://c/d.md) [none](e.md)")
+        self.write("docs/b.md", "![picture](shown.png) [back](../README.md) [deeper](../server/c.md)\n```\n[x](d.md)\n```")
+        for place in ("docs/shown.png", "docs/not_shown.png", "server/c.md", "docs/d.md", "samples/a.vbs"):
             self.write(place, "")
-        self.assertEqual(self.places()["common"], ["README.md", "docs/a.md", "docs/b.md"])
+        self.assertEqual(self.places()["common"], ["README.md", "docs/b.md", "docs/shown.png", "server/c.md"])
+
+    def test_InstalledPages_LeadToNothingThatIsNotInstalled(self):
+        tree = pathlib.Path(__file__).resolve().parent.parent
+        documents = {place for _, place in payload.documents(tree)}
+        for page in [place for place in documents if place.suffix == ".md"]:
+            for path, _ in page_links.links((tree / page).read_text(encoding="utf-8")):
+                target = page_links.place(page, path) if path else page
+                is_sample = target.parts[0] == "samples" and (tree / target).is_file()
+                self.assertTrue(is_sample or pathlib.Path(target) in documents, f"{page} leads to {target}")
 
     def test_Products_WithoutADll_AreRefused(self):
         (self.dist / "win32" / "KespCommObj.dll").unlink()
@@ -73,7 +85,8 @@ class PayloadTest(unittest.TestCase):
             payload.groups_of(self.tree, self.dist)
 
     def test_Script_RemovesEveryFileThatItInstalls(self):
-        for place in ("README.md", "docs/a.md", "dist/win64/samples/deep/er/x.txt", "dist/win32/y.txt"):
+        self.write("README.md", "[a](docs/a.md)")
+        for place in ("docs/a.md", "dist/win64/samples/deep/er/x.txt", "dist/win32/y.txt"):
             self.write(place, "")
         folder, installed = "", set()
         for line in self.script().splitlines():
