@@ -5,15 +5,18 @@ namespace kesp {
 
 namespace {
 
-// The status of a call that the driver did not take: the error bit and error number 0, and as the count what
-// the driver's own header leaves there, 0xDEAD37F0.
-constexpr GpibStatus kNotTaken{.ibsta = -32768, .iberr = 0, .ibcnt = 0, .ibcntl = -559073296};
+// No count: what the driver's own header leaves there, 0xDEAD37F0.
+constexpr std::int32_t kNoCount = -559073296;
+
+// The status of a call that the driver did not take, or whose outcome cannot be known: the error bit and
+// error number 0.
+constexpr std::int16_t kError = -32768;
+constexpr GpibStatus kNotTaken{.ibsta = kError, .iberr = 0, .ibcnt = 0, .ibcntl = kNoCount};
 
 // In the status cell before a call. A driver reports 16 bits.
 constexpr std::int32_t kUntouched = -1;
 
-// Results of RegisterGpibGlobalsForThread.
-constexpr int kRegistered = 0;
+// Further results of RegisterGpibGlobalsForThread.
 constexpr int kRegisteredWithOtherCells = 1;
 constexpr int kRefusedFirst = 2;
 constexpr int kRefusedLast = 3;
@@ -22,11 +25,6 @@ constexpr int kRefusedLast = 3;
 constexpr int kEndOfTransfer = 1;
 constexpr int kNoEndOfString = 0;
 constexpr int kOffline = 0;
-
-int RegisterCells(GpibThread& thread) {
-  return thread.entry_points->RegisterGpibGlobalsForThread(&thread.status_cell, &thread.error_cell,
-                                                           &thread.count_cell, &thread.long_count_cell);
-}
 
 }  // namespace
 
@@ -44,32 +42,35 @@ GpibDriver::Device GpibDriver::ibdev(std::int16_t board, std::int16_t primary_ad
   device.status = Run([&](const GpibEntryPoints& driver) {
     device.descriptor =
         driver.ibdev(board, primary_address, secondary_address, time_out, kEndOfTransfer, kNoEndOfString);
+    return device.descriptor < 0 ? kError : 0;
   });
   return device;
 }
 
 GpibStatus GpibDriver::ibclr(std::int16_t descriptor) {
-  return Run([&](const GpibEntryPoints& driver) { driver.ibclr(descriptor); });
+  return Run([&](const GpibEntryPoints& driver) { return driver.ibclr(descriptor); });
 }
 
 GpibStatus GpibDriver::ibeos(std::int16_t descriptor, std::int32_t mode) {
-  return Run([&](const GpibEntryPoints& driver) { driver.ibeos(descriptor, mode); });
+  return Run([&](const GpibEntryPoints& driver) { return driver.ibeos(descriptor, mode); });
 }
 
 GpibStatus GpibDriver::ibwrt(std::int16_t descriptor, const std::string& bytes) {
   return Run([&](const GpibEntryPoints& driver) {
-    driver.ibwrt(descriptor, bytes.data(), static_cast<GpibLength>(bytes.size()));
+    return driver.ibwrt(descriptor, bytes.data(), static_cast<GpibLength>(bytes.size()));
   });
 }
 
 GpibStatus GpibDriver::ibrd(std::int16_t descriptor, std::span<char> buffer) {
-  return Run([&](const GpibEntryPoints& driver) {
-    driver.ibrd(descriptor, buffer.data(), static_cast<GpibLength>(buffer.size()));
+  const GpibStatus status = Run([&](const GpibEntryPoints& driver) {
+    return driver.ibrd(descriptor, buffer.data(), static_cast<GpibLength>(buffer.size()));
   });
+  // How much of the buffer is the reply cannot be guessed.
+  return !status.Failed() && status.ibcntl == kNoCount ? kNotTaken : status;
 }
 
 GpibStatus GpibDriver::ibonl(std::int32_t descriptor_or_board) {
-  return Run([&](const GpibEntryPoints& driver) { driver.ibonl(descriptor_or_board, kOffline); });
+  return Run([&](const GpibEntryPoints& driver) { return driver.ibonl(descriptor_or_board, kOffline); });
 }
 
 template <typename Call>
@@ -79,27 +80,35 @@ GpibStatus GpibDriver::Run(const Call& call) {
   thread.status_cell = kUntouched;
   thread.count_cell = 0;
   thread.long_count_cell = 0;
-  call(*thread.entry_points);
-  if (thread.status_cell == kUntouched) {
-    // Somebody else has registered other cells for this thread. What became of the call cannot be known.
-    thread.registered = false;
-    return kNotTaken;
-  }
+  const int status_word = call(*thread.entry_points);
+  if (thread.status_cell == kUntouched) return WithoutCells(thread, status_word);
   return {.ibsta = Low16(thread.status_cell),
           .iberr = Low16(thread.error_cell),
           .ibcnt = Low16(thread.count_cell),
           .ibcntl = thread.long_count_cell};
 }
 
+GpibStatus GpibDriver::WithoutCells(GpibThread& thread, int status_word) {
+  // Perhaps the host program has registered cells of its own. The next call registers ours again, because a
+  // read needs its count.
+  thread.registered = false;
+  thread.in_doubt = true;
+  const bool has_count = thread.long_count_cell != 0;
+  return {.ibsta = Low16(status_word),
+          .iberr = 0,
+          .ibcnt = Low16(thread.count_cell),
+          .ibcntl = has_count ? thread.long_count_cell : kNoCount};
+}
+
 bool GpibDriver::Register(GpibThread& thread) const {
   thread.entry_points = loaded_.load(std::memory_order_acquire);
-  switch (RegisterCells(thread)) {
-    case kRegistered:
+  switch (thread.Register()) {
+    case GpibThread::kRegistered:
       thread.registered = true;
       break;
     case kRegisteredWithOtherCells:
       thread.entry_points->UnregisterGpibGlobalsForThread();
-      RegisterCells(thread);
+      thread.Register();
       thread.registered = true;
       break;
     case kRefusedFirst:
@@ -109,6 +118,7 @@ bool GpibDriver::Register(GpibThread& thread) const {
     default:
       break;
   }
+  if (thread.registered) thread.in_doubt = false;
   return thread.registered;
 }
 

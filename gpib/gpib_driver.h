@@ -20,9 +20,12 @@ namespace kesp {
 //
 // Each call registers the calling thread's status cells with the driver when that has not been done, calls
 // the driver, and returns the driver's status. A thread that cannot be registered gets the status of a
-// failure with the error number 0, without a call of the driver; the next call tries again. The same status
-// comes of a call during which the driver knew other cells of the thread, because the host program had
-// registered its own; whether the driver carried it out is not known then.
+// failure with the error number 0, without a call of the driver; the next call tries again.
+//
+// A call may leave the cells untouched: because the host program has registered its own for the thread, or
+// because the driver writes them after a failure only. The status is then the word that the driver's function
+// returned, which is the same word, with the error number 0; of ibdev, it is the error bit or nothing, as the
+// descriptor says. The next call registers the thread again.
 class GpibDriver {
  public:
   GpibDriver(GpibLibrary& library, GpibThreads& threads) : library_(library), threads_(threads) {}
@@ -52,16 +55,19 @@ class GpibDriver {
 
   GpibStatus ibwrt(std::int16_t descriptor, const std::string& bytes);
 
-  // Reads at most as many bytes as the buffer has; the status's count tells how many it were.
+  // Reads at most as many bytes as the buffer has; the status's count tells how many it were. A read whose
+  // count the driver left out is a failure with the error number 0, whatever else it says.
   GpibStatus ibrd(std::int16_t descriptor, std::span<char> buffer);
 
   // Takes a device, or the board of that index, offline: ibonl with 0.
   GpibStatus ibonl(std::int32_t descriptor_or_board);
 
  private:
-  // Runs `call` on the registered thread and returns what it came to.
+  // Runs `call`, which returns the status word, on the registered thread. Returns what it came to.
   template <typename Call>
   GpibStatus Run(const Call& call);
+  // The status of a call that left the thread's cells untouched and returned this word.
+  static GpibStatus WithoutCells(GpibThread& thread, int status_word);
   bool Register(GpibThread& thread) const;
 
   GpibLibrary& library_;

@@ -73,6 +73,7 @@ void GpibDriverFake::GiveCellsToTheHost() {
 std::set<std::thread::id> GpibDriverFake::Registered() {
   const std::lock_guard lock(mutex_);
   std::set<std::thread::id> threads;
+  hosts_.insert(std::this_thread::get_id());
   for (const auto& [thread, cells] : cells_) threads.insert(thread);
   return threads;
 }
@@ -129,7 +130,7 @@ int GpibDriverFake::Register(std::int32_t* status, std::int32_t* error, std::int
                              std::int32_t* long_count) {
   const std::lock_guard lock(current_->mutex_);
   current_->registrations.emplace_back("register");
-  int result = 0;
+  int result = current_->hosts_.contains(std::this_thread::get_id()) ? 1 : 0;
   if (!current_->registration_results.empty()) {
     result = current_->registration_results.front();
     current_->registration_results.erase(current_->registration_results.begin());
@@ -141,7 +142,8 @@ int GpibDriverFake::Register(std::int32_t* status, std::int32_t* error, std::int
 int GpibDriverFake::Unregister() {
   const std::lock_guard lock(current_->mutex_);
   current_->registrations.emplace_back("unregister");
-  return current_->cells_.erase(std::this_thread::get_id()) == 1 ? 0 : 1;
+  const std::thread::id thread = std::this_thread::get_id();
+  return current_->cells_.erase(thread) + current_->hosts_.erase(thread) != 0 ? 0 : 1;
 }
 
 int GpibDriverFake::OnDevice(const std::string& name, int descriptor, const std::string& arguments,
@@ -170,7 +172,7 @@ GpibOutcome GpibDriverFake::Answer(const std::string& name, const std::string& c
 
 const GpibOutcome& GpibDriverFake::Report(const GpibOutcome& outcome) {
   const auto found = cells_.find(std::this_thread::get_id());
-  if (found != cells_.end()) {
+  if (found != cells_.end() && (outcome.status >= 0x8000 || !reports_failures_only)) {
     *found->second.status = outcome.status;
     *found->second.error = outcome.error;
     *found->second.count = outcome.count;

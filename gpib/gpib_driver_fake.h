@@ -71,9 +71,12 @@ class GpibDriverFake final : public GpibLibrary {
   bool knows_descriptors = false;
   std::set<int> open;
   // What the last ibrd's buffer held before it was filled.
+  // Whether calls that succeed leave the thread's cells as they are.
+  bool reports_failures_only = false;
   std::string buffer_on_entry;
 
-  // What happens when the host program registers cells of its own for the calling thread.
+  // What happens when the host program registers cells of its own for the calling thread: others are refused
+  // with 1 until it is unregistered.
   void GiveCellsToTheHost();
   // The threads that are registered.
   std::set<std::thread::id> Registered();
@@ -109,6 +112,7 @@ class GpibDriverFake final : public GpibLibrary {
   std::mutex mutex_;
   std::map<std::thread::id, Cells> cells_;
   int next_descriptor_ = 7;
+  std::set<std::thread::id> hosts_;  // threads with cells of the host program's
 };
 
 // Each thread's data until EndThread or the end of this object.

@@ -27,6 +27,10 @@ class GpibDriverTest : public testing::Test {
   void Answer(const GpibOutcome& outcome) {
     bus_.answers["ibclr"] = [outcome] { return outcome; };
   }
+  void CallAndLoseTheCells() {
+    Call();
+    bus_.GiveCellsToTheHost();
+  }
   static void ExpectNoCall(const GpibStatus& status) {
     EXPECT_TRUE(status.Failed());
     EXPECT_EQ(status.ibsta, -32768);
@@ -127,33 +131,68 @@ TEST_F(GpibDriverTest, SecondCall_DoesNotSeeTheFirstOnesFailure) {
   EXPECT_FALSE(Call().Failed());
 }
 
-TEST_F(GpibDriverTest, HostRegisteredCellsOfItsOwn_OneCallFails_NextRegistersAgain) {
+// The function's own result is the status then; the number of the error and the count stay in the host's
+// cells.
+TEST_F(GpibDriverTest, HostRegisteredCellsOfItsOwn_TheReturnedWordIsTheStatus) {
   Load();
-  Call();
-  bus_.GiveCellsToTheHost();
-  ExpectNoCall(Call());
-  bus_.registration_results = {1, 0};
-  EXPECT_FALSE(Call().Failed());
+  for (const std::int32_t word : {0x0100, 0xC100}) {
+    Answer({.status = word, .error = 6, .count = 7});
+    CallAndLoseTheCells();
+    const GpibStatus status = Call();
+    EXPECT_EQ(status.ibsta, Low16(word));
+    EXPECT_EQ(status.iberr, 0);
+    EXPECT_EQ(status.ibcnt, 0);
+    EXPECT_LE(status.ibcntl, 0);
+  }
+}
+
+TEST_F(GpibDriverTest, HostRegisteredCellsOfItsOwn_OfIbdevTheDescriptorIsTheStatus) {
+  Load();
+  CallAndLoseTheCells();
+  const GpibDriver::Device device = driver_.ibdev(0, 5, 0, 11);
+  EXPECT_EQ(device.descriptor, 7);
+  EXPECT_FALSE(device.status.Failed());
+  CallAndLoseTheCells();
+  bus_.answers["ibdev"] = [] { return GpibOutcome::Failure(7); };
+  EXPECT_EQ(driver_.ibdev(0, 5, 0, 11).status.ErrorText(), L"Error: 0 - System error");
+}
+
+TEST_F(GpibDriverTest, HostRegisteredCellsOfItsOwn_ReadWithoutACountFails_NextRegistersAgain) {
+  Load();
+  CallAndLoseTheCells();
+  bus_.waiting = "abc";
+  std::array<char, 5> buffer{};
+  ExpectNoCall(driver_.ibrd(7, buffer));
+  bus_.waiting = "de";
+  EXPECT_EQ(driver_.ibrd(7, buffer).ibcntl, 2);
   EXPECT_EQ(bus_.registrations, (Calls{"register", "register", "unregister", "register"}));
 }
 
 TEST_F(GpibDriverTest, HostRegisteredCellsOfItsOwn_TheyAreNotUnregisteredAtTheThreadsEnd) {
   Load();
-  Call();
-  bus_.GiveCellsToTheHost();
+  CallAndLoseTheCells();
   Call();
   threads_.EndThread();
-  EXPECT_EQ(bus_.registrations, (Calls{"register"}));
+  EXPECT_EQ(bus_.registrations, (Calls{"register", "register"})) << "the second one is refused";
 }
 
-TEST_F(GpibDriverTest, DriverReportsNoCount_IsNone) {
+TEST_F(GpibDriverTest, DriverReportsFailuresOnly_SuccessesAreSuccessesAndFailuresHaveTheirNumber) {
   Load();
-  Answer({.count = 7});
+  bus_.reports_failures_only = true;
+  EXPECT_FALSE(driver_.ibdev(0, 5, 0, 11).status.Failed());
+  EXPECT_FALSE(driver_.ibwrt(7, "abc").Failed());
+  Answer(GpibOutcome::Failure(14));
+  EXPECT_EQ(Call().iberr, 14);
+  EXPECT_FALSE(driver_.ibwrt(7, "abc").Failed());
+}
+
+// Or the driver would go on writing into cells that are no more.
+TEST_F(GpibDriverTest, DriverReportsFailuresOnly_ThreadIsUnregisteredAtItsEnd) {
+  Load();
+  bus_.reports_failures_only = true;
   Call();
-  bus_.GiveCellsToTheHost();
-  const GpibStatus status = Call();
-  EXPECT_EQ(status.ibcnt, 0);
-  EXPECT_LE(status.ibcntl, 0);
+  threads_.EndThread();
+  EXPECT_TRUE(bus_.Registered().empty());
 }
 
 TEST_F(GpibDriverTest, FirstCallOfAThread_RegistersIt_LaterOnesDoNot) {
@@ -174,12 +213,13 @@ TEST_F(GpibDriverTest, RegisteredWithOtherCells_UnregistersAndRegistersAgain) {
 }
 
 // The thread counts as registered then, until a call shows that it is not.
-TEST_F(GpibDriverTest, RegisteredWithOtherCellsTwice_CallFails_NextOneTriesAgain) {
+TEST_F(GpibDriverTest, RegisteredWithOtherCellsTwice_CallIsMade_NextOneTriesAgain) {
   bus_.registration_results = {1, 1};
   Load();
-  ExpectNoCall(Call());
-  EXPECT_EQ(bus_.registrations, (Calls{"register", "unregister", "register"}));
   EXPECT_FALSE(Call().Failed());
+  EXPECT_EQ(bus_.registrations, (Calls{"register", "unregister", "register"}));
+  Answer({.count = 7});
+  EXPECT_EQ(Call().ibcnt, 7);
 }
 
 class RefusedRegistrationTest : public GpibDriverTest, public testing::WithParamInterface<int> {};

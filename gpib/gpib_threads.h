@@ -18,15 +18,27 @@ struct GpibThread {
 
   // Set once the driver knows the cells; from then on `entry_points` is set, too.
   bool registered = false;
+  // Set instead when a call has left the cells untouched: the driver may know others of this thread.
+  bool in_doubt = false;
   const GpibEntryPoints* entry_points = nullptr;
 
   GpibThread() = default;
   GpibThread(const GpibThread&) = delete;
   GpibThread& operator=(const GpibThread&) = delete;
 
-  // Tells the driver to forget the cells. Runs on the thread itself, at its end.
+  // Tells the driver to forget the cells. Runs on the thread itself, at its end. Cells of the host program's
+  // own, which the driver names by refusing ours, stay registered.
   ~GpibThread() {
+    if (in_doubt) registered = Register() == kRegistered;
     if (registered) entry_points->UnregisterGpibGlobalsForThread();
+  }
+
+  static constexpr int kRegistered = 0;
+
+  // Hands the cells to the driver of `entry_points`. Returns what RegisterGpibGlobalsForThread does.
+  int Register() {
+    return entry_points->RegisterGpibGlobalsForThread(&status_cell, &error_cell, &count_cell,
+                                                      &long_count_cell);
   }
 };
 

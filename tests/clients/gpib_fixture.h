@@ -45,7 +45,7 @@ void RunOnItsOwnThread() {
 }
 
 // A test case as TEST_F defines them, but on a thread of its own. The library registers each thread with the
-// driver once and learns by a call that fails that a new bus has forgotten it.
+// driver once, and again behind the first call on a new bus, which has forgotten it.
 #define GPIB_TEST(Stage, Case)                            \
   struct Stage##_##Case : Stage {                         \
     void Run();                                           \

@@ -48,23 +48,24 @@ GPIB_TEST(GpibRegistrationTest, OtherCellsThere_AreReplaced) {
   EXPECT_EQ(driver_.Record(), (CallLines{Registered(1), Unregistered(1), Registered(0), kOpened}));
 }
 
-// What becomes of a call that reports into other cells cannot be known, so what it has opened is closed.
-GPIB_TEST(GpibRegistrationTest, OtherCellsStay_OneCallFails) {
+// What a function returns counts where the cells say nothing.
+GPIB_TEST(GpibRegistrationTest, OtherCellsStay_CallIsMadeAndTheNextOneTriesAgain) {
   Script("1, 1");
-  EXPECT_EQ(ieee_.Initialize(),
-            (Refusal{ERR_IBDEV, kOpeningSource, DriverError(L"ibdev()", L"0 - System error")}));
-  EXPECT_EQ(driver_.OpenDescriptors(), 0) << driver_.RecordText();
   EXPECT_EQ(ieee_.Initialize(), kDone);
+  EXPECT_EQ(driver_.Record(), (CallLines{Registered(1), Unregistered(1), Registered(1), kOpened}));
+  EXPECT_EQ(ieee_.Exchange(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
+  EXPECT_EQ(ieee_.Uninitialize(), kDone);
 }
 
 // As a new bus does, a host program may take the registration away at any time.
-GPIB_TEST(GpibRegistrationTest, RegistrationLost_OneCallFails) {
+GPIB_TEST(GpibRegistrationTest, RegistrationLost_IsMadeAgainBehindACall) {
   EXPECT_EQ(ieee_.Converse(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
   driver_.Load(MeterBus());
-  EXPECT_EQ(ieee_.Initialize(),
-            (Refusal{ERR_IBDEV, kOpeningSource, DriverError(L"ibdev()", L"0 - System error")}));
-  EXPECT_EQ(driver_.OpenDescriptors(), 0) << driver_.RecordText();
   EXPECT_EQ(ieee_.Converse(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
+  CallLines record = driver_.Record();
+  ASSERT_GE(record.size(), 2U);
+  record.resize(2);
+  EXPECT_EQ(record, (CallLines{kOpened, Registered(0)}));
 }
 
 GPIB_TEST(GpibRegistrationTest, RefusedWith2Or3_IsUndoneAndTriedAgain) {

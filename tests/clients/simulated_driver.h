@@ -12,8 +12,9 @@ using CallLines = std::vector<std::string>;
 
 // The driver's DLL, which is one in the process.
 //
-// The library registers each thread with it once and learns of a new bus by a call that fails. Load therefore
-// comes before the thread's first call of the driver, or the rest is done on a thread of its own.
+// The library registers each thread with it once, and again behind the first call on a new bus, whose error
+// number or count is lost. Load therefore comes before the thread's first call of the driver, or the rest is
+// done on a thread of its own.
 class SimulatedDriver {
  public:
   SimulatedDriver();
