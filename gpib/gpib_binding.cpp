@@ -31,13 +31,16 @@ std::wstring Reason(std::uint32_t error) {
 // Returns the name of the file that was loaded.
 std::wstring LoadFirst(GpibLibrary& library, const wchar_t* source) {
   const std::vector<std::wstring> names = library.FileNames();
-  for (const std::wstring& name : names) {
-    const std::uint32_t error = library.Load(name);
-    if (error == 0) return name;
-    if (error == kGpibLibraryNotFound) continue;
-    // It is installed, so the other names would only hide what is wrong with it.
-    throw Failure(kErrorInLoading, source,
-                  L"Error in loading the GPIB driver " + name + L" (" + Reason(error) + L")");
+  // What is installed for all programs goes before what lies beside this library, under whichever name.
+  for (const GpibPlace place : {GpibPlace::kWindowsFolders, GpibPlace::kFolderOfThisLibrary}) {
+    for (const std::wstring& name : names) {
+      const std::uint32_t error = library.Load(name, place);
+      if (error == 0) return name;
+      if (error == kGpibLibraryNotFound) continue;
+      // It is installed, so another file would only hide what is wrong with it.
+      throw Failure(kErrorInLoading, source,
+                    L"Error in loading the GPIB driver " + name + L" (" + Reason(error) + L")");
+    }
   }
   throw Failure(kFileNotFound, source,
                 L"File not found: " + Joined(names) + L" (the GPIB driver is not installed)");

@@ -66,6 +66,16 @@ TEST_F(GpibBindingTest, SeveralNamesAndNoneIsThere_SaysAll) {
                     L"File not found: Gpib-32.dll or ni4882.dll (the GPIB driver is not installed)"}));
 }
 
+TEST_F(GpibBindingTest, FolderOfTheLibrary_IsLast) {
+  bus_.file_names = {L"Gpib-32.dll", L"ni4882.dll"};
+  bus_.load_errors = {{L"Gpib-32.dll", 126}, {L"ni4882.dll", 126}};
+  bus_.beside[L"ni4882.dll"] = 0;
+  BindGpibDriver(bus_, L"[source]");
+  EXPECT_EQ(bus_.loads, (Names{L"Gpib-32.dll", L"ni4882.dll", L"beside Gpib-32.dll", L"beside ni4882.dll"}));
+  bus_.beside[L"Gpib-32.dll"] = 193;
+  EXPECT_EQ(Refusal().number, 48);
+}
+
 TEST_F(GpibBindingTest, FileCannotBeLoaded_SaysWhyAndTriesNoOther) {
   bus_.file_names = {L"Gpib-32.dll", L"ni4882.dll"};
   bus_.load_errors[L"Gpib-32.dll"] = 193;  // not an image of this width

@@ -38,7 +38,12 @@ std::vector<std::wstring> GpibDriverFake::FileNames() const {
   return file_names;
 }
 
-std::uint32_t GpibDriverFake::Load(const std::wstring& file_name) {
+std::uint32_t GpibDriverFake::Load(const std::wstring& file_name, GpibPlace place) {
+  if (place == GpibPlace::kFolderOfThisLibrary) {
+    loads.push_back(L"beside " + file_name);
+    const auto found = beside.find(file_name);
+    return found == beside.end() ? kGpibLibraryNotFound : found->second;
+  }
   loads.push_back(file_name);
   std::exchange(on_load, [] {})();
   const auto found = load_errors.find(file_name);
@@ -68,12 +73,12 @@ GpibEntryPoint GpibDriverFake::Find(const char* name) {
 void GpibDriverFake::GiveCellsToTheHost() {
   const std::lock_guard lock(mutex_);
   cells_.erase(std::this_thread::get_id());
+  hosts_.insert(std::this_thread::get_id());
 }
 
 std::set<std::thread::id> GpibDriverFake::Registered() {
   const std::lock_guard lock(mutex_);
   std::set<std::thread::id> threads;
-  hosts_.insert(std::this_thread::get_id());
   for (const auto& [thread, cells] : cells_) threads.insert(thread);
   return threads;
 }

@@ -40,15 +40,16 @@ class GpibDriverFake final : public GpibLibrary {
 
   // GpibLibrary
   std::vector<std::wstring> FileNames() const override;
-  std::uint32_t Load(const std::wstring& file_name) override;
+  std::uint32_t Load(const std::wstring& file_name, GpibPlace place) override;
   void Unload() override;
   GpibEntryPoint Find(const char* name) override;
 
   // The DLL.
   std::vector<std::wstring> file_names = {L"Gpib-32.dll"};
-  std::map<std::wstring, std::uint32_t> load_errors;
+  std::map<std::wstring, std::uint32_t> load_errors;  // in the folders of Windows; others are there
+  std::map<std::wstring, std::uint32_t> beside;       // in this library's folder; others are not there
   std::set<std::string> missing;
-  std::vector<std::wstring> loads;
+  std::vector<std::wstring> loads;        // "beside " before those of this library's folder
   std::function<void()> on_load = [] {};  // run in the next Load
   std::map<std::string, int> lookups;
   int unloads = 0;
@@ -70,9 +71,9 @@ class GpibDriverFake final : public GpibLibrary {
   // Whether descriptors that are not open fail with error 0, the system error.
   bool knows_descriptors = false;
   std::set<int> open;
-  // What the last ibrd's buffer held before it was filled.
   // Whether calls that succeed leave the thread's cells as they are.
   bool reports_failures_only = false;
+  // What the last ibrd's buffer held before it was filled.
   std::string buffer_on_entry;
 
   // What happens when the host program registers cells of its own for the calling thread: others are refused
@@ -111,8 +112,8 @@ class GpibDriverFake final : public GpibLibrary {
   static GpibDriverFake* current_;
   std::mutex mutex_;
   std::map<std::thread::id, Cells> cells_;
-  int next_descriptor_ = 7;
   std::set<std::thread::id> hosts_;  // threads with cells of the host program's
+  int next_descriptor_ = 7;
 };
 
 // Each thread's data until EndThread or the end of this object.

@@ -5,6 +5,8 @@
 
 #include <utility>
 
+#include "support/files_win.h"
+
 namespace kesp {
 
 namespace {
@@ -21,14 +23,20 @@ class QuietLoading {
   DWORD mode_ = 0;
 };
 
-HMODULE LoadFromLibraryFolders(const std::wstring& file_name, DWORD flags = 0) {
-  return LoadLibraryExW(file_name.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS | flags);
+// Of a file: its name and where to look for it, or its whole path and where to look for the DLLs it needs.
+struct Search {
+  std::wstring file;
+  DWORD folders = LOAD_LIBRARY_SEARCH_DEFAULT_DIRS;
+};
+
+HMODULE LoadBy(const Search& search, DWORD flags = 0) {
+  return LoadLibraryExW(search.file.c_str(), nullptr, search.folders | flags);
 }
 
 // Windows tells a file that is missing and one whose own DLLs are missing by the same number. Loading it
 // without those DLLs tells the two apart; nothing of it runs.
-bool IsThere(const std::wstring& file_name) {
-  HMODULE alone = LoadFromLibraryFolders(file_name, DONT_RESOLVE_DLL_REFERENCES);
+bool IsThere(const Search& search) {
+  HMODULE alone = LoadBy(search, DONT_RESOLVE_DLL_REFERENCES);
   if (alone == nullptr) return false;
   FreeLibrary(alone);
   return true;
@@ -42,12 +50,19 @@ std::vector<std::wstring> GpibLibraryWin::FileNames() const {
   return {L"Gpib-32.dll"};
 }
 
-std::uint32_t GpibLibraryWin::Load(const std::wstring& file_name) {
+std::uint32_t GpibLibraryWin::Load(const std::wstring& file_name, GpibPlace place) {
+  Search search{file_name};
+  if (place == GpibPlace::kFolderOfThisLibrary) {
+    const std::wstring library = FilesWin().LibraryFile();
+    if (library.empty()) return kGpibLibraryNotFound;
+    search.file.insert(0, library, 0, library.rfind(L'\\') + 1);
+    search.folders |= LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR;
+  }
   const QuietLoading quiet;
-  HMODULE loaded = LoadFromLibraryFolders(file_name);
+  HMODULE loaded = LoadBy(search);
   if (loaded == nullptr) {
     const DWORD error = GetLastError();
-    return error == kGpibLibraryNotFound && IsThere(file_name) ? kGpibLibraryNeedsAnother : error;
+    return error == kGpibLibraryNotFound && IsThere(search) ? kGpibLibraryNeedsAnother : error;
   }
   module_ = loaded;
   return 0;

@@ -12,9 +12,10 @@ class GpibLibraryWin final : public GpibLibrary {
   // What NI-488.2 installs for 64-bit programs is called ni4882.dll.
   std::vector<std::wstring> FileNames() const override;
 
-  // Looks in the folder of the host program, in the folders that the program named with AddDllDirectory, and
-  // in the system's folder; neither in the current folder nor along PATH.
-  std::uint32_t Load(const std::wstring& file_name) override;
+  // The folders of Windows are that of the host program, those that the program named with AddDllDirectory,
+  // and the system's. Other DLLs that the driver needs are looked for there, too, and beside a driver that
+  // lies in this library's folder. Neither the current folder nor PATH is searched for any of them.
+  std::uint32_t Load(const std::wstring& file_name, GpibPlace place) override;
 
   GpibEntryPoint Find(const char* name) override;
   void Unload() override;

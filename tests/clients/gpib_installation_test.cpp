@@ -4,8 +4,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 
 #include "tests/clients/ieee_client.h"
+#include "tests/clients/library_module.h"
 
 namespace kesp::clients {
 namespace {
@@ -39,15 +41,36 @@ class GpibInstallationTest : public testing::Test {
   }
 
   void Install() { fs::copy_file(elsewhere_ / L"Gpib-32.dll", driver_); }
-  // The driver with another text, as long, in the place of one of its own.
   void InstallWith(const std::string& replacement_for, const std::string& replacement) {
+    InstallWith(driver_, replacement_for, replacement);
+  }
+  // The driver with another text, as long, in the place of one of its own.
+  void InstallWith(const fs::path& file, const std::string& replacement_for, const std::string& replacement) {
     std::string contents = ContentsOf(elsewhere_ / L"Gpib-32.dll");
     std::size_t place = contents.find(replacement_for);
     ASSERT_NE(place, std::string::npos);
     for (; place != std::string::npos; place = contents.find(replacement_for, place)) {
       contents.replace(place, replacement.size(), replacement);
     }
-    WriteFile(driver_, contents);
+    WriteFile(file, contents);
+  }
+  // From now on the transport is one of a copy of the library in a folder of its own.
+  void MoveTheLibrary() {
+    fs::create_directory(library_);
+    fs::copy_file(RegisteredPath(), library_ / L"KespCommObj.dll");
+    moved_.emplace(library_ / L"KespCommObj.dll");
+    ComPtr<IClassFactory> factory;
+    ASSERT_EQ(moved_->GetClassObject(__uuidof(CKespIEEE), IID_IClassFactory,
+                                     reinterpret_cast<void**>(factory.GetAddressOf())),
+              S_OK);
+    ComPtr<_CKespIEEE> transport;
+    ASSERT_EQ(factory->CreateInstance(nullptr, __uuidof(_CKespIEEE),
+                                      reinterpret_cast<void**>(transport.GetAddressOf())),
+              S_OK);
+    ieee_.object = transport;
+    ieee_.SetAddress(5);
+    ieee_.SetEos(L"10");
+    ieee_.SetEndsReads(false);
   }
   void ExpectNotFound() { EXPECT_EQ(ieee_.Initialize().result, ControlError(53)); }
   void ExpectWorking() { EXPECT_EQ(ieee_.Converse(L"*IDN?"), L"KESP,GP488,SIM48805,1.0\n"); }
@@ -55,6 +78,8 @@ class GpibInstallationTest : public testing::Test {
   const fs::path folder_ = ProgramFolder();
   const fs::path driver_ = folder_ / L"Gpib-32.dll";
   const fs::path elsewhere_ = folder_ / L"elsewhere";
+  const fs::path library_ = folder_ / L"library";
+  std::optional<LibraryModule> moved_;
   Apartment apartment_;
   IeeeClient ieee_;
 };
@@ -71,6 +96,25 @@ TEST_F(GpibInstallationTest, CurrentFolderAndPath_AreNotSearched) {
 TEST_F(GpibInstallationTest, FolderThatTheProgramNames_IsSearched) {
   ExpectNotFound();
   ASSERT_NE(AddDllDirectory(elsewhere_.c_str()), nullptr);
+  ExpectWorking();
+}
+
+TEST_F(GpibInstallationTest, FolderOfTheLibrary_IsSearchedForTheDriverAndWhatItNeeds) {
+  MoveTheLibrary();
+  ExpectNotFound();
+  InstallWith(library_ / L"Gpib-32.dll", "msvcrt.dll", "nsvcrt.dll");
+  EXPECT_EQ(ieee_.Initialize().description,
+            L"Error in loading the GPIB driver Gpib-32.dll (a DLL that it needs is missing)");
+  std::array<wchar_t, MAX_PATH> system{};
+  GetSystemDirectoryW(system.data(), static_cast<UINT>(system.size()));
+  fs::copy_file(fs::path(system.data()) / L"msvcrt.dll", library_ / L"nsvcrt.dll");
+  ExpectWorking();
+}
+
+TEST_F(GpibInstallationTest, DriverBesideTheLibrary_AndBesideTheProgram_ThatOfTheProgramIsTaken) {
+  MoveTheLibrary();
+  InstallWith(library_ / L"Gpib-32.dll", "SIM48805", "SIMwrong");
+  Install();
   ExpectWorking();
 }
 

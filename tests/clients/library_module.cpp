@@ -21,7 +21,7 @@ std::wstring RegisteredPath() {
   return path.data();
 }
 
-LibraryModule::LibraryModule() : module_(LoadLibraryW(RegisteredPath().c_str())) {
+LibraryModule::LibraryModule(const std::wstring& path) : module_(LoadLibraryW(path.c_str())) {
   EXPECT_NE(module_, nullptr);
 }
 

@@ -10,10 +10,10 @@ namespace kesp::clients {
 // The path that the registration of a class names.
 std::wstring RegisteredPath();
 
-// Holds the DLL loaded, and gives its entry points.
+// Holds the registered DLL loaded, or a copy of it, and gives its entry points.
 class LibraryModule {
  public:
-  LibraryModule();
+  explicit LibraryModule(const std::wstring& path = RegisteredPath());
   ~LibraryModule();
   LibraryModule(const LibraryModule&) = delete;
   LibraryModule& operator=(const LibraryModule&) = delete;
