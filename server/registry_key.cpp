@@ -13,6 +13,18 @@ void Check(LSTATUS status, const std::wstring& path) {
                 L"The registry key " + path + L" cannot be changed");
 }
 
+// Whether the key exists and has neither keys below it nor values.
+bool IsEmpty(HKEY parent, const std::wstring& path) {
+  HKEY key = nullptr;
+  if (RegOpenKeyExW(parent, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
+  DWORD subkeys = 0;
+  DWORD values = 0;
+  const LSTATUS status = RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr, &values,
+                                          nullptr, nullptr, nullptr, nullptr);
+  RegCloseKey(key);
+  return status == ERROR_SUCCESS && subkeys == 0 && values == 0;
+}
+
 }  // namespace
 
 RegistryKey RegistryKey::Create(HKEY parent, const std::wstring& path) {
@@ -42,14 +54,11 @@ void RemoveTree(HKEY parent, const std::wstring& path) {
 }
 
 void RemoveIfEmpty(HKEY parent, const std::wstring& path) {
-  HKEY key = nullptr;
-  if (RegOpenKeyExW(parent, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return;
-  DWORD subkeys = 0;
-  DWORD values = 0;
-  const LSTATUS status = RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr, &values,
-                                          nullptr, nullptr, nullptr, nullptr);
-  RegCloseKey(key);
-  if (status == ERROR_SUCCESS && subkeys == 0 && values == 0) RemoveTree(parent, path);
+  if (!IsEmpty(parent, path)) return;
+  // It removes no key that has keys below it. Another setup program may have made one meanwhile.
+  const LSTATUS status = RegDeleteKeyExW(parent, path.c_str(), 0, 0);
+  if (status == ERROR_FILE_NOT_FOUND || (status == ERROR_ACCESS_DENIED && !IsEmpty(parent, path))) return;
+  Check(status, path);
 }
 
 bool KeyExists(HKEY parent, const std::wstring& path, REGSAM view) {

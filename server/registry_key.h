@@ -32,7 +32,7 @@ void SetKey(HKEY parent, const std::wstring& path, const std::wstring& value);
 void RemoveTree(HKEY parent, const std::wstring& path);
 
 // Removes a key that has neither keys below it nor values; nothing happens when it has some, or does not
-// exist.
+// exist. A key that another program makes below it at that moment is never removed along with it.
 void RemoveIfEmpty(HKEY parent, const std::wstring& path);
 
 // Whether there is such a key in the registry's view of programs of this (or with KEY_WOW64_32KEY or
