@@ -21,8 +21,8 @@ GPIB_TEST(GpibDetectionTest, FindFirst_StartsAtAddressOne) {
   EXPECT_EQ(driver_.Calls(),
             (CallLines{"ibdev(0,1,0,11,1,0)", "ibclr(1)", "ibeos(1,1073)", R"(ibwrt(1,"*IDN?\n",6))",
                        R"(ibwrt(1,"*VER\n",5))", R"(ibwrt(1,"t\n",2))", "ibonl(1,0)", "ibonl(0,0)",
-                       "ibdev(0,2,0,11,1,0)", "ibclr(2)", "ibeos(2,1073)", R"(ibwrt(2,"*IDN?\n",6))",
-                       "ibrd(2,[50 blanks],50)", "ibonl(2,0)", "ibonl(0,0)"}));
+                       "ibdev(0,2,0,11,1,0)", "ibclr(1)", "ibeos(1,1073)", R"(ibwrt(1,"*IDN?\n",6))",
+                       "ibrd(1,[50 blanks],50)", "ibonl(1,0)", "ibonl(0,0)"}));
 }
 
 GPIB_TEST(GpibDetectionTest, FindNext_GoesOnBehindThePresentAddress) {
@@ -110,8 +110,8 @@ GPIB_TEST(GpibDetectionTest, SecondaryAddressAndSettings_AreUsedThroughout) {
   ExpectFound(2, L"behind\n");
   EXPECT_EQ(driver_.Calls(),
             (CallLines{"ibdev(0,1,7,11,1,0)", "ibeos(1,1073)", R"(ibwrt(1,"*IDN?\r",6))", "ibonl(1,0)",
-                       "ibonl(0,0)", "ibdev(0,2,7,11,1,0)", "ibeos(2,1073)", R"(ibwrt(2,"*IDN?\r",6))",
-                       "ibrd(2,[50 blanks],50)", "ibonl(2,0)", "ibonl(0,0)"}));
+                       "ibonl(0,0)", "ibdev(0,2,7,11,1,0)", "ibeos(1,1073)", R"(ibwrt(1,"*IDN?\r",6))",
+                       "ibrd(1,[50 blanks],50)", "ibonl(1,0)", "ibonl(0,0)"}));
 }
 
 // Without an end of commands no command can be sent: every one fails, and that is no error of the search.

@@ -50,7 +50,7 @@ GPIB_TEST(GpibHandlersTest, ChangesEveryMember_FoundAddressStays) {
     ieee_.SetEos(L"13");
   });
   ExpectUndisturbed();
-  EXPECT_EQ(driver_.LastCall("ibwrt"), R"(ibwrt(2,"*IDN?\r",6))");
+  EXPECT_EQ(driver_.LastCall("ibwrt"), R"(ibwrt(1,"*IDN?\r",6))");
 }
 
 // The command that follows finds no device; the next address does.

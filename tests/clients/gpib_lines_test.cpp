@@ -39,9 +39,9 @@ GPIB_TEST(GpibLinesTest, ClearDeviceAndSetEos_AreAskedForSingly) {
   CallLines calls = driver_.Calls();
   std::erase_if(calls, [](const std::string& call) { return call.starts_with("ibonl("); });
   EXPECT_EQ(calls, (CallLines{"ibdev(0,5,0,12,1,0)",                   //
-                              "ibdev(0,5,0,12,1,0)", "ibeos(2,1073)",  //
-                              "ibdev(0,5,0,12,1,0)", "ibclr(3)",       //
-                              "ibdev(0,5,0,12,1,0)", "ibclr(4)", "ibeos(4,1073)"}));
+                              "ibdev(0,5,0,12,1,0)", "ibeos(1,1073)",  //
+                              "ibdev(0,5,0,12,1,0)", "ibclr(1)",       //
+                              "ibdev(0,5,0,12,1,0)", "ibclr(1)", "ibeos(1,1073)"}));
 }
 
 GPIB_TEST(GpibLinesTest, TimeOutCodes_ArePassedAsTheyAre) {
@@ -110,7 +110,7 @@ GPIB_TEST(GpibLinesTest, SecondInitialize_ClosesTheFirstDeviceAndNotTheBoard) {
   ieee_.SetAddress(6);
   EXPECT_EQ(ieee_.Initialize(), kDone);
   EXPECT_EQ(driver_.Calls(), (CallLines{"ibdev(0,5,0,12,1,0)", "ibclr(1)", "ibeos(1,1073)", "ibonl(1,0)",
-                                        "ibdev(0,6,0,12,1,0)", "ibclr(2)", "ibeos(2,1073)"}));
+                                        "ibdev(0,6,0,12,1,0)", "ibclr(1)", "ibeos(1,1073)"}));
   EXPECT_EQ(driver_.OpenDescriptors(), 1);
 }
 

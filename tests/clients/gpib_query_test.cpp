@@ -73,8 +73,8 @@ GPIB_TEST(GpibQueryTest, Success) {
                L"IEEE: Uninitialize()", L"Exiting Update()...(command: SETP 20)"});
   EXPECT_EQ(driver_.Calls(), (CallLines{"ibdev(0,5,0,12,1,0)", "ibclr(1)", "ibeos(1,1073)",
                                         R"(ibwrt(1,"*IDN?\n",6))", "ibrd(1,[50 blanks],50)", "ibonl(1,0)",
-                                        "ibonl(0,0)", "ibdev(0,5,0,12,1,0)", "ibclr(2)", "ibeos(2,1073)",
-                                        R"(ibwrt(2,"SETP 20\n",8))", "ibonl(2,0)", "ibonl(0,0)"}));
+                                        "ibonl(0,0)", "ibdev(0,5,0,12,1,0)", "ibclr(1)", "ibeos(1,1073)",
+                                        R"(ibwrt(1,"SETP 20\n",8))", "ibonl(1,0)", "ibonl(0,0)"}));
 }
 
 GPIB_TEST(GpibQueryTest, DetectInstrument_SearchesFromTheFirstAddress) {
@@ -143,19 +143,19 @@ GPIB_TEST(GpibQueryTest, EosCharEmpty_IsInitializeFailed) {
 
 GPIB_TEST(GpibQueryTest, NoDevice_IsWriteFailed) {
   ieee_.SetAddress(9);
-  const auto description = [](int device, const std::wstring& cmd) {
-    return DriverError(L"ibwrt() with command '" + cmd + L"' on device " + std::to_wstring(device),
+  const auto description = [](const std::wstring& cmd) {
+    return DriverError(L"ibwrt() with command '" + cmd + L"' on device 1",
                        L"2 - Write function detected no listeners");
   };
   EXPECT_FALSE(Query(L"*IDN?"));
-  ExpectStatus(cfrWriteFailed, kWritingSource, description(1, L"*IDN?"));
+  ExpectStatus(cfrWriteFailed, kWritingSource, description(L"*IDN?"));
   ExpectTrace({L"Beginning Query()... (command: *IDN?)", L"IEEE: Initialize()", L"IEEE: WriteLine(*IDN?)",
-               ErrorInfo(L"WriteLine()", kWritingSource, description(1, L"*IDN?")), L"IEEE: Uninitialize()",
+               ErrorInfo(L"WriteLine()", kWritingSource, description(L"*IDN?")), L"IEEE: Uninitialize()",
                L"Exiting Query()...(command: *IDN?)"});
   EXPECT_FALSE(Update(L"SETP 20"));
-  ExpectStatus(cfrWriteFailed, kWritingSource, description(2, L"SETP 20"));
+  ExpectStatus(cfrWriteFailed, kWritingSource, description(L"SETP 20"));
   ExpectTrace({L"Beginning Update()...(command: SETP 20)", L"IEEE: Initialize()", L"IEEE: Writeline(SETP 20)",
-               ErrorInfo(L"WriteLine()", kWritingSource, description(2, L"SETP 20")), L"IEEE: Uninitialize()",
+               ErrorInfo(L"WriteLine()", kWritingSource, description(L"SETP 20")), L"IEEE: Uninitialize()",
                L"Exiting Update()...(command: SETP 20)"});
   EXPECT_EQ(driver_.OpenDescriptors(), 0);
 }

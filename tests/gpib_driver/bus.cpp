@@ -24,4 +24,13 @@ Descriptor* Bus::Open(std::int32_t descriptor) {
   return found == descriptors.end() ? nullptr : &found->second;
 }
 
+std::int32_t Bus::FreeDescriptor() const {
+  std::int32_t free = 1;
+  for (const auto& [descriptor, device] : descriptors) {
+    if (descriptor != free) break;
+    ++free;
+  }
+  return free;
+}
+
 }  // namespace kesp::simulated_bus

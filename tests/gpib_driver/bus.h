@@ -20,6 +20,8 @@ struct Descriptor {
   std::int64_t time_out = 0;  // microseconds
   bool sends_end = false;
   EndOfString end_of_string;
+  // Which opening of the bus it was, because another one may get its number.
+  std::int64_t opening = 0;
 };
 
 // Everything that a new description replaces. Belongs to the driver, and lies behind its lock.
@@ -30,6 +32,8 @@ struct Bus {
   SimulatedDevice* At(const Address& address);
   // What a descriptor stands for; null when it is not open.
   Descriptor* Open(std::int32_t descriptor);
+  // The lowest number above 0, the board's own, that no open descriptor has.
+  std::int32_t FreeDescriptor() const;
 
   std::vector<SimulatedDevice> devices;
   const bool secondary_offset_required;
@@ -37,8 +41,7 @@ struct Bus {
   ThreadTable threads;
   CallRecord record;
   std::map<std::int32_t, Descriptor> descriptors;
-  // Number 0 is the board's own.
-  std::int32_t last_descriptor = 0;
+  std::int64_t openings = 0;
 };
 
 }  // namespace kesp::simulated_bus

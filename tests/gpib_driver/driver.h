@@ -65,7 +65,7 @@ class Driver {
   Outcome ReadFrom(Bus& bus, std::int32_t descriptor, std::span<char> buffer);
   Outcome GoOnline(Bus& bus, std::int32_t descriptor, std::int32_t value);
   // Whether a call that had to wait finds its bus and its descriptor as before.
-  bool IsStillOpen(Bus& bus, std::int32_t descriptor) const;
+  bool IsStillOpen(Bus& bus, std::int32_t descriptor, std::int64_t opening) const;
 
   Waiting& waiting_;
   // Calls that wait hold on to the bus that they began with.

@@ -76,9 +76,10 @@ Report Driver::OpenDevice(Bus& bus, const DeviceArguments& arguments) {
                         (arguments.sends_end == 0 || arguments.sends_end == 1) &&
                         EndOfString::IsValid(arguments.end_of_string);
   if (!is_valid) return Reporting(CallName::kDevice, FailedWith(kBadArgument));
-  const std::int32_t descriptor = ++bus.last_descriptor;
+  const std::int32_t descriptor = bus.FreeDescriptor();
   bus.descriptors[descriptor] = {arguments.address, TimeOutMicroseconds(arguments.time_out),
-                                 arguments.sends_end == 1, EndOfString(arguments.end_of_string)};
+                                 arguments.sends_end == 1, EndOfString(arguments.end_of_string),
+                                 ++bus.openings};
   return {Outcome{}, descriptor};
 }
 
@@ -141,12 +142,14 @@ Outcome Driver::ReadFrom(Bus& bus, std::int32_t descriptor, std::span<char> buff
     if (count == buffer.size()) return outcome(kComplete);
     if (now >= deadline) return outcome(kError | kTimedOut | kComplete, kAborted);
     waiting_.WaitUntil(std::min(deadline, device == nullptr ? kNever : device->ReplyBegins()));
-    if (!IsStillOpen(bus, descriptor)) return outcome(kError | kComplete, kAborted);
+    if (!IsStillOpen(bus, descriptor, open.opening)) return outcome(kError | kComplete, kAborted);
   }
 }
 
-bool Driver::IsStillOpen(Bus& bus, std::int32_t descriptor) const {
-  return &bus == bus_.get() && bus.Open(descriptor) != nullptr;
+bool Driver::IsStillOpen(Bus& bus, std::int32_t descriptor, std::int64_t opening) const {
+  if (&bus != bus_.get()) return false;
+  const Descriptor* open = bus.Open(descriptor);
+  return open != nullptr && open->opening == opening;
 }
 
 Outcome Driver::GoOnline(Bus& bus, std::int32_t descriptor, std::int32_t value) {

@@ -12,12 +12,20 @@ constexpr char kTwoDevices[] = R"({"devices": [
 
 class SimulatedDriverCallsTest : public DriverFixture {};
 
-TEST_F(SimulatedDriverCallsTest, Ibdev_CountsUpFromOneAndReusesNone) {
+TEST_F(SimulatedDriverCallsTest, Ibdev_ReturnsTheLowestDescriptorThatIsFree) {
+  for (const std::int32_t next : {1, 2, 3}) EXPECT_EQ(Open(5), next);
+  for (const std::int32_t closed : {0, 1, 2}) driver_.Ibonl(kClient, closed, 0);
+  for (const std::int32_t next : {1, 2, 4}) EXPECT_EQ(Open(6), next);
+  EXPECT_EQ(driver_.OpenDescriptors(), 4);
+}
+
+TEST_F(SimulatedDriverCallsTest, Ibdev_OfADescriptorThatWasClosed_KnowsNothingOfIt) {
+  Load(kTwoDevices);
+  EXPECT_EQ(Open(7, 2, kTenSeconds, 1, EndOfString::kEndsReads | 'v'), 1);
+  driver_.Ibonl(kClient, 1, 0);
   EXPECT_EQ(Open(5), 1);
-  EXPECT_EQ(Open(5), 2);
-  driver_.Ibonl(kClient, 2, 0);
-  EXPECT_EQ(Open(6), 3);
-  EXPECT_EQ(driver_.OpenDescriptors(), 2);
+  Write(1, "A?");
+  EXPECT_EQ(Read(1), "five\n");
 }
 
 TEST_F(SimulatedDriverCallsTest, Ibdev_AtAnAddressWithoutDevice_Succeeds) {

@@ -117,6 +117,16 @@ TEST_F(SimulatedDriverTransferTest, Ibrd_WhenItsDescriptorIsClosedMeanwhile_IsAb
   EXPECT_EQ(Last(), FailedWith(kAborted));
 }
 
+TEST_F(SimulatedDriverTransferTest, Ibrd_WhenItsDescriptorIsClosedAndGivenToAnotherMeanwhile_IsAborted) {
+  const std::int32_t device = Open(5, 0, 0);
+  waiting_.Meanwhile([&] {
+    driver_.Ibonl(99, device, 0);
+    EXPECT_EQ(Open(6, 0, 0), device);
+  });
+  Read(device);
+  EXPECT_EQ(Last(), FailedWith(kAborted));
+}
+
 TEST_F(SimulatedDriverTransferTest, Ibonl_WakesWhoWaitsAtTheDescriptor) {
   const std::int32_t device = Open(5);
   const int before = waiting_.wakes();
