@@ -42,6 +42,7 @@ HRESULT ComPortClass::ReadLineBinary(VARIANT* result, LONG lTimeoutms, VARIANT_B
   return Operate(
       L"ReadLineBinary()", retval,
       [&] {
+        RequireRoomFor(ReplyKindOf(object_->InputMode()), *result);
         return ReadInto(result, [&](auto& reply) { return object_->ReadLineBinary(reply, lTimeoutms); });
       },
       result);

@@ -73,11 +73,20 @@ HRESULT CommObjClass::Query(BSTR* result, BSTR cmd, BSTR OmegaAddress, BSTR Omeg
       result);
 }
 
+// With the other styles nothing is sent.
+void CommObjClass::RequireRoomForReply(const VARIANT& argument) const {
+  if (object_->CommStyle() == ECommStyle::csTCPIP) RequireRoomFor(ReplyKind::kBytes, argument);
+  if (object_->CommStyle() == ECommStyle::csRS232) {
+    RequireRoomFor(ReplyKindOf(object_->serial().InputMode()), argument);
+  }
+}
+
 HRESULT CommObjClass::QueryBinary(VARIANT* result, BSTR cmd, BSTR OmegaAddress, BSTR OmegaValue,
                                   VARIANT_BOOL* retval) {
   return Operate(
       L"QueryBinary()", retval,
       [&] {
+        RequireRoomForReply(*result);
         return ReadInto(result, [&](auto& reply) {
           return object_->QueryBinary(reply, TextOf(cmd), TextOf(OmegaAddress), TextOf(OmegaValue));
         });

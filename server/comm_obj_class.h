@@ -95,6 +95,7 @@ class CommObjClass final : public OperatingObject<::_CKespCommObj> {
 
   TransportFactory MakeFactory();
   Transport SelectedTransport() const;
+  void RequireRoomForReply(const VARIANT& argument) const;
 
   Transport serial_;
   Transport network_;

@@ -79,6 +79,10 @@ HRESULT DispatchInvoke(const InterfaceInfo& info, IDispatch* object, DISPID id, 
   }
   try {
     ReferenceArguments prepared(*call, *arguments);
+    if (FAILED(prepared.fit())) {
+      if (bad_argument != nullptr) *bad_argument = prepared.bad_argument();
+      return prepared.fit();
+    }
     const HRESULT outcome =
         Forward(info, object, id, flags, prepared.arguments(), result, exception, bad_argument);
     prepared.WriteBack();

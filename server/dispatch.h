@@ -12,11 +12,15 @@ HRESULT DispatchGetTypeInfo(const InterfaceInfo& info, UINT index, ITypeInfo** t
 HRESULT DispatchGetIDsOfNames(const InterfaceInfo& info, REFIID iid, LPOLESTR* names, UINT count,
                               DISPID* ids) noexcept;
 
-// As the stock dispatch, with additions that scripts need. An argument by reference takes a script's
-// variable (VT_BYREF|VT_VARIANT) whatever it held, and also a plain value. The value is converted in where it
-// can be (otherwise the member sees an empty one), and a variable gets the new value when the member is done,
-// also when it fails. The enumerator may be asked for as a method. Arguments for a property that takes none
-// go to the default member of the object that it holds, so that tcp.Devices(1) is an instrument.
+// As the stock dispatch, with additions that scripts and other languages' run-times need.
+//   * A result takes a script's variable (VT_BYREF|VT_VARIANT) whatever it held, and also a plain value. The
+//     value is converted in where it can be (otherwise the member sees an empty one), and a variable gets the
+//     new value when the member is done, also when it fails. A typed variable of another type is refused
+//     before the member is called.
+//   * A property's value by reference is converted, and refused when it cannot be. Nothing is written back.
+//   * The enumerator may be asked for as a method.
+//   * Arguments for a property that takes none go to the default member of the object that it holds, so that
+//     tcp.Devices(1) is an instrument.
 HRESULT DispatchInvoke(const InterfaceInfo& info, IDispatch* object, DISPID id, REFIID iid, LCID locale,
                        WORD flags, DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* exception,
                        UINT* bad_argument) noexcept;

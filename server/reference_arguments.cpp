@@ -1,15 +1,16 @@
 // Conversion of arguments by reference, in before the call and out after it.
 #include "server/reference_arguments.h"
 
+#include "server/variant_bridge.h"
+
 namespace kesp {
 
 namespace {
 
-// The script's variable at the end of a chain of references.
-VARIANT* VariableOf(const VARIANT& argument) {
-  VARIANT* variable = V_VARIANTREF(&argument);
-  while (V_VT(variable) == (VT_BYREF | VT_VARIANT)) variable = V_VARIANTREF(variable);
-  return variable;
+// The argument itself, or the script's variable that it refers to, through a chain of references.
+VARIANT* Dereferenced(VARIANT* argument) {
+  while (V_VT(argument) == (VT_BYREF | VT_VARIANT)) argument = V_VARIANTREF(argument);
+  return argument;
 }
 
 // The address of the value inside a VARIANT, as the VARIANT of a reference to it holds it.
@@ -18,19 +19,36 @@ void MakeReference(VARIANT* reference, VARIANT* value) {
   V_BYREF(reference) = &V_I4(value);
 }
 
+void MakeEmpty(VARIANT* value, VARTYPE type) {
+  VariantClear(value);
+  V_VT(value) = type;
+  V_I8(value) = 0;
+}
+
+bool IsReference(const VARIANT& value) {
+  return (V_VT(&value) & VT_BYREF) != 0;
+}
+
+// The refusal of an argument that VariantChangeType could not convert.
+HRESULT RefusalOf(HRESULT conversion) {
+  return conversion == DISP_E_OVERFLOW || conversion == E_OUTOFMEMORY ? conversion : DISP_E_TYPEMISMATCH;
+}
+
 }  // namespace
 
 ReferenceArguments::ReferenceArguments(const MemberCall& call, const DISPPARAMS& original)
-    : arguments_(original), copies_(original.rgvarg, original.rgvarg + original.cArgs) {
+    : is_put_((call.kind & (INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF)) != 0),
+      arguments_(original),
+      copies_(original.rgvarg, original.rgvarg + original.cArgs) {
   arguments_.rgvarg = copies_.data();
   for (const ReferenceArgument& reference : call.references) {
     VARIANT* argument = FindArgument(copies_, original, reference.position, call.arguments);
-    if (argument == nullptr) continue;
-    if (reference.type == VT_VARIANT) {
-      PrepareAnyType(*argument);
-    } else {
-      Prepare(*argument, reference.type);
-    }
+    // An argument left out is the automation library's business.
+    if (argument == nullptr || V_VT(argument) == VT_ERROR) continue;
+    fit_ = reference.type == VT_VARIANT ? PrepareAnyType(*argument) : Prepare(*argument, reference.type);
+    if (SUCCEEDED(fit_)) continue;
+    bad_argument_ = static_cast<UINT>(argument - copies_.data());
+    return;
   }
 }
 
@@ -50,50 +68,46 @@ VARIANT* ReferenceArguments::FindArgument(std::vector<VARIANT>& arguments, const
   return position < unnamed ? &arguments[original.cArgs - 1 - position] : nullptr;
 }
 
-void ReferenceArguments::Prepare(VARIANT& argument, VARTYPE type) {
-  if (V_VT(&argument) == (VT_BYREF | type)) return;
-  // An argument left out is the automation library's business.
-  if (V_VT(&argument) == VT_ERROR) return;
-  VARIANT* variable = V_VT(&argument) == (VT_BYREF | VT_VARIANT) ? VariableOf(argument) : nullptr;
-  if (variable != nullptr && V_VT(variable) == (VT_BYREF | type)) {
-    // The variable stands for a typed one, which the member stores into itself.
-    argument = *variable;
-    return;
+HRESULT ReferenceArguments::Prepare(VARIANT& argument, VARTYPE type) {
+  VARIANT* given = Dereferenced(&argument);
+  if (V_VT(given) == (VT_BYREF | type)) {
+    // A typed variable of the client, which the member uses itself.
+    argument = *given;
+    return S_OK;
   }
+  // A result cannot be stored in a typed variable of another type; a property's value is only read.
+  if (!is_put_ && IsReference(*given)) return DISP_E_TYPEMISMATCH;
+  const bool takes_result = !is_put_ && given != &argument;
   auto stand_in = std::make_unique<StandIn>();
   VariantInit(&stand_in->value);
-  if (variable != nullptr) {
-    stand_in->variable = variable;
-    ConvertIn(*stand_in->variable, type, &stand_in->value);
-  } else if (FAILED(VariantChangeType(&stand_in->value, &argument, 0, type))) {
-    // Not a variable and not convertible: refused by the automation library as a type mismatch.
-    return;
+  const HRESULT conversion = VariantChangeType(&stand_in->value, given, 0, type);
+  if (FAILED(conversion)) {
+    if (!takes_result) return RefusalOf(conversion);
+    // Whatever the variable for a result held before, the member gets a value of its type.
+    MakeEmpty(&stand_in->value, type);
   }
+  if (takes_result) stand_in->variable = given;
   MakeReference(&argument, &stand_in->value);
   stand_ins_.push_back(std::move(stand_in));
+  return S_OK;
 }
 
-void ReferenceArguments::PrepareAnyType(VARIANT& argument) {
-  if (V_VT(&argument) == (VT_BYREF | VT_VARIANT) || V_VT(&argument) == VT_ERROR) return;
+HRESULT ReferenceArguments::PrepareAnyType(VARIANT& argument) {
+  const VARIANT& given = *Dereferenced(&argument);
+  if (IsReference(given) && !CanHoldReply(given)) return DISP_E_TYPEMISMATCH;
+  if (V_VT(&argument) == (VT_BYREF | VT_VARIANT)) return S_OK;
   auto stand_in = std::make_unique<StandIn>();
   VariantInit(&stand_in->value);
-  if ((V_VT(&argument) & VT_BYREF) != 0) {
+  if (IsReference(argument)) {
     // A typed variable of the client: the member sees the reference and stores through it.
     stand_in->value = argument;
   } else if (FAILED(VariantCopy(&stand_in->value, &argument))) {
-    return;
+    return DISP_E_TYPEMISMATCH;
   }
   V_VT(&argument) = VT_BYREF | VT_VARIANT;
   V_VARIANTREF(&argument) = &stand_in->value;
   stand_ins_.push_back(std::move(stand_in));
-}
-
-void ReferenceArguments::ConvertIn(const VARIANT& source, VARTYPE type, VARIANT* value) {
-  if (SUCCEEDED(VariantChangeType(value, const_cast<VARIANT*>(&source), 0, type))) return;
-  // Whatever the variable held before, the member gets a value of its type: an empty one.
-  VariantClear(value);
-  V_VT(value) = type;
-  V_I8(value) = 0;
+  return S_OK;
 }
 
 void ReferenceArguments::WriteBack() {

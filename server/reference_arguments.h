@@ -1,7 +1,6 @@
 // Makes a late-bound client's arguments fit parameters that are passed by reference.
 #pragma once
 
-#include <array>
 #include <memory>
 #include <vector>
 
@@ -20,24 +19,31 @@ class ReferenceArguments {
   ReferenceArguments(const ReferenceArguments&) = delete;
   ReferenceArguments& operator=(const ReferenceArguments&) = delete;
 
+  // S_OK, or why the call must not be made, and which of its arguments is to blame (its place in rgvarg).
+  HRESULT fit() const { return fit_; }
+  UINT bad_argument() const { return bad_argument_; }
+
   DISPPARAMS* arguments() { return &arguments_; }
 
-  // Moves the values into the script's variables they came from. What those held before is released.
+  // Moves results into the script's variables they are for. What those held before is released. The variable
+  // that a property's value comes from stays as it is.
   void WriteBack();
 
  private:
   // A value that stands in for a client's argument.
   struct StandIn {
     VARIANT value{};
-    VARIANT* variable = nullptr;  // the script's variable to write back to; null for a plain value
+    VARIANT* variable = nullptr;  // the script's variable to write back to; null for none
   };
 
-  void Prepare(VARIANT& argument, VARTYPE type);
-  void PrepareAnyType(VARIANT& argument);
+  HRESULT Prepare(VARIANT& argument, VARTYPE type);
+  HRESULT PrepareAnyType(VARIANT& argument);
   static VARIANT* FindArgument(std::vector<VARIANT>& arguments, const DISPPARAMS& original, UINT position,
                                UINT arguments_of_call);
-  static void ConvertIn(const VARIANT& source, VARTYPE type, VARIANT* value);
 
+  bool is_put_;
+  HRESULT fit_ = S_OK;
+  UINT bad_argument_ = 0;
   DISPPARAMS arguments_;
   std::vector<VARIANT> copies_;                      // shallow: the client owns what they refer to
   std::vector<std::unique_ptr<StandIn>> stand_ins_;  // at fixed addresses, since arguments refer to them

@@ -59,6 +59,7 @@ HRESULT TcpClass::ReadLineBinary(VARIANT* result, LONG lTimeoutms, VARIANT_BOOL*
   return Operate(
       L"ReadLineBinary()", retval,
       [&] {
+        RequireRoomFor(ReplyKind::kBytes, *result);
         return ReadInto(result, [&](auto& reply) { return object_->ReadLineBinary(reply, lTimeoutms); });
       },
       result);

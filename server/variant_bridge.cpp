@@ -61,6 +61,19 @@ void StoreInTextVariable(const BinaryValue& value, BSTR* variable) {
 
 }  // namespace
 
+bool CanHoldReply(const VARIANT& variable, ReplyKind kind) {
+  return V_VT(&variable) == (VT_BYREF | (kind == ReplyKind::kText ? VT_BSTR : VT_ARRAY | VT_UI1));
+}
+
+bool CanHoldReply(const VARIANT& variable) {
+  return CanHoldReply(variable, ReplyKind::kText) || CanHoldReply(variable, ReplyKind::kBytes);
+}
+
+void RequireRoomFor(ReplyKind kind, const VARIANT& argument) {
+  const VARIANT& variable = Dereferenced(argument);
+  if ((V_VT(&variable) & VT_BYREF) != 0 && !CanHoldReply(variable, kind)) throw TypeMismatch();
+}
+
 BinaryValue BinaryValueOf(const VARIANT& argument) {
   const VARIANT& value = Dereferenced(argument);
   switch (V_VT(&value)) {

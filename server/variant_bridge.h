@@ -6,6 +6,7 @@
 #include "network/instruments.h"
 #include "server/com_headers.h"
 #include "support/binary_value.h"
+#include "support/enumerations.h"
 
 namespace kesp {
 
@@ -27,6 +28,22 @@ class ScopedVariant {
 // The text that an in/out VARIANT argument holds, for reads that append to it. Other contents, earlier
 // replies in bytes among them, are only ever replaced, so they are not read.
 BinaryValue BinaryValueOf(const VARIANT& argument);
+
+// What a read leaves in an in/out VARIANT argument.
+enum class ReplyKind { kText, kBytes };
+
+// What the serial transport's binary read leaves there.
+inline ReplyKind ReplyKindOf(EInputMode mode) {
+  return mode == EInputMode::imText ? ReplyKind::kText : ReplyKind::kBytes;
+}
+
+// Whether a typed variable of the client (VT_BYREF) can hold a reply of that kind, or of any.
+bool CanHoldReply(const VARIANT& variable, ReplyKind kind);
+bool CanHoldReply(const VARIANT& variable);
+
+// To be called before anything is sent: throws TypeMismatch() for an argument that refers to a typed variable
+// which cannot hold the reply.
+void RequireRoomFor(ReplyKind kind, const VARIANT& argument);
 
 // Stores text as VT_BSTR, bytes as an array of VT_UI1 with lower bound 0, and leaves the argument alone when
 // there is nothing to store. An argument that refers to a typed variable of the client (VT_BYREF) gets the

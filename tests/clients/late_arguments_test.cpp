@@ -154,6 +154,42 @@ TEST_F(LateArgumentsTest, TypedBytes_AreReplacedInPlace) {
   EXPECT_EQ(BytesOf(*owner.get()), "ECHO abc\r");
 }
 
+// A variable of a type that cannot hold the reply is refused before anything is sent.
+TEST_F(LateArgumentsTest, TypedVariableOfAnotherType_IsATypeMismatchAndNothingIsSent) {
+  Write(tcp_, &_CKespTCP::put_IPAddress, L"0.0.0.0");
+  Value variable;
+  EXPECT_FALSE(Query(Variable(variable)).IsTrue());
+  UseInstrument(comm_.Get());
+  static constexpr VARTYPE kTypes[] = {VT_I2,   VT_I4,           VT_R8,       VT_BOOL,  VT_DATE,
+                                       VT_CY,   VT_UNKNOWN,      VT_DISPATCH, VT_ERROR, VT_ARRAY | VT_VARIANT,
+                                       VT_UINT, VT_ARRAY | VT_I2};
+  for (const VARTYPE type : kTypes) {
+    DECIMAL content{};
+    VARIANT typed{};
+    V_VT(&typed) = static_cast<VARTYPE>(VT_BYREF | type);
+    V_BYREF(&typed) = &content;
+    VARIANT variable_of_it{};
+    V_VT(&variable_of_it) = VT_BYREF | VT_VARIANT;
+    V_VARIANTREF(&variable_of_it) = &typed;
+    for (const VARIANT& result : {typed, variable_of_it}) {
+      for (const Outcome& outcome : {Query(result), QueryBinary(result)}) {
+        EXPECT_EQ(outcome.result, DISP_E_TYPEMISMATCH) << type;
+        EXPECT_EQ(outcome.bad_argument, 1U) << type;
+      }
+    }
+    EXPECT_EQ(V_VT(&typed), VT_BYREF | type);
+  }
+  SAFEARRAY* bytes = NewByteArray("before");
+  EXPECT_EQ(Query(Reference(&bytes)).result, DISP_E_TYPEMISMATCH);
+  SafeArrayDestroy(bytes);
+  // The member itself knows that this reply is none.
+  BSTR text = SysAllocString(L"before");
+  EXPECT_EQ(static_cast<unsigned long>(QueryBinary(Reference(&text)).scode), 0x800A000Dul);
+  EXPECT_STREQ(text, L"before");
+  SysFreeString(text);
+  ExpectStatus(cfrInvalidIPAddress, L"[CKespTCP - Initialize()]", L"Invalid IP Address");
+}
+
 TEST_F(LateArgumentsTest, LockedBytes_AreLeftAloneAndTheCallIsRefused) {
   SAFEARRAY* bytes = NewByteArray("before");
   SafeArrayLock(bytes);

@@ -161,5 +161,19 @@ TEST_F(SerialQueryBinaryTest, ArrayOfBytes) {
   EXPECT_EQ(BytesOf(*bytes_.get()), AllBytes());
 }
 
+TEST_F(SerialQueryBinaryTest, TypedVariableOfTheOtherKind_IsATypeMismatchBeforeAnythingIsSent) {
+  BSTR text = nullptr;
+  SAFEARRAY* bytes = NewByteArray("before");
+  const std::pair<EInputMode, VARIANT> pairs[] = {{imBinary, Reference(&text)}, {imText, Reference(&bytes)}};
+  for (auto [mode, variable] : pairs) {
+    EXPECT_EQ(port_->SetInputMode(mode), S_OK);
+    EXPECT_EQ(RefusalOf(comm_->QueryBinary(&variable, Text(L"?").get(), nullptr, nullptr, &answer_)).result,
+              ControlError(13));
+    EXPECT_EQ(RefusalOf(port_->ReadLineBinary(&variable, 100, &answer_)).result, ControlError(13));
+  }
+  EXPECT_EQ(wire_.ReceiveUntilQuiet(), "");
+  SafeArrayDestroy(bytes);
+}
+
 }  // namespace
 }  // namespace kesp::clients

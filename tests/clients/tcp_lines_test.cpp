@@ -161,7 +161,7 @@ TEST_F(TcpLinesTest, TypedArrayVariable_IsReplacedInPlace) {
   EXPECT_EQ(BytesOf(*owner.get()), "ECHO z\r");
 }
 
-// A number cannot hold a reply: the reply is lost, the client hears of it.
+// A number cannot hold a reply: the client hears of it, and the reply stays for the next read.
 TEST_F(TcpLinesTest, TypedVariableOfAnotherKind_IsATypeMismatch) {
   ASSERT_TRUE(Initialize());
   long number = 7;
@@ -174,6 +174,8 @@ TEST_F(TcpLinesTest, TypedVariableOfAnotherKind_IsATypeMismatch) {
   EXPECT_EQ(RefusalOf(tcp_->ReadLineBinary(&reference, 100, &answer)),
             (Refusal{static_cast<HRESULT>(0x800A000D), L"KespCommObj", L"Type mismatch"}));
   EXPECT_EQ(number, 7);
+  EXPECT_EQ(tcp_->ReadLineBinary(bytes_.get(), 100, &answer), S_OK);
+  EXPECT_EQ(BytesOf(*bytes_.get()), "ECHO z\r");
 }
 
 }  // namespace
