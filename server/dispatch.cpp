@@ -10,12 +10,17 @@ namespace kesp {
 
 namespace {
 
-// The flags to look the member up with. Script engines ask for the enumerator as if it were a method.
-WORD EffectiveFlags(DISPID id, WORD flags) {
-  if (id == DISPID_NEWENUM && (flags & DISPATCH_METHOD) != 0) {
-    return static_cast<WORD>((flags & ~DISPATCH_METHOD) | DISPATCH_PROPERTYGET);
-  }
-  return flags;
+// The flags to look the member up with. Whether it is a method or a property that is read, many clients
+// cannot tell, or do not say.
+WORD EffectiveFlags(WORD flags) {
+  constexpr WORD kReading = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
+  return static_cast<WORD>((flags & kReading) != 0 ? flags | kReading : flags);
+}
+
+// Clients that iterate by themselves often ask for the enumerator by the name that Visual Basic gives it.
+bool IsEnumeratorsOtherName(const InterfaceInfo& info, const wchar_t* name) {
+  return info.HasMember(DISPID_NEWENUM) &&
+         CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, name, -1, L"_NewEnum", -1) == CSTR_EQUAL;
 }
 
 HRESULT Forward(const InterfaceInfo& info, IDispatch* object, DISPID id, WORD flags, DISPPARAMS* arguments,
@@ -54,7 +59,10 @@ HRESULT DispatchGetIDsOfNames(const InterfaceInfo& info, REFIID iid, LPOLESTR* n
                               DISPID* ids) noexcept {
   if (!IsEqualIID(iid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
   if (names == nullptr || ids == nullptr) return E_POINTER;
-  return info.type_info()->GetIDsOfNames(names, count, ids);
+  const HRESULT result = info.type_info()->GetIDsOfNames(names, count, ids);
+  if (result != DISP_E_UNKNOWNNAME || count == 0 || !IsEnumeratorsOtherName(info, names[0])) return result;
+  ids[0] = DISPID_NEWENUM;
+  return count == 1 ? S_OK : result;
 }
 
 HRESULT DispatchInvoke(const InterfaceInfo& info, IDispatch* object, DISPID id, REFIID iid, LCID locale,
@@ -63,8 +71,7 @@ HRESULT DispatchInvoke(const InterfaceInfo& info, IDispatch* object, DISPID id, 
   if (!IsEqualIID(iid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
   if (arguments == nullptr) return E_POINTER;
   if (result != nullptr) VariantInit(result);
-  flags = EffectiveFlags(id, flags);
-  const MemberCall* call = info.Find(id, flags);
+  const MemberCall* call = info.Find(id, EffectiveFlags(flags));
   if (call == nullptr) return DISP_E_MEMBERNOTFOUND;
   if (arguments->cNamedArgs > arguments->cArgs) return DISP_E_BADPARAMCOUNT;
   if (arguments->cArgs > call->arguments) {
@@ -72,10 +79,11 @@ HRESULT DispatchInvoke(const InterfaceInfo& info, IDispatch* object, DISPID id, 
     return InvokeDefaultMember(info, object, *call, locale, flags, arguments, result, exception,
                                bad_argument);
   }
+  const WORD use = static_cast<WORD>(call->kind);
   // A property is never set and read at once, and its result, if asked for, stays empty.
   if ((call->kind & (INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF)) != 0) result = nullptr;
   if (call->references.empty()) {
-    return Forward(info, object, id, flags, arguments, result, exception, bad_argument);
+    return Forward(info, object, id, use, arguments, result, exception, bad_argument);
   }
   try {
     ReferenceArguments prepared(*call, *arguments);
@@ -84,7 +92,7 @@ HRESULT DispatchInvoke(const InterfaceInfo& info, IDispatch* object, DISPID id, 
       return prepared.fit();
     }
     const HRESULT outcome =
-        Forward(info, object, id, flags, prepared.arguments(), result, exception, bad_argument);
+        Forward(info, object, id, use, prepared.arguments(), result, exception, bad_argument);
     prepared.WriteBack();
     return outcome;
   } catch (...) {

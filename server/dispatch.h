@@ -18,9 +18,10 @@ HRESULT DispatchGetIDsOfNames(const InterfaceInfo& info, REFIID iid, LPOLESTR* n
 //     new value when the member is done, also when it fails. A typed variable of another type is refused
 //     before the member is called.
 //   * A property's value by reference is converted, and refused when it cannot be. Nothing is written back.
-//   * The enumerator may be asked for as a method.
+//   * It makes no difference whether a method, a property that is read, or either is asked for.
 //   * Arguments for a property that takes none go to the default member of the object that it holds, so that
 //     tcp.Devices(1) is an instrument.
+// The enumerator's name is known with and without an underscore before it.
 HRESULT DispatchInvoke(const InterfaceInfo& info, IDispatch* object, DISPID id, REFIID iid, LCID locale,
                        WORD flags, DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* exception,
                        UINT* bad_argument) noexcept;

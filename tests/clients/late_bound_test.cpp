@@ -97,16 +97,41 @@ TEST_F(LateBoundTest, ResultNotWanted_CallSucceeds) {
             S_OK);
 }
 
-TEST_F(LateBoundTest, PropertyGet_AsMethodOrBoth) {
-  for (const WORD flags : Words{DISPATCH_PROPERTYGET, DISPATCH_PROPERTYGET | DISPATCH_METHOD}) {
-    const Outcome outcome = comm_.Invoke(comm_.IdOf(L"BinaryTimeoutms"), flags, {});
-    EXPECT_EQ(outcome.result, S_OK) << flags;
-    EXPECT_EQ(V_I4(outcome.value.get()), 100) << flags;
+// Languages differ in what they ask for: Pascal and .NET for a property where they see brackets.
+TEST_F(LateBoundTest, MethodOrPropertyRead_WhicheverIsAskedFor) {
+  const LateObject devices(V_DISPATCH(tcp_.Get(L"Devices").value.get()));
+  Value instrument;
+  V_VT(instrument.get()) = VT_DISPATCH;
+  Create<IDispatch>(__uuidof(CInstrument)).CopyTo(&V_DISPATCH(instrument.get()));
+  const VARIANT first = Plain(Value(1));
+  for (const WORD flags :
+       Words{DISPATCH_METHOD, DISPATCH_PROPERTYGET, DISPATCH_METHOD | DISPATCH_PROPERTYGET}) {
+    devices.Call(L"Clear");
+    EXPECT_EQ(devices.Invoke(devices.IdOf(L"AddReference"), flags, {Plain(instrument)}).result, S_OK)
+        << flags;
+    EXPECT_EQ(V_I4(devices.Invoke(devices.IdOf(L"Count"), flags, {}).value.get()), 1) << flags;
+    EXPECT_EQ(comm_.Invoke(comm_.IdOf(L"GetKey"), flags, {}).value.text().size(), 11U) << flags;
+    EXPECT_EQ(comm_.Invoke(comm_.IdOf(L"BinaryTimeoutms"), flags, {}).result, S_OK) << flags;
+    // The item by its name, as the default member, and through the property that holds the collection.
+    for (const Outcome& item :
+         {devices.Invoke(devices.IdOf(L"Item"), flags, {first}), devices.Invoke(DISPID_VALUE, flags, {first}),
+          tcp_.Invoke(tcp_.IdOf(L"Devices"), flags, {first})}) {
+      EXPECT_EQ(item.result, S_OK) << flags;
+      ASSERT_EQ(item.value.type(), VT_DISPATCH) << flags;
+      EXPECT_TRUE(IsSameObject(V_DISPATCH(item.value.get()), V_DISPATCH(instrument.get()))) << flags;
+    }
   }
-  // Scripts ask for GetKey without parentheses the same way.
-  EXPECT_EQ(
-      comm_.Invoke(comm_.IdOf(L"GetKey"), DISPATCH_PROPERTYGET | DISPATCH_METHOD, {}).value.text().size(),
-      11u);
+}
+
+TEST_F(LateBoundTest, EnumeratorsName_WithAnUnderscore) {
+  const LateObject devices(V_DISPATCH(tcp_.Get(L"Devices").value.get()));
+  EXPECT_EQ(devices.IdOf(L"NewEnum"), DISPID_NEWENUM);
+  EXPECT_EQ(devices.IdOf(L"_NewEnum"), DISPID_NEWENUM);
+  EXPECT_EQ(devices.IdOf(L"_newenum"), DISPID_NEWENUM);
+  std::vector<DISPID> ids;
+  EXPECT_EQ(devices.IdsOf({L"_NewEnum", L"NoSuchArgument"}, ids), DISP_E_UNKNOWNNAME);
+  EXPECT_EQ(ids, (std::vector<DISPID>{DISPID_NEWENUM, DISPID_UNKNOWN}));
+  EXPECT_EQ(tcp_.IdsOf({L"_NewEnum"}, ids), DISP_E_UNKNOWNNAME) << "no collection";
 }
 
 TEST_F(LateBoundTest, TooManyArguments_AreRefused) {
