@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
+#include <string>
+#include <vector>
 
 #include "tests/clients/modem_lines.h"
-#include "tests/clients/public_events.h"
 #include "tests/clients/serial_fixture.h"
 
 namespace kesp::clients {
@@ -173,21 +175,40 @@ TEST_F(SerialEventsTest, AutoDetect_SlowRate_TriesTheThirdCommand) {
   EXPECT_EQ(Trials(), (Journal{Trial(br2400, L"*IDN?"), Trial(br2400, L"*VER"), Trial(br2400, L"t")}));
 }
 
+// How a value of a declared type travels.
+VARTYPE TypeInCall(const TYPEDESC& type) {
+  if (type.vt == VT_PTR) return static_cast<VARTYPE>(VT_BYREF | TypeInCall(*type.lptdesc));
+  return type.vt == VT_USERDEFINED ? static_cast<VARTYPE>(VT_I4) : type.vt;
+}
+
+using TypesOfEvents = std::map<std::wstring, std::vector<VARTYPE>>;
+
+TypesOfEvents DeclaredTypes() {
+  ComPtr<ITypeLib> library;
+  ComPtr<ITypeInfo> info;
+  EXPECT_EQ(LoadRegTypeLib(LIBID_KespCommObj, 1, 0, 0, &library), S_OK);
+  EXPECT_EQ(library->GetTypeInfoOfGuid(__uuidof(__CKespCOMPort3), &info), S_OK);
+  TypesOfEvents declared;
+  FUNCDESC* function = nullptr;
+  for (UINT i = 0; info->GetFuncDesc(i, &function) == S_OK; ++i) {
+    Text name;
+    info->GetDocumentation(function->memid, name.out(), nullptr, nullptr, nullptr);
+    std::vector<VARTYPE>& types = declared[name.str()];
+    for (int n = 0; n < function->cParams; ++n) {
+      types.push_back(TypeInCall(function->lprgelemdescParam[n].tdesc));
+    }
+    info->ReleaseFuncDesc(function);
+  }
+  return declared;
+}
+
 TEST_F(SerialEventsTest, EveryEvent_HasArgumentsOfItsDeclaredTypes) {
-  static const std::map<ArgumentKind, VARTYPE> kTypes = {{ArgumentKind::kInteger16, VT_I2},
-                                                         {ArgumentKind::kInteger32, VT_I4},
-                                                         {ArgumentKind::kText, VT_BSTR},
-                                                         {ArgumentKind::kTextInOut, VT_BYREF | VT_BSTR},
-                                                         {ArgumentKind::kBooleanInOut, VT_BYREF | VT_BOOL},
-                                                         {ArgumentKind::kBaudRate, VT_I4}};
-  std::map<std::wstring, std::vector<VARTYPE>> declared;
-  std::map<std::wstring, std::vector<VARTYPE>> heard;
-  for (const PublicEvent& event : AllPublicEvents().front().events) {
-    // An event that no operation raises.
-    if (std::wstring(event.name) == L"ReadEnd") continue;
-    std::vector<VARTYPE>& types = declared[event.name];
-    for (const EventArgument& argument : event.arguments) types.push_back(kTypes.at(argument.kind));
-    recorder_->handlers[event.name] = [&heard, name = std::wstring(event.name)](DISPPARAMS& arguments) {
+  TypesOfEvents declared = DeclaredTypes();
+  // An event that no operation raises.
+  EXPECT_EQ(declared.erase(L"ReadEnd"), 1U);
+  TypesOfEvents heard;
+  for (const auto& event : declared) {
+    recorder_->handlers[event.first] = [&heard, name = event.first](DISPPARAMS& arguments) {
       std::vector<VARTYPE> found;
       for (UINT i = arguments.cArgs; i-- > 0;) found.push_back(V_VT(&arguments.rgvarg[i]));
       heard[name] = found;

@@ -1,83 +1,207 @@
 // Reading type information.
 #include "tests/clients/type_reader.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
+#include <cwctype>
+#include <stdexcept>
+#include <utility>
 
 namespace kesp::clients {
 
 namespace {
 
-std::wstring DefaultOf(const VARIANT& value) {
-  if (V_VT(&value) == VT_BSTR) return L"=\"" + Text(V_BSTR(&value)).str() + L"\"";
-  Value text;
-  VariantChangeType(text.get(), const_cast<VARIANT*>(&value), 0, VT_BSTR);
-  return L"=" + text.text();
-}
-
-std::wstring HelpTextOf(ITypeInfo* info, MEMBERID id) {
-  Text text;
-  info->GetDocumentation(id, nullptr, text.out(), nullptr, nullptr);
-  return text.str();
-}
-
 // Identifiers from here on are IUnknown's and IDispatch's own.
 constexpr MEMBERID kInherited = 0x60000000;
 
+void Check(HRESULT result) {
+  if (FAILED(result)) throw std::runtime_error("type information cannot be read");
+}
+
+// Words for those flags that are set.
+template <class Words>
+std::wstring WordsOf(unsigned flags, const Words& words) {
+  std::wstring text;
+  for (const auto& [flag, word] : words) {
+    if ((flags & flag) != 0) text += L" " + std::wstring(word);
+  }
+  return text;
+}
+
+constexpr std::pair<unsigned, const wchar_t*> kTypeWords[] = {{TYPEFLAG_FCANCREATE, L"creatable"},
+                                                              {TYPEFLAG_FAPPOBJECT, L"appobject"},
+                                                              {TYPEFLAG_FDUAL, L"dual"},
+                                                              {TYPEFLAG_FOLEAUTOMATION, L"oleautomation"},
+                                                              {TYPEFLAG_FNONEXTENSIBLE, L"nonextensible"},
+                                                              {TYPEFLAG_FHIDDEN, L"hidden"},
+                                                              {TYPEFLAG_FRESTRICTED, L"restricted"}};
+constexpr std::pair<unsigned, const wchar_t*> kFunctionWords[] = {{FUNCFLAG_FHIDDEN, L"hidden"},
+                                                                  {FUNCFLAG_FRESTRICTED, L"restricted"}};
+constexpr std::pair<unsigned, const wchar_t*> kImplementedWords[] = {
+    {IMPLTYPEFLAG_FDEFAULT, L"default"},
+    {IMPLTYPEFLAG_FSOURCE, L"source"},
+    {IMPLTYPEFLAG_FRESTRICTED, L"restricted"}};
+
+std::wstring KindOf(const TYPEATTR& type) {
+  switch (type.typekind) {
+    case TKIND_COCLASS:
+      return L"class";
+    case TKIND_ENUM:
+      return L"enumeration";
+    case TKIND_ALIAS:
+      return L"alias";
+    case TKIND_DISPATCH:
+      return (type.wTypeFlags & TYPEFLAG_FDUAL) != 0 ? L"interface" : L"events";
+    default:
+      return L"kind " + std::to_wstring(type.typekind);
+  }
+}
+
+std::wstring UseOf(const FUNCDESC& function) {
+  switch (function.invkind) {
+    case INVOKE_FUNC:
+      return L"";
+    case INVOKE_PROPERTYGET:
+      return L"get ";
+    case INVOKE_PROPERTYPUT:
+      return L"put ";
+    default:
+      return L"set ";
+  }
+}
+
+std::wstring DefaultOf(const VARIANT& value) {
+  if (V_VT(&value) == VT_BSTR) return L"=\"" + Value(value.bstrVal ? value.bstrVal : L"").text() + L"\"";
+  Value text;
+  Check(VariantChangeType(text.get(), const_cast<VARIANT*>(&value), 0, VT_BSTR));
+  return L"=" + text.text();
+}
+
 }  // namespace
 
-std::wstring DescriptionOf(ArgumentKind kind) {
-  switch (kind) {
-    case ArgumentKind::kInteger16:
-      return L"integer16";
-    case ArgumentKind::kInteger32:
-      return L"integer32";
-    case ArgumentKind::kText:
-      return L"string";
-    case ArgumentKind::kTextInOut:
-      return L"&string";
-    case ArgumentKind::kBooleanInOut:
-      return L"&boolean";
-    default:
-      return L"EKespBaudRate3";
-  }
+std::wstring TextOf(const GUID& guid) {
+  std::array<wchar_t, 39> text{};
+  StringFromGUID2(guid, text.data(), static_cast<int>(text.size()));
+  for (wchar_t& letter : text) letter = static_cast<wchar_t>(std::towlower(letter));
+  return text.data();
 }
 
-FunctionReader::FunctionReader(ComPtr<ITypeInfo> info, UINT index) : info_(std::move(info)) {
-  EXPECT_EQ(info_->GetFuncDesc(index, &function_), S_OK);
+TypeReader::TypeReader(ComPtr<ITypeInfo> info) : info_(std::move(info)) {
+  Check(info_->GetTypeAttr(&attributes_));
+}
+
+TypeReader::~TypeReader() {
+  info_->ReleaseTypeAttr(attributes_);
+}
+
+std::vector<std::wstring> TypeReader::Lines() const {
+  std::vector<std::wstring> lines = {Heading()};
+  for (UINT i = 0; i < attributes_->cVars; ++i) lines.push_back(Constant(i));
+  for (UINT i = 0; i < attributes_->cFuncs; ++i) {
+    if (const std::wstring line = Function(i); !line.empty()) lines.push_back(line);
+  }
+  return lines;
+}
+
+std::wstring TypeReader::Heading() const {
+  Text name;
+  Check(info_->GetDocumentation(MEMBERID_NIL, name.out(), nullptr, nullptr, nullptr));
+  std::wstring heading = KindOf(*attributes_) + L" " + name.str();
+  if (!IsEqualGUID(attributes_->guid, GUID_NULL)) heading += L" " + TextOf(attributes_->guid);
+  heading += WordsOf(Flags(), kTypeWords);
+  if (attributes_->typekind == TKIND_ALIAS) heading += L" of " + TypeName(attributes_->tdescAlias);
+  return attributes_->typekind == TKIND_COCLASS ? heading + ImplementedTypes() : heading;
+}
+
+// Of a dual interface, which is described as a dispatch interface, those of the other description as well.
+unsigned TypeReader::Flags() const {
+  return attributes_->wTypeFlags | (IsDual() ? TypeReader(VtableHalf())->wTypeFlags : 0U);
+}
+
+ComPtr<ITypeInfo> TypeReader::VtableHalf() const {
+  HREFTYPE reference = 0;
+  ComPtr<ITypeInfo> half;
+  Check(info_->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference));
+  Check(info_->GetRefTypeInfo(reference, &half));
+  return half;
+}
+
+std::wstring TypeReader::ImplementedTypes() const {
+  std::wstring text;
+  for (UINT i = 0; i < attributes_->cImplTypes; ++i) {
+    HREFTYPE reference = 0;
+    INT flags = 0;
+    Check(info_->GetRefTypeOfImplType(i, &reference));
+    Check(info_->GetImplTypeFlags(i, &flags));
+    text += L"," + WordsOf(static_cast<unsigned>(flags), kImplementedWords) + L" " + NameOf(reference);
+  }
+  return text;
+}
+
+std::wstring TypeReader::Constant(UINT index) const {
+  VARDESC* variable = nullptr;
+  Check(info_->GetVarDesc(index, &variable));
+  Text name;
+  UINT count = 0;
+  info_->GetNames(variable->memid, name.out(), 1, &count);
+  const std::wstring line = L"  " + name.str() + L" = " + std::to_wstring(V_I4(variable->lpvarValue));
+  info_->ReleaseVarDesc(variable);
+  return line;
+}
+
+std::wstring TypeReader::Function(UINT index) const {
+  FUNCDESC* function = nullptr;
+  Check(info_->GetFuncDesc(index, &function));
+  std::wstring line;
+  if (function->memid < kInherited) {
+    Text name;
+    info_->GetDocumentation(function->memid, name.out(), nullptr, nullptr, nullptr);
+    const std::wstring result = TypeName(function->elemdescFunc.tdesc);
+    line = L"  " + Place(*function) + L"id " + std::to_wstring(function->memid) + L"  " + UseOf(*function) +
+           name.str() + L"(" + Arguments(*function) + L")" + (result.empty() ? L"" : L" " + result) +
+           WordsOf(function->wFuncFlags, kFunctionWords);
+  }
+  info_->ReleaseFuncDesc(function);
+  return line;
+}
+
+// The place is that of the vtable half, which lists the same functions.
+std::wstring TypeReader::Place(const FUNCDESC& function) const {
+  if (!IsDual()) return L"";
+  const ComPtr<ITypeInfo> half = VtableHalf();
+  const TypeReader vtable(half);
+  for (UINT i = 0; i < vtable->cFuncs; ++i) {
+    FUNCDESC* found = nullptr;
+    Check(half->GetFuncDesc(i, &found));
+    const bool is_it = found->memid == function.memid && found->invkind == function.invkind;
+    const auto place = static_cast<std::size_t>(found->oVft) / sizeof(void*);
+    half->ReleaseFuncDesc(found);
+    if (is_it) return L"vtable " + std::to_wstring(place) + L"  ";
+  }
+  throw std::runtime_error("a member has no place in the vtable");
+}
+
+std::wstring TypeReader::Arguments(const FUNCDESC& function) const {
   std::array<BSTR, 16> names{};
   UINT count = 0;
-  info_->GetNames(function_->memid, names.data(), static_cast<UINT>(names.size()), &count);
-  for (UINT i = 0; i < count; ++i) {
-    names_.emplace_back(names.at(i));
-    SysFreeString(names.at(i));
+  Check(info_->GetNames(function.memid, names.data(), static_cast<UINT>(names.size()), &count));
+  std::wstring arguments;
+  for (UINT i = 0; i < static_cast<UINT>(function.cParams); ++i) {
+    // The value that a property is put with has no name in this list.
+    const std::wstring name = i + 1 < count ? names.at(i + 1) : L"value";
+    arguments += (i > 0 ? L", " : L"") + name + L" " + ArgumentType(function.lprgelemdescParam[i]);
   }
-  // The argument that a property is put with has no name of its own in this list.
-  names_.resize(static_cast<std::size_t>(function_->cParams) + 1, L"vData");
+  for (BSTR name : names) SysFreeString(name);
+  return arguments;
 }
 
-FunctionReader::~FunctionReader() {
-  info_->ReleaseFuncDesc(function_);
+std::wstring TypeReader::ArgumentType(const ELEMDESC& argument) const {
+  const PARAMDESC& details = argument.paramdesc;
+  const bool has_default = (details.wParamFlags & PARAMFLAG_FHASDEFAULT) != 0;
+  return TypeName(argument.tdesc) +
+         (has_default ? DefaultOf(details.pparamdescex->varDefaultValue) : std::wstring());
 }
 
-std::wstring FunctionReader::HelpText() const {
-  return HelpTextOf(info_.Get(), function_->memid);
-}
-
-bool FunctionReader::IsInherited() const {
-  return function_->memid >= kInherited;
-}
-
-std::wstring FunctionReader::NameOf(HREFTYPE reference) const {
-  ComPtr<ITypeInfo> referred;
-  if (FAILED(info_->GetRefTypeInfo(reference, &referred))) return L"?";
-  Text name;
-  referred->GetDocumentation(MEMBERID_NIL, name.out(), nullptr, nullptr, nullptr);
-  return name.str();
-}
-
-std::wstring FunctionReader::TypeName(const TYPEDESC& type) const {
+std::wstring TypeReader::TypeName(const TYPEDESC& type) const {
   switch (type.vt) {
     case VT_BSTR:
       return L"string";
@@ -110,97 +234,12 @@ std::wstring FunctionReader::TypeName(const TYPEDESC& type) const {
   }
 }
 
-std::wstring FunctionReader::ArgumentType(std::size_t index) const {
-  const ELEMDESC& argument = function_->lprgelemdescParam[index];
-  const bool has_default = (argument.paramdesc.wParamFlags & PARAMFLAG_FHASDEFAULT) != 0;
-  return TypeName(argument.tdesc) +
-         (has_default ? DefaultOf(argument.paramdesc.pparamdescex->varDefaultValue) : std::wstring());
-}
-
-std::wstring FunctionReader::Declaration() const {
-  const wchar_t* const kind = function_->invkind == INVOKE_PROPERTYGET   ? L" get "
-                              : function_->invkind == INVOKE_PROPERTYPUT ? L" put "
-                                                                         : L" method ";
-  std::wstring arguments;
-  for (int i = 0; i < function_->cParams; ++i) {
-    const auto index = static_cast<std::size_t>(i);
-    arguments += (i > 0 ? L"," : L"") + ArgumentName(index) + L" " + ArgumentType(index);
-  }
-  const std::wstring result = TypeName(function_->elemdescFunc.tdesc);
-  return std::to_wstring(function_->memid) + kind + Name() + L"(" + arguments + L")" +
-         (result.empty() ? L"" : L" " + result);
-}
-
-TypeReader::TypeReader(ComPtr<ITypeInfo> info) : info_(std::move(info)) {
-  EXPECT_EQ(info_->GetTypeAttr(&attributes_), S_OK);
-}
-
-TypeReader::~TypeReader() {
-  if (attributes_ != nullptr) info_->ReleaseTypeAttr(attributes_);
-}
-
-TypeReader TypeReader::OfName(ITypeLib* library, const std::wstring& name, TYPEKIND kind) {
-  for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
-    TYPEKIND found = TKIND_MAX;
-    library->GetTypeInfoType(i, &found);
-    Text found_name;
-    library->GetDocumentation(static_cast<INT>(i), found_name.out(), nullptr, nullptr, nullptr);
-    if (found != kind || found_name.str() != name) continue;
-    ComPtr<ITypeInfo> info;
-    library->GetTypeInfo(i, &info);
-    return TypeReader(info);
-  }
-  ADD_FAILURE() << "no type " << testing::PrintToString(name);
-  ComPtr<ITypeInfo> first;
-  library->GetTypeInfo(0, &first);
-  return TypeReader(first);
-}
-
-std::wstring TypeReader::HelpText() const {
-  return HelpTextOf(info_.Get(), MEMBERID_NIL);
-}
-
-TypeReader::Implemented TypeReader::ImplementedType(UINT index) const {
-  Implemented implemented{};
-  HREFTYPE reference = 0;
+std::wstring TypeReader::NameOf(HREFTYPE reference) const {
   ComPtr<ITypeInfo> referred;
-  EXPECT_EQ(info_->GetRefTypeOfImplType(index, &reference), S_OK);
-  EXPECT_EQ(info_->GetRefTypeInfo(reference, &referred), S_OK);
-  EXPECT_EQ(info_->GetImplTypeFlags(index, &implemented.flags), S_OK);
-  const TypeReader type(referred);
-  implemented.guid = type->guid;
-  return implemented;
-}
-
-TypeReader TypeReader::VtableHalf() const {
-  HREFTYPE reference = 0;
-  ComPtr<ITypeInfo> half;
-  EXPECT_EQ(info_->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference), S_OK);
-  EXPECT_EQ(info_->GetRefTypeInfo(reference, &half), S_OK);
-  return TypeReader(half);
-}
-
-std::vector<std::pair<std::wstring, long>> TypeReader::Constants() const {
-  std::vector<std::pair<std::wstring, long>> constants;
-  for (UINT i = 0; i < attributes_->cVars; ++i) {
-    VARDESC* variable = nullptr;
-    if (FAILED(info_->GetVarDesc(i, &variable))) continue;
-    Text name;
-    UINT count = 0;
-    info_->GetNames(variable->memid, name.out(), 1, &count);
-    constants.emplace_back(name.str(), V_I4(variable->lpvarValue));
-    info_->ReleaseVarDesc(variable);
-  }
-  return constants;
-}
-
-std::vector<std::wstring> TypeReader::DeclaredMembers() const {
-  std::vector<std::wstring> declared;
-  for (UINT i = 0; i < attributes_->cFuncs; ++i) {
-    const FunctionReader function = Function(i);
-    if (!function.IsInherited()) declared.push_back(function.Declaration());
-  }
-  return declared;
+  Check(info_->GetRefTypeInfo(reference, &referred));
+  Text name;
+  Check(referred->GetDocumentation(MEMBERID_NIL, name.out(), nullptr, nullptr, nullptr));
+  return name.str();
 }
 
 }  // namespace kesp::clients

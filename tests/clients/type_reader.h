@@ -1,75 +1,46 @@
-// Type information in the words of the tests.
+// Type information in words. What cannot be read throws std::runtime_error.
 #pragma once
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "tests/clients/automation.h"
-#include "tests/clients/public_events.h"
 
 namespace kesp::clients {
 
-// One function of a type.
-class FunctionReader {
- public:
-  FunctionReader(ComPtr<ITypeInfo> info, UINT index);
-  ~FunctionReader();
-  FunctionReader(const FunctionReader&) = delete;
-  FunctionReader& operator=(const FunctionReader&) = delete;
-
-  const FUNCDESC* operator->() const { return function_; }
-  std::wstring Name() const { return names_.front(); }
-  std::wstring HelpText() const;
-  // Whether it is one of IUnknown's or IDispatch's own.
-  bool IsInherited() const;
-  std::wstring ArgumentName(std::size_t index) const { return names_.at(index + 1); }
-  // For example "string", "&string" by reference, "string=\"\"" with a default.
-  std::wstring ArgumentType(std::size_t index) const;
-  // For example: 12 method Query(result &string,cmd string) boolean
-  std::wstring Declaration() const;
-
- private:
-  std::wstring TypeName(const TYPEDESC& type) const;
-  std::wstring NameOf(HREFTYPE reference) const;
-
-  ComPtr<ITypeInfo> info_;
-  FUNCDESC* function_ = nullptr;
-  std::vector<std::wstring> names_;
-};
-
-// One type.
+// One type of a library.
 class TypeReader {
  public:
   explicit TypeReader(ComPtr<ITypeInfo> info);
-  TypeReader(TypeReader&& other) noexcept
-      : info_(std::move(other.info_)), attributes_(std::exchange(other.attributes_, nullptr)) {}
   ~TypeReader();
-  TypeReader& operator=(TypeReader&&) = delete;
-
-  static TypeReader OfName(ITypeLib* library, const std::wstring& name, TYPEKIND kind);
+  TypeReader(const TypeReader&) = delete;
+  TypeReader& operator=(const TypeReader&) = delete;
 
   const TYPEATTR* operator->() const { return attributes_; }
-  std::wstring HelpText() const;
 
-  struct Implemented {
-    GUID guid;
-    int flags;
-  };
-  Implemented ImplementedType(UINT index) const;
-  // Of a dual interface, which is described as a dispatch interface, the other description.
-  TypeReader VtableHalf() const;
-
-  std::vector<std::pair<std::wstring, long>> Constants() const;
-  FunctionReader Function(UINT index) const { return {info_, index}; }
-  // The declarations of all members that are not IUnknown's or IDispatch's.
-  std::vector<std::wstring> DeclaredMembers() const;
+  // The lines of the type in the list of all that is public: a heading, and one for each member.
+  std::vector<std::wstring> Lines() const;
 
  private:
+  std::wstring Heading() const;
+  unsigned Flags() const;
+  ComPtr<ITypeInfo> VtableHalf() const;
+  std::wstring ImplementedTypes() const;
+  std::wstring Constant(UINT index) const;
+  // A function with its place in the vtable; empty for one of IUnknown's or IDispatch's own.
+  std::wstring Function(UINT index) const;
+  std::wstring Place(const FUNCDESC& function) const;
+  std::wstring Arguments(const FUNCDESC& function) const;
+  std::wstring ArgumentType(const ELEMDESC& argument) const;
+  std::wstring TypeName(const TYPEDESC& type) const;
+  std::wstring NameOf(HREFTYPE reference) const;
+  bool IsDual() const { return (attributes_->wTypeFlags & TYPEFLAG_FDUAL) != 0; }
+
   ComPtr<ITypeInfo> info_;
   TYPEATTR* attributes_ = nullptr;
 };
 
-std::wstring DescriptionOf(ArgumentKind kind);
+// "{2d794e96-0780-4200-a425-c3c3836e4bf8}", in lower case.
+std::wstring TextOf(const GUID& guid);
 
 }  // namespace kesp::clients
