@@ -16,12 +16,17 @@ class MessageHandler {
   virtual void OnMessage(UINT message, WPARAM wparam, LPARAM lparam) = 0;
 
   // Something that keeps the handler, and with it the window, alive while it is held. The window procedure
-  // holds it for the length of one message and touches nothing after it has let go of it.
+  // holds it for the length of one message and touches nothing after it has let go of it. Throws when the
+  // handler is being destroyed, by another thread; the message is lost then.
   virtual std::shared_ptr<void> KeepAlive() = 0;
 };
 
 // The window goes with the object; the window class, which all of them share, goes with the last window, so
 // that a library that was unloaded leaves nothing behind. May be destroyed inside its own handler.
+//
+// Also on another thread than the one that made it: its handler gets nothing any more from then on, and the
+// window goes when its own thread handles its messages the next time, or ends. Until then the module must
+// stay loaded.
 class MessageWindow {
  public:
   // handle() is null afterwards when the system could not make the window.

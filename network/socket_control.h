@@ -43,7 +43,8 @@ class SocketListener {
   virtual void OnSendComplete() = 0;
 
   // Something that keeps the listener, and with it the control, alive while it is held. The control holds it
-  // for the length of one notification, so that a client may drop its last reference inside a handler.
+  // for the length of one notification, so that a client may drop its last reference inside a handler. Throws
+  // when the listener is being destroyed by another thread: then it is told nothing any more.
   virtual std::shared_ptr<void> KeepAlive() = 0;
 };
 

@@ -35,6 +35,7 @@ class CKespTCPEvents {
                                 const std::wstring& IPAddress) = 0;
 
   // Something that keeps the object alive whose events these are, held while a notification is handled.
+  // Throws when another thread is destroying it.
   virtual std::shared_ptr<void> KeepAlive() = 0;
 };
 

@@ -1,12 +1,17 @@
 // One call of the handlers for each event of the network transport.
 #include "server/tcp_event_bridge.h"
 
+#include <stdexcept>
+
 #include "server/com_values.h"
 #include "server/event_arguments.h"
 
 namespace kesp {
 
 namespace {
+
+// More than an object that lives can have: one that is being torn down counts from a far higher number.
+constexpr ULONG kMostReferences = 0x10000000;
 
 // The dispatch identifiers of __CKespTCP.
 enum TcpEvent : DISPID {
@@ -112,7 +117,9 @@ void TcpEventBridge::ReadInvalidChars(const std::wstring& Buffer, std::int16_t p
 }
 
 std::shared_ptr<void> TcpEventBridge::KeepAlive() {
-  owner_->AddRef();
+  const ULONG references = owner_->AddRef();
+  // A new reference does not save an object that another thread is tearing down; nor is it given back.
+  if (references == 1 || references > kMostReferences) throw std::runtime_error("the object is going");
   return {owner_, [](IUnknown* owner) { owner->Release(); }};
 }
 

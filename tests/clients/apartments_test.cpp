@@ -11,6 +11,7 @@
 #include "tests/clients/late_object.h"
 #include "tests/clients/library_module.h"
 #include "tests/clients/other_apartment.h"
+#include "tests/clients/tcp_fixture.h"
 
 namespace kesp::clients {
 namespace {
@@ -142,6 +143,45 @@ INSTANTIATE_TEST_SUITE_P(Kinds, ApartmentsTest,
                          [](const auto& info) {
                            return info.param == COINIT_MULTITHREADED ? "Multithreaded" : "SingleThreaded";
                          });
+
+// An object whose pointer goes to another thread without marshaling, which a client must not do.
+class UnmarshaledApartmentsTest : public TcpFixture {
+ protected:
+  static void RunOnAThread(const std::function<void()>& work) {
+    std::thread([&] {
+      const Apartment apartment;
+      work();
+    }).join();
+  }
+
+  // How many of the library's hidden windows this process has.
+  static int HiddenWindows() {
+    int count = 0;
+    for (HWND window = nullptr;
+         (window = FindWindowExW(HWND_MESSAGE, window, L"KespMessageWindow", nullptr)) != nullptr;) {
+      DWORD process = 0;
+      GetWindowThreadProcessId(window, &process);
+      if (process == GetCurrentProcessId()) ++count;
+    }
+    return count;
+  }
+
+  // The code that a window left behind still needs.
+  LibraryModule module_;
+};
+
+TEST_F(UnmarshaledApartmentsTest, LastReleaseThere_TheMessagesHereReachNobodyAndTheWindowGoes) {
+  for (int round = 0; round < 10; ++round) {
+    tcp_ = Create<_CKespTCP>(__uuidof(CKespTCP));
+    SetTarget(tcp_.Get());
+    EXPECT_TRUE(Initialize());
+    EXPECT_EQ(HiddenWindows(), 1);
+    EXPECT_EQ(WriteLine(L"*IDN?"), S_OK);
+    Sleep(50);  // the arrival is in the queue now
+    RunOnAThread([&] { tcp_.Reset(); });
+    EXPECT_TRUE(PumpUntil([] { return HiddenWindows() == 0; }));
+  }
+}
 
 // A client without message loop: the objects live in an apartment that COM makes for them.
 TEST(MultithreadedClientTest, CreatesQueriesAndReleases) {
