@@ -2,36 +2,54 @@
 #include "network/host_lookup_win.h"
 
 #include <cstring>
+#include <utility>
 
 namespace kesp {
 
-HostLookup::~HostLookup() {
-  Cancel();
-  for (auto& [task, buffer] : under_way_) static_cast<void>(buffer.release());
+namespace {
+
+static_assert(LookupBuffer::kSize == MAXGETHOSTSTRUCT);
+
+// Of all look-ups of the process. It has no destructor: the system may write at any time.
+constinit LookupBuffers buffers;
+SRWLOCK buffers_lock = SRWLOCK_INIT;
+
+std::unique_ptr<LookupBuffer> TakeBuffer() {
+  AcquireSRWLockExclusive(&buffers_lock);
+  std::unique_ptr<LookupBuffer> buffer = buffers.Take();
+  ReleaseSRWLockExclusive(&buffers_lock);
+  return buffer;
 }
+
+void GiveUp(std::unique_ptr<LookupBuffer> buffer) {
+  AcquireSRWLockExclusive(&buffers_lock);
+  buffers.GiveUp(std::move(buffer));
+  ReleaseSRWLockExclusive(&buffers_lock);
+}
+
+}  // namespace
 
 int HostLookup::Start(HWND window, UINT message, const std::string& name) {
-  auto buffer = std::make_unique<Buffer>();
-  const HANDLE task = WSAAsyncGetHostByName(window, message, name.c_str(), buffer->bytes,
-                                            static_cast<int>(sizeof buffer->bytes));
-  if (task == nullptr) return WSAGetLastError();
-  current_ = task;
-  under_way_[task] = std::move(buffer);
-  return 0;
+  Cancel();
+  buffer_ = TakeBuffer();
+  if (buffer_ == nullptr) return WSAENOBUFS;
+  task_ = WSAAsyncGetHostByName(window, message, name.c_str(), buffer_->bytes,
+                                static_cast<int>(sizeof buffer_->bytes));
+  return task_ != nullptr ? 0 : WSAGetLastError();
 }
 
+// Whether the system has stopped it, or writes its result all the same, is not known.
 void HostLookup::Cancel() {
-  if (current_ != nullptr) WSACancelAsyncRequest(current_);
-  current_ = nullptr;
+  if (task_ == nullptr) return;
+  WSACancelAsyncRequest(task_);
+  task_ = nullptr;
+  GiveUp(std::move(buffer_));
 }
 
 HostLookup::Result HostLookup::Finish(WPARAM wparam, LPARAM lparam) {
-  const auto task = reinterpret_cast<HANDLE>(wparam);
-  if (task == current_) current_ = nullptr;
-  const auto found = under_way_.find(task);
-  if (found == under_way_.end()) return {WSAHOST_NOT_FOUND, 0};
-  const std::unique_ptr<Buffer> buffer = std::move(found->second);
-  under_way_.erase(found);
+  if (task_ == nullptr || reinterpret_cast<HANDLE>(wparam) != task_) return {WSAHOST_NOT_FOUND, 0};
+  task_ = nullptr;
+  const std::unique_ptr<LookupBuffer> buffer = std::move(buffer_);
   if (const int error = WSAGETASYNCERROR(lparam)) return {error, 0};
   const auto* const host = reinterpret_cast<const hostent*>(buffer->bytes);
   if (host->h_addrtype != AF_INET || host->h_addr_list[0] == nullptr) return {WSANO_DATA, 0};

@@ -5,28 +5,27 @@
 #include <winsock2.h>
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
 
+#include "network/lookup_buffers.h"
+
 namespace kesp {
 
-// Look-ups whose results come as window messages. Look-ups that nobody waits for any more are cancelled;
-// since a system may finish a cancelled one all the same, and write its result, each keeps its memory until
-// its message has come. The memory of those that are under way when the object goes is given up for the same
-// reason (1 KB each).
+// One look-up at a time, whose result comes as a window message. One that nobody waits for any more is
+// cancelled, and its buffer given up.
 class HostLookup {
  public:
   HostLookup() = default;
-  ~HostLookup();
+  ~HostLookup() { Cancel(); }
   HostLookup(const HostLookup&) = delete;
   HostLookup& operator=(const HostLookup&) = delete;
 
-  // Starts looking up the IPv4 address of a name; the message goes to the window when it is done. Returns 0,
-  // or the Winsock error number when it could not be started.
+  // Starts looking up the IPv4 address of a name, in place of the look-up under way; the message goes to the
+  // window when it is done. Returns 0, or the Winsock error number when it could not be started.
   int Start(HWND window, UINT message, const std::string& name);
 
-  // Gives up the look-up that was started last, if it is still under way.
+  // Gives up the look-up, if one is under way.
   void Cancel();
 
   struct Result {
@@ -34,16 +33,12 @@ class HostLookup {
     std::uint32_t address = 0;  // in network byte order
   };
 
-  // What a look-up's message says. To be called for each such message, also when nobody waits for it.
+  // What the message of the look-up under way says; that of any other says WSAHOST_NOT_FOUND.
   Result Finish(WPARAM wparam, LPARAM lparam);
 
  private:
-  struct Buffer {
-    alignas(hostent) char bytes[MAXGETHOSTSTRUCT];
-  };
-
-  HANDLE current_ = nullptr;
-  std::map<HANDLE, std::unique_ptr<Buffer>> under_way_;
+  HANDLE task_ = nullptr;  // null when none is under way
+  std::unique_ptr<LookupBuffer> buffer_;
 };
 
 }  // namespace kesp

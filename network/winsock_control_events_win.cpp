@@ -13,17 +13,13 @@ constexpr int kScratchBytes = 65536;
 }  // namespace
 
 void WinsockControl::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
-  const NotificationKind kind = NotificationCode::KindOf(message);
-  HostLookup::Result looked_up;
-  // A look-up's message frees its memory whoever it belonged to.
-  if (kind == NotificationKind::kHostLookup) looked_up = resources_->lookup.Finish(wparam, lparam);
   if (!NotificationCode::BelongsTo(message, connection_)) return;
-  switch (kind) {
+  switch (NotificationCode::KindOf(message)) {
     case NotificationKind::kSocket:
       OnSocketEvent(WSAGETSELECTEVENT(lparam), WSAGETSELECTERROR(lparam));
       break;
     case NotificationKind::kHostLookup:
-      OnHostLookup(looked_up);
+      OnHostLookup(resources_->lookup.Finish(wparam, lparam));
       break;
   }
 }
