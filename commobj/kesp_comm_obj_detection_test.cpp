@@ -106,12 +106,13 @@ TEST_F(KespCommObjDetectionTest, Network_Found_TheNextQueryGoesToTheAddressThatI
   EXPECT_EQ(socket_->RemoteHost(), L"10.0.0.8");
 }
 
-TEST_F(KespCommObjDetectionTest, Network_LevelIsHandedOn) {
+TEST_F(KespCommObjDetectionTest, Network_LevelIsHandedOnAndTheConnectionClosedWhenNothingIsFound) {
   UseNetwork();
   Script([](SocketControlFake& socket) { socket.ThenConnects(); });
   EXPECT_FALSE(Detect(EDetectLevel::dlSCPIOnly));
   EXPECT_EQ(socket_->sent, "*IDN?\r");
   EXPECT_EQ(result_, L"");
+  EXPECT_TRUE(IsClosed());
 }
 
 TEST_F(KespCommObjDetectionTest, Network_UdpProtocol_IsADiscovery) {

@@ -102,10 +102,10 @@ class CKespTCP final : private SocketListener {
   //
   // With the TCP protocol it connects to IPAddress and Port, as Initialize does (a connection that leads
   // elsewhere, or nowhere any more, is closed first), and tries the level's commands until one is answered.
-  // True: `result` has the answer, and the connection is open. Nothing answers, or a handler of
-  // AutoDetectUpdate sets Abort: `result` is empty, and a connection that it opened is closed. After commands
-  // without an answer a connection that stays open is a new one, on which no late answer can come. No
-  // connection is nothing found; throws ERR_INVALID_IP_ADDRESS and ERR_INVALID_PORT.
+  // True: `result` has the answer. Nothing answers, or a handler of AutoDetectUpdate sets Abort: `result` is
+  // empty. The connection stays open in every case, and late answers may still come on it. No connection, or
+  // one that was lost, is nothing found, and leaves the socket closed; throws ERR_INVALID_IP_ADDRESS and
+  // ERR_INVALID_PORT.
   //
   // With the UDP protocol it sends one broadcast, adds everyone who answers it to Devices, unless his address
   // is there already or 4,096 items are, and connects to every item of Devices in turn, from the last to the
@@ -184,7 +184,7 @@ class CKespTCP final : private SocketListener {
   bool AwaitConnection();
 
   bool Probe(std::span<const wchar_t* const> commands, std::wstring& result);
-  bool AskInTurn(std::span<const wchar_t* const> commands, std::wstring& result, bool& all_answered);
+  bool AskInTurn(std::span<const wchar_t* const> commands, std::wstring& result);
   bool IsConnectedToTarget() const;
   bool IsAborted(const std::wstring& cmd);
   bool IsAnswered(const std::wstring& cmd, std::wstring& result);

@@ -39,15 +39,9 @@ bool CKespTCP::AutoDetect(std::wstring& result, EDetectLevel DetectLevel) {
 bool CKespTCP::Probe(std::span<const wchar_t* const> commands, std::wstring& result) {
   // A connection to somebody else, or to somebody who has gone, cannot tell who is at this address.
   if (connected_ && !IsConnectedToTarget()) Disconnect();
-  const bool was_connected = connected_;
-  bool all_answered = true;
-  const Attempt search = Try([&] { return Initialize() && AskInTurn(commands, result, all_answered); });
-  const bool stays_open = search.succeeded || was_connected;
-  if (!stays_open || !all_answered) {
-    // A late answer must not become the reply to somebody's next command.
-    Disconnect();
-    if (stays_open) Try([&] { return Initialize(); });
-  }
+  const Attempt search = Try([&] { return Initialize() && AskInTurn(commands, result); });
+  // What is no connection must not become one later, nor count as one.
+  if (!search.succeeded && socket_->State() != EKespTCPState::sckConnected) Disconnect();
   if (search.error && !MeansNobodyThere(search.number())) throw *search.error;
   return search.succeeded;
 }
@@ -57,12 +51,11 @@ bool CKespTCP::IsConnectedToTarget() const {
          socket_->RemotePort() == port_;
 }
 
-// Whether one of them is answered. all_answered becomes false when an earlier one was not.
-bool CKespTCP::AskInTurn(std::span<const wchar_t* const> commands, std::wstring& result, bool& all_answered) {
+// Whether one of them is answered, be it by the late answer to an earlier one.
+bool CKespTCP::AskInTurn(std::span<const wchar_t* const> commands, std::wstring& result) {
   for (const wchar_t* command : commands) {
     if (IsAborted(command)) return false;
     if (IsAnswered(command, result)) return true;
-    all_answered = false;
   }
   return false;
 }

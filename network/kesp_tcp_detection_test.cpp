@@ -57,12 +57,14 @@ TEST_F(KespTCPDetectionTest, FirstCommandIsAnswered_FoundAndTheConnectionStaysOp
   ExpectRestored();
 }
 
-TEST_F(KespTCPDetectionTest, LaterCommandIsAnswered_TheEarlierOnesWereTried) {
+TEST_F(KespTCPDetectionTest, LaterCommandIsAnswered_TheEarlierOnesWereTriedOnTheSameConnection) {
   LetAnswer();
   replies_ = {{"t\r", "21.5\r"}};
   EXPECT_TRUE(Detect());
   EXPECT_EQ(result_, L"21.5");
   EXPECT_EQ(asked_, (Calls{"*IDN?\r", "*VER\r", "t\r"}));
+  EXPECT_EQ(socket_->calls,
+            (Calls{"SetProtocol 0", "Connect 10.0.0.7:5025", "SendData", "SendData", "SendData", "GetData"}));
   EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnected);
   ExpectRestored();
 }
@@ -85,7 +87,7 @@ TEST_F(KespTCPDetectionTest, LevelLeftOut_IsAllCommands) {
   EXPECT_EQ(asked_.size(), 3U);
 }
 
-TEST_F(KespTCPDetectionTest, NothingAnswers_EachReadTakesOneSecondAndTheConnectionIsClosed) {
+TEST_F(KespTCPDetectionTest, NothingAnswers_EachReadTakesOneSecondAndTheConnectionStaysOpen) {
   LetAnswer();
   fakes_.clock.SetMillisecondOfSecond(0);
   const std::int32_t start = fakes_.clock.tick();
@@ -94,21 +96,18 @@ TEST_F(KespTCPDetectionTest, NothingAnswers_EachReadTakesOneSecondAndTheConnecti
   EXPECT_GE(Elapsed(start), 3U * 1100U);
   EXPECT_LE(Elapsed(start), 3U * 2000U + 500U);
   EXPECT_EQ(result_, L"");
-  EXPECT_EQ(tcp_->State(), EKespTCPState::sckClosed);
+  EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnected);
   ExpectRestored();
-  // Not counted as connected: the next Initialize connects anew.
-  socket_->calls.clear();
-  EXPECT_TRUE(tcp_->Initialize());
-  EXPECT_EQ(socket_->calls, (Calls{"SetProtocol 0", "Connect 10.0.0.7:5025"}));
+  EXPECT_EQ(socket_->calls,
+            (Calls{"SetProtocol 0", "Connect 10.0.0.7:5025", "SendData", "SendData", "SendData"}));
 }
 
-TEST_F(KespTCPDetectionTest, NothingAnswersOnAConnectionOfTheClient_ItIsMadeAnew) {
+TEST_F(KespTCPDetectionTest, NothingAnswersOnAConnectionOfTheClient_ItIsNotTouched) {
   Connect();
   LetAnswer();
   EXPECT_FALSE(Detect());
   EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnected);
-  EXPECT_EQ(socket_->calls,
-            (Calls{"SendData", "SendData", "SendData", "Close", "SetProtocol 0", "Connect 10.0.0.7:5025"}));
+  EXPECT_EQ(socket_->calls, (Calls{"SendData", "SendData", "SendData"}));
 }
 
 TEST_F(KespTCPDetectionTest, FirstCommandIsAnsweredOnAConnectionOfTheClient_ItIsNotTouched) {
@@ -119,19 +118,21 @@ TEST_F(KespTCPDetectionTest, FirstCommandIsAnsweredOnAConnectionOfTheClient_ItIs
   EXPECT_EQ(socket_->calls, (Calls{"SendData", "GetData"}));
 }
 
-TEST_F(KespTCPDetectionTest, LaterCommandIsAnswered_LateAnswersDoNotReachTheClient) {
+TEST_F(KespTCPDetectionTest, LateAnswer_CountsForTheNextCommandAndTheRestComesWithTheNextReply) {
   LetAnswer();
-  replies_ = {{"*VER\r", "KESP,late\r"}};
+  socket_->on_send = [this](const std::string& command) {
+    asked_.push_back(command);
+    // It answers each command only when the next one has come.
+    if (asked_.size() > 1) socket_->ThenReceives("late " + asked_[asked_.size() - 2]);
+  };
   EXPECT_TRUE(Detect());
-  // What was still to come on that connection is gone with it.
-  const auto& calls = socket_->calls;
-  EXPECT_EQ(Calls(calls.end() - 3, calls.end()), (Calls{"Close", "SetProtocol 0", "Connect 10.0.0.7:5025"}));
-  EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnected);
-  replies_ = {{"t\r", "21.5\r"}};
-  tcp_->WriteLine(L"t");
+  EXPECT_EQ(result_, L"late *IDN?");
+  EXPECT_EQ(asked_, (Calls{"*IDN?\r", "*VER\r"}));
+  EXPECT_EQ(std::count(socket_->calls.begin(), socket_->calls.end(), "Close"), 0);
+  EXPECT_TRUE(tcp_->WriteLine(L"MEAS?"));
   std::wstring reply;
-  tcp_->ReadLine(reply);
-  EXPECT_EQ(reply, L"21.5");
+  EXPECT_TRUE(tcp_->ReadLine(reply));
+  EXPECT_EQ(reply, L"late *VER");
 }
 
 TEST_F(KespTCPDetectionTest, OpenConnectionLeadsElsewhere_TheAddressThatIsSetIsAsked) {
@@ -180,7 +181,7 @@ TEST_F(KespTCPDetectionTest, Abort_StopsBeforeTheCommandIsSent) {
   EXPECT_FALSE(Detect());
   EXPECT_EQ(asked_, (Calls{"*IDN?\r"}));
   EXPECT_EQ(result_, L"");
-  EXPECT_EQ(tcp_->State(), EKespTCPState::sckClosed);
+  EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnected);
   ExpectRestored();
 }
 
@@ -234,13 +235,17 @@ TEST_F(KespTCPDetectionTest, InvalidCharacters_TheNextCommandIsTriedAndNothingIs
   EXPECT_EQ(result_, L"1.0");
 }
 
-TEST_F(KespTCPDetectionTest, PeerCloses_NothingIsFoundAtOnce) {
+TEST_F(KespTCPDetectionTest, PeerCloses_NothingIsFoundAtOnceAndNothingCountsAsConnected) {
   LetAnswer();
   events_.handlers[L"ConnectEnd"] = [this] { socket_->ThenPeerCloses(); };
   const std::int32_t start = fakes_.clock.tick();
   EXPECT_FALSE(Detect());
   EXPECT_LE(Elapsed(start), 2000U + 500U);
   EXPECT_EQ(tcp_->State(), EKespTCPState::sckClosed);
+  EXPECT_EQ(std::count(socket_->calls.begin(), socket_->calls.end(), "Connect 10.0.0.7:5025"), 1);
+  socket_->calls.clear();
+  EXPECT_TRUE(tcp_->Initialize());
+  EXPECT_EQ(socket_->calls, (Calls{"SetProtocol 0", "Connect 10.0.0.7:5025"}));
 }
 
 TEST_F(KespTCPDetectionTest, HandlerChangesTheSettings_TheyAreRestoredAllTheSame) {
