@@ -1,11 +1,13 @@
 // The network transport: settings, connection, line input and output over one TCP connection, and detection.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "network/address_index.h"
@@ -202,7 +204,14 @@ class CKespTCP final : private SocketListener {
   void CheckOverrun(const wchar_t* source) const;
   bool IsQuietFor(std::int32_t milliseconds) const;
   void JudgeReply();
-  void LogArrival(const std::string& data);
+  // What the log tells of the data that was pending at an arrival.
+  struct LoggedData {
+    std::string beginning;
+    std::size_t length = 0;
+    std::optional<char> last;
+  };
+  static LoggedData BeginningOf(std::string_view data);
+  void LogArrival(const LoggedData& data);
   std::string TakeData();
   void RefuseInvalidCharacters(const std::string& bytes, const std::wstring& text);
 

@@ -134,6 +134,20 @@ TEST_F(CKespTCPDataArrival, Pieces_LogAndRaiseInOrder) {
                   L"DataArrivalEnd()"));
 }
 
+TEST_F(CKespTCPDataArrival, MoreThan64KiloBytesPending_TheRestIsOnlyCountedInTheLog) {
+  Connect();
+  StartLog();
+  socket_->Receive(std::string(65536, 'x'));
+  EXPECT_EQ(Journal().at(2), L"log: Socket Data arrived: <" + std::wstring(65536, L'x') +
+                                 L"> (length: 65536  last byte: 120 EOS: 13 EOS?: False)");
+  socket_->Receive("y\r");
+  EXPECT_EQ(Journal().at(6), L"log: Socket Data arrived: <" + std::wstring(65536, L'x') +
+                                 L"> and 2 more (length: 65538  last byte: 13 EOS: 13 EOS?: True)");
+  std::wstring result;
+  EXPECT_TRUE(tcp_->ReadLine(result));
+  EXPECT_EQ(result.size(), 65537U);
+}
+
 TEST_F(CKespTCPDataArrival, NotTerminateOnEos_EveryPieceIsReady) {
   Connect();
   StartLog();

@@ -27,6 +27,10 @@ std::wstring CodeOf(char byte) {
   return std::to_wstring(static_cast<unsigned char>(byte));
 }
 
+// The log repeats at each arrival what is pending already. Without a bound it would grow with the square of a
+// long reply.
+constexpr std::size_t kMostLogged = std::size_t{64} * 1024;
+
 Failure NotInitialized(const wchar_t* source) {
   return {tcp_error::ERR_NOT_INITIALIZED, source, L"Socket not initialized"};
 }
@@ -152,16 +156,22 @@ void CKespTCP::OnDataArrival(std::int32_t bytes_total) {
   log_.Write([&] { return L"DataArrival (" + Peer() + L") Bytes: " + std::to_wstring(bytes_total); });
   if (socket_->State() == EKespTCPState::sckConnecting) return;
   // Only the log needs the data as it was before the events: a handler may take it.
-  std::optional<std::string> peeked;
-  if (log_.IsOn()) peeked.emplace(socket_->PeekData());
+  std::optional<LoggedData> logged;
+  if (log_.IsOn()) logged.emplace(BeginningOf(socket_->PeekData()));
   Raise(&CKespTCPEvents::DataArrivalBegin, bytes_total);
   if (socket_->Protocol() == EKespProtocol::sckUDPProtocol) {
     TakeReply();
   } else {
     JudgeReply();
   }
-  if (peeked) LogArrival(*peeked);
+  if (logged) LogArrival(*logged);
   Raise(&CKespTCPEvents::DataArrivalEnd);
+}
+
+CKespTCP::LoggedData CKespTCP::BeginningOf(std::string_view data) {
+  LoggedData logged{.beginning = std::string(data.substr(0, kMostLogged)), .length = data.size(), .last = {}};
+  if (!data.empty()) logged.last = data.back();
+  return logged;
 }
 
 // Decides whether what is pending now is a complete reply.
@@ -175,12 +185,15 @@ void CKespTCP::JudgeReply() {
   last_arrival_tick_ = environment_.clock.TickCount();
 }
 
-void CKespTCP::LogArrival(const std::string& data) {
+void CKespTCP::LogArrival(const LoggedData& data) {
   log_.Write([&] {
     const CodePage& page = SystemCodePage();
     const std::string eos = page.ToBytes(eos_char_);
-    return L"Socket Data arrived: <" + page.FromBytes(data) + L"> (length: " + std::to_wstring(data.size()) +
-           L"  last byte: " + (data.empty() ? std::wstring() : CodeOf(data.back())) + L" EOS: " +
+    const std::size_t left_out = data.length - data.beginning.size();
+    return L"Socket Data arrived: <" + page.FromBytes(data.beginning) +
+           (left_out > 0 ? L"> and " + std::to_wstring(left_out) + L" more" : L">") + L" (length: " +
+           std::to_wstring(data.length) + L"  last byte: " +
+           (data.last ? CodeOf(*data.last) : std::wstring()) + L" EOS: " +
            (eos.empty() ? std::wstring() : CodeOf(eos.front())) + L" EOS?: " +
            (data_ready_ ? L"True" : L"False") + L")";
   });
