@@ -12,8 +12,8 @@ struct InstrumentIdentity {
 };
 
 // The second and the third of the answer's fields, which are separated by "," and taken as they are, blanks
-// included ("maker,model,serial,version" in SCPI). Nothing when there are fewer than three, or when one of
-// these two is longer than 255 characters (SCPI allows 72 for the whole answer).
+// included ("maker,model,serial,version" in SCPI), however long they are. Nothing when there are fewer than
+// three.
 std::optional<InstrumentIdentity> IdentityIn(const std::wstring& answer);
 
 }  // namespace kesp

@@ -34,12 +34,10 @@ TEST(InstrumentIdentity, HundredFields_AreNoMoreThanFour) {
   ExpectIdentity(answer, L"f2", L"f3");
 }
 
-TEST(InstrumentIdentity, LongFields_AreNoIdentity) {
-  const std::wstring longest(255, L'x');
-  ExpectIdentity(L"KESP," + longest + L"," + longest + L",1.0", longest, longest);
-  EXPECT_FALSE(IdentityIn(L"KESP," + longest + L"x,SIM1,1.0"));
-  EXPECT_FALSE(IdentityIn(L"KESP,7100," + longest + L"x"));
-  ExpectIdentity(longest + L"xx,7100,SIM1," + longest + L"xx", L"7100", L"SIM1");
+TEST(InstrumentIdentity, LongFields_AreTakenWhole) {
+  const std::wstring model(70000, L'x');
+  const std::wstring serial(256, L'y');
+  ExpectIdentity(L"KESP," + model + L"," + serial + L",1.0", model, serial);
 }
 
 TEST(InstrumentIdentity, FewerThanThreeFields_AreNone) {

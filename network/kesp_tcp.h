@@ -112,8 +112,8 @@ class CKespTCP final : private SocketListener {
   // With the UDP protocol it sends one broadcast, adds everyone who answers it to Devices, unless his address
   // is there already or 4,096 items are, and connects to every item of Devices in turn, from the last to the
   // first, to ask for Model and Serial. An item that cannot be reached, does not answer, or gives fewer than
-  // three fields or overlong ones keeps what it has; after 64 in a row that did not answer the others are not
-  // asked. Items that a handler removes from Devices meanwhile are not asked. True: somebody answered the
+  // three fields keeps what it has. After ten minutes of that the others are not asked. Items that a handler
+  // removes from Devices meanwhile are not asked. True: somebody answered the
   // broadcast; Port is 10001 then and IPAddress that of the item asked last. `result` is empty and no
   // connection open in every case. Throws ERR_TIMEOUT (the old connection did not close), ERR_CONNECTING and
   // ERR_SEND_DATA (the broadcast could not be sent).
@@ -197,7 +197,7 @@ class CKespTCP final : private SocketListener {
   void TakeReply();
   void StoreDevice(const std::wstring& address);
   void IdentifyDevices();
-  bool Identify(Instrument& device);
+  void Identify(Instrument& device);
 
   bool AwaitReply(const ElapsedSeconds& waited, const wchar_t* source);
   void CheckReadable(const wchar_t* source) const;

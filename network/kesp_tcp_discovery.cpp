@@ -8,6 +8,7 @@
 #include "support/attempt.h"
 #include "support/error_numbers.h"
 #include "support/text.h"
+#include "support/timing.h"
 
 namespace kesp {
 
@@ -25,8 +26,9 @@ constexpr std::int16_t kInstrumentPort = 10001;
 
 // Forged senders could go on without end. More than a network that takes broadcasts has.
 constexpr std::int32_t kMostDevices = 4096;
-// Nor is it worth asking more when so many of them, one after the other, have not answered: that is minutes.
-constexpr int kMostFailures = 64;
+// Asking one of them may take seconds, and all of them, when they are forged, hours. No one is asked after so
+// long.
+constexpr std::int32_t kLongestWalkMs = 10 * 60 * 1000;
 
 // Runs one step of the broadcast. A failure of the socket becomes that error, which quotes it.
 template <class Step>
@@ -116,20 +118,21 @@ void CKespTCP::IdentifyDevices() {
   std::vector<std::shared_ptr<Instrument>> devices = devices_->Items();
   std::reverse(devices.begin(), devices.end());
   const std::uint32_t removals = devices_->Removals();
-  int failures = 0;  // in a row
+  const ElapsedSeconds walked(environment_.clock);
   for (const auto& device : devices) {
     const bool is_gone = devices_->Removals() != removals && !devices_->Contains(*device);
     if (is_gone) continue;
-    failures = Identify(*device) ? 0 : failures + 1;
-    if (failures < kMostFailures) continue;
-    log_.Write(L"Too many devices do not answer, the others are not asked");
-    return;
+    if (walked.Exceeds(kLongestWalkMs)) {
+      log_.Write(L"Ten minutes are over, the other devices are not asked");
+      return;
+    }
+    Identify(*device);
   }
 }
 
-// False when it did not answer. Whatever fails here, the next device may do better.
-bool CKespTCP::Identify(Instrument& device) {
-  const Attempt exchange = Try([&] {
+// Whatever fails here, the next device may do better.
+void CKespTCP::Identify(Instrument& device) {
+  Try([&] {
     const std::wstring address = device.IPAddress();
     // A handler may have made a connection of its own.
     Disconnect();
@@ -147,7 +150,6 @@ bool CKespTCP::Identify(Instrument& device) {
     return true;
   });
   Disconnect();
-  return exchange.succeeded;
 }
 
 }  // namespace kesp
