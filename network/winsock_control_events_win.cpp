@@ -69,26 +69,27 @@ void WinsockControl::OnReadable() {
     OnDatagramReadable();
     return;
   }
-  // Anything but bytes was reported on the way, or is nothing to report.
-  if (ReceiveOnce() == Receipt::kBytes) ReportArrival();
+  const Receipt receipt = ReceiveOnce();
+  if (receipt.error != 0) {
+    Fail(receipt.error);
+  } else if (receipt.has_bytes) {
+    ReportArrival();
+  }
 }
 
-// Adds what one receive call brings to the buffer. After kFailed the listener was told, and may have done
-// anything.
+// Adds what one receive call brings to the buffer.
 WinsockControl::Receipt WinsockControl::ReceiveOnce() {
   if (scratch_ == nullptr) scratch_ = std::make_unique_for_overwrite<char[]>(kScratchBytes);
   const int count = recv(socket_.get(), scratch_.get(), kScratchBytes, 0);
   if (count > 0) {
-    if (received_.AppendToStream({scratch_.get(), static_cast<std::size_t>(count)})) return Receipt::kBytes;
-    Fail(kSocketNoBufferSpace);
-    return Receipt::kFailed;
+    if (received_.AppendToStream({scratch_.get(), static_cast<std::size_t>(count)}))
+      return {.has_bytes = true};
+    return {.error = kSocketNoBufferSpace};
   }
   // The end of the stream is announced by a message of its own.
-  if (count == 0) return Receipt::kNothing;
+  if (count == 0) return {};
   const int error = WSAGetLastError();
-  if (error == WSAEWOULDBLOCK) return Receipt::kNothing;
-  Fail(error);
-  return Receipt::kFailed;
+  return {.error = error == WSAEWOULDBLOCK ? 0 : error};
 }
 
 void WinsockControl::OnDatagramReadable() {
@@ -145,19 +146,18 @@ void WinsockControl::ReportSent() {
   if (progress.remaining == 0 && connection == connection_) listener_.OnSendComplete();
 }
 
-// What the peer sent before it closed comes first.
+// What the peer sent before it closed comes first, also when it resets the connection after that.
 void WinsockControl::OnPeerClosed(int error) {
   const unsigned connection = connection_;
   bool arrived = false;
-  if (error == 0) {
-    for (;;) {
-      const Receipt receipt = ReceiveOnce();
-      if (receipt == Receipt::kFailed) return;
-      if (receipt == Receipt::kNothing) break;
-      arrived = true;
-    }
+  while (error == 0) {
+    const Receipt receipt = ReceiveOnce();
+    error = receipt.error;
+    if (!receipt.has_bytes) break;
+    arrived = true;
   }
-  if (arrived) ReportArrival();
+  // At the receive limit nothing is left of it.
+  if (arrived && !received_.Front().empty()) ReportArrival();
   if (connection != connection_) return;
   if (error != 0) {
     Fail(error);

@@ -81,7 +81,11 @@ class WinsockControl final : public SocketControl, private MessageHandler {
   void ReportArrival();
   void Fail(int error);
 
-  enum class Receipt { kNothing, kBytes, kFailed };
+  // What a receive call brought: bytes, an error number, or nothing.
+  struct Receipt {
+    bool has_bytes = false;
+    int error = 0;
+  };
   Receipt ReceiveOnce();
 
   SocketListener& listener_;
