@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "network/socket_errors.h"
 #include "support/error_numbers.h"
 #include "support/object_key.h"
 
@@ -40,6 +41,13 @@ void CKespTCP::SetIPAddress(const std::wstring& value) {
 
 std::shared_ptr<void> CKespTCP::KeepAlive() {
   return events_ != nullptr ? events_->KeepAlive() : nullptr;
+}
+
+void CKespTCP::CheckThread(const wchar_t* source) const {
+  if (socket_->IsOfThisThread()) return;
+  throw Failure(
+      kWrongThread, source,
+      L"Called from the wrong thread: the socket's notifications go to the thread that connected first");
 }
 
 void CKespTCP::PumpOnce() {

@@ -17,6 +17,7 @@ constexpr wchar_t kUninitializeSource[] = L"[CKespTCP - Uninitialize()]";
 
 bool CKespTCP::Initialize() {
   log_.Write(L"Initialize()");
+  CheckThread(kInitializeSource);
   if (connected_) {
     log_.Write(L"Initialize() Done...");
     return true;

@@ -372,5 +372,34 @@ TEST_F(CKespTCPNotifications, NthSocketCallFails_NextConversationSucceeds) {
   EXPECT_EQ(failures, 5);
 }
 
+constexpr wchar_t kWrongThreadDescription[] =
+    L"Called from the wrong thread: the socket's notifications go to the thread that connected first";
+
+class CKespTCPThreads : public KespTCPFixture {};
+
+TEST_F(CKespTCPThreads, OtherThread_WhatNeedsTheNotificationsIsRefusedAtOnce) {
+  Connect();
+  socket_->is_of_this_thread = false;
+  const std::int32_t start = fakes_.clock.tick();
+  std::wstring text = L"old";
+  BinaryValue bytes;
+  const auto refusal = [](const wchar_t* source) {
+    return Raised{static_cast<std::int32_t>(0x8001010EU), source, kWrongThreadDescription};
+  };
+  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), refusal(L"[CKespTCP - Initialize()]"));
+  EXPECT_EQ(RaisedBy([&] { tcp_->WriteLine(L"x"); }), refusal(L"[CKespTCP - WriteLine()]"));
+  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(text); }), refusal(L"[CKespTCP - ReadLine()]"));
+  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLineBinary(bytes); }), refusal(L"[CKespTCP - ReadLineBinary()]"));
+  EXPECT_EQ(text, L"old");
+  EXPECT_EQ(RaisedBy([&] { tcp_->AutoDetect(text); }), refusal(L"[CKespTCP - AutoDetect()]"));
+  EXPECT_EQ(text, L"");
+  EXPECT_EQ(tcp_->TimeOutmSecs(), 3000);
+  EXPECT_EQ(fakes_.clock.tick(), start);
+  EXPECT_TRUE(Journal().empty());
+  // Closing waits for nothing.
+  EXPECT_TRUE(tcp_->Uninitialize());
+  EXPECT_EQ(socket_->calls, (Calls{"Close"}));
+}
+
 }  // namespace
 }  // namespace kesp

@@ -8,6 +8,8 @@ namespace kesp {
 
 namespace {
 
+constexpr wchar_t kAutoDetectSource[] = L"[CKespTCP - AutoDetect()]";
+
 // Enough for an instrument in the same building.
 constexpr std::int16_t kDetectionTimeOutMs = 1000;
 
@@ -19,6 +21,7 @@ bool MeansNobodyThere(std::int32_t error) {
 
 bool CKespTCP::AutoDetect(std::wstring& result, EDetectLevel DetectLevel) {
   result.clear();
+  CheckThread(kAutoDetectSource);
   const std::int16_t time_out = time_out_msecs_;
   const EIPType ip_type = ip_type_;
   const EKespProtocol protocol = protocol_;

@@ -46,6 +46,7 @@ Failure TimeOut(const wchar_t* source) {
 }  // namespace
 
 bool CKespTCP::WriteLine(const std::wstring& cmd) {
+  CheckThread(kWriteLineSource);
   if (!connected_) throw NotInitialized(kWriteLineSource);
   if (socket_->State() != EKespTCPState::sckConnected) throw NoConnection(kWriteLineSource);
   // The reply to an earlier command must not satisfy the next read.
@@ -106,6 +107,7 @@ bool CKespTCP::ReadLineBinary(BinaryValue& result, std::int32_t lTimeoutms) {
 }
 
 void CKespTCP::CheckReadable(const wchar_t* source) const {
+  CheckThread(source);
   const EKespTCPState state = socket_->State();
   if (socket_->Protocol() == EKespProtocol::sckUDPProtocol) {
     if (state != EKespTCPState::sckOpen) throw NoConnection(source);

@@ -102,7 +102,7 @@ void ReleaseWindowClass() {
 
 }  // namespace
 
-MessageWindow::MessageWindow(MessageHandler& handler) : handle_(nullptr) {
+MessageWindow::MessageWindow(MessageHandler& handler) : thread_(GetCurrentThreadId()), handle_(nullptr) {
   AcquireWindowClass();
   handle_ = CreateWindowExW(0, kClassName, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, Module(), nullptr);
   if (handle_ == nullptr) return;

@@ -37,12 +37,16 @@ class MessageWindow {
 
   HWND handle() const { return handle_; }
 
+  // Whether the window's messages come to the calling thread, which is the one that made it.
+  bool IsOfThisThread() const { return thread_ == GetCurrentThreadId(); }
+
   // The name of the window class, for tests that look whether it is gone.
   static const wchar_t* ClassName();
   // The module that the class belongs to.
   static HINSTANCE Module();
 
  private:
+  DWORD thread_;
   HWND handle_;
 };
 

@@ -52,9 +52,10 @@ class SocketListener {
 // than that without being read, the control drops what it holds, goes to sckError and reports error 10055.
 inline constexpr std::size_t kReceiveLimit = std::size_t{64} * 1024 * 1024;
 
-// One socket. Used by one thread; never blocks. Operations that fail throw Failure with a Winsock error
-// number or one of 40006 (wrong protocol or connection state), 40014 (invalid argument), and the source
-// "KespWinsock". It never listens, so it has no connection requests to report.
+// One socket. Used by one thread, the one that connects first, to which the notifications come; Close, and
+// its end, may come from another one that keeps the two apart. Never blocks. Operations that fail throw
+// Failure with a Winsock error number or one of 40006 (wrong protocol or connection state), 40014 (invalid
+// argument), and the source "KespWinsock". It never listens, so it has no connection requests to report.
 //
 // States: sckClosed -> Connect -> (sckResolvingHost -> sckHostResolved ->) sckConnecting -> sckConnected;
 // sckOpen after Connect with the UDP protocol; sckClosing after the other side closed; sckError after a
@@ -64,6 +65,9 @@ class SocketControl {
   virtual ~SocketControl() = default;
 
   virtual EKespTCPState State() const = 0;
+
+  // Whether pumping on the calling thread delivers the notifications. True until the first Connect.
+  virtual bool IsOfThisThread() const = 0;
 
   // Which protocol the next Connect uses. Setting it while the state is not sckClosed throws 40006.
   virtual EKespProtocol Protocol() const = 0;

@@ -60,12 +60,16 @@ class SocketControlFake final : public SocketControl {
   // After Close the state reads sckClosing that many times before it reads sckClosed.
   int closing_reads = 0;
 
+  // Whether the test counts as the control's thread.
+  bool is_of_this_thread = true;
+
   // What was called, in order; PeekData and the readings of properties left out.
   std::vector<std::string> calls;
   std::string sent;
   SocketError last_error;
 
   EKespTCPState State() const override;
+  bool IsOfThisThread() const override { return is_of_this_thread; }
   EKespProtocol Protocol() const override { return protocol_; }
   void SetProtocol(EKespProtocol protocol) override;
   std::wstring RemoteHost() const override { return host_; }

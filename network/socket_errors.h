@@ -15,6 +15,10 @@ inline constexpr std::int32_t kSocketNoBufferSpace = 10055;
 inline constexpr std::int32_t kSocketBadState = 40006;
 inline constexpr std::int32_t kSocketInvalidArgument = 40014;
 
+// The number of a call from a thread other than the control's: RPC_E_WRONG_THREAD, by which COM says the
+// same.
+inline constexpr auto kWrongThread = static_cast<std::int32_t>(0x8001010EU);
+
 // The usual English description of an error number, the one that automation clients know from the standard
 // socket control; "Socket error " and the number for one that has none.
 std::wstring SocketErrorDescription(std::int32_t number);

@@ -28,6 +28,9 @@ class WinsockControl final : public SocketControl, private MessageHandler {
   explicit WinsockControl(SocketListener& listener) : listener_(listener) {}
 
   EKespTCPState State() const override { return state_; }
+  bool IsOfThisThread() const override {
+    return resources_ == nullptr || resources_->window.IsOfThisThread();
+  }
   EKespProtocol Protocol() const override { return protocol_; }
   void SetProtocol(EKespProtocol protocol) override;
   std::wstring RemoteHost() const override { return remote_host_; }

@@ -183,6 +183,31 @@ TEST_F(UnmarshaledApartmentsTest, LastReleaseThere_TheMessagesHereReachNobodyAnd
   }
 }
 
+TEST_F(UnmarshaledApartmentsTest, CallsThere_AreRefusedAtOnceAndAQueryHasTheStatus) {
+  const auto comm = Create<_CKespCommObj>(__uuidof(CKespCommObj));
+  tcp_ = UseInstrument(comm.Get());
+  EXPECT_TRUE(Initialize());
+  const std::wstring description =
+      L"Called from the wrong thread: the socket's notifications go to the thread that connected first";
+  const DWORD start = GetTickCount();
+  RunOnAThread([&] {
+    VARIANT_BOOL answer = VARIANT_TRUE;
+    EXPECT_EQ(RefusalOf(tcp_->Initialize(&answer)),
+              (Refusal{RPC_E_WRONG_THREAD, L"[CKespTCP - Initialize()]", description}));
+    EXPECT_EQ(answer, VARIANT_FALSE);
+    EXPECT_EQ(ReadLine(), RPC_E_WRONG_THREAD);
+    EXPECT_EQ(comm->Query(reply_.in_out(), Text(L"*IDN?").get(), nullptr, nullptr, &answer), S_OK);
+    EXPECT_EQ(answer, VARIANT_FALSE);
+    EXPECT_EQ(Read(comm, &_CKespCommObj::get_CommError), cfrInitializeFailed);
+    EXPECT_EQ(Read(comm, &_CKespCommObj::get_CommErrorSource), L"[CKespTCP - Initialize()]");
+    EXPECT_EQ(Read(comm, &_CKespCommObj::get_CommErrorDescr), description);
+  });
+  EXPECT_LT(GetTickCount() - start, 1000U);
+  // The thread that connected goes on.
+  EXPECT_TRUE(Initialize());
+  EXPECT_EQ(Exchange(L"*IDN?"), L"KESP,TORTURE,SIM00666,1.0");
+}
+
 // A client without message loop: the objects live in an apartment that COM makes for them.
 TEST(MultithreadedClientTest, CreatesQueriesAndReleases) {
   std::thread([] {
