@@ -1,7 +1,7 @@
 # Tests that run Windows programs and scripts under Wine, registered in the native build's CTest.
 #
 # kesp_wine_test(NAME <name> PROGRAM <path> [BITS 64 32] [ARGS ...] [INSTRUMENT <personality.json>] [TIMEOUT <s>]
-#                [SERIAL <com number> [WIRE]] [HOSTS <hosts.json>] [DRIVER <bus.json>] [STANDALONE]
+#                [SERIAL <com number> [WIRE]] [HOSTS <hosts.json>] [DRIVER <bus.json>] [LOCALE <name>] [STANDALONE]
 #                [SCREEN] [ALL_PORTS] [CHANGES_REGISTRY])
 #
 # One test for each width (both unless BITS says otherwise), named wine64.<name> and wine32.<name>.
@@ -13,6 +13,7 @@
 #   HOSTS       runs it on a simulated network with the hosts of that file of this folder (tools/with-network-hosts),
 #               in a Windows of its own with the library registered; not with INSTRUMENT or SERIAL
 #   DRIVER      runs with the simulated GPIB driver beside the program; a bus of this folder, or BUILT_IN
+#   LOCALE      runs in a Windows of that language, such as ja_JP.UTF-8, and alone, because Wine notes the language down
 #   STANDALONE  does not need the library registered
 #   SCREEN      opens windows, and runs while no other such test does: they would take the focus from one another
 #   ALL_PORTS   opens every COM port there is, and runs alone, because the ports of other tests are among them
@@ -43,7 +44,7 @@ function(kesp_wine_test)
   if(WIN32)
     return()
   endif()
-  cmake_parse_arguments(TEST "STANDALONE;CHANGES_REGISTRY;WIRE;SCREEN;ALL_PORTS" "NAME;PROGRAM;INSTRUMENT;SERIAL;HOSTS;DRIVER;TIMEOUT"
+  cmake_parse_arguments(TEST "STANDALONE;CHANGES_REGISTRY;WIRE;SCREEN;ALL_PORTS" "NAME;PROGRAM;INSTRUMENT;SERIAL;HOSTS;DRIVER;LOCALE;TIMEOUT"
     "BITS;ARGS" ${ARGN})
   if(TEST_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "kesp_wine_test does not know ${TEST_UNPARSED_ARGUMENTS}")
@@ -80,7 +81,11 @@ macro(kesp_add_wine_test bits)
       list(APPEND driver "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_DRIVER}")
     endif()
   endif()
-  set(command "${KESP_WINE_TEST}" --bits ${bits} --timeout ${TEST_TIMEOUT} ${driver} "${program}" ${TEST_ARGS})
+  set(locale "")
+  if(TEST_LOCALE)
+    set(locale --locale ${TEST_LOCALE})
+  endif()
+  set(command "${KESP_WINE_TEST}" --bits ${bits} --timeout ${TEST_TIMEOUT} ${locale} ${driver} "${program}" ${TEST_ARGS})
   set(other_end "")
   if(TEST_WIRE)
     set(other_end --wire)
@@ -104,7 +109,7 @@ macro(kesp_add_wine_test bits)
   if(NOT TEST_STANDALONE AND NOT TEST_HOSTS)
     set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED registered${bits})
   endif()
-  if(TEST_CHANGES_REGISTRY OR TEST_ALL_PORTS)
+  if(TEST_CHANGES_REGISTRY OR TEST_ALL_PORTS OR TEST_LOCALE)
     set_tests_properties(${name} PROPERTIES RUN_SERIAL TRUE)
   endif()
   if(TEST_SCREEN)

@@ -1,7 +1,7 @@
 // Composes the lines of the logs, appends them, and rolls a log over from day to day.
 #include "support/log.h"
 
-#include "support/text.h"
+#include "support/ansi_text.h"
 
 namespace kesp {
 
@@ -24,7 +24,7 @@ void LogWriter::Write(const std::wstring& path, const std::wstring& message) noe
   try {
     const std::wstring line =
         clock_.DateTimeText() + L"\t" + std::to_wstring(clock_.TickCount()) + L"\t" + message + L"\r\n";
-    files_.Append(path, SystemCodePage().ToBytes(line));
+    files_.Append(path, ToAnsi(line));
   } catch (...) {
     // A log must never disturb what it reports on: the line is lost.
   }

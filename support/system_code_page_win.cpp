@@ -1,6 +1,9 @@
 // The code page of the system's ANSI text, read once from Windows.
-#include <windows.h>
+#include <optional>
+#include <utility>
 
+#include "support/ansi_text.h"
+#include "support/code_page_win.h"
 #include "support/text.h"
 
 namespace kesp {
@@ -23,13 +26,33 @@ std::array<char16_t, 256> CharactersOf(UINT code_page) {
   return characters;
 }
 
+bool SystemPageIsSingleByte() {
+  static const bool is_single_byte = IsSingleByte(GetACP());
+  return is_single_byte;
+}
+
 }  // namespace
 
 const CodePage& SystemCodePage() {
-  static const bool single_byte = IsSingleByte(GetACP());
-  if (!single_byte) return Windows1252();
+  if (!SystemPageIsSingleByte()) return Windows1252();
   static const CodePage page(CharactersOf(GetACP()));
   return page;
+}
+
+std::string ToAnsi(std::wstring_view text) {
+  // The table first: it has characters of its own for the bytes that the code page leaves undefined.
+  if (SystemPageIsSingleByte()) {
+    if (std::optional<std::string> exact = SystemCodePage().ToExactBytes(text)) return *std::move(exact);
+  }
+  return ToCodePage(CP_ACP, text);
+}
+
+std::string ToCodePage(UINT code_page, std::wstring_view text) {
+  const auto length = static_cast<int>(text.size());
+  const int size = WideCharToMultiByte(code_page, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+  std::string bytes(static_cast<std::size_t>(size), '\0');
+  WideCharToMultiByte(code_page, 0, text.data(), length, bytes.data(), size, nullptr, nullptr);
+  return bytes;
 }
 
 }  // namespace kesp

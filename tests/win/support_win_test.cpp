@@ -2,11 +2,17 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <thread>
 
+#include "support/ansi_text.h"
 #include "support/clock_win.h"
+#include "support/code_page_win.h"
 #include "support/environment_win.h"
 #include "support/guid_source_win.h"
+#include "support/log.h"
 #include "support/object_key.h"
 #include "support/text.h"
 #include "support/timing.h"
@@ -124,6 +130,40 @@ TEST(SystemCodePage, SystemsPageIsNotSingleByte_IsWindows1252) {
 
 TEST(SystemCodePage, SurrogatePair_IsOneQuestionMark) {
   EXPECT_EQ(SystemCodePage().ToBytes(L"a\U0001F600b"), "a?b");
+}
+
+TEST(AnsiText, TextOfAllBytes_BecomesTheSameBytesOnASingleBytePage) {
+  CPINFO info{};
+  GetCPInfo(CP_ACP, &info);
+  if (info.MaxCharSize != 1)
+    GTEST_SKIP() << "the system's code page " << GetACP() << " is not a single-byte one";
+  const std::wstring text = SystemCodePage().FromBytes(AllBytes());
+  EXPECT_EQ(ToAnsi(text), AllBytes());
+  // Also beside a character that has no byte at all.
+  if (GetACP() == 1252) {
+    EXPECT_EQ(ToAnsi(text + L"\u4E2D"), AllBytes() + "?");
+  }
+}
+
+// In a Japanese Windows these are two bytes for each of the two Chinese characters.
+TEST(AnsiText, LinesOfALog_AreWhatTheSystemMakesOfTheText) {
+  const std::wstring path = SystemEnvironment().files.TemporaryFolder() + L"kesp_ansi_text_test.log";
+  DeleteFileW(path.c_str());
+  const std::wstring message = L"20 \u00B0C \u6E29\u5EA6";
+  LogWriter(SystemEnvironment().clock, SystemEnvironment().files).Write(path, message);
+  std::ifstream file(std::filesystem::path(path), std::ios::binary);
+  const std::string line{std::istreambuf_iterator<char>(file), {}};
+  file.close();
+  DeleteFileW(path.c_str());
+  EXPECT_TRUE(line.ends_with("\t" + ToCodePage(GetACP(), message) + "\r\n")) << line;
+}
+
+TEST(CodePages, SeveralBytesACharacter_AreWrittenWhole) {
+  const std::wstring text{L'2', L'5', L'\u6E29', L'\u5EA6', L'\0', L'\r', L'\n'};
+  EXPECT_EQ(ToCodePage(932, text), std::string("25\x89\xB7\x93x\0\r\n", 9));
+  EXPECT_EQ(ToCodePage(CP_UTF8, text), std::string("25\xE6\xB8\xA9\xE5\xBA\xA6\0\r\n", 11));
+  EXPECT_EQ(ToCodePage(932, L"\u0416\U0001F600"), "\x84G??");
+  EXPECT_EQ(ToCodePage(1252, L"\u0101\u6E29"), "a?");
 }
 
 TEST(SystemEnvironment, AskedTwice_IsTheSame) {
