@@ -186,7 +186,8 @@ class TcpLateInstrumentTest : public TcpDetectionTest {};
 TEST_F(TcpLateInstrumentTest, LateAnswer_IsTheReplyToTheNextCommandUnlessTheConnectionIsMadeAnew) {
   EXPECT_EQ(AutoDetect(dlSCPIOnly), kDone);
   ExpectNothingFound();
-  EXPECT_EQ(Exchange(L"MEAS?"), L"KESP,LATE,SIM00077,1.0");
+  // Its own answer may be behind that already.
+  EXPECT_TRUE(Exchange(L"MEAS?").starts_with(L"KESP,LATE,SIM00077,1.0"));
   EXPECT_TRUE(Uninitialize());
   EXPECT_TRUE(Initialize());
   EXPECT_EQ(Exchange(L"MEAS?"), L"7.7");
