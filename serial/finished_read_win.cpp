@@ -1,4 +1,4 @@
-// An overlapped read that is over at once, or given up.
+// An overlapped read that is over at once, or soon, or called back.
 #include "serial/finished_read_win.h"
 
 #include <memory>
@@ -10,37 +10,44 @@ namespace kesp {
 
 namespace {
 
-// How long a driver may take to finish a read, and again to give it back.
-constexpr DWORD kPatienceMs = 100;
+// How long the driver is waited for to give a read back that was called back.
+constexpr DWORD kGivingBackMs = 1000;
 
 struct Read {
   OVERLAPPED overlapped{};
   std::string bytes;
 };
 
-bool IsFinishedInTime(const Read& read) {
+bool IsFinishedWithin(DWORD patience_ms, const Read& read) {
   const DWORD start = GetTickCount();
-  while (!HasOverlappedIoCompleted(&read.overlapped)) {
-    if (GetTickCount() - start > kPatienceMs) return false;
+  for (;;) {
+    // The clock first: this thread may be held, and the read finish meanwhile.
+    const bool late = GetTickCount() - start > patience_ms;
+    if (HasOverlappedIoCompleted(&read.overlapped)) return true;
+    if (late) return false;
     Sleep(0);
   }
-  return true;
 }
 
 }  // namespace
 
-std::optional<std::string> FinishedRead(HANDLE port, DWORD count) {
+std::optional<std::string> FinishedRead(HANDLE port, DWORD count, DWORD patience_ms) {
   auto read = std::make_unique<Read>();
   read->bytes.resize(count);
   const BOOL done = ReadFile(port, read->bytes.data(), count, nullptr, &read->overlapped);
   if (!done && GetLastError() != ERROR_IO_PENDING) return std::nullopt;
-  if (!done && !IsFinishedInTime(*read)) {
+  bool called_back = false;
+  if (!done && !IsFinishedWithin(patience_ms, *read)) {
+    called_back = true;
     CancelIoEx(port, &read->overlapped);
-    // The memory belongs to the driver until it gives it back; one that does not, keeps it.
-    if (!IsFinishedInTime(*read)) static_cast<void>(read.release());
-    return std::nullopt;
+    if (!IsFinishedWithin(kGivingBackMs, *read)) {
+      // The memory belongs to the driver until it gives it back; one that does not, keeps it.
+      static_cast<void>(read.release());
+      return std::nullopt;
+    }
   }
-  if (!Succeeded(read->overlapped)) return std::nullopt;
+  const bool has_bytes = called_back && read->overlapped.InternalHigh != 0;
+  if (!has_bytes && !Succeeded(read->overlapped)) return std::nullopt;
   read->bytes.resize(read->overlapped.InternalHigh);
   return std::move(read->bytes);
 }

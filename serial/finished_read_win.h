@@ -8,9 +8,13 @@
 
 namespace kesp {
 
+// How long a driver may take to hand out bytes that it has counted. Those of COM ports on a network may ask
+// the other end for them.
+inline constexpr DWORD kReadPatienceMs = 5000;
+
 // Reads that many bytes, or fewer when the driver has fewer by now; the port's time-outs are such that a read
-// does not wait. Nothing when the read fails, or when the driver does not finish it within a fifth of a
-// second.
-std::optional<std::string> FinishedRead(HANDLE port, DWORD count);
+// does not wait for bytes to come. A read that is not finished within the patience is called back, and what
+// it had read by then counts. Nothing when the read fails, or was called back without a byte.
+std::optional<std::string> FinishedRead(HANDLE port, DWORD count, DWORD patience_ms = kReadPatienceMs);
 
 }  // namespace kesp
