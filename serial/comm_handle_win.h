@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+#include "serial/opening_outcome.h"
+
 namespace kesp {
 
 // Owns the handle; opened for overlapped operation and for this program alone.
@@ -15,9 +17,8 @@ class CommHandle {
   CommHandle(const CommHandle&) = delete;
   CommHandle& operator=(const CommHandle&) = delete;
 
-  // Opens \\.\COMn and returns 0; or the error as IsCOMPortAvailable codes it (serial_control.h): 2 for a
-  // port that does not exist, 5 for one that is in use, another one of the system otherwise.
-  DWORD Open(std::int16_t port);
+  // Opens \\.\COMn.
+  OpeningOutcome Open(std::int16_t port);
 
   void Close();
 

@@ -155,8 +155,9 @@ class CKespCOMPort3 final : private SwitchLine {
   // release fails, which is then thrown like a failure of OpenPort.
   void ClosePort();
 
-  // Whether the machine has that port; whether it has it and nobody holds it, this object included. A failure
-  // to find out is shown in the error box, and the answer is false.
+  // Whether the machine has that port; whether it has it and it can be opened: nobody holds it, this object
+  // included, and its device answers. A failure to find out is shown in the error box, and the answer is
+  // false.
   bool PortExists(std::int16_t cp);
   bool IsPortAvailable(std::int16_t cp);
 

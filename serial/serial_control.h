@@ -67,7 +67,7 @@ class SerialPorts {
   virtual std::unique_ptr<SerialControl> MakeControl() = 0;
 
   // Tries to open the port for this program alone and closes it again: 0 when that worked, 2 when there is no
-  // such port, 5 when it is in use, another error number of the system otherwise.
+  // such port, 5 when it is in use or cannot be opened for another reason.
   virtual std::int32_t IsCOMPortAvailable(std::int16_t port) = 0;
 };
 

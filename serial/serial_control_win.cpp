@@ -53,17 +53,6 @@ BYTE StopBitsCode(LineStopBits stop_bits) {
   }
 }
 
-std::int32_t OpenErrorNumber(DWORD error) {
-  switch (error) {
-    case ERROR_FILE_NOT_FOUND:
-      return kSerialInvalidPort;
-    case ERROR_ACCESS_DENIED:
-      return kSerialPortInUse;
-    default:
-      return kSerialDeviceError;
-  }
-}
-
 std::int32_t Clipped(std::size_t count) {
   constexpr auto kHighest = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
   return static_cast<std::int32_t>(std::min(count, kHighest));
@@ -100,13 +89,13 @@ void SerialControlWin::SetHandshaking(SerialHandshaking handshaking) {
 
 void SerialControlWin::Open() {
   if (handle_.is_open()) throw SerialControlFailure(kSerialPortIsOpen);
-  DWORD error = handle_.Open(port_);
-  while (error == ERROR_ACCESS_DENIED && port_ == closed_port_ &&
+  OpeningOutcome outcome = handle_.Open(port_);
+  while (outcome == OpeningOutcome::kInUse && port_ == closed_port_ &&
          GetTickCount() - closed_tick_ < kReleaseMs) {
     Sleep(kReleaseStepMs);
-    error = handle_.Open(port_);
+    outcome = handle_.Open(port_);
   }
-  if (error != 0) throw SerialControlFailure(OpenErrorNumber(error));
+  if (outcome != OpeningOutcome::kOpened) throw SerialControlFailure(OpenErrorNumber(outcome));
   try {
     // A recommendation, which a driver need not follow.
     SetupComm(handle_.get(), kInputQueue, kOutputQueue);

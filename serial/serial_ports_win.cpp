@@ -11,8 +11,7 @@ std::unique_ptr<SerialControl> SerialPortsWin::MakeControl() {
 }
 
 std::int32_t SerialPortsWin::IsCOMPortAvailable(std::int16_t port) {
-  CommHandle handle;
-  return static_cast<std::int32_t>(handle.Open(port));
+  return AvailabilityCode(CommHandle().Open(port));
 }
 
 SerialPorts& SystemSerialPorts() {
