@@ -17,7 +17,8 @@ class CommHandle {
   CommHandle(const CommHandle&) = delete;
   CommHandle& operator=(const CommHandle&) = delete;
 
-  // Opens \\.\COMn.
+  // Opens \\.\COMn. When the port is in use and a handle of this process was its last user, the driver is
+  // given half a second from that closing to let go of it.
   OpeningOutcome Open(std::int16_t port);
 
   void Close();
@@ -26,7 +27,10 @@ class CommHandle {
   HANDLE get() const { return handle_; }
 
  private:
+  OpeningOutcome TryToOpen(std::int16_t port);
+
   HANDLE handle_ = INVALID_HANDLE_VALUE;
+  std::int16_t port_ = 0;
 };
 
 }  // namespace kesp

@@ -58,10 +58,6 @@ std::int32_t Clipped(std::size_t count) {
   return static_cast<std::int32_t>(std::min(count, kHighest));
 }
 
-// Drivers, those of adapters above all, may take a moment to let go of a port that was closed.
-constexpr DWORD kReleaseMs = 500;
-constexpr DWORD kReleaseStepMs = 5;
-
 }  // namespace
 
 void SerialControlWin::RequireOpen() const {
@@ -89,12 +85,7 @@ void SerialControlWin::SetHandshaking(SerialHandshaking handshaking) {
 
 void SerialControlWin::Open() {
   if (handle_.is_open()) throw SerialControlFailure(kSerialPortIsOpen);
-  OpeningOutcome outcome = handle_.Open(port_);
-  while (outcome == OpeningOutcome::kInUse && port_ == closed_port_ &&
-         GetTickCount() - closed_tick_ < kReleaseMs) {
-    Sleep(kReleaseStepMs);
-    outcome = handle_.Open(port_);
-  }
+  const OpeningOutcome outcome = handle_.Open(port_);
   if (outcome != OpeningOutcome::kOpened) throw SerialControlFailure(OpenErrorNumber(outcome));
   try {
     // A recommendation, which a driver need not follow.
@@ -167,8 +158,6 @@ void SerialControlWin::Close() noexcept {
   // Those of an earlier ClearOutBuffer, too.
   writes_.AwaitAbandoned();
   handle_.Close();
-  closed_port_ = port_;
-  closed_tick_ = GetTickCount();
   writes_.TakeError();
   may_hold_output_ = false;
 }

@@ -11,9 +11,9 @@
 namespace kesp {
 
 // Never waits for the line. Opening waits, for half a second at the most, for a driver that has not yet let
-// go of the port that this control has just closed; closing waits, for a fifth, for writes that it calls
-// back. A read takes exactly what the driver holds, so that it ends at once; a write that the driver cannot
-// take at once stays pending.
+// go of a port that this process has just closed; closing waits, for a fifth, for writes that it calls back.
+// A read takes exactly what the driver holds, so that it ends at once, unless the driver itself takes its
+// time to hand it out; a write that the driver cannot take at once stays pending.
 //
 // Bytes with a wrong parity arrive as "?"; breaks, framing errors and overruns of the driver are not told,
 // the bytes they cost are missing or wrong. NULs arrive like any other byte.
@@ -55,9 +55,6 @@ class SerialControlWin final : public SerialControl {
   CommHandle handle_;
   PendingWrites writes_;
   bool may_hold_output_ = false;
-  // The port that was closed last, and when.
-  std::int16_t closed_port_ = 0;
-  DWORD closed_tick_ = 0;
 };
 
 }  // namespace kesp

@@ -5,7 +5,7 @@
 
 namespace kesp {
 
-// \\.\COM1 to \\.\COM256. Keeps no state, so every thread may use it.
+// \\.\COM1 to \\.\COM256. Every thread may use it.
 class SerialPortsWin final : public SerialPorts {
  public:
   std::unique_ptr<SerialControl> MakeControl() override;

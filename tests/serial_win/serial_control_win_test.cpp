@@ -252,18 +252,50 @@ TEST_F(SerialControlWinTest, SettingsChangedWhileOpen_HoldAtOnce) {
   EXPECT_EQ(control_.Settings(), L"1200,E,7,1");
 }
 
-// Drivers may take a moment to let go of a port.
+// Drivers may take a moment to let go of a port, whoever asks for it next.
 TEST_F(SerialControlWinTest, PortStillTakenRightAfterClosing_IsWaitedFor) {
+  SerialControlWin second;
+  second.SetCommPort(Port());
+  const std::function<std::int32_t()> next_users[] = {
+      [&] { return NumberOf([&] { control_.Open(); }); }, [&] { return NumberOf([&] { second.Open(); }); },
+      [&] { return SystemSerialPorts().IsCOMPortAvailable(Port()); }};
+  for (const auto& result_of_opening : next_users) {
+    control_.Open();
+    control_.Close();
+    BarePort other(SerialWire::PortName());
+    ASSERT_EQ(other.error(), DWORD{ERROR_SUCCESS});
+    std::thread release([&] {
+      Sleep(50);
+      other.Close();
+    });
+    EXPECT_EQ(result_of_opening(), 0);
+    release.join();
+    control_.Close();
+    second.Close();
+  }
+}
+
+TEST_F(SerialControlWinTest, PortInUse_IsRefusedAtOnceUnlessItWasJustClosed) {
+  const auto milliseconds_until_refused = [&] {
+    SerialControlWin second;
+    second.SetCommPort(Port());
+    const DWORD start = GetTickCount();
+    EXPECT_EQ(NumberOf([&] { second.Open(); }), 8005);
+    EXPECT_EQ(SystemSerialPorts().IsCOMPortAvailable(Port()), 5);
+    return GetTickCount() - start;
+  };
   control_.Open();
   control_.Close();
-  BarePort other(SerialWire::PortName());
-  ASSERT_EQ(other.error(), DWORD{ERROR_SUCCESS});
-  std::thread release([&] {
-    Sleep(50);
-    other.Close();
-  });
-  EXPECT_EQ(NumberOf([&] { control_.Open(); }), 0);
-  release.join();
+  control_.Open();
+  EXPECT_LT(milliseconds_until_refused(), 300U) << "another object has it";
+  control_.Close();
+  {
+    BarePort other(SerialWire::PortName());
+    const DWORD milliseconds = milliseconds_until_refused();
+    EXPECT_GT(milliseconds, 400U) << "its driver might be late";
+    EXPECT_LT(milliseconds, 800U) << "once for both";
+    EXPECT_LT(milliseconds_until_refused(), 300U) << "the half second is over";
+  }
 }
 
 TEST_F(SerialControlWinTest, ClosedWithOutputPending_CanBeOpenedAtOnce) {
