@@ -72,7 +72,8 @@ CKespCOMPort3::CKespCOMPort3(Environment& environment, SerialPorts& ports, CKesp
       log_(environment.clock, environment.files, L"CKespCOMPort3.log"),
       key_(NewObjectKey(environment.guids)),
       smart_switch_(std::make_shared<CKespSmartSwitch3>()),
-      control_(ports.MakeControl()) {
+      control_(ports.MakeControl()),
+      transmission_(environment.clock) {
   // Without a temporary folder nothing is remembered, and the modem is pointed anew each time.
   const std::wstring folder = environment.files.TemporaryFolder();
   if (!folder.empty()) modem_file_ = JoinPath(folder, L"RFModem.ini");

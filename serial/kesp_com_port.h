@@ -12,6 +12,7 @@
 #include "serial/radio_modem_settings.h"
 #include "serial/serial_control.h"
 #include "serial/smart_switch.h"
+#include "serial/transmission.h"
 #include "support/binary_value.h"
 #include "support/diagnostic_log.h"
 #include "support/enumerations.h"
@@ -152,7 +153,8 @@ class CKespCOMPort3 final : private SwitchLine {
   bool OpenPort();
 
   // Does nothing when the port is closed. Otherwise releases the switch and closes the port, also when the
-  // release fails, which is then thrown like a failure of OpenPort.
+  // release fails, which is then thrown like a failure of OpenPort. A release that does not leave the port in
+  // its time is no failure.
   void ClosePort();
 
   // Whether the machine has that port; whether it has it and it can be opened: nobody holds it, this object
@@ -253,7 +255,8 @@ class CKespCOMPort3 final : private SwitchLine {
 
   // SwitchLine
   void ClearLine() override { ClearBuffers(); }
-  void WriteToLine(const std::string& bytes) override;
+  void WriteToLine(const std::string& bytes) override { Send(bytes); }
+  void AwaitLine() override;
   void LogSwitch(const std::wstring& message) override;
 
   void ApplyPreset();
@@ -261,6 +264,10 @@ class CKespCOMPort3 final : private SwitchLine {
   void WakeInfraredAdapter();
   std::int32_t PortCode(std::int16_t cp, const wchar_t* question);
 
+  // Hands the bytes to the port.
+  void Send(const std::string& bytes);
+  // Waits until the port has taken every byte; false when a second more than they need is over before that.
+  bool AwaitOutput();
   void SendFrame(const std::string& frame, bool cr_before);
   void DrainOutput();
 
@@ -315,6 +322,7 @@ class CKespCOMPort3 final : private SwitchLine {
   std::wstring key_;
   std::shared_ptr<CKespSmartSwitch3> smart_switch_;
   std::unique_ptr<SerialControl> control_;
+  Transmission transmission_;
   EInputMode input_mode_ = EInputMode::imText;
   EKespControllerStyle3 controller_style_ = EKespControllerStyle3::CS_KESP;
   EKespParity3 parity_ = EKespParity3::PARITY_NONE;

@@ -1,5 +1,6 @@
 // The serial transport's port: opening, closing, availability, buffers, and the boxes on the line.
 #include "serial/kesp_com_port.h"
+#include "serial/line_settings.h"
 #include "serial/serial_control_errors.h"
 #include "support/attempt.h"
 #include "support/error_box.h"
@@ -18,10 +19,6 @@ constexpr std::int32_t kPulseMs = 10;
 
 // How long each port of a switch stays selected in its test, so that its lamp can be seen.
 constexpr std::int32_t kLampMs = 200;
-
-// The longest sequence of a switch, seven bytes, takes half a second at 150 bit/s; a line that is held up
-// longer must not keep the port from being opened or closed.
-constexpr std::uint32_t kSwitchSequenceMs = 1000;
 
 // The infrared adapter's own coding of its bit rates, which is not ascending.
 int PulsesFor(EKespBaudRate3 rate) {
@@ -45,6 +42,7 @@ void CKespCOMPort3::ConfigureControl() {
   if (control_->PortOpen()) control_->Close();
   control_->SetCommPort(port_);
   control_->SetSettings(GetSettings());
+  transmission_.Begin(ReadLineSettings(control_->Settings()).value_or(LineSettings{}));
   switch (controller_style_) {
     case EKespControllerStyle3::CS_KESP:
     case EKespControllerStyle3::CS_OMEGA:
@@ -92,7 +90,11 @@ void CKespCOMPort3::WakeInfraredAdapter() {
 void CKespCOMPort3::ClosePort() {
   if (!control_->PortOpen()) return;
   try {
-    if (use_smart_switch_) smart_switch_->Release(*this);
+    if (use_smart_switch_) {
+      smart_switch_->Release(*this);
+      // A line that is held up must not keep the port from being closed.
+      AwaitOutput();
+    }
     Log([&] { return L"Closing COM port " + std::to_wstring(port_); });
     control_->Close();
     Log([&] { return L"Closed COM port " + std::to_wstring(port_); });
@@ -133,15 +135,8 @@ void CKespCOMPort3::SetInputMode(EInputMode eMode) {
   if (eMode == EInputMode::imText || eMode == EInputMode::imBinary) input_mode_ = eMode;
 }
 
-void CKespCOMPort3::WriteToLine(const std::string& bytes) {
-  control_->Output(bytes);
-  // Clearing the buffers, which is what follows, must not take back bytes that have yet to leave.
-  const std::int32_t start = environment_.clock.TickCount();
-  while (control_->OutBufferCount() != 0) {
-    if (MillisecondsSince(environment_.clock, start) > kSwitchSequenceMs) {
-      throw SerialControlFailure(kSerialDeviceError);
-    }
-  }
+void CKespCOMPort3::AwaitLine() {
+  if (!AwaitOutput()) throw SerialControlFailure(kSerialDeviceError);
 }
 
 void CKespCOMPort3::LogSwitch(const std::wstring& message) {

@@ -15,6 +15,9 @@ namespace {
 // How long a controller may take to answer the lone carriage return that clears its own buffer.
 constexpr std::int32_t kClearingMs = 50;
 
+// How much longer than their time on the line bytes may take to leave; then the line is held up.
+constexpr std::int64_t kHeldUpMs = 1000;
+
 }  // namespace
 
 bool CKespCOMPort3::WriteLine(const std::wstring& cmd, const std::wstring& OmegaAddress,
@@ -39,18 +42,35 @@ bool CKespCOMPort3::WriteLine(const std::wstring& cmd, const std::wstring& Omega
   return true;
 }
 
+void CKespCOMPort3::Send(const std::string& bytes) {
+  control_->Output(bytes);
+  transmission_.Add(bytes.size());
+}
+
+bool CKespCOMPort3::AwaitOutput() {
+  if (control_->OutBufferCount() == 0) return true;
+  const std::int64_t limit_ms = transmission_.Left() / 1000 + kHeldUpMs;
+  const std::int32_t start = environment_.clock.TickCount();
+  bool late = false;
+  while (control_->OutBufferCount() != 0) {
+    if (late) return false;
+    late = MillisecondsSince(environment_.clock, start) > limit_ms;
+  }
+  return true;
+}
+
 void CKespCOMPort3::SendFrame(const std::string& frame, bool cr_before) {
   ClearBuffers();
   if (cr_before) {
     Log(L"Sending CR to clear instrument buffer...");
-    control_->Output("\r");
+    Send("\r");
     Delay(environment_.clock, environment_.pump, kClearingMs);
     ClearBuffers();
   }
   Log([&] {
     return L"Sending '" + SystemCodePage().FromBytes(frame) + L"' on COM port " + std::to_wstring(port_);
   });
-  control_->Output(frame);
+  Send(frame);
   DrainOutput();
 }
 

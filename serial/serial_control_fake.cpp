@@ -63,6 +63,8 @@ void SerialControlFake::Open() {
 void SerialControlFake::Close() noexcept {
   if (line_.open) line_.record("Close");
   line_.open = false;
+  Transmit();
+  unsent_.clear();
   received_.clear();
 }
 
@@ -73,7 +75,8 @@ std::int32_t SerialControlFake::InBufferCount() {
 
 std::int32_t SerialControlFake::OutBufferCount() {
   Poll();
-  if (draining_.empty()) return 0;
+  Transmit();
+  if (draining_.empty()) return line_.has_adapter ? 0 : static_cast<std::int32_t>(unsent_.size());
   const std::int32_t count = draining_.front();
   draining_.pop_front();
   return count;
@@ -89,6 +92,8 @@ void SerialControlFake::ClearOutBuffer() {
   OpenCalled();
   line_.record("ClearOut");
   draining_.clear();
+  Transmit();
+  if (!line_.has_adapter) unsent_.clear();
 }
 
 void SerialControlFake::SetDTREnable(bool on) {
@@ -107,6 +112,10 @@ void SerialControlFake::Output(std::string_view bytes) {
   line_.record("Output " + Visible(sent));
   line_.written += sent;
   line_.writes.push_back(sent);
+  Transmit();
+  if (unsent_.empty()) next_leaves_ = line_.clock.tick() + static_cast<std::int32_t>(line_.ms_per_character);
+  unsent_ += sent;
+  Transmit();
   draining_.assign(line_.drain.begin(), line_.drain.end());
   if (const auto found = line_.answers.find(sent); found != line_.answers.end()) {
     line_.Arrive(found->second.bytes, found->second.in_ms);
@@ -117,6 +126,15 @@ void SerialControlFake::Output(std::string_view bytes) {
 std::string SerialControlFake::Input() {
   Poll();
   return std::exchange(received_, std::string());
+}
+
+void SerialControlFake::Transmit() {
+  if (line_.ms_per_character == 0) line_.left += std::exchange(unsent_, std::string());
+  while (!unsent_.empty() && line_.clock.tick() >= next_leaves_) {
+    line_.left += unsent_.front();
+    unsent_.erase(0, 1);
+    next_leaves_ += static_cast<std::int32_t>(line_.ms_per_character);
+  }
 }
 
 std::string SerialControlFake::Visible(const std::string& bytes) {

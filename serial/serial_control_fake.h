@@ -47,8 +47,13 @@ struct SerialLineFake {
   std::function<void(const std::string& written, const std::wstring& settings)> on_output;
   // Runs at every look at the input or output, before it is answered.
   std::function<void()> on_poll;
-  // The counts that OutBufferCount gives after a write, one each; then 0.
+  // The counts that OutBufferCount gives after a write, one each; then 0, or what a slow line has yet to
+  // send.
   std::vector<std::int32_t> drain;
+  // How long each character takes; 0 for a line that takes all at once.
+  std::uint32_t ms_per_character = 0;
+  // An adapter takes all at once, so that the driver neither counts nor clears what has yet to leave.
+  bool has_adapter = false;
   // The number with which opening fails; 0 for none. One of the list each time, the last one for ever.
   std::deque<std::int32_t> open_failures;
   int calls = 0;
@@ -58,6 +63,7 @@ struct SerialLineFake {
   // Seen so far.
   std::string written;
   std::vector<std::string> writes;
+  std::string left;  // the bytes that got onto the line
   bool open = false;
   int polls = 0;
 };
@@ -90,12 +96,16 @@ class SerialControlFake final : public SerialControl {
   void Called();
   void OpenCalled();
   void Poll();
+  // Lets leave what has had its time.
+  void Transmit();
 
   SerialLineFake& line_;
   std::int16_t port_ = 0;
   std::wstring settings_ = L"9600,N,8,1";
   std::string received_;
   std::deque<std::int32_t> draining_;
+  std::string unsent_;
+  std::int32_t next_leaves_ = 0;
 };
 
 class SerialPortsFake final : public SerialPorts {

@@ -1,6 +1,7 @@
 // The serial port switch: its model decides the number of its ports and the form of its sequences.
 #include "serial/smart_switch.h"
 
+#include "support/attempt.h"
 #include "support/text.h"
 
 namespace kesp {
@@ -23,10 +24,13 @@ void CKespSmartSwitch3::SetStyle(ESmartSwitchStyle3 value) {
 void CKespSmartSwitch3::Select(SwitchLine& line) {
   if (ss_port_ == current_port_ && !ss_port_.empty()) return;
   Release(line);
+  // Clearing the line, which is what follows, must not take back bytes that have yet to leave.
+  line.AwaitLine();
   if (ss_port_.empty()) return;
   const std::string sequence = SelectionSequence();
   line.ClearLine();
   line.WriteToLine(sequence);
+  line.AwaitLine();
   line.LogSwitch(L"Selecting SmartSwitch port " + ss_port_ + L" (" + SystemCodePage().FromBytes(sequence) +
                  L")");
   // What the box echoed is not to be taken for the instrument's reply.
@@ -35,10 +39,14 @@ void CKespSmartSwitch3::Select(SwitchLine& line) {
 }
 
 void CKespSmartSwitch3::Release(SwitchLine& line) {
-  current_port_.clear();
   const std::string sequence = ReleaseSequence();
-  line.ClearLine();
-  line.WriteToLine(sequence);
+  const Attempt written = Try([&] {
+    line.ClearLine();
+    line.WriteToLine(sequence);
+    return true;
+  });
+  current_port_.clear();
+  if (written.error) throw Failure(*written.error);
   line.LogSwitch(L"Closing SmartSwitch port (" + SystemCodePage().FromBytes(sequence) + L")");
 }
 

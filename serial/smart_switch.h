@@ -16,8 +16,11 @@ class SwitchLine {
   // Discards every byte that waits in either direction.
   virtual void ClearLine() = 0;
 
-  // Sends the bytes to the box; throws when they cannot leave.
+  // Hands bytes for the box to the line.
   virtual void WriteToLine(const std::string& bytes) = 0;
+
+  // Waits until they have left; throws when that takes longer than it should.
+  virtual void AwaitLine() = 0;
 
   // Writes to the port's diagnostic log, when that is on.
   virtual void LogSwitch(const std::wstring& message) = 0;
@@ -45,11 +48,11 @@ class CKespSmartSwitch3 final {
 
   // For the serial transport. Connects SSPort and releases the port that was connected; sends nothing when
   // SSPort is connected already. With SSPort empty the box is told to release, also when nothing is
-  // connected.
+  // connected. Everything has left when it returns.
   void Select(SwitchLine& line);
 
-  // For the serial transport. Releases whatever is connected. CurrentPort is empty afterwards, also when the
-  // line fails: nobody knows then what the box did.
+  // For the serial transport. Tells the box to release whatever is connected, without waiting until that has
+  // left. CurrentPort is empty afterwards, also when the line fails: nobody knows then what the box did.
   void Release(SwitchLine& line);
 
  private:

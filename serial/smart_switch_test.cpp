@@ -67,13 +67,19 @@ TEST(CKespSmartSwitch3, StyleSet_KeepsSSPort) {
 class SwitchLineFake final : public SwitchLine {
  public:
   void ClearLine() override { Do("clear"); }
-  void WriteToLine(const std::string& bytes) override { Do("write " + SerialControlFake::Visible(bytes)); }
+  void WriteToLine(const std::string& bytes) override {
+    if (box != nullptr) connected_while_writing.push_back(box->CurrentPort());
+    Do("write " + SerialControlFake::Visible(bytes));
+  }
+  void AwaitLine() override { Do("await"); }
   void LogSwitch(const std::wstring& message) override {
     done.push_back("log " + SerialControlFake::Visible(SystemCodePage().ToBytes(message)));
   }
 
   std::vector<std::string> done;
-  int fail_at = 0;  // which of the clearings and writings fails; 0 for none
+  int fail_at = 0;  // which of the clearings, writings and waits fails; 0 for none
+  const CKespSmartSwitch3* box = nullptr;
+  std::vector<std::wstring> connected_while_writing;  // the box's CurrentPort at each
 
  private:
   void Do(const std::string& what) {
@@ -112,7 +118,7 @@ TEST(CKespSmartSwitch3, Select_WritesTheSequenceOfTheModelBehindItsRelease) {
     const std::string release = c.release;
     const std::string selection = c.selection;
     EXPECT_EQ(line.done, (Steps{"clear", "write " + release, "log Closing SmartSwitch port (" + release + ")",
-                                "clear", "write " + selection,
+                                "await", "clear", "write " + selection, "await",
                                 "log Selecting SmartSwitch port " + name + " (" + selection + ")", "clear"}));
     EXPECT_EQ(box.CurrentPort(), c.port);
   }
@@ -132,7 +138,8 @@ TEST(CKespSmartSwitch3, Select_ConnectedAlready_DoesNothing) {
 TEST(CKespSmartSwitch3, Select_NothingWanted_ReleasesWhateverIsConnected) {
   CKespSmartSwitch3 box;
   SwitchLineFake line;
-  const Steps release{"clear", "write <1B><02><02><04>", "log Closing SmartSwitch port (<1B><02><02><04>)"};
+  const Steps release{"clear", "write <1B><02><02><04>", "log Closing SmartSwitch port (<1B><02><02><04>)",
+                      "await"};
   box.Select(line);  // nothing wanted and nothing connected
   EXPECT_EQ(line.done, release);
   box.SetSSPort(L"B");
@@ -155,16 +162,18 @@ TEST(CKespSmartSwitch3, SSPortChanged_CurrentPortStaysUntilSelected) {
   box.Select(line);
   EXPECT_EQ(box.CurrentPort(), L"C");
   EXPECT_EQ(line.done[1], "write <1B><02><02><04>");
-  EXPECT_EQ(line.done[4], "write <1B><02>0C<0D>");
+  EXPECT_EQ(line.done[5], "write <1B><02>0C<0D>");
 }
 
-TEST(CKespSmartSwitch3, Release_Always_EmptiesCurrentPort) {
+TEST(CKespSmartSwitch3, Release_Always_EmptiesCurrentPortBehindTheSequence) {
   CKespSmartSwitch3 box;
   SwitchLineFake line;
   box.SetSSPort(L"B");
   box.Select(line);
   line.done.clear();
+  line.box = &box;
   box.Release(line);
+  EXPECT_EQ(line.connected_while_writing, std::vector<std::wstring>{L"B"});
   EXPECT_EQ(box.CurrentPort(), L"");
   EXPECT_EQ(box.SSPort(), L"B");
   box.Release(line);
@@ -172,8 +181,8 @@ TEST(CKespSmartSwitch3, Release_Always_EmptiesCurrentPort) {
 }
 
 TEST(CKespSmartSwitch3, LineFails_IsRaisedAndNothingCountsAsConnected) {
-  // Clearing and writing to release, clearing, writing and clearing to select.
-  for (int nth = 1; nth <= 5; ++nth) {
+  // Clearing, writing and waiting to release; clearing, writing, waiting and clearing to select.
+  for (int nth = 1; nth <= 7; ++nth) {
     SCOPED_TRACE(nth);
     CKespSmartSwitch3 box;
     SwitchLineFake good;
