@@ -119,7 +119,7 @@ TEST_F(SerialRepliesTest, Query_AnyCallFails_IsToldByTheStatusAlone) {
     EXPECT_EQ(comm_->serial().SmartSwitch()->CurrentPort(), L"");
     EXPECT_EQ(Trace().back(), L"Exiting Query()...(command: t)");
   }
-  EXPECT_EQ(failures, calls - 4);  // all but the four of the closing
+  EXPECT_EQ(failures, calls - 5);  // all but the five of the closing
   EXPECT_TRUE(fakes_.user.boxes().empty());
   EXPECT_TRUE(Query());
 }

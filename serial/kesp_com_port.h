@@ -154,7 +154,8 @@ class CKespCOMPort3 final : private SwitchLine {
 
   // Does nothing when the port is closed. Otherwise releases the switch and closes the port, also when the
   // release fails, which is then thrown like a failure of OpenPort. A release that does not leave the port in
-  // its time is no failure.
+  // its time is no failure. Bytes that the port has taken are given the time that they need on the line, ten
+  // seconds at the most, unless something was received since; it does not pump messages.
   void ClosePort();
 
   // Whether the machine has that port; whether it has it and it can be opened: nobody holds it, this object
@@ -261,6 +262,9 @@ class CKespCOMPort3 final : private SwitchLine {
 
   void ApplyPreset();
   void ConfigureControl();
+  // Closes the control behind the last byte that the driver has taken.
+  void CloseControl() noexcept;
+  void AwaitEndOfTransmission();
   void WakeInfraredAdapter();
   std::int32_t PortCode(std::int16_t cp, const wchar_t* question);
 

@@ -61,6 +61,7 @@ std::wstring CharacterCodes(const std::string& bytes) {
 
 std::string CKespCOMPort3::TakeInput(std::size_t already) {
   std::string chunk = control_->Input();
+  if (!chunk.empty()) transmission_.End();
   if (chunk.size() > kReplyLimit - already) throw OutOfMemory();
   return chunk;
 }

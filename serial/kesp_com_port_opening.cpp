@@ -20,6 +20,9 @@ constexpr std::int32_t kPulseMs = 10;
 // How long each port of a switch stays selected in its test, so that its lamp can be seen.
 constexpr std::int32_t kLampMs = 200;
 
+// How long closing waits for bytes that may lie in an adapter; 150 characters at 150 bit/s.
+constexpr std::uint32_t kLongestTransmissionMs = 10000;
+
 // The infrared adapter's own coding of its bit rates, which is not ascending.
 int PulsesFor(EKespBaudRate3 rate) {
   switch (rate) {
@@ -39,7 +42,7 @@ int PulsesFor(EKespBaudRate3 rate) {
 }  // namespace
 
 void CKespCOMPort3::ConfigureControl() {
-  if (control_->PortOpen()) control_->Close();
+  if (control_->PortOpen()) CloseControl();
   control_->SetCommPort(port_);
   control_->SetSettings(GetSettings());
   transmission_.Begin(ReadLineSettings(control_->Settings()).value_or(LineSettings{}));
@@ -96,13 +99,34 @@ void CKespCOMPort3::ClosePort() {
       AwaitOutput();
     }
     Log([&] { return L"Closing COM port " + std::to_wstring(port_); });
-    control_->Close();
+    CloseControl();
     Log([&] { return L"Closed COM port " + std::to_wstring(port_); });
   } catch (...) {
     const Failure failure = CurrentFailure();
-    control_->Close();
+    CloseControl();
     LogFailure(L"ClosePort()", failure);
     FailIn(L"ClosePort()", failure);
+  }
+}
+
+void CKespCOMPort3::CloseControl() noexcept {
+  try {
+    AwaitEndOfTransmission();
+  } catch (...) {
+    // The port is gone, and whatever it held with it.
+  }
+  control_->Close();
+  transmission_.End();
+}
+
+// Many adapters drop what they have not sent when their port is closed.
+void CKespCOMPort3::AwaitEndOfTransmission() {
+  if (transmission_.Left() == 0) return;
+  // What the driver itself still holds is lost, as a client who closes a port that takes nothing wants it.
+  if (control_->OutBufferCount() != 0) return;
+  const std::int32_t start = environment_.clock.TickCount();
+  while (transmission_.Left() != 0) {
+    if (MillisecondsSince(environment_.clock, start) > kLongestTransmissionMs) return;
   }
 }
 

@@ -152,6 +152,7 @@ TEST_F(CKespCOMPort3OutputTest, WriteLine_ClockAtItsEnd_CrBeforeOverflows) {
   EXPECT_EQ(ports_.line.written, "\r");
   EXPECT_EQ(LogLines().back(), L"** WriteLine() error: 6 - Overflow [KespCommObj] **");
   EXPECT_TRUE(port_.WriteLine(L"t"));  // without the delay no deadline is needed
+  environment_.clock.SetStepPerReading(1);
 }
 
 TEST_F(CKespCOMPort3OutputTest, WriteUpdate_CountBeyondSixteenBits_ShowsTheHighest) {
