@@ -173,9 +173,9 @@ class CKespCOMPort3 final : private SwitchLine {
 
   // Sends the command in the frame of ControllerStyle (command_frame.h) and returns true when the port has
   // taken every byte; there is no limit to that wait, and it does not pump messages. With CRBeforeCmd a lone
-  // carriage return goes first and whatever it brings is discarded. Raises WriteBegin, WriteUpdate for each
-  // look at the output buffer (32767 stands for more), WriteEnd. Throws ERR_ADDRESS_NOT_SPECIFIED (CS_OMEGA
-  // without an address), or a failure of the port as OpenPort does.
+  // carriage return goes first and whatever it brings within 50 ms of leaving is discarded. Raises
+  // WriteBegin, WriteUpdate for each look at the output buffer (32767 stands for more), WriteEnd. Throws
+  // ERR_ADDRESS_NOT_SPECIFIED (CS_OMEGA without an address), or a failure of the port as OpenPort does.
   bool WriteLine(const std::wstring& cmd = {}, const std::wstring& OmegaAddress = {},
                  const std::wstring& OmegaValue = {}, bool CRBeforeCmd = false);
 

@@ -88,6 +88,31 @@ TEST_F(CKespCOMPort3OutputTest, WriteLine_CrBefore_IsWrittenFiftyMillisecondsAhe
   EXPECT_EQ(environment_.pump.count(), 50);
 }
 
+TEST_F(CKespCOMPort3OutputTest, WriteLine_CrBeforeOnASlowLine_LeavesOnce) {
+  ports_.line.on_poll = [this] { environment_.clock.Advance(1); };
+  for (const bool has_adapter : {false, true}) {
+    SCOPED_TRACE(has_adapter);
+    port_.SetBaudRate(EKespBaudRate3::br150);
+    Open();
+    ports_.line.ms_per_character = 67;
+    ports_.line.has_adapter = has_adapter;
+    ports_.line.left.clear();
+    EXPECT_TRUE(port_.WriteLine(L"t", {}, {}, true));
+    port_.ClosePort();
+    EXPECT_EQ(ports_.line.left, "\rt\r");
+  }
+}
+
+// Then it is taken back, and the command waits for the line.
+TEST_F(CKespCOMPort3OutputTest, WriteLine_CrBeforeDoesNotLeave_CommandFollowsAllTheSame) {
+  ports_.line.drain.assign(3000, 1);
+  const std::int32_t start = Now();
+  EXPECT_TRUE(port_.WriteLine(L"t", {}, {}, true));
+  EXPECT_EQ(Outputs(), (Lines{L"<0D>", L"t<0D>"}));
+  EXPECT_GT(Now() - start, 1000);
+  EXPECT_LT(Now() - start, 1100);
+}
+
 TEST_F(CKespCOMPort3OutputTest, WriteLine_CrBefore_WhatItBroughtIsDiscarded) {
   ports_.line.Answer("\r", "error 1\r\n", 20);
   ports_.line.Answer("t\r", "1.5\r\n");
@@ -127,9 +152,10 @@ TEST_F(CKespCOMPort3OutputTest, WriteLine_ClosedPort_IsLoggedAndRaisedWithoutWri
                             L"[commCOMControl] **"}));
 }
 
-// Clearing both buffers (1, 2), the carriage return (3), clearing (4, 5), the frame (6), the drain (7, 8).
+// Clearing both buffers (1, 2), the carriage return (3) and its drain (4, 5), clearing (6, 7), the frame (8),
+// the drain (9, 10).
 TEST_F(CKespCOMPort3OutputTest, WriteLine_AnyCallFails_IsRaisedWithoutWriteEnd) {
-  for (int nth = 1; nth <= 8; ++nth) {
+  for (int nth = 1; nth <= 10; ++nth) {
     SCOPED_TRACE(nth);
     ports_.line.drain = {1};
     record_.clear();
@@ -139,7 +165,7 @@ TEST_F(CKespCOMPort3OutputTest, WriteLine_AnyCallFails_IsRaisedWithoutWriteEnd) 
     EXPECT_NE(record_.back(), L"WriteEnd()");
     EXPECT_TRUE(ports_.line.open);
   }
-  ports_.line.FailCall(9, 8012);
+  ports_.line.FailCall(11, 8012);
   EXPECT_TRUE(port_.WriteLine(L"t", {}, {}, true));
 }
 
