@@ -132,6 +132,7 @@ class CKespCommObj {
   bool Succeed();
   // Stores the status and the failure's texts, traces the error-info line and returns false.
   bool Fail(ECommError status, const std::wstring& operation, const Attempt& attempt);
+  void TraceErrorInfo(const std::wstring& operation, const Attempt& attempt);
   void Trace(const std::wstring& message);
 
   Environment& environment_;

@@ -120,9 +120,13 @@ bool CKespCommObj::Fail(ECommError status, const std::wstring& operation, const 
   comm_error_ = status;
   comm_error_source_ = attempt.source();
   comm_error_descr_ = attempt.description();
-  Trace(operation + L" Error info: Source- " + comm_error_source_ + L"  Description- " + comm_error_descr_ +
-        L" **");
+  TraceErrorInfo(operation, attempt);
   return false;
+}
+
+void CKespCommObj::TraceErrorInfo(const std::wstring& operation, const Attempt& attempt) {
+  Trace(operation + L" Error info: Source- " + attempt.source() + L"  Description- " + attempt.description() +
+        L" **");
 }
 
 }  // namespace kesp

@@ -64,7 +64,10 @@ bool CKespCommObj::RunOnSerial(const Exchange& exchange) {
   const Attempt attempt = Try([&] { return OpenSerialPort(exchange) && ExchangeOnSerial(exchange); });
   // The exchange is over by now: a failure to close does not change what it came to, and the port is closed
   // in every case.
-  if (auto_close_) Try([&] { return CloseSerialPort(), true; });
+  if (auto_close_) {
+    const Attempt close = Try([&] { return CloseSerialPort(), true; });
+    if (close.error) TraceErrorInfo(L"RS-232: ** ClosePort()", close);
+  }
   if (attempt.error) throw Failure(*attempt.error);
   return attempt.succeeded;
 }
