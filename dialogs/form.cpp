@@ -33,7 +33,13 @@ Form::Form(UserSurface& user, std::wstring caption, std::wstring action, std::in
 
 void Form::FirstPaint() {
   if (std::exchange(painted_, true)) return;
-  Use([this] { LoadSettings(); });
+  bool loaded = false;
+  Use([&] {
+    LoadSettings();
+    loaded = true;
+  });
+  // Confirming what was loaded in part would overwrite what was not.
+  if (!loaded) Close();
 }
 
 void Form::Use(const std::function<void()>& action) {

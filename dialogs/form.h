@@ -21,8 +21,8 @@ namespace kesp {
 // user works; OK or Cancel closes it. Its controls are public members with the names that the dialogs'
 // descriptions use, so that a window finds them and a test reads them.
 //
-// The entry points for the window let no failure out: they show it in the error box, and the form stays as it
-// is then.
+// The entry points for the window let no failure out: they show it in the error box. The form stays as it is
+// then, unless it was being loaded.
 class Form : public ControlOwner {
  public:
   // Index of each of the three buttons.
@@ -40,7 +40,8 @@ class Form : public ControlOwner {
 
   // For the window -----------------------------------------------------------------------------------------
 
-  // The dialog has been painted: loads the settings when it is the first time.
+  // The dialog has been painted: loads the settings when it is the first time. When that fails, the dialog
+  // ends as if cancelled.
   void FirstPaint();
 
   // Something that the user does: clicks, choices. Runs it under the error trap. Does nothing when the form

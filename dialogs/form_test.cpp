@@ -49,7 +49,7 @@ TEST_F(FormTest, FirstPaint_LoadsOnceOnly) {
   EXPECT_EQ(loads, 1);
 }
 
-TEST_F(FormTest, LoadFails_IsShownAndNotTriedAgain) {
+TEST_F(FormTest, LoadFails_IsShownAndEndsTheDialogAsCancelled) {
   int loads = 0;
   form_.on_load = [&] {
     ++loads;
@@ -62,7 +62,8 @@ TEST_F(FormTest, LoadFails_IsShownAndNotTriedAgain) {
   EXPECT_EQ(user_.boxes()[0].text, kOverflowBox);
   EXPECT_EQ(user_.boxes()[0].title, L"Kesp Communications Error");
   EXPECT_EQ(user_.boxes()[0].style, 16U);
-  EXPECT_TRUE(form_.is_open());
+  EXPECT_FALSE(form_.is_open());
+  EXPECT_TRUE(form_.bCancel());
 }
 
 TEST_F(FormTest, OK_ValidatesThenWritesThenCloses) {

@@ -56,10 +56,12 @@ frmRFModemSettings::frmRFModemSettings(UserSurface& user, CKespCOMPort3& port, s
 void frmRFModemSettings::LoadSettings() {
   tabSettings.Select(0);
   SwitchPage();
-  RunTrapped(user(), L"attempting to read settings from RF modem", [this] {
+  const bool read = RunTrapped(user(), L"attempting to read settings from RF modem", [this] {
     ReadModem();
     return true;
   });
+  // Boxes that were filled in part are not to be written to the modem.
+  if (!read) Cancel();
 }
 
 void frmRFModemSettings::ReadModem() {

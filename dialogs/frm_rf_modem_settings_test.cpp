@@ -172,7 +172,7 @@ TEST_F(frmRFModemSettingsTest, PortFailsAtAnyCall_OneMessageAndTheDialogEndsWith
   EXPECT_GT(failed, 20);
 }
 
-TEST_F(frmRFModemSettingsTest, ReadingFailsOtherwise_TheErrorIsShownAndTheDialogStays) {
+TEST_F(frmRFModemSettingsTest, ReadingFailsOtherwise_TheErrorIsShownAndTheDialogEnds) {
   AnswersQuestions();
   view_.on_change = [](const Control& control, Change) {
     if (control.id() == ID_PB_POWER_LEVEL) throw Overflow();
@@ -183,8 +183,8 @@ TEST_F(frmRFModemSettingsTest, ReadingFailsOtherwise_TheErrorIsShownAndTheDialog
             L"An error occurred while attempting to read settings from RF modem.\r\nError: 6 - "
             L"Overflow\r\n(KespCommObj)");
   EXPECT_EQ(Shown()[0].title, L"Kesp Communications Error");
-  EXPECT_TRUE(form_->is_open());
-  EXPECT_FALSE(form_->bCancel());
+  EXPECT_FALSE(form_->is_open());
+  EXPECT_TRUE(form_->bCancel());
 }
 
 TEST_F(frmRFModemSettingsTest, Boxes_TakeDigitsAndSelectAllAndCorrectTheirNumbers) {

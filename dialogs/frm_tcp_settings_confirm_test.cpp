@@ -175,7 +175,7 @@ TEST_F(frmTCPSettingsConfirmTest, Help_OpensTheTopicThatWasAskedFor) {
   EXPECT_TRUE(form_->is_open());
 }
 
-TEST_F(frmTCPSettingsConfirmTest, LoadFails_IsShownAndTheDialogStays) {
+TEST_F(frmTCPSettingsConfirmTest, LoadFails_IsShownAndTheDialogEnds) {
   form_ = std::make_unique<frmTCPSettings>(fakes_.user, *tcp_, TcpDialogOptions{});
   form_->SetView(&view_);
   view_.on_change = [](const Control&, Change) { throw Overflow(); };
@@ -184,7 +184,7 @@ TEST_F(frmTCPSettingsConfirmTest, LoadFails_IsShownAndTheDialogStays) {
   EXPECT_EQ(fakes_.user.boxes()[0].text,
             L"An error occurred while attempting to edit TCP/IP settings.\r\nError: 6 - "
             L"Overflow\r\n(KespCommObj)");
-  EXPECT_TRUE(form_->is_open());
+  EXPECT_FALSE(form_->is_open());
 }
 
 }  // namespace

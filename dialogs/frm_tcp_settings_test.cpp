@@ -166,15 +166,16 @@ TEST_F(frmTCPSettingsTest, Address_ItsPartsGoIntoTheBoxesAsPlainNumbers) {
   EXPECT_TRUE(fakes_.user.boxes().empty());
 }
 
-TEST_F(frmTCPSettingsTest, AddressWithANumberBeyondAllNumbers_TheErrorIsShownAndTheDialogStays) {
+TEST_F(frmTCPSettingsTest, AddressWithANumberBeyondAllNumbers_TheErrorIsShownAndTheDialogEnds) {
   tcp_->SetIPAddress(L"1.1e999.lab");
   Load();
   ASSERT_EQ(fakes_.user.boxes().size(), 1U);
   EXPECT_EQ(fakes_.user.boxes()[0].text,
             L"An error occurred while attempting to edit TCP/IP settings.\r\nError: 6 - "
             L"Overflow\r\n(KespCommObj)");
-  EXPECT_EQ(Octets(), (Texts{L"1", L"", L"", L""}));
-  EXPECT_TRUE(form_->is_open());
+  EXPECT_FALSE(form_->is_open());
+  EXPECT_TRUE(form_->bCancel());
+  EXPECT_EQ(tcp_->IPAddress(), L"1.1e999.lab");
 }
 
 TEST_F(frmTCPSettingsTest, AddressOfFewerParts_TheOtherBoxesKeepTheirContent) {

@@ -244,6 +244,16 @@ TEST_F(TcpDialogWinTest, NumberThatDoesNotFit_ShowsTheErrorAndKeepsTheDialogUsab
   EXPECT_EQ(tcp_.Port(), 5026);
 }
 
+TEST_F(TcpDialogWinTest, AddressThatCannotBeLoaded_ShowsTheErrorAndEndsTheDialog) {
+  tcp_.SetIPAddress(L"1.1e999.lab");
+  EXPECT_FALSE(Show([](DialogUser& user) {
+    ExpectErrorBox(user.AnswerBox(L"Kesp Communications Error", IDOK),
+                   L"An error occurred while attempting to edit TCP/IP settings.\r\nError: 6 - "
+                   L"Overflow\r\n(KespCommObj)");
+  }));
+  EXPECT_EQ(tcp_.IPAddress(), L"1.1e999.lab");
+}
+
 TEST_F(TcpDialogWinTest, Cancelled_WritesNothing) {
   tcp_.SetIPAddress(L"10.20.30.40");
   EXPECT_FALSE(Show([](DialogUser& user) {
