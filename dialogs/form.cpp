@@ -67,10 +67,12 @@ std::int16_t Form::KeyPress(TextBox& box, std::int16_t key) {
 
 void Form::GotFocus(Control& control) {
   focused_ = &control;
-  if (auto* box = dynamic_cast<TextBox*>(&control)) Trapped([box] { box->SelectAll(); });
+  entered_ = dynamic_cast<TextBox*>(&control);
+  if (TextBox* box = entered_) Trapped([box] { box->SelectAll(); });
 }
 
 void Form::LostFocus(Control& control) {
+  if (entered_ == &control) entered_ = nullptr;
   if (auto* box = dynamic_cast<TextBox*>(&control)) Trapped([box] { box->Leave(); });
 }
 
@@ -95,6 +97,8 @@ void Form::SelectPage(int page) {
 
 bool Form::Refuse(const Control& control, const std::wstring& title, const std::wstring& message) {
   ShowMessage(user_, message, title);
+  // A box whose page goes away, or that stands in a window at the back, is not told that it loses the focus.
+  if (entered_ != nullptr && entered_ != &control) LostFocus(*entered_);
   SelectPage(control.page());
   Focus(control);
   return false;

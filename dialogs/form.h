@@ -84,8 +84,8 @@ class Form : public ControlOwner {
   // Shows exactly the frame of the selected tab.
   void SwitchPage();
 
-  // Tells the user what is wrong with a control's entry, selects its page and gives it the focus. False, as
-  // the outcome of Validate.
+  // Tells the user what is wrong with a control's entry, selects its page and gives it the focus, for which
+  // another text box is left. False, as the outcome of Validate.
   bool Refuse(const Control& control, const std::wstring& title, const std::wstring& message);
 
   // Gives the control the focus.
@@ -108,6 +108,7 @@ class Form : public ControlOwner {
   bool is_open_ = true;
   bool b_cancel_ = false;
   const Control* focused_ = nullptr;
+  TextBox* entered_ = nullptr;  // that has the focus, as the window told
 };
 
 }  // namespace kesp

@@ -63,6 +63,21 @@ TEST_F(FormTest, RefuseOnAPageBehindARemovedOne_ShowsThePageOfTheControl) {
   EXPECT_FALSE(form.framSettings[2].visible());
 }
 
+TEST_F(FormTest, RefuseWhileTheFocusIsInABox_LeavesItUnlessItIsTheOneRefused) {
+  form_.GotFocus(form_.txtDigits);
+  form_.txtDigits.Type(L"5");
+  form_.Refuse(form_.txtDigits, L"A", L"B");
+  EXPECT_EQ(form_.txtDigits.text(), L"5");
+  view_.lines.clear();
+  form_.Refuse(form_.txtSigned, L"A", L"B");
+  EXPECT_EQ(view_.lines,
+            (Lines{"box", "501 text 12", "100 selection 1", "110 hidden", "111 shown", "focus 502"}));
+  // It was left, and is not left again.
+  form_.txtDigits.Type(L"7");
+  form_.Refuse(form_.txtSigned, L"A", L"B");
+  EXPECT_EQ(form_.txtDigits.text(), L"7");
+}
+
 TEST_F(FormTest, FocusWithoutView_IsRemembered) {
   form_.SetView(nullptr);
   form_.Focus(form_.txtDigits);

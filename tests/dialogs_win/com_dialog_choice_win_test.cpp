@@ -1,6 +1,7 @@
 // Choosing in the lists of the RS-232 dialog's window, what OK refuses there, and going through its controls
 // by keys.
 #include "dialog_stage.h"
+#include "message_hook.h"
 
 namespace kesp {
 namespace {
@@ -116,6 +117,29 @@ TEST_F(ComDialogChoiceWinTest, NoPort_IsRefused) {
     ExpectRemark(user.AnswerBox(L"Invalid COM Port", IDOK), L"Select a valid COM port to use.");
     user.Press(VK_ESCAPE);
   }));
+}
+
+// Windows gives the focus of what is hidden to its parent, which is no control that the box was left for.
+void LoseFocusWhenHidden(const CWPRETSTRUCT& message) {
+  const bool hidden = message.message == WM_SHOWWINDOW && message.wParam == FALSE;
+  if (hidden && IsChild(message.hwnd, GetFocus()) != FALSE) SetFocus(GetParent(message.hwnd));
+}
+
+TEST_F(ComDialogChoiceWinTest, RefusalOnAnotherPage_LeavesTheBoxThatHadTheFocus) {
+  const MessageHook hook(&LoseFocusWhenHidden);
+  ports_.codes.clear();
+  EXPECT_FALSE(Show(
+      [](DialogUser& user) {
+        user.ClickTab(1);
+        user.MoveTo(ID_TXT_TIMEOUT);
+        user.Type(L"5");
+        user.Press(VK_RETURN);
+        user.AnswerBox(L"Invalid COM Port", IDOK);
+        EXPECT_EQ(user.Focus(), ID_ICBO_COM_PORT);
+        EXPECT_EQ(user.Text(ID_TXT_TIMEOUT), L"100");
+        user.Press(VK_ESCAPE);
+      },
+      {.show_extended_page = true}));
 }
 
 TEST_F(ComDialogChoiceWinTest, NoRate_IsRefused) {
