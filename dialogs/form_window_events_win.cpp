@@ -2,9 +2,9 @@
 #include <array>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "dialogs/form_window_win.h"
+#include "support/window_list_win.h"
 
 namespace kesp {
 
@@ -14,12 +14,6 @@ std::wstring TextOf(HWND window) {
   std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
   text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
   return text;
-}
-
-// For EnumChildWindows, with a vector of windows.
-BOOL CALLBACK AddTo(HWND window, LPARAM windows) {
-  reinterpret_cast<std::vector<HWND>*>(windows)->push_back(window);
-  return TRUE;
 }
 
 bool IsDown(int key) {
@@ -156,9 +150,7 @@ void FormWindow::StepPage(const MSG& message) {
 
 // The system tells the dialog alone; its pages and their controls have colors of their own to renew.
 void FormWindow::OnColorsChanged(WPARAM first, LPARAM second) {
-  std::vector<HWND> children;
-  EnumChildWindows(dialog_, &AddTo, reinterpret_cast<LPARAM>(&children));
-  for (HWND child : children) SendMessageW(child, WM_SYSCOLORCHANGE, first, second);
+  for (HWND child : DescendantsOf(dialog_)) SendMessageW(child, WM_SYSCOLORCHANGE, first, second);
 }
 
 HBRUSH FormWindow::BackgroundFor(HWND page, HWND window, HDC device) {

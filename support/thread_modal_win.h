@@ -11,15 +11,13 @@ namespace kesp {
 // before are enabled again. They go on painting themselves and running their timers.
 class ThreadModal {
  public:
+  // Throws std::bad_alloc when memory is out; nothing is disabled then.
   explicit ThreadModal(HWND dialog);
   ~ThreadModal();
   ThreadModal(const ThreadModal&) = delete;
   ThreadModal& operator=(const ThreadModal&) = delete;
 
  private:
-  static BOOL CALLBACK Disable(HWND window, LPARAM self);
-
-  HWND dialog_;
   std::vector<HWND> disabled_;
 };
 
