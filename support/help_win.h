@@ -1,4 +1,4 @@
-// Windows' help viewer.
+// Windows' help viewers.
 #pragma once
 
 #include <cstdint>
@@ -6,8 +6,12 @@
 
 namespace kesp {
 
-// Gives the viewer a command (HELP_CONTEXT with a context number, for example) on a help file. False when the
-// system has no help viewer call, or it refused. owner is the window (HWND) that asks; it may be null.
-bool CallWinHelp(void* owner, const std::wstring& help_file, std::uint32_t command, std::uint32_t data);
+// Gives the viewer of a help file a command of the Win32 function WinHelp. A file that ends in .chm is opened
+// by HTML Help, which takes HELP_CONTEXT with a context number only; every other file by WinHelp. False when
+// the viewer is not there, or refused.
+//
+// owner is the window (HWND) that asks. A window of HTML Help closes with its owner; for null that is the
+// thread's foremost window. WinHelp has none then.
+bool CallHelpViewer(void* owner, const std::wstring& help_file, std::uint32_t command, std::uint32_t data);
 
 }  // namespace kesp

@@ -9,13 +9,13 @@
 
 namespace kesp {
 
-// How the help viewer is called: as CallWinHelp is.
+// How the help viewer is called: as CallHelpViewer is.
 using HelpCaller = bool (*)(void* owner, const std::wstring& help_file, std::uint32_t command,
                             std::uint32_t data);
 
 class UserSurfaceWin final : public UserSurface {
  public:
-  explicit UserSurfaceWin(HelpCaller call_help = CallWinHelp) : call_help_(call_help) {}
+  explicit UserSurfaceWin(HelpCaller call_help = CallHelpViewer) : call_help_(call_help) {}
 
   // The box belongs to the calling thread's active window, or to its foremost one while another program is in
   // front; in that case, and without one, all windows of the thread wait for it.

@@ -5,6 +5,7 @@
 #include "dialogs/dialog_ids.h"
 #include "tests/clients/dialog_editing.h"
 #include "tests/clients/help_viewer.h"
+#include "tests/win/html_help_fake.h"
 
 namespace kesp::clients {
 namespace {
@@ -109,6 +110,19 @@ TEST_F(TcpEditingTest, PortBeyondTheProperty_IsToldInABoxAndTheDialogStays) {
     user.Press(VK_ESCAPE);
   }));
   EXPECT_EQ(Read(tcp(), &_CKespTCP::get_Port), 5025);
+}
+
+TEST_F(TcpEditingTest, HelpOfACompiledHtmlFile_IsHtmlHelpThatBelongsToTheDialog) {
+  const HtmlHelpFake html_help;
+  HWND dialog = nullptr;
+  const EditArguments given{.help_file = L"C:\\help\\lab tcp.chm", .help_context = 70001};
+  EXPECT_FALSE(Edit(EditCall::kTransportEarly, given, [&dialog](DialogUser& user) {
+    dialog = user.window();
+    user.Click(ID_HELP);
+    user.Click(ID_CANCEL);
+  }));
+  EXPECT_EQ(html_help.calls(),
+            (std::vector<HtmlHelpFake::Call>{{dialog, L"C:\\help\\lab tcp.chm", 0x000F, 70001}}));
 }
 
 TEST_F(TcpEditingTest, Help_OpensTheFileAndTopicThatEditWasGiven) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "box_reader.h"
+#include "html_help_fake.h"
 #include "support/user_surface_win.h"
 
 namespace kesp {
@@ -101,6 +102,17 @@ TEST_F(ErrorBoxTest, HelpIsAskedFor_OpensTheFileAtTheContextAndStays) {
   EXPECT_EQ(help_record.owner, owner.handle());
   EXPECT_EQ(help_record.file, L"kesp.hlp");
   EXPECT_EQ(help_record.context, 4711);
+}
+
+TEST_F(ErrorBoxTest, HelpOfACompiledHtmlFile_IsHtmlHelpInFrontOfTheBoxesOwner) {
+  const HtmlHelpFake html_help;
+  const Window owner;
+  UserSurfaceWin with_viewers;
+  BoxReader reader(kErrorBoxTitle, AskForHelpThenPressOk());
+  ShowError(with_viewers, L"attempting to perform query", kFailure, kErrorBoxTitle, L"C:\\lab\\Lab.CHM", -2);
+  reader.Contents();
+  EXPECT_EQ(html_help.calls(),
+            (std::vector<HtmlHelpFake::Call>{{owner.handle(), L"C:\\lab\\Lab.CHM", 0x000F, 0xFFFFFFFE}}));
 }
 
 TEST_F(ErrorBoxTest, HelpIsAskedForWithoutAHelpFile_OpensNothing) {
