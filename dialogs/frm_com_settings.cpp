@@ -170,8 +170,9 @@ void frmCOMSettings::OnUseSmartSwitch() {
 }
 
 void frmCOMSettings::OnBaudRateRange() {
-  FillBaudRates(cboMinBaudRate.SelectedAs(EKespBaudRate3::brNone),
-                cboMaxBaudRate.SelectedAs(EKespBaudRate3::brNone));
+  // An end that is not selected counts as 0, the lowest rate.
+  FillBaudRates(cboMinBaudRate.SelectedAs(EKespBaudRate3::br150),
+                cboMaxBaudRate.SelectedAs(EKespBaudRate3::br150));
   // Whatever was chosen is chosen again by the user; the lowest rate there is stands for nothing chosen yet.
   cboBaudRate.SelectValue(static_cast<std::int32_t>(EKespBaudRate3::br150));
 }

@@ -261,12 +261,16 @@ TEST_F(frmCOMSettingsRulesTest, RateRange_EachListCounts_AndTheTransportIsLeftAl
   EXPECT_EQ(port_.MaxBaudRate(), EKespBaudRate3::br921600);
 }
 
-TEST_F(frmCOMSettingsRulesTest, RateRange_NothingSelectedCountsAsNone) {
+TEST_F(frmCOMSettingsRulesTest, RateRange_AnEndThatIsNotSelectedCountsAsTheLowestRate) {
   port_.SetMinBaudRate(EKespBaudRate3::brNone);
-  frmCOMSettings& form = Show();
-  Choose(form.cboMaxBaudRate, L"300");
-  EXPECT_EQ(Described(form.cboBaudRate.entries()), (Lines{L"<unknown> -1", L"150 0", L"300 1"}));
-  EXPECT_EQ(Selected(form.cboBaudRate), L"150");
+  Choose(Show().cboMaxBaudRate, L"300");
+  EXPECT_EQ(Described(form_->cboBaudRate.entries()), (Lines{L"150 0", L"300 1"}));
+  EXPECT_EQ(Selected(form_->cboBaudRate), L"150");
+  AllowNoRate();
+  Choose(Show().cboMinBaudRate, L"150");
+  EXPECT_EQ(Described(form_->cboBaudRate.entries()), Lines{L"150 0"});
+  Choose(form_->cboMinBaudRate, L"300");
+  EXPECT_EQ(Described(form_->cboBaudRate.entries()), Lines{});
 }
 
 TEST_F(frmCOMSettingsRulesTest, Tabs_ShowExactlyTheirFrame) {
