@@ -1,7 +1,6 @@
 // Reading the radio modem into its dialog, checking what was entered, and writing it to the modem.
 #include "dialogs/frm_rf_modem_settings.h"
 
-#include <stdexcept>
 #include <string>
 
 #include "dialogs/dialog_ids.h"
@@ -9,6 +8,7 @@
 #include "serial/baud_rate.h"
 #include "serial/radio_modem_settings.h"
 #include "support/error_trap.h"
+#include "support/failure.h"
 #include "support/text_edit.h"
 
 namespace kesp {
@@ -21,6 +21,9 @@ constexpr NumberRange kAddresses{1, 65535};
 constexpr NumberRange kTimeouts{2, 65535};  // milliseconds
 
 constexpr std::int32_t kHighestPowerLevel = 4;
+
+// A device that failed while it was read or written, in the numbers of run-time errors.
+constexpr std::int32_t kDeviceError = 57;
 
 constexpr wchar_t kInvalidPANID[] = L"Invalid PAN ID";
 constexpr wchar_t kInvalidChannel[] = L"Invalid RF Channel";
@@ -136,7 +139,9 @@ bool frmRFModemSettings::WriteSettings() {
                                     ToInteger32(txtRFModemAddress.Value()), txtTimeout.Value(),
                                     write_to_nvram_)) {
       // It keeps to itself what the port said.
-      throw std::runtime_error("The COM port of the RF modem failed");
+      throw Failure(kDeviceError, L"KespCommObj",
+                    L"Unable to write settings to RF modem. Make sure the modem is connected to COM" +
+                        PlainNumber(port_.Port()));
     }
     return true;
   });

@@ -230,9 +230,11 @@ TEST_F(frmRFModemSettingsConfirmTest, PortFailsAtAnyCall_TheDialogStaysForAnothe
     }
     ++failed;
     ASSERT_EQ(Shown().size(), boxes + 2);
-    EXPECT_EQ(Shown().back().text,
-              L"An error occurred while attempting to gather settings.\r\n"
-              L"Error: 51 - Internal error (The COM port of the RF modem failed)\r\n(KespCommObj)");
+    EXPECT_EQ(
+        Shown().back().text,
+        L"An error occurred while attempting to gather settings.\r\n"
+        L"Error: 57 - Unable to write settings to RF modem. Make sure the modem is connected to COM1\r\n"
+        L"(KespCommObj)");
     EXPECT_TRUE(form_->is_open());
     EXPECT_FALSE(form_->bCancel());
     EXPECT_EQ(Boxes(), (Texts{L"13106", L"12", L"26", L"1500"}));
