@@ -12,6 +12,7 @@ constexpr std::int32_t kHighestAddress = 65535;
 constexpr wchar_t kInvalidBaudRate[] = L"Invalid Baud Rate";
 constexpr wchar_t kInvalidPort[] = L"Invalid COM Port";
 constexpr wchar_t kSelectPort[] = L"Select a valid COM port to use.";
+constexpr wchar_t kSelectRate[] = L"Select the baud rate.";
 constexpr wchar_t kInvalidAddress[] = L"Invalid Instrument Address";
 
 }  // namespace
@@ -27,9 +28,7 @@ bool frmCOMSettings::IsValid() {
                   L"Cannot set minimum baud rate higher than maximum baud rate setting.");
   }
   if (icboCOMPort.selected() == nullptr) return Refuse(icboCOMPort, kInvalidPort, kSelectPort);
-  if (cboBaudRate.selected() == nullptr) {
-    return Refuse(cboBaudRate, kInvalidBaudRate, L"Select the baud rate.");
-  }
+  if (cboBaudRate.selected() == nullptr) return Refuse(cboBaudRate, kInvalidBaudRate, kSelectRate);
   if (!chkUseRFModem.checked()) return true;
   if (txtInstrAddress.text().empty()) {
     return Refuse(txtInstrAddress, kInvalidAddress, L"Enter the instrument address.");
@@ -96,11 +95,16 @@ void frmCOMSettings::ShowRFProperties() {
     ShowMessage(user(), kSelectPort, kInvalidPort);
     return;
   }
-  const EKespBaudRate3 rate = cboBaudRate.SelectedAs(EKespBaudRate3::brNone);
-  const std::wstring rate_text = cboBaudRate.selected() == nullptr ? L"" : cboBaudRate.selected()->text;
+  const ChoiceList::Entry* selected_rate = cboBaudRate.selected();
+  if (selected_rate == nullptr) {
+    // The transport would refuse it when everything before it has been written.
+    ShowMessage(user(), kSelectRate, kInvalidBaudRate);
+    return;
+  }
+  const auto rate = static_cast<EKespBaudRate3>(selected_rate->value);
   MessageBoxRequest request;
   request.text = L"Make sure the RF modem is connected to " + port->text + L" and set to operate at " +
-                 rate_text + L" baud.";
+                 selected_rate->text + L" baud.";
   if (rate != EKespBaudRate3::br9600) {
     request.text += L"\r\rNote: The factory default baud rate for the RF modem is 9600.";
   }

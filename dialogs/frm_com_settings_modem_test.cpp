@@ -76,26 +76,16 @@ TEST_F(frmCOMSettingsModemTest, AtAnotherRate_AsksWithNoteBehindTwoCarriageRetur
             65);
 }
 
-TEST_F(frmCOMSettingsModemTest, NoRateSelected_AsksWithoutOne_AndTheTransportRefusesIt) {
+TEST_F(frmCOMSettingsModemTest, NoRateSelected_IsRefusedAndWritesNothing) {
   AllowRates(8, 10, 10);
   frmCOMSettings& form = ShowWithModem(kEverything);
   Choose(form.cboMinBaudRate, L"57600");
   ASSERT_EQ(form.cboBaudRate.selected(), nullptr);
+  const auto before = Settings(port_);
   ClickProperties();
-  ASSERT_EQ(user_.boxes().size(), 2u);
-  EXPECT_EQ(user_.boxes()[0].text,
-            L"Make sure the RF modem is connected to COM1 and set to operate at  baud."
-            L"\r\rNote: The factory default baud rate for the RF modem is 9600."
-            L" Click OK to continue or click Cancel to abort.");
-  EXPECT_EQ(user_.boxes()[1].text,
-            L"An error occurred while attempting to display the RF modem properties.\r\nError: " +
-                std::to_wstring(com_port_error::ERR_BAUD_RATE_NOT_SUPPORTED) +
-                L" - Baud rate not supported.\r\n(CKespCOMPort3 - BaudRate)");
-  EXPECT_EQ(user_.boxes()[1].title, L"Kesp Communications Error");
-  EXPECT_EQ(user_.boxes()[1].style, 16u);
+  ExpectBox(L"Invalid Baud Rate", L"Select the baud rate.", 64);
   EXPECT_TRUE(modem_dialog_.ports.empty());
-  // What was written before the rate stays.
-  ExpectTransport({1, EKespBaudRate3::br115200, EKespBaudRate3::br1200, EKespBaudRate3::br115200, false});
+  EXPECT_TRUE(Settings(port_) == before);
   EXPECT_TRUE(form.is_open());
 }
 
