@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+#include "dialogs/image_item_win.h"
+
 namespace kesp {
 
 namespace {
@@ -61,7 +63,17 @@ HWND ControlPainter::WindowOf(const Control& control) const {
 
 void ControlPainter::SetImages(const Control& control, const ControlImages& images) {
   images_[&control] = &images;
-  SendMessageW(WindowOf(control), CBEM_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images.handle()));
+  FitItems(WindowOf(control), images.handle());
+}
+
+void ControlPainter::DrawItem(const DRAWITEMSTRUCT& item) const {
+  for (const auto& [control, images] : images_) {
+    if (WindowOf(*control) != item.hwndItem) continue;
+    const std::vector<ChoiceList::Entry>& entries = dynamic_cast<const ChoiceList&>(*control).entries();
+    // The number is -1 while nothing is selected.
+    const ChoiceList::Entry entry = item.itemID < entries.size() ? entries[item.itemID] : ChoiceList::Entry{};
+    DrawImageItem(item, images->handle(), images->IndexOf(entry.image), entry.text);
+  }
 }
 
 void ControlPainter::DrawAll(const Control& control) {
@@ -111,20 +123,10 @@ void ControlPainter::Visit(const ChoiceList& list) {
   Send(CB_SETCURSEL, list.selection() ? *list.selection() : static_cast<WPARAM>(-1), 0);
 }
 
-void ControlPainter::FillList(const ChoiceList& list) {
+void ControlPainter::FillList(const ChoiceList& list) const {
   Send(CB_RESETCONTENT, 0, 0);
-  const auto images = images_.find(&list);
   for (const ChoiceList::Entry& entry : list.entries()) {
-    if (images == images_.end()) {
-      Send(CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(entry.text.c_str()));
-      continue;
-    }
-    COMBOBOXEXITEMW item{};
-    item.mask = CBEIF_TEXT | CBEIF_IMAGE | CBEIF_SELECTEDIMAGE;
-    item.iItem = -1;
-    item.pszText = const_cast<wchar_t*>(entry.text.c_str());
-    item.iImage = item.iSelectedImage = images->second->IndexOf(entry.image);
-    Send(CBEM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    Send(CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(entry.text.c_str()));
   }
 }
 

@@ -21,6 +21,9 @@ class ControlPainter final : private ControlVisitor {
   // The pictures of an image combo; they outlive the painter.
   void SetImages(const Control& control, const ControlImages& images);
 
+  // An entry of such a list, as the system asks for it.
+  void DrawItem(const DRAWITEMSTRUCT& item) const;
+
   // Everything about the control, and what has changed of it.
   void DrawAll(const Control& control);
   void Draw(const Control& control, Change change);
@@ -42,7 +45,7 @@ class ControlPainter final : private ControlVisitor {
   void Visit(const TabStrip& strip) override;
   void Visit(const TextBox& box) override;
 
-  void FillList(const ChoiceList& list);
+  void FillList(const ChoiceList& list) const;
   void FillTabs(const TabStrip& strip) const;
   LRESULT Send(UINT message, WPARAM first, LPARAM second) const {
     return SendMessageW(window_, message, first, second);

@@ -59,6 +59,9 @@ INT_PTR FormWindow::Handle(HWND window, UINT message, WPARAM first, LPARAM secon
     case WM_CLOSE:
       form_.Close();
       return TRUE;
+    case WM_DRAWITEM:
+      painter_.DrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(second));
+      return TRUE;
     case WM_CTLCOLORDLG:
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLORBTN:

@@ -21,7 +21,6 @@ FormWindow::~FormWindow() {
 void FormWindow::Destroy() {
   form_.SetView(nullptr);
   edits_.clear();
-  names_.clear();
   if (dialog_ != nullptr) DestroyWindow(dialog_);
 }
 
@@ -55,7 +54,6 @@ void FormWindow::Make() {
   MakePages();
   BindControls();
   BindTextBoxes();
-  NameImageCombos();
   AddToolTips();
   form_.SetView(this);
 }
@@ -108,16 +106,6 @@ void FormWindow::BindTextBoxes() {
     auto* box = dynamic_cast<TextBox*>(control);
     HWND window = painter_.WindowOf(*control);
     if (box != nullptr && window != nullptr) edits_.emplace_back(form_, *box, window, dialog_);
-  }
-}
-
-// A label names the window that follows it, which is not the one that gets the focus here.
-void FormWindow::NameImageCombos() {
-  for (const Control* control : form_.controls()) {
-    HWND window = painter_.WindowOf(*control);
-    if (window == nullptr || resources_.images.count(control->id()) == 0) continue;
-    const auto combo = reinterpret_cast<HWND>(SendMessageW(window, CBEM_GETCOMBOCONTROL, 0, 0));
-    names_.emplace_back(combo, GetWindow(window, GW_HWNDPREV));
   }
 }
 

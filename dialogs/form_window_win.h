@@ -7,7 +7,6 @@
 #include <map>
 #include <vector>
 
-#include "dialogs/accessible_name_win.h"
 #include "dialogs/control_images_win.h"
 #include "dialogs/control_painter_win.h"
 #include "dialogs/form.h"
@@ -53,7 +52,6 @@ class FormWindow final : private FormView {
   void MakePages();
   void BindControls();
   void BindTextBoxes();
-  void NameImageCombos();
   void AddToolTips();
   HWND VisiblePage() const;
   void GiveFocus(HWND window) const;
@@ -81,7 +79,6 @@ class FormWindow final : private FormView {
   ControlPainter painter_;
   std::deque<ControlImages> images_;
   std::deque<NumberEdit> edits_;
-  std::deque<AccessibleName> names_;
   std::map<HWND, TabPage> backgrounds_;
   const ChoiceList* told_by_closing_ = nullptr;  // whose choice was seen when it closed, before it was told
 };

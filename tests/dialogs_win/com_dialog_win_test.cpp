@@ -1,6 +1,5 @@
 // The RS-232 dialog's window: what it shows on each page, and how its controls act on one another.
 #include "dialog_stage.h"
-#include "dialogs/common_controls_win.h"
 
 namespace kesp {
 namespace {
@@ -76,15 +75,10 @@ TEST_F(ComDialogWinTest, Lists_HaveTheirEntriesAndShowWhatIsSet) {
   EXPECT_FALSE(Show([](DialogUser& user) {
     EXPECT_EQ(user.Entries(ID_ICBO_COM_PORT), (Texts{L"COM1", L"COM3", L"COM7"}));
     EXPECT_EQ(user.Selection(ID_ICBO_COM_PORT), 1);
-    EXPECT_EQ(user.Images(ID_ICBO_COM_PORT), (Numbers{0, 0, 0}));
-    // That of a COM port, and that of an infrared one.
-    const LRESULT images = Ask(user.Control(ID_ICBO_COM_PORT), CBEM_GETIMAGELIST);
-    EXPECT_EQ(ImageList_GetImageCount(reinterpret_cast<HIMAGELIST>(images)), 2);
     EXPECT_EQ(user.Entries(ID_CBO_BAUD_RATE), (Texts{L"300", L"600", L"1200", L"2400", L"4800", L"9600",
                                                      L"19200", L"38400", L"57600", L"115200"}));
     EXPECT_EQ(user.Selection(ID_CBO_BAUD_RATE), 8);
     EXPECT_EQ(user.Entries(ID_ICBO_SMART_SWITCH_STYLE), (Texts{L"6-port", L"8-port"}));
-    EXPECT_EQ(user.Images(ID_ICBO_SMART_SWITCH_STYLE), (Numbers{0, 1}));
     EXPECT_EQ(user.Entries(ID_CBO_PARITY), (Texts{L"None", L"Even", L"Odd", L"Mark", L"Space"}));
     EXPECT_EQ(user.Selection(ID_CBO_PARITY), 3);
     EXPECT_EQ(user.Entries(ID_CBO_DATA_BITS), (Texts{L"4 bits", L"5 bits", L"6 bits", L"7 bits", L"8 bits"}));
@@ -100,6 +94,25 @@ TEST_F(ComDialogWinTest, Lists_HaveTheirEntriesAndShowWhatIsSet) {
     EXPECT_EQ(user.Entries(ID_CBO_MAX_BAUD_RATE), rates);
     EXPECT_EQ(rates[static_cast<std::size_t>(user.Selection(ID_CBO_MIN_BAUD_RATE))], L"300");
     EXPECT_EQ(rates[static_cast<std::size_t>(user.Selection(ID_CBO_MAX_BAUD_RATE))], L"115200");
+    user.Press(VK_ESCAPE);
+  }));
+}
+
+TEST_F(ComDialogWinTest, ListsWithImages_HoldTheirTextsForOtherPrograms) {
+  EXPECT_FALSE(Show([](DialogUser& user) {
+    for (const int id : {ID_ICBO_COM_PORT, ID_ICBO_SMART_SWITCH_STYLE}) {
+      HWND combo = user.Control(id);
+      COMBOBOXINFO parts{};
+      parts.cbSize = sizeof(parts);
+      EXPECT_NE(GetComboBoxInfo(combo, &parts), FALSE) << "it is no combo box of the system's";
+      // By this the system knows that there are texts, when another program asks.
+      EXPECT_NE(GetWindowLongPtrW(combo, GWL_STYLE) & CBS_HASSTRINGS, 0);
+      std::array<wchar_t, 64> text{};
+      EXPECT_EQ(Ask(parts.hwndList, LB_GETTEXT, 1, reinterpret_cast<LPARAM>(text.data())),
+                id == ID_ICBO_COM_PORT ? 4 : 6);
+      EXPECT_EQ(std::wstring(text.data()), id == ID_ICBO_COM_PORT ? L"COM3" : L"8-port");
+    }
+    EXPECT_EQ(user.Text(ID_ICBO_COM_PORT), L"COM3");
     user.Press(VK_ESCAPE);
   }));
 }

@@ -144,16 +144,14 @@ class DialogHand {
   }
 
   void Choose(const std::wstring& entry) const {
-    HWND keys = Focus();
-    // The entries of a list with images are known to the window around it.
-    HWND list = HasClass(GetParent(keys), L"ComboBoxEx32") ? GetParent(keys) : keys;
+    HWND list = Focus();
     const LRESULT count = Ask(list, CB_GETCOUNT);
-    Ask(keys, WM_KEYDOWN, VK_HOME, 1);
+    Ask(list, WM_KEYDOWN, VK_HOME, 1);
     for (LRESULT index = 0; index < count; ++index) {
       std::array<wchar_t, 256> text{};
       Ask(list, CB_GETLBTEXT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(text.data()));
       if (text.data() == entry && Ask(list, CB_GETCURSEL) == index) return;
-      Ask(keys, WM_KEYDOWN, VK_DOWN, 1);
+      Ask(list, WM_KEYDOWN, VK_DOWN, 1);
     }
     throw Stuck("the list has no entry " + Quoted(entry));
   }

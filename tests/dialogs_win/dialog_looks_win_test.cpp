@@ -95,7 +95,7 @@ TEST_F(DialogLooksWinTest, EveryControl_HasTheSystemsMessageFont) {
       EXPECT_EQ(font.lfWeight, message.lfWeight);
       ++seen;
     }
-    EXPECT_GT(seen, 35);
+    EXPECT_GT(seen, 33);
     user.Press(VK_ESCAPE);
   }));
 }
@@ -169,6 +169,85 @@ TEST_F(DialogLooksWinTest, DisabledBox_HasAnotherGroundThanAnEnabledOne) {
     const COLORREF off = ground();
     user.Click(ID_CHK_USE_RF_MODEM);
     EXPECT_NE(off, ground());
+    user.Press(VK_ESCAPE);
+  }));
+}
+
+// A strip of the window's color, drawn on in memory: a small icon's height, with room for a text behind it.
+class Strip {
+ public:
+  Strip() {
+    SelectObject(device_, bitmap_);
+    FillRect(device_, &area, GetSysColorBrush(COLOR_WINDOW));
+  }
+  ~Strip() {
+    DeleteDC(device_);
+    DeleteObject(bitmap_);
+    ReleaseDC(nullptr, screen_);
+  }
+  Strip(const Strip&) = delete;
+  Strip& operator=(const Strip&) = delete;
+
+  HDC device() const { return device_; }
+
+  // How much the two differ between those columns.
+  int DifferenceTo(const Strip& other, LONG from, LONG to) const {
+    int difference = 0;
+    for (int y = 0; y < area.bottom; ++y) {
+      for (int x = from; x < to; ++x) {
+        const COLORREF mine = GetPixel(device_, x, y);
+        const COLORREF its = GetPixel(other.device_, x, y);
+        difference += std::abs(GetRValue(mine) - GetRValue(its)) +
+                      std::abs(GetGValue(mine) - GetGValue(its)) + std::abs(GetBValue(mine) - GetBValue(its));
+      }
+    }
+    return difference;
+  }
+
+  const RECT area{0, 0, 120, GetSystemMetrics(SM_CYSMICON)};
+
+ private:
+  HDC screen_ = GetDC(nullptr);
+  HDC device_ = CreateCompatibleDC(screen_);
+  HBITMAP bitmap_ = CreateCompatibleBitmap(screen_, area.right, area.bottom);
+};
+
+// Which icon stands at the strip's beginning; 0 for none.
+int IconOn(const Strip& drawn) {
+  const int size = GetSystemMetrics(SM_CXSMICON);
+  std::map<int, int> icons;  // by how much they differ from what is drawn
+  for (const int number : {0, ICON_COM_PORT, ICON_IR_PORT, ICON_6_PORT, ICON_8_PORT}) {
+    const Strip expected;
+    const auto icon = static_cast<HICON>(
+        LoadImageW(ThisModule(), MAKEINTRESOURCEW(number), IMAGE_ICON, size, size, LR_DEFAULTCOLOR));
+    if (icon != nullptr) DrawIconEx(expected.device(), size / 8, 0, icon, size, size, 0, nullptr, DI_NORMAL);
+    DestroyIcon(icon);
+    icons[drawn.DifferenceTo(expected, 0, size + size / 8)] = number;
+  }
+  return icons.begin()->second;
+}
+
+TEST_F(DialogLooksWinTest, ListsWithImages_DrawEachEntryWithItsOwn) {
+  const std::tuple<int, UINT, int> entries[] = {{ID_ICBO_COM_PORT, 0, ICON_COM_PORT},
+                                                {ID_ICBO_COM_PORT, 2, ICON_COM_PORT},
+                                                {ID_ICBO_COM_PORT, UINT(-1), 0},
+                                                {ID_ICBO_SMART_SWITCH_STYLE, 0, ICON_6_PORT},
+                                                {ID_ICBO_SMART_SWITCH_STYLE, 1, ICON_8_PORT}};
+  EXPECT_FALSE(Show([&entries](DialogUser& user) {
+    for (const auto& [id, index, icon] : entries) {
+      const Strip drawn;
+      DRAWITEMSTRUCT item{};
+      item.CtlType = ODT_COMBOBOX;
+      item.itemID = index;
+      item.hwndItem = user.Control(id);
+      item.hDC = drawn.device();
+      item.rcItem = drawn.area;
+      Ask(GetParent(item.hwndItem), WM_DRAWITEM, 0, reinterpret_cast<LPARAM>(&item));
+      EXPECT_EQ(IconOn(drawn), icon) << index;
+      const Strip empty;
+      const LONG text = GetSystemMetrics(SM_CXSMICON) * 3 / 2;
+      EXPECT_EQ(drawn.DifferenceTo(empty, text, empty.area.right) > 0, icon != 0) << index;
+    }
     user.Press(VK_ESCAPE);
   }));
 }

@@ -43,7 +43,7 @@ class DialogUser {
   // Whether the Tab key stops at it.
   bool IsTabStop(int id) const;
 
-  // The control that has the keyboard; of an image combo, the combo. 0 for none.
+  // The control that has the keyboard; 0 for none.
   int Focus() const;
   // The selected part of a text box: its first character, and the one after its last.
   std::pair<DWORD, DWORD> SelectedText(int id) const;
@@ -64,8 +64,6 @@ class DialogUser {
   std::wstring ToolTip(int id) const;
   // The lowest and the highest number that a pair of arrows steps to.
   std::pair<int, int> Range(int id) const;
-  // Which image each entry of an image combo has; -1 for none.
-  std::vector<int> Images(int id) const;
 
   // A click with the left mouse button in the middle of a control, or on a tab.
   void Click(int id);

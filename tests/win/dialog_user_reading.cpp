@@ -74,7 +74,6 @@ int DialogUser::Focus() const {
   thread.cbSize = sizeof(thread);
   GetGUIThreadInfo(watched_thread_, &thread);
   for (HWND window = thread.hwndFocus; window != nullptr && window != window_; window = GetParent(window)) {
-    // The combo within an image combo has no number of its own.
     if (GetDlgCtrlID(window) > 0) return GetDlgCtrlID(window);
   }
   return 0;
@@ -150,22 +149,6 @@ std::pair<int, int> DialogUser::Range(int id) const {
   int maximum = 0;
   Ask(Control(id), UDM_GETRANGE32, reinterpret_cast<WPARAM>(&minimum), reinterpret_cast<LPARAM>(&maximum));
   return {minimum, maximum};
-}
-
-std::vector<int> DialogUser::Images(int id) const {
-  std::vector<int> images;
-  HWND list = Control(id);
-  EXPECT_NE(Ask(list, CBEM_GETIMAGELIST), 0) << "there are no images at all";
-  const LRESULT count = Ask(list, CB_GETCOUNT);
-  for (LRESULT index = 0; index < count; ++index) {
-    COMBOBOXEXITEMW item{};
-    item.mask = CBEIF_IMAGE;
-    item.iItem = index;
-    item.iImage = -1;
-    Ask(list, CBEM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item));
-    images.push_back(item.iImage);
-  }
-  return images;
 }
 
 }  // namespace kesp
