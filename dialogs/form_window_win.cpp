@@ -6,6 +6,7 @@
 
 #include "dialogs/activation_context_win.h"
 #include "dialogs/dialog_template_win.h"
+#include "dialogs/page_gap_win.h"
 #include "dialogs/window_place_win.h"
 #include "support/thread_modal_win.h"
 
@@ -54,6 +55,7 @@ void FormWindow::Make() {
   MakePages();
   BindControls();
   BindTextBoxes();
+  CloseGaps();
   AddToolTips();
   form_.SetView(this);
 }
@@ -106,6 +108,13 @@ void FormWindow::BindTextBoxes() {
     auto* box = dynamic_cast<TextBox*>(control);
     HWND window = painter_.WindowOf(*control);
     if (box != nullptr && window != nullptr) edits_.emplace_back(form_, *box, window, dialog_);
+  }
+}
+
+void FormWindow::CloseGaps() const {
+  for (const Control* control : form_.controls()) {
+    HWND window = painter_.WindowOf(*control);
+    if (window != nullptr && !control->visible() && control->page() != kEveryPage) CloseGapOf(window);
   }
 }
 

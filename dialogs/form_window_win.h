@@ -52,6 +52,7 @@ class FormWindow final : private FormView {
   void MakePages();
   void BindControls();
   void BindTextBoxes();
+  void CloseGaps() const;
   void AddToolTips();
   HWND VisiblePage() const;
   void GiveFocus(HWND window) const;

@@ -117,6 +117,30 @@ TEST_F(ComDialogWinTest, ListsWithImages_HoldTheirTextsForOtherPrograms) {
   }));
 }
 
+TEST_F(ComDialogWinTest, WithoutTheDongle_TheRowBelowTakesItsPlace) {
+  const auto top_of = [](const DialogUser& user, int id) {
+    RECT area{};
+    GetWindowRect(user.Control(id), &area);
+    RECT page{};
+    GetWindowRect(GetParent(user.Control(id)), &page);
+    return area.top - page.top;
+  };
+  LONG dongle = 0;
+  EXPECT_FALSE(Show([&](DialogUser& user) {
+    dongle = top_of(user, ID_CHK_USE_IR_DONGLE);
+    EXPECT_GT(top_of(user, ID_CMD_RF_PROPERTIES), dongle);
+    user.Press(VK_ESCAPE);
+  }));
+  EXPECT_FALSE(Show(
+      [&](DialogUser& user) {
+        EXPECT_EQ(top_of(user, ID_CMD_RF_PROPERTIES), dongle);
+        EXPECT_GT(top_of(user, ID_CHK_USE_REDIRECTOR), top_of(user, ID_TXT_INSTR_ADDRESS));
+        EXPECT_LT(top_of(user, ID_CBO_BAUD_RATE), dongle);
+        user.Press(VK_ESCAPE);
+      },
+      {}));
+}
+
 TEST_F(ComDialogWinTest, ToolTips_StandOnThreeCheckBoxes) {
   EXPECT_FALSE(Show([](DialogUser& user) {
     EXPECT_EQ(user.ToolTip(ID_CHK_USE_IR_DONGLE), L"Using IR dongle");
