@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "dialogs/form_window_win.h"
+#include "support/user_surface_win.h"
 #include "support/window_list_win.h"
 
 namespace kesp {
@@ -58,6 +59,12 @@ INT_PTR FormWindow::Handle(HWND window, UINT message, WPARAM first, LPARAM secon
       return TRUE;
     case WM_CLOSE:
       form_.Close();
+      return TRUE;
+    case WM_SETCURSOR:
+      // Asked by the controls, too, before they set their own.
+      if (PointerOfThread() == MousePointer::kDefault) return FALSE;
+      ShowPointer(PointerOfThread());
+      SetWindowLongPtrW(window, DWLP_MSGRESULT, TRUE);
       return TRUE;
     case WM_DRAWITEM:
       painter_.DrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(second));

@@ -14,6 +14,8 @@ namespace {
 class TcpDialogWin final : public TcpDialog {
  public:
   bool Show(CKespTCP& tcp, const TcpDialogOptions& options) override {
+    // The test of a port switch that failed leaves it busy.
+    SystemEnvironment().user.SetPointer(MousePointer::kDefault);
     frmTCPSettings form(SystemEnvironment().user, tcp, options);
     FormWindow(form, {DIALOG_TCP_SETTINGS, {DIALOG_TCP_GENERAL_PAGE, DIALOG_TCP_EXTENDED_PAGE}, {}},
                OwnerWindow())

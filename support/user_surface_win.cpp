@@ -21,6 +21,8 @@ struct HelpBinding {
 };
 thread_local const HelpBinding* current_help = nullptr;
 
+thread_local MousePointer pointer_of_thread = MousePointer::kDefault;
+
 class HelpScope {
  public:
   explicit HelpScope(const HelpBinding& binding) : outer_(current_help) { current_help = &binding; }
@@ -45,6 +47,15 @@ void CALLBACK OpenHelp(HELPINFO* /*info*/) {
 
 }  // namespace
 
+MousePointer PointerOfThread() noexcept {
+  return pointer_of_thread;
+}
+
+void ShowPointer(MousePointer pointer) noexcept {
+  const bool busy = pointer == MousePointer::kBusy;
+  SetCursor(LoadCursorW(nullptr, busy ? IDC_WAIT : IDC_ARROW));
+}
+
 int UserSurfaceWin::ShowMessageBox(const MessageBoxRequest& request) {
   HWND owner = OwnerWindow();
   const HelpBinding binding{owner, request, call_help_};
@@ -64,8 +75,8 @@ int UserSurfaceWin::ShowMessageBox(const MessageBoxRequest& request) {
 }
 
 void UserSurfaceWin::SetPointer(MousePointer pointer) noexcept {
-  const bool busy = pointer == MousePointer::kBusy;
-  SetCursor(LoadCursorW(nullptr, busy ? IDC_WAIT : IDC_ARROW));
+  pointer_of_thread = pointer;
+  ShowPointer(pointer);
 }
 
 void UserSurfaceWin::SetHelpFile(const std::wstring& path) {

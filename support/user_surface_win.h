@@ -13,6 +13,13 @@ namespace kesp {
 using HelpCaller = bool (*)(void* owner, const std::wstring& help_file, std::uint32_t command,
                             std::uint32_t data);
 
+// The pointer that was last set on the calling thread: windows of this library show it where the mouse is
+// over them, because the system asks each window anew when the mouse moves.
+MousePointer PointerOfThread() noexcept;
+
+// Has the mouse show it at once.
+void ShowPointer(MousePointer pointer) noexcept;
+
 class UserSurfaceWin final : public UserSurface {
  public:
   explicit UserSurfaceWin(HelpCaller call_help = CallHelpViewer) : call_help_(call_help) {}

@@ -1,6 +1,7 @@
 // How a dialog behaves towards the client's windows, its messages and its end.
 #include "client_window.h"
 #include "dialog_stage.h"
+#include "support/environment_win.h"
 
 namespace kesp {
 namespace {
@@ -133,6 +134,42 @@ TEST_F(DialogMannersWinTest, Open_LetsTheClientsTimersTickAndItsWindowsPaint) {
     EXPECT_TRUE(WaitFor([&] { return client.paints > paints; }));
     user.Press(VK_ESCAPE);
   }));
+}
+
+TEST_F(DialogMannersWinTest, TestOfTheSwitch_ThePointerIsBusyOverTheDialogUntilItEnds) {
+  UserSurface& user_surface = SystemEnvironment().user;
+  Environment environment{fakes_.clock,    fakes_.pump,  fakes_.files,
+                          fakes_.settings, fakes_.guids, user_surface};
+  CKespCOMPort3 port(environment, ports_);
+  port.SetMaxBaudRate(EKespBaudRate3::br9600);
+  port.SetBaudRate(EKespBaudRate3::br9600);
+  port.SetUseSmartSwitch(true);
+  std::vector<HWND> controls;
+  // What the mouse shows when it moves over each of them.
+  const auto pointers = [&controls] {
+    std::vector<HCURSOR> shown;
+    for (HWND control : controls) {
+      Ask(control, WM_SETCURSOR, reinterpret_cast<WPARAM>(control), MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
+      shown.push_back(GetCursor());
+    }
+    return shown;
+  };
+  std::vector<HCURSOR> during;
+  fakes_.pump.OnPump([&] { during = pointers(); });
+  std::vector<HCURSOR> after;
+  ClientWindow client;
+  client.on_act = [&] { after = pointers(); };
+  const DialogUser user(kComCaption, [&](DialogUser& it) {
+    it.ClickTab(1);
+    controls = {it.Control(ID_CHK_USE_SMART_SWITCH), it.Control(ID_TAB_SETTINGS)};
+    it.Click(ID_CMD_TEST_SMART_SWITCH);
+    Ask(client.handle(), ClientWindow::kAct);
+    it.Press(VK_ESCAPE);
+  });
+  EXPECT_FALSE(SystemComPortDialog().Show(port, kEverything));
+  const auto all = [](const wchar_t* name) { return std::vector<HCURSOR>(2, LoadCursorW(nullptr, name)); };
+  EXPECT_EQ(during, all(reinterpret_cast<const wchar_t*>(IDC_WAIT)));
+  EXPECT_EQ(after, all(reinterpret_cast<const wchar_t*>(IDC_ARROW)));
 }
 
 TEST_F(DialogMannersWinTest, ProgramToldToEnd_CancelsAndTellsTheClientsLoop) {
