@@ -79,6 +79,11 @@ TEST_F(ComDialogModemWinTest, Opened_ShowsWhatTheModemHas) {
                      L"OK", L"&Cancel", L"&Help"}));
     EXPECT_NE(modem.Text(ID_LBL_SERIAL), L"");
     EXPECT_EQ(Ask(modem.Control(ID_PB_POWER_LEVEL), PBM_GETPOS), 3);
+    RECT bar{};
+    GetWindowRect(modem.Control(ID_PB_POWER_LEVEL), &bar);
+    RECT box{};
+    GetWindowRect(modem.Control(ID_TXT_RF_TIMEOUT), &box);
+    EXPECT_EQ(bar.right, box.right);
     EXPECT_EQ(modem.Text(ID_TXT_PAN_ID), L"13106");
     EXPECT_EQ(modem.Text(ID_TXT_CHANNEL), L"12");
     EXPECT_EQ(modem.Text(ID_TXT_RF_MODEM_ADDRESS), L"26");

@@ -252,6 +252,29 @@ TEST_F(DialogLooksWinTest, ListsWithImages_DrawEachEntryWithItsOwn) {
   }));
 }
 
+RECT PlaceOf(const DialogUser& user, int id) {
+  RECT area{};
+  GetWindowRect(user.Control(id), &area);
+  return area;
+}
+
+TEST_F(DialogLooksWinTest, Columns_HaveOneEdgeEach) {
+  EXPECT_FALSE(Show([](DialogUser& user) {
+    for (const int id : {ID_CBO_BAUD_RATE, ID_CMD_RF_PROPERTIES, ID_TXT_INSTR_ADDRESS}) {
+      // Places and sizes are rounded to pixels apart.
+      EXPECT_NEAR(PlaceOf(user, id).right, PlaceOf(user, ID_ICBO_COM_PORT).right, 1) << id;
+    }
+    for (const int id : {ID_CBO_DATA_BITS, ID_CBO_STOP_BITS, ID_CBO_CONTROLLER_STYLE}) {
+      EXPECT_EQ(PlaceOf(user, id).left, PlaceOf(user, ID_CBO_PARITY).left) << id;
+    }
+    EXPECT_NEAR(PlaceOf(user, ID_CBO_CONTROLLER_STYLE).right, PlaceOf(user, ID_CBO_MAX_BAUD_RATE).right, 1);
+    RECT label{};
+    GetWindowRect(GetWindow(user.Control(ID_TXT_TIMEOUT), GW_HWNDPREV), &label);
+    EXPECT_EQ(PlaceOf(user, ID_CHK_CREATE_LOG_FILE).left, label.left);
+    user.Press(VK_ESCAPE);
+  }));
+}
+
 TEST_F(DialogLooksWinTest, LabelsInOtherColours_AskForTheSystemsText) {
   EXPECT_FALSE(Show([](DialogUser& user) {
     HWND label = user.Control(ID_LBL_BAUD_RATE);

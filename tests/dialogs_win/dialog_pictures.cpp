@@ -28,7 +28,9 @@ void BecomeDpiAware() {
   SetProcessDPIAware();
 }
 
-void Picture(const DialogUser& user, const wchar_t* name) {
+void Picture(DialogUser& user, const wchar_t* name) {
+  // So that nothing on the page is marked.
+  user.MoveTo(ID_OK);
   // What the mouse and the focus last changed is painted first.
   user.Settle();
   RedrawWindow(user.window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
@@ -68,6 +70,8 @@ void AnswerAsModem(SerialLineFake& line) {
 
 void PictureModem(DialogUser& user) {
   user.Click(ID_CHK_USE_RF_MODEM);
+  user.MoveTo(ID_TXT_INSTR_ADDRESS);
+  user.Type(L"17");
   Picture(user, L"rs232-radio-modem");
   user.Click(ID_CMD_RF_PROPERTIES);
   user.In(L"Connect RF Modem", [](DialogUser& box) {
