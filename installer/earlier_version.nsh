@@ -5,9 +5,26 @@ Function RemoveEarlierVersion
   ${OrIfNot} ${FileExists} "$0\uninstall.exe"
     Return
   ${EndIf}
+  ${If} $Scope == machine
+    Push $0
+    Call IsInProgramFiles
+    Pop $1
+    ${If} $1 = 0
+      ; Its uninstaller may be anybody's.
+      ${Log} "Not removed: the earlier installation in $0, a folder that every user may write to"
+      MessageBox MB_OK|MB_ICONEXCLAMATION \
+        "The earlier installation in $0 is replaced, but its files stay, as every user may write to that folder. Delete it." \
+        /SD IDOK
+      Return
+    ${EndIf}
+  ${EndIf}
   Call RequireNotInUse
   ${Log} "Removing the earlier installation in $0"
   ; With _?= the uninstaller works where it lies, so that its end can be awaited; it cannot delete itself then.
+  ; One for this user is not to ask for an administrator's rights, as those of earlier versions did.
+  ${If} $Scope == user
+    System::Call 'kernel32::SetEnvironmentVariableW(w "__COMPAT_LAYER", w "RunAsInvoker")'
+  ${EndIf}
   ClearErrors
   ExecWait '"$0\uninstall.exe" /S _?=$0' $1
   ${If} ${Errors}

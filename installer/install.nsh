@@ -4,6 +4,7 @@ Var IsChanging ; 1 from the first change on, so that a failure before it takes n
 Section "-Earlier version"
   Call OpenLog
   ${Log} "Installing into $INSTDIR, scope: $Scope"
+  Call RequirePlace
   Call RemoveEarlierVersion
   StrCpy $IsChanging 1
 SectionEnd
@@ -45,7 +46,7 @@ Section "-Entry in Programs and Features"
   WriteRegDWORD SHCTX "${UNINSTALL_KEY}" "NoModify" 1
   WriteRegDWORD SHCTX "${UNINSTALL_KEY}" "NoRepair" 1
   ${Log} "Done"
-  Call KeepLog
+  !insertmacro CLOSE_LOG "${INSTALLED_LOG}"
 SectionEnd
 
 Function .onInit
@@ -79,5 +80,5 @@ Function .onInstFailed
     Call RemoveInstallation
     ${Log} "Taken back"
   ${EndIf}
-  FileClose $LogFile
+  !insertmacro CLOSE_LOG "${FAILED_LOG}"
 FunctionEnd

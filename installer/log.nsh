@@ -1,10 +1,13 @@
 ; What is done is shown line by line; the setup program also writes it to a file.
 ;
-; While it works, and after a failure, the file is KespCommObj-setup.log in the folder for temporary files; of an
-; installation that succeeded it is setup.log among what was installed, and leaves with it.
-!define TEMPORARY_LOG "$TEMP\KespCommObj-setup.log"
+; It is written in the setup program's own folder, which nobody else can reach, and copied at the end: of an installation
+; that succeeded it is setup.log among what was installed, and leaves with it. After a failure for all users it goes to a
+; folder of Windows: in a folder for temporary files another program might put a link to some other file in its place.
+!define OPEN_LOG "$PLUGINSDIR\setup.log"
 !define INSTALLED_LOG "$INSTDIR\setup.log"
+!define FAILED_LOG "$FailedLogFolder\KespCommObj-setup.log"
 Var LogFile
+Var FailedLogFolder
 
 ; ${Log} text: a line of the log.
 !define Log "!insertmacro LogLine"
@@ -20,19 +23,24 @@ Var LogFile
 !define Fail "!insertmacro FailWith"
 !macro FailWith text
   ${Log} `${text}`
-  MessageBox MB_OK|MB_ICONSTOP `${text}$\r$\n$\r$\nThe log is ${TEMPORARY_LOG}` /SD IDOK
+  MessageBox MB_OK|MB_ICONSTOP `${text}$\r$\n$\r$\nThe log is ${FAILED_LOG}` /SD IDOK
   SetErrorLevel ${EXIT_FAILED}
   Abort
 !macroend
 
 Function OpenLog
-  FileOpen $LogFile "${TEMPORARY_LOG}" w
+  StrCpy $FailedLogFolder $TEMP
+  ${If} $Scope == machine
+    StrCpy $FailedLogFolder "$WINDIR\Logs"
+    CreateDirectory $FailedLogFolder
+  ${EndIf}
+  InitPluginsDir
+  FileOpen $LogFile "${OPEN_LOG}" w
   FileWriteUTF16LE /BOM $LogFile "${PRODUCT} ${VERSION}$\r$\n"
 FunctionEnd
 
-; The log joins what was installed.
-Function KeepLog
+; Closes the log and leaves it in that place.
+!macro CLOSE_LOG place
   FileClose $LogFile
-  Delete "${INSTALLED_LOG}"
-  Rename "${TEMPORARY_LOG}" "${INSTALLED_LOG}"
-FunctionEnd
+  System::Call 'kernel32::CopyFileW(w "${OPEN_LOG}", w "${place}", i 0)'
+!macroend

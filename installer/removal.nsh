@@ -1,24 +1,32 @@
 ; Deleting what was installed, by the uninstaller and when an installation is taken back.
+Var FilesRemain ; 1 when a file could not be deleted and will not be
+
 !macro REMOVAL_FUNCTIONS un
 ; Deletes the file named on the stack. One that is in use is renamed, so that it is out of the way of a later
-; installation, and deleted when Windows starts the next time.
+; installation, and deleted when Windows starts the next time; only an administrator can have that done, so for one user
+; it stays.
 Function ${un}DeleteFile
   Exch $0
   Push $1
   ClearErrors
   Delete $0
   ${If} ${Errors}
-    ; In the same folder, as a file in use cannot move to another disk.
-    ${GetParent} $0 $1
-    GetTempFileName $1 $1
-    Delete $1
-    ClearErrors
-    Rename $0 $1
-    ${If} ${Errors}
-      StrCpy $1 $0
+    ${If} $Scope == user
+      StrCpy $FilesRemain 1
+      ${Log} "In use, not deleted: $0"
+    ${Else}
+      ; In the same folder, as a file in use cannot move to another disk.
+      ${GetParent} $0 $1
+      GetTempFileName $1 $1
+      Delete $1
+      ClearErrors
+      Rename $0 $1
+      ${If} ${Errors}
+        StrCpy $1 $0
+      ${EndIf}
+      Delete /REBOOTOK $1
+      ${Log} "In use: $0"
     ${EndIf}
-    Delete /REBOOTOK $1
-    ${Log} "In use: $0"
   ${EndIf}
   Pop $1
   Pop $0

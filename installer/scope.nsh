@@ -3,7 +3,6 @@
 
 Var Scope          ; machine or user
 Var ScopeSwitches  ; what regsvr32 is told for it
-Var MayChangeMachine ; 1 with an administrator's rights, else 0
 Var WishedFolder   ; what /D= named; empty without it
 
 !macro SCOPE_FUNCTIONS un
@@ -20,21 +19,18 @@ Function ${un}ChooseUser
   SetShellVarContext current
 FunctionEnd
 
-Function ${un}LookAtRights
-  StrCpy $MayChangeMachine 0
-  UserInfo::GetAccountType
-  Pop $0
-  ${If} $0 == Admin
-    StrCpy $MayChangeMachine 1
-  ${EndIf}
-FunctionEnd
-
-; Ends the program when the scope is beyond the user's rights.
+; Ends the program when the scope is not one for its rights.
 Function ${un}RequireRights
   ${If} $Scope == machine
   ${AndIf} $MayChangeMachine = 0
     MessageBox MB_OK|MB_ICONSTOP "For all users of this computer, start this program as administrator." /SD IDOK
     SetErrorLevel ${EXIT_NEEDS_ADMINISTRATOR}
+    Quit
+  ${ElseIf} $Scope == user
+  ${AndIf} $MayServeUser = 0
+    MessageBox MB_OK|MB_ICONSTOP "What is only for you is installed and removed without an administrator's rights, as any \
+of your programs may write to its files. Start this program without them, or choose all users." /SD IDOK
+    SetErrorLevel ${EXIT_FAILED}
     Quit
   ${EndIf}
 FunctionEnd
@@ -75,13 +71,20 @@ Function ChooseScopeFromCommandLine
   Call ChooseFolder
 FunctionEnd
 
-; The scope that this very folder was installed for.
+; The scope that this very folder was installed for. Windows starts the uninstaller without an administrator's rights.
 Function un.ChooseScopeFromRegistry
   Call un.LookAtRights
   Call un.ChooseMachine
   ReadRegStr $0 HKCU "${UNINSTALL_KEY}" "InstallLocation"
   ${If} $0 == $INSTDIR
     Call un.ChooseUser
+  ${ElseIf} $MayChangeMachine = 0
+  ${AndIfNot} ${Silent}
+    ${StartAsAdministrator} "$INSTDIR\uninstall.exe" ""
+    ${If} ${Errors}
+      SetErrorLevel ${EXIT_NEEDS_ADMINISTRATOR}
+    ${EndIf}
+    Quit
   ${EndIf}
   Call un.RequireRights
 FunctionEnd

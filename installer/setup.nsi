@@ -18,6 +18,7 @@ SetCompressor /SOLID lzma
 
 ; Exit codes besides the stub's own (0 done, 1 cancelled by the user): Windows' numbers where it has one.
 !define EXIT_FAILED 2
+!define EXIT_FILES_REMAIN 32
 !define EXIT_NEEDS_ADMINISTRATOR 740
 !define EXIT_OLD_WINDOWS 1150
 !define EXIT_NEEDS_RESTART 3010
@@ -25,7 +26,8 @@ SetCompressor /SOLID lzma
 Name "${PRODUCT}"
 OutFile "${OUTPUT}"
 BrandingText "${PUBLISHER} ${VERSION}"
-RequestExecutionLevel highest
+; An administrator's rights are asked for where they are needed: not for an installation for one user.
+RequestExecutionLevel user
 ; A file that cannot be written ends the installation: nobody is asked to ignore it.
 AllowSkipFiles off
 ShowInstDetails show
@@ -35,9 +37,11 @@ ManifestDPIAware true
 
 !include "${PAYLOAD}"
 !include version.nsh
-!include log.nsh
 !include windows.nsh
+!include rights.nsh
 !include scope.nsh
+!include log.nsh
+!include place.nsh
 !include in_use.nsh
 !include registration.nsh
 !include removal.nsh

@@ -20,11 +20,15 @@ Section "Uninstall"
   ${If} ${RebootFlag}
     ${Log} "What is in use is deleted when Windows starts the next time"
     SetErrorLevel ${EXIT_NEEDS_RESTART}
+  ${ElseIf} $FilesRemain = 1
+    SetErrorLevel ${EXIT_FILES_REMAIN}
+    MessageBox MB_OK|MB_ICONEXCLAMATION \
+      "The library is removed, but files in use remain in $INSTDIR. Delete them when the programs that use them have ended." \
+      /SD IDOK
   ${EndIf}
 SectionEnd
 
-; Lets the user close the programs that have the library loaded. A silent run goes on: what cannot be deleted now is
-; deleted when Windows starts the next time.
+; Lets the user close the programs that have the library loaded. A silent run goes on.
 Function un.OfferToWait
 try:
   Push $INSTDIR
@@ -32,9 +36,13 @@ try:
   Pop $0
   ${If} $0 = 1
     ${Log} "A program is using KespCommObj.dll"
+    StrCpy $0 "deletes its file when Windows starts the next time"
+    ${If} $Scope == user
+      StrCpy $0 "leaves its file in the folder"
+    ${EndIf}
     MessageBox MB_ABORTRETRYIGNORE|MB_ICONEXCLAMATION \
       "A program is using KespCommObj.dll. Close the programs that talk to instruments, then try again. \
-Ignore removes the library now and deletes its file when Windows starts the next time." \
+Ignore removes the library now and $0." \
       /SD IDIGNORE IDRETRY try IDIGNORE go_on
     SetErrorLevel ${EXIT_FAILED}
     Abort

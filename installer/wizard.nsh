@@ -7,6 +7,7 @@ Var UserButton
 !define MUI_ABORTWARNING
 !insertmacro MUI_PAGE_WELCOME
 Page custom ShowScopePage LeaveScopePage
+!define MUI_PAGE_CUSTOMFUNCTION_LEAVE LeaveDirectoryPage
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
 !insertmacro MUI_PAGE_FINISH
@@ -24,9 +25,9 @@ Function ShowScopePage
   ${NSD_CreateRadioButton} 0 30u 100% 12u "Only for me"
   Pop $UserButton
   ${NSD_CreateLabel} 0 55u 100% 30u "Programs that run as administrator find the library only when it is installed \
-for all users."
+for all users. Only for you, it is installed without an administrator's rights."
   Pop $0
-  EnableWindow $MachineButton $MayChangeMachine
+  EnableWindow $UserButton $MayServeUser
   ${If} $Scope == machine
     ${NSD_Check} $MachineButton
   ${Else}
@@ -41,6 +42,31 @@ Function LeaveScopePage
     Call ChooseUser
   ${Else}
     Call ChooseMachine
+    ${If} $MayChangeMachine = 0
+      Call BeginAgainAsAdministrator
+    ${EndIf}
   ${EndIf}
   Call ChooseFolder
+FunctionEnd
+
+; Who does not allow it may choose again.
+Function BeginAgainAsAdministrator
+  StrCpy $0 ""
+  ${If} $WishedFolder != ""
+    StrCpy $0 "/D=$WishedFolder"
+  ${EndIf}
+  ${StartAsAdministrator} $EXEPATH $0
+  ${If} ${Errors}
+    Abort
+  ${EndIf}
+  Quit
+FunctionEnd
+
+Function LeaveDirectoryPage
+  Call IsPlaceAllowed
+  Pop $0
+  ${If} $0 = 0
+    MessageBox MB_OK|MB_ICONEXCLAMATION "${PLACE_REFUSED}"
+    Abort
+  ${EndIf}
 FunctionEnd

@@ -21,10 +21,13 @@ from sandbox import ROOT, SKIPPED, TOOLS, Sandbox, becomes_true, windows_path  #
 HERE = pathlib.Path(__file__).parent
 DIST = ROOT / "dist"
 FOLDER = "C:\\Program Files\\Kesp\\KespCommObj"
-ELSEWHERE = "C:\\Elsewhere"
+ELSEWHERE = "C:\\Program Files\\Elsewhere"
+UNPROTECTED = "C:\\Unprotected"
+FAILED_LOG = "C:\\windows\\Logs\\KespCommObj-setup.log"
 ENTRY = "[HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\KespCommObj] "
 SESSION_MANAGER = "HKLM\\System\\CurrentControlSet\\Control\\Session Manager"
-FAILED, NEEDS_RESTART = 2, 3010 & 0xFF  # exit codes; Linux keeps eight bits
+# Exit codes; Linux keeps eight bits.
+FAILED, FILES_REMAIN, NEEDS_ADMINISTRATOR, NEEDS_RESTART = 2, 32, 740 & 0xFF, 3010 & 0xFF
 sandbox = None
 setup = None
 version = None
@@ -43,8 +46,9 @@ def registry_without_library():
 
 @functools.cache
 def files_without_library():
-    # Where programs of one user lie. It is Windows' own folder and there on a Windows that has been used.
-    sandbox.path(user_folder()).parents[1].mkdir(parents=True, exist_ok=True)
+    # Where programs of one user lie, and logs. They are Windows' own folders and there on a Windows that has been used.
+    for folder in (sandbox.path(user_folder()).parents[1], sandbox.path(FAILED_LOG).parent):
+        folder.mkdir(parents=True, exist_ok=True)
     return sandbox.files()
 
 
@@ -60,15 +64,34 @@ def user_folder():
 
 
 def install(*switches, program=None):
-    return sandbox.run(program or setup, "/S", *switches).returncode
+    """For all users unless the switches say otherwise."""
+    return sandbox.run_line(f'"{windows_path(program or setup)}" /S {" ".join(switches)}').returncode
+
+
+def install_for_user():
+    return sandbox.run_limited(setup, "/S", "/USER").returncode
 
 
 def uninstall(folder):
     """As Windows does it: the uninstaller moves to the folder for temporary files and is not waited for."""
     program = sandbox.path(folder) / "uninstall.exe"
-    sandbox.run(program, "/S")
+    run = sandbox.run_limited if folder == user_folder() else sandbox.run
+    run(program, "/S")
     # Its entry is the last that it removes.
     return becomes_true(lambda: not program.exists() and not sandbox.is_listed())
+
+
+def uninstall_in_place(folder, run=None):
+    """Where it lies, so that its exit code is seen."""
+    return sandbox.run_line(f'"{folder}\\uninstall.exe" /S _?={folder}', run).returncode
+
+
+def failed_log():
+    """Of a failed installation for all users; it is the one thing that is left."""
+    path = sandbox.path(FAILED_LOG)
+    text = path.read_text("utf-16")
+    path.unlink()
+    return text
 
 
 def clean_up():
@@ -79,6 +102,7 @@ def clean_up():
     for folder in (FOLDER, user_folder()):
         if sandbox.path(folder).parent.exists():
             sandbox.path(folder).parent.rmdir()
+    sandbox.path(FAILED_LOG).unlink(missing_ok=True)
 
 
 class InstallerTest(unittest.TestCase):
@@ -110,6 +134,13 @@ class InstalledForAllUsersTest(InstallerTest):
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
+        cls.others_file = sandbox.drive / "others.txt"
+        cls.others_file.write_text("of another program\n")
+        link = sandbox.temporary() / "KespCommObj-setup.log"
+        link.unlink(missing_ok=True)
+        link.symlink_to(cls.others_file)
+        cls.addClassCleanup(link.unlink, missing_ok=True)
+        cls.addClassCleanup(cls.others_file.unlink)
         cls.exit_code = install()
         cls.folder = sandbox.path(FOLDER)
 
@@ -137,6 +168,9 @@ class InstalledForAllUsersTest(InstallerTest):
         skipped = f"Copied but not registered, as this Windows does not run programs of that width: {FOLDER}\\win32"
         self.assertEqual(skipped in log, sandbox.bits == 64)
 
+    def test_Log_IsNotWrittenThroughALinkInTheTemporaryFolder(self):
+        self.assertEqual(self.others_file.read_text(), "of another program\n")
+
     def test_ProgramsAndFeatures_ListIt(self):
         entry = {line.removeprefix(ENTRY) for line in sandbox.registry()["HKLM"] if line.startswith(ENTRY)}
         escaped = FOLDER.replace("\\", "\\\\")
@@ -161,7 +195,7 @@ class UninstallTest(InstallerTest):
         self.assert_nothing_left()
 
     def test_User_NothingIsLeftAndNothingWasChangedForOthers(self):
-        self.assertEqual(install("/USER"), 0)
+        self.assertEqual(install_for_user(), 0)
         self.assert_registry_unchanged("HKLM")
         self.assertFalse(sandbox.path(FOLDER).exists())
         # Wine makes objects from the machine's entries only, so the user's are looked at instead.
@@ -188,9 +222,39 @@ class RefusedInstallationTest(InstallerTest):
             (pathlib.Path(broken) / f"win{sandbox.bits}" / "KespCommObj.dll").write_text("not a DLL")
             program = make_setup(broken, "broken-setup.exe")
         self.assertEqual(install(program=program), FAILED)
+        self.assertRegex(failed_log(), r"could not be registered \(regsvr32 ended with \d\)")
         self.assert_nothing_left()
-        log = (sandbox.temporary() / "KespCommObj-setup.log").read_text("utf-16")
-        self.assertRegex(log, r"could not be registered \(regsvr32 ended with \d\)")
+
+    def test_AllUsers_OutsideProgramFiles_NothingChanges(self):
+        for folder in (UNPROTECTED, "C:\\Program Files\\..\\Unprotected", "C:\\Program Files", "C:\\Program Files2\\Kesp"):
+            with self.subTest(folder):
+                self.assertEqual(install("/D=" + folder), FAILED)
+                self.assertIn("within Program Files only", failed_log())
+                self.assert_nothing_left()
+
+    def test_AllUsers_WithoutAdministratorsRights_NothingChanges(self):
+        self.assertEqual(sandbox.run_limited(setup, "/S").returncode, NEEDS_ADMINISTRATOR)
+        self.assert_nothing_left()
+
+    def test_User_WithAdministratorsRights_NothingChanges(self):
+        self.assertEqual(install("/USER"), FAILED)
+        self.assert_nothing_left()
+
+
+class RefusedUninstallingTest(InstallerTest):
+    def tearDown(self):
+        clean_up()
+
+    def test_User_WithAdministratorsRights_NothingChanges(self):
+        self.assertEqual(install_for_user(), 0)
+        self.assertEqual(uninstall_in_place(user_folder()), FAILED)
+        self.assertTrue((sandbox.path(user_folder()) / "README.md").exists())
+        self.assertTrue(sandbox.is_listed())
+
+    def test_AllUsers_WithoutAdministratorsRights_NothingChanges(self):
+        self.assertEqual(install(), 0)
+        self.assertEqual(uninstall_in_place(FOLDER, sandbox.run_limited), NEEDS_ADMINISTRATOR)
+        self.assert_usable()
 
 
 class EarlierInstallationTest(InstallerTest):
@@ -200,6 +264,44 @@ class EarlierInstallationTest(InstallerTest):
         self.assertFalse(sandbox.path(ELSEWHERE).exists())
         self.assert_usable()
 
+    def test_InAFolderThatEveryUserMayWriteTo_NothingOfItIsRun(self):
+        folder = sandbox.path(UNPROTECTED)
+        folder.mkdir()
+        self.addCleanup(shutil.rmtree, folder)
+        # A program that fails.
+        shutil.copy(ROOT / "build" / f"win{sandbox.bits}" / "tests/installer/start_limited.exe", folder / "uninstall.exe")
+        key = ENTRY.strip(" []").replace("HKEY_LOCAL_MACHINE", "HKLM")
+        sandbox.run("reg", "add", key, "/v", "InstallLocation", "/d", UNPROTECTED, "/f").check_returncode()
+        self.assertEqual(install(), 0)
+        log = (sandbox.path(FOLDER) / "setup.log").read_text("utf-16")
+        self.assertIn(f"Not removed: the earlier installation in {UNPROTECTED}", log)
+        self.assertTrue((folder / "uninstall.exe").exists())
+
+
+class UsersFileInUseTest(InstallerTest):
+    def test_Uninstalling_SaysThatItRemains(self):
+        self.assertEqual(install_for_user(), 0)
+        document = sandbox.path(user_folder()) / "README.md"
+        held, release = sandbox.drive / "held", sandbox.drive / "release"
+        holder = sandbox.begin("cmd", "/c", "cscript", "//nologo", windows_path(HERE / "hold_file.vbs"),
+                               "C:\\held", "C:\\release", "<", user_folder() + "\\README.md")
+        try:
+            becomes_true(held.exists)
+            code = uninstall_in_place(user_folder(), sandbox.run_limited)
+            release.touch()
+            self.assertEqual(holder.communicate(timeout=60)[0].split(), ["PASS"])
+        finally:
+            release.touch()
+            holder.wait(timeout=60)
+            holder.stdout.close()
+            for place in (held, release):
+                place.unlink(missing_ok=True)
+        self.assertEqual(code, FILES_REMAIN)
+        self.assertTrue(document.exists(), "under its own name, where the user looks for it")
+        pending = sandbox.run("reg", "query", SESSION_MANAGER, "/v", "PendingFileRenameOperations").stdout
+        self.assertNotIn("README.md", pending)
+        self.assertFalse(sandbox.is_listed())
+
 
 class LibraryInUseTest(InstallerTest):
     """A program has the library loaded, and an installed document open."""
@@ -207,7 +309,7 @@ class LibraryInUseTest(InstallerTest):
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        install("/D=" + ELSEWHERE)  # a folder without a space: _?= below must not be put in quotation marks
+        install("/D=" + ELSEWHERE)
         cls.document = sandbox.path(ELSEWHERE) / "README.md"
         cls.held, cls.release = sandbox.drive / "held", sandbox.drive / "release"
         # The command processor lets nobody delete what it redirects.
@@ -228,9 +330,7 @@ class LibraryInUseTest(InstallerTest):
     def test_Installing_IsRefused_ThenUninstalling_IsFinishedAtTheNextStart(self):
         self.assertEqual(install(), FAILED)
         self.assert_usable()
-        # Where it lies, so that its exit code is seen.
-        code = sandbox.run(sandbox.path(ELSEWHERE) / "uninstall.exe", "/S", "_?=" + ELSEWHERE).returncode
-        self.assertEqual(code, NEEDS_RESTART)
+        self.assertEqual(uninstall_in_place(ELSEWHERE), NEEDS_RESTART)
         # Wine deletes a DLL that is loaded; an open document it cannot delete either.
         self.assertFalse((sandbox.path(ELSEWHERE) / f"win{sandbox.bits}" / "KespCommObj.dll").exists())
         self.assertTrue(self.document.exists())

@@ -39,6 +39,23 @@ class Sandbox:
     def run(self, program, *arguments):
         return self.tool("wine-run", "--bits", self.bits, program, *arguments)
 
+    def run_limited(self, program, *arguments):
+        """Without administrator's rights; otherwise a program has them in Wine."""
+        starter = ROOT / "build" / f"win{self.bits}" / "tests" / "installer" / "start_limited.exe"
+        # The uninstaller knows its folder by the name that it was installed under.
+        if program.is_relative_to(self.drive):
+            return self.run(starter, "C:\\" + str(program.relative_to(self.drive)).replace("/", "\\"), *arguments)
+        return self.run(starter, windows_path(program), *arguments)
+
+    def run_line(self, line, run=None):
+        """A line as the command processor reads it, for arguments that must not be put in quotation marks."""
+        batch = self.drive / "line.cmd"
+        batch.write_text(f"{line}\nexit /b %ERRORLEVEL%\n")
+        try:
+            return (run or self.run)(self.drive / "windows" / "system32" / "cmd.exe", "/c", "C:\\line.cmd")
+        finally:
+            batch.unlink()
+
     def begin(self, program, *arguments):
         command = [str(TOOLS / "wine-run"), "--bits", str(self.bits), str(program), *arguments]
         return subprocess.Popen(command, env=self.environment, text=True, stdin=subprocess.DEVNULL,
