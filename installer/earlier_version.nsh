@@ -13,7 +13,8 @@ Function RemoveEarlierVersion
       ; Its uninstaller may be anybody's.
       ${Log} "Not removed: the earlier installation in $0, a folder that every user may write to"
       MessageBox MB_OK|MB_ICONEXCLAMATION \
-        "The earlier installation in $0 is replaced, but its files stay, as every user may write to that folder. Delete it." \
+        "The earlier installation in $0 is replaced, but its files stay, as every user may write to that folder. \
+Delete it." \
         /SD IDOK
       Return
     ${EndIf}

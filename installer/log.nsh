@@ -1,8 +1,9 @@
 ; What is done is shown line by line; the setup program also writes it to a file.
 ;
-; It is written in the setup program's own folder, which nobody else can reach, and copied at the end: of an installation
-; that succeeded it is setup.log among what was installed, and leaves with it. After a failure for all users it goes to a
-; folder of Windows: in a folder for temporary files another program might put a link to some other file in its place.
+; It is written in the setup program's own folder, which nobody else can reach, and copied at the end: of an
+; installation that succeeded it is setup.log among what was installed, and leaves with it. After a failure for all users
+; it goes to a folder of Windows: in a folder for temporary files another program might put a link to some other file in
+; its place.
 !define OPEN_LOG "$PLUGINSDIR\setup.log"
 !define INSTALLED_LOG "$INSTDIR\setup.log"
 !define FAILED_LOG "$FailedLogFolder\KespCommObj-setup.log"

@@ -28,8 +28,8 @@ Function ${un}RequireRights
     Quit
   ${ElseIf} $Scope == user
   ${AndIf} $MayServeUser = 0
-    MessageBox MB_OK|MB_ICONSTOP "What is only for you is installed and removed without an administrator's rights, as any \
-of your programs may write to its files. Start this program without them, or choose all users." /SD IDOK
+    MessageBox MB_OK|MB_ICONSTOP "What is only for you is installed and removed without an administrator's rights, as \
+any of your programs may write to its files. Start this program without them, or choose all users." /SD IDOK
     SetErrorLevel ${EXIT_FAILED}
     Quit
   ${EndIf}

@@ -23,7 +23,8 @@ Section "Uninstall"
   ${ElseIf} $FilesRemain = 1
     SetErrorLevel ${EXIT_FILES_REMAIN}
     MessageBox MB_OK|MB_ICONEXCLAMATION \
-      "The library is removed, but files in use remain in $INSTDIR. Delete them when the programs that use them have ended." \
+      "The library is removed, but files in use remain in $INSTDIR. Delete them when the programs that use them have \
+ended." \
       /SD IDOK
   ${EndIf}
 SectionEnd

@@ -226,7 +226,8 @@ class RefusedInstallationTest(InstallerTest):
         self.assert_nothing_left()
 
     def test_AllUsers_OutsideProgramFiles_NothingChanges(self):
-        for folder in (UNPROTECTED, "C:\\Program Files\\..\\Unprotected", "C:\\Program Files", "C:\\Program Files2\\Kesp"):
+        for folder in (UNPROTECTED, "C:\\Program Files\\..\\Unprotected", "C:\\Program Files",
+                       "C:\\Program Files2\\Kesp"):
             with self.subTest(folder):
                 self.assertEqual(install("/D=" + folder), FAILED)
                 self.assertIn("within Program Files only", failed_log())
@@ -269,7 +270,7 @@ class EarlierInstallationTest(InstallerTest):
         folder.mkdir()
         self.addCleanup(shutil.rmtree, folder)
         # A program that fails.
-        shutil.copy(ROOT / "build" / f"win{sandbox.bits}" / "tests/installer/start_limited.exe", folder / "uninstall.exe")
+        shutil.copy(sandbox.starter, folder / "uninstall.exe")
         key = ENTRY.strip(" []").replace("HKEY_LOCAL_MACHINE", "HKLM")
         sandbox.run("reg", "add", key, "/v", "InstallLocation", "/d", UNPROTECTED, "/f").check_returncode()
         self.assertEqual(install(), 0)

@@ -19,6 +19,7 @@ class Sandbox:
         base = ROOT / "build" / f"wine-installer-{getpass.getuser()}"
         self.environment = dict(os.environ, KESP_WINE_BASE=str(base))
         self.drive = base / f"win{bits}" / "drive_c"
+        self.starter = ROOT / "build" / f"win{bits}" / "tests" / "installer" / "start_limited.exe"
 
     def tool(self, *command, timeout=400):
         return subprocess.run([str(TOOLS / command[0]), *map(str, command[1:])], env=self.environment, text=True,
@@ -41,11 +42,10 @@ class Sandbox:
 
     def run_limited(self, program, *arguments):
         """Without administrator's rights; otherwise a program has them in Wine."""
-        starter = ROOT / "build" / f"win{self.bits}" / "tests" / "installer" / "start_limited.exe"
         # The uninstaller knows its folder by the name that it was installed under.
         if program.is_relative_to(self.drive):
-            return self.run(starter, "C:\\" + str(program.relative_to(self.drive)).replace("/", "\\"), *arguments)
-        return self.run(starter, windows_path(program), *arguments)
+            return self.run(self.starter, "C:\\" + str(program.relative_to(self.drive)).replace("/", "\\"), *arguments)
+        return self.run(self.starter, windows_path(program), *arguments)
 
     def run_line(self, line, run=None):
         """A line as the command processor reads it, for arguments that must not be put in quotation marks."""
