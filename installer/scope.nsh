@@ -72,6 +72,7 @@ Function ChooseScopeFromCommandLine
 FunctionEnd
 
 ; The scope that this very folder was installed for. Windows starts the uninstaller without an administrator's rights.
+; It asks for them once: /ASKED says that it has, for a Windows that does not give them.
 Function un.ChooseScopeFromRegistry
   Call un.LookAtRights
   Call un.ChooseMachine
@@ -80,11 +81,16 @@ Function un.ChooseScopeFromRegistry
     Call un.ChooseUser
   ${ElseIf} $MayChangeMachine = 0
   ${AndIfNot} ${Silent}
-    ${StartAsAdministrator} "$INSTDIR\uninstall.exe" ""
+    ${un.GetParameters} $0
+    ClearErrors
+    ${un.GetOptions} $0 "/ASKED" $1
     ${If} ${Errors}
-      SetErrorLevel ${EXIT_NEEDS_ADMINISTRATOR}
+      ${StartAsAdministrator} "$INSTDIR\uninstall.exe" "/ASKED"
+      ${If} ${Errors}
+        SetErrorLevel ${EXIT_NEEDS_ADMINISTRATOR}
+      ${EndIf}
+      Quit
     ${EndIf}
-    Quit
   ${EndIf}
   Call un.RequireRights
 FunctionEnd
