@@ -140,7 +140,7 @@ class InstalledForAllUsersTest(InstallerTest):
         link.unlink(missing_ok=True)
         link.symlink_to(cls.others_file)
         cls.addClassCleanup(link.unlink, missing_ok=True)
-        cls.addClassCleanup(cls.others_file.unlink)
+        cls.addClassCleanup(cls.others_file.unlink, missing_ok=True)
         cls.exit_code = install()
         cls.folder = sandbox.path(FOLDER)
 
