@@ -39,9 +39,7 @@ void WINAPI OnFiberEnd(void* data) {
 
 DWORD NoticeSlot() {
   static const DWORD slot = [] {
-    HMODULE library = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                       reinterpret_cast<LPCWSTR>(&OnFiberEnd), &library);
+    // The function stays where it is: the DLL is not unloaded once there was an object (server/module.h).
     const DWORD made = FlsAlloc(&OnFiberEnd);
     if (made == FLS_OUT_OF_INDEXES) throw std::bad_alloc();
     return made;
