@@ -1,12 +1,10 @@
 # kesp_test_program(<name> SOURCES a_test.cpp ... [USES kesp_support ...] [UNIT])
 #
-# A program of GoogleTest tests with its main. USES names what it is linked with. UNIT registers each of its tests with
-# CTest, under the label unit; the Windows ones are registered by kesp_wine_test.
+# A program of GoogleTest tests with its main. USES names what it is linked with. UNIT registers it with CTest, under the
+# label unit; the Windows ones are registered by kesp_wine_test. A failing case is named in the program's output.
 #
 # The headers that nearly every test reads are compiled once for all of them. KESP_PRECOMPILE=OFF, as in the coverage
 # build, shows what a file forgot to include.
-include(GoogleTest)
-
 # Tests run for seconds, so compiling them takes longer than optimising saves. In their own code the sanitizers leave
 # out the checks of each pointer, a third of the compile time, and in the simulated instrument's; the library's has all.
 add_library(kesp_test_options INTERFACE)
@@ -47,8 +45,7 @@ function(kesp_test_program name)
   target_link_libraries(${name} PRIVATE kesp_options ${PROGRAM_USES} GTest::gmock_main)
   kesp_compile_as_test(${name})
   if(PROGRAM_UNIT)
-    # A busy machine takes its time to list them; a name must not hold the bytes of a parameter.
-    gtest_discover_tests(${name} TEST_PREFIX "unit." NO_PRETTY_VALUES DISCOVERY_TIMEOUT 120
-      PROPERTIES LABELS unit TIMEOUT 60)
+    add_test(NAME unit.${name} COMMAND ${name} --gtest_brief=1)
+    set_tests_properties(unit.${name} PROPERTIES LABELS unit TIMEOUT 300)
   endif()
 endfunction()
