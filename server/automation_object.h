@@ -25,9 +25,7 @@ template <class Interface>
 class AutomationObject : public Interface, public ISupportErrorInfo, public IProvideClassInfo2 {
  public:
   explicit AutomationObject(const ClassDescription& description)
-      : description_(description), info_(InterfaceInfoOf(description.default_interface)) {
-    KeepModule();
-  }
+      : description_(description), info_(InterfaceInfoOf(description.default_interface)) {}
   AutomationObject(const AutomationObject&) = delete;
   AutomationObject& operator=(const AutomationObject&) = delete;
 

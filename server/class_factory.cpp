@@ -26,6 +26,7 @@ HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object)
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
   if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+  KeepModule();
   try {
     IUnknown* made = entry_.create();
     const HRESULT result = made->QueryInterface(iid, object);

@@ -3,7 +3,7 @@
 
 namespace kesp {
 
-// Keeps the DLL loaded until the process ends. Every object does so when it is made.
+// Keeps the DLL loaded until the process ends. The factories do so before they make an object.
 //
 // The runtime that is linked in keeps data for each thread from the first exception on, and gives back
 // neither that nor its place among the process's thread-local slots when it is unloaded. A host that unloads

@@ -1,12 +1,17 @@
 // One call of the handlers for each event of the network transport.
 #include "server/tcp_event_bridge.h"
 
+#include <wrl/client.h>
+
+#include <memory>
 #include <stdexcept>
 
 #include "server/com_values.h"
 #include "server/event_arguments.h"
 
 namespace kesp {
+
+using Microsoft::WRL::ComPtr;
 
 namespace {
 
@@ -117,10 +122,14 @@ void TcpEventBridge::ReadInvalidChars(const std::wstring& Buffer, std::int16_t p
 }
 
 std::shared_ptr<void> TcpEventBridge::KeepAlive() {
+  // First what may throw: to give back the last reference here would destroy the object, whose window takes
+  // the lock that the caller holds.
+  auto reference = std::make_shared<ComPtr<IUnknown>>();
   const ULONG references = owner_->AddRef();
   // A new reference does not save an object that another thread is tearing down; nor is it given back.
   if (references == 1 || references > kMostReferences) throw std::runtime_error("the object is going");
-  return {owner_, [](IUnknown* owner) { owner->Release(); }};
+  *reference->GetAddressOf() = owner_;
+  return reference;
 }
 
 }  // namespace kesp
