@@ -28,10 +28,10 @@ namespace kesp {
 
 // CKespTCP talks to one instrument at a time. It owns its socket control and the collection of discovered
 // instruments; it is used by one thread. Members that need the socket's notifications throw
-// RPC_E_WRONG_THREAD on a thread to which these do not come: Initialize, WriteLine, the reads and AutoDetect.
-// Whoever calls a member keeps the object alive for the length of the call: the members raise events, and a
-// handler may drop the last reference. Settings are plain values except where their setter says otherwise. A
-// setter or method that throws leaves the settings as they were.
+// RPC_E_WRONG_THREAD on a thread to which these do not come: Initialize, Uninitialize (while connected),
+// WriteLine, the reads and AutoDetect. Whoever calls a member keeps the object alive for the length of the
+// call: the members raise events, and a handler may drop the last reference. Settings are plain values except
+// where their setter says otherwise. A setter or method that throws leaves the settings as they were.
 class CKespTCP final : private SocketListener {
  public:
   // make_instrument makes the records of the instruments that are found. `events` receives the object's

@@ -92,6 +92,7 @@ bool CKespTCP::AwaitConnection() {
 
 bool CKespTCP::Uninitialize() {
   if (!connected_) return true;
+  CheckThread(kUninitializeSource);
   try {
     CloseSocket();
   } catch (...) {

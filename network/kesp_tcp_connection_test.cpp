@@ -396,9 +396,13 @@ TEST_F(CKespTCPThreads, OtherThread_WhatNeedsTheNotificationsIsRefusedAtOnce) {
   EXPECT_EQ(tcp_->TimeOutmSecs(), 3000);
   EXPECT_EQ(fakes_.clock.tick(), start);
   EXPECT_TRUE(Journal().empty());
-  // Closing waits for nothing.
+  EXPECT_EQ(RaisedBy([&] { tcp_->Uninitialize(); }), refusal(L"[CKespTCP - Uninitialize()]"));
+  EXPECT_EQ(socket_->calls, Calls{}) << "the connection is left to the thread that has it";
+}
+
+TEST_F(CKespTCPThreads, OtherThread_NotConnected_UninitializeHasNothingToDo) {
+  socket_->is_of_this_thread = false;
   EXPECT_TRUE(tcp_->Uninitialize());
-  EXPECT_EQ(socket_->calls, (Calls{"Close"}));
 }
 
 }  // namespace

@@ -203,8 +203,8 @@ TEST_F(UnmarshaledApartmentsTest, CallsThere_AreRefusedAtOnceAndAQueryHasTheStat
     EXPECT_EQ(Read(comm, &_CKespCommObj::get_CommErrorDescr), description);
   });
   EXPECT_LT(GetTickCount() - start, 1000U);
-  // The thread that connected goes on.
-  EXPECT_TRUE(Initialize());
+  // The thread that connected goes on, over its connection.
+  EXPECT_EQ(Read(tcp_, &_CKespTCP::get_State), sckConnected);
   EXPECT_EQ(Exchange(L"*IDN?"), L"KESP,TORTURE,SIM00666,1.0");
 }
 

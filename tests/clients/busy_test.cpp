@@ -152,6 +152,9 @@ TEST_P(BusyTest, OperationOfTheTransportUnderWay_OthersAreRefusedAndItGoesOn) {
     EXPECT_EQ(late.Call(L"AutoDetect", {Variable(answer)}).result, S_OK);
     EXPECT_EQ(recorder_->Count(L"AutoDetectEnd"), 1U);
   }
+  if (tcp) {
+    EXPECT_TRUE(late.Call(L"Uninitialize").IsTrue());
+  }
   // Nobody is inside any more.
   FromAnotherThread([&] {
     const auto* closing = tcp ? L"Uninitialize" : L"SetInputMode";
@@ -265,6 +268,38 @@ TEST_P(HandlerElsewhereTest, CallsBack_IsLetIn) {
     EXPECT_TRUE(CallsTrue(tcp, &_CKespTCP::Initialize));
     EXPECT_EQ(called_back, S_OK);
   });
+}
+
+// The operation itself is called in the object's own apartment.
+TEST_P(HandlerElsewhereTest, CallsBackIntoADirectCall_IsLetIn) {
+  Passage<_CKespTCP> passage(tcp_.Get());
+  std::atomic<bool> is_connected = false;
+  std::atomic<bool> is_over = false;
+  HRESULT called_back = E_FAIL;
+  std::thread elsewhere([&] {
+    const Apartment own(GetParam());
+    const auto tcp = passage.Arrive();
+    const auto recorder = EventRecorder::Make(__uuidof(__CKespTCP));
+    recorder->handlers[L"ConnectEnd"] = [&](DISPPARAMS&) {
+      VARIANT_BOOL answer = VARIANT_FALSE;
+      called_back = tcp->WriteLine(Text(L"*IDN?").get(), &answer);
+    };
+    Connection connection(tcp.Get(), __uuidof(__CKespTCP), recorder.Get());
+    is_connected = true;
+    EXPECT_TRUE(PumpUntil([&] { return is_over.load(); }, 30000));
+    connection.Disconnect();
+  });
+  EXPECT_TRUE(PumpUntil([&] { return is_connected.load(); }));
+  EXPECT_TRUE(Initialize());
+  is_over = true;
+  EXPECT_EQ(called_back, S_OK);
+  std::atomic<bool> is_joined = false;
+  std::thread joiner([&] {
+    elsewhere.join();
+    is_joined = true;
+  });
+  EXPECT_TRUE(PumpUntil([&] { return is_joined.load(); }, 30000));
+  joiner.join();
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, HandlerElsewhereTest,
