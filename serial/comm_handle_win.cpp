@@ -40,6 +40,9 @@ OpeningOutcome CommHandle::TryToOpen(std::int16_t port) {
 
 void CommHandle::Close() {
   if (!is_open()) return;
+  // Before, for somebody who tries the port while it is being closed, and after, because that may take its
+  // time.
+  closed_ports.NoteClosed(port_, GetTickCount());
   CloseHandle(std::exchange(handle_, INVALID_HANDLE_VALUE));
   closed_ports.NoteClosed(port_, GetTickCount());
 }

@@ -36,9 +36,7 @@ std::optional<std::string> FinishedRead(HANDLE port, DWORD count, DWORD patience
   read->bytes.resize(count);
   const BOOL done = ReadFile(port, read->bytes.data(), count, nullptr, &read->overlapped);
   if (!done && GetLastError() != ERROR_IO_PENDING) return std::nullopt;
-  bool called_back = false;
   if (!done && !IsFinishedWithin(patience_ms, *read)) {
-    called_back = true;
     CancelIoEx(port, &read->overlapped);
     if (!IsFinishedWithin(kGivingBackMs, *read)) {
       // The memory belongs to the driver until it gives it back; one that does not, keeps it.
@@ -46,8 +44,9 @@ std::optional<std::string> FinishedRead(HANDLE port, DWORD count, DWORD patience
       return std::nullopt;
     }
   }
-  const bool has_bytes = called_back && read->overlapped.InternalHigh != 0;
-  if (!has_bytes && !Succeeded(read->overlapped)) return std::nullopt;
+  // A read that was called back in time counts as failed, whatever its count says: Windows copies no byte of
+  // it.
+  if (!Succeeded(read->overlapped)) return std::nullopt;
   read->bytes.resize(read->overlapped.InternalHigh);
   return std::move(read->bytes);
 }

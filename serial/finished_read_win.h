@@ -13,8 +13,8 @@ namespace kesp {
 inline constexpr DWORD kReadPatienceMs = 5000;
 
 // Reads that many bytes, or fewer when the driver has fewer by now; the port's time-outs are such that a read
-// does not wait for bytes to come. A read that is not finished within the patience is called back, and what
-// it had read by then counts. Nothing when the read fails, or was called back without a byte.
+// does not wait for bytes to come. A read that is not finished within the patience is called back, for which
+// the driver has another second; it counts when it finished meanwhile. Nothing when the read fails.
 std::optional<std::string> FinishedRead(HANDLE port, DWORD count, DWORD patience_ms = kReadPatienceMs);
 
 }  // namespace kesp

@@ -265,6 +265,7 @@ class CKespCOMPort3 final : private SwitchLine {
   // Closes the control behind the last byte that the driver has taken.
   void CloseControl() noexcept;
   void AwaitEndOfTransmission();
+  void NoteEnd(ReadOutcome outcome);
   void WakeInfraredAdapter();
   std::int32_t PortCode(std::int16_t cp, const wchar_t* question);
 

@@ -61,9 +61,13 @@ std::wstring CharacterCodes(const std::string& bytes) {
 
 std::string CKespCOMPort3::TakeInput(std::size_t already) {
   std::string chunk = control_->Input();
-  if (!chunk.empty()) transmission_.End();
   if (chunk.size() > kReplyLimit - already) throw OutOfMemory();
   return chunk;
+}
+
+// A whole reply says that the command has arrived; single bytes may be its echo.
+void CKespCOMPort3::NoteEnd(ReadOutcome outcome) {
+  if (outcome == ReadOutcome::kComplete) transmission_.End();
 }
 
 bool CKespCOMPort3::ReadLine(std::wstring& result) {
@@ -74,6 +78,7 @@ bool CKespCOMPort3::ReadLine(std::wstring& result) {
   ReadOutcome outcome{};
   try {
     outcome = CollectReply(reply);
+    NoteEnd(outcome);
     result = SystemCodePage().FromBytes(reply);
   } catch (...) {
     const Failure failure = CurrentFailure();
@@ -148,6 +153,7 @@ bool CKespCOMPort3::ReadLineBinary(BinaryValue& result, std::int32_t lTimeoutms)
   ReadOutcome outcome{};
   try {
     outcome = CollectBinary(reply, mode, lTimeoutms);
+    NoteEnd(outcome);
     if (outcome == ReadOutcome::kComplete) StoreReply(reply, mode, result);
   } catch (...) {
     const Failure failure = CurrentFailure();
@@ -194,6 +200,7 @@ bool CKespCOMPort3::Download(std::wstring& result) {
   ReadOutcome outcome{};
   try {
     outcome = CollectDownload(data);
+    NoteEnd(outcome);
     result = SystemCodePage().FromBytes(data);
   } catch (...) {
     const Failure failure = CurrentFailure();

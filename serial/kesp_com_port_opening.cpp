@@ -111,7 +111,9 @@ void CKespCOMPort3::ClosePort() {
 
 void CKespCOMPort3::CloseControl() noexcept {
   try {
-    AwaitEndOfTransmission();
+    // Many adapters drop what they have not sent when their port is closed. What the driver itself still
+    // holds is lost, as a client who closes a port that takes nothing wants it.
+    if (transmission_.Left() != 0 && control_->OutBufferCount() == 0) AwaitEndOfTransmission();
   } catch (...) {
     // The port is gone, and whatever it held with it.
   }
@@ -119,11 +121,7 @@ void CKespCOMPort3::CloseControl() noexcept {
   transmission_.End();
 }
 
-// Many adapters drop what they have not sent when their port is closed.
 void CKespCOMPort3::AwaitEndOfTransmission() {
-  if (transmission_.Left() == 0) return;
-  // What the driver itself still holds is lost, as a client who closes a port that takes nothing wants it.
-  if (control_->OutBufferCount() != 0) return;
   const std::int32_t start = environment_.clock.TickCount();
   while (transmission_.Left() != 0) {
     if (MillisecondsSince(environment_.clock, start) > kLongestTransmissionMs) return;

@@ -64,8 +64,9 @@ void CKespCOMPort3::SendFrame(const std::string& frame, bool cr_before) {
   if (cr_before) {
     Log(L"Sending CR to clear instrument buffer...");
     Send("\r");
-    // The clearing would take it back where it has yet to leave.
+    // The clearing would take it back where it has yet to leave, and the answer comes behind it.
     AwaitOutput();
+    AwaitEndOfTransmission();
     Delay(environment_.clock, environment_.pump, kClearingMs);
     ClearBuffers();
   }

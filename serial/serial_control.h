@@ -55,7 +55,8 @@ class SerialControl {
   // Queues the bytes and returns at once.
   virtual void Output(std::string_view bytes) = 0;
 
-  // Takes every byte that was received; nothing when there is none. Does not wait.
+  // Takes every byte that was received; nothing when there is none. Does not wait for
+  // more, but up to six seconds for a driver that does not hand out what it has counted.
   virtual std::string Input() = 0;
 };
 

@@ -1,5 +1,4 @@
-// Reads that their driver finishes late: a pipe whose writer takes its time, and a COM port that is asked for
-// more than comes.
+// Reads that their driver finishes late: a pipe whose writer takes its time.
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -7,7 +6,6 @@
 #include <thread>
 
 #include "serial/finished_read_win.h"
-#include "tests/clients/serial_wire.h"
 
 namespace kesp::clients {
 namespace {
@@ -52,19 +50,6 @@ TEST_F(FinishedReadTest, DriverNeverFinishes_IsCalledBackAndTheNextReadWorks) {
   EXPECT_EQ(FinishedRead(pipe_, 6, 100), std::nullopt);
   Write("12.3\r\n");
   EXPECT_EQ(FinishedRead(pipe_, 6), "12.3\r\n");
-}
-
-// The port's time-outs let this read wait for all of its bytes.
-TEST(FinishedReadOnPort, CalledBackInTheMiddle_HandsOutWhatItHad) {
-  SerialWire wire;
-  HANDLE port = CreateFileW(SerialWire::PortName().c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
-                            OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
-  ASSERT_NE(port, INVALID_HANDLE_VALUE);
-  COMMTIMEOUTS none{};
-  EXPECT_TRUE(SetCommTimeouts(port, &none));
-  wire.Send("12.3");
-  EXPECT_EQ(FinishedRead(port, 6, 500), "12.3");
-  CloseHandle(port);
 }
 
 }  // namespace
