@@ -45,7 +45,13 @@ void Form::FirstPaint() {
 void Form::Use(const std::function<void()>& action) {
   if (!is_open_ || is_in_use_) return;
   is_in_use_ = true;
-  Trapped(action);
+  try {
+    Trapped(action);
+  } catch (...) {
+    // Memory is out, even for the error box. The form stays usable.
+    is_in_use_ = false;
+    throw;
+  }
   is_in_use_ = false;
 }
 

@@ -41,7 +41,11 @@ void DrawLabel(const DRAWITEMSTRUCT& item, RECT area, int margin, const std::wst
   RECT inside = {area.left + margin, area.top, area.right, area.bottom};
   DrawTextW(item.hDC, text.c_str(), length, &inside, DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
   const bool focus = (item.itemState & ODS_FOCUS) != 0 && (item.itemState & ODS_NOFOCUSRECT) == 0;
-  if (focus) DrawFocusRect(item.hDC, &area);
+  if (!focus) return;
+  // Drawn by these two.
+  SetTextColor(item.hDC, RGB(0, 0, 0));
+  SetBkColor(item.hDC, RGB(255, 255, 255));
+  DrawFocusRect(item.hDC, &area);
 }
 
 }  // namespace

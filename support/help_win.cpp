@@ -3,6 +3,9 @@
 
 #include <windows.h>
 
+#include <array>
+#include <string>
+
 #include "support/help_file.h"
 #include "support/owner_window_win.h"
 #include "support/text.h"
@@ -29,10 +32,19 @@ bool CallWinHelp(HWND owner, const std::wstring& help_file, UINT command, std::u
   return win_help(owner, file.c_str(), command, data) != FALSE;
 }
 
+// Of the system folder only, and never unloaded, because its windows go on running its code. The full path
+// does without the search flags, which a Windows 7 may lack.
+HMODULE LoadHtmlHelp() {
+  std::array<wchar_t, MAX_PATH> folder{};
+  const UINT length = GetSystemDirectoryW(folder.data(), MAX_PATH);
+  if (length == 0 || length >= MAX_PATH) return nullptr;
+  const std::wstring path = std::wstring(folder.data(), length) + L"\\hhctrl.ocx";
+  return LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+}
+
 bool CallHtmlHelp(HWND owner, const std::wstring& help_file, UINT command, std::uint32_t data) {
   if (command != HELP_CONTEXT) return false;
-  // Never unloaded, because its windows go on running its code.
-  HMODULE viewer = LoadLibraryExW(L"hhctrl.ocx", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+  const HMODULE viewer = LoadHtmlHelp();
   const auto html_help = FindFunction<HtmlHelpFunction>(viewer, "HtmlHelpW");
   if (html_help == nullptr) return false;
   // A window without an owner would stay behind in a client's program when the dialog has gone.

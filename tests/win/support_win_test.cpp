@@ -145,6 +145,13 @@ TEST(AnsiText, TextOfAllBytes_BecomesTheSameBytesOnASingleBytePage) {
   }
 }
 
+// To be run in a Windows whose characters have several bytes.
+TEST(AnsiTextOfSeveralBytes, PageHasThem) {
+  CPINFO info{};
+  GetCPInfo(CP_ACP, &info);
+  EXPECT_GT(info.MaxCharSize, 1U) << "code page " << GetACP();
+}
+
 // In a Japanese Windows these are two bytes for each of the two Chinese characters.
 TEST(AnsiText, LinesOfALog_AreWhatTheSystemMakesOfTheText) {
   const std::wstring path = SystemEnvironment().files.TemporaryFolder() + L"kesp_ansi_text_test.log";
