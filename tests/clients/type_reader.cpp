@@ -36,6 +36,8 @@ constexpr std::pair<unsigned, const wchar_t*> kTypeWords[] = {{TYPEFLAG_FCANCREA
                                                               {TYPEFLAG_FRESTRICTED, L"restricted"}};
 constexpr std::pair<unsigned, const wchar_t*> kFunctionWords[] = {{FUNCFLAG_FHIDDEN, L"hidden"},
                                                                   {FUNCFLAG_FRESTRICTED, L"restricted"}};
+constexpr std::pair<unsigned, const wchar_t*> kArgumentWords[] = {
+    {PARAMFLAG_FIN, L"in"}, {PARAMFLAG_FOUT, L"out"}, {PARAMFLAG_FOPT, L"optional"}};
 constexpr std::pair<unsigned, const wchar_t*> kImplementedWords[] = {
     {IMPLTYPEFLAG_FDEFAULT, L"default"},
     {IMPLTYPEFLAG_FSOURCE, L"source"},
@@ -197,7 +199,11 @@ std::wstring TypeReader::Arguments(const FUNCDESC& function) const {
 std::wstring TypeReader::ArgumentType(const ELEMDESC& argument) const {
   const PARAMDESC& details = argument.paramdesc;
   const bool has_default = (details.wParamFlags & PARAMFLAG_FHASDEFAULT) != 0;
-  return TypeName(argument.tdesc) +
+  // Of a value, that it goes in is understood.
+  const unsigned directions = argument.tdesc.vt == VT_PTR ? PARAMFLAG_FIN | PARAMFLAG_FOUT : PARAMFLAG_FOUT;
+  const unsigned shown = directions | (has_default ? 0U : PARAMFLAG_FOPT);
+  const std::wstring words = WordsOf(details.wParamFlags & shown, kArgumentWords);
+  return (words.empty() ? L"" : words.substr(1) + L" ") + TypeName(argument.tdesc) +
          (has_default ? DefaultOf(details.pparamdescex->varDefaultValue) : std::wstring());
 }
 
