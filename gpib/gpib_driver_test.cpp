@@ -184,6 +184,9 @@ TEST_F(GpibDriverTest, DriverReportsFailuresOnly_SuccessesAreSuccessesAndFailure
   Answer(GpibOutcome::Failure(14));
   EXPECT_EQ(Call().iberr, 14);
   EXPECT_FALSE(driver_.ibwrt(7, "abc").Failed());
+  // But nobody knows how long a reply is.
+  std::array<char, 50> buffer{};
+  EXPECT_TRUE(driver_.ibrd(7, buffer).Failed());
 }
 
 // Or the driver would go on writing into cells that are no more.
