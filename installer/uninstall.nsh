@@ -1,4 +1,5 @@
 ; The uninstaller: removes what was installed, file by file, and nothing else.
+Var EntriesRemain ; 1 when the DLLs' entries in the registry could not be removed, else 0
 
 Function un.onInit
   Call un.LookAtWindows
@@ -8,8 +9,8 @@ FunctionEnd
 Section "Uninstall"
   Call un.OfferToWait
   Call un.UnregisterBoth
-  Pop $0
-  ${If} $0 = 1
+  Pop $EntriesRemain
+  ${If} $EntriesRemain = 1
     SetErrorLevel ${EXIT_FAILED}
     ${IfNot} ${Cmd} `MessageBox MB_YESNO|MB_ICONEXCLAMATION \
       "Entries of the library in the registry could not be removed. Delete the files nevertheless?" /SD IDYES IDYES`
@@ -26,6 +27,9 @@ Section "Uninstall"
       "The library is removed, but files in use remain in $INSTDIR. Delete them when the programs that use them have \
 ended." \
       /SD IDOK
+  ${EndIf}
+  ${If} $EntriesRemain = 1
+    SetErrorLevel ${EXIT_FAILED}
   ${EndIf}
 SectionEnd
 

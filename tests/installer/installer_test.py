@@ -6,6 +6,7 @@ from the same script and the same files for x64; the 32-bit library can then be 
 Ends with 77 and a reason where there is no such Windows.
 """
 
+import contextlib
 import filecmp
 import functools
 import pathlib
@@ -84,6 +85,37 @@ def uninstall(folder):
 def uninstall_in_place(folder, run=None):
     """Where it lies, so that its exit code is seen."""
     return sandbox.run_line(f'"{folder}\\uninstall.exe" /S _?={folder}', run).returncode
+
+
+def set_installation_folder(folder):
+    """In the entry of the installation for all users."""
+    key = ENTRY.strip(" []").replace("HKEY_LOCAL_MACHINE", "HKLM")
+    sandbox.run("reg", "add", key, "/v", "InstallLocation", "/d", folder, "/f").check_returncode()
+
+
+@contextlib.contextmanager
+def open_document(folder):
+    """A program has an installed document open; yields the document's path."""
+    held, release = sandbox.drive / "held", sandbox.drive / "release"
+    # The command processor lets nobody delete what it redirects.
+    holder = sandbox.begin("cmd", "/c", "cscript", "//nologo", windows_path(HERE / "hold_file.vbs"),
+                           "C:\\held", "C:\\release", "<", folder + "\\README.md")
+    try:
+        if not becomes_true(held.exists):
+            raise AssertionError("the document was not opened")
+        yield sandbox.path(folder) / "README.md"
+    finally:
+        release.touch()
+        output = holder.communicate(timeout=60)[0]
+        for place in (held, release):
+            place.unlink(missing_ok=True)
+    if output.split() != ["PASS"]:
+        raise AssertionError(output)
+
+
+def forget_next_start():
+    """What Windows was told to delete then."""
+    sandbox.run("reg", "delete", SESSION_MANAGER, "/v", "PendingFileRenameOperations", "/f")
 
 
 def failed_log():
@@ -271,37 +303,35 @@ class EarlierInstallationTest(InstallerTest):
         self.addCleanup(shutil.rmtree, folder)
         # A program that fails.
         shutil.copy(sandbox.starter, folder / "uninstall.exe")
-        key = ENTRY.strip(" []").replace("HKEY_LOCAL_MACHINE", "HKLM")
-        sandbox.run("reg", "add", key, "/v", "InstallLocation", "/d", UNPROTECTED, "/f").check_returncode()
+        set_installation_folder(UNPROTECTED)
         self.assertEqual(install(), 0)
         log = (sandbox.path(FOLDER) / "setup.log").read_text("utf-16")
         self.assertIn(f"Not removed: the earlier installation in {UNPROTECTED}", log)
         self.assertTrue((folder / "uninstall.exe").exists())
 
 
-class UsersFileInUseTest(InstallerTest):
-    def test_Uninstalling_SaysThatItRemains(self):
+class DocumentInUseTest(InstallerTest):
+    def tearDown(self):
+        clean_up()
+        forget_next_start()
+
+    def test_UninstallingForAUser_SaysThatItRemains(self):
         self.assertEqual(install_for_user(), 0)
-        document = sandbox.path(user_folder()) / "README.md"
-        held, release = sandbox.drive / "held", sandbox.drive / "release"
-        holder = sandbox.begin("cmd", "/c", "cscript", "//nologo", windows_path(HERE / "hold_file.vbs"),
-                               "C:\\held", "C:\\release", "<", user_folder() + "\\README.md")
-        try:
-            becomes_true(held.exists)
-            code = uninstall_in_place(user_folder(), sandbox.run_limited)
-            release.touch()
-            self.assertEqual(holder.communicate(timeout=60)[0].split(), ["PASS"])
-        finally:
-            release.touch()
-            holder.wait(timeout=60)
-            holder.stdout.close()
-            for place in (held, release):
-                place.unlink(missing_ok=True)
-        self.assertEqual(code, FILES_REMAIN)
+        with open_document(user_folder()) as document:
+            self.assertEqual(uninstall_in_place(user_folder(), sandbox.run_limited), FILES_REMAIN)
         self.assertTrue(document.exists(), "under its own name, where the user looks for it")
         pending = sandbox.run("reg", "query", SESSION_MANAGER, "/v", "PendingFileRenameOperations").stdout
         self.assertNotIn("README.md", pending)
         self.assertFalse(sandbox.is_listed())
+
+    def test_UninstallingThatLeavesRegistryEntries_EndsAsFailed(self):
+        self.assertEqual(install_for_user(), 0)
+        (sandbox.path(user_folder()) / f"win{sandbox.bits}" / "KespCommObj.dll").write_text("not a DLL")
+        try:
+            with open_document(user_folder()):
+                self.assertEqual(uninstall_in_place(user_folder(), sandbox.run_limited), FAILED)
+        finally:
+            install_for_user()  # with a DLL that can remove the entries
 
 
 class LibraryInUseTest(InstallerTest):
@@ -324,7 +354,7 @@ class LibraryInUseTest(InstallerTest):
         cls.release.touch()
         cls.holder.wait(timeout=60)
         cls.holder.stdout.close()
-        sandbox.run("reg", "delete", SESSION_MANAGER, "/v", "PendingFileRenameOperations", "/f")
+        forget_next_start()
         for place in (cls.held, cls.release):
             place.unlink(missing_ok=True)
 
