@@ -29,7 +29,20 @@ Delete it." \
   ClearErrors
   ExecWait '"$0\uninstall.exe" /S _?=$0' $1
   ${If} ${Errors}
-  ${OrIf} $1 != 0
+    ${Fail} "The uninstaller of the earlier installation in $0 could not be started."
+  ${ElseIf} $1 = ${EXIT_NEEDS_RESTART}
+    ; Where Windows could not rename a file in use, it deletes it by its name, and would delete a new one of that name.
+    Push $0
+    Call IsInstallationFolder
+    Pop $2
+    ${If} $2 = 1
+      ${Fail} "The earlier installation in $0 is removed, but programs are using files of it, which Windows deletes \
+when it starts the next time. Restart Windows, then install again."
+    ${EndIf}
+    ${Log} "Files in use in $0 are deleted when Windows starts the next time"
+  ${ElseIf} $1 = ${EXIT_FILES_REMAIN}
+    ${Log} "Files in use remain in $0"
+  ${ElseIf} $1 != 0
     ${Fail} "The earlier installation in $0 could not be removed (its uninstaller ended with $1)."
   ${EndIf}
   Delete "$0\uninstall.exe"

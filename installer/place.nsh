@@ -26,6 +26,29 @@ Function IsInProgramFiles
   Exch $0
 FunctionEnd
 
+; Leaves 1 on the stack when the folder named there is $INSTDIR, in whatever spelling, else 0.
+Function IsInstallationFolder
+  Exch $0
+  Push $1
+  Push $2
+  StrCpy $2 0
+  ${If} $0 != ""
+    ; Without "..", and with one mark at the end, however many are written.
+    StrCpy $0 "$0\"
+    StrCpy $1 "$INSTDIR\"
+    System::Call 'kernel32::GetFullPathNameW(w r0, i ${NSIS_MAX_STRLEN}, w .r0, p 0)'
+    System::Call 'kernel32::GetFullPathNameW(w r1, i ${NSIS_MAX_STRLEN}, w .r1, p 0)'
+    ${If} $0 != ""
+    ${AndIf} $0 == $1
+      StrCpy $2 1
+    ${EndIf}
+  ${EndIf}
+  StrCpy $0 $2
+  Pop $2
+  Pop $1
+  Exch $0
+FunctionEnd
+
 ; Leaves 1 on the stack when $INSTDIR is a place for the scope, else 0.
 Function IsPlaceAllowed
   ${If} $Scope == user

@@ -333,6 +333,25 @@ class DocumentInUseTest(InstallerTest):
         finally:
             install_for_user()  # with a DLL that can remove the entries
 
+    def test_InstallingIntoAnotherFolder_Succeeds(self):
+        self.assertEqual(install("/D=" + ELSEWHERE), 0)
+        with open_document(ELSEWHERE):
+            self.assertEqual(install(), 0)
+            self.assert_usable()
+
+    def test_InstallingForAUserIntoAnotherFolder_Succeeds(self):
+        self.assertEqual(sandbox.run_limited(setup, "/S", "/USER", "/D=" + UNPROTECTED).returncode, 0)
+        self.addCleanup(shutil.rmtree, sandbox.path(UNPROTECTED))
+        with open_document(UNPROTECTED):
+            self.assertEqual(install_for_user(), 0)
+
+    def test_InstallingIntoTheSameFolder_AsksForARestart(self):
+        """Windows deletes the document by its name when it starts, so it would delete a new one, too."""
+        self.assertEqual(install(), 0)
+        with open_document(FOLDER):
+            self.assertEqual(install(), FAILED)
+        self.assertIn("Restart Windows", failed_log())
+
 
 class LibraryInUseTest(InstallerTest):
     """A program has the library loaded, and an installed document open."""
