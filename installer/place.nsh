@@ -11,8 +11,9 @@
   ${EndIf}
 !macroend
 
+!macro PLACE_FUNCTIONS un
 ; Leaves 1 on the stack when the folder named there is within Program Files, else 0.
-Function IsInProgramFiles
+Function ${un}IsInProgramFiles
   Exch $0
   Push $1
   Push $2
@@ -27,7 +28,7 @@ Function IsInProgramFiles
 FunctionEnd
 
 ; Leaves 1 on the stack when the folder named there is $INSTDIR, in whatever spelling, else 0.
-Function IsInstallationFolder
+Function ${un}IsInstallationFolder
   Exch $0
   Push $1
   Push $2
@@ -48,6 +49,9 @@ Function IsInstallationFolder
   Pop $1
   Exch $0
 FunctionEnd
+!macroend
+!insertmacro PLACE_FUNCTIONS ""
+!insertmacro PLACE_FUNCTIONS "un."
 
 ; Leaves 1 on the stack when $INSTDIR is a place for the scope, else 0.
 Function IsPlaceAllowed

@@ -71,15 +71,42 @@ Function ChooseScopeFromCommandLine
   Call ChooseFolder
 FunctionEnd
 
-; The scope that this very folder was installed for. Windows starts the uninstaller without an administrator's rights.
-; It asks for them once: /ASKED says that it has, for a Windows that does not give them.
+; Into the variable 1 when that registry's entry in Programs and Features is of this very folder, else 0.
+!macro IS_LISTED root variable
+  ReadRegStr ${variable} ${root} "${UNINSTALL_KEY}" "InstallLocation"
+  Push ${variable}
+  Call un.IsInstallationFolder
+  Pop ${variable}
+!macroend
+
+; The scope that this very folder was installed for. All users' must be an administrator's word, and lie where only
+; administrators write: what any program may write is not run with their rights.
 Function un.ChooseScopeFromRegistry
   Call un.LookAtRights
-  Call un.ChooseMachine
-  ReadRegStr $0 HKCU "${UNINSTALL_KEY}" "InstallLocation"
-  ${If} $0 == $INSTDIR
+  !insertmacro IS_LISTED HKLM $0
+  !insertmacro IS_LISTED HKCU $1
+  Push $INSTDIR
+  Call un.IsInProgramFiles
+  Pop $2
+  ${If} $0 = 1
+  ${AndIf} $2 = 1
+    Call un.ChooseMachine
+    Call un.AskForAdministrator
+  ${ElseIf} $1 = 1
     Call un.ChooseUser
-  ${ElseIf} $MayChangeMachine = 0
+  ${Else}
+    MessageBox MB_OK|MB_ICONSTOP "Nothing was removed: in $INSTDIR there is neither an installation of yours nor one \
+for all users within Program Files. What another user installed, only that user can remove." /SD IDOK
+    SetErrorLevel ${EXIT_FAILED}
+    Quit
+  ${EndIf}
+  Call un.RequireRights
+FunctionEnd
+
+; Windows starts the uninstaller without an administrator's rights. It asks for them once: /ASKED says that it has, for
+; a Windows that does not give them.
+Function un.AskForAdministrator
+  ${If} $MayChangeMachine = 0
   ${AndIfNot} ${Silent}
     ${un.GetParameters} $0
     ClearErrors
@@ -92,5 +119,4 @@ Function un.ChooseScopeFromRegistry
       Quit
     ${EndIf}
   ${EndIf}
-  Call un.RequireRights
 FunctionEnd

@@ -226,6 +226,14 @@ class UninstallTest(InstallerTest):
         self.assertTrue(uninstall(FOLDER))
         self.assert_nothing_left()
 
+    def test_FolderInAnotherSpelling_IsTheSame(self):
+        self.assertEqual(install(), 0)
+        set_installation_folder("C:\\program files\\Elsewhere\\..\\Kesp\\KESPCOMMOBJ\\")
+        exit_code = uninstall_in_place(FOLDER)
+        if exit_code != 0:
+            set_installation_folder(FOLDER)  # for the cleaning up
+        self.assertEqual(exit_code, 0)
+
     def test_User_NothingIsLeftAndNothingWasChangedForOthers(self):
         self.assertEqual(install_for_user(), 0)
         self.assert_registry_unchanged("HKLM")
@@ -283,6 +291,36 @@ class RefusedUninstallingTest(InstallerTest):
         self.assertEqual(uninstall_in_place(user_folder()), FAILED)
         self.assertTrue((sandbox.path(user_folder()) / "README.md").exists())
         self.assertTrue(sandbox.is_listed())
+
+    def test_User_WithoutItsEntry_NothingChanges(self):
+        """So it looks to another administrator, and when a program of the user has deleted the entry."""
+        self.assertEqual(install(), 0)
+        self.assertEqual(install_for_user(), 0)
+        key = "HKCU\\" + ENTRY.strip(" []").partition("\\")[2]
+        sandbox.run("reg", "delete", key, "/f").check_returncode()
+        try:
+            for run in (sandbox.run_limited, sandbox.run):
+                with self.subTest(run.__name__):
+                    self.assertEqual(uninstall_in_place(user_folder(), run), FAILED)
+                    self.assertTrue((sandbox.path(user_folder()) / "README.md").exists())
+                    self.assertTrue(sandbox.is_listed(), "the installation for all users")
+                    self.assert_usable()
+        finally:
+            install_for_user()  # brings the entry back
+
+    def test_AllUsers_OutsideProgramFiles_NothingChanges(self):
+        self.assertEqual(install(), 0)
+        shutil.copytree(sandbox.path(FOLDER), sandbox.path(UNPROTECTED))
+        self.addCleanup(shutil.rmtree, sandbox.path(UNPROTECTED), ignore_errors=True)
+        set_installation_folder(UNPROTECTED)
+        try:
+            for run in (sandbox.run_limited, sandbox.run):
+                with self.subTest(run.__name__):
+                    self.assertEqual(uninstall_in_place(UNPROTECTED, run), FAILED)
+                    self.assertTrue((sandbox.path(UNPROTECTED) / "README.md").exists())
+                    self.assert_usable()
+        finally:
+            set_installation_folder(FOLDER)
 
     def test_AllUsers_WithoutAdministratorsRights_NothingChanges(self):
         self.assertEqual(install(), 0)
