@@ -1,4 +1,4 @@
-# Tests of the tree and of the products as files: format, layering, links, and what the DLLs import, export and carry.
+# Tests of the tree and of the products as files: format, layering, links, and what DLLs and programs import, export and carry.
 function(kesp_tree_check name label)
   add_test(NAME ${name} COMMAND ${ARGN})
   set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT 120)
@@ -11,4 +11,8 @@ kesp_tree_check(style.links style "${CMAKE_SOURCE_DIR}/tools/check_links.py")
 foreach(bits IN ITEMS 64 32)
   kesp_tree_check(image.win${bits} image
     "${CMAKE_SOURCE_DIR}/tools/check-image" ${bits} "${CMAKE_SOURCE_DIR}/dist/win${bits}/KespCommObj.dll")
+  foreach(file IN ITEMS kesp-sim.exe Gpib-32.dll)
+    kesp_tree_check(image.win${bits}.${file} image
+      "${CMAKE_SOURCE_DIR}/tools/check-image" ${bits} "${CMAKE_SOURCE_DIR}/dist/win${bits}/simulator/${file}")
+  endforeach()
 endforeach()

@@ -1,13 +1,13 @@
 # Tests that run Windows programs and scripts under Wine, registered in the native build's CTest.
 #
-# kesp_wine_test(NAME <name> PROGRAM <path> [BITS 64 32] [ARGS ...] [INSTRUMENT <personality.json>] [TIMEOUT <s>]
+# kesp_wine_test(NAME <name> PROGRAM <path> [BITS 64 32] [ARGS ...] [INSTRUMENT <device.json>] [TIMEOUT <s>]
 #                [SERIAL <com number> [WIRE]] [HOSTS <hosts.json>] [DRIVER <bus.json>] [LOCALE <name>] [STANDALONE]
 #                [SCREEN] [ALL_PORTS] [CHANGES_REGISTRY])
 #
 # One test for each width (both unless BITS says otherwise), named wine64.<name> and wine32.<name>.
 #   PROGRAM     an .exe as a path within the Windows build (tests/win/foo.exe), or a .vbs or .js file of this folder
 #   ARGS        {host} and {port} stand for the simulated instrument's, {com} for its COM port's number
-#   INSTRUMENT  runs the simulated instrument along; a personality file of this folder, or BUILT_IN
+#   INSTRUMENT  runs the simulated instrument along; the file of a device, or BUILT_IN
 #   SERIAL      puts the instrument on that COM port, from 33 up and no other test's; without INSTRUMENT the built-in one
 #   WIRE        puts no instrument there; the program itself is the other end, through a network connection
 #   HOSTS       runs it on a simulated network with the hosts of that file of this folder (tools/with-network-hosts),
@@ -20,7 +20,7 @@
 #   CHANGES_REGISTRY  runs alone and must leave the library registered
 # In the Windows builds it does nothing, so that a folder's list file is the same for all builds.
 set(KESP_WINE_TEST "${CMAKE_SOURCE_DIR}/tools/wine-test")
-set(KESP_WITH_INSTRUMENT "${CMAKE_SOURCE_DIR}/tests/instrument/with-instrument")
+set(KESP_WITH_INSTRUMENT "${CMAKE_SOURCE_DIR}/tools/with-instrument")
 set(KESP_WITH_SERIAL_LINE "${CMAKE_SOURCE_DIR}/tools/with-serial-line")
 set(KESP_WITH_NETWORK_HOSTS "${CMAKE_SOURCE_DIR}/tools/with-network-hosts")
 set(KESP_SKIPPED 77)
@@ -90,7 +90,7 @@ macro(kesp_add_wine_test bits)
   if(TEST_WIRE)
     set(other_end --wire)
   elseif(TEST_INSTRUMENT AND NOT TEST_INSTRUMENT STREQUAL BUILT_IN)
-    set(other_end --personality "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_INSTRUMENT}")
+    set(other_end "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_INSTRUMENT}")
   endif()
   if(TEST_SERIAL)
     set(command "${KESP_WITH_SERIAL_LINE}" --bits ${bits} --com ${TEST_SERIAL} ${other_end} -- ${command})
@@ -104,7 +104,7 @@ macro(kesp_add_wine_test bits)
   math(EXPR last_resort "${TEST_TIMEOUT} + 30")
   set_tests_properties(${name} PROPERTIES
     LABELS wine${bits} TIMEOUT ${last_resort} SKIP_RETURN_CODE ${KESP_SKIPPED}
-    ENVIRONMENT "KESP_INSTRUMENT=${CMAKE_BINARY_DIR}/tests/instrument/kesp-instrument")
+    ENVIRONMENT "KESP_INSTRUMENT=${CMAKE_BINARY_DIR}/simulator/kesp-sim")
   # On a network of its own the library is registered by the way, where nobody else sees it.
   if(NOT TEST_STANDALONE AND NOT TEST_HOSTS)
     set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED registered${bits})

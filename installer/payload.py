@@ -4,7 +4,7 @@
 usage: payload.py TREE DIST OUTPUT
 
 TREE is the folder of the sources, whose README and CHANGELOG go along with the pages that they lead to; DIST holds win64 and win32. A file that is
-the same for both widths is installed once; one that differs goes into the folder of its width. The simulated driver
+the same for both widths is installed once; one that differs goes into the folder of its width. The simulator
 is not installed: on a machine with instruments nothing may be taken for their driver.
 """
 
@@ -18,7 +18,7 @@ import page_links  # noqa: E402
 
 DOCUMENTS = {".md", ".png"}
 WIDTHS = ("win64", "win32")
-LEFT_OUT = {"simulated_driver"}
+LEFT_OUT = {"simulator"}
 
 
 def files_below(folder):

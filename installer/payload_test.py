@@ -55,11 +55,11 @@ class PayloadTest(unittest.TestCase):
 
     def test_SimulatedDriver_IsNotInstalled(self):
         for width in ("win64", "win32"):
-            self.write(f"dist/{width}/simulated_driver/Gpib-32.dll", width)
-            self.write(f"dist/{width}/simulated_driver/README.txt", "the same")
-            self.write(f"dist/{width}/samples/simulated_driver.txt", "no driver")
+            self.write(f"dist/{width}/simulator/Gpib-32.dll", width)
+            self.write(f"dist/{width}/simulator/README.txt", "the same")
+            self.write(f"dist/{width}/samples/simulator.txt", "no driver")
         self.assertEqual(self.places(), {
-            "common": ["samples/simulated_driver.txt"],
+            "common": ["samples/simulator.txt"],
             "win64": ["win64/KespCommObj.dll"], "win32": ["win32/KespCommObj.dll"]})
         self.assertNotIn("Gpib-32", self.script())
 

@@ -9,7 +9,7 @@ import sys
 
 TRANSPORTS = {"serial", "network", "gpib"}
 
-# Each room of the library, and the rooms whose files it may include besides its own.
+# Each room, and the rooms whose files it may include besides its own.
 ROOMS = {
     "support": set(),
     "serial": {"support"},
@@ -18,9 +18,11 @@ ROOMS = {
     "commobj": {"support"} | TRANSPORTS,
     "dialogs": {"support"} | TRANSPORTS,
     "server": {"support", "commobj", "dialogs"} | TRANSPORTS,
+    # Stands beside the library and knows nothing of it.
+    "simulator": set(),
 }
 
-# Folders that stand outside the library and may use all of it; no room may include from them.
+# Folders that stand outside the rooms and may use all of them; no room may include from them.
 CLIENTS = {"tests", "bench", "samples"}
 OTHERS = {"tools", "docs", "cmake"}
 

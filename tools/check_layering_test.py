@@ -20,6 +20,7 @@ ARROWS = {
     "commobj": ("support", "serial", "network", "gpib"),
     "dialogs": ("support", "serial", "network", "gpib"),
     "server": ("support", "serial", "network", "gpib", "commobj", "dialogs"),
+    "simulator": (),
 }
 
 

@@ -10,14 +10,14 @@ namespace kesp::clients {
 
 std::wstring InstrumentHost() {
   const char* host = std::getenv("KESP_INSTRUMENT_HOST");
-  EXPECT_NE(host, nullptr) << "no instrument: run this with tests/instrument/with-instrument";
+  EXPECT_NE(host, nullptr) << "no instrument: run this with tools/with-instrument";
   const std::string text = host ? host : "";
   return {text.begin(), text.end()};
 }
 
 short InstrumentPort() {
   const char* port = std::getenv("KESP_INSTRUMENT_PORT");
-  EXPECT_NE(port, nullptr) << "no instrument: run this with tests/instrument/with-instrument";
+  EXPECT_NE(port, nullptr) << "no instrument: run this with tools/with-instrument";
   return static_cast<short>(port ? std::atoi(port) : 0);
 }
 

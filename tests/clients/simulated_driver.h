@@ -22,7 +22,7 @@ class SimulatedDriver {
   SimulatedDriver(const SimulatedDriver&) = delete;
   SimulatedDriver& operator=(const SimulatedDriver&) = delete;
 
-  // Replaces the bus by the one of this JSON text (tests/gpib_driver tells its form). Whatever was recorded
+  // Replaces the bus by the one of this JSON text (simulator/gpib tells its form). Whatever was recorded
   // is gone.
   void Load(const std::string& description) const;
 

@@ -90,7 +90,7 @@ class NetworkHostsTest(unittest.TestCase):
         self.assertEqual(answers("identify", "10.88.0.13"), ["refused"])
 
     def test_networks_side_by_side_do_not_see_each_other(self):
-        personality = str(ROOT / "tests" / "instrument" / "personalities" / "bench-top-controller.json")
+        personality = str(ROOT / "simulator" / "examples" / "bench-top-controller.json")
         with tempfile.TemporaryDirectory() as one, tempfile.TemporaryDirectory() as other:
             files = (file_of(one, {"address": "10.88.0.11"}),
                      file_of(other, {"address": "10.88.0.11", "personality": personality}))
@@ -165,7 +165,7 @@ class RefusalTest(unittest.TestCase):
             self.assert_not_run("10.88.0.11 did not become ready", file, "echo", "run",
                                 env={**os.environ, "KESP_INSTRUMENT": "/bin/false"})
             self.assert_not_run("is not there; tools/build native makes it", file, "echo", "run",
-                                env={**os.environ, "KESP_INSTRUMENT": "/nowhere/kesp-instrument"})
+                                env={**os.environ, "KESP_INSTRUMENT": "/nowhere/kesp-sim"})
 
     @unittest.skipUnless(os.getuid() == 0, "only root can give up a right that it had")
     def test_machine_without_namespaces_is_a_reason_to_skip(self):

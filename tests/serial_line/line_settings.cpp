@@ -4,9 +4,9 @@
 
 #include <cerrno>
 
-#include "character_frame.h"
 #include "next_function.h"
 #include "pty_slave.h"
+#include "simulator/character_frame.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include <sys/ioctl.h>
 #include <termios.h>
 
-#include "character_frame.h"
 #include "pty_fixture.h"
+#include "simulator/character_frame.h"
 
 namespace kesp::serial_line {
 namespace {

@@ -2,9 +2,9 @@
 """Reads the hosts of a simulated network from a file; as a program, says what is wrong with one: hosts_file.py FILE
 
     {"description": "what it is for",
-     "hosts": [{"address": "10.88.0.11", "personality": "../instrument/personalities/network-7100.json"}]}
+     "hosts": [{"address": "10.88.0.11", "personality": "../../simulator/examples/network-7100.json"}]}
 
-Each host is a simulated instrument (tests/instrument) at TCP port 10001, which answers discovery, too. Its members:
+Each host is a simulated instrument (simulator) at TCP port 10001, which answers discovery, too. Its members:
 
     address         its IPv4 address in its network; the first one is 10.88.0.0/16, the second one 10.89.0.0/16, and
                     the address .0.1 is the client's

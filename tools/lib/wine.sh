@@ -61,9 +61,9 @@ windows_path() {
 beside_driver() {
   local bits=$1 folder=$2 program=$3 bus=${4:-} place driver=
   for place in "$KESP_ROOT/build/win$bits" "$KESP_ROOT/dist/win$bits"; do
-    [ -n "$driver" ] || [ ! -e "$place/simulated_driver/Gpib-32.dll" ] || driver=$place/simulated_driver/Gpib-32.dll
+    [ -n "$driver" ] || [ ! -e "$place/simulator/Gpib-32.dll" ] || driver=$place/simulator/Gpib-32.dll
   done
-  [ -n "$driver" ] || fail "there is no simulated driver; tools/build win$bits makes it"
+  [ -n "$driver" ] || fail "there is no simulated GPIB driver; tools/build win$bits makes it"
   [[ $program == */* ]] || program=$(wine_prefix "$bits")/drive_c/windows/system32/${program%.exe}.exe
   [ -e "$program" ] || fail "$program is not there"
   cp "$driver" "$folder/" || fail "$driver cannot be copied"

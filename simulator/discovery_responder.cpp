@@ -1,0 +1,92 @@
+// Answers discovery datagrams as the instrument's personality says.
+#include "simulator/discovery_responder.h"
+
+#include <algorithm>
+#include <asio/any_io_executor.hpp>
+#include <asio/co_spawn.hpp>
+#include <asio/detached.hpp>
+#include <asio/this_coro.hpp>
+#include <chrono>
+#include <variant>
+
+#include "simulator/bytes_text.h"
+#include "simulator/discovery_log.h"
+
+namespace kesp::simulator {
+namespace {
+
+using std::chrono::milliseconds;
+
+// How many datagrams go out before other work has its turn, and for how long.
+struct Batch {
+  std::size_t datagrams;
+  milliseconds pause;
+};
+
+Batch BatchFor(unsigned rate) {
+  if (rate == 0) return Batch{64, milliseconds(0)};
+  const std::size_t datagrams = std::max(1U, rate / 100);
+  return Batch{datagrams, milliseconds((datagrams * 1000 + rate - 1) / rate)};
+}
+
+}  // namespace
+
+DiscoveryResponder::DiscoveryResponder(DatagramPort& port, Instrument& instrument, EventLog& log,
+                                       const AnswerManner& manner)
+    : port_(port), instrument_(instrument), log_(log), manner_(manner) {}
+
+asio::awaitable<void> DiscoveryResponder::Run() {
+  const asio::any_io_executor executor = co_await asio::this_coro::executor;
+  for (;;) {
+    const ReceivedDatagram received = co_await port_.Receive();
+    if (received.error) {
+      log_.Line(0, "cannot receive a discovery datagram: " + received.error.message());
+      co_await port_.Pause(milliseconds(50));
+    } else if (received.bytes == kDiscoveryRequest) {
+      log_.Line(0, "discovery from " + TextOf(received.from));
+      asio::co_spawn(executor, Answer(instrument_.Discovered(), received.from), asio::detached);
+    } else {
+      log_.Line(0, "no discovery from " + TextOf(received.from) + ": " + Quoted(received.bytes) + " (" +
+                       Counted(received.bytes.size(), "byte") + ")");
+    }
+  }
+}
+
+asio::awaitable<void> DiscoveryResponder::Answer(const DiscoveryList& actions, Endpoint to) {
+  for (const DiscoveryAction& action : actions)
+    co_await std::visit([this, to](const auto& kind) { return Do(kind, to); }, action);
+}
+
+asio::awaitable<void> DiscoveryResponder::Do(const Datagram& datagram, Endpoint to) {
+  const std::size_t count = manner_.from ? manner_.from->size() : 1;
+  co_await SendMany(std::span(&datagram, 1), count, to);
+}
+
+asio::awaitable<void> DiscoveryResponder::Do(const Storm& storm, Endpoint to) {
+  co_await SendMany(storm.datagrams, storm.count, to);
+}
+
+asio::awaitable<void> DiscoveryResponder::Do(const Wait& wait, Endpoint /*to*/) {
+  co_await port_.Pause(wait.length);
+}
+
+asio::awaitable<void> DiscoveryResponder::SendMany(std::span<const Datagram> datagrams, std::size_t count,
+                                                   Endpoint to) {
+  DiscoveryLog lines(log_, to, manner_.from, count);
+  const Batch batch = BatchFor(manner_.rate);
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i > 0 && i % batch.datagrams == 0) co_await port_.Pause(batch.pause);
+    const std::string_view bytes = datagrams[i % datagrams.size()].bytes;
+    const std::optional<asio::ip::address_v4> from =
+        manner_.from ? std::optional(manner_.from->At(i)) : std::nullopt;
+    const std::error_code error = co_await port_.Send(bytes, to, from);
+    if (error) {
+      lines.Failed(from, error);
+    } else {
+      lines.Sent(from, bytes.size());
+    }
+  }
+  lines.Finish();
+}
+
+}  // namespace kesp::simulator

@@ -1,0 +1,53 @@
+// Answers discovery datagrams as the instrument's personality says.
+#pragma once
+
+#include <asio/awaitable.hpp>
+#include <asio/ip/udp.hpp>
+#include <optional>
+#include <span>
+#include <string_view>
+
+#include "simulator/address_range.h"
+#include "simulator/datagram_port.h"
+#include "simulator/event_log.h"
+#include "simulator/instrument.h"
+
+namespace kesp::simulator {
+
+// The four bytes by which a client asks who is there. Nothing else is answered.
+inline constexpr std::string_view kDiscoveryRequest("\x00\x01\x00\xF6", 4);
+
+// From where and how fast the answers go.
+struct AnswerManner {
+  // One instrument for each of these addresses of the machine; nothing: one, at the address that the system
+  // chooses for the client.
+  std::optional<AddressRange> from;
+  // At most so many datagrams of an answer in a second; 0: no limit.
+  unsigned rate = 0;
+};
+
+// Answers each request in its own time, so that a late answer does not hold up the next request, and logs
+// requests and answers. All that is handed in must outlive it, and it must outlive the run of the io_context.
+class DiscoveryResponder {
+ public:
+  DiscoveryResponder(DatagramPort& port, Instrument& instrument, EventLog& log, const AnswerManner& manner);
+
+  // Never ends by itself.
+  asio::awaitable<void> Run();
+
+ private:
+  using Endpoint = asio::ip::udp::endpoint;
+
+  asio::awaitable<void> Answer(const DiscoveryList& actions, Endpoint to);
+  asio::awaitable<void> Do(const Datagram& datagram, Endpoint to);
+  asio::awaitable<void> Do(const Storm& storm, Endpoint to);
+  asio::awaitable<void> Do(const Wait& wait, Endpoint to);
+  asio::awaitable<void> SendMany(std::span<const Datagram> datagrams, std::size_t count, Endpoint to);
+
+  DatagramPort& port_;
+  Instrument& instrument_;
+  EventLog& log_;
+  const AnswerManner manner_;
+};
+
+}  // namespace kesp::simulator

@@ -1,0 +1,59 @@
+// A device on the simulated bus: collects commands and holds what it has to say.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "simulator/gpib/bus_description.h"
+
+namespace kesp::simulator::gpib {
+
+// Belongs to the bus; every call comes under the driver's lock. Times are microseconds of the driver's clock.
+class SimulatedDevice {
+ public:
+  explicit SimulatedDevice(DeviceDescription description);
+
+  const Address& address() const { return description_.address; }
+
+  // A byte that comes in, and whether END comes with it. A command is complete at END or at the terminator;
+  // its reply begins `delay_ms` later. The first byte of a command drops what is left of earlier replies,
+  // unless the device keeps them; carriage returns and terminators by themselves are no command.
+  void Take(char byte, bool has_end, std::int64_t now);
+
+  // Drops what came in of a command, and everything not yet sent.
+  void Clear();
+
+  struct Sent {
+    char byte;
+    bool has_end;
+  };
+  // The next byte of a reply that has begun; nothing when the device has nothing to say now.
+  std::optional<Sent> Send(std::int64_t now);
+
+  // When the next reply begins; kNever when there is none.
+  std::int64_t ReplyBegins() const;
+
+ private:
+  struct Reply {
+    std::string bytes;
+    std::int64_t begins;
+    std::size_t sent = 0;
+  };
+
+  bool OpensACommand(char byte) const;
+  // Carries out what has come in as a command.
+  void Complete(std::int64_t now);
+  const Answer& AnswerTo(const std::string& command) const;
+
+  const DeviceDescription description_;
+  std::string input_;
+  std::deque<Reply> replies_;
+  // How often each answer was given, for those that take turns.
+  std::map<const Answer*, std::size_t> turns_;
+};
+
+}  // namespace kesp::simulator::gpib

@@ -1,0 +1,48 @@
+// A controller with an address and block checks, like those that share one line.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "simulator/device.h"
+
+namespace kesp::simulator {
+
+// Takes two kinds of frames, where AA is the address with each digit doubled ("01" is "0011"):
+//   read   EOT AA command ENQ
+//   write  EOT AA STX command value ETX check
+// The block check is the exclusive or of all bytes of command, value and ETX. A carriage return after a frame
+// is swallowed. Replies end with CR LF:
+//   STX command value ETX check   the value of a read
+//   EOT                           a read or write of a value that there is not
+//   ACK, NAK                      a write that was taken, or had a wrong block check
+// What is no frame, or has another address, is passed over in silence.
+class OmegaController : public Device {
+ public:
+  using Values = std::map<std::string, std::string>;
+
+  // address: digits. values: by the command that reads and writes them; no command begins with another one's
+  // name.
+  OmegaController(std::string_view address, Values values, LineRule line);
+
+  Deeds Take(std::string_view bytes, Moment now) override;
+  std::optional<LineRule> Line() const override { return line_; }
+
+ private:
+  std::string Answer(char byte);
+  std::string Read(const std::string& command) const;
+  std::string Write(const std::string& block, char check);
+
+  const std::string address_;  // with its digits doubled
+  const LineRule line_;
+  Values values_;
+  // The frame from its EOT on; empty between frames.
+  std::string frame_;
+};
+
+// The block check of these bytes, which begin after STX and end with ETX.
+char BlockCheck(std::string_view bytes);
+
+}  // namespace kesp::simulator

@@ -1,0 +1,81 @@
+// A switch that joins one serial line to one of several instruments.
+#include "simulator/port_switch.h"
+
+#include <utility>
+
+#include "simulator/bytes_text.h"
+
+namespace kesp::simulator {
+namespace {
+
+constexpr char kEscape = 27;
+constexpr char kStx = 2;
+constexpr char kEot = 4;
+constexpr std::size_t kLongestCommand = 16;
+
+}  // namespace
+
+PortSwitch::PortSwitch(PortNames names, Ports ports, std::optional<LineRule> line)
+    : names_(names), line_(line), ports_(std::move(ports)), selected_(ports_.end()) {}
+
+Deeds PortSwitch::Take(std::string_view bytes, Moment now) {
+  Deeds deeds;
+  // What was under way to the client when it sent these bytes.
+  for (auto port = ports_.begin(); port != ports_.end(); ++port) {
+    Deeds theirs = port->second->Take({}, now);
+    if (port == selected_) Append(deeds, std::move(theirs));
+  }
+  for (const char byte : bytes) TakeByte(byte, now, deeds);
+  return deeds;
+}
+
+std::optional<Moment> PortSwitch::Due() const {
+  std::optional<Moment> due;
+  for (const auto& [name, device] : ports_) due = Earlier(due, device->Due());
+  return due;
+}
+
+void PortSwitch::TakeByte(char byte, Moment now, Deeds& deeds) {
+  if (command_.empty() && byte != kEscape) return PassOn({&byte, 1}, now, deeds);
+  command_ += byte;
+  if (command_.size() == 1) return;
+  const bool over = command_.size() > 2 && (byte == '\r' || byte == kEot);
+  if (over) return Obey(deeds);
+  if (command_[1] == kStx && command_.size() <= kLongestCommand) return;
+  // An escape sequence meant for the instrument.
+  PassOn(std::exchange(command_, std::string()), now, deeds);
+}
+
+void PortSwitch::Obey(Deeds& deeds) {
+  const std::string text = std::exchange(command_, std::string()).substr(2);
+  const std::string release = names_ == PortNames::kPlain ? "\x04" : "\x02\x04";
+  if (text == release) {
+    selected_ = ports_.end();
+    deeds.events.emplace_back("released");
+    return;
+  }
+  for (auto port = ports_.begin(); port != ports_.end(); ++port) {
+    if (text != Written(port->first) + "\r") continue;
+    selected_ = port;
+    deeds.events.push_back("selected " + port->first);
+    return;
+  }
+  deeds.events.push_back("not understood " + Quoted(text));
+}
+
+void PortSwitch::PassOn(std::string_view bytes, Moment now, Deeds& deeds) {
+  if (selected_ == ports_.end()) {
+    deeds.events.push_back("lost " + Quoted(bytes) + ", no port is selected");
+    return;
+  }
+  Deeds theirs = selected_->second->Take(bytes, now);
+  for (std::string& event : theirs.events) event.insert(0, "port " + selected_->first + ": ");
+  Append(deeds, std::move(theirs));
+}
+
+std::string PortSwitch::Written(const std::string& name) const {
+  if (names_ == PortNames::kPlain || name.size() >= 2) return name;
+  return "0" + name;
+}
+
+}  // namespace kesp::simulator

@@ -1,0 +1,46 @@
+// A switch that joins one serial line to one of several instruments.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "simulator/device.h"
+
+namespace kesp::simulator {
+
+// How the switch writes its commands.
+enum class PortNames {
+  kPlain,      // four ports: the name as it is, released by ESC STX EOT
+  kTwoDigits,  // six or eight: the name in two characters ("0A"), released by ESC STX STX EOT
+};
+
+// Takes ESC STX name CR, which selects a port, and the release; a name that it has not changes nothing. All
+// other bytes go to the instrument at the selected port and come from there; without one they are lost.
+class PortSwitch : public Device {
+ public:
+  using Ports = std::map<std::string, std::unique_ptr<Device>>;
+
+  // The ports by their names as the user knows them ("A").
+  PortSwitch(PortNames names, Ports ports, std::optional<LineRule> line);
+
+  Deeds Take(std::string_view bytes, Moment now) override;
+  std::optional<Moment> Due() const override;
+  std::optional<LineRule> Line() const override { return line_; }
+
+ private:
+  void TakeByte(char byte, Moment now, Deeds& deeds);
+  void Obey(Deeds& deeds);
+  void PassOn(std::string_view bytes, Moment now, Deeds& deeds);
+  std::string Written(const std::string& name) const;
+
+  const PortNames names_;
+  const std::optional<LineRule> line_;
+  Ports ports_;
+  Ports::iterator selected_;
+  // The command from its ESC on; empty between commands.
+  std::string command_;
+};
+
+}  // namespace kesp::simulator
