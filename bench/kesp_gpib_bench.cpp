@@ -38,12 +38,12 @@ std::string BusOf(const std::string& devices) {
 }
 
 std::string AnsweringDevice() {
-  return R"({"primary": )" + std::to_string(kAddress) +
-         R"(, "reply_terminator": "", "commands": {"*IDN?": ")" + kReply + R"("}})";
+  return R"({"gpib": {"primary": )" + std::to_string(kAddress) +
+         R"(}, "reply_terminator": "", "commands": {"*IDN?": ")" + kReply + R"("}})";
 }
 
 std::string SilentDevice(int primary_address) {
-  return R"({"primary": )" + std::to_string(primary_address) + "}";
+  return R"({"gpib": {"primary": )" + std::to_string(primary_address) + "}}";
 }
 
 // Runs the work on a thread and in an apartment of its own with that bus: a registration with the driver does

@@ -1,16 +1,11 @@
-// Reads the lists of actions of a personality file.
+// Reads what is done in answer to a command.
 #include "simulator/action_reader.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <nlohmann/json.hpp>
 #include <random>
 #include <string_view>
 #include <variant>
-
-#include "simulator/json_fields.h"
-#include "simulator/personality_error.h"
-#include "simulator/turns_reader.h"
 
 namespace kesp::simulator {
 namespace {
@@ -21,90 +16,99 @@ constexpr Range kRandomBytes{1, std::int64_t{64} * 1024 * 1024};
 constexpr Range kRepeatedBytes{1, std::int64_t{1024} * 1024 * 1024};
 constexpr Range kSeed{0, UINT32_MAX};
 
-std::chrono::milliseconds Milliseconds(const JsonFields& fields, std::string_view field) {
-  return std::chrono::milliseconds(fields.Whole(field, kMilliseconds));
+// The members of an action. Its name is one of them, so it is there.
+class ActionFields : public Fields {
+ public:
+  ActionFields(const Entry& entry, const AnswerForm& form) : Fields(entry), form_(form) {}
+
+  std::string Text(std::string_view name) { return Need(name)->Text(); }
+  std::int64_t Number(std::string_view name, Range range) {
+    const std::optional<Entry> found = Need(name);
+    return found ? found->Whole(range) : range.least;
+  }
+  std::chrono::milliseconds Milliseconds(std::string_view name) {
+    return std::chrono::milliseconds(Number(name, kMilliseconds));
+  }
+  std::string End() { return TextOr("end", form_.reply_terminator); }
+  void RequireTrue(std::string_view name) { Need(name)->RequireTrue(); }
+  void RequireOwnLine() const {
+    if (form_.line == LineOwner::kOther)
+      entry().Wrong("needs a line of the device's own, which it has not behind another one or on a bus");
+  }
+
+ private:
+  const AnswerForm& form_;
+};
+
+Action ReadSend(ActionFields& fields) {
+  const std::string text = fields.Text("send");
+  return Send{text + fields.End()};
 }
 
-std::string Ended(const JsonFields& fields, std::string_view field, const std::string& reply_terminator) {
-  return fields.Text(field) + fields.TextOr("end", reply_terminator);
+Action ReadSendHex(ActionFields& fields) {
+  return Send{fields.Need("send_hex")->Hex()};
 }
 
-Action ReadSend(const JsonFields& fields, const std::string& reply_terminator) {
-  fields.AllowOnly({"send", "end"});
-  return Send{Ended(fields, "send", reply_terminator)};
+Action ReadWait(ActionFields& fields) {
+  return Wait{fields.Milliseconds("wait_ms")};
 }
 
-Action ReadSendHex(const JsonFields& fields, const std::string& /*reply_terminator*/) {
-  fields.AllowOnly({"send_hex"});
-  return Send{fields.Hex("send_hex")};
+Action ReadSplit(ActionFields& fields) {
+  const std::string text = fields.Text("split");
+  return SendPieces{text + fields.End(), static_cast<std::size_t>(fields.Number("pieces", kPieces)),
+                    fields.Milliseconds("gap_ms")};
 }
 
-Action ReadWait(const JsonFields& fields, const std::string& /*reply_terminator*/) {
-  fields.AllowOnly({"wait_ms"});
-  return Wait{Milliseconds(fields, "wait_ms")};
+Action ReadTrickle(ActionFields& fields) {
+  const std::string bytes = fields.Text("trickle") + fields.End();
+  return SendPieces{bytes, std::max<std::size_t>(1, bytes.size()), fields.Milliseconds("gap_ms")};
 }
 
-Action ReadSplit(const JsonFields& fields, const std::string& reply_terminator) {
-  fields.AllowOnly({"split", "pieces", "gap_ms", "end"});
-  return SendPieces{Ended(fields, "split", reply_terminator),
-                    static_cast<std::size_t>(fields.Whole("pieces", kPieces)),
-                    Milliseconds(fields, "gap_ms")};
-}
-
-Action ReadTrickle(const JsonFields& fields, const std::string& reply_terminator) {
-  fields.AllowOnly({"trickle", "gap_ms", "end"});
-  const std::string bytes = Ended(fields, "trickle", reply_terminator);
-  return SendPieces{bytes, std::max<std::size_t>(1, bytes.size()), Milliseconds(fields, "gap_ms")};
-}
-
-Action ReadRandom(const JsonFields& fields, const std::string& /*reply_terminator*/) {
-  fields.AllowOnly({"random", "seed"});
+Action ReadRandom(ActionFields& fields) {
   std::mt19937 generator(static_cast<std::uint32_t>(fields.WholeOr("seed", kSeed, 1)));
-  std::string bytes(static_cast<std::size_t>(fields.Whole("random", kRandomBytes)), '\0');
+  std::string bytes(static_cast<std::size_t>(fields.Number("random", kRandomBytes)), '\0');
   for (char& byte : bytes) byte = static_cast<char>(generator() & 0xFFU);
   return Send{bytes};
 }
 
-Action ReadRepeat(const JsonFields& fields, const std::string& reply_terminator) {
-  fields.AllowOnly({"repeat", "bytes", "end"});
+Action ReadRepeat(ActionFields& fields) {
   const std::string pattern = fields.Text("repeat");
-  if (pattern.empty()) throw PersonalityError(fields.PlaceOf("repeat"), "must not be empty");
-  return SendRepeated{pattern, static_cast<std::size_t>(fields.Whole("bytes", kRepeatedBytes)),
-                      fields.TextOr("end", reply_terminator)};
+  if (pattern.empty()) fields.Need("repeat")->Wrong("must not be empty");
+  return SendRepeated{pattern, static_cast<std::size_t>(fields.Number("bytes", kRepeatedBytes)),
+                      fields.End()};
 }
 
-Action ReadFlood(const JsonFields& fields, const std::string& /*reply_terminator*/) {
-  fields.AllowOnly({"flood_ms"});
-  return Flood{Milliseconds(fields, "flood_ms")};
+Action ReadFlood(ActionFields& fields) {
+  fields.RequireOwnLine();
+  return Flood{fields.Milliseconds("flood_ms")};
 }
 
-Action ReadClose(const JsonFields& fields, const std::string& /*reply_terminator*/) {
-  fields.AllowOnly({"close"});
+Action ReadClose(ActionFields& fields) {
+  fields.RequireOwnLine();
   fields.RequireTrue("close");
   return Ending::kClose;
 }
 
-Action ReadReset(const JsonFields& fields, const std::string& /*reply_terminator*/) {
-  fields.AllowOnly({"reset"});
+Action ReadReset(ActionFields& fields) {
+  fields.RequireOwnLine();
   fields.RequireTrue("reset");
   return Ending::kReset;
 }
 
-Action ReadEcho(const JsonFields& fields, const std::string& reply_terminator) {
-  fields.AllowOnly({"echo", "end"});
+Action ReadEcho(ActionFields& fields) {
   fields.RequireTrue("echo");
-  return Echo{fields.TextOr("end", reply_terminator)};
+  return Echo{fields.End()};
 }
 
-Action ReadMergeNext(const JsonFields& fields, const std::string& /*reply_terminator*/) {
-  fields.AllowOnly({"merge_next"});
+Action ReadMergeNext(ActionFields& fields) {
+  fields.RequireOwnLine();
   fields.RequireTrue("merge_next");
   return HoldForNext{};
 }
 
 struct Kind {
   std::string_view name;
-  Action (*read)(const JsonFields& fields, const std::string& reply_terminator);
+  Action (*read)(ActionFields& fields);
 };
 
 constexpr Kind kKinds[] = {
@@ -120,41 +124,62 @@ bool CanBeHeld(const Action& action) {
          std::holds_alternative<HoldForNext>(action);
 }
 
-ActionList ReadList(const nlohmann::json& list, const std::string& place,
-                    const std::string& reply_terminator) {
+ActionList ReadList(const Entry& entry, const AnswerForm& form) {
   ActionList actions;
-  for (std::size_t i = 0; i < list.size(); ++i) {
-    actions.push_back(ReadAction(list[i], place + "/" + std::to_string(i), reply_terminator));
-  }
+  for (const Entry& item : entry.Items()) actions.push_back(ReadAction(item, form));
   const bool held = std::any_of(actions.begin(), actions.end(), [](const Action& action) {
     return std::holds_alternative<HoldForNext>(action);
   });
-  if (held && !std::all_of(actions.begin(), actions.end(), CanBeHeld)) {
-    throw PersonalityError(place, R"("merge_next" goes only with "send", "send_hex", "random" and "echo")");
-  }
+  if (held && !std::all_of(actions.begin(), actions.end(), CanBeHeld))
+    entry.Wrong(R"("merge_next" goes only with "send", "send_hex", "random" and "echo")");
   return actions;
+}
+
+ActionList ReadOne(const Entry& entry, const AnswerForm& form) {
+  if (entry.Is(Value::Kind::kText)) return {Send{entry.Text() + form.reply_terminator}};
+  if (entry.Is(Value::Kind::kList)) return ReadList(entry, form);
+  if (!entry.Is(Value::Kind::kNull))
+    entry.Wrong("must be a text, null, a list of actions, or {\"cycle\": [...]} of these");
+  return {};
 }
 
 }  // namespace
 
-Action ReadAction(const nlohmann::json& value, const std::string& place,
-                  const std::string& reply_terminator) {
-  const JsonFields fields(value, place);
-  for (const Kind& kind : kKinds) {
-    if (fields.Has(kind.name)) return kind.read(fields, reply_terminator);
+Action ReadAction(const Entry& entry, const AnswerForm& form) {
+  if (entry.Is(Value::Kind::kText)) {
+    entry.Wrong("must be an action, such as {\"send\": \"...\"}; texts in turn are {\"cycle\": [...]}");
+    return Send{};
   }
+  ActionFields fields(entry, form);
   std::string known;
-  for (const Kind& kind : kKinds) known += (known.empty() ? "" : ", ") + std::string(kind.name);
-  throw PersonalityError(place, "is not a known action (" + known + ")");
+  for (const Kind& kind : kKinds) {
+    if (fields.Has(kind.name)) {
+      const Action action = kind.read(fields);
+      fields.Finish();
+      return action;
+    }
+    known += (known.empty() ? "" : ", ") + std::string(kind.name);
+  }
+  if (entry.Is(Value::Kind::kObject)) entry.Wrong("is not a known action (" + known + ")");
+  return Send{};
 }
 
-Answer ReadAnswer(const nlohmann::json& value, const std::string& place,
-                  const std::string& reply_terminator) {
+void ReadTurns(const Entry& entry, const std::function<void(const Entry&)>& read_one) {
+  if (!entry.Is(Value::Kind::kObject)) return read_one(entry);
+  Fields fields(entry);
+  if (const std::optional<Entry> cycle = fields.Need("cycle")) {
+    const std::vector<Entry> turns = cycle->Items();
+    if (turns.empty()) cycle->Wrong("must be a list of one or more answers");
+    for (const Entry& turn : turns) read_one(turn);
+  }
+  fields.Finish();
+}
+
+Answer ReadAnswer(const Entry& entry, const AnswerForm& form) {
   Answer answer;
   answer.turns.clear();
-  ReadTurns(value, place, [&](const nlohmann::json& list, const std::string& list_place) {
-    answer.turns.push_back(ReadList(list, list_place, reply_terminator));
-  });
+  ReadTurns(entry, [&](const Entry& turn) { answer.turns.push_back(ReadOne(turn, form)); });
+  if (answer.turns.empty()) answer.turns.emplace_back();
   return answer;
 }
 

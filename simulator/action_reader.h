@@ -1,22 +1,30 @@
-// Reads the lists of actions of a personality file.
+// Reads what is done in answer to a command.
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
+#include <functional>
 #include <string>
 
 #include "simulator/action.h"
+#include "simulator/fields.h"
 
 namespace kesp::simulator {
 
-// Reads one action.
-//
-// reply_terminator ends the texts of "send", "split", "trickle", "repeat" and "echo" that do not give an
-// "end" of their own. Throws PersonalityError, with a place at or below `place`, for an unknown action or
-// field, a missing one, a wrong type and a number out of its range.
-Action ReadAction(const nlohmann::json& value, const std::string& place, const std::string& reply_terminator);
+// Whose line the answers go out on: a device behind another one, or on a bus, cannot close, reset or flood
+// it, nor hold replies back.
+enum class LineOwner { kDevice, kOther };
 
-// Reads what a command is answered with: a list of actions, or {"cycle": [list, list, ...]}. Throws
-// PersonalityError as ReadAction does, and for actions that cannot stand in one list.
-Answer ReadAnswer(const nlohmann::json& value, const std::string& place, const std::string& reply_terminator);
+struct AnswerForm {
+  std::string reply_terminator = "\r";
+  LineOwner line = LineOwner::kDevice;
+};
+
+// One action, from an object.
+Action ReadAction(const Entry& entry, const AnswerForm& form);
+
+// A text, null, a list of actions, or {"cycle": [...]} of such answers.
+Answer ReadAnswer(const Entry& entry, const AnswerForm& form);
+
+// Hands on each answer of a cycle, or the only one.
+void ReadTurns(const Entry& entry, const std::function<void(const Entry&)>& read_one);
 
 }  // namespace kesp::simulator

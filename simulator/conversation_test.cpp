@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "simulator/carrier_fake.h"
-#include "simulator/personality_reader.h"
+#include "simulator/description.h"
 
 namespace kesp::simulator {
 namespace {
@@ -18,7 +18,7 @@ class ConversationTest : public testing::Test {
  protected:
   // The log of a conversation with this input, without the times.
   std::string Talk(const std::string& personality, std::deque<std::string> input) {
-    Instrument instrument(ReadPersonality(personality));
+    Instrument instrument(ReadInstrument(personality));
     std::ostringstream lines;
     EventLog log({&lines}, [] { return std::string("-"); });
     carrier_.input = std::move(input);

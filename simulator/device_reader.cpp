@@ -1,13 +1,13 @@
-// Reads the devices that are more than a list of answers from their personality files.
+// Reads the devices that are more than a list of answers.
 #include "simulator/device_reader.h"
 
-#include <nlohmann/json.hpp>
+#include <iterator>
+#include <string_view>
 #include <utility>
 
 #include "simulator/bytes_text.h"
-#include "simulator/json_fields.h"
-#include "simulator/json_file.h"
-#include "simulator/line_rule_reader.h"
+#include "simulator/description.h"
+#include "simulator/description_error.h"
 #include "simulator/modem_memory.h"
 #include "simulator/omega_controller.h"
 #include "simulator/personality_reader.h"
@@ -18,136 +18,163 @@
 namespace kesp::simulator {
 namespace {
 
-using nlohmann::json;
 namespace fs = std::filesystem;
 
 constexpr Range kGuard{0, 3'600'000};
 constexpr std::int64_t kPlainModel = 4;
+constexpr std::string_view kRegisters[] = {"SH", "SL", "PL", "ID", "CH", "MY", "CT", "DH", "DL"};
 
-std::optional<LineRule> LineOf(const JsonFields& fields) {
-  if (!fields.Has("line")) return std::nullopt;
-  return ReadLineRule(fields.Value("line"), fields.PlaceOf("line"));
+std::optional<LineRule> LineOf(Fields& fields) {
+  const std::optional<Entry> line = fields.Find("line");
+  if (!line) return std::nullopt;
+  return ReadLineRule(*line);
 }
 
-bool IsDevice(const json& value) {
-  return value.is_object() && value.contains("device");
+// Paths are UTF-8 here as everywhere.
+fs::path PathIn(const fs::path& folder, const std::string& utf8) {
+  return folder / fs::path(std::u8string(utf8.begin(), utf8.end()));
 }
 
 // A device, or an instrument that stands at another device's line: an object, or the name of its file.
-std::unique_ptr<Device> ReadAttached(const json& value, const std::string& place, const fs::path& folder) {
-  if (value.is_string()) {
-    const fs::path file = folder / TextAt(value.get<std::string>(), place);
-    const json contents = ParseJson(ContentsOf(file));
-    // Files could name each other in a circle.
-    if (IsDevice(contents)) throw PersonalityError(place, "names a device; write it here instead");
-    return ReadAttached(contents, place, folder);
+std::unique_ptr<Device> ReadAttached(const Entry& entry, const fs::path& folder) {
+  if (!entry.Is(Value::Kind::kText)) {
+    if (IsDevice(entry)) return ReadDevice(entry, folder);
+    return std::make_unique<PlayedDevice>(ReadPersonality(entry, LineOwner::kOther));
   }
-  if (IsDevice(value)) return ReadDevice(value, place, folder);
-  return std::make_unique<PlayedDevice>(ReadPersonality(value, place), place);
+  const fs::path path = PathIn(folder, entry.Text());
+  const std::string file = path.string();
+  try {
+    const std::optional<Value> value = ParseJson(ContentsOf(path), file, entry.problems());
+    if (!value) return nullptr;
+    const Entry whole(*value, "", file, entry.problems());
+    // Files could name each other in a circle.
+    if (!IsDevice(whole)) return ReadAttached(whole, folder);
+    entry.Wrong("names a device; write it here instead");
+  } catch (const DescriptionError& error) {
+    entry.Wrong(error.what());
+  }
+  return nullptr;
 }
 
-std::unique_ptr<Device> ReadOmega(const JsonFields& fields) {
-  fields.AllowOnly({"description", "device", "line", "address", "values"});
-  const std::string address = fields.Text("address");
-  if (address.empty() || address.find_first_not_of("0123456789") != std::string::npos)
-    throw PersonalityError(fields.PlaceOf("address"), "must be digits");
-  const JsonFields named(fields.Value("values"), fields.PlaceOf("values"));
-  OmegaController::Values values;
-  for (const auto& item : fields.Value("values").items()) {
-    if (item.key().empty()) throw PersonalityError(named.place(), "has a value without a name");
-    values[TextAt(item.key(), named.PlaceOf(item.key()))] = named.Text(item.key());
+std::unique_ptr<Device> ReadOmega(Fields& fields) {
+  std::string digits;
+  if (const std::optional<Entry> address = fields.Need("address")) {
+    digits = address->Text();
+    if (digits.empty() || digits.find_first_not_of("0123456789") != std::string::npos)
+      address->Wrong("must be digits");
   }
-  return std::make_unique<OmegaController>(address, std::move(values),
+  OmegaController::Values values;
+  if (const std::optional<Entry> named = fields.Need("values")) {
+    const Fields must_be_an_object(*named);
+    for (const auto& [name, value] : named->Members()) {
+      if (name.empty()) named->Wrong("has a value without a name");
+      values[name] = value.Text();
+    }
+  }
+  return std::make_unique<OmegaController>(digits, std::move(values),
                                            LineOf(fields).value_or(LineRule{9600, 'E', 7, 1}));
 }
 
-ModemAnswers ReadAnswers(const JsonFields& fields) {
-  const std::string name = fields.TextOr("answers", "whole");
+ModemAnswers ReadModemAnswers(Fields& fields) {
+  const std::optional<Entry> answers = fields.Find("answers");
+  if (!answers) return ModemAnswers::kWhole;
+  const std::string name = answers->Text();
   const std::pair<const char*, ModemAnswers> all[] = {{"whole", ModemAnswers::kWhole},
                                                       {"none", ModemAnswers::kNone},
                                                       {"half_ok", ModemAnswers::kHalfOk},
                                                       {"no_cr", ModemAnswers::kNoCarriageReturn}};
-  for (const auto& [text, answers] : all) {
-    if (name == text) return answers;
+  for (const auto& [text, kind] : all) {
+    if (name == text) return kind;
   }
-  throw PersonalityError(fields.PlaceOf("answers"), "must be \"whole\", \"none\", \"half_ok\" or \"no_cr\"");
+  answers->Wrong("must be \"whole\", \"none\", \"half_ok\" or \"no_cr\"");
+  return ModemAnswers::kWhole;
 }
 
-std::uint32_t HexadecimalAt(const std::string& text, const std::string& place) {
+// text: of the entry, or its name.
+std::uint32_t HexadecimalAt(const std::string& text, const Entry& entry) {
   const std::optional<std::uint32_t> number = FromHexadecimal(text);
-  if (!number) throw PersonalityError(place, "must be a hexadecimal number of at most 8 digits");
-  return *number;
+  if (!number) entry.Wrong("must be a hexadecimal number of at most 8 digits");
+  return number.value_or(0);
 }
 
-ModemRegisters ReadRegisters(const JsonFields& fields) {
+ModemRegisters ReadRegisters(const Entry& entry) {
   ModemRegisters registers;
-  if (!fields.Has("registers")) return registers;
-  const JsonFields named(fields.Value("registers"), fields.PlaceOf("registers"));
-  named.AllowOnly({"SH", "SL", "PL", "ID", "CH", "MY", "CT", "DH", "DL"});
-  for (const auto& item : fields.Value("registers").items())
-    registers[item.key()] = HexadecimalAt(named.Text(item.key()), named.PlaceOf(item.key()));
+  Fields fields(entry);
+  for (const std::string_view name : kRegisters) {
+    if (const std::optional<Entry> value = fields.Find(name))
+      registers[std::string(name)] = HexadecimalAt(value->Text(), *value);
+  }
+  fields.Finish();
   return registers;
 }
 
-std::unique_ptr<Device> ReadModem(const JsonFields& fields, const fs::path& folder) {
-  fields.AllowOnly(
-      {"description", "device", "line", "guard_ms", "answers", "registers", "nonvolatile", "behind"});
+std::unique_ptr<Device> ReadModem(Fields& fields, const fs::path& folder) {
   RadioModemSetup setup;
   setup.line = LineOf(fields);
   setup.guard = std::chrono::milliseconds(fields.WholeOr("guard_ms", kGuard, setup.guard.count()));
-  setup.answers = ReadAnswers(fields);
-  setup.registers = ReadRegisters(fields);
-  if (fields.Has("nonvolatile")) {
-    const ModemMemory memory(folder / fields.Text("nonvolatile"));
-    for (const auto& [name, value] : memory.Load()) setup.registers[name] = value;
+  setup.answers = ReadModemAnswers(fields);
+  if (const std::optional<Entry> registers = fields.Find("registers"))
+    setup.registers = ReadRegisters(*registers);
+  if (const std::optional<Entry> file = fields.Find("nonvolatile")) {
+    const ModemMemory memory(PathIn(folder, file->Text()));
+    try {
+      for (const auto& [name, value] : memory.Load()) setup.registers[name] = value;
+    } catch (const DescriptionError& error) {
+      file->Wrong(error.what());
+    }
     setup.write = [memory](const ModemRegisters& registers) { memory.Save(registers); };
   }
-  const JsonFields behind(fields.Value("behind"), fields.PlaceOf("behind"));
-  for (const auto& item : fields.Value("behind").items()) {
-    const std::string place = behind.PlaceOf(item.key());
-    setup.behind[HexadecimalAt(item.key(), place)] = ReadAttached(item.value(), place, folder);
+  if (const std::optional<Entry> behind = fields.Need("behind")) {
+    const Fields must_be_an_object(*behind);
+    for (const auto& [name, device] : behind->Members())
+      setup.behind[HexadecimalAt(name, device)] = ReadAttached(device, folder);
   }
   return std::make_unique<RadioModem>(std::move(setup));
 }
 
-std::unique_ptr<Device> ReadSwitch(const JsonFields& fields, const fs::path& folder) {
-  fields.AllowOnly({"description", "device", "line", "model", "ports"});
-  const std::int64_t model = fields.Whole("model", {4, 8});
-  if (model % 2 != 0) throw PersonalityError(fields.PlaceOf("model"), "must be 4, 6 or 8");
-  const JsonFields named(fields.Value("ports"), fields.PlaceOf("ports"));
-  PortSwitch::Ports ports;
-  for (const auto& item : fields.Value("ports").items()) {
-    const std::string place = named.PlaceOf(item.key());
-    if (item.key().empty() || item.key().size() > 2)
-      throw PersonalityError(place, "must have a name of one or two characters");
-    ports[TextAt(item.key(), place)] = ReadAttached(item.value(), place, folder);
+std::unique_ptr<Device> ReadSwitch(Fields& fields, const fs::path& folder) {
+  std::int64_t model = kPlainModel;
+  if (const std::optional<Entry> number = fields.Need("model")) {
+    model = number->Whole({4, 8});
+    if (model % 2 != 0) number->Wrong("must be 4, 6 or 8");
   }
-  if (ports.size() > static_cast<std::size_t>(model))
-    throw PersonalityError(named.place(), "has more ports than the model");
+  PortSwitch::Ports ports;
+  if (const std::optional<Entry> named = fields.Need("ports")) {
+    const Fields must_be_an_object(*named);
+    for (const auto& [name, device] : named->Members()) {
+      if (name.empty() || name.size() > 2) device.Wrong("must have a name of one or two characters");
+      ports[name] = ReadAttached(device, folder);
+    }
+    if (ports.size() > static_cast<std::size_t>(model)) named->Wrong("has more ports than the model");
+  }
   const PortNames names = model == kPlainModel ? PortNames::kPlain : PortNames::kTwoDigits;
   return std::make_unique<PortSwitch>(names, std::move(ports), LineOf(fields));
 }
 
 }  // namespace
 
-std::unique_ptr<Device> ReadDevice(const json& value, const std::string& place, const fs::path& folder) {
-  const JsonFields fields(value, place);
-  fields.CheckDescription();
-  const std::string kind = fields.Text("device");
-  if (kind == "omega") return ReadOmega(fields);
-  if (kind == "radio_modem") return ReadModem(fields, folder);
-  if (kind == "port_switch") return ReadSwitch(fields, folder);
-  throw PersonalityError(fields.PlaceOf("device"), R"(must be "omega", "radio_modem" or "port_switch")");
+bool IsDevice(const Entry& entry) {
+  return entry.Member("device").has_value();
 }
 
-std::unique_ptr<Device> LoadDevice(const fs::path& file) {
-  const std::string text = ContentsOf(file);
-  try {
-    const json value = ParseJson(text);
-    return IsDevice(value) ? ReadDevice(value, "", file.parent_path()) : nullptr;
-  } catch (const PersonalityError& error) {
-    throw PersonalityError(file.string(), error.what());
+std::unique_ptr<Device> ReadDevice(const Entry& entry, const fs::path& folder) {
+  Fields fields(entry);
+  const Entry device = *fields.Need("device");
+  const std::string kind = device.Is(Value::Kind::kText) ? device.Text() : "";
+  std::unique_ptr<Device> read;
+  if (kind == "omega") {
+    read = ReadOmega(fields);
+  } else if (kind == "radio_modem") {
+    read = ReadModem(fields, folder);
+  } else if (kind == "port_switch") {
+    read = ReadSwitch(fields, folder);
+  } else {
+    // Of its other members nobody can say whether they are known.
+    device.Wrong(R"(must be "omega", "radio_modem" or "port_switch")");
+    return nullptr;
   }
+  fields.Finish();
+  return read;
 }
 
 }  // namespace kesp::simulator

@@ -1,23 +1,18 @@
-// Reads the devices that are more than a list of answers from their personality files.
+// Reads the devices that are more than a list of answers.
 #pragma once
 
 #include <filesystem>
 #include <memory>
-#include <nlohmann/json_fwd.hpp>
-#include <string>
 
 #include "simulator/device.h"
-#include "simulator/personality_error.h"
+#include "simulator/fields.h"
 
 namespace kesp::simulator {
 
-// The device that a file describes; nothing when the file is the personality of a plain instrument. Names of
-// other files in it count from the file's own folder. Throws PersonalityError, which begins with the file's
-// name.
-std::unique_ptr<Device> LoadDevice(const std::filesystem::path& file);
+// Whether the value is such a device: it has a member "device".
+bool IsDevice(const Entry& entry);
 
-// The same for an object at this place of a file in that folder.
-std::unique_ptr<Device> ReadDevice(const nlohmann::json& value, const std::string& place,
-                                   const std::filesystem::path& folder);
+// folder: the one of the file, in which files that it names are looked for. Null when there are mistakes.
+std::unique_ptr<Device> ReadDevice(const Entry& entry, const std::filesystem::path& folder);
 
 }  // namespace kesp::simulator

@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "simulator/datagram_port_fake.h"
+#include "simulator/description.h"
 #include "simulator/discovery_responder.h"
 #include "simulator/loopback_client.h"
-#include "simulator/personality_reader.h"
 #include "simulator/served_instrument.h"
 
 namespace kesp::simulator {
@@ -31,7 +31,7 @@ const std::string kFolder = KESP_EXAMPLES "/discovery/";
 // What is done in answer to so many requests, in the fake port's words.
 std::vector<std::string> Discover(const std::string& name, int requests = 1,
                                   const std::optional<AddressRange>& from = std::nullopt) {
-  Instrument instrument(LoadPersonality(kFolder + name));
+  Instrument instrument(LoadInstrument(kFolder + name));
   EventLog log({}, TimeOfDay);
   DatagramPortFake port;
   for (int i = 0; i < requests; ++i)
@@ -44,7 +44,7 @@ std::vector<std::string> Discover(const std::string& name, int requests = 1,
 }
 
 std::string Identity(const std::string& name) {
-  const ServedInstrument served(LoadPersonality(kFolder + name));
+  const ServedInstrument served(LoadInstrument(kFolder + name));
   return LoopbackClient(served.port()).Ask("*IDN?");
 }
 
@@ -55,7 +55,7 @@ TEST(DiscoveryPersonalities, EveryFile_IsDescribedAndRead) {
   for (const auto& entry : std::filesystem::directory_iterator(kFolder)) {
     std::ifstream stream(entry.path());
     EXPECT_TRUE(nlohmann::json::parse(stream).contains("description")) << entry.path();
-    EXPECT_NO_THROW(LoadPersonality(entry.path())) << entry.path();
+    EXPECT_NO_THROW(LoadInstrument(entry.path())) << entry.path();
     ++count;
   }
   EXPECT_EQ(count, 16U);
@@ -102,7 +102,7 @@ TEST(DiscoveryPersonalities, Malformed_NeverHasF7) {
 
 TEST(DiscoveryPersonalities, Oversize_HasF7AtItsEnd) {
   const auto datagram =
-      std::get<Datagram>(LoadPersonality(kFolder + "oversize.json").discovery.turns.at(0).at(0));
+      std::get<Datagram>(LoadInstrument(kFolder + "oversize.json").discovery.turns.at(0).at(0));
   EXPECT_EQ(datagram.bytes.size(), 65'507U);
   EXPECT_EQ(datagram.bytes.find('\xF7'), 65'506U);
 }
@@ -132,7 +132,7 @@ TEST(DiscoveryPersonalities, Fields_AreCounted) {
 }
 
 TEST(DiscoveryPersonalities, Endless_HasNoTerminatorAndStays) {
-  const ServedInstrument served(LoadPersonality(kFolder + "endless.json"));
+  const ServedInstrument served(LoadInstrument(kFolder + "endless.json"));
   LoopbackClient client(served.port());
   client.Send("*IDN?\r");
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
@@ -149,7 +149,7 @@ TEST(DiscoveryPersonalities, Endless_HasNoTerminatorAndStays) {
 }
 
 TEST(DiscoveryPersonalities, Mute_ListensAndSaysNothing) {
-  const ServedInstrument served(LoadPersonality(kFolder + "mute.json"));
+  const ServedInstrument served(LoadInstrument(kFolder + "mute.json"));
   LoopbackClient client(served.port());
   client.Send("*IDN?\r");
   const Reply reply = client.ReadTo("\r", milliseconds(100));

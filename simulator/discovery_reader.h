@@ -1,16 +1,13 @@
-// Reads how a personality answers discovery.
+// Reads how a device answers discovery.
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
-#include <string>
-
 #include "simulator/discovery_answer.h"
+#include "simulator/fields.h"
 
 namespace kesp::simulator {
 
-// Reads a list of actions, or {"cycle": [list, list, ...]}. Texts have no terminator but the "end" that they
-// give. Throws PersonalityError, with a place at or below `place`, as ReadAnswer does, and for actions that
-// make no sense for datagrams and datagrams that are too long.
-DiscoveryAnswer ReadDiscoveryAnswer(const nlohmann::json& value, const std::string& place);
+// An answer as ReadAnswer takes it, with the actions that make sense for datagrams. Texts have no terminator
+// but the "end" that they give.
+DiscoveryAnswer ReadDiscoveryAnswer(const Entry& entry);
 
 }  // namespace kesp::simulator

@@ -11,7 +11,7 @@
 #include <sstream>
 
 #include "simulator/datagram_port_fake.h"
-#include "simulator/personality_reader.h"
+#include "simulator/description.h"
 
 namespace kesp::simulator {
 namespace {
@@ -25,7 +25,7 @@ class DiscoveryResponderTest : public testing::Test {
  protected:
   // The log after these datagrams have been answered, without the times.
   std::string Answer(const std::string& discovery, const std::vector<std::string>& datagrams) {
-    Instrument instrument(ReadPersonality(R"({"discovery": )" + discovery + "}"));
+    Instrument instrument(ReadInstrument(R"({"discovery": )" + discovery + "}"));
     std::ostringstream lines;
     EventLog log({&lines}, [] { return std::string("-"); });
     for (const std::string& bytes : datagrams) port_.input.push_back(ReceivedDatagram{bytes, kClient, {}});

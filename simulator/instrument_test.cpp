@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "simulator/personality_reader.h"
+#include "simulator/description.h"
 
 namespace kesp::simulator {
 namespace {
@@ -15,7 +15,7 @@ std::string Reply(const ActionList& actions) {
 }
 
 TEST(Instrument, Discovered_GoesRoundApartFromCommands) {
-  Instrument instrument(ReadPersonality(R"({
+  Instrument instrument(ReadInstrument(R"({
     "discovery": {"cycle": [[], [{"send": "1"}, {"send": "2"}]]},
     "commands": {"A?": {"cycle": [[{"send": "a"}], [{"send": "b"}]]}}
   })"));
@@ -27,7 +27,7 @@ TEST(Instrument, Discovered_GoesRoundApartFromCommands) {
 }
 
 TEST(Instrument, Command_ExactThenLongestPrefixThenDefault) {
-  Instrument instrument(ReadPersonality(R"({
+  Instrument instrument(ReadInstrument(R"({
     "reply_terminator": "",
     "commands": {"SET": [{"send": "exact"}], "SET *": [{"send": "short"}], "SET TEMP*": [{"send": "long"}],
                  "SET TEMP 5": [{"send": "exact five"}]},
@@ -45,7 +45,7 @@ TEST(Instrument, Command_ExactThenLongestPrefixThenDefault) {
 }
 
 TEST(Instrument, Cycle_GoesRoundForEachCommandByItself) {
-  Instrument instrument(ReadPersonality(R"({
+  Instrument instrument(ReadInstrument(R"({
     "reply_terminator": "",
     "on_connect": {"cycle": [[{"send": "first"}], []]},
     "commands": {"A?": {"cycle": [[{"send": "1"}], [{"send": "2"}]]}, "B*": {"cycle": [[{"send": "3"}], []]}}
@@ -59,8 +59,8 @@ TEST(Instrument, Cycle_GoesRoundForEachCommandByItself) {
   EXPECT_EQ(Reply(instrument.Connected()), "nothing");
 }
 
-TEST(Instrument, BuiltInPersonality_AnswersAsDocumented) {
-  Instrument instrument(BuiltInPersonality());
+TEST(Instrument, BuiltInInstrument_AnswersAsDocumented) {
+  Instrument instrument(BuiltInInstrument());
   EXPECT_EQ(instrument.terminator(), "\r");
   EXPECT_EQ(Reply(instrument.Connected()), "nothing");
   EXPECT_EQ(Reply(instrument.Command("*IDN?")), "KESP,7100,SIM00001,1.0\r");

@@ -1,20 +1,25 @@
 // kesp-sim: simulates laboratory instruments.
+#include <algorithm>
 #include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <utility>
+#include <variant>
 #include <vector>
 
+#include "simulator/bytes_text.h"
 #include "simulator/conversation.h"
-#include "simulator/device_reader.h"
+#include "simulator/description.h"
+#include "simulator/description_error.h"
 #include "simulator/device_talk.h"
 #include "simulator/event_log.h"
+#include "simulator/examples.h"
 #include "simulator/instrument.h"
 #include "simulator/making.h"
 #include "simulator/options.h"
-#include "simulator/personality_reader.h"
 #include "simulator/platform.h"
 #include "simulator/serving.h"
 #include "simulator/wire.h"
@@ -25,40 +30,98 @@ namespace {
 // A device has one line and one client.
 void ServeDevice(const Options& options, Device& device, EventLog& log) {
   if (options.serial.empty())
-    throw PersonalityError(options.file, "is a device at a serial line, which goes with --serial");
+    throw DescriptionError(options.file + ": is a device at a serial line, which goes with --serial");
   ServeSerial(options.serial, device.Line(), [&device, &log](Carrier& carrier) {
     return std::make_unique<DeviceTalk>(carrier, device, log, 1);
   });
 }
 
-void Serve(const Options& options, EventLog& log) {
-  if (options.command == Command::kWire) return ServeWire(options);
-  const std::unique_ptr<Device> device = options.file.empty() ? nullptr : LoadDevice(options.file);
-  if (device != nullptr) return ServeDevice(options, *device, log);
-  Instrument instrument(options.file.empty() ? BuiltInPersonality() : LoadPersonality(options.file));
+void ServeInstrument(const Options& options, Personality personality, EventLog& log) {
+  Instrument instrument(std::move(personality));
   if (options.serial.empty()) return ServeTcp(options, instrument, log);
   ServeSerial(options.serial, instrument.line(), [&instrument, &log](Carrier& carrier) {
     return std::make_unique<Conversation>(carrier, instrument, log, 1);
   });
 }
 
-int Run(const Options& options) {
+std::filesystem::path PathOf(const std::string& utf8) {
+  return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+void Serve(const Options& options, EventLog& log) {
+  if (options.file.empty()) return ServeInstrument(options, BuiltInInstrument(), log);
+  Description description = LoadDescription(PathOf(options.file));
+  if (const auto* device = std::get_if<std::unique_ptr<Device>>(&description))
+    return ServeDevice(options, **device, log);
+  if (auto* personality = std::get_if<Personality>(&description))
+    return ServeInstrument(options, std::move(*personality), log);
+  throw DescriptionError(options.file + ": is a bus, which the simulated GPIB driver plays (Gpib-32.json)");
+}
+
+// "an instrument", for what was read without a mistake.
+struct KindOf {
+  std::string operator()(const Personality& personality) const {
+    return "an instrument with " +
+           Counted(personality.commands.size() + personality.prefixes.size(), "command");
+  }
+  std::string operator()(const std::unique_ptr<Device>& /*device*/) const {
+    return "a device at a serial line";
+  }
+  std::string operator()(const gpib::BusDescription& bus) const {
+    return "a bus with " + Counted(bus.devices.size(), "device");
+  }
+};
+
+void Check(const Options& options) {
+  std::cout << options.file << ": " << std::visit(KindOf(), LoadDescription(PathOf(options.file))) << "\n";
+}
+
+void WriteExample(const Options& options) {
+  const auto example = std::find_if(Examples().begin(), Examples().end(),
+                                    [&options](const Example& each) { return each.kind == options.kind; });
+  if (options.file.empty()) {
+    std::cout << example->text;
+    return;
+  }
+  const std::filesystem::path path = PathOf(options.file);
+  if (std::filesystem::exists(path)) throw DescriptionError(options.file + ": is there already");
+  std::ofstream stream(path);
+  if (!(stream << example->text << std::flush)) throw DescriptionError(options.file + ": cannot be written");
+}
+
+void ServeWithLog(const Options& options) {
   std::vector<std::ostream*> sinks;
   if (!options.quiet) sinks.push_back(&std::cerr);
   std::ofstream log_file;
   if (!options.log.empty()) {
-    log_file.open(std::filesystem::path(options.log), std::ios::app);
+    log_file.open(PathOf(options.log), std::ios::app);
     if (!log_file) {
-      std::cerr << "kesp-sim: " << options.log << ": cannot be written\n";
-      return kExitBadInput;
+      throw DescriptionError(options.log + ": cannot be written");
     }
     sinks.push_back(&log_file);
   }
   EventLog log(sinks, TimeOfDay);
+  Serve(options, log);
+}
+
+void Do(const Options& options) {
+  switch (options.command) {
+    case Command::kServe:
+      return ServeWithLog(options);
+    case Command::kWire:
+      return ServeWire(options);
+    case Command::kCheck:
+      return Check(options);
+    case Command::kExample:
+      return WriteExample(options);
+  }
+}
+
+int Run(const Options& options) {
   try {
-    Serve(options, log);
-  } catch (const PersonalityError& error) {
-    std::cerr << "kesp-sim: " << error.what() << "\n";
+    Do(options);
+  } catch (const DescriptionError& error) {
+    std::cerr << error.what() << "\n";
     return kExitBadInput;
   } catch (const CannotError& error) {
     std::cerr << "kesp-sim: cannot " << error.what() << "\n";

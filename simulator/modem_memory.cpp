@@ -6,7 +6,7 @@
 #include <system_error>
 
 #include "simulator/bytes_text.h"
-#include "simulator/personality_error.h"
+#include "simulator/description_error.h"
 
 namespace kesp::simulator {
 
@@ -17,7 +17,7 @@ ModemRegisters ModemMemory::Load() const {
     const std::size_t sign = line.find('=');
     const std::optional<std::uint32_t> value =
         sign == std::string::npos ? std::nullopt : FromHexadecimal(line.substr(sign + 1));
-    if (!value) throw PersonalityError(file_.string(), "\"" + line + "\" is not a saved register");
+    if (!value) throw DescriptionError(file_.string() + ": \"" + line + "\" is not a saved register");
     registers[line.substr(0, sign)] = *value;
   }
   return registers;

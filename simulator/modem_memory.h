@@ -12,7 +12,7 @@ class ModemMemory {
  public:
   explicit ModemMemory(std::filesystem::path file) : file_(std::move(file)) {}
 
-  // What was saved last; nothing when nothing ever was. Throws PersonalityError, with the file's name, for
+  // What was saved last; nothing when nothing ever was. Throws DescriptionError, with the file's name, for
   // contents that were not saved here.
   ModemRegisters Load() const;
 

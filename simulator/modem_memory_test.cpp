@@ -8,7 +8,7 @@
 #include <fstream>
 #include <system_error>
 
-#include "simulator/personality_error.h"
+#include "simulator/description_error.h"
 
 namespace kesp::simulator {
 namespace {
@@ -34,7 +34,7 @@ TEST_F(ModemMemoryTest, Save_IsLoadedAgainAndReplacesWhatWasThere) {
 TEST_F(ModemMemoryTest, OtherContents_AreRefused) {
   for (const char* text : {"DL", "DL=xyz", "DL="}) {
     std::ofstream(file_) << text << "\n";
-    EXPECT_THROW(memory_.Load(), PersonalityError) << text;
+    EXPECT_THROW(memory_.Load(), DescriptionError) << text;
   }
 }
 

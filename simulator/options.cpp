@@ -6,6 +6,8 @@
 #include <asio/ip/address.hpp>
 #include <sstream>
 
+#include "simulator/examples.h"
+
 namespace kesp::simulator {
 namespace {
 
@@ -24,6 +26,9 @@ constexpr char kMore[] =
     "  kesp-sim --serial COM7                     at one end of a null modem (Windows)\n"
     "  kesp-sim --serial ~/.wine/dosdevices/com33 at a serial line of its own, COM33 in Wine (Linux)\n"
     "\n"
+    "  kesp-sim example device meter.json         writes a commented description to start from\n"
+    "  kesp-sim check meter.json                  tells every mistake in it\n"
+    "\n"
     "kesp-sim serve --help lists the options of \"serve\".\n"
     "Exit codes: 0 ended as asked, 1 cannot listen or open the line, 2 a mistake in the command line or in a "
     "file.\n"
@@ -35,6 +40,11 @@ constexpr char kAboutServe[] =
     "--discovery, \"discovery on ADDRESS:PORT\") or \"serving LINE\". The built-in instrument answers *IDN?, "
     "*VER, t\n"
     "and MEAS?; its commands and replies end with a carriage return.";
+
+constexpr char kAboutCheck[] =
+    "Tells every mistake of a description as \"FILE:LINE: MEMBER: what is wrong\".";
+
+constexpr char kAboutExample[] = "Writes a commented description to start from.";
 
 constexpr char kAboutWire[] =
     "Lets a TCP client play the instrument at a serial line (Linux only). Prints \"listening on "
@@ -113,6 +123,23 @@ void DescribeWire(CLI::App& app, Options& options) {
   DescribeListening(app, options);
 }
 
+void DescribeCheck(CLI::App& app, Options& options) {
+  app.add_option("FILE", options.file, "The description (JSON)")->type_name("")->check(CheckPath)->required();
+}
+
+void DescribeExample(CLI::App& app, Options& options) {
+  std::vector<std::string> kinds;
+  for (const Example& example : Examples()) kinds.emplace_back(example.kind);
+  app.add_option("KIND", options.kind, "What it describes")
+      ->type_name("")
+      ->check(CLI::IsMember(kinds))
+      ->required();
+  app.add_option("FILE", options.file,
+                 "Where to write it; it must not be there yet. Left out: standard output")
+      ->type_name("")
+      ->check(CheckPath);
+}
+
 // What no single option can tell.
 void CheckTogether(const Options& options) {
   if (options.discovery && !asio::ip::make_address(options.bind).is_v4())
@@ -133,6 +160,8 @@ void Describe(CLI::App& app, Options& options) {
   app.get_formatter()->column_width(24);
   app.require_subcommand(0, 1);
   DescribeServe(*AddCommand(app, options, Command::kServe, "serve", kAboutServe), options);
+  DescribeCheck(*AddCommand(app, options, Command::kCheck, "check", kAboutCheck), options);
+  DescribeExample(*AddCommand(app, options, Command::kExample, "example", kAboutExample), options);
   DescribeWire(*AddCommand(app, options, Command::kWire, "wire", kAboutWire), options);
 }
 

@@ -16,11 +16,12 @@ inline constexpr int kExitCannotListen = 1;  // nor open the serial line
 inline constexpr int kExitBadInput = 2;      // a bad command line, description or path
 
 // What the program is asked to do.
-enum class Command { kServe, kWire };
+enum class Command { kServe, kWire, kCheck, kExample };
 
 struct Options {
   Command command = Command::kServe;
-  std::string file;        // the description; empty: the built-in one
+  std::string file;  // the description; empty: the built-in one. Where to write an example; empty: to output
+  std::string kind;  // of example
   std::uint16_t port = 0;  // 0: pick a free one
   std::string bind = "127.0.0.1";
   bool discovery = false;                      // answer discovery datagrams, too

@@ -1,6 +1,7 @@
 // A personality: what a simulated instrument answers to which command, whatever carries the bytes.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <optional>
@@ -8,6 +9,7 @@
 
 #include "simulator/action.h"
 #include "simulator/discovery_answer.h"
+#include "simulator/gpib/address.h"
 #include "simulator/line_rule.h"
 
 namespace kesp::simulator {
@@ -15,7 +17,7 @@ namespace kesp::simulator {
 using AnswersByName = std::map<std::string, Answer, std::less<>>;
 
 struct Personality {
-  // Ends each command on its way in; never empty.
+  // Ends each command on its way in. Empty only on a bus, where END does it.
   std::string terminator = "\r";
   // On a serial line: the settings at which commands are understood.
   std::optional<LineRule> line;
@@ -30,10 +32,12 @@ struct Personality {
   // For commands not named above: those that end in "?", and the others.
   Answer unknown_query;
   Answer unknown;
-};
 
-// The personality played when no file is given: a small instrument that knows "*IDN?", "*VER", "t" and
-// "MEAS?", refuses every other query with an error text and takes everything else without an answer.
-Personality BuiltInPersonality();
+  // On a bus.
+  std::optional<gpib::Address> address;
+  bool end = true;  // whether END goes with the last byte of a reply
+  std::int32_t delay_ms = 0;
+  bool keeps_replies = false;
+};
 
 }  // namespace kesp::simulator

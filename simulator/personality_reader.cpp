@@ -1,73 +1,97 @@
-// Reads a personality from the JSON text of its file.
+// Reads an instrument: which answers it gives to which commands.
 #include "simulator/personality_reader.h"
 
-#include <nlohmann/json.hpp>
-
-#include "simulator/action_reader.h"
 #include "simulator/discovery_reader.h"
-#include "simulator/json_fields.h"
-#include "simulator/json_file.h"
-#include "simulator/line_rule_reader.h"
 
 namespace kesp::simulator {
 namespace {
 
-using nlohmann::json;
+constexpr Range kBaud{50, 4'000'000};
+constexpr Range kDataBits{5, 8};
+constexpr Range kStopBits{1, 2};
+constexpr Range kPrimary{0, 30};
+constexpr Range kSecondary{0, 126};
+constexpr Range kDelayMs{0, 3'600'000};
 
-void ReadCommands(const JsonFields& file, const std::string& reply_terminator, Personality& personality) {
-  const JsonFields commands(file.Value("commands"), file.PlaceOf("commands"));
-  for (const auto& item : file.Value("commands").items()) {
-    const std::string place = commands.PlaceOf(item.key());
-    std::string name = TextAt(item.key(), place);
-    if (name.find(personality.terminator) != std::string::npos)
-      throw PersonalityError(place, "holds the terminator, so that it can never be received");
-    const Answer answer = ReadAnswer(item.value(), place, reply_terminator);
-    if (!name.empty() && name.back() == '*') {
-      name.pop_back();
-      personality.prefixes[name] = answer;
-    } else {
-      personality.commands[name] = answer;
-    }
+gpib::Address ReadAddress(const Entry& entry) {
+  Fields fields(entry);
+  gpib::Address address;
+  if (const std::optional<Entry> primary = fields.Need("primary"))
+    address.primary = static_cast<std::int32_t>(primary->Whole(kPrimary));
+  if (const std::optional<Entry> secondary = fields.Find("secondary")) {
+    address.secondary = static_cast<std::int32_t>(secondary->Whole(kSecondary));
+    if (!address.IsValid()) secondary->Wrong("must be 0 for none, 1 to 30, or 96 to 126");
   }
+  fields.Finish();
+  return address;
+}
+
+void ReadCommands(const Entry& entry, const AnswerForm& form, Personality& personality) {
+  const std::string& terminator = personality.terminator;
+  const Fields must_be_an_object(entry);
+  for (auto [name, member] : entry.Members()) {
+    if (!terminator.empty() && name.find(terminator) != std::string::npos)
+      member.Wrong("holds the terminator, so that it can never be received");
+    const bool is_prefix = !name.empty() && name.back() == '*';
+    if (is_prefix) name.pop_back();
+    (is_prefix ? personality.prefixes : personality.commands)[name] = ReadAnswer(member, form);
+  }
+}
+
+std::optional<unsigned> Number(Fields& fields, std::string_view name, Range range) {
+  const std::optional<std::int64_t> number = fields.Whole(name, range);
+  if (!number) return std::nullopt;
+  return static_cast<unsigned>(*number);
 }
 
 }  // namespace
 
-Personality ReadPersonality(const std::string& json_text) {
-  return ReadPersonality(ParseJson(json_text), "");
+LineRule ReadLineRule(const Entry& entry) {
+  Fields fields(entry);
+  LineRule rule;
+  if (const std::optional<Entry> baud = fields.Need("baud"))
+    rule.baud = static_cast<unsigned>(baud->Whole(kBaud));
+  if (const std::optional<Entry> parity = fields.Find("parity")) {
+    const std::string name = parity->Text();
+    if (name.size() == 1 && std::string("NEOMS").find(name) != std::string::npos) {
+      rule.parity = name.front();
+    } else {
+      parity->Wrong("must be N, E, O, M or S");
+    }
+  }
+  rule.data_bits = Number(fields, "data_bits", kDataBits);
+  rule.stop_bits = Number(fields, "stop_bits", kStopBits);
+  fields.Finish();
+  return rule;
 }
 
-Personality ReadPersonality(const json& value, const std::string& place) {
-  const JsonFields file(value, place);
-  file.AllowOnly({"description", "terminator", "reply_terminator", "line", "discovery", "on_connect",
-                  "commands", "default_query", "default"});
-  file.CheckDescription();
-
+Personality ReadPersonality(const Entry& entry, LineOwner line) {
+  Fields fields(entry);
   Personality personality;
-  personality.terminator = file.TextOr("terminator", "\r");
-  if (personality.terminator.empty()) throw PersonalityError(file.PlaceOf("terminator"), "must not be empty");
-  if (file.Has("line")) personality.line = ReadLineRule(file.Value("line"), file.PlaceOf("line"));
-  if (file.Has("discovery"))
-    personality.discovery = ReadDiscoveryAnswer(file.Value("discovery"), file.PlaceOf("discovery"));
-  const std::string reply_terminator = file.TextOr("reply_terminator", "\r");
+  if (const std::optional<Entry> address = fields.Find("gpib")) personality.address = ReadAddress(*address);
+  const std::string usual = personality.address ? "\n" : "\r";
+  personality.terminator = fields.TextOr("terminator", usual);
+  const std::optional<Entry> terminator = fields.Find("terminator");
+  if (terminator && terminator->IsText("") && !personality.address) terminator->Wrong("must not be empty");
+  const AnswerForm form{fields.TextOr("reply_terminator", usual), line};
+  personality.end = fields.YesOrNoOr("end", personality.end);
+  personality.delay_ms = static_cast<std::int32_t>(fields.WholeOr("delay_ms", kDelayMs, 0));
+  personality.keeps_replies = fields.YesOrNoOr("keeps_replies", personality.keeps_replies);
+  if (const std::optional<Entry> rule = fields.Find("line")) personality.line = ReadLineRule(*rule);
+  if (const std::optional<Entry> answer = fields.Find("discovery"))
+    personality.discovery = ReadDiscoveryAnswer(*answer);
 
-  const auto answer = [&](const char* field, const Answer& otherwise) {
-    return file.Has(field) ? ReadAnswer(file.Value(field), file.PlaceOf(field), reply_terminator) : otherwise;
+  const auto answer = [&](const char* name, const Answer& otherwise) {
+    const std::optional<Entry> found = fields.Find(name);
+    return found ? ReadAnswer(*found, form) : otherwise;
   };
   personality.on_connect = answer("on_connect", personality.on_connect);
   personality.unknown = answer("default", personality.unknown);
   personality.unknown_query = answer("default_query", personality.unknown);
-  if (file.Has("commands")) ReadCommands(file, reply_terminator, personality);
+  if (const std::optional<Entry> commands = fields.Find("commands"))
+    ReadCommands(*commands, form, personality);
+  fields.Finish();
   return personality;
-}
-
-Personality LoadPersonality(const std::filesystem::path& file) {
-  const std::string text = ContentsOf(file);
-  try {
-    return ReadPersonality(text);
-  } catch (const PersonalityError& error) {
-    throw PersonalityError(file.string(), error.what());
-  }
 }
 
 }  // namespace kesp::simulator

@@ -1,23 +1,15 @@
-// Reads a personality from the JSON text of its file.
+// Reads an instrument: which answers it gives to which commands.
 #pragma once
 
-#include <filesystem>
-#include <nlohmann/json_fwd.hpp>
-#include <string>
-
+#include "simulator/action_reader.h"
+#include "simulator/fields.h"
 #include "simulator/personality.h"
-#include "simulator/personality_error.h"
 
 namespace kesp::simulator {
 
-// Reads the text strictly. Throws PersonalityError for text that is not JSON (with line and column), a name
-// given twice in one object, and everything that the format does not know (with the place).
-Personality ReadPersonality(const std::string& json_text);
+Personality ReadPersonality(const Entry& entry, LineOwner line);
 
-// The same for a personality that is part of something else, at this place.
-Personality ReadPersonality(const nlohmann::json& value, const std::string& place);
-
-// Reads a file. The PersonalityError of a file begins with the file's name.
-Personality LoadPersonality(const std::filesystem::path& file);
+// The settings of an instrument's serial line.
+LineRule ReadLineRule(const Entry& entry);
 
 }  // namespace kesp::simulator

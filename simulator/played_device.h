@@ -15,9 +15,8 @@ namespace kesp::simulator {
 // it sends later, it keeps until then.
 class PlayedDevice : public Device {
  public:
-  // Throws PersonalityError, with this place, for actions that need a line of one's own: closing, resetting,
-  // flooding and holding back.
-  PlayedDevice(Personality personality, const std::string& place);
+  // The personality must not close, reset, flood or hold back, which needs a line of one's own.
+  explicit PlayedDevice(Personality personality);
 
   Deeds Take(std::string_view bytes, Moment now) override;
   std::optional<Moment> Due() const override;

@@ -4,8 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "simulator/personality_error.h"
-#include "simulator/personality_reader.h"
+#include "simulator/description.h"
 
 namespace kesp::simulator {
 namespace {
@@ -19,7 +18,7 @@ class PlayedDeviceTest : public testing::Test {
  protected:
   std::string At(int now, std::string_view bytes = {}) { return device_.Take(bytes, Moment(now)).bytes; }
 
-  PlayedDevice device_{ReadPersonality(kText), "/behind/1"};
+  PlayedDevice device_{ReadInstrument(kText)};
 };
 
 TEST_F(PlayedDeviceTest, Commands_AreAnsweredAndReported) {
@@ -43,23 +42,6 @@ TEST_F(PlayedDeviceTest, Pieces_ComeOneAfterTheOther) {
   EXPECT_EQ(At(0, "SPLIT?\r"), "ab");
   EXPECT_EQ(At(9), "");
   EXPECT_EQ(At(10), "c\r");
-}
-
-TEST(PlayedDevice, ActionsThatNeedALine_AreRefusedWithThePlace) {
-  for (const char* action : {R"({"close": true})", R"({"reset": true})", R"({"flood_ms": 1})",
-                             R"({"merge_next": true}, {"send": "x"})"}) {
-    for (const char* where : {"{\"commands\": {\"A\": [%]}}", "{\"commands\": {\"A*\": [%]}}",
-                              "{\"on_connect\": [%]}", "{\"default\": [%]}", "{\"default_query\": [%]}"}) {
-      std::string text = where;
-      text.replace(text.find('%'), 1, action);
-      try {
-        const PlayedDevice device(ReadPersonality(text), "/ports/A");
-        ADD_FAILURE() << text << " was taken";
-      } catch (const PersonalityError& error) {
-        EXPECT_EQ(std::string(error.what()).rfind("/ports/A: must not close", 0), 0U) << error.what();
-      }
-    }
-  }
 }
 
 }  // namespace

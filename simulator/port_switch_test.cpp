@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "simulator/personality_reader.h"
+#include "simulator/description.h"
 #include "simulator/played_device.h"
 
 namespace kesp::simulator {
@@ -14,10 +14,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 std::unique_ptr<Device> Named(const std::string& name) {
-  return std::make_unique<PlayedDevice>(
-      ReadPersonality(R"({"commands": {"N?": [{"send": ")" + name +
-                      R"("}], "S?": [{"wait_ms": 50}, {"send": "slow"}]}})"),
-      "");
+  return std::make_unique<PlayedDevice>(ReadInstrument(
+      R"({"commands": {"N?": [{"send": ")" + name + R"("}], "S?": [{"wait_ms": 50}, {"send": "slow"}]}})"));
 }
 
 PortSwitch::Ports TwoPorts() {

@@ -88,7 +88,43 @@ TEST(Program, BadPersonality_ExitsWithTwoAndThePlace) {
   EXPECT_EQ(program.Wait(), 2);
   EXPECT_EQ(program.Output(), "");
   EXPECT_EQ(program.Error(),
-            "kesp-sim: " + file + ": /commands/MEAS?/1/wait_ms: must be a whole number from 0 to 3600000\n");
+            file + ":1: /commands/MEAS?/1/wait_ms: must be a whole number from 0 to 3600000\n");
+  std::remove(file.c_str());
+}
+
+TEST(Program, Check_TellsWhatAFileIsOrEveryMistakeInIt) {
+  const std::string good = KESP_EXAMPLES "/bus.json";
+  ChildProcess program({kProgram, "check", good});
+  EXPECT_EQ(program.Wait(), 0) << program.Error();
+  EXPECT_EQ(program.Output(), good + ": a bus with 2 devices\n");
+  const std::string bad = testing::TempDir() + "kesp_check_test.json";
+  std::ofstream(bad) << "{\n\"a\": 1,\n\"default\": 2}";
+  ChildProcess refused({kProgram, "check", bad});
+  EXPECT_EQ(refused.Wait(), 2);
+  EXPECT_EQ(refused.Error().find(bad + ":2: /a: is not a known member\n" + bad + ":3: /default: "), 0U)
+      << refused.Error();
+  ChildProcess served({kProgram, good});
+  EXPECT_EQ(served.Wait(), 2);
+  EXPECT_EQ(served.Error(), good + ": is a bus, which the simulated GPIB driver plays (Gpib-32.json)\n");
+  std::remove(bad.c_str());
+}
+
+TEST(Program, Example_IsWrittenWhereNothingIs) {
+  const std::string file = testing::TempDir() + "kesp_example_test.json";
+  std::remove(file.c_str());
+  ChildProcess written({kProgram, "example", "device", file});
+  EXPECT_EQ(written.Wait(), 0) << written.Error();
+  ChildProcess again({kProgram, "example", "bus", file});
+  EXPECT_EQ(again.Wait(), 2);
+  EXPECT_EQ(again.Error(), file + ": is there already\n");
+  ChildProcess checked({kProgram, "check", file});
+  EXPECT_EQ(checked.Wait(), 0) << checked.Error();
+  ChildProcess printed({kProgram, "example", "radio-modem"});
+  EXPECT_EQ(printed.Wait(), 0);
+  EXPECT_NE(printed.Output().find("\"radio_modem\""), std::string::npos);
+  ChildProcess unknown({kProgram, "example", "toaster"});
+  EXPECT_EQ(unknown.Wait(), 2);
+  EXPECT_NE(unknown.Error().find("radio-modem"), std::string::npos) << unknown.Error();
   std::remove(file.c_str());
 }
 

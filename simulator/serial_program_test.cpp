@@ -115,8 +115,7 @@ TEST_F(SerialProgramTest, DeviceOverTcp_IsAMistake) {
   const std::string file = KESP_EXAMPLES "/radio-modem.json";
   ChildProcess program({kProgram, file});
   EXPECT_EQ(program.Wait(), 2);
-  EXPECT_EQ(program.Error(),
-            "kesp-sim: " + file + ": is a device at a serial line, which goes with --serial\n");
+  EXPECT_EQ(program.Error(), file + ": is a device at a serial line, which goes with --serial\n");
 }
 
 TEST_F(SerialProgramTest, FileInThePlace_ExitsWithOne) {

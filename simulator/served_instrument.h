@@ -5,15 +5,26 @@
 #include <asio/detached.hpp>
 #include <asio/io_context.hpp>
 #include <cstdint>
+#include <filesystem>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <thread>
 #include <utility>
+#include <variant>
 
-#include "simulator/personality_reader.h"
+#include "simulator/description.h"
 #include "simulator/tcp_server.h"
 
 namespace kesp::simulator {
+
+// The instrument, or the device, that a file describes.
+inline Personality LoadInstrument(const std::filesystem::path& file) {
+  return std::get<Personality>(LoadDescription(file));
+}
+inline std::unique_ptr<Device> LoadDevice(const std::filesystem::path& file) {
+  return std::get<std::unique_ptr<Device>>(LoadDescription(file));
+}
 
 class ServedInstrument {
  public:

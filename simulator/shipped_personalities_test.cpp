@@ -5,7 +5,7 @@
 #include <chrono>
 #include <utility>
 
-#include "simulator/device_reader.h"
+#include "simulator/description.h"
 #include "simulator/loopback_client.h"
 #include "simulator/played_device.h"
 #include "simulator/served_instrument.h"
@@ -17,7 +17,7 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 Personality Shipped(const std::string& name) {
-  return LoadPersonality(KESP_EXAMPLES "/" + name);
+  return LoadInstrument(KESP_EXAMPLES "/" + name);
 }
 
 class TortureTest : public testing::Test {
@@ -165,14 +165,14 @@ class ShippedDevice {
 TEST(SerialController, Commands_AreAnsweredAsDescribed) {
   const Personality personality = Shipped("serial-controller.json");
   EXPECT_EQ(TextOf(personality.line.value()), "9600,-,-,-");
-  PlayedDevice device(personality, "");
+  PlayedDevice device(personality);
   EXPECT_EQ(
       device.Take("*IDN?\r*VER\rt\rMEAS?\rMEAS?\rX?\rX\r", Moment(0)).bytes,
       "KESP,SC300,SIM30118,1.4\r\n1.4\r\n+021.5\r\n+021.48\r\n+021.50\r\nERROR 113,Undefined query\r\n");
 }
 
 TEST(Redirector, Replies_EndWithCrAlone) {
-  PlayedDevice device(Shipped("redirector.json"), "");
+  PlayedDevice device(Shipped("redirector.json"));
   EXPECT_EQ(device.Take("*VER\rt\r*IDN?\r", Moment(0)).bytes, "1.1\r21.5\rKESP,RD100,S");
   EXPECT_EQ(device.Take({}, Moment(15)).bytes, "IM40220,1.1\r");
 }
@@ -204,8 +204,8 @@ TEST(PortSwitchFile, Instruments_AreAtTheirPorts) {
   EXPECT_EQ(device.Line(), "9600,-,-,-");
   EXPECT_EQ(device.At(0,
                       "\x1B\x02"
-                      "A\r*VER\r"),
-            "1.4\r\n");
+                      "A\r*IDN?\r"),
+            "KESP,SC300,SIM30118,1.4\r\n");
   EXPECT_EQ(device.At(0,
                       "\x1B\x02"
                       "B\r*IDN?\r"),

@@ -47,8 +47,8 @@ TEST(Listen, ForeignAddress_Throws) {
   EXPECT_THROW(Listen(io, "192.0.2.1", 20001), std::system_error);
 }
 
-TEST(TcpServer, BuiltInPersonality_ConversesAndLogs) {
-  ServedInstrument served(BuiltInPersonality(), Clients::kOne);
+TEST(TcpServer, BuiltInInstrument_ConversesAndLogs) {
+  ServedInstrument served(BuiltInInstrument(), Clients::kOne);
   {
     LoopbackClient client(served.port());
     EXPECT_EQ(client.Ask("*IDN?"), "KESP,7100,SIM00001,1.0");
@@ -68,7 +68,7 @@ TEST(TcpServer, BuiltInPersonality_ConversesAndLogs) {
 }
 
 TEST(TcpServer, CommandInPieces_IsAnsweredWhenItsTerminatorHasCome) {
-  ServedInstrument served(BuiltInPersonality());
+  ServedInstrument served(BuiltInInstrument());
   LoopbackClient client(served.port());
   client.Send("*ID");
   EXPECT_EQ(client.ReadTo("\r", milliseconds(50)).end, Heard::kDeadline);
@@ -79,7 +79,7 @@ TEST(TcpServer, CommandInPieces_IsAnsweredWhenItsTerminatorHasCome) {
 }
 
 TEST(TcpServer, ManyClients_AreServedAtOnce) {
-  ServedInstrument served(ReadPersonality(
+  ServedInstrument served(ReadInstrument(
       R"({"commands": {"SLOW?": [{"wait_ms": 400}, {"send": "slow"}], "FLOOD?": [{"flood_ms": 60000}],
           "NOW?": [{"send": "now"}]}})"));
   LoopbackClient flooded(served.port());  // and never reads
@@ -98,7 +98,7 @@ TEST(TcpServer, ManyClients_AreServedAtOnce) {
 }
 
 TEST(TcpServer, OnConnect_SpeaksFirst) {
-  ServedInstrument served(ReadPersonality(
+  ServedInstrument served(ReadInstrument(
       R"({"on_connect": {"cycle": [[{"send": "READY"}], [{"close": true}], [{"reset": true}]]}})"));
   EXPECT_EQ(LoopbackClient(served.port()).ReadTo("\r").bytes, "READY\r");
   EXPECT_EQ(LoopbackClient(served.port()).ReadToEnd().end, Heard::kClosed);
@@ -106,7 +106,7 @@ TEST(TcpServer, OnConnect_SpeaksFirst) {
 }
 
 TEST(TcpServer, Close_DeliversTheReplyAlsoWhenMoreInputWaits) {
-  ServedInstrument served(ReadPersonality(
+  ServedInstrument served(ReadInstrument(
       R"({"commands": {"WAIT": [{"send": "w"}, {"wait_ms": 1000}], "BYE": [{"repeat": "x", "bytes": 100000}, {"close": true}]}})"));
   LoopbackClient client(served.port());
   client.Send("WAIT\rBYE\r");
@@ -119,7 +119,7 @@ TEST(TcpServer, Close_DeliversTheReplyAlsoWhenMoreInputWaits) {
 
 TEST(TcpServer, Trickle_TakesAtLeastItsGaps) {
   ServedInstrument served(
-      ReadPersonality(R"({"commands": {"T?": [{"trickle": "ABCDEFGHI", "gap_ms": 15}]}})"));
+      ReadInstrument(R"({"commands": {"T?": [{"trickle": "ABCDEFGHI", "gap_ms": 15}]}})"));
   LoopbackClient client(served.port());
   const auto start = steady_clock::now();
   client.Send("T?\r");
@@ -130,7 +130,7 @@ TEST(TcpServer, Trickle_TakesAtLeastItsGaps) {
 
 TEST(TcpServer, Flood_EndsAfterItsTimeAlsoWhenNobodyReads) {
   ServedInstrument served(
-      ReadPersonality(R"({"commands": {"F?": [{"flood_ms": 200}, {"send": "end"}, {"close": true}]}})"),
+      ReadInstrument(R"({"commands": {"F?": [{"flood_ms": 200}, {"send": "end"}, {"close": true}]}})"),
       Clients::kOne);
   LoopbackClient client(served.port());
   client.Send("F?\r");
@@ -143,7 +143,7 @@ TEST(TcpServer, Flood_EndsAfterItsTimeAlsoWhenNobodyReads) {
 }
 
 TEST(TcpServer, Flood_EndsWhenTheClientLeaves) {
-  ServedInstrument served(ReadPersonality(R"({"commands": {"F?": [{"flood_ms": 3600000}]}})"), Clients::kOne);
+  ServedInstrument served(ReadInstrument(R"({"commands": {"F?": [{"flood_ms": 3600000}]}})"), Clients::kOne);
   {
     LoopbackClient client(served.port());
     client.Send("F?\r");
@@ -155,7 +155,7 @@ TEST(TcpServer, Flood_EndsWhenTheClientLeaves) {
 }
 
 TEST(TcpServer, OneClient_RefusesTheNextAndEndsWithIt) {
-  ServedInstrument served(BuiltInPersonality(), Clients::kOne);
+  ServedInstrument served(BuiltInInstrument(), Clients::kOne);
   {
     LoopbackClient client(served.port());
     EXPECT_EQ(client.Ask("t"), "21.5");
@@ -165,7 +165,7 @@ TEST(TcpServer, OneClient_RefusesTheNextAndEndsWithIt) {
 }
 
 TEST(TcpServer, StopWithClientsInEveryState_IsClean) {
-  ServedInstrument served(ReadPersonality(
+  ServedInstrument served(ReadInstrument(
       R"({"commands": {"W?": [{"wait_ms": 3600000}], "F?": [{"flood_ms": 3600000}],
           "R?": [{"repeat": "x", "bytes": 1073741824}]}})"));
   LoopbackClient idle(served.port());

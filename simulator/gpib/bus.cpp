@@ -6,11 +6,12 @@
 namespace kesp::simulator::gpib {
 
 Bus::Bus(const BusDescription& description)
-    : devices(description.devices.begin(), description.devices.end()),
-      secondary_offset_required(description.secondary_offset_required),
+    : secondary_offset_required(description.secondary_offset_required),
       failures(description.failures),
       threads(description.registration),
-      record(description.record) {}
+      record(description.record) {
+  for (const Personality& device : description.devices) devices.emplace_back(device);
+}
 
 SimulatedDevice* Bus::At(const Address& address) {
   const auto found = std::find_if(devices.begin(), devices.end(), [&address](const SimulatedDevice& device) {

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <map>
-#include <vector>
 
 #include "simulator/gpib/bus_description.h"
 #include "simulator/gpib/call_record.h"
@@ -35,7 +35,7 @@ struct Bus {
   // The lowest number above 0, the board's own, that no open descriptor has.
   std::int32_t FreeDescriptor() const;
 
-  std::vector<SimulatedDevice> devices;
+  std::deque<SimulatedDevice> devices;  // which stay where they are
   const bool secondary_offset_required;
   FailurePlan failures;
   ThreadTable threads;

@@ -6,16 +6,15 @@
 #include <filesystem>
 #include <fstream>
 
-#include "simulator/gpib/description_reader.h"
-#include "simulator/json_file.h"
+#include "simulator/description.h"
 
 namespace kesp::simulator::gpib {
 namespace {
 
 void Report(const std::filesystem::path& file, const std::string& reason) {
-  std::fprintf(stderr, "%s\n", reason.c_str());
+  std::fprintf(stderr, "Gpib-32.json cannot be used:\n%s\n", reason.c_str());
   std::fflush(stderr);
-  std::ofstream(file, std::ios::binary) << reason << "\r\n";
+  std::ofstream(file) << "Gpib-32.json cannot be used:\n" << reason << "\n";
 }
 
 }  // namespace
@@ -26,11 +25,11 @@ BusDescription BusBeside(const std::wstring& path) {
   std::error_code ignored;
   try {
     BusDescription bus =
-        std::filesystem::exists(file) ? ReadBusDescription(simulator::ContentsOf(file)) : BuiltInBus();
+        std::filesystem::exists(file) ? ReadBus(ContentsOf(file), "Gpib-32.json") : BuiltInBus();
     std::filesystem::remove(error_file, ignored);
     return bus;
   } catch (const std::exception& error) {
-    Report(error_file, "Gpib-32.json cannot be used: " + std::string(error.what()));
+    Report(error_file, error.what());
     return UnusableBus();
   }
 }

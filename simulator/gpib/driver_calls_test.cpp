@@ -7,8 +7,8 @@ namespace kesp::simulator::gpib {
 namespace {
 
 constexpr char kTwoDevices[] = R"({"devices": [
-  {"primary": 5, "commands": {"A?": "five"}},
-  {"primary": 7, "secondary": 2, "commands": {"A?": "seven, two"}}]})";
+  {"gpib": {"primary": 5}, "commands": {"A?": "five"}},
+  {"gpib": {"primary": 7, "secondary": 2}, "commands": {"A?": "seven, two"}}]})";
 
 class SimulatedDriverCallsTest : public DriverFixture {};
 
@@ -76,7 +76,7 @@ TEST_F(SimulatedDriverCallsTest, SecondaryAddress_IsTheSameWithAndWithoutItsOffs
 }
 
 TEST_F(SimulatedDriverCallsTest, SecondaryAddress_WhereTheDriverInsistsOnTheOffset_IsRefusedWithoutIt) {
-  Load(R"({"secondary_offset_required": true, "devices": [{"primary": 7, "secondary": 2}]})");
+  Load(R"({"secondary_offset_required": true, "devices": [{"gpib": {"primary": 7, "secondary": 2}}]})");
   for (const std::int32_t secondary : {1, 2, 30}) {
     EXPECT_EQ(Open(7, secondary), -1);
     EXPECT_EQ(Last(), FailedWith(kBadArgument));

@@ -52,22 +52,23 @@ TEST_F(DriverFileWin, WithoutFile_TheBuiltInBusIsThere) {
 }
 
 TEST_F(DriverFileWin, UsableFile_IsTheBus) {
-  WriteJson(R"({"devices": [{"primary": 5, "commands": {"A?": "of_the_file"}}]})");
+  WriteJson(R"({"devices": [{"gpib": {"primary": 5}, "commands": {"A?": "of_the_file"}}]})");
   DriverLibrary driver(Dll());
   EXPECT_EQ(driver.Ask("A?"), "of_the_file\n");
 }
 
 TEST_F(DriverFileWin, File_IsReadAtTheFirstCallAndOnce) {
   DriverLibrary driver(Dll());
-  WriteJson(R"({"devices": [{"primary": 5, "commands": {"A?": "first"}}]})");
+  WriteJson(R"({"devices": [{"gpib": {"primary": 5}, "commands": {"A?": "first"}}]})");
   EXPECT_EQ(driver.Ask("A?"), "first\n");
-  WriteJson(R"({"devices": [{"primary": 5, "commands": {"A?": "second"}}]})");
+  WriteJson(R"({"devices": [{"gpib": {"primary": 5}, "commands": {"A?": "second"}}]})");
   EXPECT_EQ(driver.Ask("A?"), "first\n");
 }
 
 TEST_F(DriverFileWin, UnusableFile_FailsEveryCallAndSaysWhy) {
-  WriteJson(R"({"devices": [{"primary": 5, "commands": 1}]})");
-  const std::string reason = "Gpib-32.json cannot be used: /devices/0/commands: must be an object";
+  WriteJson(R"({"devices": [{"gpib": {"primary": 5}, "commands": 1}]})");
+  const std::string reason =
+      "Gpib-32.json cannot be used:\r\nGpib-32.json:1: /devices/0/commands: must be an object";
   {
     DriverLibrary driver(Dll());
     int status = 0;
@@ -94,7 +95,7 @@ TEST_F(DriverFileWin, BusGivenBeforeTheFirstCall_KeepsTheFileUnread) {
   WriteJson("not JSON");
   DriverLibrary driver(Dll());
   EXPECT_NE(driver.Load("[]"), "");
-  EXPECT_EQ(driver.Load(R"({"devices": [{"primary": 5, "commands": {"A?": "given"}}]})"), "");
+  EXPECT_EQ(driver.Load(R"({"devices": [{"gpib": {"primary": 5}, "commands": {"A?": "given"}}]})"), "");
   EXPECT_EQ(driver.Ask("A?"), "given\n");
   EXPECT_FALSE(exists(ErrorFile()));
 }

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "simulator/gpib/description_reader.h"
+#include "simulator/description.h"
 #include "simulator/gpib/driver.h"
 #include "simulator/gpib/waiting_fake.h"
 
@@ -22,7 +22,7 @@ class DriverFixture : public testing::Test {
   DriverFixture() { Load("{}"); }
 
   void Load(const std::string& json) {
-    driver_.Load(ReadBusDescription(json));
+    driver_.Load(ReadBus(json));
     driver_.Register(kClient, Cells{&status_, &error_, &count_, &long_count_});
   }
 

@@ -53,7 +53,7 @@ TEST_F(SimulatedDriverTest, Load_ForgetsEverything) {
 }
 
 TEST_F(SimulatedDriverTest, PlannedFailure_DoesNothingElse) {
-  Load(R"({"devices": [{"primary": 5, "commands": {"A?": "one"}}],
+  Load(R"({"devices": [{"gpib": {"primary": 5}, "commands": {"A?": "one"}}],
            "failures": [{"call": "ibwrt", "at": 1, "error": 14, "count": 2}, {"call": "ibonl", "at": 1, "error": 0}]})");
   const std::int32_t device = Open(5, 0, kThreeMilliseconds);
   EXPECT_EQ(Write(device, "A?"), kError | kComplete);
@@ -85,7 +85,7 @@ TEST_F(SimulatedDriverTest, UnusableBus_FailsEveryCall) {
 }
 
 TEST_F(SimulatedDriverTest, Record_HasALineForEachCall) {
-  Load(R"({"devices": [{"primary": 5, "commands": {"A?": "one"}}]})");
+  Load(R"({"devices": [{"gpib": {"primary": 5}, "commands": {"A?": "one"}}]})");
   const std::int32_t device = Open(5, 0, 6, 1, 0x40A);
   Write(device, "A?\n");
   Read(device, 10);
@@ -107,7 +107,7 @@ TEST_F(SimulatedDriverTest, Record_HasALineForEachCall) {
 }
 
 TEST_F(SimulatedDriverTest, Record_HasCallsInTheOrderOfTheirCompletion) {
-  Load(R"({"devices": [{"primary": 5, "commands": {"A?": "one"}}]})");
+  Load(R"({"devices": [{"gpib": {"primary": 5}, "commands": {"A?": "one"}}]})");
   const std::int32_t device = Open(5, 0, 0);
   waiting_.Meanwhile([&] { driver_.Ibwrt(22, device, "A?", 2); });
   Read(device, 10);
@@ -117,7 +117,7 @@ TEST_F(SimulatedDriverTest, Record_HasCallsInTheOrderOfTheirCompletion) {
 
 TEST_F(SimulatedDriverTest, Record_OfARead_ShowsWhatTheBufferHeld) {
   Load(
-      R"({"devices": [{"primary": 5, "commands": {"A?": "one"}}], "failures": [{"call": "ibrd", "at": 3, "count": 3}]})");
+      R"({"devices": [{"gpib": {"primary": 5}, "commands": {"A?": "one"}}], "failures": [{"call": "ibrd", "at": 3, "count": 3}]})");
   const std::int32_t device = Open(5);
   Write(device, "A?");
   std::string buffer("old\0", 4);

@@ -8,11 +8,11 @@ namespace kesp::simulator::gpib {
 namespace {
 
 constexpr char kDevices[] = R"({"devices": [
-  {"primary": 5, "commands": {"A?": "one", "B?": "two", "LONG?": "0123456789"}},
-  {"primary": 6, "end": false, "commands": {"A?": "one"}},
-  {"primary": 7, "delay_ms": 50, "commands": {"A?": "one"}},
-  {"primary": 8, "keeps_replies": true, "commands": {"A?": "one", "B?": "two"}},
-  {"primary": 9, "terminator": "", "reply_terminator": "\u0081", "commands": {"A?": "one\u0001"}}]})";
+  {"gpib": {"primary": 5}, "commands": {"A?": "one", "B?": "two", "LONG?": "0123456789"}},
+  {"gpib": {"primary": 6}, "end": false, "commands": {"A?": "one"}},
+  {"gpib": {"primary": 7}, "delay_ms": 50, "commands": {"A?": "one"}},
+  {"gpib": {"primary": 8}, "keeps_replies": true, "commands": {"A?": "one", "B?": "two"}},
+  {"gpib": {"primary": 9}, "terminator": "", "reply_terminator": "\u0081", "commands": {"A?": "one\u0001"}}]})";
 
 class SimulatedDriverTransferTest : public DriverFixture {
  protected:
@@ -136,7 +136,7 @@ TEST_F(SimulatedDriverTransferTest, Ibonl_WakesWhoWaitsAtTheDescriptor) {
 
 TEST_F(SimulatedDriverTransferTest, Ibrd_WhenTheBusIsReplacedMeanwhile_IsAbortedWithoutATrace) {
   const std::int32_t device = Open(5, 0, 0);
-  waiting_.Meanwhile([&] { driver_.Load(ReadBusDescription(kDevices)); });
+  waiting_.Meanwhile([&] { driver_.Load(ReadBus(kDevices)); });
   char byte = 'x';
   EXPECT_EQ(driver_.Ibrd(kClient, device, &byte, 1), kError | kComplete);
   EXPECT_EQ(driver_.Record(), "");

@@ -11,7 +11,7 @@
 namespace kesp::simulator::gpib {
 namespace {
 
-constexpr char kBus[] = R"({"devices": [{"primary": 5, "commands": {"A?": "one"}}]})";
+constexpr char kBus[] = R"({"devices": [{"gpib": {"primary": 5}, "commands": {"A?": "one"}}]})";
 constexpr int kError = 0x8000;
 constexpr int kTimedOut = 0xC100;
 
@@ -152,8 +152,8 @@ TEST_F(DriverWin, ReplyToAnotherThreadsCommand_EndsAWait) {
 TEST_F(DriverWin, Load_OfAnUnusableText_LeavesTheBusAsItWas) {
   const int device = driver_.ibdev(0, 5, 0, 13, 1, 0);
   const std::string before = driver_.Record();
-  EXPECT_EQ(driver_.Load(R"({"devices": [{"primary": 99}]})"),
-            "/devices/0/primary: must be a whole number from 0 to 30");
+  EXPECT_EQ(driver_.Load(R"({"devices": [{"gpib": {"primary": 99}}]})"),
+            "description:1: /devices/0/gpib/primary: must be a whole number from 0 to 30");
   EXPECT_EQ(driver_.load(nullptr, nullptr, 0), 1);
   EXPECT_EQ(driver_.Record(), before);
   EXPECT_EQ(driver_.ibwrt(device, "A?", 2), 0x100);
@@ -162,7 +162,7 @@ TEST_F(DriverWin, Load_OfAnUnusableText_LeavesTheBusAsItWas) {
 TEST_F(DriverWin, Texts_AreCutWhereTheyDoNotFit) {
   std::array<char, 8> message{'x', 'x', 'x', 'x', 'x', 'x', 'x', 'x'};
   EXPECT_EQ(driver_.load("[]", message.data(), 5), 1);
-  EXPECT_STREQ(message.data(), "/: m");
+  EXPECT_STREQ(message.data(), "desc");
   EXPECT_EQ(message[5], 'x');
   driver_.ibonl(0, 0);
   const std::string whole = "1 ibonl(0,0) = 256 sta 0100 err 0 cnt 0\n";

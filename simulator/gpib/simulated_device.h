@@ -4,20 +4,20 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <map>
 #include <optional>
 #include <string>
 
-#include "simulator/gpib/bus_description.h"
+#include "simulator/instrument.h"
 
 namespace kesp::simulator::gpib {
 
 // Belongs to the bus; every call comes under the driver's lock. Times are microseconds of the driver's clock.
 class SimulatedDevice {
  public:
-  explicit SimulatedDevice(DeviceDescription description);
+  // The personality has an address.
+  explicit SimulatedDevice(const Personality& personality);
 
-  const Address& address() const { return description_.address; }
+  const Address& address() const { return address_; }
 
   // A byte that comes in, and whether END comes with it. A command is complete at END or at the terminator;
   // its reply begins `delay_ms` later. The first byte of a command drops what is left of earlier replies,
@@ -41,19 +41,22 @@ class SimulatedDevice {
   struct Reply {
     std::string bytes;
     std::int64_t begins;
+    bool is_whole;  // nothing of the same message follows
     std::size_t sent = 0;
   };
 
   bool OpensACommand(char byte) const;
   // Carries out what has come in as a command.
   void Complete(std::int64_t now);
-  const Answer& AnswerTo(const std::string& command) const;
 
-  const DeviceDescription description_;
+  Instrument instrument_;
+  const Address address_;
+  const std::string terminator_;
+  const bool end_;
+  const std::int64_t delay_;  // microseconds
+  const bool keeps_replies_;
   std::string input_;
   std::deque<Reply> replies_;
-  // How often each answer was given, for those that take turns.
-  std::map<const Answer*, std::size_t> turns_;
 };
 
 }  // namespace kesp::simulator::gpib

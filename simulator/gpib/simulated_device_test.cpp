@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "simulator/description.h"
 #include "simulator/gpib/time_out.h"
 
 namespace kesp::simulator::gpib {
@@ -24,10 +25,12 @@ class SimulatedDeviceTest : public testing::Test {
     }
     return heard;
   }
-  static DeviceDescription Description() {
-    DeviceDescription description;
-    description.commands = {{"A?", {{"one"}}}, {"B?", {{"two"}}}, {"M?", {{"1", "2", "3"}}}, {"SET", {}}};
-    return description;
+  static Personality Described(const std::string& members) {
+    return ReadBus(R"({"gpib": {"primary": 5}, )" + members + "}").devices.at(0);
+  }
+  static Personality Description(const std::string& more = R"("end": true)") {
+    return Described(
+        R"("commands": {"A?": "one", "B?": "two", "M?": {"cycle": ["1", "2", "3"]}, "SET": null}, )" + more);
   }
 
   std::int64_t now_ = 1000;
@@ -53,7 +56,7 @@ TEST_F(SimulatedDeviceTest, CarriageReturnAlone_DoesNotCompleteACommand) {
 }
 
 TEST_F(SimulatedDeviceTest, LongTerminator_IsTakenAsAWhole) {
-  DeviceDescription description = Description();
+  Personality description = Description();
   description.terminator = "<>";
   SimulatedDevice device(description);
   Tell(device, "A?<");
@@ -63,9 +66,9 @@ TEST_F(SimulatedDeviceTest, LongTerminator_IsTakenAsAWhole) {
 }
 
 TEST_F(SimulatedDeviceTest, WithoutTerminator_OnlyEndCompletesACommand) {
-  DeviceDescription description = Description();
+  Personality description = Description();
   description.terminator = "";
-  description.commands["A?\n"] = {{"with line feed"}};
+  description.commands["A?\n"] = {{{Send{"with line feed\n"}}}};
   SimulatedDevice device(description);
   Tell(device, "A?\n");
   EXPECT_EQ(Hear(device), "");
@@ -75,8 +78,7 @@ TEST_F(SimulatedDeviceTest, WithoutTerminator_OnlyEndCompletesACommand) {
 }
 
 TEST_F(SimulatedDeviceTest, TerminatorsByThemselves_AreNoCommandAndDropNoReply) {
-  DeviceDescription description = Description();
-  description.unknown = {{"unknown"}};
+  const Personality description = Description(R"("default": "unknown")");
   SimulatedDevice device(description);
   Tell(device, "A?", true);
   Tell(device, "\r\n\n", true);
@@ -96,7 +98,7 @@ TEST_F(SimulatedDeviceTest, HalfACommand_DropsTheOldReplyAlready) {
 }
 
 TEST_F(SimulatedDeviceTest, KeptReplies_ComeOneAfterTheOther) {
-  DeviceDescription description = Description();
+  Personality description = Description();
   description.keeps_replies = true;
   SimulatedDevice device(description);
   Tell(device, "A?\nB?\n");
@@ -104,8 +106,7 @@ TEST_F(SimulatedDeviceTest, KeptReplies_ComeOneAfterTheOther) {
 }
 
 TEST_F(SimulatedDeviceTest, CommandWithoutReply_IsTakenInSilence) {
-  DeviceDescription description = Description();
-  description.unknown = {{"unknown"}};
+  const Personality description = Description(R"("default": "unknown")");
   SimulatedDevice device(description);
   Tell(device, "SET\n");
   EXPECT_EQ(Hear(device), "");
@@ -116,8 +117,7 @@ TEST_F(SimulatedDeviceTest, UnknownCommand_GetsTheDefaultOrNothing) {
   SimulatedDevice silent(Description());
   Tell(silent, "X?\n");
   EXPECT_EQ(Hear(silent), "");
-  DeviceDescription description = Description();
-  description.unknown = {{"unknown"}};
+  const Personality description = Description(R"("default": "unknown")");
   SimulatedDevice device(description);
   Tell(device, "a?\n");
   EXPECT_EQ(Hear(device), "unknown\n|") << "upper and lower case are different";
@@ -134,9 +134,8 @@ TEST_F(SimulatedDeviceTest, SeveralReplies_AreGivenInACycle) {
 }
 
 TEST_F(SimulatedDeviceTest, Prefixes_CountAfterExactNamesAndTheLongerFirst) {
-  DeviceDescription description;
-  description.commands = {{"SET 1", {{"exact"}}}};
-  description.prefixes = {{"", {{"any"}}}, {"SET ", {{"set"}}}, {"SET 1", {{"set one"}}}};
+  const Personality description =
+      Described(R"("commands": {"SET 1": "exact", "*": "any", "SET *": "set", "SET 1*": "set one"})");
   SimulatedDevice device(description);
   for (const auto& [command, reply] : std::map<std::string, std::string>{
            {"SET 1", "exact"}, {"SET 12", "set one"}, {"SET ", "set"}, {"SET 2", "set"}, {"GO", "any"}}) {
@@ -146,25 +145,20 @@ TEST_F(SimulatedDeviceTest, Prefixes_CountAfterExactNamesAndTheLongerFirst) {
 }
 
 TEST_F(SimulatedDeviceTest, WithoutEnd_NothingTellsTheLastByte) {
-  DeviceDescription description = Description();
-  description.end = false;
-  description.reply_terminator = "\r\n";
+  const Personality description = Description(R"("end": false, "reply_terminator": "\r\n")");
   SimulatedDevice device(description);
   Tell(device, "A?\n");
   EXPECT_EQ(Hear(device), "one\r\n");
 }
 
 TEST_F(SimulatedDeviceTest, EmptyReplyWithoutTerminator_IsNoReply) {
-  DeviceDescription description;
-  description.reply_terminator = "";
-  description.commands = {{"A?", {{""}}}};
-  SimulatedDevice device(description);
+  SimulatedDevice device(Described(R"("reply_terminator": "", "commands": {"A?": ""})"));
   Tell(device, "A?\n");
   EXPECT_EQ(Hear(device), "");
 }
 
 TEST_F(SimulatedDeviceTest, Delay_CountsFromTheEndOfTheCommand) {
-  DeviceDescription description = Description();
+  Personality description = Description();
   description.delay_ms = 2;
   SimulatedDevice device(description);
   Tell(device, "A?\n");
@@ -173,6 +167,18 @@ TEST_F(SimulatedDeviceTest, Delay_CountsFromTheEndOfTheCommand) {
   EXPECT_EQ(Hear(device), "");
   now_ = 3000;
   EXPECT_EQ(Hear(device), "one\n|");
+}
+
+TEST_F(SimulatedDeviceTest, Actions_ComeAtTheirTimesAndEndGoesWithTheLastPiece) {
+  SimulatedDevice device(Described(R"("delay_ms": 1, "commands": {
+    "A?": [{"wait_ms": 2}, {"split": "abcd", "pieces": 2, "gap_ms": 3, "end": ""}, {"send": "e"}, {"echo": true}]})"));
+  Tell(device, "A?\n");
+  EXPECT_EQ(device.ReplyBegins(), 4000);
+  now_ = 4000;
+  EXPECT_EQ(Hear(device), "ab");
+  EXPECT_EQ(device.ReplyBegins(), 7000);
+  now_ = 7000;
+  EXPECT_EQ(Hear(device), "cd|e\n|A?\n|");
 }
 
 TEST_F(SimulatedDeviceTest, Clear_DropsCommandAndReplyButNotTheTurn) {

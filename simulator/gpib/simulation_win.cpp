@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <array>
 
+#include "simulator/description.h"
 #include "simulator/gpib/bus_file_win.h"
-#include "simulator/gpib/description_reader.h"
 
 namespace kesp::simulator::gpib {
 namespace {
@@ -43,7 +43,7 @@ Driver& Simulation::Ready() {
 }
 
 void Simulation::Load(const std::string& json_text) {
-  const BusDescription bus = ReadBusDescription(json_text);
+  const BusDescription bus = ReadBus(json_text);
   const Loading loading(loading_);
   driver_.Load(bus);
   is_loaded_ = true;

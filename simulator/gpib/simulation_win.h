@@ -22,7 +22,7 @@ class Simulation {
   Driver& Ready();
 
   // Puts a described bus in the place of the present one, whether that had been loaded or not. Throws
-  // simulator::PersonalityError and leaves everything as it was when the text cannot be used.
+  // DescriptionError and leaves everything as it was when the text cannot be used.
   void Load(const std::string& json_text);
 
   // When a thread ends. Never waits for the loading.

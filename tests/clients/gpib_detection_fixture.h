@@ -12,9 +12,9 @@ namespace kesp::clients {
 // Devices that know one identification command each. They stay silent at others, for the second that a
 // detection waits.
 inline constexpr char kAnswersIdn[] =
-    R"({"primary": 2, "commands": {"*IDN?": "KESP,GP488,SIM48802,2.0"}, "default": "ERR 02"})";
-inline constexpr char kAnswersVer[] = R"({"primary": 3, "commands": {"*VER": "2.0"}})";
-inline constexpr char kAnswersT[] = R"({"primary": 4, "commands": {"t": "23.5"}})";
+    R"({"gpib": {"primary": 2}, "commands": {"*IDN?": "KESP,GP488,SIM48802,2.0"}, "default": "ERR 02"})";
+inline constexpr char kAnswersVer[] = R"({"gpib": {"primary": 3}, "commands": {"*VER": "2.0"}})";
+inline constexpr char kAnswersT[] = R"({"gpib": {"primary": 4}, "commands": {"t": "23.5"}})";
 
 class GpibDetectionStage : public GpibStage {
  protected:

@@ -79,7 +79,7 @@ GPIB_TEST(GpibDetectionTest, LevelsBeyondTheKnown) {
 
 GPIB_TEST(GpibDetectionTest, NothingFound_EverythingAsBefore) {
   ieee_.SetAddress(7);
-  driver_.Load(BusWith(R"({"primary": 30, "secondary": 9})"));
+  driver_.Load(BusWith(R"({"gpib": {"primary": 30, "secondary": 9}})"));
   EXPECT_EQ(AutoDetect(dlSCPIOnly), kDone);
   ExpectNothingFound(7);
   const CallLines asked = Asked();
@@ -102,7 +102,7 @@ GPIB_TEST(GpibDetectionTest, NextBehindTheLastAddress_TriesNothing) {
 }
 
 GPIB_TEST(GpibDetectionTest, SecondaryAddressAndSettings_AreUsedThroughout) {
-  driver_.Load(BusWith(R"({"primary": 2, "secondary": 7, "commands": {"*IDN?": "behind"}})"));
+  driver_.Load(BusWith(R"({"gpib": {"primary": 2, "secondary": 7}, "commands": {"*IDN?": "behind"}})"));
   EXPECT_EQ(Write(ieee_.object, &_CKespIEEE::put_SecondaryAddress, 7), S_OK);
   ieee_.SetClears(false);
   ieee_.SetEos(L"13");

@@ -122,7 +122,7 @@ TEST_F(GpibFaultsTest, SingleSteps) {
 // Both commands are answered, so that one of them can fail.
 TEST_F(GpibFaultsTest, AutoDetect) {
   forgives_lines_ = true;
-  Sweep<IeeeClient>(R"({"primary": 2, "commands": {"*IDN?": "KESP", "*VER": "KESP"}})", &Detect,
+  Sweep<IeeeClient>(R"({"gpib": {"primary": 2}, "commands": {"*IDN?": "KESP", "*VER": "KESP"}})", &Detect,
                     &DetectAgain);
 }
 

@@ -91,8 +91,8 @@ GPIB_TEST(GpibLinesTest, Addresses_ArePassedAsTheyAre) {
 }
 
 GPIB_TEST(GpibLinesTest, SecondaryAddress_ReachesTheDeviceBehindIt) {
-  driver_.Load(BusWith(R"({"primary": 5, "secondary": 1, "commands": {"t": "one"}},
-                          {"primary": 5, "secondary": 2, "commands": {"t": "two"}})"));
+  driver_.Load(BusWith(R"({"gpib": {"primary": 5, "secondary": 1}, "commands": {"t": "one"}},
+                          {"gpib": {"primary": 5, "secondary": 2}, "commands": {"t": "two"}})"));
   EXPECT_EQ(Write(ieee_.object, &_CKespIEEE::put_SecondaryAddress, 2), S_OK);
   EXPECT_EQ(ieee_.Converse(L"t"), L"two\n");
 }
@@ -129,8 +129,8 @@ GPIB_TEST(GpibLinesTest, Released_ClosesItsDeviceAndTheBoard) {
 }
 
 GPIB_TEST(GpibLinesTest, TwoObjects_HaveADeviceEach) {
-  driver_.Load(
-      BusWith(R"({"primary": 5, "commands": {"t": "five"}}, {"primary": 6, "commands": {"t": "six"}})"));
+  driver_.Load(BusWith(
+      R"({"gpib": {"primary": 5}, "commands": {"t": "five"}}, {"gpib": {"primary": 6}, "commands": {"t": "six"}})"));
   IeeeClient other;
   other.SetAddress(6);
   EXPECT_EQ(ieee_.Initialize(), kDone);

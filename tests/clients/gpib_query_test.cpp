@@ -78,7 +78,7 @@ GPIB_TEST(GpibQueryTest, Success) {
 }
 
 GPIB_TEST(GpibQueryTest, DetectInstrument_SearchesFromTheFirstAddress) {
-  driver_.Load(BusWith(R"({"primary": 3, "commands": {"*IDN?": "KESP,GP488,SIM48803,2.0"}})"));
+  driver_.Load(BusWith(R"({"gpib": {"primary": 3}, "commands": {"*IDN?": "KESP,GP488,SIM48803,2.0"}})"));
   ieee_.SetAddress(5);
   VARIANT_BOOL found = 5;
   EXPECT_EQ(comm_->DetectInstrument(reply_.in_out(), dlSCPIOnly, &found), S_OK);
@@ -194,7 +194,7 @@ GPIB_TEST(GpibQueryTest, OmegaArguments_AreIgnored) {
 }
 
 GPIB_TEST(GpibQueryTest, LongReply_IsItsFirstFiftyCharacters) {
-  driver_.Load(BusWith(R"({"primary": 5, "commands": {"LOG?": ")" + std::string(60, 'a') + "\"}}"));
+  driver_.Load(BusWith(R"({"gpib": {"primary": 5}, "commands": {"LOG?": ")" + std::string(60, 'a') + "\"}}"));
   EXPECT_TRUE(Query(L"LOG?"));
   EXPECT_EQ(reply_.str(), std::wstring(50, L'a'));
 }

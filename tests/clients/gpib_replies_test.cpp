@@ -8,7 +8,7 @@ class GpibRepliesTest : public GpibStage {
  protected:
   // Opens a device that answers "t" with this reply (as JSON writes it); it alone ends reads.
   void OpenWith(const std::string& reply, const std::string& more = R"("reply_terminator": "")") {
-    driver_.Load(BusWith(R"({"primary": 5, "commands": {"t": ")" + reply + "\"}, " + more + "}"));
+    driver_.Load(BusWith(R"({"gpib": {"primary": 5}, "commands": {"t": ")" + reply + "\"}, " + more + "}"));
     ieee_.SetEndsReads(false);
     ieee_.SetTimeOut(to100ms);
     EXPECT_EQ(ieee_.Initialize(), kDone);

@@ -10,8 +10,8 @@ namespace {
 
 // One device answers, one never finishes its reply, and at address 9 is none.
 constexpr char kBus[] = R"({"devices": [
-  {"primary": 5, "commands": {"*IDN?": "KESP,GP488,SIM48805,2.0"}},
-  {"primary": 6, "reply_terminator": "", "end": false, "commands": {"*IDN?": "??"}}]})";
+  {"gpib": {"primary": 5}, "commands": {"*IDN?": "KESP,GP488,SIM48805,2.0"}},
+  {"gpib": {"primary": 6}, "reply_terminator": "", "end": false, "commands": {"*IDN?": "??"}}]})";
 
 constexpr int kExchanges = 150;
 // Where two calls have to meet by chance.
@@ -141,8 +141,8 @@ TEST_P(GpibThreadsTest, OneRunsIntoEveryTimeOut) {
 
 // Two devices, since one would mix up the replies of both.
 TEST_P(GpibThreadsTest, BothOpenAndClose) {
-  driver_.Load(
-      BusWith(R"({"primary": 5, "commands": {"t": "five"}}, {"primary": 6, "commands": {"t": "six"}})"));
+  driver_.Load(BusWith(
+      R"({"gpib": {"primary": 5}, "commands": {"t": "five"}}, {"gpib": {"primary": 6}, "commands": {"t": "six"}})"));
   const auto converse = [](short address, const std::wstring& reply) {
     return [=](TurnTaker&) {
       IeeeClient client;

@@ -58,7 +58,7 @@ GPIB_TEST(GpibTimeoutsTest, NoDeviceAtTheAddress_WriteFailsAtOnce) {
 }
 
 GPIB_TEST(GpibTimeoutsTest, SlowReply_IsWaitedFor) {
-  driver_.Load(BusWith(R"({"primary": 5, "delay_ms": 400, "commands": {"t": "23.5"}})"));
+  driver_.Load(BusWith(R"({"gpib": {"primary": 5}, "delay_ms": 400, "commands": {"t": "23.5"}})"));
   Open(toNone);
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_EQ(ieee_.Exchange(L"t"), L"23.5\n");
@@ -66,7 +66,7 @@ GPIB_TEST(GpibTimeoutsTest, SlowReply_IsWaitedFor) {
 }
 
 GPIB_TEST(GpibTimeoutsTest, ReplyAfterTheTimeOut_IsReadByALaterRead) {
-  driver_.Load(BusWith(R"({"primary": 5, "delay_ms": 400, "commands": {"t": "23.5"}})"));
+  driver_.Load(BusWith(R"({"gpib": {"primary": 5}, "delay_ms": 400, "commands": {"t": "23.5"}})"));
   Open(to100ms);
   EXPECT_EQ(ieee_.WriteLine(L"t"), kDone);
   ExpectSilenceFor(milliseconds(100));

@@ -8,7 +8,7 @@ namespace kesp::clients {
 // What stands at address 5 in most tests. No reply holds the character "1", at which reads end with an
 // EOSChar of "10", but for that of MODEL?.
 inline constexpr char kMeter[] = R"({
-  "primary": 5,
+  "gpib": {"primary": 5},
   "commands": {
     "*IDN?": "KESP,GP488,SIM48805,2.0",
     "MODEL?": "KESP,7100",

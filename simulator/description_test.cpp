@@ -1,0 +1,323 @@
+// Descriptions, read and refused: every mistake with its line and its place, all at once.
+#include "simulator/description.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <variant>
+
+#include "simulator/description_error.h"
+#include "simulator/examples.h"
+
+namespace kesp::simulator {
+namespace {
+
+namespace fs = std::filesystem;
+using std::chrono::milliseconds;
+
+std::string MistakesIn(const std::string& json, const fs::path& folder = {}) {
+  try {
+    ReadDescription(json, "d", folder);
+  } catch (const DescriptionError& error) {
+    return error.what();
+  }
+  return "";
+}
+
+struct Mistake {
+  std::string json;
+  std::string text;  // without "d:1: "
+};
+
+TEST(Description, EachMistake_IsToldWithItsPlace) {
+  const std::string bytes = "may only hold characters from \\u0000 to \\u00FF (one byte each)";
+  const std::string answer = "must be a text, null, a list of actions, or {\"cycle\": [...]} of these";
+  const std::string kinds =
+      "(send, send_hex, wait_ms, split, trickle, random, repeat, flood_ms, close, reset, echo, merge_next)";
+  const std::string datagram =
+      "is not an action of discovery (send, send_hex, random, repeat, storm, wait_ms)";
+  const std::string own = "needs a line of the device's own, which it has not behind another one or on a bus";
+  const auto whole = [](const std::string& from, const std::string& to) {
+    return "must be a whole number from " + from + " to " + to;
+  };
+  const auto action = [](const std::string& members) { return R"({"default": [{)" + members + "}]}"; };
+  const auto device = [](const std::string& members) {
+    return R"({"devices": [{"gpib": {"primary": 5}, )" + members + "}]}";
+  };
+  const Mistake mistakes[] = {
+      {"[]", "/: must be an object"},
+      {R"({"comands": {}})", "/comands: is not a known member"},
+      {R"({"description": ["a", 5]})", "/description: must be a text or a list of texts"},
+      {R"({"terminator": ""})", "/terminator: must not be empty"},
+      {R"({"terminator": 13})", "/terminator: must be a text"},
+      {R"({"commands": []})", "/commands: must be an object"},
+      {R"({"commands": {"A?": 1}})", "/commands/A?: " + answer},
+      {R"({"commands": {"A\r": []}})",
+       "/commands/A\r: holds the terminator, so that it can never be received"},
+      {R"({"commands": {"\u0100": []}})", "/commands/\xC4\x80: " + bytes},
+      {R"({"default": "\u0100"})", "/default: " + bytes},
+      {R"({"default": ["1"]})",
+       "/default/0: must be an action, such as {\"send\": \"...\"}; texts in turn are {\"cycle\": [...]}"},
+      {R"({"default": [5]})", "/default/0: must be an object"},
+      {R"({"default": {"cycle": []}})", "/default/cycle: must be a list of one or more answers"},
+      {R"({"default": {"cycle": [1]}})", "/default/cycle/0: " + answer},
+      {R"({"default": {"cicle": [[]]}})",
+       "/default/cycle: is missing\nd:1: /default/cicle: is not a known member"},
+      {R"({"on_connect": [{"sned": "1"}]})", "/on_connect/0: is not a known action " + kinds},
+      {action(R"("send": 1)"), "/default/0/send: must be a text"},
+      {action(R"("send": "1", "gap_ms": 1)"), "/default/0/gap_ms: is not a known member"},
+      {action(R"("send_hex": "0")"),
+       "/default/0/send_hex: must be pairs of hexadecimal digits, for example \"00 FF\""},
+      {action(R"("wait_ms": 3600001)"), "/default/0/wait_ms: " + whole("0", "3600000")},
+      {action(R"("wait_ms": 1.5)"), "/default/0/wait_ms: " + whole("0", "3600000")},
+      {action(R"("wait_ms": 18446744073709551615)"), "/default/0/wait_ms: " + whole("0", "3600000")},
+      {action(R"("split": "1", "gap_ms": 1)"), "/default/0/pieces: is missing"},
+      {action(R"("split": "1", "gap_ms": 1, "pieces": 0)"), "/default/0/pieces: " + whole("1", "1000000")},
+      {action(R"("trickle": "1")"), "/default/0/gap_ms: is missing"},
+      {action(R"("random": 0)"), "/default/0/random: " + whole("1", "67108864")},
+      {action(R"("random": 1, "seed": -1)"), "/default/0/seed: " + whole("0", "4294967295")},
+      {action(R"("repeat": "", "bytes": 1)"), "/default/0/repeat: must not be empty"},
+      {action(R"("repeat": "1")"), "/default/0/bytes: is missing"},
+      {action(R"("close": false)"), "/default/0/close: must be true, or be left out"},
+      {action(R"("merge_next": true}, {"wait_ms": 1)"),
+       R"(/default: "merge_next" goes only with "send", "send_hex", "random" and "echo")"},
+      {R"({"line": 9600})", "/line: must be an object"},
+      {R"({"line": {}})", "/line/baud: is missing"},
+      {R"({"line": {"baud": 49}})", "/line/baud: " + whole("50", "4000000")},
+      {R"({"line": {"baud": 50, "parity": "X"}})", "/line/parity: must be N, E, O, M or S"},
+      {R"({"line": {"baud": 50, "data_bits": 9}})", "/line/data_bits: " + whole("5", "8")},
+      {R"({"line": {"baud": 50, "stop_bits": 3}})", "/line/stop_bits: " + whole("1", "2")},
+      {R"({"discovery": [{"close": true}]})", "/discovery/0: " + datagram},
+      {R"({"discovery": [{"repeat": "x", "bytes": 65508}]})",
+       "/discovery/0: makes a datagram of 65508 bytes; 65507 is the most"},
+      {R"({"discovery": [{"storm": [], "datagrams": 1}]})",
+       "/discovery/0/storm: must be a list of one or more datagrams"},
+      {R"({"discovery": [{"storm": [{"wait_ms": 1}], "datagrams": 1}]})",
+       "/discovery/0/storm/0: is not a datagram (send, send_hex, random, repeat)"},
+      {R"({"discovery": [{"storm": [{"send": ""}]}]})", "/discovery/0/datagrams: is missing"},
+      {R"({"device": "toaster", "x": 1})", R"(/device: must be "omega", "radio_modem" or "port_switch")"},
+      {R"({"device": "omega", "values": {}})", "/address: is missing"},
+      {R"({"device": "omega", "address": "A", "values": {}})", "/address: must be digits"},
+      {R"({"device": "omega", "address": "1", "values": {"": "1"}})", "/values: has a value without a name"},
+      {R"({"device": "omega", "address": "1", "values": {"A": 1}})", "/values/A: must be a text"},
+      {R"({"device": "radio_modem"})", "/behind: is missing"},
+      {R"({"device": "radio_modem", "behind": {"X": {}}})",
+       "/behind/X: must be a hexadecimal number of at most 8 digits"},
+      {R"({"device": "radio_modem", "behind": {}, "registers": {"XX": "1"}})",
+       "/registers/XX: is not a known member"},
+      {R"({"device": "radio_modem", "behind": {}, "registers": {"DL": "123456789"}})",
+       "/registers/DL: must be a hexadecimal number of at most 8 digits"},
+      {R"({"device": "radio_modem", "behind": {}, "answers": "some"})",
+       "/answers: must be \"whole\", \"none\", \"half_ok\" or \"no_cr\""},
+      {R"({"device": "radio_modem", "behind": {"1": {"commands": {"A": [{"reset": true}]}}}})",
+       "/behind/1/commands/A/0: " + own},
+      {R"({"device": "port_switch", "model": 5, "ports": {}})", "/model: must be 4, 6 or 8"},
+      {R"({"device": "port_switch", "model": 4, "ports": {"ABC": {}}})",
+       "/ports/ABC: must have a name of one or two characters"},
+      {R"({"device": "port_switch", "model": 4, "ports": {"A": {}, "B": {}, "C": {}, "D": {}, "E": {}}})",
+       "/ports: has more ports than the model"},
+      {R"({"device": "port_switch", "model": 4, "ports": {"A": "/nowhere.json"}})",
+       "/ports/A: /nowhere.json: cannot be read"},
+      {R"({"devices": {}})", "/devices: must be a list"},
+      {R"({"devices": [{}]})", "/devices/0/gpib: is missing"},
+      {R"({"devices": [{"gpib": {}}]})", "/devices/0/gpib/primary: is missing"},
+      {R"({"devices": [{"gpib": {"primary": 31}}]})", "/devices/0/gpib/primary: " + whole("0", "30")},
+      {R"({"devices": [{"gpib": {"primary": 5, "secondary": 95}}]})",
+       "/devices/0/gpib/secondary: must be 0 for none, 1 to 30, or 96 to 126"},
+      {R"({"devices": [{"gpib": {"primary": 5, "secondary": 2}}, {"gpib": {"primary": 5, "secondary": 98}}]})",
+       "/devices/1: has the address of another device"},
+      {device(R"("end": 1)"), "/devices/0/end: must be true or false"},
+      {device(R"("delay_ms": -1)"), "/devices/0/delay_ms: " + whole("0", "3600000")},
+      {device(R"("commands": {"A\n": null})"),
+       "/devices/0/commands/A\n: holds the terminator, so that it can never be received"},
+      {device(R"("default": [{"flood_ms": 1}])"), "/devices/0/default/0: " + own},
+      {R"({"failures": [{}]})", "/failures/0/call: is missing"},
+      {R"({"failures": [{"call": "ibwait"}]})",
+       "/failures/0/call: must be ibdev, ibclr, ibeos, ibwrt, ibrd, ibonl or *"},
+      {R"({"failures": [{"call": "*", "at": 0}]})", "/failures/0/at: " + whole("1", "2147483647")},
+      {R"({"registration": [-1]})", "/registration/0: " + whole("0", "2147483647")},
+      {R"({"record": null})", "/record: must be true or false"},
+  };
+  for (const Mistake& mistake : mistakes) EXPECT_EQ(MistakesIn(mistake.json), "d:1: " + mistake.text);
+}
+
+TEST(Description, AllMistakes_AreToldAtOnceInTheOrderOfTheirLines) {
+  EXPECT_EQ(MistakesIn("// A comment is fine.\n"
+                       "{\n"
+                       "  \"terminator\": 1, /* and so\n"
+                       "  is this */ \"bogus\": true,\n"
+                       "  \"commands\": {\n"
+                       "    \"A?\": [{\"wait_ms\": \"long\"},\n"
+                       "           {\"send\": 5}],\n"
+                       "    \"A?\": null,\n"
+                       "    \"B?\": 12\n"
+                       "  }\n"
+                       "}\n"),
+            "d:3: /terminator: must be a text\n"
+            "d:4: /bogus: is not a known member\n"
+            "d:6: /commands/A?/0/wait_ms: must be a whole number from 0 to 3600000\n"
+            "d:7: /commands/A?/1/send: must be a text\n"
+            "d:8: /commands/A?: is given twice, first in line 6\n"
+            "d:9: /commands/B?: must be a text, null, a list of actions, or {\"cycle\": [...]} of these");
+}
+
+TEST(Description, WhatIsNoJson_IsToldWithItsLine) {
+  for (const char* json : {"", "{} {}", "{\"default\": 'x'}", "{\"default\": \"\xFF\"}", "{\"default\": 1,}"})
+    EXPECT_NE(MistakesIn(json).find("is not JSON: "), std::string::npos) << json;
+  EXPECT_EQ(MistakesIn("{\n\"commands\": {\n,}\n}").rfind("d:3: /commands: is not JSON: ", 0), 0U);
+  EXPECT_EQ(MistakesIn("{\"commands\": " + std::string(1000, '[')).find("is nested too deeply") ==
+                std::string::npos,
+            false);
+}
+
+class DescriptionFiles : public testing::Test {
+ protected:
+  DescriptionFiles() { fs::create_directory(folder_); }
+  ~DescriptionFiles() override { fs::remove_all(folder_); }
+  std::string Write(const std::string& name, const std::string& text) const {
+    std::ofstream(folder_ / name) << text;
+    return (folder_ / name).string();
+  }
+
+  const fs::path folder_ = testing::TempDir() + "kesp_descriptions_" + std::to_string(::getpid());
+};
+
+TEST_F(DescriptionFiles, MistakesInFilesThatOthersName_AreToldWithTheirNames) {
+  const std::string inner = Write("inner.json", "{\n\"bogus\": 1}");
+  Write("modem.json", R"({"device": "radio_modem", "behind": {}})");
+  EXPECT_EQ(
+      MistakesIn(R"({"device": "port_switch", "model": 4, "ports": {"A": "inner.json", "B": "modem.json"}})",
+                 folder_),
+      inner +
+          ":2: /bogus: is not a known member\n"
+          "d:1: /ports/B: names a device; write it here instead");
+}
+
+TEST_F(DescriptionFiles, MissingFileAndFolder_AreToldWithTheirNames) {
+  for (const std::string& name : {std::string("/nowhere/at-all.json"), folder_.string()}) {
+    try {
+      LoadDescription(name);
+      ADD_FAILURE() << name << " was read";
+    } catch (const DescriptionError& error) {
+      EXPECT_EQ(error.what(), name + ": cannot be read");
+    }
+  }
+}
+
+std::string FirstBytes(const Answer& answer) {
+  return std::get<Send>(answer.turns.at(0).at(0)).bytes;
+}
+
+TEST(Description, Instrument_IsRead) {
+  const Personality empty = ReadInstrument("{}");
+  EXPECT_EQ(empty.terminator, "\r");
+  EXPECT_TRUE(empty.commands.empty());
+  EXPECT_EQ(std::get<Datagram>(empty.discovery.turns.at(0).at(0)).bytes.size(), 30U);
+  const Personality personality = ReadInstrument(R"({
+    "description": ["what", "it is"], "terminator": "\n", "reply_terminator": "\r\n", "on_connect": "hello",
+    "commands": {"A?": [{"send": "1"}], "SET *": "ok\u0081", "": "empty", "\u00B5?": null},
+    "default_query": "what?", "default": "what!", "discovery": [{"send": "here"}],
+    "line": {"baud": 19200, "parity": "M", "data_bits": 7, "stop_bits": 2}})");
+  EXPECT_EQ(personality.terminator, "\n");
+  EXPECT_EQ(FirstBytes(personality.on_connect), "hello\r\n");
+  EXPECT_EQ(FirstBytes(personality.commands.at("A?")), "1\r\n");
+  EXPECT_EQ(FirstBytes(personality.commands.at("")), "empty\r\n");
+  EXPECT_EQ(FirstBytes(personality.prefixes.at("SET ")), "ok\x81\r\n");
+  EXPECT_TRUE(personality.commands.at("\xB5?").turns.at(0).empty());
+  EXPECT_EQ(FirstBytes(personality.unknown_query), "what?\r\n");
+  EXPECT_EQ(FirstBytes(personality.unknown), "what!\r\n");
+  EXPECT_EQ(std::get<Datagram>(personality.discovery.turns.at(0).at(0)).bytes, "here");
+  EXPECT_EQ(TextOf(personality.line.value()), "19200,M,7,2");
+  EXPECT_EQ(FirstBytes(ReadInstrument(R"({"default": "x"})").unknown_query), "x\r");
+  EXPECT_EQ(FirstBytes(ReadInstrument(R"({"reply_terminator": "", "default": "x"})").unknown), "x");
+}
+
+template <typename Kind>
+Kind Only(const std::string& action) {
+  return std::get<Kind>(ReadInstrument(R"({"default": [)" + action + "]}").unknown.turns.at(0).at(0));
+}
+
+TEST(Description, Actions_AreRead) {
+  EXPECT_EQ(Only<Send>(R"({"send": "half", "end": ""})").bytes, "half");
+  EXPECT_EQ(Only<Send>(R"({"send_hex": "00 FF 41"})").bytes, std::string("\0\xFF\x41", 3));
+  const auto split = Only<SendPieces>(R"({"split": "ABC", "pieces": 2, "gap_ms": 30})");
+  EXPECT_EQ(split.bytes, "ABC\r");
+  EXPECT_EQ(split.pieces, 2U);
+  EXPECT_EQ(split.gap, milliseconds(30));
+  EXPECT_EQ(Only<SendPieces>(R"({"trickle": "ABC", "gap_ms": 7})").pieces, 4U);
+  EXPECT_EQ(Only<SendPieces>(R"({"trickle": "", "gap_ms": 0, "end": ""})").pieces, 1U);
+  const std::string random = Only<Send>(R"({"random": 300, "seed": 7})").bytes;
+  EXPECT_EQ(random.size(), 300U);
+  EXPECT_EQ(Only<Send>(R"({"random": 300, "seed": 7})").bytes, random);
+  EXPECT_NE(Only<Send>(R"({"random": 300})").bytes, random);
+  const auto repeated = Only<SendRepeated>(R"({"repeat": "AB", "bytes": 16777216, "end": "\n"})");
+  EXPECT_EQ(repeated.pattern, "AB");
+  EXPECT_EQ(repeated.total, 16777216U);
+  EXPECT_EQ(repeated.end, "\n");
+  EXPECT_EQ(Only<Wait>(R"({"wait_ms": 1500})").length, milliseconds(1500));
+  EXPECT_EQ(Only<Flood>(R"({"flood_ms": 8000})").length, milliseconds(8000));
+  EXPECT_EQ(Only<Ending>(R"({"close": true})"), Ending::kClose);
+  EXPECT_EQ(Only<Ending>(R"({"reset": true})"), Ending::kReset);
+  EXPECT_EQ(Only<Echo>(R"({"echo": true})").end, "\r");
+  Only<HoldForNext>(R"({"merge_next": true}, {"echo": true}, {"send_hex": "00"})");
+  const Answer cycle =
+      ReadInstrument(R"({"default": {"cycle": ["1", null, [{"send": "2"}, {"close": true}]]}})").unknown;
+  ASSERT_EQ(cycle.turns.size(), 3U);
+  EXPECT_TRUE(cycle.turns[1].empty());
+  EXPECT_EQ(cycle.turns[2].size(), 2U);
+}
+
+TEST(Description, Bus_IsRead) {
+  const gpib::BusDescription bus = ReadBus(R"({"devices": [
+    {"gpib": {"primary": 30, "secondary": 126}, "terminator": "", "end": false, "delay_ms": 7,
+     "keeps_replies": true, "default": "what?"},
+    {"gpib": {"primary": 5}}],
+    "failures": [{"call": "ibonl", "at": 2, "error": 14, "status": 32767, "count": 3, "result": 40000},
+                 {"description": "any", "call": "*"}],
+    "secondary_offset_required": true, "record": false, "registration": [2, 0]})");
+  const Personality& first = bus.devices.at(0);
+  EXPECT_EQ(first.address, (gpib::Address{30, 30}));
+  EXPECT_EQ(first.terminator, "");
+  EXPECT_FALSE(first.end);
+  EXPECT_EQ(first.delay_ms, 7);
+  EXPECT_TRUE(first.keeps_replies);
+  EXPECT_EQ(FirstBytes(first.unknown), "what?\n");
+  EXPECT_EQ(bus.devices.at(1).terminator, "\n");
+  EXPECT_TRUE(bus.devices.at(1).end);
+  EXPECT_EQ(bus.failures.at(0).call, gpib::CallName::kOnline);
+  EXPECT_EQ(bus.failures.at(0).at, 2);
+  EXPECT_EQ(bus.failures.at(0).error, 14);
+  EXPECT_EQ(bus.failures.at(0).status, 32767);
+  EXPECT_EQ(bus.failures.at(0).count, 3);
+  EXPECT_EQ(bus.failures.at(0).result, 40000);
+  EXPECT_EQ(bus.failures.at(1).call, std::nullopt);
+  EXPECT_EQ(bus.failures.at(1).at, std::nullopt);
+  EXPECT_TRUE(bus.secondary_offset_required);
+  EXPECT_FALSE(bus.record);
+  EXPECT_EQ(bus.registration, (std::vector<std::int32_t>{2, 0}));
+  EXPECT_TRUE(ReadBus("{}").devices.empty());
+  EXPECT_TRUE(ReadBus("{}").record);
+}
+
+TEST_F(DescriptionFiles, Devices_HaveWhatIsBehindThemAndKeepTheirRegisters) {
+  Write("scale.json", R"({"commands": {"W?": "12.0"}})");
+  Write("registers", "DL=B\n");
+  const std::string json = R"({"device": "radio_modem", "guard_ms": 0, "registers": {"DL": "a"}, "behind": {
+    "A": "scale.json", "B": {"commands": {"T?": "21"}}})";
+  const auto ask = [this](const std::string& text) {
+    const Description description = ReadDescription(text, "d", folder_);
+    return std::get<std::unique_ptr<Device>>(description)->Take("W?\rT?\r", Moment(0)).bytes;
+  };
+  EXPECT_EQ(ask(json + "}"), "12.0\r");
+  EXPECT_EQ(ask(json + R"(, "nonvolatile": "registers"})"), "21\r");
+}
+
+TEST(Examples, AllAreDescriptionsThatStandAlone) {
+  for (const Example& example : Examples())
+    EXPECT_EQ(MistakesIn(std::string(example.text), "/nowhere"), "") << example.kind;
+  EXPECT_EQ(Examples().size(), 5U);
+}
+
+}  // namespace
+}  // namespace kesp::simulator
