@@ -8,6 +8,7 @@
 #include "simulator/schedule.h"
 
 namespace kesp::simulator {
+
 PlayedDevice::PlayedDevice(Personality personality)
     : instrument_(std::move(personality)), framer_(instrument_.terminator()) {}
 
@@ -30,9 +31,9 @@ std::optional<Moment> PlayedDevice::Due() const {
 
 void PlayedDevice::Plan(const ActionList& actions, const std::string& command, Moment now) {
   free_ = std::max(free_, now);
-  for (Part& part : PartsOf(actions, command)) {
-    free_ += part.pause;
-    later_.push_back({free_, std::move(part.bytes)});
+  for (const Step& step : StepsOf(actions, command)) {
+    free_ += step.pause;
+    for (std::size_t i = 0; i < step.times && !step.bytes.empty(); ++i) later_.push_back({free_, step.bytes});
   }
 }
 

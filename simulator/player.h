@@ -1,4 +1,4 @@
-// Carries out lists of actions on a carrier.
+// Carries out the schedules of actions on a carrier.
 #pragma once
 
 #include <asio/awaitable.hpp>
@@ -9,6 +9,7 @@
 
 #include "simulator/action.h"
 #include "simulator/carrier.h"
+#include "simulator/schedule.h"
 
 namespace kesp::simulator {
 
@@ -28,8 +29,8 @@ class Player {
   explicit Player(Carrier& carrier) : carrier_(carrier) {}
 
   // Carries out the actions in order, up to the first that ends the line. `command` is what "echo" sends.
-  // Both must live until the end. Throws std::system_error when the client is gone; sent() then tells how far
-  // it came.
+  // Both must live until the end. Throws std::system_error when the client is gone; TakeSent then tells how
+  // far it came.
   asio::awaitable<LineState> Play(const ActionList& actions, std::string_view command);
 
   // What went out since the last call of TakeSent.
@@ -38,23 +39,11 @@ class Player {
   std::size_t held_bytes() const { return held_.size(); }
 
  private:
-  asio::awaitable<void> Do(const Send& send);
-  asio::awaitable<void> Do(const SendPieces& pieces);
-  asio::awaitable<void> Do(const SendRepeated& repeated);
-  asio::awaitable<void> Do(const Echo& echo);
-  asio::awaitable<void> Do(const Flood& flood);
-  asio::awaitable<void> Do(const Wait& wait);
-  asio::awaitable<void> Do(const HoldForNext& hold);
-  asio::awaitable<void> Do(const Ending& ending);
-
-  asio::awaitable<void> Put(std::string_view bytes);
+  asio::awaitable<void> Do(const Step& step);
   void Count(std::string_view bytes, std::size_t total);
 
   Carrier& carrier_;
-  LineState state_ = LineState::kOpen;
-  bool holding_ = false;
   std::string held_;
-  std::string_view command_;
   Sent sent_;
 };
 

@@ -1,7 +1,9 @@
-// Actions as bytes at their times.
+// Actions as a schedule: which bytes go out, and when. Carriers only carry it out.
 #pragma once
 
 #include <chrono>
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,14 +12,24 @@
 
 namespace kesp::simulator {
 
-// Bytes to send, the pause before them, and whether the reply is whole with them.
-struct Part {
-  std::chrono::milliseconds pause;
+struct Step {
+  std::chrono::milliseconds pause{0};  // before it
+  // One piece, sent so many times; or, with a flood, over and over for that time.
   std::string bytes;
+  std::size_t times = 1;
+  std::optional<std::chrono::milliseconds> flood;
+  // Ends the line, after the bytes.
+  std::optional<Ending> ending;
+  // Whether a reply is whole with these bytes, which a bus marks by END.
   bool is_whole = true;
 };
 
-// What a device sends that has no line of its own, for actions without Flood, HoldForNext and Ending.
-std::vector<Part> PartsOf(const ActionList& actions, std::string_view command);
+// The steps of a list of actions, up to the first that ends the line. Pieces are never without bytes, but for
+// a last step that is a pause only. `command` is what "echo" sends. `held` has the bytes that earlier lists
+// held back, which go with the first piece; a list that holds back adds to them and has no step.
+std::vector<Step> StepsOf(const ActionList& actions, std::string_view command, std::string& held);
+
+// The same for devices without a line of their own, whose lists hold nothing back.
+std::vector<Step> StepsOf(const ActionList& actions, std::string_view command);
 
 }  // namespace kesp::simulator

@@ -55,9 +55,10 @@ void SimulatedDevice::Complete(std::int64_t now) {
   if (length == 0) return;
   const std::string_view name = std::string_view(command).substr(0, length);
   std::int64_t begins = now + delay_;
-  for (Part& part : PartsOf(instrument_.Command(name), name)) {
-    begins += std::chrono::microseconds(part.pause).count();
-    replies_.push_back({std::move(part.bytes), begins, part.is_whole});
+  for (const Step& step : StepsOf(instrument_.Command(name), name)) {
+    begins += std::chrono::microseconds(step.pause).count();
+    for (std::size_t i = 0; i < step.times && !step.bytes.empty(); ++i)
+      replies_.push_back({step.bytes, begins, step.is_whole});
   }
 }
 
