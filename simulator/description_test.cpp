@@ -101,6 +101,8 @@ TEST(Description, EachMistake_IsToldWithItsPlace) {
       {R"({"device": "omega", "address": "A", "values": {}})", "/address: must be digits"},
       {R"({"device": "omega", "address": "1", "values": {"": "1"}})", "/values: has a value without a name"},
       {R"({"device": "omega", "address": "1", "values": {"A": 1}})", "/values/A: must be a text"},
+      {R"({"device": "omega", "address": "1", "values": {}, "check": "odd"})",
+       R"(/check: must be "right" or "wrong")"},
       {R"({"device": "radio_modem"})", "/behind: is missing"},
       {R"({"device": "radio_modem", "behind": {"X": {}}})",
        "/behind/X: must be a hexadecimal number of at most 8 digits"},
@@ -311,6 +313,22 @@ TEST_F(DescriptionFiles, Devices_HaveWhatIsBehindThemAndKeepTheirRegisters) {
   };
   EXPECT_EQ(ask(json + "}"), "12.0\r");
   EXPECT_EQ(ask(json + R"(, "nonvolatile": "registers"})"), "21\r");
+}
+
+TEST(Description, ControllerWithWrongChecks_SpoilsThoseOfItsReplies) {
+  const auto check = [](const std::string& more) {
+    const Description description = ReadDescription(
+        R"({"device": "omega", "address": "01", "values": {"PV": "0021.5"})" + more + "}", "d");
+    return std::get<std::unique_ptr<Device>>(description)
+        ->Take(
+            "\x04"
+            "0011PV\x05",
+            Moment(0))
+        .bytes.at(10);
+  };
+  EXPECT_EQ(check(""), '\x1D');
+  EXPECT_EQ(check(R"(, "check": "right")"), '\x1D');
+  EXPECT_EQ(check(R"(, "check": "wrong")"), '\x1C');
 }
 
 TEST(Examples, AllAreDescriptionsThatStandAlone) {

@@ -71,8 +71,13 @@ std::unique_ptr<Device> ReadOmega(Fields& fields) {
       values[name] = value.Text();
     }
   }
+  OmegaController::Checks checks = OmegaController::Checks::kRight;
+  if (const std::optional<Entry> check = fields.Find("check")) {
+    if (check->IsText("wrong")) checks = OmegaController::Checks::kWrong;
+    if (!check->IsText("wrong") && !check->IsText("right")) check->Wrong("must be \"right\" or \"wrong\"");
+  }
   return std::make_unique<OmegaController>(digits, std::move(values),
-                                           LineOf(fields).value_or(LineRule{9600, 'E', 7, 1}));
+                                           LineOf(fields).value_or(LineRule{9600, 'E', 7, 1}), checks);
 }
 
 ModemAnswers ReadModemAnswers(Fields& fields) {

@@ -30,8 +30,8 @@ char BlockCheck(std::string_view bytes) {
   return check;
 }
 
-OmegaController::OmegaController(std::string_view address, Values values, LineRule line)
-    : address_(Doubled(address)), line_(line), values_(std::move(values)) {}
+OmegaController::OmegaController(std::string_view address, Values values, LineRule line, Checks checks)
+    : address_(Doubled(address)), line_(line), checks_(checks), values_(std::move(values)) {}
 
 Deeds OmegaController::Take(std::string_view bytes, Moment /*now*/) {
   Deeds deeds;
@@ -64,7 +64,8 @@ std::string OmegaController::Read(const std::string& command) const {
   const auto found = values_.find(command);
   if (found == values_.end()) return kEot + std::string(kEnd);
   const std::string block = command + found->second + kEtx;
-  return kStx + block + BlockCheck(block) + kEnd;
+  const char check = BlockCheck(block);
+  return kStx + block + (checks_ == Checks::kRight ? check : static_cast<char>(check ^ 1)) + kEnd;
 }
 
 std::string OmegaController::Write(const std::string& block, char check) {

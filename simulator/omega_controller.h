@@ -22,10 +22,12 @@ namespace kesp::simulator {
 class OmegaController : public Device {
  public:
   using Values = std::map<std::string, std::string>;
+  // Whether the block checks of its replies are right, or spoilt as on a noisy line.
+  enum class Checks { kRight, kWrong };
 
   // address: digits. values: by the command that reads and writes them; no command begins with another one's
   // name.
-  OmegaController(std::string_view address, Values values, LineRule line);
+  OmegaController(std::string_view address, Values values, LineRule line, Checks checks = Checks::kRight);
 
   Deeds Take(std::string_view bytes, Moment now) override;
   std::optional<LineRule> Line() const override { return line_; }
@@ -37,6 +39,7 @@ class OmegaController : public Device {
 
   const std::string address_;  // with its digits doubled
   const LineRule line_;
+  const Checks checks_;
   Values values_;
   // The frame from its EOT on; empty between frames.
   std::string frame_;
