@@ -25,7 +25,6 @@ constexpr char kMore[] =
     "                                             ... found by discovery, from the whole network\n"
     "  kesp-sim --serial COM7                     at one end of a null modem (Windows)\n"
     "  kesp-sim --serial ~/.wine/dosdevices/com33 at a serial line of its own, COM33 in Wine (Linux)\n"
-    "\n"
     "  kesp-sim example device meter.json         writes a commented description to start from\n"
     "  kesp-sim check meter.json                  tells every mistake in it\n"
     "\n"
@@ -34,23 +33,22 @@ constexpr char kMore[] =
     "file.\n"
     "README.md tells how to describe an instrument.\n";
 
-constexpr char kAboutServe[] =
-    "Plays the described device until Ctrl-C. When it is ready it prints \"listening on ADDRESS:PORT\" (and, "
-    "with\n"
-    "--discovery, \"discovery on ADDRESS:PORT\") or \"serving LINE\". The built-in instrument answers *IDN?, "
-    "*VER, t\n"
-    "and MEAS?; its commands and replies end with a carriage return.";
+constexpr char kMoreOfServe[] =
+    "When it is ready it prints \"listening on ADDRESS:PORT\" (and, with --discovery, \"discovery on "
+    "ADDRESS:PORT\")\n"
+    "or \"serving LINE\". The built-in instrument answers *IDN?, *VER, t and MEAS?; its commands and replies "
+    "end\n"
+    "with a carriage return.\n";
 
 constexpr char kAboutCheck[] =
     "Tells every mistake of a description as \"FILE:LINE: MEMBER: what is wrong\".";
 
 constexpr char kAboutExample[] = "Writes a commented description to start from.";
 
-constexpr char kAboutWire[] =
-    "Lets a TCP client play the instrument at a serial line (Linux only). Prints \"listening on "
-    "ADDRESS:PORT\".\n"
-    "For each client it makes a serial line, linked under the path, sends \"ready\" and a line feed, and\n"
-    "carries bytes both ways until the client leaves.";
+constexpr char kMoreOfWire[] =
+    "It prints \"listening on ADDRESS:PORT\". For each client it makes a serial line, linked under the path, "
+    "sends\n"
+    "\"ready\" and a line feed, and carries bytes both ways until the client leaves.\n";
 
 std::string CheckAddress(const std::string& text) {
   asio::error_code error;
@@ -146,10 +144,12 @@ void CheckTogether(const Options& options) {
     throw CLI::ValidationError("--discovery", "goes with an IPv4 address as --bind only");
 }
 
-CLI::App* AddCommand(CLI::App& app, Options& options, Command command, const char* name, const char* about) {
-  CLI::App* added = app.add_subcommand(name, about);
-  added->set_help_flag("-h,--help", "Print this text and end");
-  added->callback([&options, command] { options.command = command; });
+CLI::App& AddCommand(CLI::App& app, Options& options, Command command, const char* name, const char* about,
+                     const char* more = "") {
+  CLI::App& added = *app.add_subcommand(name, about);
+  added.set_help_flag("-h,--help", "Print this text and end");
+  added.footer(more);
+  added.callback([&options, command] { options.command = command; });
   return added;
 }
 
@@ -159,10 +159,19 @@ void Describe(CLI::App& app, Options& options) {
   app.set_version_flag("--version", "kesp-sim " KESP_VERSION, "Print the version and end");
   app.get_formatter()->column_width(24);
   app.require_subcommand(0, 1);
-  DescribeServe(*AddCommand(app, options, Command::kServe, "serve", kAboutServe), options);
-  DescribeCheck(*AddCommand(app, options, Command::kCheck, "check", kAboutCheck), options);
-  DescribeExample(*AddCommand(app, options, Command::kExample, "example", kAboutExample), options);
-  DescribeWire(*AddCommand(app, options, Command::kWire, "wire", kAboutWire), options);
+  DescribeServe(
+      AddCommand(app, options, Command::kServe, "serve",
+                 "Plays the described device, or the built-in instrument, until Ctrl-C", kMoreOfServe),
+      options);
+  DescribeCheck(AddCommand(app, options, Command::kCheck, "check",
+                           "Tells every mistake of a description as \"FILE:LINE: MEMBER: what is wrong\""),
+                options);
+  DescribeExample(
+      AddCommand(app, options, Command::kExample, "example", "Writes a commented description to start from"),
+      options);
+  DescribeWire(AddCommand(app, options, Command::kWire, "wire",
+                          "Lets a TCP client play the instrument at a serial line (Linux only)", kMoreOfWire),
+               options);
 }
 
 // Whether the first argument asks for something else than serving.
