@@ -29,15 +29,24 @@ BYTE ParityOf(char parity) {
   }
 }
 
-void Set(HANDLE port, const LineRule& line) {
+LineSettings SettingsFor(const LineRule& line) {
+  LineSettings settings;
+  settings.baud = line.baud;
+  settings.parity = line.parity.value_or(settings.parity);
+  settings.data_bits = line.data_bits.value_or(settings.data_bits);
+  settings.stop_bits = line.stop_bits.value_or(settings.stop_bits);
+  return settings;
+}
+
+void Set(HANDLE port, const LineSettings& line) {
   DCB settings{};
   settings.DCBlength = sizeof settings;
   bool done = GetCommState(port, &settings) != 0;
   settings.BaudRate = line.baud;
-  settings.Parity = ParityOf(line.parity.value_or('N'));
+  settings.Parity = ParityOf(line.parity);
   settings.fParity = settings.Parity != NOPARITY;
-  settings.ByteSize = static_cast<BYTE>(line.data_bits.value_or(8));
-  settings.StopBits = line.stop_bits.value_or(1) == 2 ? TWOSTOPBITS : ONESTOPBIT;
+  settings.ByteSize = static_cast<BYTE>(line.data_bits);
+  settings.StopBits = line.stop_bits == 2 ? TWOSTOPBITS : ONESTOPBIT;
   settings.fDtrControl = DTR_CONTROL_ENABLE;
   settings.fRtsControl = RTS_CONTROL_ENABLE;
   done = done && SetCommState(port, &settings) != 0;
@@ -48,8 +57,8 @@ void Set(HANDLE port, const LineRule& line) {
 
 ComPortCarrier::ComPortCarrier(asio::io_context& io, const std::string& name,
                                const std::optional<LineRule>& line)
-    : name_(name), port_(io, name), input_(kInputLength) {
-  Set(port_.native_handle(), line.value_or(LineRule{9600, {}, {}, {}}));
+    : name_(name), settings_(SettingsFor(line.value_or(LineRule()))), port_(io, name), input_(kInputLength) {
+  Set(port_.native_handle(), settings_);
 }
 
 std::string ComPortCarrier::Opening() const {
@@ -93,6 +102,11 @@ asio::awaitable<void> ComPortCarrier::Pause(std::chrono::milliseconds length) {
 void ComPortCarrier::End(Ending /*ending*/) {
   asio::error_code ignored;  // it may be closed already
   port_.close(ignored);
+}
+
+std::optional<LineSettings> ComPortCarrier::Line() const {
+  if (!port_.is_open()) return std::nullopt;
+  return settings_;
 }
 
 }  // namespace kesp::simulator

@@ -27,9 +27,12 @@ class ComPortCarrier : public Carrier {
   asio::awaitable<void> Pause(std::chrono::milliseconds length) override;
   // Either way the port is closed, with which DTR and RTS fall.
   void End(Ending ending) override;
+  // How the port is set; of the client's end nothing can be known.
+  std::optional<LineSettings> Line() const override;
 
  private:
   const std::string name_;
+  const LineSettings settings_;
   asio::serial_port port_;
   std::vector<char> input_;
 };

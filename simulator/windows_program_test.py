@@ -73,6 +73,12 @@ class WindowsProgramTest(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
 
+    def wait_for(self, log, text):
+        deadline = time.monotonic() + LIMIT_SECONDS
+        while text not in log.read_text():
+            self.assertLess(time.monotonic(), deadline, log.read_text())
+            time.sleep(0.02)
+
     def test_library_queries_it_and_ctrl_c_ends_it(self):
         log = self.folder / "talk.log"
         program = Program("--quiet", "--log", log)
@@ -125,9 +131,16 @@ class WindowsProgramTest(unittest.TestCase):
                 while not answer.endswith(b"\r"):
                     answer += client.recv(100)
                 self.assertEqual(answer, reply)
+            # Without an end, and then with it, when the line has been silent for a while.
+            client.sendall(b"*VE")
+            self.wait_for(log, ' #1 received "*VE"\n')
+            client.sendall(b"R\r")
+            self.assertEqual(client.recv(100), b"1.0\r")
             program.interrupt()
             self.assertEqual(program.end(), (0, "", ""))
-            self.assertIn(f"#1 opened COM{com}\n", log.read_text().replace("\r", ""))
+            lines = log.read_text()
+            for line in (f"opened COM{com}", "line 9600,N,8,1", 'received "t\\r"', 'command "*VER"'):
+                self.assertIn(f" #1 {line}\n", lines)
 
     def test_what_cannot_be_had_is_one_line_and_exit_code_1(self):
         with socket.create_server(("127.0.0.1", 0)) as taken:
