@@ -4,7 +4,7 @@
 # shellcheck source=tools/lib/wine.sh
 . "$KESP_TOOLS/lib/wine.sh"
 
-session_reason="stopped early; see above" session_verdict=
+session_reason="stopped early; see above" session_verdict= session_wine32_maker=
 
 # session_begin <name>: from here on the last line says "<name>: success" or "<name>: FAILED (why)".
 session_begin() {
@@ -31,6 +31,7 @@ session_fail() {
 session_end() {
   local bits
   trap - EXIT
+  session_await_wine32
   for bits in 64 32; do
     "$KESP_TOOLS/wine-prefix" "$bits" stop 8>&- >/dev/null 2>&1 || true
   done
@@ -50,10 +51,26 @@ session_step() {
   "$@" 8>&- </dev/null || session_fail "$what"
 }
 
-# Sets wine32_reason to why the 32-bit library cannot be run here; empty where it can.
-session_start_wine() {
-  local code=0 said=$KESP_ROOT/build/logs/wine32-reason.log
+# Begins to make the 32-bit system, which is loaded from the network while the compiler is at work.
+session_make_wine32() {
+  "$KESP_TOOLS/wine32-chroot" 8>&- </dev/null >/dev/null 2>&1 &
+  session_wine32_maker=$!
+}
+
+session_await_wine32() {
+  [ -z "$session_wine32_maker" ] || wait "$session_wine32_maker" || true
+  session_wine32_maker=
+}
+
+session_start_wine64() {
   session_step "Wine could not be started" "$KESP_TOOLS/wine-prefix" 64 start
+}
+
+# Sets wine32_reason to why the 32-bit library cannot be run here; empty where it can.
+session_start_wine32() {
+  local code=0 said=$KESP_ROOT/build/logs/wine32-reason.log
+  session_await_wine32
+  mkdir -p "$KESP_ROOT/build/logs"
   "$KESP_TOOLS/wine-prefix" 32 start 8>&- </dev/null 2>"$said" || code=$?
   wine32_reason=$(tail -n 1 "$said")
   case $code in
