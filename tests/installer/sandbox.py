@@ -16,7 +16,8 @@ class Sandbox:
 
     def __init__(self, bits):
         self.bits = bits
-        base = ROOT / "build" / f"wine-installer-{getpass.getuser()}"
+        # With a screen of its own, which the other width's run must not stop.
+        base = ROOT / "build" / f"wine-installer-{bits}-{getpass.getuser()}"
         self.environment = dict(os.environ, KESP_WINE_BASE=str(base))
         self.drive = base / f"win{bits}" / "drive_c"
         self.starter = ROOT / "build" / f"win{bits}" / "tests" / "installer" / "start_limited.exe"
