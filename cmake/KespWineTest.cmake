@@ -2,7 +2,13 @@
 #
 # kesp_wine_test(NAME <name> PROGRAM <path> [BITS 64 32] [ARGS ...] [INSTRUMENT <device.json>] [TIMEOUT <s>]
 #                [SERIAL <com number> [WIRE]] [HOSTS <hosts.json>] [DRIVER <bus.json>] [LOCALE <name>] [STANDALONE]
-#                [SCREEN] [ALL_PORTS] [CHANGES_REGISTRY])
+#                [SCREEN] [ALL_PORTS] [CHANGES_REGISTRY] [SHARDS <n>])
+#
+# kesp_wine_program(<name> SOURCES a_test.cpp ... [USES kesp_client ...] [what kesp_wine_test takes])
+#
+# kesp_wine_program makes a program of GoogleTest tests, <name> with underscores and _test behind (clients.query:
+# clients_query_test.exe), and its test in one place, so that no suite of it can be forgotten. kesp_wine_test is for
+# programs that are there and for scripts.
 #
 # One test for each width (both unless BITS says otherwise), named wine64.<name> and wine32.<name>.
 #   PROGRAM     an .exe as a path within the Windows build (tests/win/foo.exe), or a .vbs or .js file of this folder
@@ -18,12 +24,16 @@
 #   SCREEN      opens windows, and runs while no other such test does: they would take the focus from one another
 #   ALL_PORTS   opens every COM port there is, and runs alone, because the ports of other tests are among them
 #   CHANGES_REGISTRY  runs alone and must leave the library registered
+#   SHARDS      shares the program's cases out to that many tests, named <name>.1 and so on, which run side by side; with
+#               SERIAL each has a port of its own, the numbers behind that one
 # In the Windows builds it does nothing, so that a folder's list file is the same for all builds.
 set(KESP_WINE_TEST "${CMAKE_SOURCE_DIR}/tools/wine-test")
 set(KESP_WITH_INSTRUMENT "${CMAKE_SOURCE_DIR}/tools/with-instrument")
 set(KESP_WITH_SERIAL_LINE "${CMAKE_SOURCE_DIR}/tools/with-serial-line")
 set(KESP_WITH_NETWORK_HOSTS "${CMAKE_SOURCE_DIR}/tools/with-network-hosts")
 set(KESP_SKIPPED 77)
+set(KESP_WINE_TEST_OPTIONS STANDALONE CHANGES_REGISTRY WIRE SCREEN ALL_PORTS)
+set(KESP_WINE_TEST_VALUES INSTRUMENT SERIAL HOSTS DRIVER LOCALE TIMEOUT SHARDS)
 
 # Registering is a test of its own; those that need the library depend on it.
 function(kesp_wine_registration bits)
@@ -44,8 +54,7 @@ function(kesp_wine_test)
   if(WIN32)
     return()
   endif()
-  cmake_parse_arguments(TEST "STANDALONE;CHANGES_REGISTRY;WIRE;SCREEN;ALL_PORTS" "NAME;PROGRAM;INSTRUMENT;SERIAL;HOSTS;DRIVER;LOCALE;TIMEOUT"
-    "BITS;ARGS" ${ARGN})
+  cmake_parse_arguments(TEST "${KESP_WINE_TEST_OPTIONS}" "NAME;PROGRAM;${KESP_WINE_TEST_VALUES}" "BITS;ARGS" ${ARGN})
   if(TEST_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "kesp_wine_test does not know ${TEST_UNPARSED_ARGUMENTS}")
   endif()
@@ -62,13 +71,51 @@ function(kesp_wine_test)
     message(FATAL_ERROR "kesp_wine_test: HOSTS goes without INSTRUMENT and SERIAL")
   endif()
   foreach(bits IN LISTS TEST_BITS)
-    kesp_add_wine_test(${bits})
+    if(TEST_SHARDS)
+      foreach(shard RANGE 1 ${TEST_SHARDS})
+        kesp_add_wine_test(${bits} ${shard})
+      endforeach()
+    else()
+      kesp_add_wine_test(${bits} "")
+    endif()
   endforeach()
 endfunction()
 
-# The body of kesp_wine_test for one width, in that function's scope.
-macro(kesp_add_wine_test bits)
+function(kesp_wine_program name)
+  cmake_parse_arguments(PROGRAM "${KESP_WINE_TEST_OPTIONS}" "${KESP_WINE_TEST_VALUES}" "SOURCES;USES;BITS" ${ARGN})
+  string(REPLACE . _ program "${name}_test")
+  if(WIN32)
+    kesp_test_program(${program} SOURCES ${PROGRAM_SOURCES} USES ${PROGRAM_USES})
+    return()
+  endif()
+  set(arguments ${PROGRAM_UNPARSED_ARGUMENTS})
+  foreach(option IN LISTS KESP_WINE_TEST_OPTIONS)
+    if(PROGRAM_${option})
+      list(APPEND arguments ${option})
+    endif()
+  endforeach()
+  foreach(value IN ITEMS ${KESP_WINE_TEST_VALUES} BITS)
+    if(PROGRAM_${value})
+      list(APPEND arguments ${value} ${PROGRAM_${value}})
+    endif()
+  endforeach()
+  cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY "${CMAKE_SOURCE_DIR}" OUTPUT_VARIABLE folder)
+  kesp_wine_test(NAME ${name} PROGRAM ${folder}/${program}.exe ${arguments})
+endfunction()
+
+# The body of kesp_wine_test for one width, and one part where there are several, in that function's scope.
+macro(kesp_add_wine_test bits shard)
   set(name wine${bits}.${TEST_NAME})
+  set(port "${TEST_SERIAL}")
+  set(environment "KESP_INSTRUMENT=${CMAKE_BINARY_DIR}/simulator/kesp-sim")
+  if(NOT "${shard}" STREQUAL "")
+    string(APPEND name .${shard})
+    math(EXPR index "${shard} - 1")
+    list(APPEND environment GTEST_TOTAL_SHARDS=${TEST_SHARDS} GTEST_SHARD_INDEX=${index})
+    if(TEST_SERIAL)
+      math(EXPR port "${TEST_SERIAL} + ${index}")
+    endif()
+  endif()
   if(TEST_PROGRAM MATCHES "\\.exe$")
     set(program "${CMAKE_SOURCE_DIR}/build/win${bits}/${TEST_PROGRAM}")
   else()
@@ -93,7 +140,7 @@ macro(kesp_add_wine_test bits)
     set(other_end "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_INSTRUMENT}")
   endif()
   if(TEST_SERIAL)
-    set(command "${KESP_WITH_SERIAL_LINE}" --bits ${bits} --com ${TEST_SERIAL} ${other_end} -- ${command})
+    set(command "${KESP_WITH_SERIAL_LINE}" --bits ${bits} --com ${port} ${other_end} -- ${command})
   elseif(TEST_HOSTS)
     set(command "${KESP_WITH_NETWORK_HOSTS}" --bits ${bits} "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_HOSTS}" -- ${command})
   elseif(TEST_INSTRUMENT)
@@ -103,8 +150,7 @@ macro(kesp_add_wine_test bits)
   # CTest's own limit is the later one, so that the program's output is still seen when its time is up.
   math(EXPR last_resort "${TEST_TIMEOUT} + 30")
   set_tests_properties(${name} PROPERTIES
-    LABELS wine${bits} TIMEOUT ${last_resort} SKIP_RETURN_CODE ${KESP_SKIPPED}
-    ENVIRONMENT "KESP_INSTRUMENT=${CMAKE_BINARY_DIR}/simulator/kesp-sim")
+    LABELS wine${bits} TIMEOUT ${last_resort} SKIP_RETURN_CODE ${KESP_SKIPPED} ENVIRONMENT "${environment}")
   # On a network of its own the library is registered by the way, where nobody else sees it.
   if(NOT TEST_STANDALONE AND NOT TEST_HOSTS)
     set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED registered${bits})

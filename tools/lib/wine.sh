@@ -44,7 +44,7 @@ in_wine32_chroot() {
   local name kept=()
   while read -r name; do
     kept+=("$name=${!name}")
-  done < <(compgen -e | grep -E '^KESP_')
+  done < <(compgen -e | grep -E '^(KESP|GTEST)_')
   as_root unshare -m "$KESP_TOOLS/lib/enter-chroot" "$KESP_WINE32_ROOT" "$(id -u):$(id -g)" "$KESP_ROOT" "$PWD" \
     env "${kept[@]}" "$@"
 }
