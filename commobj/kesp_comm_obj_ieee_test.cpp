@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "commobj/kesp_comm_obj_fixture.h"
+#include "support/lines_fixture.h"
 
 namespace kesp {
 namespace {
 
-using Lines = std::vector<std::wstring>;
 using Calls = std::vector<std::string>;
 
 constexpr wchar_t kDriverSource[] = L"[CKespIEEE - InitializeIEEEBoard()]";

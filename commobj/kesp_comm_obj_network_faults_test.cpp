@@ -6,11 +6,10 @@
 
 #include "commobj/kesp_comm_obj_fixture.h"
 #include "network/socket_errors.h"
+#include "support/lines_fixture.h"
 
 namespace kesp {
 namespace {
-
-using Lines = std::vector<std::wstring>;
 
 // Runs an action when a line of the trace is written: the one moment between two steps of an exchange.
 class FilesWithWatcher final : public Files {

@@ -2,11 +2,10 @@
 #include <gtest/gtest.h>
 
 #include "commobj/kesp_comm_obj_fixture.h"
+#include "support/lines_fixture.h"
 
 namespace kesp {
 namespace {
-
-using Lines = std::vector<std::wstring>;
 
 class CKespCommObjNetworkTest : public KespCommObjFixture {
  protected:

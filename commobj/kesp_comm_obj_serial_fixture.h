@@ -7,10 +7,9 @@
 
 #include "commobj/kesp_comm_obj_fixture.h"
 #include "serial/serial_control_errors.h"
+#include "support/lines_fixture.h"
 
 namespace kesp {
-
-using Lines = std::vector<std::wstring>;
 
 class SerialFaultFixture : public KespCommObjFixture {
  protected:

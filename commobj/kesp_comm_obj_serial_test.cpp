@@ -5,11 +5,10 @@
 #include <algorithm>
 
 #include "commobj/kesp_comm_obj_fixture.h"
+#include "support/lines_fixture.h"
 
 namespace kesp {
 namespace {
-
-using Lines = std::vector<std::wstring>;
 
 class CKespCommObjSerialTest : public KespCommObjFixture {
  protected:

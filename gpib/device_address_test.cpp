@@ -8,11 +8,10 @@
 
 #include "support/error_numbers.h"
 #include "support/failure_fixture.h"
+#include "support/lines_fixture.h"
 
 namespace kesp {
 namespace {
-
-using Lines = std::vector<std::wstring>;
 
 constexpr wchar_t kSource[] = L"[CKespIEEE - Initialize()]";
 

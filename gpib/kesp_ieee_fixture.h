@@ -12,13 +12,12 @@
 #include "support/environment_fake.h"
 #include "support/error_numbers.h"
 #include "support/failure_fixture.h"
+#include "support/lines_fixture.h"
 #include "support/text.h"
 
 namespace kesp {
 
 using Calls = std::vector<std::string>;
-using Lines = std::vector<std::wstring>;
-
 // A device at address 5 whose EOSChar is good for both readings.
 class IeeeFixture : public testing::Test {
  protected:

@@ -15,12 +15,12 @@
 #include "support/environment_fake.h"
 #include "support/error_numbers.h"
 #include "support/failure_fixture.h"
+#include "support/lines_fixture.h"
 #include "support/text.h"
 
 namespace kesp {
 
 // Lines of a journal, and calls of the socket.
-using Lines = std::vector<std::wstring>;
 using Calls = std::vector<std::string>;
 
 // Each pump of messages works off one step of the socket's script and takes kPumpMilliseconds.

@@ -18,6 +18,7 @@
 #include "support/environment_fake.h"
 #include "support/error_numbers.h"
 #include "support/failure_fixture.h"
+#include "support/lines_fixture.h"
 #include "support/text.h"
 
 namespace kesp {
@@ -73,8 +74,6 @@ class CKespCOMPort3Test : public testing::Test {
  private:
   void ExpectRefused(const std::function<void()>& set, std::int64_t value, const Raised& failure);
 };
-
-using Lines = std::vector<std::wstring>;
 
 // The stage of the tests of the operations: 9600 baud allowed, each look at the clock takes a millisecond,
 // and one record of the control's calls, the events and the log's lines ("Log ..."), in the order they

@@ -9,14 +9,13 @@
 #include <vector>
 
 #include "KespCommObj.h"
+#include "support/lines_fixture.h"
 #include "tests/clients/early_bound.h"
 #include "tests/clients/event_recorder.h"
 #include "tests/clients/late_object.h"
 #include "tests/clients/temporary_file.h"
 
 namespace kesp::clients {
-
-using Lines = std::vector<std::wstring>;
 
 // With settings of the client's own, to be found again afterwards.
 class DiscoveryStage : public testing::Test {

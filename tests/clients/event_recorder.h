@@ -5,8 +5,8 @@
 #include <functional>
 #include <map>
 #include <string>
-#include <vector>
 
+#include "support/lines_fixture.h"
 #include "tests/clients/automation.h"
 
 namespace kesp::clients {
@@ -20,7 +20,7 @@ class EventRecorder final : public IDispatch {
   static ComPtr<EventRecorder> Make(const IID& events);
 
   // What was heard, as "Name(first,second)", in that order.
-  std::vector<std::wstring> journal;
+  Lines journal;
   // Run after the event was written down.
   std::map<std::wstring, Handler> handlers;
   // Where more than one recorder listens: told of each event, after this one's own journal.

@@ -18,8 +18,6 @@ inline constexpr char kAnswersT[] = R"({"gpib": {"primary": 4}, "commands": {"t"
 
 class GpibDetectionStage : public GpibStage {
  protected:
-  using Journal = std::vector<std::wstring>;
-
   GpibDetectionStage() {
     ieee_.SetAddress(1);
     ieee_.SetTimeOut(to10s);
@@ -47,7 +45,7 @@ class GpibDetectionStage : public GpibStage {
     EXPECT_EQ(driver_.OpenDescriptors(), 0) << driver_.RecordText();
   }
 
-  const Journal& journal() const { return recorder_->journal; }
+  const Lines& journal() const { return recorder_->journal; }
   // The entry of an update when nobody aborts.
   static std::wstring Trial(const std::wstring& cmd, int address) {
     return L"AutoDetectUpdate(" + cmd + L"," + std::to_wstring(address) + L",&False)";

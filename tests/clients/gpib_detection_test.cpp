@@ -16,8 +16,8 @@ GPIB_TEST(GpibDetectionTest, FindFirst_StartsAtAddressOne) {
   EXPECT_EQ(AutoDetect(), kDone);
   ExpectFound(2, L"KESP,GP488,SIM48802,2.0\n");
   EXPECT_EQ(Asked(), (CallLines{"1: *IDN? *VER t", "2: *IDN?"}));
-  EXPECT_EQ(journal(), (Journal{L"AutoDetectBegin()", Trial(L"*IDN?", 20), Trial(L"*IDN?", 1),
-                                Trial(L"*VER", 1), Trial(L"t", 1), Trial(L"*IDN?", 2), L"AutoDetectEnd()"}));
+  EXPECT_EQ(journal(), (Lines{L"AutoDetectBegin()", Trial(L"*IDN?", 20), Trial(L"*IDN?", 1),
+                              Trial(L"*VER", 1), Trial(L"t", 1), Trial(L"*IDN?", 2), L"AutoDetectEnd()"}));
   EXPECT_EQ(driver_.Calls(),
             (CallLines{"ibdev(0,1,0,11,1,0)", "ibclr(1)", "ibeos(1,1073)", R"(ibwrt(1,"*IDN?\n",6))",
                        R"(ibwrt(1,"*VER\n",5))", R"(ibwrt(1,"t\n",2))", "ibonl(1,0)", "ibonl(0,0)",
@@ -31,8 +31,8 @@ GPIB_TEST(GpibDetectionTest, FindNext_GoesOnBehindThePresentAddress) {
   EXPECT_EQ(AutoDetect(dlAllCommands, soFindNext), kDone);
   ExpectFound(3, L"2.0\n");
   EXPECT_EQ(Asked(), CallLines{"3: *IDN? *VER"}) << "a second went by without an answer to *IDN?";
-  EXPECT_EQ(journal(), (Journal{L"AutoDetectBegin()", Trial(L"*IDN?", 2), Trial(L"*IDN?", 3),
-                                Trial(L"*VER", 3), L"AutoDetectEnd()"}));
+  EXPECT_EQ(journal(), (Lines{L"AutoDetectBegin()", Trial(L"*IDN?", 2), Trial(L"*IDN?", 3), Trial(L"*VER", 3),
+                              L"AutoDetectEnd()"}));
   EXPECT_EQ(AutoDetect(dlAllCommands, soFindNext), kDone);
   ExpectFound(4, L"23.5\n");
 }
@@ -71,7 +71,7 @@ GPIB_TEST(GpibDetectionTest, LevelsBeyondTheKnown) {
   ieee_.SetAddress(3);
   EXPECT_EQ(AutoDetect(Level(0), soFindNext), kDone);
   ExpectNothingFound(3);
-  EXPECT_EQ(journal(), (Journal{L"AutoDetectBegin()", L"AutoDetectEnd()"}));
+  EXPECT_EQ(journal(), (Lines{L"AutoDetectBegin()", L"AutoDetectEnd()"}));
   EXPECT_EQ(driver_.Record(), CallLines{});
   EXPECT_EQ(AutoDetect(Level(99), soFindNext), kDone);
   ExpectFound(4, L"23.5\n");
@@ -98,7 +98,7 @@ GPIB_TEST(GpibDetectionTest, NextBehindTheLastAddress_TriesNothing) {
   EXPECT_EQ(AutoDetect(dlAllCommands, soFindNext), kDone);
   ExpectNothingFound(30);
   EXPECT_EQ(driver_.Record(), CallLines{});
-  EXPECT_EQ(journal(), (Journal{L"AutoDetectBegin()", Trial(L"*IDN?", 30), L"AutoDetectEnd()"}));
+  EXPECT_EQ(journal(), (Lines{L"AutoDetectBegin()", Trial(L"*IDN?", 30), L"AutoDetectEnd()"}));
 }
 
 GPIB_TEST(GpibDetectionTest, SecondaryAddressAndSettings_AreUsedThroughout) {
@@ -138,7 +138,7 @@ GPIB_TEST(GpibDetectionTest, Abort_AtTheFirstUpdate_TouchesNoDriver) {
   EXPECT_EQ(AutoDetect(), kDone);
   ExpectNothingFound(9);
   EXPECT_EQ(driver_.Record(), CallLines{});
-  EXPECT_EQ(journal(), (Journal{L"AutoDetectBegin()", Trial(L"*IDN?", 9), L"AutoDetectEnd()"}));
+  EXPECT_EQ(journal(), (Lines{L"AutoDetectBegin()", Trial(L"*IDN?", 9), L"AutoDetectEnd()"}));
 }
 
 GPIB_TEST(GpibDetectionTest, Abort_InTheMiddle_ClosesTheDevice) {
@@ -149,8 +149,8 @@ GPIB_TEST(GpibDetectionTest, Abort_InTheMiddle_ClosesTheDevice) {
   ExpectNothingFound(9);
   EXPECT_EQ(Asked(), CallLines{"1: *IDN?"});
   EXPECT_EQ(driver_.Calls("ibonl"), (CallLines{"ibonl(1,0)", "ibonl(0,0)"}));
-  EXPECT_EQ(journal(), (Journal{L"AutoDetectBegin()", Trial(L"*IDN?", 9), Trial(L"*IDN?", 1),
-                                Trial(L"*VER", 1), L"AutoDetectEnd()"}));
+  EXPECT_EQ(journal(), (Lines{L"AutoDetectBegin()", Trial(L"*IDN?", 9), Trial(L"*IDN?", 1), Trial(L"*VER", 1),
+                              L"AutoDetectEnd()"}));
   recorder_->handlers.clear();
   EXPECT_EQ(AutoDetect(), kDone);
   ExpectFound(2, L"KESP,GP488,SIM48802,2.0\n");
@@ -268,7 +268,7 @@ GPIB_TEST(GpibDetectionTest, Conversation_RaisesNoEvents) {
   driver_.Load(MeterBus());
   ieee_.SetAddress(5);
   EXPECT_EQ(ieee_.Converse(L"*IDN?"), L"KESP,GP488,SIM48805,2.0\n");
-  EXPECT_EQ(journal(), Journal{});
+  EXPECT_EQ(journal(), Lines{});
 }
 
 }  // namespace

@@ -122,7 +122,7 @@ GPIB_TEST(GpibHandlersTest, SecondHandlerTakesTheAbortBack) {
 GPIB_TEST(GpibHandlersTest, DisconnectsItself) {
   On(L"AutoDetectBegin", [&] { connection_.Disconnect(); });
   ExpectUndisturbed();
-  EXPECT_EQ(journal(), Journal{L"AutoDetectBegin()"});
+  EXPECT_EQ(journal(), Lines{L"AutoDetectBegin()"});
 }
 
 GPIB_TEST(GpibHandlersTest, DisconnectsTheNext_WhichIsNotCalledAnyMore) {
@@ -130,7 +130,7 @@ GPIB_TEST(GpibHandlersTest, DisconnectsTheNext_WhichIsNotCalledAnyMore) {
   Connection connection(ieee_.object.Get(), __uuidof(__CKespIEEE), second.Get());
   On(L"AutoDetectBegin", [&] { connection.Disconnect(); });
   ExpectUndisturbed();
-  EXPECT_EQ(second->journal, Journal{});
+  EXPECT_EQ(second->journal, Lines{});
   EXPECT_EQ(second->references(), 1U);
 }
 
@@ -141,7 +141,7 @@ GPIB_TEST(GpibHandlersTest, ConnectsAnother_WhichHearsFromTheNextEventOn) {
     connection = std::make_unique<Connection>(ieee_.object.Get(), __uuidof(__CKespIEEE), second.Get());
   });
   ExpectUndisturbed();
-  EXPECT_EQ(second->journal, Journal{L"AutoDetectEnd()"});
+  EXPECT_EQ(second->journal, Lines{L"AutoDetectEnd()"});
 }
 
 // The object lives as long as the call that is on its way, and closes its device behind it.

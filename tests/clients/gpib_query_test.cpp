@@ -1,63 +1,26 @@
 // Query, QueryBinary and Update with csIEEE: every status, and the whole trace.
+#include "tests/clients/comm_obj_client.h"
 #include "tests/clients/gpib_fixture.h"
 #include "tests/clients/late_object.h"
-#include "tests/clients/temporary_file.h"
 
 namespace kesp::clients {
 namespace {
 
-using Lines = std::vector<std::wstring>;
-
-class GpibQueryTest {
+class GpibQueryTest : protected CommObjClient {
  protected:
   GpibQueryTest() {
-    EXPECT_EQ(Write(comm_, &_CKespCommObj::put_DebugFilename, trace_.path()), S_OK);
-    EXPECT_EQ(Write(comm_, &_CKespCommObj::put_Debugging, VARIANT_TRUE), S_OK);
+    StartTrace();
     // The communication object's own lines alone.
     EXPECT_EQ(Write(ieee_.object, &_CKespIEEE::put_CreateLogFile, VARIANT_FALSE), S_OK);
   }
 
-  static ComPtr<_CKespIEEE> TransportOf(const ComPtr<_CKespCommObj>& comm) {
-    EXPECT_EQ(WriteByReference(comm, &_CKespCommObj::put_CommStyle, csIEEE), S_OK);
-    ComPtr<_CKespIEEE> transport;
-    EXPECT_EQ(ReadObject(comm, &_CKespCommObj::get_CommObject).As(&transport), S_OK);
-    return transport;
-  }
-  bool Query(const std::wstring& cmd, const std::wstring& address = {}, const std::wstring& value = {}) {
-    VARIANT_BOOL answer = 5;
-    EXPECT_EQ(comm_->Query(reply_.in_out(), Text(cmd).get(), Text(address).get(), Text(value).get(), &answer),
-              S_OK);
-    return answer == VARIANT_TRUE;
-  }
-  bool Update(const std::wstring& cmd) {
-    VARIANT_BOOL answer = 5;
-    EXPECT_EQ(comm_->Update(Text(cmd).get(), nullptr, nullptr, &answer), S_OK);
-    return answer == VARIANT_TRUE;
-  }
-  void ExpectStatus(ECommError status, const std::wstring& source = {},
-                    const std::wstring& description = {}) {
-    EXPECT_EQ(Read(comm_, &_CKespCommObj::get_CommError), status);
-    EXPECT_EQ(Read(comm_, &_CKespCommObj::get_CommErrorSource), source);
-    EXPECT_EQ(Read(comm_, &_CKespCommObj::get_CommErrorDescr), description);
-  }
-  // The trace since the last time.
-  void ExpectTrace(const Lines& expected) {
-    const Lines all = trace_.Messages();
-    EXPECT_EQ(Lines(all.begin() + static_cast<std::ptrdiff_t>(seen_), all.end()), expected);
-    seen_ = all.size();
-  }
   static std::wstring ErrorInfo(const std::wstring& operation, const std::wstring& source,
                                 const std::wstring& description) {
-    return L"IEEE: ** " + operation + L" Error info: Source- " + source + L"  Description- " + description +
-           L" **";
+    return CommObjClient::ErrorInfo(L"IEEE", operation, source, description);
   }
 
   const SimulatedDriver driver_;
-  ComPtr<_CKespCommObj> comm_ = Create<_CKespCommObj>(__uuidof(CKespCommObj));
-  IeeeClient ieee_{TransportOf(comm_)};
-  Text reply_;
-  TemporaryFile trace_;
-  std::size_t seen_ = 0;
+  IeeeClient ieee_{Use<_CKespIEEE>(csIEEE)};
 };
 
 GPIB_TEST(GpibQueryTest, Success) {

@@ -81,7 +81,7 @@ TEST_F(HandlersTest, ReadsTheReplyItself) {
 TEST_F(HandlersTest, DisconnectsItself) {
   On(L"ConnectBegin", [&] { connection_.Disconnect(); });
   EXPECT_TRUE(Initialize());
-  EXPECT_EQ(journal(), Journal{L"ConnectBegin()"});
+  EXPECT_EQ(journal(), Lines{L"ConnectBegin()"});
 }
 
 TEST_F(HandlersTest, DisconnectsTheNext_WhichIsNotCalledAnyMore) {
@@ -89,7 +89,7 @@ TEST_F(HandlersTest, DisconnectsTheNext_WhichIsNotCalledAnyMore) {
   Connection connection(tcp_.Get(), __uuidof(__CKespTCP), second.Get());
   On(L"ConnectBegin", [&] { connection.Disconnect(); });
   EXPECT_TRUE(Initialize());
-  EXPECT_EQ(second->journal, Journal{});
+  EXPECT_EQ(second->journal, Lines{});
   EXPECT_EQ(second->references(), 1u);
 }
 
@@ -99,7 +99,7 @@ TEST_F(HandlersTest, ConnectsAnother_WhichHearsFromTheNextEventOn) {
   On(L"ConnectBegin",
      [&] { connection = std::make_unique<Connection>(tcp_.Get(), __uuidof(__CKespTCP), second.Get()); });
   EXPECT_TRUE(Initialize());
-  EXPECT_EQ(second->journal, Journal{L"ConnectEnd()"});
+  EXPECT_EQ(second->journal, Lines{L"ConnectEnd()"});
 }
 
 // The object lives as long as the call that is on its way.

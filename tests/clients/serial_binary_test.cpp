@@ -37,8 +37,8 @@ TEST_F(SerialBinaryTest, ThreePieces_OneArrayAndTheTotalAtEachPiece) {
   EXPECT_TRUE(Answer());
   EXPECT_GE(GetTickCount() - start, 300U + 500U) << "the silence counts from the last piece";
   EXPECT_EQ(BytesOf(*bytes_.get()), bytes);
-  EXPECT_EQ(journal(), (Journal{Entry(L"ReadBegin"), Entry(L"ReadUpdate", L"100"),
-                                Entry(L"ReadUpdate", L"200"), Entry(L"ReadUpdate", L"300")}));
+  EXPECT_EQ(journal(), (Lines{Entry(L"ReadBegin"), Entry(L"ReadUpdate", L"100"), Entry(L"ReadUpdate", L"200"),
+                              Entry(L"ReadUpdate", L"300")}));
 }
 
 TEST_F(SerialBinaryTest, EveryByteValue_Passes) {
@@ -52,7 +52,7 @@ TEST_F(SerialBinaryTest, Text_IsReturnedUnchangedAndCountedAsNothing) {
   wire_.Send(" a\r\n\x01 ");
   EXPECT_EQ(RefusalOf(ReadLineBinary()), Refusal{});
   EXPECT_EQ(bytes_.text(), L" a\r\n\x01 ");
-  EXPECT_EQ(journal(), (Journal{Entry(L"ReadBegin"), Entry(L"ReadUpdate", L"0")}));
+  EXPECT_EQ(journal(), (Lines{Entry(L"ReadBegin"), Entry(L"ReadUpdate", L"0")}));
 }
 
 TEST_F(SerialBinaryTest, Text_FollowsTheTextThatIsThereAndReplacesAnythingElse) {

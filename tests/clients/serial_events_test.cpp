@@ -15,13 +15,13 @@ namespace {
 class SerialEventsTest : public SerialEventsFixture {
  protected:
   // The journal without the looks at the output buffer, of which there may be any number.
-  Journal WithoutWriteUpdates() const {
-    Journal rest;
+  Lines WithoutWriteUpdates() const {
+    Lines rest;
     std::copy_if(journal().begin(), journal().end(), std::back_inserter(rest),
                  [](const std::wstring& entry) { return !entry.starts_with(L"WriteUpdate("); });
     return rest;
   }
-  void Expect(const Journal& expected) { EXPECT_EQ(WithoutWriteUpdates(), expected); }
+  void Expect(const Lines& expected) { EXPECT_EQ(WithoutWriteUpdates(), expected); }
 
   // The last argument of DownloadUpdate and AutoDetectUpdate.
   void AbortAt(const std::wstring& event, VARIANT_BOOL value = VARIANT_TRUE) {
@@ -35,8 +35,8 @@ class SerialEventsTest : public SerialEventsFixture {
   static std::wstring Trial(EKespBaudRate3 rate, const std::wstring& cmd) {
     return L"AutoDetectUpdate(" + SerialPortText() + L"," + std::to_wstring(rate) + L"," + cmd + L",&False)";
   }
-  Journal Trials() const {
-    Journal trials;
+  Lines Trials() const {
+    Lines trials;
     std::copy_if(journal().begin(), journal().end(), std::back_inserter(trials),
                  [](const std::wstring& entry) { return entry.starts_with(L"AutoDetectUpdate("); });
     return trials;
@@ -65,7 +65,7 @@ TEST_F(SerialEventsTest, WriteLineRefused_TellsTheBeginningOnly) {
   MustOpen();
   EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_ControllerStyle, CS_OMEGA), S_OK);
   EXPECT_EQ(WriteLine(L"PV"), COMPORT3_ERR_ADDRESS_NOT_SPECIFIED);
-  EXPECT_EQ(journal(), Journal{Entry(L"WriteBegin", L"PV")});
+  EXPECT_EQ(journal(), Lines{Entry(L"WriteBegin", L"PV")});
 }
 
 TEST_F(SerialEventsTest, ReadLine_TellsTheLengthSoFarAtEachPiece) {
@@ -160,7 +160,7 @@ TEST_F(SerialEventsTest, AutoDetect_InstrumentAtAnotherRate) {
   };
   EXPECT_TRUE(AutoDetect(dlAllCommands));
   EXPECT_EQ(reply_.str(), L"KESP");
-  EXPECT_EQ(Trials(), (Journal{Trial(br9600, L"*IDN?"), Trial(br38400, L"*IDN?"), Trial(br19200, L"*IDN?")}));
+  EXPECT_EQ(Trials(), (Lines{Trial(br9600, L"*IDN?"), Trial(br38400, L"*IDN?"), Trial(br19200, L"*IDN?")}));
   EXPECT_EQ(Read(port_, &_CKespCOMPort3::get_BaudRate), br19200);
   EXPECT_EQ(Read(port_, &_CKespCOMPort3::get_CheckNonAscii), VARIANT_FALSE);
   EXPECT_EQ(wire_.ReceiveUntilQuiet(), "*IDN?\r*IDN?\r*IDN?\r");
@@ -172,7 +172,7 @@ TEST_F(SerialEventsTest, AutoDetect_SlowRate_TriesTheThirdCommand) {
   wire_.OnBytes("t\r").Reply("21.5\r\n");
   EXPECT_TRUE(AutoDetect(dlAllCommands));
   EXPECT_EQ(reply_.str(), L"21.5");
-  EXPECT_EQ(Trials(), (Journal{Trial(br2400, L"*IDN?"), Trial(br2400, L"*VER"), Trial(br2400, L"t")}));
+  EXPECT_EQ(Trials(), (Lines{Trial(br2400, L"*IDN?"), Trial(br2400, L"*VER"), Trial(br2400, L"t")}));
 }
 
 // How a value of a declared type travels.

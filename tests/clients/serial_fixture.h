@@ -108,9 +108,7 @@ inline std::string OwnerName(const testing::TestParamInfo<TransportOwner>& info)
 // With a recorder connected.
 class SerialEventsFixture : public SerialFixture {
  protected:
-  using Journal = std::vector<std::wstring>;
-
-  const Journal& journal() const { return recorder_->journal; }
+  const Lines& journal() const { return recorder_->journal; }
   // An event's entry in the journal whose last argument is the port.
   static std::wstring Entry(const std::wstring& name, const std::wstring& arguments = {}) {
     return name + L"(" + arguments + (arguments.empty() ? L"" : L",") + SerialPortText() + L")";

@@ -92,7 +92,7 @@ TEST_F(SerialHandlersTest, Fails_NothingChanges) {
 TEST_F(SerialHandlersTest, DisconnectsItself) {
   On(L"WriteBegin", [&] { connection_.Disconnect(); });
   Exchange();
-  EXPECT_EQ(journal(), Journal{Entry(L"WriteBegin", L"?")});
+  EXPECT_EQ(journal(), Lines{Entry(L"WriteBegin", L"?")});
 }
 
 TEST_F(SerialHandlersTest, DisconnectsTheNext_WhichIsNotCalledAnyMore) {
@@ -100,7 +100,7 @@ TEST_F(SerialHandlersTest, DisconnectsTheNext_WhichIsNotCalledAnyMore) {
   Connection connection(port_.Get(), __uuidof(__CKespCOMPort3), second.Get());
   On(L"WriteBegin", [&] { connection.Disconnect(); });
   Exchange();
-  EXPECT_EQ(second->journal, Journal{});
+  EXPECT_EQ(second->journal, Lines{});
   EXPECT_EQ(second->references(), 1U);
 }
 
@@ -112,7 +112,7 @@ TEST_F(SerialHandlersTest, ConnectsAnother_WhichHearsFromTheNextEventOn) {
   });
   Exchange();
   EXPECT_EQ(second->journal,
-            (Journal{Entry(L"ReadBegin"), Entry(L"ReadUpdate", L"2"), Entry(L"ReadUpdate", L"7")}));
+            (Lines{Entry(L"ReadBegin"), Entry(L"ReadUpdate", L"2"), Entry(L"ReadUpdate", L"7")}));
 }
 
 // The object lives as long as the call that is on its way, and closes its port behind it.

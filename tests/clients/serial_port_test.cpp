@@ -1,6 +1,7 @@
 // The port of the serial transport: opening, closing, availability, buffers, and the infrared adapter.
 #include <gtest/gtest.h>
 
+#include "support/lines_fixture.h"
 #include "tests/clients/modem_lines.h"
 #include "tests/clients/serial_fixture.h"
 #include "tests/clients/temporary_file.h"
@@ -8,8 +9,6 @@
 
 namespace kesp::clients {
 namespace {
-
-using Lines = std::vector<std::wstring>;
 
 class SerialPortTest : public SerialFixture {
  protected:

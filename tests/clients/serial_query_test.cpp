@@ -1,62 +1,34 @@
 // Query, QueryBinary and Update over a serial line: every status, and the whole trace.
 #include <gtest/gtest.h>
 
+#include "tests/clients/comm_obj_client.h"
 #include "tests/clients/serial_fixture.h"
-#include "tests/clients/temporary_file.h"
 #include "tests/serial_win/bare_port.h"
 
 namespace kesp::clients {
 namespace {
 
-using Lines = std::vector<std::wstring>;
-
-class SerialQueryTest : public SerialFixture {
+class SerialQueryTest : public SerialFixture, protected CommObjClient {
  protected:
+  using CommObjClient::bytes_;
+  using CommObjClient::reply_;
+
   SerialQueryTest() {
-    port_ = SerialTransport(comm_);
+    port_ = Use<_CKespCOMPort3>(csRS232);
     UseSerialLine(port_);
     wire_.OnBytes("?\r").Reply("KESP\n");
     wire_.OnBytes("garbage\r").Reply("\xFF\n");
-    EXPECT_EQ(Write(comm_, &_CKespCommObj::put_DebugFilename, trace_.path()), S_OK);
-    EXPECT_EQ(Write(comm_, &_CKespCommObj::put_Debugging, VARIANT_TRUE), S_OK);
+    StartTrace();
     // The communication object's own lines alone.
     EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_CreateLogFile, VARIANT_FALSE), S_OK);
   }
 
-  bool Query(const std::wstring& cmd, const std::wstring& address = {}) {
-    EXPECT_EQ(comm_->Query(reply_.in_out(), Text(cmd).get(), Text(address).get(), nullptr, &answer_), S_OK);
-    return Answer();
-  }
-  bool QueryBinary(const std::wstring& cmd) {
-    EXPECT_EQ(comm_->QueryBinary(bytes_.get(), Text(cmd).get(), nullptr, nullptr, &answer_), S_OK);
-    return Answer();
-  }
-  bool Update(const std::wstring& cmd, const std::wstring& address = {}, const std::wstring& value = {}) {
-    EXPECT_EQ(comm_->Update(Text(cmd).get(), Text(address).get(), Text(value).get(), &answer_), S_OK);
-    return Answer();
-  }
-  void ExpectStatus(ECommError status, const std::wstring& source = {},
-                    const std::wstring& description = {}) {
-    EXPECT_EQ(Read(comm_, &_CKespCommObj::get_CommError), status);
-    EXPECT_EQ(Read(comm_, &_CKespCommObj::get_CommErrorSource), source);
-    EXPECT_EQ(Read(comm_, &_CKespCommObj::get_CommErrorDescr), description);
-  }
-  // The trace since the last time.
-  void ExpectTrace(const Lines& expected) {
-    Lines all = trace_.Messages();
-    EXPECT_EQ(Lines(all.begin() + static_cast<std::ptrdiff_t>(seen_), all.end()), expected);
-    seen_ = all.size();
-  }
   static std::wstring ErrorInfo(const std::wstring& operation, const std::wstring& source,
                                 const std::wstring& description) {
-    return L"RS-232: ** " + operation + L" Error info: Source- " + source + L"  Description- " + description +
-           L" **";
+    return CommObjClient::ErrorInfo(L"RS-232", operation, source, description);
   }
   void KeepOpen() { EXPECT_EQ(Write(comm_, &_CKespCommObj::put_AutoClose, VARIANT_FALSE), S_OK); }
 
-  ComPtr<_CKespCommObj> comm_ = Create<_CKespCommObj>(__uuidof(CKespCommObj));
-  TemporaryFile trace_;
-  std::size_t seen_ = 0;
   const std::wstring open_source_ = L"CKespCOMPort3 - OpenPort() [commCOMControl]";
   const std::wstring no_reply_ =
       L"Timeout waiting for instrument to respond to command on COM" + SerialPortText() + L".";

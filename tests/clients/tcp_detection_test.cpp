@@ -26,8 +26,8 @@ class TcpDetectionTest : public TcpDetectionStage {
     recorder_->handlers[event] = [action](DISPPARAMS&) { action(); };
   }
   // The journal without what every connection and reply brings.
-  Journal OwnEvents() const {
-    Journal own;
+  Lines OwnEvents() const {
+    Lines own;
     std::copy_if(journal().begin(), journal().end(), std::back_inserter(own),
                  [](const std::wstring& entry) { return entry.starts_with(L"AutoDetect"); });
     return own;
@@ -38,7 +38,7 @@ TEST_F(TcpDetectionTest, InstrumentAnswers_FoundAtTheFirstCommand) {
   EXPECT_EQ(AutoDetect(), kDone);
   ExpectFound(kIdentity);
   ExpectRestored(sckTCPProtocol);
-  EXPECT_EQ(OwnEvents(), (Journal{L"AutoDetectBegin()", Trial(L"*IDN?"), L"AutoDetectEnd()"}));
+  EXPECT_EQ(OwnEvents(), (Lines{L"AutoDetectBegin()", Trial(L"*IDN?"), L"AutoDetectEnd()"}));
   EXPECT_EQ(journal().front(), L"AutoDetectBegin()");
   EXPECT_EQ(journal()[1], L"ConnectBegin()");
   EXPECT_EQ(journal().back(), L"AutoDetectEnd()");
@@ -49,7 +49,7 @@ TEST_F(TcpDetectionTest, InstrumentAnswers_FoundAtTheFirstCommand) {
 TEST_F(TcpDetectionTest, LevelBelowOne_ConnectsAndFindsNothing) {
   EXPECT_EQ(AutoDetect(static_cast<EDetectLevel>(0)), kDone);
   ExpectNothingFound();
-  EXPECT_EQ(OwnEvents(), (Journal{L"AutoDetectBegin()", L"AutoDetectEnd()"}));
+  EXPECT_EQ(OwnEvents(), (Lines{L"AutoDetectBegin()", L"AutoDetectEnd()"}));
   EXPECT_EQ(recorder_->Count(L"ConnectEnd"), 1U);
   EXPECT_EQ(Read(tcp_, &_CKespTCP::get_State), sckConnected);
 }
@@ -72,7 +72,7 @@ TEST_F(TcpDetectionTest, NobodyListens_NothingIsFound) {
   EXPECT_EQ(AutoDetect(), kDone);
   ExpectNothingFound();
   ExpectRestored(sckTCPProtocol);
-  EXPECT_EQ(OwnEvents(), (Journal{L"AutoDetectBegin()", L"AutoDetectEnd()"}));
+  EXPECT_EQ(OwnEvents(), (Lines{L"AutoDetectBegin()", L"AutoDetectEnd()"}));
 }
 
 TEST_F(TcpDetectionTest, NoAddress_RaisesAfterTheEndIsTold) {
@@ -81,7 +81,7 @@ TEST_F(TcpDetectionTest, NoAddress_RaisesAfterTheEndIsTold) {
             (Refusal{ERR_INVALID_IP_ADDRESS, L"[CKespTCP - Initialize()]", L"Invalid IP Address"}));
   ExpectNothingFound();
   ExpectRestored(sckTCPProtocol);
-  EXPECT_EQ(journal(), (Journal{L"AutoDetectBegin()", L"AutoDetectEnd()"}));
+  EXPECT_EQ(journal(), (Lines{L"AutoDetectBegin()", L"AutoDetectEnd()"}));
 }
 
 TEST_F(TcpDetectionTest, Handlers_ReadTheSettingsOfTheSearch) {
@@ -111,7 +111,7 @@ TEST_F(TcpDetectionTest, HandlerDisconnects_FindsAllTheSame) {
   On(L"AutoDetectBegin", [&] { connection_.Disconnect(); });
   EXPECT_EQ(AutoDetect(), kDone);
   ExpectFound(kIdentity);
-  EXPECT_EQ(journal(), Journal{L"AutoDetectBegin()"});
+  EXPECT_EQ(journal(), Lines{L"AutoDetectBegin()"});
 }
 
 TEST_F(TcpDetectionTest, Events_HaveTheirDeclaredTypes) {
@@ -166,8 +166,8 @@ TEST_F(TcpOldInstrumentTest, AnswersTheLastCommand_FoundAfterTheOthersWereTried)
   const DWORD elapsed = GetTickCount() - start;
   ExpectFound(L"21.5");
   ExpectRestored(sckTCPProtocol);
-  EXPECT_EQ(OwnEvents(), (Journal{L"AutoDetectBegin()", Trial(L"*IDN?"), Trial(L"*VER"), Trial(L"t"),
-                                  L"AutoDetectEnd()"}));
+  EXPECT_EQ(OwnEvents(),
+            (Lines{L"AutoDetectBegin()", Trial(L"*IDN?"), Trial(L"*VER"), Trial(L"t"), L"AutoDetectEnd()"}));
   // One to two seconds for each of the two that stay unanswered.
   EXPECT_GE(elapsed, 2000U);
   EXPECT_LT(elapsed, 4000U + 3000U);

@@ -11,7 +11,7 @@ class TcpEventsTest : public TcpEventsFixture {};
 
 TEST_F(TcpEventsTest, Initialize_TellsTheConnection) {
   EXPECT_TRUE(Initialize());
-  EXPECT_EQ(journal(), (Journal{L"ConnectBegin()", L"ConnectEnd()"}));
+  EXPECT_EQ(journal(), (Lines{L"ConnectBegin()", L"ConnectEnd()"}));
   EXPECT_EQ(Read(tcp_, &_CKespTCP::get_State), sckConnected);
   EXPECT_TRUE(Initialize()) << "connected already";
   EXPECT_EQ(journal().size(), 2u);
@@ -21,8 +21,8 @@ TEST_F(TcpEventsTest, Exchange_TellsSendingThenArrival) {
   Initialize();
   recorder_->journal.clear();
   EXPECT_EQ(Exchange(L"ECHO abc"), L"ECHO abc");
-  EXPECT_EQ(journal(), (Journal{L"SendProgressBegin(9,0)", L"SendProgressEnd()", L"SendCompleteBegin()",
-                                L"SendCompleteEnd()", L"DataArrivalBegin(9)", L"DataArrivalEnd()"}));
+  EXPECT_EQ(journal(), (Lines{L"SendProgressBegin(9,0)", L"SendProgressEnd()", L"SendCompleteBegin()",
+                              L"SendCompleteEnd()", L"DataArrivalBegin(9)", L"DataArrivalEnd()"}));
 }
 
 TEST_F(TcpEventsTest, SplitReply_EachArrivalTellsAllThatWaits) {
@@ -45,7 +45,7 @@ TEST_F(TcpEventsTest, Uninitialize_TellsNothing) {
   Initialize();
   recorder_->journal.clear();
   EXPECT_TRUE(Uninitialize());
-  EXPECT_EQ(journal(), Journal{});
+  EXPECT_EQ(journal(), Lines{});
   EXPECT_EQ(Read(tcp_, &_CKespTCP::get_State), sckClosed);
   EXPECT_TRUE(Uninitialize()) << "closed already";
 }
@@ -57,8 +57,8 @@ TEST_F(TcpEventsTest, PeerCloses_IsToldOnceBehindItsReply) {
   EXPECT_TRUE(PumpUntil([&] { return recorder_->Count(L"CloseEnd") == 1; }));
   ASSERT_GE(journal().size(), 4u);
   const auto end = journal().end();
-  EXPECT_EQ(Journal(end - 4, end),
-            (Journal{L"DataArrivalBegin(9)", L"DataArrivalEnd()", L"CloseBegin()", L"CloseEnd()"}));
+  EXPECT_EQ(Lines(end - 4, end),
+            (Lines{L"DataArrivalBegin(9)", L"DataArrivalEnd()", L"CloseBegin()", L"CloseEnd()"}));
   EXPECT_EQ(Read(tcp_, &_CKespTCP::get_State), sckClosing);
   EXPECT_EQ(RefusalOf(ReadLine()),
             (Refusal{ERR_NO_CONNECTION, L"[CKespTCP - ReadLine()]", L"Socket not connected"}));
@@ -141,17 +141,17 @@ TEST_F(TcpEventsTest, HandlerOfTheGeneralInterface_HearsToo) {
   script->knows_events = false;
   const Connection connection(tcp_.Get(), IID_IDispatch, script.Get());
   EXPECT_TRUE(Initialize());
-  EXPECT_EQ(script->journal, (Journal{L"ConnectBegin()", L"ConnectEnd()"}));
+  EXPECT_EQ(script->journal, (Lines{L"ConnectBegin()", L"ConnectEnd()"}));
 }
 
 TEST_F(TcpEventsTest, SeveralHandlers_AreCalledInTheOrderOfConnection) {
-  Journal order;
+  Lines order;
   recorder_->listener = [&](const std::wstring& entry) { order.push_back(L"1 " + entry); };
   const auto second = EventRecorder::Make(__uuidof(__CKespTCP));
   second->listener = [&](const std::wstring& entry) { order.push_back(L"2 " + entry); };
   const Connection connection(tcp_.Get(), __uuidof(__CKespTCP), second.Get());
   EXPECT_TRUE(Initialize());
-  EXPECT_EQ(order, (Journal{L"1 ConnectBegin()", L"2 ConnectBegin()", L"1 ConnectEnd()", L"2 ConnectEnd()"}));
+  EXPECT_EQ(order, (Lines{L"1 ConnectBegin()", L"2 ConnectBegin()", L"1 ConnectEnd()", L"2 ConnectEnd()"}));
 }
 
 // The transport inside a communication object raises its events to the client as well.

@@ -61,9 +61,7 @@ class TcpFixture : public testing::Test {
 // With a recorder connected.
 class TcpEventsFixture : public TcpFixture {
  protected:
-  using Journal = std::vector<std::wstring>;
-
-  const Journal& journal() const { return recorder_->journal; }
+  const Lines& journal() const { return recorder_->journal; }
 
   ComPtr<EventRecorder> recorder_ = EventRecorder::Make(__uuidof(__CKespTCP));
   Connection connection_{tcp_.Get(), __uuidof(__CKespTCP), recorder_.Get()};

@@ -71,7 +71,7 @@ std::string TemporaryFile::Content() const {
   return content;
 }
 
-std::vector<std::wstring> TemporaryFile::Messages() const {
+Lines TemporaryFile::Messages() const {
   static const std::regex form("[^\t]+\t-?[0-9]+\t");
   std::vector<std::wstring> messages;
   const std::string content = Content();

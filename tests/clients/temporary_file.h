@@ -2,7 +2,8 @@
 #pragma once
 
 #include <string>
-#include <vector>
+
+#include "support/lines_fixture.h"
 
 namespace kesp::clients {
 
@@ -21,7 +22,7 @@ class TemporaryFile {
   std::wstring WriteDaysAgo(int days, const std::string& content) const;
   std::string Content() const;
   // Of each line of a log (date, TAB, tick count, TAB, message) the message.
-  std::vector<std::wstring> Messages() const;
+  Lines Messages() const;
 
  private:
   std::wstring path_;

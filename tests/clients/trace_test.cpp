@@ -3,13 +3,12 @@
 
 #include <algorithm>
 
+#include "support/lines_fixture.h"
 #include "tests/clients/comm_obj_fixture.h"
 #include "tests/clients/temporary_file.h"
 
 namespace kesp::clients {
 namespace {
-
-using Lines = std::vector<std::wstring>;
 
 class TraceTest : public CommObjFixture {
  protected:
