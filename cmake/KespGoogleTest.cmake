@@ -6,3 +6,7 @@ add_subdirectory("${KESP_GOOGLETEST_SOURCES}" "${CMAKE_BINARY_DIR}/googletest" E
 if(NOT TARGET GTest::gmock_main)
   add_library(GTest::gmock_main ALIAS gmock_main)
 endif()
+# It runs for seconds, and nobody looks into it with a debugger.
+foreach(library IN ITEMS gtest gtest_main gmock gmock_main)
+  target_compile_options(${library} PRIVATE -O0 -g0)
+endforeach()
