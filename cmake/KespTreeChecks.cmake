@@ -11,8 +11,9 @@ kesp_tree_check(style.links style "${CMAKE_SOURCE_DIR}/tools/check_links.py")
 foreach(bits IN ITEMS 64 32)
   kesp_tree_check(image.win${bits} image
     "${CMAKE_SOURCE_DIR}/tools/check-image" ${bits} "${CMAKE_SOURCE_DIR}/dist/win${bits}/KespCommObj.dll")
-  foreach(file IN ITEMS kesp-sim.exe Gpib-32.dll)
-    kesp_tree_check(image.win${bits}.${file} image
+  foreach(file IN ITEMS kesp-sim.exe gpib/Gpib-32.dll)
+    cmake_path(GET file FILENAME name)
+    kesp_tree_check(image.win${bits}.${name} image
       "${CMAKE_SOURCE_DIR}/tools/check-image" ${bits} "${CMAKE_SOURCE_DIR}/dist/win${bits}/simulator/${file}")
   endforeach()
 endforeach()

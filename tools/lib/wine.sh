@@ -60,8 +60,8 @@ windows_path() {
 # name of one that Windows brings along.
 beside_driver() {
   local bits=$1 folder=$2 program=$3 bus=${4:-} place driver=
-  for place in "$KESP_ROOT/build/win$bits" "$KESP_ROOT/dist/win$bits"; do
-    [ -n "$driver" ] || [ ! -e "$place/simulator/Gpib-32.dll" ] || driver=$place/simulator/Gpib-32.dll
+  for place in "$KESP_ROOT/build/win$bits/simulator" "$KESP_ROOT/dist/win$bits/simulator/gpib"; do
+    [ -n "$driver" ] || [ ! -e "$place/Gpib-32.dll" ] || driver=$place/Gpib-32.dll
   done
   [ -n "$driver" ] || fail "there is no simulated GPIB driver; tools/build win$bits makes it"
   [[ $program == */* ]] || program=$(wine_prefix "$bits")/drive_c/windows/system32/${program%.exe}.exe
