@@ -3,8 +3,9 @@
 ;   PAYLOAD  the file written by payload.py: what is installed, and its removal
 ;   OUTPUT   the program to write
 ;   STUB     x86-unicode, which runs on every Windows, or amd64-unicode for a Windows without 32-bit programs
+;   COMPRESSOR  lzma for the smallest program, zlib for one that is made in a moment
 Target ${STUB}
-SetCompressor /SOLID lzma
+SetCompressor /SOLID ${COMPRESSOR}
 
 !include LogicLib.nsh
 !include MUI2.nsh

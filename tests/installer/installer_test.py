@@ -64,6 +64,11 @@ def user_folder():
     return f"C:\\users\\{sandbox.temporary().parent.name}\\AppData\\Local\\Programs\\Kesp\\KespCommObj"
 
 
+def root_of(folder):
+    """The registry where an installation there is listed."""
+    return "HKCU" if folder == user_folder() else "HKLM"
+
+
 def install(*switches, program=None):
     """For all users unless the switches say otherwise."""
     return sandbox.run_line(f'"{windows_path(program or setup)}" /S {" ".join(switches)}').returncode
@@ -79,7 +84,7 @@ def uninstall(folder):
     run = sandbox.run_limited if folder == user_folder() else sandbox.run
     run(program, "/S")
     # Its entry is the last that it removes.
-    return becomes_true(lambda: not program.exists() and not sandbox.is_listed())
+    return becomes_true(lambda: not program.exists() and not sandbox.is_listed(root_of(folder)))
 
 
 def uninstall_in_place(folder, run=None):
@@ -128,8 +133,9 @@ def failed_log():
 
 def clean_up():
     for folder in (FOLDER, ELSEWHERE, user_folder()):
-        if (sandbox.path(folder) / "uninstall.exe").exists():
-            uninstall(folder)
+        # One that is not listed would refuse.
+        if (sandbox.path(folder) / "uninstall.exe").exists() and sandbox.is_listed(root_of(folder)):
+            uninstall_in_place(folder, sandbox.run_limited if folder == user_folder() else None)
         shutil.rmtree(sandbox.path(folder), ignore_errors=True)
     for folder in (FOLDER, user_folder()):
         if sandbox.path(folder).parent.exists():
@@ -271,7 +277,7 @@ class RefusedInstallationTest(InstallerTest):
             with self.subTest(folder):
                 self.assertEqual(install("/D=" + folder), FAILED)
                 self.assertIn("within Program Files only", failed_log())
-                self.assert_nothing_left()
+        self.assert_nothing_left()
 
     def test_AllUsers_WithoutAdministratorsRights_NothingChanges(self):
         self.assertEqual(sandbox.run_limited(setup, "/S").returncode, NEEDS_ADMINISTRATOR)
@@ -290,7 +296,7 @@ class RefusedUninstallingTest(InstallerTest):
         self.assertEqual(install_for_user(), 0)
         self.assertEqual(uninstall_in_place(user_folder()), FAILED)
         self.assertTrue((sandbox.path(user_folder()) / "README.md").exists())
-        self.assertTrue(sandbox.is_listed())
+        self.assertTrue(sandbox.is_listed("HKCU"))
 
     def test_User_WithoutItsEntry_NothingChanges(self):
         """So it looks to another administrator, and when a program of the user has deleted the entry."""
@@ -303,7 +309,7 @@ class RefusedUninstallingTest(InstallerTest):
                 with self.subTest(run.__name__):
                     self.assertEqual(uninstall_in_place(user_folder(), run), FAILED)
                     self.assertTrue((sandbox.path(user_folder()) / "README.md").exists())
-                    self.assertTrue(sandbox.is_listed(), "the installation for all users")
+                    self.assertTrue(sandbox.is_listed("HKLM"))
                     self.assert_usable()
         finally:
             install_for_user()  # brings the entry back
@@ -360,7 +366,7 @@ class DocumentInUseTest(InstallerTest):
         self.assertTrue(document.exists(), "under its own name, where the user looks for it")
         pending = sandbox.run("reg", "query", SESSION_MANAGER, "/v", "PendingFileRenameOperations").stdout
         self.assertNotIn("README.md", pending)
-        self.assertFalse(sandbox.is_listed())
+        self.assertFalse(sandbox.is_listed("HKCU"))
 
     def test_UninstallingThatLeavesRegistryEntries_EndsAsFailed(self):
         self.assertEqual(install_for_user(), 0)

@@ -74,10 +74,10 @@ class Sandbox:
         paths = (path.relative_to(self.drive) for path in self.drive.rglob("*"))
         return {str(path) for path in paths if "temp" not in map(str.lower, path.parts)}
 
-    def is_listed(self):
-        """Whether Programs and Features lists the library."""
+    def is_listed(self, root):
+        """Whether Programs and Features lists the library, for all users (HKLM) or for this one (HKCU)."""
         entry = "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\KespCommObj"
-        return any(self.run("reg", "query", f"{root}\\{entry}").returncode == 0 for root in ("HKLM", "HKCU"))
+        return self.run("reg", "query", f"{root}\\{entry}").returncode == 0
 
     def registry(self):
         """The lines of HKLM\\Software and of HKCU\\Software, each value with its key before it."""
