@@ -49,16 +49,14 @@ when it starts the next time. Restart Windows, then install again."
   RMDir $0
 FunctionEnd
 
-; Asks for the programs to be closed that have the library loaded from the installation in $0; a silent run fails.
+; Asks for the programs to be closed that use the installation in $0; a silent run fails.
 Function RequireNotInUse
 try:
   Push $0
-  Call IsLibraryInUse
+  Call FileInUse
   Pop $1
-  ${If} $1 = 1
-    MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION \
-      "A program is using KespCommObj.dll. Close the programs that talk to instruments, then try again." \
-      /SD IDCANCEL IDRETRY try
-    ${Fail} "KespCommObj.dll in $0 is in use by a program. Nothing was changed."
+  ${If} $1 != ""
+    MessageBox MB_RETRYCANCEL|MB_ICONEXCLAMATION "$1 is in use. ${CLOSE_USERS}" /SD IDCANCEL IDRETRY try
+    ${Fail} "$1 is in use. Nothing was changed."
   ${EndIf}
 FunctionEnd

@@ -9,7 +9,8 @@ Section "-Earlier version"
   StrCpy $IsChanging 1
 SectionEnd
 
-Section "-Files of both widths" SECTION_COMMON
+Section "Library, documents and samples" SECTION_COMMON
+  SectionIn RO
   !insertmacro PAYLOAD_COMMON
 SectionEnd
 
@@ -17,8 +18,12 @@ Section "-64-bit library" SECTION_WIN64
   !insertmacro PAYLOAD_WIN64
 SectionEnd
 
-Section "-32-bit library" SECTION_WIN32
+Section "-32-bit library"
   !insertmacro PAYLOAD_WIN32
+SectionEnd
+
+Section /o "Practice instruments" SECTION_PRACTICE
+  !insertmacro INSTALL_PRACTICE
 SectionEnd
 
 Section "-Registration"
@@ -34,7 +39,8 @@ Section "-Registration"
 SectionEnd
 
 Section "-Entry in Programs and Features"
-  Call SumSizes
+  ; Into $0 the kilobytes of what is in the folder; $1 and $2 are the files and folders.
+  ${GetSize} "$INSTDIR" "/S=0K" $0 $1 $2
   WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayName" "${PRODUCT}"
   WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"
   WriteRegStr SHCTX "${UNINSTALL_KEY}" "DisplayIcon" "$INSTDIR\uninstall.exe"
@@ -57,19 +63,9 @@ Function .onInit
     Quit
   ${EndIf}
   Call ChooseScopeFromCommandLine
+  !insertmacro CHOOSE_PRACTICE_FROM_COMMAND_LINE
   ${If} $HasWin64 = 0
     SectionSetFlags ${SECTION_WIN64} 0
-  ${EndIf}
-FunctionEnd
-
-; Into $0 the kilobytes of what is installed.
-Function SumSizes
-  SectionGetSize ${SECTION_COMMON} $0
-  SectionGetSize ${SECTION_WIN32} $1
-  IntOp $0 $0 + $1
-  ${If} $HasWin64 = 1
-    SectionGetSize ${SECTION_WIN64} $1
-    IntOp $0 $0 + $1
   ${EndIf}
 FunctionEnd
 

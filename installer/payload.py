@@ -4,8 +4,9 @@
 usage: payload.py TREE DIST OUTPUT
 
 TREE is the folder of the sources, whose README and CHANGELOG go along with the pages that they lead to; DIST holds win64 and win32. A file that is
-the same for both widths is installed once; one that differs goes into the folder of its width. The simulator
-is not installed: on a machine with instruments nothing may be taken for their driver.
+the same for both widths is installed once; one that differs goes into the folder of its width. The simulator is a
+component of its own: of its programs only one width is installed, and its driver's DLL stands away from all programs
+and from the library, which looks for a driver in its own folder.
 """
 
 import filecmp
@@ -18,13 +19,13 @@ import page_links  # noqa: E402
 
 DOCUMENTS = {".md", ".png"}
 WIDTHS = ("win64", "win32")
-LEFT_OUT = {"simulator"}
+PRACTICE = {"win64": "practice64", "win32": "practice32"}
+GROUPS = ("common", *WIDTHS, "practice", *PRACTICE.values())
 
 
 def files_below(folder):
-    """What lies in it and is installed, as paths within it."""
-    files = {path.relative_to(folder) for path in folder.rglob("*") if path.is_file()}
-    return {path for path in files if path.parts[0] not in LEFT_OUT}
+    """What lies in it, as paths within it."""
+    return {path.relative_to(folder) for path in folder.rglob("*") if path.is_file()}
 
 
 def documents(tree):
@@ -43,16 +44,25 @@ def documents(tree):
 
 
 def products(dist):
-    """Pairs of source and place under "common", "win64" and "win32"."""
-    groups = {name: [] for name in ("common", *WIDTHS)}
+    """Pairs of source and place under the names of the groups: "common", "win64" and "win32"; the simulator's
+    "practice", and "practice64" or "practice32", which is the one for the width of the system."""
+    groups = {name: [] for name in GROUPS}
     present = {width: files_below(dist / width) for width in WIDTHS}
     for place in sorted(present["win64"] | present["win32"]):
         sources = {width: dist / width / place for width in WIDTHS if place in present[width]}
+        practice = place.parts[0] == "simulator"
         if len(sources) == 2 and filecmp.cmp(*sources.values(), shallow=False):
-            groups["common"].append((sources["win64"], place))
+            groups["practice" if practice else "common"].append((sources["win64"], place))
             continue
         for width, source in sources.items():
-            groups[width].append((source, pathlib.Path(width) / place))
+            if not practice:
+                groups[width].append((source, width / place))
+            elif place.suffix == ".exe":
+                groups[PRACTICE[width]].append((source, place))
+            else:
+                # A 64-bit system runs programs of both widths, so it has both drivers.
+                group = "practice" if width == "win32" else "practice64"
+                groups[group].append((source, place.parent / width / place.name))
     return groups
 
 
@@ -61,7 +71,10 @@ def groups_of(tree, dist):
         if not (dist / width / "KespCommObj.dll").is_file():
             sys.exit(f"{dist / width / 'KespCommObj.dll'} is not there; tools/build makes it")
     groups = products(dist)
-    groups["common"] = documents(tree) + groups["common"]
+    pages = documents(tree)
+    places = {place for _, place in pages}
+    groups["practice"] = [pair for pair in groups["practice"] if pair[1] not in places]
+    groups["common"] = pages + groups["common"]
     return groups
 
 
@@ -100,7 +113,7 @@ def script(groups):
     yield "; What the setup program installs; written by payload.py."
     for name, group in groups.items():
         yield from install_macro(name, group)
-    yield from remove_macro([place for group in groups.values() for _, place in group])
+    yield from remove_macro(dict.fromkeys(place for group in groups.values() for _, place in group))
 
 
 def main():

@@ -28,14 +28,14 @@ class PayloadTest(unittest.TestCase):
 
     def places(self):
         groups = payload.groups_of(self.tree, self.dist)
-        return {name: [place.as_posix() for _, place in group] for name, group in groups.items()}
+        return {name: [place.as_posix() for _, place in group] for name, group in groups.items() if group}
 
     def script(self):
         return "\n".join(payload.script(payload.groups_of(self.tree, self.dist)))
 
     def test_Places_OfDlls_AreTheFoldersOfTheirWidths(self):
         self.assertEqual(self.places(), {
-            "common": [], "win64": ["win64/KespCommObj.dll"], "win32": ["win32/KespCommObj.dll"]})
+            "win64": ["win64/KespCommObj.dll"], "win32": ["win32/KespCommObj.dll"]})
 
     def test_Places_OfEqualFiles_AreOnceAtTheTop(self):
         for width in ("win64", "win32"):
@@ -51,17 +51,22 @@ class PayloadTest(unittest.TestCase):
     def test_Places_OfAFileOfOneWidth_IsThatFolder(self):
         self.write("dist/win32/only.txt", "")
         self.assertEqual(self.places()["win32"], ["win32/KespCommObj.dll", "win32/only.txt"])
-        self.assertEqual(self.places()["common"], [])
+        self.assertNotIn("common", self.places())
 
-    def test_SimulatedDriver_IsNotInstalled(self):
+    def test_Simulator_IsAComponentWithOneProgramAndADriverOfEachWidth(self):
+        self.write("README.md", "[simulator](simulator/README.md)")
+        self.write("simulator/README.md", "a document, with or without the component")
         for width in ("win64", "win32"):
-            self.write(f"dist/{width}/simulator/Gpib-32.dll", width)
-            self.write(f"dist/{width}/simulator/README.txt", "the same")
-            self.write(f"dist/{width}/samples/simulator.txt", "no driver")
+            for place, text in (("kesp-sim.exe", width), ("gpib/Gpib-32.dll", width), ("gpib/README.txt", "the same"),
+                                ("examples/a.json", "the same"), ("README.md", "the same")):
+                self.write(f"dist/{width}/simulator/{place}", text)
         self.assertEqual(self.places(), {
-            "common": ["samples/simulator.txt"],
-            "win64": ["win64/KespCommObj.dll"], "win32": ["win32/KespCommObj.dll"]})
-        self.assertNotIn("Gpib-32", self.script())
+            "common": ["README.md", "simulator/README.md"],
+            "win64": ["win64/KespCommObj.dll"], "win32": ["win32/KespCommObj.dll"],
+            "practice": ["simulator/examples/a.json", "simulator/gpib/win32/Gpib-32.dll", "simulator/gpib/README.txt"],
+            "practice64": ["simulator/gpib/win64/Gpib-32.dll", "simulator/kesp-sim.exe"],
+            "practice32": ["simulator/kesp-sim.exe"]})
+        self.assertEqual(self.script().count(r'Push "$INSTDIR\simulator\kesp-sim.exe"'), 1)
 
     def test_Documents_AreThePagesAndPicturesThatTheFirstOneLeadsTo(self):
         self.write("README.md", "[b](docs/b.md#top) [script](samples/a.vbs) [elsewhere](http://c/d.md) [none](e.md)")

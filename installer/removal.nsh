@@ -52,6 +52,7 @@ Function ${un}RemoveInstallation
   ; Not one for the next start: called by a newer setup program it runs from this file, which is deleted there.
   Delete "$INSTDIR\uninstall.exe"
   !insertmacro PAYLOAD_REMOVE "${un}"
+  !insertmacro REMOVE_PRACTICE_MENU "${un}"
   Push $INSTDIR
   Call ${un}DeleteFolder
   ; The publisher's folder, unless others are in it or /D= chose a place of its own.

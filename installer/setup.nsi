@@ -9,6 +9,7 @@ SetCompressor /SOLID ${COMPRESSOR}
 
 !include LogicLib.nsh
 !include MUI2.nsh
+!include Sections.nsh
 !include WinVer.nsh
 !include x64.nsh
 
@@ -45,8 +46,9 @@ ManifestDPIAware true
 !include place.nsh
 !include in_use.nsh
 !include registration.nsh
+!include practice.nsh
 !include removal.nsh
 !include earlier_version.nsh
-!include wizard.nsh
 !include install.nsh
+!include wizard.nsh
 !include uninstall.nsh

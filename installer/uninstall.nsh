@@ -33,21 +33,20 @@ ended." \
   ${EndIf}
 SectionEnd
 
-; Lets the user close the programs that have the library loaded. A silent run goes on.
+; Lets the user close the programs that use the installation. A silent run goes on.
 Function un.OfferToWait
 try:
   Push $INSTDIR
-  Call un.IsLibraryInUse
-  Pop $0
-  ${If} $0 = 1
-    ${Log} "A program is using KespCommObj.dll"
-    StrCpy $0 "deletes its file when Windows starts the next time"
+  Call un.FileInUse
+  Pop $1
+  ${If} $1 != ""
+    ${Log} "In use: $1"
+    StrCpy $0 "deletes the file when Windows starts the next time"
     ${If} $Scope == user
-      StrCpy $0 "leaves its file in the folder"
+      StrCpy $0 "leaves the file in the folder"
     ${EndIf}
     MessageBox MB_ABORTRETRYIGNORE|MB_ICONEXCLAMATION \
-      "A program is using KespCommObj.dll. Close the programs that talk to instruments, then try again. \
-Ignore removes the library now and $0." \
+      "$1 is in use. ${CLOSE_USERS} Ignore removes the library now and $0." \
       /SD IDIGNORE IDRETRY try IDIGNORE go_on
     SetErrorLevel ${EXIT_FAILED}
     Abort

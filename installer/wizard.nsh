@@ -7,6 +7,8 @@ Var UserButton
 !define MUI_ABORTWARNING
 !insertmacro MUI_PAGE_WELCOME
 Page custom ShowScopePage LeaveScopePage
+!define MUI_COMPONENTSPAGE_SMALLDESC
+!insertmacro MUI_PAGE_COMPONENTS
 !define MUI_PAGE_CUSTOMFUNCTION_LEAVE LeaveDirectoryPage
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
@@ -15,6 +17,11 @@ Page custom ShowScopePage LeaveScopePage
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_UNPAGE_FINISH
 !insertmacro MUI_LANGUAGE "English"
+!insertmacro MUI_FUNCTION_DESCRIPTION_BEGIN
+  !insertmacro MUI_DESCRIPTION_TEXT ${SECTION_COMMON} "What programs need to talk to instruments."
+  !insertmacro MUI_DESCRIPTION_TEXT ${SECTION_PRACTICE} "Simulated instruments, for work without hardware. Leave them \
+out where real instruments are in use."
+!insertmacro MUI_FUNCTION_DESCRIPTION_END
 
 Function ShowScopePage
   !insertmacro MUI_HEADER_TEXT "Users" "For whom shall the library be installed?"
@@ -47,13 +54,26 @@ Function LeaveScopePage
     ${EndIf}
   ${EndIf}
   Call ChooseFolder
+  Call ChoosePracticeAsBefore
+FunctionEnd
+
+; The wizard begins with what an earlier installation of the scope has.
+Function ChoosePracticeAsBefore
+  ReadRegStr $0 SHCTX "${UNINSTALL_KEY}" "InstallLocation"
+  ${If} $0 != ""
+  ${AndIf} ${FileExists} "$0\simulator\kesp-sim.exe"
+    !insertmacro SelectSection ${SECTION_PRACTICE}
+  ${EndIf}
 FunctionEnd
 
 ; Who does not allow it may choose again.
 Function BeginAgainAsAdministrator
   StrCpy $0 ""
+  ${If} ${SectionIsSelected} ${SECTION_PRACTICE}
+    StrCpy $0 "/PRACTICE "
+  ${EndIf}
   ${If} $WishedFolder != ""
-    StrCpy $0 "/D=$WishedFolder"
+    StrCpy $0 "$0/D=$WishedFolder"
   ${EndIf}
   ${StartAsAdministrator} $EXEPATH $0
   ${If} ${Errors}

@@ -11,6 +11,7 @@ import filecmp
 import functools
 import pathlib
 import shutil
+import socket
 import subprocess
 import sys
 import tempfile
@@ -18,12 +19,16 @@ import unittest
 
 sys.dont_write_bytecode = True  # the tree stays as it is
 from sandbox import ROOT, SKIPPED, TOOLS, Sandbox, becomes_true, windows_path  # noqa: E402
+from shortcut import read_shortcut  # noqa: E402
 
 HERE = pathlib.Path(__file__).parent
 DIST = ROOT / "dist"
 FOLDER = "C:\\Program Files\\Kesp\\KespCommObj"
 ELSEWHERE = "C:\\Program Files\\Elsewhere"
 UNPROTECTED = "C:\\Unprotected"
+MENU = "Microsoft\\Windows\\Start Menu\\Programs\\Kesp Communication Object Library"
+ALL_USERS_MENU = "C:\\ProgramData\\" + MENU
+LINK = "Practice instrument.lnk"
 FAILED_LOG = "C:\\windows\\Logs\\KespCommObj-setup.log"
 ENTRY = "[HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\KespCommObj] "
 SESSION_MANAGER = "HKLM\\System\\CurrentControlSet\\Control\\Session Manager"
@@ -60,8 +65,26 @@ def make_setup(dist, name):
     return made
 
 
+def of_user(folder):
+    return f"C:\\users\\{sandbox.temporary().parent.name}\\AppData\\{folder}"
+
+
 def user_folder():
-    return f"C:\\users\\{sandbox.temporary().parent.name}\\AppData\\Local\\Programs\\Kesp\\KespCommObj"
+    return of_user("Local\\Programs\\Kesp\\KespCommObj")
+
+
+def user_menu():
+    return of_user("Roaming\\" + MENU)
+
+
+def is_open(port):
+    """Whether somebody listens there."""
+    with socket.socket() as client:
+        return client.connect_ex(("127.0.0.1", port)) == 0
+
+
+def names_in(folder):
+    return sorted(path.name for path in folder.iterdir())
 
 
 def root_of(folder):
@@ -74,8 +97,8 @@ def install(*switches, program=None):
     return sandbox.run_line(f'"{windows_path(program or setup)}" /S {" ".join(switches)}').returncode
 
 
-def install_for_user():
-    return sandbox.run_limited(setup, "/S", "/USER").returncode
+def install_for_user(*switches):
+    return sandbox.run_limited(setup, "/S", "/USER", *switches).returncode
 
 
 def uninstall(folder):
@@ -164,6 +187,10 @@ class InstallerTest(unittest.TestCase):
         for root in roots:
             self.assertEqual(sorted(present[root] ^ registry_without_library()[root])[:10], [])
 
+    def assert_no_practice_instruments(self):
+        self.assertEqual(names_in(sandbox.path(FOLDER) / "simulator"), ["README.md"])
+        self.assertFalse(sandbox.path(ALL_USERS_MENU).exists())
+
     def assert_usable(self):
         self.assertEqual(sandbox.run(HERE / "create_object.vbs").stdout.split(), ["PASS"])
 
@@ -197,6 +224,9 @@ class InstalledForAllUsersTest(InstallerTest):
         for place in ("README.md", "docs/building.md", "samples/vbscript/query.vbs", "include/KespCommObj.idl"):
             self.assertTrue((self.folder / place).is_file(), place)
 
+    def test_PracticeInstruments_AreLeftOut(self):
+        self.assert_no_practice_instruments()
+
     def test_Objects_CanBeCreated(self):
         self.assert_usable()
 
@@ -223,12 +253,91 @@ class InstalledForAllUsersTest(InstallerTest):
         self.assertIn(f"version={version}.0\n", sandbox.run(HERE / "file_version.vbs", windows_path(setup)).stdout)
 
 
+class PracticeInstrumentsTest(InstallerTest):
+    """The component that is installed when asked for; kesp-sim is the one of the system's own width."""
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        install("/PRACTICE")
+        cls.folder = sandbox.path(FOLDER) / "simulator"
+        cls.link = read_shortcut(sandbox.path(ALL_USERS_MENU) / LINK)
+
+    def open_console(self):
+        """What the Start menu's entry opens, at a free port. Returns the port, and a function that ends it and tells
+        what was to be read."""
+        # The library's ports end at 32767. The widths begin apart, as both are tested at the same time.
+        port = next(port for port in range(10001 + 2 * sandbox.bits, 20000) if not is_open(port))
+        batch = sandbox.drive / "console.cmd"
+        line = self.link.arguments.removeprefix("/k ").replace("10001", str(port))
+        batch.write_text(f'cd /d "{self.link.folder}"\n{line}\n')
+        self.addCleanup(batch.unlink)
+        console = sandbox.begin("cmd", "/c", "C:\\console.cmd")
+
+        @functools.cache
+        def end():
+            sandbox.run("taskkill", "/f", "/im", "kesp-sim.exe")
+            return console.communicate(timeout=60)[0]
+
+        self.addCleanup(end)
+        return port, end
+
+    def test_Files_AreThoseOfTheBuild(self):
+        own = DIST / f"win{sandbox.bits}" / "simulator"
+        for place in ("kesp-sim.exe", "description.schema.json", "examples/device.json", "gpib/README.txt"):
+            self.assertTrue(filecmp.cmp(self.folder / place, own / place, shallow=False), place)
+
+    def test_Drivers_AreAwayFromAllProgramsAndTheLibrary(self):
+        """In the folder of a program, or of the library, they would be taken for the driver."""
+        widths = ("win32", "win64") if sandbox.bits == 64 else ("win32",)
+        drivers = sorted(sandbox.path(FOLDER).rglob("*.[dD][lL][lL]"))
+        self.assertEqual(drivers, [
+            *(self.folder / "gpib" / width / "Gpib-32.dll" for width in widths),
+            *(sandbox.path(FOLDER) / width / "KespCommObj.dll" for width in widths)])
+        for width in widths:
+            driver = self.folder / "gpib" / width / "Gpib-32.dll"
+            self.assertEqual(names_in(driver.parent), [driver.name])
+            self.assertTrue(filecmp.cmp(driver, DIST / width / "simulator" / "gpib" / driver.name, shallow=False))
+
+    def test_Driver_IsFoundWhereItsReadmePutsIt_AndNowhereElse(self):
+        lines = (self.folder / "gpib" / "README.txt").read_text().splitlines()
+        commands = [line.strip().replace("win64", f"win{sandbox.bits}") for line in lines if line.startswith("    ")]
+        used = next(number for number, line in enumerate(commands) if line.startswith(".\\query"))
+        elsewhere = commands[3].split('"')[1]
+        said = sandbox.run_line(f'"{elsewhere}" GPIB5').stdout
+        self.assertIn("File not found: Gpib-32.dll", said)
+        said = sandbox.run_line("\n".join(commands[:used + 1])).stdout
+        self.assertIn("reply:       KESP,GP488,SIM48805,1.0\n", said)
+        sandbox.run_line("\n".join(commands[used + 1:]))
+        self.assertFalse((sandbox.temporary() / "practice-gpib").exists())
+
+    def test_EntryInTheStartMenu_IsAConsoleThatStays(self):
+        self.assertEqual(self.link.target.lower(), "c:\\windows\\system32\\cmd.exe")
+        self.assertEqual(self.link.folder, FOLDER + "\\simulator")
+        self.assertRegex(self.link.arguments, r"^/k title [^&]*127\.0\.0\.1 port 10001&.* --port 10001$")
+        # Longer ones Windows does not show whole.
+        self.assertLessEqual(len(self.link.arguments), 260)
+
+    def test_EntryInTheStartMenu_OpensAnInstrument_AndIsInUseMeanwhile(self):
+        port, end = self.open_console()
+        self.assertTrue(becomes_true(lambda: is_open(port)))
+        asked = sandbox.run(ROOT / "samples" / "vbscript" / "query.vbs", "127.0.0.1", port, "*IDN?")
+        self.assertIn("reply:       KESP,7100,SIM00001,1.0\n", asked.stdout)
+        self.assertEqual(install(), FAILED)
+        self.assertIn("simulator\\kesp-sim.exe is in use. Nothing was changed.", failed_log())
+        said = end()
+        self.assertIn(f"IPAddress 127.0.0.1, Port {port}, command *IDN?\n", said)
+        self.assertIn("Ctrl-C ends it.", said)
+        self.assertIn(f"listening on 127.0.0.1:{port}\n", said)
+
+
 class UninstallTest(InstallerTest):
     def tearDown(self):
         clean_up()
 
     def test_AllUsers_NothingIsLeft(self):
-        self.assertEqual(install(), 0)
+        self.assertEqual(install("/PRACTICE"), 0)
+        self.assertTrue((sandbox.path(ALL_USERS_MENU) / LINK).exists())
         self.assertTrue(uninstall(FOLDER))
         self.assert_nothing_left()
 
@@ -241,7 +350,9 @@ class UninstallTest(InstallerTest):
         self.assertEqual(exit_code, 0)
 
     def test_User_NothingIsLeftAndNothingWasChangedForOthers(self):
-        self.assertEqual(install_for_user(), 0)
+        self.assertEqual(install_for_user("/PRACTICE"), 0)
+        self.assertTrue((sandbox.path(user_menu()) / LINK).exists())
+        self.assertFalse(sandbox.path(ALL_USERS_MENU).exists())
         self.assert_registry_unchanged("HKLM")
         self.assertFalse(sandbox.path(FOLDER).exists())
         # Wine makes objects from the machine's entries only, so the user's are looked at instead.
@@ -335,10 +446,12 @@ class RefusedUninstallingTest(InstallerTest):
 
 
 class EarlierInstallationTest(InstallerTest):
-    def test_InAnotherFolder_IsRemoved(self):
-        self.assertEqual(install("/D=" + ELSEWHERE), 0)
+    def test_InAnotherFolder_IsRemoved_WithItsPracticeInstruments(self):
+        self.assertEqual(install("/PRACTICE", "/D=" + ELSEWHERE), 0)
+        self.assertTrue(sandbox.path(ALL_USERS_MENU).exists())
         self.assertEqual(install(), 0)
         self.assertFalse(sandbox.path(ELSEWHERE).exists())
+        self.assert_no_practice_instruments()
         self.assert_usable()
 
     def test_InAFolderThatEveryUserMayWriteTo_NothingOfItIsRun(self):
