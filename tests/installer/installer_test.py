@@ -183,7 +183,7 @@ class InstallerTest(unittest.TestCase):
         self.assert_registry_unchanged("HKLM", "HKCU")
 
     def assert_registry_unchanged(self, *roots):
-        present = sandbox.registry()
+        present = sandbox.registry(roots=roots)
         for root in roots:
             self.assertEqual(sorted(present[root] ^ registry_without_library()[root])[:10], [])
 
@@ -240,7 +240,8 @@ class InstalledForAllUsersTest(InstallerTest):
         self.assertEqual(self.others_file.read_text(), "of another program\n")
 
     def test_ProgramsAndFeatures_ListIt(self):
-        entry = {line.removeprefix(ENTRY) for line in sandbox.registry()["HKLM"] if line.startswith(ENTRY)}
+        listed = sandbox.registry(ENTRY.strip(" []").partition("\\")[2], ["HKLM"])["HKLM"]
+        entry = {line.removeprefix(ENTRY) for line in listed}
         escaped = FOLDER.replace("\\", "\\\\")
         self.assertLessEqual({
             '"DisplayName"="Kesp Communication Object Library"', f'"DisplayVersion"="{version}"', '"Publisher"="Kesp"',
@@ -357,7 +358,8 @@ class UninstallTest(InstallerTest):
         self.assertFalse(sandbox.path(FOLDER).exists())
         # Wine makes objects from the machine's entries only, so the user's are looked at instead.
         dll = (user_folder() + f"\\win{sandbox.bits}\\KespCommObj.dll").replace("\\", "\\\\")
-        servers = {line.split("] ")[1] for line in sandbox.registry()["HKCU"] if "\\InprocServer32] @=" in line}
+        classes = sandbox.registry("Software\\Classes", ["HKCU"])["HKCU"]
+        servers = {line.split("] ")[1] for line in classes if "\\InprocServer32] @=" in line}
         self.assertEqual(servers, {f'@="{dll}"'})
         self.assertTrue(uninstall(user_folder()))
         self.assert_nothing_left()

@@ -79,10 +79,10 @@ class Sandbox:
         entry = "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\KespCommObj"
         return self.run("reg", "query", f"{root}\\{entry}").returncode == 0
 
-    def registry(self):
-        """The lines of HKLM\\Software and of HKCU\\Software, each value with its key before it."""
-        names = {root: f"exported-{root}.reg" for root in ("HKLM", "HKCU")}
-        exports = [f"reg export {root}\\Software C:\\{name} /y" for root, name in names.items()]
+    def registry(self, below="Software", roots=("HKLM", "HKCU")):
+        """The lines of that key of each root, each value with its key before it. All of HKLM\\Software takes seconds."""
+        names = {root: f"exported-{root}.reg" for root in roots}
+        exports = [f"reg export {root}\\{below} C:\\{name} /y" for root, name in names.items()]
         self.run("cmd", "/c", " & ".join(exports)).check_returncode()
         return {root: self._lines_of(self.drive / name) for root, name in names.items()}
 
