@@ -1,4 +1,4 @@
-// An IEEE-488 transport beside the simulated driver, and where tests of it run.
+// IEEE-488 transports beside the simulated driver, and where tests of them run.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,51 +8,45 @@
 
 #include "tests/clients/ieee_client.h"
 #include "tests/clients/other_apartment.h"
-#include "tests/clients/simulated_bus.h"
 #include "tests/clients/simulated_driver.h"
 
 namespace kesp::clients {
 
-// With another bus, on a new thread in an apartment of its own.
-inline void RunAfresh(const SimulatedDriver& driver, const std::string& bus,
-                      const std::function<void()>& work) {
-  driver.Load(bus);
-  RunElsewhere(COINIT_APARTMENTTHREADED, work);
+// A bus with the devices that the tests talk to: a meter at the transport's address, one that never finishes
+// its reply, one behind a secondary address, and one that keeps silent but for the second command of a
+// detection. `more` holds further fields of the description.
+inline std::string Bus(const std::string& more = {}) {
+  return R"({"devices": [
+    {"gpib": {"primary": 5}, "commands": {
+      "*IDN?": "KESP,GP488,SIM48805,2.0", "BYTES?": "\u0000\u0080\u00e9\u00ff", "SETP *": null}},
+    {"gpib": {"primary": 6}, "reply_terminator": "", "end": false, "commands": {"*IDN?": "KESP,"}},
+    {"gpib": {"primary": 7, "secondary": 9}, "commands": {"*IDN?": "KESP,GP488,SIM48807,2.0"}},
+    {"gpib": {"primary": 2}, "commands": {"*VER": "KESP,2.0"}}])" +
+         (more.empty() ? "" : ", " + more) + "}";
 }
 
-// The driver alone, for tests that bring threads of their own.
-class GpibDriverFixture : public testing::Test {
+// The same where the call of that function fails once, the at-th time, with that error of the driver.
+inline std::string BusFailing(const std::string& function, int error, int at = 1) {
+  return Bus(R"("failures": [{"call": ")" + function + R"(", "at": )" + std::to_string(at) +
+             R"(, "error": )" + std::to_string(error) + "}]");
+}
+
+inline constexpr wchar_t kIdentity[] = L"KESP,GP488,SIM48805,2.0\n";
+
+class GpibFixture : public testing::Test {
  protected:
-  GpibDriverFixture() { driver_.Load(MeterBus()); }
+  // With that bus and a new transport, on a new thread: the library registers each thread with the driver
+  // once, and again behind the first call on a new bus, which has forgotten it.
+  void Run(const std::string& bus, const std::function<void(IeeeClient&)>& work) {
+    driver_.Load(bus);
+    RunElsewhere(COINIT_APARTMENTTHREADED, [&] {
+      IeeeClient ieee;
+      work(ieee);
+    });
+  }
   void TearDown() override { driver_.ExpectNothingLeft(); }
 
   const SimulatedDriver driver_;
 };
-
-// What a test on a thread of its own needs: the driver, and a transport.
-class GpibStage {
- protected:
-  const SimulatedDriver driver_;
-  IeeeClient ieee_;
-};
-
-// Sets the stage on a new thread, runs the test there, and looks when the thread has ended at what it left.
-template <class Stage>
-void RunOnItsOwnThread() {
-  const SimulatedDriver driver;
-  RunAfresh(driver, MeterBus(), [] { Stage().Run(); });
-  driver.ExpectNothingLeft();
-}
-
-// A test case as TEST_F defines them, but on a thread of its own. The library registers each thread with the
-// driver once, and again behind the first call on a new bus, which has forgotten it.
-#define GPIB_TEST(Stage, Case)                            \
-  struct Stage##_##Case : Stage {                         \
-    void Run();                                           \
-  };                                                      \
-  TEST(Stage, Case) {                                     \
-    ::kesp::clients::RunOnItsOwnThread<Stage##_##Case>(); \
-  }                                                       \
-  void Stage##_##Case::Run()
 
 }  // namespace kesp::clients

@@ -79,17 +79,6 @@ CallLines SimulatedDriver::Calls() const {
   return calls;
 }
 
-CallLines SimulatedDriver::Calls(const std::string& function) const {
-  CallLines calls = Calls();
-  std::erase_if(calls, [&](const std::string& call) { return !call.starts_with(function + "("); });
-  return calls;
-}
-
-std::string SimulatedDriver::LastCall(const std::string& function) const {
-  const CallLines calls = Calls(function);
-  return calls.empty() ? std::string() : calls.back();
-}
-
 std::string SimulatedDriver::RecordText() const {
   const CallLines record = Record();
   std::string text;

@@ -11,10 +11,6 @@ namespace kesp::clients {
 using CallLines = std::vector<std::string>;
 
 // The driver's DLL, which is one in the process.
-//
-// The library registers each thread with it once, and again behind the first call on a new bus, whose error
-// number or count is lost. Load therefore comes before the thread's first call of the driver, or the rest is
-// done on a thread of its own.
 class SimulatedDriver {
  public:
   SimulatedDriver();
@@ -30,11 +26,6 @@ class SimulatedDriver {
   CallLines Record() const;
   // Of the calls of the bus only what was asked for: "ibclr(1)".
   CallLines Calls() const;
-  // Those of one function.
-  CallLines Calls(const std::string& function) const;
-
-  // The last of these calls; empty when there was none.
-  std::string LastCall(const std::string& function) const;
 
   // The record's last lines, for messages.
   std::string RecordText() const;
