@@ -3,9 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "support/error_numbers.h"
 #include "support/failure_fixture.h"
 #include "support/lines_fixture.h"
@@ -13,41 +10,37 @@
 namespace kesp {
 namespace {
 
-constexpr wchar_t kSource[] = L"[CKespIEEE - Initialize()]";
-
-// Checks the address; the lines that were logged are left in `logged`.
-Raised Check(const DeviceAddress& address, Lines& logged) {
-  return RaisedBy(
-      [&] { CheckDeviceAddress(address, [&](const wchar_t* line) { logged.emplace_back(line); }); });
-}
-
-TEST(DeviceAddressTest, LowestValues_PassAfterThreeChecks) {
-  Lines logged;
-  EXPECT_EQ(Check({.board = 0, .primary = 1, .secondary = 0}, logged), Raised{});
-  EXPECT_EQ(logged,
-            (Lines{L"Check Board Index...", L"Check Primary Address...", L"Check Secondary Address..."}));
-}
-
-TEST(DeviceAddressTest, NegativeBoard_IsRefusedFirst) {
-  Lines logged;
-  EXPECT_EQ(Check({.board = -1, .primary = 0, .secondary = -1}, logged),
-            (Raised{ieee_error::ERR_INVALID_BOARD_INDEX, kSource, L"Invalid board index."}));
-  EXPECT_EQ(logged, (Lines{L"Check Board Index..."}));
-}
-
-TEST(DeviceAddressTest, PrimaryBelowOne_IsRefusedSecond) {
-  Lines logged;
-  EXPECT_EQ(Check({.board = 0, .primary = 0, .secondary = -1}, logged),
-            (Raised{ieee_error::ERR_INVALID_PRIMARY_ADDRESS, kSource, L"Invalid primary address."}));
-  EXPECT_EQ(logged, (Lines{L"Check Board Index...", L"Check Primary Address..."}));
-}
-
-TEST(DeviceAddressTest, NegativeSecondary_IsRefusedLast) {
-  Lines logged;
-  EXPECT_EQ(Check({.board = 0, .primary = 1, .secondary = -1}, logged),
-            (Raised{ieee_error::ERR_INVALID_SECONDARY_ADDRESS, kSource, L"Invalid secondary address."}));
-  EXPECT_EQ(logged,
-            (Lines{L"Check Board Index...", L"Check Primary Address...", L"Check Secondary Address..."}));
+TEST(DeviceAddressTest, FirstPartThatIsTooLow_IsRefusedBehindTheLinesOfItsCheck) {
+  struct Example {
+    DeviceAddress address;
+    std::int32_t number;
+    const wchar_t* description;
+    std::size_t checks;
+  };
+  const Lines checks{L"Check Board Index...", L"Check Primary Address...", L"Check Secondary Address..."};
+  for (const Example& example : {Example{{.board = 0, .primary = 1, .secondary = 0}, 0, L"", 3},
+                                 Example{{.board = -1, .primary = 0, .secondary = -1},
+                                         ieee_error::ERR_INVALID_BOARD_INDEX,
+                                         L"Invalid board index.",
+                                         1},
+                                 Example{{.board = 0, .primary = 0, .secondary = -1},
+                                         ieee_error::ERR_INVALID_PRIMARY_ADDRESS,
+                                         L"Invalid primary address.",
+                                         2},
+                                 Example{{.board = 0, .primary = 1, .secondary = -1},
+                                         ieee_error::ERR_INVALID_SECONDARY_ADDRESS,
+                                         L"Invalid secondary address.",
+                                         3}}) {
+    SCOPED_TRACE(example.number);
+    Lines logged;
+    const Raised raised = RaisedBy([&] {
+      CheckDeviceAddress(example.address, [&](const wchar_t* line) { logged.emplace_back(line); });
+    });
+    EXPECT_EQ(raised.number, example.number);
+    EXPECT_EQ(raised.source, example.number == 0 ? L"" : L"[CKespIEEE - Initialize()]");
+    EXPECT_EQ(raised.description, example.description);
+    EXPECT_EQ(logged, Lines(checks.begin(), checks.begin() + static_cast<std::ptrdiff_t>(example.checks)));
+  }
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ namespace {
 constexpr wchar_t kDriverSource[] = L"[CKespIEEE - InitializeIEEEBoard()]";
 constexpr wchar_t kClosingSource[] = L"[CKespIEEE - Uninitialize()]";
 
-class IeeeDeviceTest : public IeeeFixture {
+class CKespIEEEDeviceTest : public IeeeFixture {
  protected:
   Raised Refusal() {
     return RaisedBy([this] { ieee_.Initialize(); });
@@ -22,7 +22,7 @@ class IeeeDeviceTest : public IeeeFixture {
   }
 };
 
-TEST_F(IeeeDeviceTest, Initialize_OpensClearsAndSetsTheEnd) {
+TEST_F(CKespIEEEDeviceTest, Initialize_OpensClearsAndSetsTheEnd) {
   ieee_.SetCreateLogFile(true);
   EXPECT_TRUE(ieee_.Initialize());
   EXPECT_EQ(Heard(), (Calls{"ibdev(0,5,0,12,1,0)", "ibclr(7)", "ibeos(7,1073)"}));
@@ -32,29 +32,21 @@ TEST_F(IeeeDeviceTest, Initialize_OpensClearsAndSetsTheEnd) {
                    L"ibclr()", L"ibeos()", L"InitializeIEEEBoard() Done...", L"Initialize() Done..."}));
 }
 
-TEST_F(IeeeDeviceTest, Initialize_LogOff_WritesNone) {
-  ieee_.Initialize();
-  EXPECT_TRUE(Logged().empty());
-}
-
-TEST_F(IeeeDeviceTest, Initialize_ClearDeviceOff_LeavesOutTheClear) {
+TEST_F(CKespIEEEDeviceTest, Initialize_WithoutClearOrEnd_LeavesThemOut) {
   ieee_.SetClearDevice(false);
   ieee_.SetCreateLogFile(true);
   ieee_.Initialize();
   EXPECT_EQ(Heard(), (Calls{"ibdev(0,5,0,12,1,0)", "ibeos(7,1073)"}));
   EXPECT_EQ(Logged()[7], L"ibeos()");
-}
-
-TEST_F(IeeeDeviceTest, Initialize_SetEosOff_LeavesOutTheEnd) {
   ieee_.SetSetEOS(false);
   ieee_.SetEOSChar(L"");
-  ieee_.SetCreateLogFile(true);
+  ieee_.SetCreateLogFile(false);
   ieee_.Initialize();
-  EXPECT_EQ(Heard(), (Calls{"ibdev(0,5,0,12,1,0)", "ibclr(7)"}));
-  EXPECT_EQ(Logged()[8], L"InitializeIEEEBoard() Done...");
+  EXPECT_EQ(Heard(), (Calls{"ibonl(7,0)", "ibdev(0,5,0,12,1,0)"}));
+  EXPECT_EQ(Logged().size(), 10U) << "nothing more was written";
 }
 
-TEST_F(IeeeDeviceTest, Initialize_HandsOverAddressesAndTimeOutCodeAsTheyAre) {
+TEST_F(CKespIEEEDeviceTest, Initialize_HandsOverAddressesAndTimeOutCodeAsTheyAre) {
   ieee_.SetPrimaryAddress(30);
   ieee_.SetSecondaryAddress(29);
   for (std::int32_t code = 0; code <= 17; ++code) {
@@ -66,7 +58,7 @@ TEST_F(IeeeDeviceTest, Initialize_HandsOverAddressesAndTimeOutCodeAsTheyAre) {
   }
 }
 
-TEST_F(IeeeDeviceTest, Initialize_EosCharEmpty_IsRefusedAtTheEndAndNoDeviceStaysOpen) {
+TEST_F(CKespIEEEDeviceTest, Initialize_EosCharEmpty_IsRefusedAtTheEndAndNoDeviceStaysOpen) {
   ieee_.SetEOSChar(L"");
   ieee_.SetCreateLogFile(true);
   const std::wstring description =
@@ -79,40 +71,38 @@ TEST_F(IeeeDeviceTest, Initialize_EosCharEmpty_IsRefusedAtTheEndAndNoDeviceStays
   EXPECT_TRUE(Heard().empty());
 }
 
-TEST_F(IeeeDeviceTest, Initialize_IbdevFails_IsLoggedAndRaised) {
-  Answer("ibdev", GpibOutcome::Failure(7));
+TEST_F(CKespIEEEDeviceTest, Initialize_CallFails_IsLoggedAndRaisedAndTheDeviceGivenBack) {
+  struct Example {
+    const wchar_t* call;
+    std::int32_t number;
+    Calls heard;
+  };
+  bus_.answers["ibdev"] = [] { return GpibOutcome{.result = 7}; };
   ieee_.SetCreateLogFile(true);
-  EXPECT_EQ(Refusal(), (Raised{ieee_error::ERR_IBDEV, kDriverSource,
-                               L"Error calling ibdev(): Error: 7 - Non-existent interface board"}));
-  EXPECT_EQ(Logged().back(), L"Error ibdev()- Error: 7 - Non-existent interface board");
-  EXPECT_EQ(Heard(), (Calls{"ibdev(0,5,0,12,1,0)"}));
+  int nth = 0;
+  for (const Example& example :
+       {Example{L"ibdev()", ieee_error::ERR_IBDEV, {"ibdev(0,5,0,12,1,0)"}},
+        Example{L"ibclr()", ieee_error::ERR_IBCLR, {"ibdev(0,5,0,12,1,0)", "ibclr(7)", "ibonl(7,0)"}},
+        Example{L"ibeos()",
+                ieee_error::ERR_IBEOS,
+                {"ibdev(0,5,0,12,1,0)", "ibclr(7)", "ibeos(7,1073)", "ibonl(7,0)"}}}) {
+    bus_.calls = 0;
+    bus_.failing_call = ++nth;
+    const std::wstring text = L"Error: 14 - Command error during device call";
+    EXPECT_EQ(Refusal(), (Raised{example.number, kDriverSource,
+                                 L"Error calling " + std::wstring(example.call) + L": " + text}));
+    EXPECT_EQ(Logged().back(), L"Error " + std::wstring(example.call) + L"- " + text);
+    EXPECT_EQ(Heard(), example.heard);
+  }
 }
 
-TEST_F(IeeeDeviceTest, Initialize_IbclrFails_IsLoggedAndRaisedAndTheDeviceGivenBack) {
-  Answer("ibclr", GpibOutcome::Failure(2));
-  ieee_.SetCreateLogFile(true);
-  EXPECT_EQ(Refusal(), (Raised{ieee_error::ERR_IBCLR, kDriverSource,
-                               L"Error calling ibclr(): Error: 2 - Write function detected no listeners"}));
-  EXPECT_EQ(Logged().back(), L"Error ibclr()- Error: 2 - Write function detected no listeners");
-  EXPECT_EQ(Heard(), (Calls{"ibdev(0,5,0,12,1,0)", "ibclr(7)", "ibonl(7,0)"}));
-}
-
-TEST_F(IeeeDeviceTest, Initialize_IbeosFails_IsLoggedAndRaisedAndTheDeviceGivenBack) {
-  Answer("ibeos", GpibOutcome::Failure(4));
-  ieee_.SetCreateLogFile(true);
-  EXPECT_EQ(Refusal(), (Raised{ieee_error::ERR_IBEOS, kDriverSource,
-                               L"Error calling ibeos(): Error: 4 - Invalid argument to function call"}));
-  EXPECT_EQ(Logged().back(), L"Error ibeos()- Error: 4 - Invalid argument to function call");
-  EXPECT_EQ(Heard(), (Calls{"ibdev(0,5,0,12,1,0)", "ibclr(7)", "ibeos(7,1073)", "ibonl(7,0)"}));
-}
-
-TEST_F(IeeeDeviceTest, Initialize_TextOfTheFailureIsThatOfTheFirstCall) {
+TEST_F(CKespIEEEDeviceTest, Initialize_TextOfTheFailureIsThatOfTheFirstCall) {
   Answer("ibclr", GpibOutcome::Failure(2));
   Answer("ibonl", GpibOutcome::Failure(14));
   EXPECT_EQ(Refusal().description, L"Error calling ibclr(): Error: 2 - Write function detected no listeners");
 }
 
-TEST_F(IeeeDeviceTest, Initialize_DriverMissing_IsLoggedAndRaised_LaterCallTriesAgain) {
+TEST_F(CKespIEEEDeviceTest, Initialize_DriverMissing_IsLoggedAndRaised_LaterCallTriesAgain) {
   bus_.load_errors[L"Gpib-32.dll"] = kGpibLibraryNotFound;
   ieee_.SetCreateLogFile(true);
   const std::wstring description = L"File not found: Gpib-32.dll (the GPIB driver is not installed)";
@@ -123,8 +113,8 @@ TEST_F(IeeeDeviceTest, Initialize_DriverMissing_IsLoggedAndRaised_LaterCallTries
   EXPECT_TRUE(ieee_.Initialize());
 }
 
-TEST_F(IeeeDeviceTest, Initialize_DescriptorDoesNotFit_IsClosedAndAnOverflow) {
-  for (const int descriptor : {40000, 65541}) {
+TEST_F(CKespIEEEDeviceTest, Initialize_DescriptorDoesNotFit_IsClosedAndAnOverflow) {
+  for (const int descriptor : {32768, 40000, 65541}) {
     Answer("ibdev", {.result = descriptor});
     const std::wstring number = std::to_wstring(descriptor);
     EXPECT_EQ(Refusal(), (Raised{6, kDriverSource, L"Overflow (the driver's descriptor " + number + L")"}));
@@ -133,40 +123,37 @@ TEST_F(IeeeDeviceTest, Initialize_DescriptorDoesNotFit_IsClosedAndAnOverflow) {
   }
 }
 
-TEST_F(IeeeDeviceTest, Initialize_NegativeDescriptorWithoutFailure_IsAFailure) {
+// The board's own descriptor is 0: with a failure it is left alone, without one it is a device's like any
+// other.
+TEST_F(CKespIEEEDeviceTest, Initialize_DescriptorWithAFailure_IsClosedUnlessTheBoards) {
+  for (const auto& [descriptor, closing] :
+       {std::pair<int, Calls>{-1, {}}, {0, {}}, {1, {"ibonl(1,0)"}}, {32767, {"ibonl(32767,0)"}}}) {
+    Answer("ibdev", {.status = 0x8100, .error = 4, .result = descriptor});
+    EXPECT_EQ(Refusal().number, ieee_error::ERR_IBDEV);
+    Calls expected{"ibdev(0,5,0,12,1,0)"};
+    expected.insert(expected.end(), closing.begin(), closing.end());
+    EXPECT_EQ(Heard(), expected);
+  }
+}
+
+TEST_F(CKespIEEEDeviceTest, Initialize_LowestAndHighestDescriptor_AreUsedAndClosed) {
+  for (const std::string number : {"0", "32767"}) {
+    Answer("ibdev", {.result = std::stoi(number)});
+    EXPECT_TRUE(ieee_.Initialize());
+    EXPECT_EQ(Heard()[1], "ibclr(" + number + ")");
+    EXPECT_TRUE(ieee_.Uninitialize());
+    EXPECT_EQ(Heard(), (Calls{"ibonl(" + number + ",0)", "ibonl(0,0)"}));
+  }
+}
+
+TEST_F(CKespIEEEDeviceTest, Initialize_NegativeDescriptorWithoutFailure_IsAFailure) {
   Answer("ibdev", {.result = -1});
   EXPECT_EQ(Refusal(), (Raised{ieee_error::ERR_IBDEV, kDriverSource,
                                L"Error calling ibdev(): Error: 0 - System error"}));
   EXPECT_EQ(Heard(), (Calls{"ibdev(0,5,0,12,1,0)"}));
 }
 
-TEST_F(IeeeDeviceTest, Initialize_DescriptorWithAFailure_IsClosed) {
-  Answer("ibdev", {.status = 0x8100, .error = 4, .result = 9});
-  EXPECT_EQ(Refusal().number, ieee_error::ERR_IBDEV);
-  EXPECT_EQ(Heard(), (Calls{"ibdev(0,5,0,12,1,0)", "ibonl(9,0)"}));
-}
-
-TEST_F(IeeeDeviceTest, Initialize_BoardsDescriptorWithAFailure_BoardStaysOnline) {
-  Answer("ibdev", {.status = 0x8100, .error = 4, .result = 0});
-  EXPECT_EQ(Refusal().number, ieee_error::ERR_IBDEV);
-  EXPECT_EQ(Heard(), (Calls{"ibdev(0,5,0,12,1,0)"}));
-}
-
-TEST_F(IeeeDeviceTest, Initialize_HighestDescriptor_Fits) {
-  Answer("ibdev", {.result = 32767});
-  EXPECT_TRUE(ieee_.Initialize());
-  EXPECT_EQ(Heard()[1], "ibclr(32767)");
-}
-
-TEST_F(IeeeDeviceTest, Initialize_DescriptorZero_IsClosedLikeAnyOther) {
-  Answer("ibdev", {.result = 0});
-  EXPECT_TRUE(ieee_.Initialize());
-  Heard();
-  EXPECT_TRUE(ieee_.Uninitialize());
-  EXPECT_EQ(Heard(), (Calls{"ibonl(0,0)", "ibonl(0,0)"}));
-}
-
-TEST_F(IeeeDeviceTest, InitializeTwice_ClosesTheFirstDevice) {
+TEST_F(CKespIEEEDeviceTest, InitializeTwice_ClosesTheFirstDevice) {
   ieee_.Initialize();
   Heard();
   EXPECT_TRUE(ieee_.Initialize());
@@ -175,7 +162,7 @@ TEST_F(IeeeDeviceTest, InitializeTwice_ClosesTheFirstDevice) {
   EXPECT_EQ(Heard(), (Calls{"ibonl(8,0)", "ibonl(0,0)"}));
 }
 
-TEST_F(IeeeDeviceTest, InitializeAgainFails_NothingIsLeftToClose) {
+TEST_F(CKespIEEEDeviceTest, InitializeAgainFails_NothingIsLeftToClose) {
   ieee_.Initialize();
   Answer("ibeos", GpibOutcome::Failure(4));
   EXPECT_EQ(Refusal().number, ieee_error::ERR_IBEOS);
@@ -184,7 +171,7 @@ TEST_F(IeeeDeviceTest, InitializeAgainFails_NothingIsLeftToClose) {
   EXPECT_TRUE(Heard().empty());
 }
 
-TEST_F(IeeeDeviceTest, Uninitialize_TakesDeviceAndBoardOffline) {
+TEST_F(CKespIEEEDeviceTest, Uninitialize_TakesDeviceAndBoardOffline) {
   ieee_.Initialize();
   Heard();
   EXPECT_TRUE(ieee_.Uninitialize());
@@ -193,19 +180,19 @@ TEST_F(IeeeDeviceTest, Uninitialize_TakesDeviceAndBoardOffline) {
   EXPECT_TRUE(Heard().empty());
 }
 
-TEST_F(IeeeDeviceTest, Uninitialize_NeverOpened_NeedsNoDriver) {
+TEST_F(CKespIEEEDeviceTest, Uninitialize_NeverOpened_NeedsNoDriver) {
   bus_.load_errors[L"Gpib-32.dll"] = kGpibLibraryNotFound;
   EXPECT_TRUE(ieee_.Uninitialize());
   EXPECT_TRUE(bus_.loads.empty());
 }
 
-TEST_F(IeeeDeviceTest, Uninitialize_AfterIbdevFailed_IsAnInvalidDevice) {
+TEST_F(CKespIEEEDeviceTest, Uninitialize_AfterIbdevFailed_IsAnInvalidDevice) {
   Answer("ibdev", GpibOutcome::Failure(7));
   Refusal();
   EXPECT_EQ(ClosingRefusal(), (Raised{ieee_error::ERR_INVALID_DEVICE, kClosingSource, L"Invalid device."}));
 }
 
-TEST_F(IeeeDeviceTest, Uninitialize_DeviceFails_HasTheSourceOfOpeningAndStaysOpen) {
+TEST_F(CKespIEEEDeviceTest, Uninitialize_DeviceFails_HasTheSourceOfOpeningAndStaysOpen) {
   ieee_.Initialize();
   Answer("ibonl", GpibOutcome::Failure(14));
   Heard();
@@ -218,7 +205,7 @@ TEST_F(IeeeDeviceTest, Uninitialize_DeviceFails_HasTheSourceOfOpeningAndStaysOpe
   EXPECT_EQ(Heard(), (Calls{"ibonl(7,0)", "ibonl(0,0)"}));
 }
 
-TEST_F(IeeeDeviceTest, Uninitialize_BoardFails_HasTheSourceOfOpening) {
+TEST_F(CKespIEEEDeviceTest, Uninitialize_BoardFails_HasTheSourceOfOpening) {
   ieee_.Initialize();
   bus_.failing_call = 5;
   EXPECT_EQ(ClosingRefusal(),
@@ -229,7 +216,7 @@ TEST_F(IeeeDeviceTest, Uninitialize_BoardFails_HasTheSourceOfOpening) {
   EXPECT_EQ(Heard(), (Calls{"ibonl(0,0)"}));
 }
 
-TEST_F(IeeeDeviceTest, InitializeAfterTheBoardDidNotClose_ClosesNoDeviceTwice) {
+TEST_F(CKespIEEEDeviceTest, InitializeAfterTheBoardDidNotClose_ClosesNoDeviceTwice) {
   ieee_.Initialize();
   bus_.failing_call = 5;
   EXPECT_EQ(ClosingRefusal().number, ieee_error::ERR_IBONL);
@@ -238,14 +225,14 @@ TEST_F(IeeeDeviceTest, InitializeAfterTheBoardDidNotClose_ClosesNoDeviceTwice) {
   EXPECT_EQ(Heard().front(), "ibdev(0,5,0,12,1,0)");
 }
 
-TEST_F(IeeeDeviceTest, ClosedDevice_WritesGoToItsDescriptorAndFail) {
+TEST_F(CKespIEEEDeviceTest, ClosedDevice_WritesGoToItsDescriptorAndFail) {
   ieee_.Initialize();
   ieee_.Uninitialize();
   EXPECT_EQ(RaisedBy([this] { ieee_.WriteLine(L"t"); }).description,
             L"Error calling ibwrt() with command 't' on device 7: Error: 0 - System error");
 }
 
-TEST_F(IeeeDeviceTest, Released_OpenDeviceIsClosed) {
+TEST_F(CKespIEEEDeviceTest, Released_OpenDeviceIsClosed) {
   auto open = std::make_unique<CKespIEEE>(environment_.environment, driver_);
   open->SetEOSChar(L"10");
   open->Initialize();
@@ -254,7 +241,7 @@ TEST_F(IeeeDeviceTest, Released_OpenDeviceIsClosed) {
   EXPECT_EQ(Heard(), (Calls{"ibonl(7,0)", "ibonl(0,0)"}));
 }
 
-TEST_F(IeeeDeviceTest, ReleasedWhenClosingFails_IsGoneAllTheSame) {
+TEST_F(CKespIEEEDeviceTest, ReleasedWhenClosingFails_IsGoneAllTheSame) {
   auto open = std::make_unique<CKespIEEE>(environment_.environment, driver_);
   open->SetEOSChar(L"10");
   open->Initialize();

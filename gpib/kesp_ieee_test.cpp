@@ -11,7 +11,7 @@
 #include "gpib/gpib_driver_fake.h"
 #include "support/environment_fake.h"
 #include "support/error_numbers.h"
-#include "support/failure.h"
+#include "support/failure_fixture.h"
 
 namespace kesp {
 namespace {
@@ -28,21 +28,6 @@ auto Settings(const CKespIEEE& ieee) {
 
 class CKespIEEETest : public testing::Test {
  protected:
-  // Expects that set(value) throws this failure and changes no setting.
-  void ExpectRefused(void (CKespIEEE::*set)(std::int16_t), std::int16_t value, std::int32_t number,
-                     const wchar_t* source, const wchar_t* description) {
-    const auto before = Settings(ieee_);
-    try {
-      (ieee_.*set)(value);
-      ADD_FAILURE() << "accepted " << value;
-    } catch (const Failure& failure) {
-      EXPECT_EQ(failure.number(), number);
-      EXPECT_EQ(failure.source(), source);
-      EXPECT_EQ(failure.description(), description);
-    }
-    EXPECT_TRUE(Settings(ieee_) == before) << value;
-  }
-
   EnvironmentFake environment_;
   GpibDriverFake bus_;
   GpibThreadsFake threads_;
@@ -74,64 +59,47 @@ TEST_F(CKespIEEETest, CreatedWithoutGuid_KeyIsK) {
   EXPECT_EQ(created.GetKey(), L"K");
 }
 
-TEST_F(CKespIEEETest, TwoObjects_HaveDifferentKeys) {
-  const CKespIEEE other(environment_.environment, driver_);
-  EXPECT_NE(ieee_.GetKey(), other.GetKey());
-}
-
-TEST_F(CKespIEEETest, PrimaryAddressInRange_IsStored) {
-  for (std::int16_t value = 1; value <= 30; ++value) {
-    ieee_.SetPrimaryAddress(value);
-    EXPECT_EQ(ieee_.PrimaryAddress(), value);
+TEST_F(CKespIEEETest, Addresses_AreStoredInTheirRangeAndRefusedBeyondIt) {
+  struct Example {
+    std::int16_t (CKespIEEE::*get)() const;
+    void (CKespIEEE::*set)(std::int16_t);
+    std::int16_t lowest;
+    std::int16_t highest;
+    Raised refusal;
+  };
+  for (const Example& example : {Example{&CKespIEEE::PrimaryAddress,
+                                         &CKespIEEE::SetPrimaryAddress,
+                                         1,
+                                         30,
+                                         {ieee_error::ERR_INVALID_PRIMARY_ADDRESS,
+                                          L"[CKespIEEE - PrimaryAddress]", L"Invalid primary address."}},
+                                 Example{&CKespIEEE::SecondaryAddress,
+                                         &CKespIEEE::SetSecondaryAddress,
+                                         0,
+                                         30,
+                                         {ieee_error::ERR_INVALID_SECONDARY_ADDRESS,
+                                          L"[CKespIEEE - SecondaryAddress]", L"Invalid secondary address."}},
+                                 Example{&CKespIEEE::BoardIndex,
+                                         &CKespIEEE::SetBoardIndex,
+                                         0,
+                                         0,
+                                         {ieee_error::ERR_INVALID_BOARD_INDEX, L"[CKespIEEE - BoardIndex]",
+                                          L"Invalid board index."}}}) {
+    for (std::int16_t value = example.lowest; value <= example.highest; ++value) {
+      (ieee_.*example.set)(value);
+      EXPECT_EQ((ieee_.*example.get)(), value);
+    }
+    const auto before = Settings(ieee_);
+    for (const int value : {int{kLowest16}, example.lowest - 1, example.highest + 1, 96, int{kHighest16}}) {
+      EXPECT_EQ(RaisedBy([&] { (ieee_.*example.set)(static_cast<std::int16_t>(value)); }), example.refusal)
+          << value;
+      EXPECT_TRUE(Settings(ieee_) == before) << value;
+    }
   }
 }
 
-TEST_F(CKespIEEETest, PrimaryAddressOutOfRange_IsRefused) {
-  ieee_.SetPrimaryAddress(22);
-  for (const std::int16_t value :
-       {std::int16_t{0}, std::int16_t{-1}, std::int16_t{31}, kLowest16, kHighest16}) {
-    ExpectRefused(&CKespIEEE::SetPrimaryAddress, value, ieee_error::ERR_INVALID_PRIMARY_ADDRESS,
-                  L"[CKespIEEE - PrimaryAddress]", L"Invalid primary address.");
-  }
-}
-
-TEST_F(CKespIEEETest, SecondaryAddressInRange_IsStored) {
-  for (std::int16_t value = 30; value >= 0; --value) {
-    ieee_.SetSecondaryAddress(value);
-    EXPECT_EQ(ieee_.SecondaryAddress(), value);
-  }
-}
-
-TEST_F(CKespIEEETest, SecondaryAddressOutOfRange_IsRefused) {
-  ieee_.SetSecondaryAddress(5);
-  for (const std::int16_t value :
-       {std::int16_t{-1}, std::int16_t{31}, std::int16_t{96}, kLowest16, kHighest16}) {
-    ExpectRefused(&CKespIEEE::SetSecondaryAddress, value, ieee_error::ERR_INVALID_SECONDARY_ADDRESS,
-                  L"[CKespIEEE - SecondaryAddress]", L"Invalid secondary address.");
-  }
-}
-
-TEST_F(CKespIEEETest, BoardIndexZero_IsAccepted) {
-  ieee_.SetBoardIndex(0);
-  EXPECT_EQ(ieee_.BoardIndex(), 0);
-}
-
-TEST_F(CKespIEEETest, AnyOtherBoardIndex_IsRefused) {
-  for (const std::int16_t value : {std::int16_t{1}, std::int16_t{-1}, kLowest16, kHighest16}) {
-    ExpectRefused(&CKespIEEE::SetBoardIndex, value, ieee_error::ERR_INVALID_BOARD_INDEX,
-                  L"[CKespIEEE - BoardIndex]", L"Invalid board index.");
-  }
-}
-
-TEST_F(CKespIEEETest, EveryTimeOutCode_IsStored) {
-  for (std::int32_t value = 0; value <= 17; ++value) {
-    ieee_.SetTimeOutSecs(static_cast<ETimeOutSecs>(value));
-    EXPECT_EQ(static_cast<std::int32_t>(ieee_.TimeOutSecs()), value);
-  }
-}
-
-TEST_F(CKespIEEETest, TimeOutCodeWithoutName_IsStored) {
-  for (const std::int32_t value : {-1, 18, std::numeric_limits<std::int32_t>::max()}) {
+TEST_F(CKespIEEETest, AnyTimeOutCode_IsStored) {
+  for (const std::int32_t value : {-1, 0, 11, 17, 18, std::numeric_limits<std::int32_t>::max()}) {
     ieee_.SetTimeOutSecs(static_cast<ETimeOutSecs>(value));
     EXPECT_EQ(static_cast<std::int32_t>(ieee_.TimeOutSecs()), value);
   }
@@ -158,18 +126,13 @@ TEST_F(CKespIEEETest, PlainSwitches_AreStored) {
   }
 }
 
-TEST_F(CKespIEEETest, AnyEOSChar_IsStored) {
-  for (const std::wstring& value : {std::wstring(L"10"), std::wstring(L"\n"), std::wstring(L"no number"),
-                                    std::wstring(L"1\0", 2), std::wstring()}) {
-    ieee_.SetEOSChar(value);
-    EXPECT_EQ(ieee_.EOSChar(), value);
-  }
-}
-
-TEST_F(CKespIEEETest, AnyLogFilename_IsStored) {
-  for (const std::wstring& name : {std::wstring(LR"(C:\logs\bus.log)"), std::wstring()}) {
-    ieee_.SetLogFilename(name);
-    EXPECT_EQ(ieee_.LogFilename(), name);
+TEST_F(CKespIEEETest, AnyText_IsStored) {
+  for (const std::wstring& value :
+       {std::wstring(LR"(C:\logs\bus.log)"), std::wstring(L"1\0", 2), std::wstring()}) {
+    ieee_.SetEOSChar(value + L"10");
+    ieee_.SetLogFilename(value);
+    EXPECT_EQ(ieee_.EOSChar(), value + L"10");
+    EXPECT_EQ(ieee_.LogFilename(), value);
   }
 }
 
