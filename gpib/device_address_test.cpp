@@ -12,25 +12,19 @@ namespace {
 
 TEST(DeviceAddressTest, FirstPartThatIsTooLow_IsRefusedBehindTheLinesOfItsCheck) {
   struct Example {
-    DeviceAddress address;
+    DeviceAddress address;  // board, primary, secondary
     std::int32_t number;
     const wchar_t* description;
     std::size_t checks;
   };
+  const Example examples[] = {
+      {{0, 1, 0}, 0, L"", 3},
+      {{-1, 0, -1}, ieee_error::ERR_INVALID_BOARD_INDEX, L"Invalid board index.", 1},
+      {{0, 0, -1}, ieee_error::ERR_INVALID_PRIMARY_ADDRESS, L"Invalid primary address.", 2},
+      {{0, 1, -1}, ieee_error::ERR_INVALID_SECONDARY_ADDRESS, L"Invalid secondary address.", 3},
+  };
   const Lines checks{L"Check Board Index...", L"Check Primary Address...", L"Check Secondary Address..."};
-  for (const Example& example : {Example{{.board = 0, .primary = 1, .secondary = 0}, 0, L"", 3},
-                                 Example{{.board = -1, .primary = 0, .secondary = -1},
-                                         ieee_error::ERR_INVALID_BOARD_INDEX,
-                                         L"Invalid board index.",
-                                         1},
-                                 Example{{.board = 0, .primary = 0, .secondary = -1},
-                                         ieee_error::ERR_INVALID_PRIMARY_ADDRESS,
-                                         L"Invalid primary address.",
-                                         2},
-                                 Example{{.board = 0, .primary = 1, .secondary = -1},
-                                         ieee_error::ERR_INVALID_SECONDARY_ADDRESS,
-                                         L"Invalid secondary address.",
-                                         3}}) {
+  for (const Example& example : examples) {
     SCOPED_TRACE(example.number);
     Lines logged;
     const Raised raised = RaisedBy([&] {

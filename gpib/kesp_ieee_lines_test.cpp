@@ -78,6 +78,8 @@ TEST_F(CKespIEEELinesTest, WriteLineAndReadLine_DriverMissing_HaveTheirOwnSource
   EXPECT_EQ(RaisedBy([&] { fresh.ReadLine(result_); }),
             (Raised{53, L"[CKespIEEE - ReadLine()]", description}));
   EXPECT_EQ(result_, L"kept");
+  fresh.SetEOSChar(L"LF");
+  EXPECT_EQ(RaisedBy([&] { fresh.WriteLine(L"t"); }).number, 13) << "which is looked at first";
 }
 
 TEST_F(CKespIEEELinesTest, ReadLine_ReadsIntoFiftyBlanks) {

@@ -16,8 +16,8 @@
 namespace kesp {
 namespace {
 
-constexpr std::int16_t kLowest16 = std::numeric_limits<std::int16_t>::min();
-constexpr std::int16_t kHighest16 = std::numeric_limits<std::int16_t>::max();
+constexpr int kLowest16 = std::numeric_limits<std::int16_t>::min();
+constexpr int kHighest16 = std::numeric_limits<std::int16_t>::max();
 
 // Every setting of the object, to show what a call changed and what it left.
 auto Settings(const CKespIEEE& ieee) {
@@ -28,6 +28,21 @@ auto Settings(const CKespIEEE& ieee) {
 
 class CKespIEEETest : public testing::Test {
  protected:
+  // Expects that values from lowest to highest are stored, and that others are refused and change no setting.
+  void ExpectRange(std::int16_t (CKespIEEE::*get)() const, void (CKespIEEE::*set)(std::int16_t), int lowest,
+                   int highest, const Raised& refusal) {
+    const auto put = [&](int value) { (ieee_.*set)(static_cast<std::int16_t>(value)); };
+    for (int value = lowest; value <= highest; ++value) {
+      put(value);
+      EXPECT_EQ((ieee_.*get)(), value);
+    }
+    const auto before = Settings(ieee_);
+    for (const int value : {kLowest16, lowest - 1, highest + 1, 96, kHighest16}) {
+      EXPECT_EQ(RaisedBy([&] { put(value); }), refusal) << value;
+      EXPECT_TRUE(Settings(ieee_) == before) << value;
+    }
+  }
+
   EnvironmentFake environment_;
   GpibDriverFake bus_;
   GpibThreadsFake threads_;
@@ -60,42 +75,14 @@ TEST_F(CKespIEEETest, CreatedWithoutGuid_KeyIsK) {
 }
 
 TEST_F(CKespIEEETest, Addresses_AreStoredInTheirRangeAndRefusedBeyondIt) {
-  struct Example {
-    std::int16_t (CKespIEEE::*get)() const;
-    void (CKespIEEE::*set)(std::int16_t);
-    std::int16_t lowest;
-    std::int16_t highest;
-    Raised refusal;
-  };
-  for (const Example& example : {Example{&CKespIEEE::PrimaryAddress,
-                                         &CKespIEEE::SetPrimaryAddress,
-                                         1,
-                                         30,
-                                         {ieee_error::ERR_INVALID_PRIMARY_ADDRESS,
-                                          L"[CKespIEEE - PrimaryAddress]", L"Invalid primary address."}},
-                                 Example{&CKespIEEE::SecondaryAddress,
-                                         &CKespIEEE::SetSecondaryAddress,
-                                         0,
-                                         30,
-                                         {ieee_error::ERR_INVALID_SECONDARY_ADDRESS,
-                                          L"[CKespIEEE - SecondaryAddress]", L"Invalid secondary address."}},
-                                 Example{&CKespIEEE::BoardIndex,
-                                         &CKespIEEE::SetBoardIndex,
-                                         0,
-                                         0,
-                                         {ieee_error::ERR_INVALID_BOARD_INDEX, L"[CKespIEEE - BoardIndex]",
-                                          L"Invalid board index."}}}) {
-    for (std::int16_t value = example.lowest; value <= example.highest; ++value) {
-      (ieee_.*example.set)(value);
-      EXPECT_EQ((ieee_.*example.get)(), value);
-    }
-    const auto before = Settings(ieee_);
-    for (const int value : {int{kLowest16}, example.lowest - 1, example.highest + 1, 96, int{kHighest16}}) {
-      EXPECT_EQ(RaisedBy([&] { (ieee_.*example.set)(static_cast<std::int16_t>(value)); }), example.refusal)
-          << value;
-      EXPECT_TRUE(Settings(ieee_) == before) << value;
-    }
-  }
+  ExpectRange(&CKespIEEE::PrimaryAddress, &CKespIEEE::SetPrimaryAddress, 1, 30,
+              {ieee_error::ERR_INVALID_PRIMARY_ADDRESS, L"[CKespIEEE - PrimaryAddress]",
+               L"Invalid primary address."});
+  ExpectRange(&CKespIEEE::SecondaryAddress, &CKespIEEE::SetSecondaryAddress, 0, 30,
+              {ieee_error::ERR_INVALID_SECONDARY_ADDRESS, L"[CKespIEEE - SecondaryAddress]",
+               L"Invalid secondary address."});
+  ExpectRange(&CKespIEEE::BoardIndex, &CKespIEEE::SetBoardIndex, 0, 0,
+              {ieee_error::ERR_INVALID_BOARD_INDEX, L"[CKespIEEE - BoardIndex]", L"Invalid board index."});
 }
 
 TEST_F(CKespIEEETest, AnyTimeOutCode_IsStored) {
