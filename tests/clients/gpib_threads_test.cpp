@@ -1,6 +1,6 @@
 // Threads that talk to devices: what they leave when they end, and that none sees what another one's calls
 // came to.
-#include <atomic>
+#include <algorithm>
 #include <thread>
 
 #include "tests/clients/gpib_fixture.h"
@@ -20,8 +20,12 @@ class GpibThreadsTest : public GpibFixture {
     IeeeClient ieee;
     EXPECT_EQ(ieee.Initialize(), kDone);
   }
+  // Until a thread has opened its device.
   void AwaitAnOpening() {
-    EXPECT_TRUE(PumpUntil([&] { return !driver_.Calls().empty(); }));
+    EXPECT_TRUE(PumpUntil([&] {
+      const CallLines calls = driver_.Calls();
+      return std::find(calls.begin(), calls.end(), "ibeos(1,1073)") != calls.end();
+    }));
   }
   // Expects that the thread which opened a device has closed it and was then unregistered.
   void AwaitItsEnd() {
@@ -71,23 +75,24 @@ TEST_F(GpibThreadsTest, ManyExchangesAtOnce_NeitherSeesTheOthersOutcome) {
   refused.join();
 }
 
-// A wait of the driver on one thread holds up no other.
+// A wait of the driver on one thread holds up no other: what that one sends brings the reply that is waited
+// for.
 TEST_F(GpibThreadsTest, OneWaits_TheOtherGoesOn) {
-  std::atomic<bool> is_over = false;
-  std::thread waiting([&] {
+  std::thread waiting([] {
     const Apartment apartment;
     IeeeClient ieee;
-    ieee.Set(&_CKespIEEE::put_TimeOutSecs, to3s);
+    ieee.Set(&_CKespIEEE::put_TimeOutSecs, to30s);
     EXPECT_EQ(ieee.Initialize(), kDone);
-    EXPECT_EQ(ieee.ReadLine().result, ERR_IBRD);
-    is_over = true;
+    EXPECT_EQ(ieee.ReadLine(), kDone);
+    EXPECT_EQ(ieee.reply.str(), kIdentity);
   });
   AwaitAnOpening();
   RunElsewhere(COINIT_APARTMENTTHREADED, [] {
     IeeeClient ieee;
-    EXPECT_EQ(ieee.Converse(L"*IDN?"), kDone);
+    ieee.Set(&_CKespIEEE::put_ClearDevice, VARIANT_FALSE);
+    EXPECT_EQ(ieee.Initialize(), kDone);
+    EXPECT_EQ(ieee.WriteLine(L"*IDN?"), kDone);
   });
-  EXPECT_FALSE(is_over) << driver_.RecordText();
   waiting.join();
 }
 

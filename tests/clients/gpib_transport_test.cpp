@@ -2,6 +2,7 @@
 #include <chrono>
 
 #include "tests/clients/gpib_fixture.h"
+#include "tests/clients/temporary_file.h"
 
 namespace kesp::clients {
 namespace {
@@ -25,8 +26,11 @@ TEST_F(GpibTransportTest, Conversation_WholeRecordOfTheDriver) {
                        "1 UnregisterGpibGlobalsForThread() = 0"}));
 }
 
-TEST_F(GpibTransportTest, Settings_AreKeptAndReachTheDriver) {
+TEST_F(GpibTransportTest, Settings_AreKeptAndReachTheDriverAndTheLog) {
+  const TemporaryFile log;
   Run(Bus(), [&](IeeeClient& ieee) {
+    ieee.Set(&_CKespIEEE::put_LogFilename, log.path().c_str());
+    ieee.Set(&_CKespIEEE::put_CreateLogFile, VARIANT_TRUE);
     ieee.Set(&_CKespIEEE::put_ClearDevice, VARIANT_FALSE);
     ieee.Set(&_CKespIEEE::put_TimeOutSecs, to100s);
     ieee.Set(&_CKespIEEE::put_PrimaryAddress, 7);
@@ -43,6 +47,10 @@ TEST_F(GpibTransportTest, Settings_AreKeptAndReachTheDriver) {
   });
   EXPECT_EQ(driver_.Calls(), (CallLines{"ibdev(0,7,9,15,1,0)", "ibeos(1,1073)", R"(ibwrt(1,"*IDN?\r",6))",
                                         "ibrd(1,[50 blanks],50)", "ibonl(1,0)", "ibonl(0,0)"}));
+  EXPECT_EQ(log.Messages(),
+            (Lines{L"Initialize()", L"Check Board Index...", L"Check Primary Address...",
+                   L"Check Secondary Address...", L"Init Board...", L"InitializeIEEEBoard()...", L"ibdev()",
+                   L"ibeos()", L"InitializeIEEEBoard() Done...", L"Initialize() Done..."}));
 }
 
 TEST_F(GpibTransportTest, Bytes_AreCharactersOfTheCodePageInBothDirections) {
@@ -50,6 +58,7 @@ TEST_F(GpibTransportTest, Bytes_AreCharactersOfTheCodePageInBothDirections) {
   Run(Bus(), [&](IeeeClient& ieee) {
     ieee.Set(&_CKespIEEE::put_SetEOS, VARIANT_FALSE);
     EXPECT_EQ(ieee.Converse(L"BYTES?"), kDone);
+    EXPECT_EQ(driver_.Calls()[2], R"(ibwrt(1,"BYTES?\n",7))") << "SetEOS off: no ibeos before it";
     EXPECT_EQ(ieee.reply.str(), std::wstring(L"\0\x20AC\xE9\xFF\n", 5));
     EXPECT_EQ(ieee.Initialize(), kDone);
     EXPECT_EQ(ieee.WriteLine(std::wstring(L"\0\x20AC\xE9\x4E2D", 4)), kDone);

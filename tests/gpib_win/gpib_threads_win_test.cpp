@@ -34,24 +34,21 @@ void MarkAsRegistered(GpibThread& thread, int(KESP_GPIB_CALL* unregister)() = &U
   thread.entry_points = &table;
 }
 
-class GpibThreadsWinTest : public testing::Test {
+class GpibThreadDataTest : public testing::Test {
  protected:
-  GpibThreadsWinTest() { unregistered.clear(); }
+  GpibThreadDataTest() { unregistered.clear(); }
 
   GpibThreadsWin threads_;
 };
 
-TEST_F(GpibThreadsWinTest, SameThread_KeepsItsData) {
-  EXPECT_EQ(&threads_.Current(), &threads_.Current());
-}
-
-TEST_F(GpibThreadsWinTest, OtherThread_HasDataOfItsOwn) {
+TEST_F(GpibThreadDataTest, EachThread_HasDataOfItsOwnAndKeepsIt) {
   GpibThread* other = nullptr;
   std::thread([&] { other = &threads_.Current(); }).join();
   EXPECT_NE(other, &threads_.Current());
+  EXPECT_EQ(&threads_.Current(), &threads_.Current());
 }
 
-TEST_F(GpibThreadsWinTest, RegisteredThreadEnds_IsUnregisteredOnIt) {
+TEST_F(GpibThreadDataTest, RegisteredThreadEnds_IsUnregisteredOnIt) {
   DWORD id = 0;
   std::thread([&] {
     id = GetCurrentThreadId();
@@ -60,7 +57,7 @@ TEST_F(GpibThreadsWinTest, RegisteredThreadEnds_IsUnregisteredOnIt) {
   EXPECT_EQ(unregistered, (std::vector{id}));
 }
 
-TEST_F(GpibThreadsWinTest, ThreadThatIsNotRegisteredEnds_DriverIsNotCalled) {
+TEST_F(GpibThreadDataTest, ThreadThatIsNotRegisteredEnds_DriverIsNotCalled) {
   std::thread([&] { threads_.Current(); }).join();
   EXPECT_TRUE(unregistered.empty());
 }
@@ -86,7 +83,7 @@ void OnNewFiber(void* own, const std::function<void()>& work) {
   DeleteFiber(fiber);
 }
 
-TEST_F(GpibThreadsWinTest, SecondFiber_SharesTheThreadsData) {
+TEST_F(GpibThreadDataTest, SecondFiber_SharesTheThreadsData) {
   GpibThread* first = nullptr;
   GpibThread* second = nullptr;
   std::thread([&] {
@@ -101,7 +98,7 @@ TEST_F(GpibThreadsWinTest, SecondFiber_SharesTheThreadsData) {
   EXPECT_EQ(unregistered.size(), 1u);
 }
 
-TEST_F(GpibThreadsWinTest, FiberThatBroughtTheDataIsDeleted_ThreadIsUnregisteredAndBeginsAnew) {
+TEST_F(GpibThreadDataTest, FiberThatBroughtTheDataIsDeleted_ThreadIsUnregisteredAndBeginsAnew) {
   bool was_registered = true;
   std::thread([&] {
     void* own = ConvertThreadToFiber(nullptr);
@@ -115,11 +112,11 @@ TEST_F(GpibThreadsWinTest, FiberThatBroughtTheDataIsDeleted_ThreadIsUnregistered
 }
 
 // Not a test: what the program does that ProcessEnds_... starts.
-TEST_F(GpibThreadsWinTest, DISABLED_EndRegistered) {
+TEST_F(GpibThreadDataTest, DISABLED_EndRegistered) {
   MarkAsRegistered(threads_.Current(), &NeverReturn);
 }
 
-TEST_F(GpibThreadsWinTest, ProcessEndsOnARegisteredThread_DoesNotWaitForTheDriver) {
+TEST_F(GpibThreadDataTest, ProcessEndsOnARegisteredThread_DoesNotWaitForTheDriver) {
   std::array<wchar_t, 32768> path{};
   GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
   std::wstring command = L"\"" + std::wstring(path.data()) +
