@@ -74,13 +74,14 @@ void WINAPI RunFiber(void* parameter) {
   SwitchToFiber(task->back);
 }
 
-// Runs the work on a new fiber of this thread, whose present fiber is `own`, and deletes the fiber.
-void OnNewFiber(void* own, const std::function<void()>& work) {
+// Runs the work on a new fiber of this thread, whose present fiber is `own`. The fiber is the caller's to
+// delete.
+void* RunOnNewFiber(void* own, const std::function<void()>& work) {
   FiberTask task{work, own};
   void* fiber = CreateFiber(0, &RunFiber, &task);
-  ASSERT_NE(fiber, nullptr);
+  EXPECT_NE(fiber, nullptr);
   SwitchToFiber(fiber);
-  DeleteFiber(fiber);
+  return fiber;
 }
 
 TEST_F(GpibThreadDataTest, SecondFiber_SharesTheThreadsData) {
@@ -90,7 +91,7 @@ TEST_F(GpibThreadDataTest, SecondFiber_SharesTheThreadsData) {
     void* own = ConvertThreadToFiber(nullptr);
     first = &threads_.Current();
     MarkAsRegistered(*first);
-    OnNewFiber(own, [&] { second = &threads_.Current(); });
+    DeleteFiber(RunOnNewFiber(own, [&] { second = &threads_.Current(); }));
     EXPECT_TRUE(unregistered.empty());
     ConvertFiberToThread();
   }).join();
@@ -102,13 +103,25 @@ TEST_F(GpibThreadDataTest, FiberThatBroughtTheDataIsDeleted_ThreadIsUnregistered
   bool was_registered = true;
   std::thread([&] {
     void* own = ConvertThreadToFiber(nullptr);
-    OnNewFiber(own, [&] { MarkAsRegistered(threads_.Current()); });
+    DeleteFiber(RunOnNewFiber(own, [&] { MarkAsRegistered(threads_.Current()); }));
     EXPECT_EQ(unregistered.size(), 1u);
     was_registered = threads_.Current().registered;
     ConvertFiberToThread();
   }).join();
   EXPECT_FALSE(was_registered);
   EXPECT_EQ(unregistered.size(), 1u);
+}
+
+// The driver can still write into the data of the thread that goes on.
+TEST_F(GpibThreadDataTest, FiberThatBroughtTheDataIsDeletedElsewhere_DataStays) {
+  std::thread([&] {
+    void* own = ConvertThreadToFiber(nullptr);
+    void* fiber = RunOnNewFiber(own, [&] { MarkAsRegistered(threads_.Current()); });
+    std::thread([&] { DeleteFiber(fiber); }).join();
+    EXPECT_TRUE(unregistered.empty());
+    EXPECT_TRUE(threads_.Current().registered);
+    ConvertFiberToThread();
+  }).join();
 }
 
 // Not a test: what the program does that ProcessEnds_... starts.
