@@ -31,7 +31,7 @@ class GpibDriverTest : public testing::Test {
     Call();
     bus_.GiveCellsToTheHost();
   }
-  static void ExpectNoCall(const GpibStatus& status) {
+  static void ExpectUnknownFailure(const GpibStatus& status) {
     EXPECT_TRUE(status.Failed());
     EXPECT_EQ(status.ibsta, -32768);
     EXPECT_EQ(status.ErrorText(), L"Error: 0 - System error");
@@ -143,7 +143,7 @@ TEST_F(GpibDriverTest, HostRegisteredCellsOfItsOwn_OfIbdevTheDescriptorIsTheStat
   EXPECT_FALSE(device.status.Failed());
   CallAndLoseTheCells();
   bus_.answers["ibdev"] = [] { return GpibOutcome::Failure(7); };
-  EXPECT_EQ(driver_.ibdev(0, 5, 0, 11).status.ErrorText(), L"Error: 0 - System error");
+  ExpectUnknownFailure(driver_.ibdev(0, 5, 0, 11).status);
 }
 
 TEST_F(GpibDriverTest, HostRegisteredCellsOfItsOwn_ReadWithoutACountFails_NextRegistersAgain) {
@@ -151,7 +151,7 @@ TEST_F(GpibDriverTest, HostRegisteredCellsOfItsOwn_ReadWithoutACountFails_NextRe
   CallAndLoseTheCells();
   bus_.waiting = "abc";
   std::array<char, 5> buffer{};
-  ExpectNoCall(driver_.ibrd(7, buffer));
+  ExpectUnknownFailure(driver_.ibrd(7, buffer));
   bus_.waiting = "de";
   EXPECT_EQ(driver_.ibrd(7, buffer).ibcntl, 2);
   EXPECT_EQ(bus_.registrations, (Calls{"register", "register", "unregister", "register"}));
@@ -223,8 +223,8 @@ TEST_F(GpibDriverTest, RegistrationRefused_CallFailsWithoutADriverCall_NextOneTr
     bus_.registrations.clear();
     bus_.heard.clear();
     bus_.registration_results = {result, result};
-    ExpectNoCall(driver.ibclr(7));
-    ExpectNoCall(driver.ibclr(7));
+    ExpectUnknownFailure(driver.ibclr(7));
+    ExpectUnknownFailure(driver.ibclr(7));
     EXPECT_TRUE(bus_.heard.empty());
     const bool unregisters = result == 2 || result == 3;
     EXPECT_EQ(bus_.registrations, unregisters ? (Calls{"register", "unregister", "register", "unregister"})
