@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "gpib/kesp_ieee_fixture.h"
 

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <type_traits>
+#include <utility>
 
 #include "KespCommObj.h"
 #include "tests/clients/early_bound.h"
