@@ -2,7 +2,6 @@
 #include "simulator/pseudo_terminal.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -23,6 +22,17 @@ namespace {
 void Close(int& descriptor) {
   if (descriptor >= 0) ::close(descriptor);
   descriptor = -1;
+}
+
+// Whether nothing is there, or a link that an earlier run left: to nowhere, or to a terminal that somebody
+// else has by now.
+bool MayBeReplaced(const std::filesystem::path& path) {
+  std::error_code error;
+  const auto status = std::filesystem::symlink_status(path, error);
+  if (!std::filesystem::exists(status)) return true;
+  if (!std::filesystem::is_symlink(status)) return false;
+  const bool to_a_terminal = std::filesystem::read_symlink(path, error).string().rfind("/dev/pts/", 0) == 0;
+  return to_a_terminal || !std::filesystem::exists(path, error);
 }
 
 }  // namespace
@@ -59,8 +69,7 @@ void PseudoTerminal::OpenEnds() {
 }
 
 void PseudoTerminal::MakeLink() const {
-  struct stat present {};
-  if (::lstat(link_.c_str(), &present) == 0 && !S_ISLNK(present.st_mode)) Fail(EEXIST, link_);
+  if (!MayBeReplaced(link_)) Fail(EEXIST, link_);
   // A link cannot be overwritten, but it can be renamed over another one.
   const std::string fresh = link_ + ".new" + std::to_string(::getpid());
   ::unlink(fresh.c_str());

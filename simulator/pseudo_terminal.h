@@ -11,8 +11,8 @@ namespace kesp::simulator {
 // open and close that end as often as it likes without the master noticing. Used by one thread.
 class PseudoTerminal {
  public:
-  // Replaces a link that is already at the path, in one step. Throws std::system_error when there is no
-  // pseudo-terminal to be had, the link cannot be made, or something else than a link is in its place.
+  // Replaces a link to nowhere or to another pseudo-terminal in one step. Throws std::system_error when there
+  // is no pseudo-terminal to be had, the link cannot be made, or something else is in its place.
   explicit PseudoTerminal(std::string link);
   ~PseudoTerminal();
   PseudoTerminal(const PseudoTerminal&) = delete;

@@ -109,6 +109,8 @@ void ServeWire(const Options& options) {
   asio::signal_set signals(io);
   AddEndingSignals(signals);
   signals.async_wait([&io](const asio::error_code& /*error*/, int /*signal*/) { io.stop(); });
+  // A path that cannot be used is told now, and not to the first client.
+  Making("serve " + options.serial, [&] { return PseudoTerminal(options.serial).device(); });
   Wire wire = Making("listen on " + options.bind + " port " + std::to_string(options.port),
                      [&] { return Wire(io, options.serial, options.bind, options.port); });
   // A failure of the service goes to the caller, from within the run.
