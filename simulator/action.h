@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <variant>
 #include <vector>
@@ -46,10 +47,16 @@ struct Wait {
 // Keeps everything that this list sends back, and sends it in one piece with the next thing that is sent.
 struct HoldForNext {};
 
+// On a bus: the byte with which a serial poll is answered from now on.
+struct SetStatusByte {
+  std::uint8_t value = 0;
+};
+
 // Ends the connection: kClose after everything sent has gone out, kReset with a reset and at once.
 enum class Ending { kClose, kReset };
 
-using Action = std::variant<Send, SendPieces, SendRepeated, Echo, Flood, Wait, HoldForNext, Ending>;
+using Action =
+    std::variant<Send, SendPieces, SendRepeated, Echo, Flood, Wait, HoldForNext, SetStatusByte, Ending>;
 using ActionList = std::vector<Action>;
 
 // The lists of actions that a command is answered with in turn; the first follows the last. Never without

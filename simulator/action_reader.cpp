@@ -15,6 +15,7 @@ constexpr Range kPieces{1, 1'000'000};
 constexpr Range kRandomBytes{1, std::int64_t{64} * 1024 * 1024};
 constexpr Range kRepeatedBytes{1, std::int64_t{1024} * 1024 * 1024};
 constexpr Range kSeed{0, UINT32_MAX};
+constexpr Range kStatusByte{0, 255};
 
 // The members of an action. Its name is one of them, so it is there.
 class ActionFields : public Fields {
@@ -31,9 +32,17 @@ class ActionFields : public Fields {
   }
   std::string End() { return TextOr("end", form_.reply_terminator); }
   void RequireTrue(std::string_view name) { Need(name)->RequireTrue(); }
+  // Whether there is a meaning to the action is a matter of where the device is.
   void RequireOwnLine() const {
-    if (form_.line == LineOwner::kOther)
+    if (form_.place != Place::kOwnLine)
       entry().Wrong("needs a line of the device's own, which it has not behind another one or on a bus");
+  }
+  void RequireNothingBefore() const {
+    if (form_.place == Place::kBehindAnother) entry().Wrong("would end the line of the device before it");
+  }
+  void RequireBus() const {
+    if (form_.place != Place::kBus)
+      entry().Wrong("goes with \"gpib\" only, since nothing else polls status bytes");
   }
 
  private:
@@ -83,14 +92,19 @@ Action ReadFlood(ActionFields& fields) {
   return Flood{fields.Milliseconds("flood_ms")};
 }
 
+Action ReadStatusByte(ActionFields& fields) {
+  fields.RequireBus();
+  return SetStatusByte{static_cast<std::uint8_t>(fields.Number("status_byte", kStatusByte))};
+}
+
 Action ReadClose(ActionFields& fields) {
-  fields.RequireOwnLine();
+  fields.RequireNothingBefore();
   fields.RequireTrue("close");
   return Ending::kClose;
 }
 
 Action ReadReset(ActionFields& fields) {
-  fields.RequireOwnLine();
+  fields.RequireNothingBefore();
   fields.RequireTrue("reset");
   return Ending::kReset;
 }
@@ -112,10 +126,19 @@ struct Kind {
 };
 
 constexpr Kind kKinds[] = {
-    {"send", ReadSend},     {"send_hex", ReadSendHex}, {"wait_ms", ReadWait},
-    {"split", ReadSplit},   {"trickle", ReadTrickle},  {"random", ReadRandom},
-    {"repeat", ReadRepeat}, {"flood_ms", ReadFlood},   {"close", ReadClose},
-    {"reset", ReadReset},   {"echo", ReadEcho},        {"merge_next", ReadMergeNext},
+    {"send", ReadSend},
+    {"send_hex", ReadSendHex},
+    {"wait_ms", ReadWait},
+    {"split", ReadSplit},
+    {"trickle", ReadTrickle},
+    {"random", ReadRandom},
+    {"repeat", ReadRepeat},
+    {"flood_ms", ReadFlood},
+    {"close", ReadClose},
+    {"reset", ReadReset},
+    {"echo", ReadEcho},
+    {"merge_next", ReadMergeNext},
+    {"status_byte", ReadStatusByte},
 };
 
 // A reply that is held back has no pieces, no pauses and no end of its own, and must be of bounded length.

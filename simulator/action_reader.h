@@ -6,16 +6,13 @@
 
 #include "simulator/action.h"
 #include "simulator/fields.h"
+#include "simulator/place.h"
 
 namespace kesp::simulator {
 
-// Whose line the answers go out on: a device behind another one, or on a bus, cannot close, reset or flood
-// it, nor hold replies back.
-enum class LineOwner { kDevice, kOther };
-
 struct AnswerForm {
   std::string reply_terminator = "\r";
-  LineOwner line = LineOwner::kDevice;
+  Place place = Place::kOwnLine;
 };
 
 // One action, from an object.

@@ -35,7 +35,7 @@ std::optional<gpib::CallName> ReadCallName(Fields& fields) {
   const std::optional<Entry> call = fields.Need("call");
   const std::string name = call ? call->Text() : "*";
   const std::optional<gpib::CallName> known = gpib::CallNamed(name);
-  if (!known && name != "*") call->Wrong("must be ibdev, ibclr, ibeos, ibwrt, ibrd, ibonl or *");
+  if (!known && name != "*") call->Wrong("must be ibdev, ibclr, ibeos, ibwrt, ibrd, ibonl, ibrsp or *");
   return known;
 }
 
@@ -54,8 +54,12 @@ gpib::Failure ReadFailure(const Entry& entry) {
 
 void ReadDevices(Fields& fields, gpib::BusDescription& bus) {
   for (const Entry& entry : ListOf(fields, "devices")) {
+    if (entry.Member("device")) {
+      entry.Wrong("is a device at a serial line; on a bus there are instruments only");
+      continue;
+    }
     if (entry.Is(Value::Kind::kObject) && !entry.Member("gpib")) entry.Missing("gpib");
-    Personality device = ReadPersonality(entry, LineOwner::kOther);
+    Personality device = ReadPersonality(entry, Place::kBus);
     const auto stands_there = [&device](const auto& other) { return other.address == device.address; };
     if (device.address && std::any_of(bus.devices.begin(), bus.devices.end(), stands_there))
       entry.Wrong("has the address of another device");

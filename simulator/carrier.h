@@ -1,4 +1,4 @@
-// The seam between an instrument and what carries its bytes.
+// The seam between a talk and the line that carries its bytes.
 #pragma once
 
 #include <asio/awaitable.hpp>
@@ -48,11 +48,16 @@ class Carrier {
 
   virtual asio::awaitable<void> Pause(std::chrono::milliseconds length) = 0;
 
+  // The clock by which it pauses, rounded down, so that nobody sees a moment before its time.
+  virtual std::chrono::milliseconds Now() const {
+    return std::chrono::floor<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
+  }
+
   // Ends the line. kClose: the client gets all that was sent, and then the end. kReset: at once, and the
   // client sees a fault. A serial line has one end only: its adapter is pulled.
   virtual void End(Ending ending) = 0;
 
-  // How the client has set the line; nothing where there is nothing to set, or when the line has ended.
+  // How a serial line is set; nothing for other lines, and when the line has ended.
   virtual std::optional<LineSettings> Line() const { return std::nullopt; }
 
   // What has come in and was not received yet, without waiting; only for lines that have settings.

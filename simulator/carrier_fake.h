@@ -1,4 +1,5 @@
-// A carrier that keeps a record of what is done to it, and the means to run coroutines in tests.
+// A carrier that keeps a record of what is done to it, with a clock of its own, and the means to run
+// coroutines.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -23,7 +24,6 @@ class CarrierFake : public Carrier {
   std::deque<std::string> input;
   // One entry for each call but Receive: the piece in quotes, "pause 5", "endless 10", "close", "reset".
   std::vector<std::string> record;
-  std::size_t longest_piece = 0;
   // How many more pieces can be sent before the client is gone.
   std::size_t sends_left = 1'000'000;
 
@@ -32,6 +32,8 @@ class CarrierFake : public Carrier {
   std::string rest;
   // The patience of the last Receive.
   std::chrono::milliseconds patience{0};
+  // Passes by pauses, and while nothing comes.
+  std::chrono::milliseconds now{0};
 
   std::string Opening() const override { return "connected from fake:1"; }
 
@@ -41,13 +43,13 @@ class CarrierFake : public Carrier {
     std::string piece = input.front();
     input.pop_front();
     const Arrived what = piece.empty() ? Arrived::kNothing : Arrived::kBytes;
+    if (piece.empty() && how_long != kForever) now += how_long;
     co_return Arrival{what, std::move(piece)};
   }
 
   asio::awaitable<void> Send(std::string_view bytes) override {
     if (sends_left-- == 0) throw std::system_error(std::make_error_code(std::errc::broken_pipe));
     record.push_back(Quoted(bytes));
-    longest_piece = std::max(longest_piece, bytes.size());
     co_return;
   }
 
@@ -59,8 +61,11 @@ class CarrierFake : public Carrier {
 
   asio::awaitable<void> Pause(std::chrono::milliseconds length) override {
     record.push_back("pause " + std::to_string(length.count()));
+    now += length;
     co_return;
   }
+
+  std::chrono::milliseconds Now() const override { return now; }
 
   std::optional<LineSettings> Line() const override { return line; }
   std::string Rest() override { return rest; }

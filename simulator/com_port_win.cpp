@@ -1,13 +1,9 @@
-// A COM port as the carrier of a conversation.
+// A COM port as the carrier of a talk.
 #include "simulator/com_port_win.h"
 
 #include <windows.h>
 
-#include <asio/steady_timer.hpp>
-#include <asio/write.hpp>
 #include <system_error>
-
-#include "simulator/carrier_stream.h"
 
 namespace kesp::simulator {
 namespace {
@@ -57,55 +53,23 @@ void Set(HANDLE port, const LineSettings& line) {
 
 ComPortCarrier::ComPortCarrier(asio::io_context& io, const std::string& name,
                                const std::optional<LineRule>& line)
-    : name_(name), settings_(SettingsFor(line.value_or(LineRule()))), port_(io, name), input_(kInputLength) {
-  Set(port_.native_handle(), settings_);
+    : StreamCarrier(asio::serial_port(io, name), kInputLength),
+      name_(name),
+      settings_(SettingsFor(line.value_or(LineRule()))) {
+  Set(stream_.native_handle(), settings_);
 }
 
 std::string ComPortCarrier::Opening() const {
   return "opened " + name_;
 }
 
-asio::awaitable<Arrival> ComPortCarrier::Receive(std::chrono::milliseconds patience) {
-  return ReceiveFrom(port_, input_, patience);
-}
-
-asio::awaitable<void> ComPortCarrier::Send(std::string_view bytes) {
-  co_await asio::async_write(port_, asio::buffer(bytes), asio::use_awaitable);
-}
-
-asio::awaitable<std::size_t> ComPortCarrier::SendEndlessly(std::string_view block,
-                                                           std::chrono::milliseconds length) {
-  // A client that does not read may hold up a write past the end.
-  asio::steady_timer timer(port_.get_executor(), length);
-  bool time_is_up = false;
-  timer.async_wait([this, &time_is_up](const asio::error_code& error) {
-    if (error) return;
-    time_is_up = true;
-    asio::error_code ignored;
-    port_.cancel(ignored);
-  });
-  std::size_t total = 0;
-  asio::error_code error;
-  while (!time_is_up && !error) {
-    const std::string_view rest = block.substr(total % block.size(), kInputLength);
-    total +=
-        co_await port_.async_write_some(asio::buffer(rest), asio::redirect_error(asio::use_awaitable, error));
-  }
-  co_return total;
-}
-
-asio::awaitable<void> ComPortCarrier::Pause(std::chrono::milliseconds length) {
-  asio::steady_timer timer(port_.get_executor(), length);
-  co_await timer.async_wait(asio::use_awaitable);
-}
-
 void ComPortCarrier::End(Ending /*ending*/) {
   asio::error_code ignored;  // it may be closed already
-  port_.close(ignored);
+  stream_.close(ignored);
 }
 
 std::optional<LineSettings> ComPortCarrier::Line() const {
-  if (!port_.is_open()) return std::nullopt;
+  if (!stream_.is_open()) return std::nullopt;
   return settings_;
 }
 

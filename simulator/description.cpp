@@ -45,19 +45,19 @@ Description ReadDescription(const std::string& json, const std::string& name,
   return Reading(json, name, [&folder](const Entry& entry) -> Description {
     if (IsDevice(entry)) return ReadDevice(entry, folder);
     if (IsBus(entry)) return ReadBus(entry);
-    return ReadPersonality(entry, LineOwner::kDevice);
+    return ReadPersonality(entry, Place::kOwnLine);
   });
 }
 
 Personality ReadInstrument(const std::string& json, const std::string& name) {
-  return Reading(json, name, [](const Entry& entry) { return ReadPersonality(entry, LineOwner::kDevice); });
+  return Reading(json, name, [](const Entry& entry) { return ReadPersonality(entry, Place::kOwnLine); });
 }
 
 gpib::BusDescription ReadBus(const std::string& json, const std::string& name) {
   return Reading(json, name, [](const Entry& entry) {
     if (!entry.Member("gpib")) return ReadBus(entry);
     gpib::BusDescription bus;
-    bus.devices.push_back(ReadPersonality(entry, LineOwner::kOther));
+    bus.devices.push_back(ReadPersonality(entry, Place::kBus));
     return bus;
   });
 }

@@ -5,16 +5,16 @@
 #include <unistd.h>
 
 #include <fstream>
-#include <variant>
+#include <tuple>
 
 #include "simulator/description_error.h"
+#include "simulator/device_scenes.h"
 #include "simulator/examples.h"
 
 namespace kesp::simulator {
 namespace {
 
 namespace fs = std::filesystem;
-using std::chrono::milliseconds;
 
 std::string MistakesIn(const std::string& json, const fs::path& folder = {}) {
   try {
@@ -34,10 +34,13 @@ TEST(Description, EachMistake_IsToldWithItsPlace) {
   const std::string bytes = "may only hold characters from \\u0000 to \\u00FF (one byte each)";
   const std::string answer = "must be a text, null, a list of actions, or {\"cycle\": [...]} of these";
   const std::string kinds =
-      "(send, send_hex, wait_ms, split, trickle, random, repeat, flood_ms, close, reset, echo, merge_next)";
+      "(send, send_hex, wait_ms, split, trickle, random, repeat, flood_ms, close, reset, echo, merge_next, "
+      "status_byte)";
   const std::string datagram =
       "is not an action of discovery (send, send_hex, random, repeat, storm, wait_ms)";
   const std::string own = "needs a line of the device's own, which it has not behind another one or on a bus";
+  const std::string behind = R"({"device": "radio_modem", "behind": {"1": {"default": [{)";
+  const std::string poll = "goes with \"gpib\" only, since nothing else polls status bytes";
   const auto whole = [](const std::string& from, const std::string& to) {
     return "must be a whole number from " + from + " to " + to;
   };
@@ -112,8 +115,21 @@ TEST(Description, EachMistake_IsToldWithItsPlace) {
        "/registers/DL: must be a hexadecimal number of at most 8 digits"},
       {R"({"device": "radio_modem", "behind": {}, "answers": "some"})",
        "/answers: must be \"whole\", \"none\", \"half_ok\" or \"no_cr\""},
-      {R"({"device": "radio_modem", "behind": {"1": {"commands": {"A": [{"reset": true}]}}}})",
-       "/behind/1/commands/A/0: " + own},
+      {behind + R"("reset": true}]}}})", "/behind/1/default/0: would end the line of the device before it"},
+      {behind + R"("close": true}]}}})", "/behind/1/default/0: would end the line of the device before it"},
+      {behind + R"("flood_ms": 1}]}}})", "/behind/1/default/0: " + own},
+      {behind + R"("merge_next": true}]}}})", "/behind/1/default/0: " + own},
+      {behind + R"("status_byte": 1}]}}})", "/behind/1/default/0: " + poll},
+      {action(R"("status_byte": 1)"), "/default/0: " + poll},
+      {device(R"("default": [{"status_byte": 256}])"),
+       "/devices/0/default/0/status_byte: " + whole("0", "255")},
+      {device(R"("default": [{"merge_next": true}])"), "/devices/0/default/0: " + own},
+      {R"({"gpib": {"primary": 5}, "default": [{"flood_ms": 1}]})", "/default/0: " + own},
+      {R"({"end": false})", "/end: goes with \"gpib\" only"},
+      {R"({"delay_ms": 1})", "/delay_ms: goes with \"gpib\" only"},
+      {R"({"keeps_replies": true})", "/keeps_replies: goes with \"gpib\" only"},
+      {R"({"devices": [{"device": "omega", "address": "1", "values": {}}]})",
+       "/devices/0: is a device at a serial line; on a bus there are instruments only"},
       {R"({"device": "port_switch", "model": 5, "ports": {}})", "/model: must be 4, 6 or 8"},
       {R"({"device": "port_switch", "model": 4, "ports": {"ABC": {}}})",
        "/ports/ABC: must have a name of one or two characters"},
@@ -136,7 +152,7 @@ TEST(Description, EachMistake_IsToldWithItsPlace) {
       {device(R"("default": [{"flood_ms": 1}])"), "/devices/0/default/0: " + own},
       {R"({"failures": [{}]})", "/failures/0/call: is missing"},
       {R"({"failures": [{"call": "ibwait"}]})",
-       "/failures/0/call: must be ibdev, ibclr, ibeos, ibwrt, ibrd, ibonl or *"},
+       "/failures/0/call: must be ibdev, ibclr, ibeos, ibwrt, ibrd, ibonl, ibrsp or *"},
       {R"({"failures": [{"call": "*", "at": 0}]})", "/failures/0/at: " + whole("1", "2147483647")},
       {R"({"registration": [-1]})", "/registration/0: " + whole("0", "2147483647")},
       {R"({"record": null})", "/record: must be true or false"},
@@ -196,145 +212,80 @@ TEST_F(DescriptionFiles, MistakesInFilesThatOthersName_AreToldWithTheirNames) {
           "d:1: /ports/B: names a device; write it here instead");
 }
 
-TEST_F(DescriptionFiles, MissingFileAndFolder_AreToldWithTheirNames) {
-  for (const std::string& name : {std::string("/nowhere/at-all.json"), folder_.string()}) {
-    try {
-      LoadDescription(name);
-      ADD_FAILURE() << name << " was read";
-    } catch (const DescriptionError& error) {
-      EXPECT_EQ(error.what(), name + ": cannot be read");
-    }
-  }
-}
-
-std::string FirstBytes(const Answer& answer) {
-  return std::get<Send>(answer.turns.at(0).at(0)).bytes;
-}
-
-TEST(Description, Instrument_IsRead) {
-  const Personality empty = ReadInstrument("{}");
-  EXPECT_EQ(empty.terminator, "\r");
-  EXPECT_TRUE(empty.commands.empty());
-  EXPECT_EQ(std::get<Datagram>(empty.discovery.turns.at(0).at(0)).bytes.size(), 30U);
-  const Personality personality = ReadInstrument(R"({
-    "description": ["what", "it is"], "terminator": "\n", "reply_terminator": "\r\n", "on_connect": "hello",
-    "commands": {"A?": [{"send": "1"}], "SET *": "ok\u0081", "": "empty", "\u00B5?": null},
-    "default_query": "what?", "default": "what!", "discovery": [{"send": "here"}],
-    "line": {"baud": 19200, "parity": "M", "data_bits": 7, "stop_bits": 2}})");
-  EXPECT_EQ(personality.terminator, "\n");
-  EXPECT_EQ(FirstBytes(personality.on_connect), "hello\r\n");
-  EXPECT_EQ(FirstBytes(personality.commands.at("A?")), "1\r\n");
-  EXPECT_EQ(FirstBytes(personality.commands.at("")), "empty\r\n");
-  EXPECT_EQ(FirstBytes(personality.prefixes.at("SET ")), "ok\x81\r\n");
-  EXPECT_TRUE(personality.commands.at("\xB5?").turns.at(0).empty());
-  EXPECT_EQ(FirstBytes(personality.unknown_query), "what?\r\n");
-  EXPECT_EQ(FirstBytes(personality.unknown), "what!\r\n");
-  EXPECT_EQ(std::get<Datagram>(personality.discovery.turns.at(0).at(0)).bytes, "here");
+// A description that is read in all its parts is played in played_device_test.cpp and its like.
+TEST(Description, LineAndBus_AreRead) {
+  const Personality personality =
+      ReadInstrument(R"({"line": {"baud": 19200, "parity": "M", "data_bits": 7, "stop_bits": 2}})");
   EXPECT_EQ(TextOf(personality.line.value()), "19200,M,7,2");
-  EXPECT_EQ(FirstBytes(ReadInstrument(R"({"default": "x"})").unknown_query), "x\r");
-  EXPECT_EQ(FirstBytes(ReadInstrument(R"({"reply_terminator": "", "default": "x"})").unknown), "x");
-}
-
-template <typename Kind>
-Kind Only(const std::string& action) {
-  return std::get<Kind>(ReadInstrument(R"({"default": [)" + action + "]}").unknown.turns.at(0).at(0));
-}
-
-TEST(Description, Actions_AreRead) {
-  EXPECT_EQ(Only<Send>(R"({"send": "half", "end": ""})").bytes, "half");
-  EXPECT_EQ(Only<Send>(R"({"send_hex": "00 FF 41"})").bytes, std::string("\0\xFF\x41", 3));
-  const auto split = Only<SendPieces>(R"({"split": "ABC", "pieces": 2, "gap_ms": 30})");
-  EXPECT_EQ(split.bytes, "ABC\r");
-  EXPECT_EQ(split.pieces, 2U);
-  EXPECT_EQ(split.gap, milliseconds(30));
-  EXPECT_EQ(Only<SendPieces>(R"({"trickle": "ABC", "gap_ms": 7})").pieces, 4U);
-  EXPECT_EQ(Only<SendPieces>(R"({"trickle": "", "gap_ms": 0, "end": ""})").pieces, 1U);
-  const std::string random = Only<Send>(R"({"random": 300, "seed": 7})").bytes;
-  EXPECT_EQ(random.size(), 300U);
-  EXPECT_EQ(Only<Send>(R"({"random": 300, "seed": 7})").bytes, random);
-  EXPECT_NE(Only<Send>(R"({"random": 300})").bytes, random);
-  const auto repeated = Only<SendRepeated>(R"({"repeat": "AB", "bytes": 16777216, "end": "\n"})");
-  EXPECT_EQ(repeated.pattern, "AB");
-  EXPECT_EQ(repeated.total, 16777216U);
-  EXPECT_EQ(repeated.end, "\n");
-  EXPECT_EQ(Only<Wait>(R"({"wait_ms": 1500})").length, milliseconds(1500));
-  EXPECT_EQ(Only<Flood>(R"({"flood_ms": 8000})").length, milliseconds(8000));
-  EXPECT_EQ(Only<Ending>(R"({"close": true})"), Ending::kClose);
-  EXPECT_EQ(Only<Ending>(R"({"reset": true})"), Ending::kReset);
-  EXPECT_EQ(Only<Echo>(R"({"echo": true})").end, "\r");
-  Only<HoldForNext>(R"({"merge_next": true}, {"echo": true}, {"send_hex": "00"})");
-  const Answer cycle =
-      ReadInstrument(R"({"default": {"cycle": ["1", null, [{"send": "2"}, {"close": true}]]}})").unknown;
-  ASSERT_EQ(cycle.turns.size(), 3U);
-  EXPECT_TRUE(cycle.turns[1].empty());
-  EXPECT_EQ(cycle.turns[2].size(), 2U);
-}
-
-TEST(Description, Bus_IsRead) {
-  const gpib::BusDescription bus = ReadBus(R"({"devices": [
-    {"gpib": {"primary": 30, "secondary": 126}, "terminator": "", "end": false, "delay_ms": 7,
-     "keeps_replies": true, "default": "what?"},
-    {"gpib": {"primary": 5}}],
+  const gpib::BusDescription bus = ReadBus(R"({
     "failures": [{"call": "ibonl", "at": 2, "error": 14, "status": 32767, "count": 3, "result": 40000},
                  {"description": "any", "call": "*"}],
     "secondary_offset_required": true, "record": false, "registration": [2, 0]})");
-  const Personality& first = bus.devices.at(0);
-  EXPECT_EQ(first.address, (gpib::Address{30, 30}));
-  EXPECT_EQ(first.terminator, "");
-  EXPECT_FALSE(first.end);
-  EXPECT_EQ(first.delay_ms, 7);
-  EXPECT_TRUE(first.keeps_replies);
-  EXPECT_EQ(FirstBytes(first.unknown), "what?\n");
-  EXPECT_EQ(bus.devices.at(1).terminator, "\n");
-  EXPECT_TRUE(bus.devices.at(1).end);
-  EXPECT_EQ(bus.failures.at(0).call, gpib::CallName::kOnline);
-  EXPECT_EQ(bus.failures.at(0).at, 2);
-  EXPECT_EQ(bus.failures.at(0).error, 14);
-  EXPECT_EQ(bus.failures.at(0).status, 32767);
-  EXPECT_EQ(bus.failures.at(0).count, 3);
-  EXPECT_EQ(bus.failures.at(0).result, 40000);
+  const gpib::Failure& first = bus.failures.at(0);
+  EXPECT_EQ(std::tuple(first.call, first.at, first.error, first.status, first.count, first.result),
+            std::tuple(gpib::CallName::kOnline, 2, 14, 32767, 3, 40000));
   EXPECT_EQ(bus.failures.at(1).call, std::nullopt);
   EXPECT_EQ(bus.failures.at(1).at, std::nullopt);
   EXPECT_TRUE(bus.secondary_offset_required);
   EXPECT_FALSE(bus.record);
   EXPECT_EQ(bus.registration, (std::vector<std::int32_t>{2, 0}));
   EXPECT_TRUE(ReadBus("{}").devices.empty());
-  EXPECT_TRUE(ReadBus("{}").record);
+  EXPECT_EQ(ReadBus(R"({"gpib": {"primary": 30, "secondary": 126}})").devices.at(0).address,
+            (gpib::Address{30, 30}));
 }
 
-TEST_F(DescriptionFiles, Devices_HaveWhatIsBehindThemAndKeepTheirRegisters) {
+TEST_F(DescriptionFiles, FilesThatAreNamed_AreLookedForBesideTheFile) {
   Write("scale.json", R"({"commands": {"W?": "12.0"}})");
-  Write("registers", "DL=B\n");
-  const std::string json = R"({"device": "radio_modem", "guard_ms": 0, "registers": {"DL": "a"}, "behind": {
-    "A": "scale.json", "B": {"commands": {"T?": "21"}}})";
-  const auto ask = [this](const std::string& text) {
-    const Description description = ReadDescription(text, "d", folder_);
-    return std::get<std::unique_ptr<Device>>(description)->Take("W?\rT?\r", Moment(0)).bytes;
-  };
-  EXPECT_EQ(ask(json + "}"), "12.0\r");
-  EXPECT_EQ(ask(json + R"(, "nonvolatile": "registers"})"), "21\r");
-}
-
-TEST(Description, ControllerWithWrongChecks_SpoilsThoseOfItsReplies) {
-  const auto check = [](const std::string& more) {
-    const Description description = ReadDescription(
-        R"({"device": "omega", "address": "01", "values": {"PV": "0021.5"})" + more + "}", "d");
-    return std::get<std::unique_ptr<Device>>(description)
-        ->Take(
-            "\x04"
-            "0011PV\x05",
-            Moment(0))
-        .bytes.at(10);
-  };
-  EXPECT_EQ(check(""), '\x1D');
-  EXPECT_EQ(check(R"(, "check": "right")"), '\x1D');
-  EXPECT_EQ(check(R"(, "check": "wrong")"), '\x1C');
+  Write("registers", "DL=A\n");
+  Perform(*DeviceOf(ReadDescription(
+              R"({"device": "radio_modem", "behind": {"A": "scale.json"}, "nonvolatile": "registers"})", "d",
+              folder_)),
+          {{0, "W?\r", "12.0\r"}});
 }
 
 TEST(Examples, AllAreDescriptionsThatStandAlone) {
   for (const Example& example : Examples())
     EXPECT_EQ(MistakesIn(std::string(example.text), "/nowhere"), "") << example.kind;
   EXPECT_EQ(Examples().size(), 5U);
+}
+
+TEST(Examples, FilesForLines_AnswerAsTheySay) {
+  const auto perform = [](const std::string& name, const std::vector<Scene>& scenes) {
+    SCOPED_TRACE(name);
+    Perform(*DeviceOf(LoadDescription(KESP_EXAMPLES "/" + name + ".json")), scenes);
+  };
+  perform("bench-top-controller",
+          {{0, "*IDN?\r*VER\rt\rMEAS?\rMEAS?\rOUT?\rUNIT?\rSTAT?\rALARM?\rCAL?\rRANGE?\rWHAT\rWHAT?\r",
+            "KESP,BT200,SIM20417,2.3\r2.3\r+021.5\r+021.48\r+021.50\r037.2\rC\r2\r0\r"},
+           {600, "", "2024-03-11\r-040.00,"},
+           {620, "", "+180.00\rERR 02 UNKNOWN COMMAND\rERR 02 UNKNOWN COMMAND\r"},
+           {620, "SETP 25.0\r*RST\r*CLS\rLOG?\r", "+021.48\r\n+021.50\r\n+021.53\r\n"}});
+  perform(
+      "serial-controller",
+      {{0, "*IDN?\r*VER\rt\rMEAS?\rMEAS?\rX?\rX\r",
+        "KESP,SC300,SIM30118,1.4\r\n1.4\r\n+021.5\r\n+021.48\r\n+021.50\r\nERROR 113,Undefined query\r\n"}});
+  perform("redirector", {{0, "*VER\rt\r*IDN?\r", "1.1\r21.5\rKESP,RD100,S"}, {15, "", "IM40220,1.1\r"}});
+  perform("omega-controller", {{0,
+                                "\x04"
+                                "0011PV\x05\r",
+                                "\x02PV0021.5\x03\x1D\r\n"}});
+  perform("radio-modem", {{0, "MEAS?\r", "21.5\r"},
+                          {1000, "+++", ""},
+                          {1050, "ATDL1A\rATCN\r*IDN?\r", "OK\rOK\rOK\rKESP,RB20,SIM50026,1.0\r"}});
+  perform("port-switch", {{0,
+                           "\x1B\x02"
+                           "A\r*IDN?\r",
+                           "KESP,SC300,SIM30118,1.4\r\n"},
+                          {0,
+                           "\x1B\x02"
+                           "B\r*IDN?\r",
+                           "KESP,PB50,SIM60002,1.0\r"},
+                          {0,
+                           "\x1B\x02"
+                           "D\r\x04"
+                           "0022\x02SL5\x03\x29",
+                           "\x06\r\n"},
+                          {0, "\x1B\x02\x04*IDN?\r", ""}});
 }
 
 }  // namespace

@@ -39,7 +39,8 @@ fs::path PathIn(const fs::path& folder, const std::string& utf8) {
 std::unique_ptr<Device> ReadAttached(const Entry& entry, const fs::path& folder) {
   if (!entry.Is(Value::Kind::kText)) {
     if (IsDevice(entry)) return ReadDevice(entry, folder);
-    return std::make_unique<PlayedDevice>(ReadPersonality(entry, LineOwner::kOther));
+    return std::make_unique<PlayedDevice>(
+        std::make_shared<Instrument>(ReadPersonality(entry, Place::kBehindAnother)), Place::kBehindAnother);
   }
   const fs::path path = PathIn(folder, entry.Text());
   const std::string file = path.string();

@@ -20,7 +20,7 @@ bool IsDatagram(const Entry& entry) {
 
 // What is a datagram by IsDatagram is one of two actions.
 Datagram ReadDatagram(const Entry& entry) {
-  const Action action = ReadAction(entry, AnswerForm{"", LineOwner::kDevice});
+  const Action action = ReadAction(entry, AnswerForm{"", Place::kOwnLine});
   const auto* repeated = std::get_if<SendRepeated>(&action);
   const std::size_t length =
       repeated != nullptr ? repeated->total + repeated->end.size() : std::get<Send>(action).bytes.size();
@@ -58,7 +58,7 @@ Storm ReadStorm(const Entry& entry) {
 DiscoveryAction ReadDiscoveryAction(const Entry& entry) {
   if (entry.Member("storm")) return ReadStorm(entry);
   if (IsDatagram(entry)) return ReadDatagram(entry);
-  if (entry.Member("wait_ms")) return std::get<Wait>(ReadAction(entry, AnswerForm{"", LineOwner::kDevice}));
+  if (entry.Member("wait_ms")) return std::get<Wait>(ReadAction(entry, AnswerForm{"", Place::kOwnLine}));
   entry.Wrong("is not an action of discovery (send, send_hex, random, repeat, storm, wait_ms)");
   return Datagram{};
 }

@@ -11,46 +11,45 @@
 #include <vector>
 
 #include "simulator/bytes_text.h"
-#include "simulator/conversation.h"
 #include "simulator/description.h"
 #include "simulator/description_error.h"
-#include "simulator/device_talk.h"
 #include "simulator/event_log.h"
 #include "simulator/examples.h"
 #include "simulator/instrument.h"
 #include "simulator/making.h"
 #include "simulator/options.h"
 #include "simulator/platform.h"
+#include "simulator/played_device.h"
 #include "simulator/serving.h"
 #include "simulator/wire.h"
 
 namespace kesp::simulator {
 namespace {
 
+void ServeInstrument(const Options& options, Personality personality, EventLog& log) {
+  const auto instrument = std::make_shared<Instrument>(std::move(personality));
+  if (options.serial.empty()) return ServeTcp(options, instrument, log);
+  PlayedDevice device(instrument, Place::kOwnLine);
+  ServeSerial(options.serial, device, log);
+}
+
 // A device has one line and one client.
 void ServeDevice(const Options& options, Device& device, EventLog& log) {
   if (options.serial.empty())
     throw DescriptionError(options.file + ": is a device at a serial line, which goes with --serial");
-  ServeSerial(options.serial, device.Line(), [&device, &log](Carrier& carrier) {
-    return std::make_unique<DeviceTalk>(carrier, device, log, 1);
-  });
-}
-
-void ServeInstrument(const Options& options, Personality personality, EventLog& log) {
-  Instrument instrument(std::move(personality));
-  if (options.serial.empty()) return ServeTcp(options, instrument, log);
-  ServeSerial(options.serial, instrument.line(), [&instrument, &log](Carrier& carrier) {
-    return std::make_unique<Conversation>(carrier, instrument, log, 1);
-  });
+  ServeSerial(options.serial, device, log);
 }
 
 std::filesystem::path PathOf(const std::string& utf8) {
   return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
 }
 
-void Serve(const Options& options, EventLog& log) {
-  if (options.file.empty()) return ServeInstrument(options, BuiltInInstrument(), log);
-  Description description = LoadDescription(PathOf(options.file));
+Description DescriptionOf(const Options& options) {
+  if (options.file.empty()) return BuiltInInstrument();
+  return LoadDescription(PathOf(options.file));
+}
+
+void Serve(const Options& options, Description description, EventLog& log) {
   if (const auto* device = std::get_if<std::unique_ptr<Device>>(&description))
     return ServeDevice(options, **device, log);
   if (auto* personality = std::get_if<Personality>(&description))
@@ -73,7 +72,8 @@ struct KindOf {
 };
 
 void Check(const Options& options) {
-  std::cout << options.file << ": " << std::visit(KindOf(), LoadDescription(PathOf(options.file))) << "\n";
+  const Description description = LoadDescription(PathOf(options.file));
+  std::cout << options.file << ": " << std::visit(KindOf(), description) << "\n";
 }
 
 void WriteExample(const Options& options) {
@@ -90,6 +90,8 @@ void WriteExample(const Options& options) {
 }
 
 void ServeWithLog(const Options& options) {
+  // First, so that a mistake in it leaves no log behind.
+  Description description = DescriptionOf(options);
   std::vector<std::ostream*> sinks;
   if (!options.quiet) sinks.push_back(&std::cerr);
   std::ofstream log_file;
@@ -101,7 +103,7 @@ void ServeWithLog(const Options& options) {
     sinks.push_back(&log_file);
   }
   EventLog log(sinks, TimeOfDay);
-  Serve(options, log);
+  Serve(options, std::move(description), log);
 }
 
 void Do(const Options& options) {

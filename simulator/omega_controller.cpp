@@ -33,10 +33,13 @@ char BlockCheck(std::string_view bytes) {
 OmegaController::OmegaController(std::string_view address, Values values, LineRule line, Checks checks)
     : address_(Doubled(address)), line_(line), checks_(checks), values_(std::move(values)) {}
 
-Deeds OmegaController::Take(std::string_view bytes, Moment /*now*/) {
-  Deeds deeds;
-  for (const char byte : bytes) deeds.bytes += Answer(byte);
-  return deeds;
+void OmegaController::Take(std::string_view bytes, Moment /*now*/) {
+  for (const char byte : bytes) replies_ += Answer(byte);
+}
+
+std::optional<Deed> OmegaController::Next(Moment /*now*/) {
+  if (replies_.empty()) return std::nullopt;
+  return Saying(std::exchange(replies_, std::string()));
 }
 
 // The byte's meaning depends on its place: the block check may be any byte, EOT and CR included.

@@ -29,7 +29,8 @@ class OmegaController : public Device {
   // name.
   OmegaController(std::string_view address, Values values, LineRule line, Checks checks = Checks::kRight);
 
-  Deeds Take(std::string_view bytes, Moment now) override;
+  void Take(std::string_view bytes, Moment now) override;
+  std::optional<Deed> Next(Moment now) override;
   std::optional<LineRule> Line() const override { return line_; }
 
  private:
@@ -43,6 +44,8 @@ class OmegaController : public Device {
   Values values_;
   // The frame from its EOT on; empty between frames.
   std::string frame_;
+  // What it has to say.
+  std::string replies_;
 };
 
 // The block check of these bytes, which begin after STX and end with ETX.

@@ -44,6 +44,12 @@ std::optional<unsigned> Number(Fields& fields, std::string_view name, Range rang
   return static_cast<unsigned>(*number);
 }
 
+void RefuseThoseOfABus(Fields& fields) {
+  for (const char* name : {"end", "delay_ms", "keeps_replies"}) {
+    if (const std::optional<Entry> member = fields.Find(name)) member->Wrong("goes with \"gpib\" only");
+  }
+}
+
 }  // namespace
 
 LineRule ReadLineRule(const Entry& entry) {
@@ -65,7 +71,7 @@ LineRule ReadLineRule(const Entry& entry) {
   return rule;
 }
 
-Personality ReadPersonality(const Entry& entry, LineOwner line) {
+Personality ReadPersonality(const Entry& entry, Place place) {
   Fields fields(entry);
   Personality personality;
   if (const std::optional<Entry> address = fields.Find("gpib")) personality.address = ReadAddress(*address);
@@ -73,7 +79,9 @@ Personality ReadPersonality(const Entry& entry, LineOwner line) {
   personality.terminator = fields.TextOr("terminator", usual);
   const std::optional<Entry> terminator = fields.Find("terminator");
   if (terminator && terminator->IsText("") && !personality.address) terminator->Wrong("must not be empty");
-  const AnswerForm form{fields.TextOr("reply_terminator", usual), line};
+  if (personality.address && place == Place::kOwnLine) place = Place::kBus;
+  const AnswerForm form{fields.TextOr("reply_terminator", usual), place};
+  if (!personality.address) RefuseThoseOfABus(fields);
   personality.end = fields.YesOrNoOr("end", personality.end);
   personality.delay_ms = static_cast<std::int32_t>(fields.WholeOr("delay_ms", kDelayMs, 0));
   personality.keeps_replies = fields.YesOrNoOr("keeps_replies", personality.keeps_replies);

@@ -7,7 +7,8 @@
 
 namespace kesp::simulator {
 
-Personality ReadPersonality(const Entry& entry, LineOwner line);
+// An instrument with an address is one on a bus, also when it has a line of its own, too.
+Personality ReadPersonality(const Entry& entry, Place place);
 
 // The settings of an instrument's serial line.
 LineRule ReadLineRule(const Entry& entry);

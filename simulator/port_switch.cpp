@@ -18,15 +18,15 @@ constexpr std::size_t kLongestCommand = 16;
 PortSwitch::PortSwitch(PortNames names, Ports ports, std::optional<LineRule> line)
     : names_(names), line_(line), ports_(std::move(ports)), selected_(ports_.end()) {}
 
-Deeds PortSwitch::Take(std::string_view bytes, Moment now) {
-  Deeds deeds;
+void PortSwitch::Take(std::string_view bytes, Moment now) {
   // What was under way to the client when it sent these bytes.
-  for (auto port = ports_.begin(); port != ports_.end(); ++port) {
-    Deeds theirs = port->second->Take({}, now);
-    if (port == selected_) Append(deeds, std::move(theirs));
-  }
-  for (const char byte : bytes) TakeByte(byte, now, deeds);
-  return deeds;
+  Hear(now);
+  for (const char byte : bytes) TakeByte(byte, now);
+}
+
+std::optional<Deed> PortSwitch::Next(Moment now) {
+  Hear(now);
+  return TakeFirst(deeds_);
 }
 
 std::optional<Moment> PortSwitch::Due() const {
@@ -35,42 +35,51 @@ std::optional<Moment> PortSwitch::Due() const {
   return due;
 }
 
-void PortSwitch::TakeByte(char byte, Moment now, Deeds& deeds) {
-  if (command_.empty() && byte != kEscape) return PassOn({&byte, 1}, now, deeds);
+void PortSwitch::Hear(Moment now) {
+  for (auto port = ports_.begin(); port != ports_.end(); ++port) {
+    while (std::optional<Deed> deed = port->second->Next(now)) {
+      if (port != selected_) continue;
+      if (!deed->event.empty()) deed->event.insert(0, "port " + port->first + ": ");
+      deeds_.push_back(std::move(*deed));
+    }
+  }
+}
+
+void PortSwitch::TakeByte(char byte, Moment now) {
+  if (command_.empty() && byte != kEscape) return PassOn({&byte, 1}, now);
   command_ += byte;
   if (command_.size() == 1) return;
   const bool over = command_.size() > 2 && (byte == '\r' || byte == kEot);
-  if (over) return Obey(deeds);
+  if (over) return Obey();
   if (command_[1] == kStx && command_.size() <= kLongestCommand) return;
   // An escape sequence meant for the instrument.
-  PassOn(std::exchange(command_, std::string()), now, deeds);
+  PassOn(std::exchange(command_, std::string()), now);
 }
 
-void PortSwitch::Obey(Deeds& deeds) {
+void PortSwitch::Obey() {
   const std::string text = std::exchange(command_, std::string()).substr(2);
   const std::string release = names_ == PortNames::kPlain ? "\x04" : "\x02\x04";
   if (text == release) {
     selected_ = ports_.end();
-    deeds.events.emplace_back("released");
+    deeds_.push_back({"released", {}});
     return;
   }
   for (auto port = ports_.begin(); port != ports_.end(); ++port) {
     if (text != Written(port->first) + "\r") continue;
     selected_ = port;
-    deeds.events.push_back("selected " + port->first);
+    deeds_.push_back({"selected " + port->first, {}});
     return;
   }
-  deeds.events.push_back("not understood " + Quoted(text));
+  deeds_.push_back({"not understood " + Quoted(text), {}});
 }
 
-void PortSwitch::PassOn(std::string_view bytes, Moment now, Deeds& deeds) {
+void PortSwitch::PassOn(std::string_view bytes, Moment now) {
   if (selected_ == ports_.end()) {
-    deeds.events.push_back("lost " + Quoted(bytes) + ", no port is selected");
+    deeds_.push_back({"lost " + Quoted(bytes) + ", no port is selected", {}});
     return;
   }
-  Deeds theirs = selected_->second->Take(bytes, now);
-  for (std::string& event : theirs.events) event.insert(0, "port " + selected_->first + ": ");
-  Append(deeds, std::move(theirs));
+  selected_->second->Take(bytes, now);
+  Hear(now);
 }
 
 std::string PortSwitch::Written(const std::string& name) const {

@@ -25,14 +25,17 @@ class PortSwitch : public Device {
   // The ports by their names as the user knows them ("A").
   PortSwitch(PortNames names, Ports ports, std::optional<LineRule> line);
 
-  Deeds Take(std::string_view bytes, Moment now) override;
+  void Take(std::string_view bytes, Moment now) override;
+  std::optional<Deed> Next(Moment now) override;
   std::optional<Moment> Due() const override;
   std::optional<LineRule> Line() const override { return line_; }
 
  private:
-  void TakeByte(char byte, Moment now, Deeds& deeds);
-  void Obey(Deeds& deeds);
-  void PassOn(std::string_view bytes, Moment now, Deeds& deeds);
+  void TakeByte(char byte, Moment now);
+  void Obey();
+  void PassOn(std::string_view bytes, Moment now);
+  // Takes what the instruments do; what comes from a port that is not selected is lost.
+  void Hear(Moment now);
   std::string Written(const std::string& name) const;
 
   const PortNames names_;
@@ -41,6 +44,7 @@ class PortSwitch : public Device {
   Ports::iterator selected_;
   // The command from its ESC on; empty between commands.
   std::string command_;
+  std::deque<Deed> deeds_;
 };
 
 }  // namespace kesp::simulator

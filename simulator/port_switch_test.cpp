@@ -1,142 +1,62 @@
 // The port switch: selecting, releasing, and who hears whom.
 #include "simulator/port_switch.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "simulator/description.h"
-#include "simulator/played_device.h"
+#include "simulator/device_scenes.h"
 
 namespace kesp::simulator {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
+std::string SwitchOf(int model) {
+  return R"({"device": "port_switch", "model": )" + std::to_string(model) + R"(, "ports": {
+    "A": {"commands": {"N?": "first", "S?": [{"wait_ms": 50}, {"send": "slow"}]}, "on_connect": "never said"},
+    "B": {"commands": {"N?": "second"}}}})";
+}
+std::string Select(const std::string& port) {
+  return "\x1B\x02" + port + "\r";
+}
+const std::string kRelease = "\x1B\x02\x04";
 
-std::unique_ptr<Device> Named(const std::string& name) {
-  return std::make_unique<PlayedDevice>(ReadInstrument(
-      R"({"commands": {"N?": [{"send": ")" + name + R"("}], "S?": [{"wait_ms": 50}, {"send": "slow"}]}})"));
+TEST(PortSwitch, FourPorts_AreSelectedByTheirNames) {
+  Perform(SwitchOf(4), {{0, "N", "", "lost \"N\", no port is selected"},
+                        {0, Select("B") + "N?\r", "second\r", "selected B; port B: command \"N?\""},
+                        {0, Select("A") + "N?\r", "first\r"},
+                        {0, Select("C"), "", "not understood \"C\\r\""},
+                        {0, Select("0A") + "\x1B\x02\x02\x04", "",
+                         "not understood \"0A\\r\"; not understood \"\\x02\\x04\""},
+                        {0, "\x1B", ""},
+                        {0, "\x02", ""},
+                        {0, "B", ""},
+                        {0, "\r", "", "selected B"},
+                        {0, kRelease, "", "released"},
+                        {0, "N?\r", ""}});
 }
 
-PortSwitch::Ports TwoPorts() {
-  PortSwitch::Ports ports;
-  ports["A"] = Named("first");
-  ports["B"] = Named("second");
-  return ports;
-}
-
-class PortSwitchTest : public testing::Test {
- protected:
-  Deeds At(int now, std::string_view bytes = {}, PortSwitch* device = nullptr) {
-    return (device != nullptr ? *device : plain_).Take(bytes, Moment(now));
+TEST(PortSwitch, SixAndEightPorts_WriteTwoCharacters) {
+  for (const int model : {6, 8}) {
+    Perform(SwitchOf(model), {{0, Select("A"), "", "not understood \"A\\r\""},
+                              {0, Select("0A") + "N?\r", "first\r"},
+                              {0, kRelease, "", "not understood \"\\x04\""},
+                              {0, "N?\r", "first\r"},
+                              {0, "\x1B\x02\x02\x04", "", "released"}});
   }
-
-  PortSwitch plain_{PortNames::kPlain, TwoPorts(), {}};
-  PortSwitch wide_{PortNames::kTwoDigits, TwoPorts(), LineRule{}};
-};
-
-TEST_F(PortSwitchTest, Select_JoinsTheInstrument) {
-  Deeds deeds = At(0,
-                   "\x1B\x02"
-                   "B\rN?\r");
-  EXPECT_EQ(deeds.bytes, "second\r");
-  EXPECT_THAT(deeds.events, ElementsAre("selected B", "port B: command \"N?\""));
-  deeds = At(0,
-             "\x1B\x02"
-             "A\rN?\r");
-  EXPECT_EQ(deeds.bytes, "first\r");
 }
 
-TEST_F(PortSwitchTest, Release_LosesWhatComes) {
-  At(0,
-     "\x1B\x02"
-     "A\r");
-  EXPECT_THAT(At(0, "\x1B\x02\x04").events, ElementsAre("released"));
-  const Deeds deeds = At(0, "N");
-  EXPECT_EQ(deeds.bytes, "");
-  EXPECT_THAT(deeds.events, ElementsAre("lost \"N\", no port is selected"));
+TEST(PortSwitch, OtherEscapes_GoToTheInstrument) {
+  Perform(SwitchOf(4),
+          {{0, Select("A") + "\x1B[x\r", "", "selected A; port A: command \"\\x1B[x\""},
+           {0, Select("12345678901234567890"), "", "port A: command \"\\x1B\\x0212345678901234567890\""}});
 }
 
-TEST_F(PortSwitchTest, BytesOneByOne_AreTheSame) {
-  std::string reply;
-  for (const char byte : std::string("\x1B\x02"
-                                     "A\rN?\r"))
-    reply += At(0, {&byte, 1}).bytes;
-  EXPECT_EQ(reply, "first\r");
-}
-
-TEST_F(PortSwitchTest, SixAndEightPorts_WriteTwoCharacters) {
-  EXPECT_THAT(At(0,
-                 "\x1B\x02"
-                 "A\r",
-                 &wide_)
-                  .events,
-              ElementsAre("not understood \"A\\r\""));
-  EXPECT_EQ(At(0,
-               "\x1B\x02"
-               "0A\rN?\r",
-               &wide_)
-                .bytes,
-            "first\r");
-  EXPECT_THAT(At(0, "\x1B\x02\x04", &wide_).events, ElementsAre("not understood \"\\x04\""));
-  EXPECT_EQ(At(0, "N?\r", &wide_).bytes, "first\r");
-  EXPECT_THAT(At(0, "\x1B\x02\x02\x04", &wide_).events, ElementsAre("released"));
-}
-
-TEST_F(PortSwitchTest, FourPorts_DoNotKnowTheOthersCommands) {
-  EXPECT_THAT(At(0,
-                 "\x1B\x02"
-                 "0A\r")
-                  .events,
-              ElementsAre("not understood \"0A\\r\""));
-  EXPECT_THAT(At(0, "\x1B\x02\x02\x04").events, ElementsAre("not understood \"\\x02\\x04\""));
-}
-
-TEST_F(PortSwitchTest, UnknownName_ChangesNothing) {
-  At(0,
-     "\x1B\x02"
-     "A\r\x1B\x02"
-     "C\r");
-  EXPECT_EQ(At(0, "N?\r").bytes, "first\r");
-}
-
-TEST_F(PortSwitchTest, OtherEscapes_GoToTheInstrument) {
-  At(0,
-     "\x1B\x02"
-     "A\r");
-  EXPECT_THAT(At(0, "\x1B[x\r").events, ElementsAre("port A: command \"\\x1B[x\""));
-  EXPECT_THAT(At(0,
-                 "\x1B\x02"
-                 "12345678901234567890\r")
-                  .events,
-              testing::SizeIs(1));
-}
-
-TEST_F(PortSwitchTest, ReplyOfAPortThatIsNoLongerSelected_IsLost) {
-  At(0,
-     "\x1B\x02"
-     "A\rS?\r");
-  EXPECT_EQ(plain_.Due(), Moment(50));
-  At(10,
-     "\x1B\x02"
-     "B\r");
-  const Deeds deeds = At(60);
-  EXPECT_EQ(deeds.bytes, "");
-  EXPECT_THAT(deeds.events, IsEmpty());
-  EXPECT_EQ(plain_.Due(), std::nullopt);
-}
-
-TEST_F(PortSwitchTest, ReplyOfTheSelectedPort_ComesInItsTime) {
-  At(0,
-     "\x1B\x02"
-     "A\rS?\r");
-  EXPECT_EQ(At(49).bytes, "");
-  EXPECT_EQ(At(50).bytes, "slow\r");
-}
-
-TEST_F(PortSwitchTest, Line_IsAsGiven) {
-  EXPECT_FALSE(plain_.Line());
-  EXPECT_TRUE(wide_.Line());
+TEST(PortSwitch, Replies_ComeInTheirTimeFromTheSelectedPortOnly) {
+  const auto device = DeviceOf(ReadDescription(SwitchOf(4), "d"));
+  Perform(*device, {{0, Select("A") + "S?\r", ""}});
+  EXPECT_EQ(device->Due(), Moment(50));
+  Perform(*device,
+          {{49, "", ""}, {50, "", "slow\r"}, {60, "S?\r", ""}, {70, Select("B"), ""}, {120, "", ""}});
+  EXPECT_EQ(device->Due(), std::nullopt);
+  Perform(*device, {{121, Select("A"), ""}});
 }
 
 }  // namespace

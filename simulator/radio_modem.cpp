@@ -30,32 +30,35 @@ RadioModem::RadioModem(RadioModemSetup setup) : setup_(std::move(setup)) {
   setup_.registers.insert(NewModem().begin(), NewModem().end());
 }
 
-Deeds RadioModem::Take(std::string_view bytes, Moment now) {
-  Deeds deeds;
-  PassTime(now, deeds);
-  for (const char byte : bytes) TakeByte(byte, now, deeds);
-  return deeds;
+void RadioModem::Take(std::string_view bytes, Moment now) {
+  PassTime(now);
+  for (const char byte : bytes) TakeByte(byte, now);
 }
 
-void RadioModem::PassTime(Moment now, Deeds& deeds) {
-  if (command_mode_ && now >= CommandModeEnd()) LeaveCommandMode("no command in time", deeds);
-  for (const auto& [address, device] : setup_.behind) Hear(device->Take({}, now), deeds);
+std::optional<Deed> RadioModem::Next(Moment now) {
+  PassTime(now);
+  return TakeFirst(deeds_);
+}
+
+void RadioModem::PassTime(Moment now) {
+  if (command_mode_ && now >= CommandModeEnd()) LeaveCommandMode("no command in time");
+  Hear(now);
   if (pluses_ == kSequence && now >= *last_byte_ + kSilenceAfter) {
     pluses_ = 0;
     command_mode_ = true;
     last_command_ = now;
-    deeds.events.emplace_back("command mode begins");
-    Answer(kOk, deeds);
+    deeds_.push_back({"command mode begins", {}});
+    Answer(kOk);
   } else if (pluses_ > 0 && now >= *last_byte_ + setup_.guard) {
-    PassOn(std::string(std::exchange(pluses_, 0), '+'), now, deeds);
+    PassOn(std::string(std::exchange(pluses_, 0), '+'), now);
   }
 }
 
-void RadioModem::TakeByte(char byte, Moment now, Deeds& deeds) {
+void RadioModem::TakeByte(char byte, Moment now) {
   const bool silent_before = !last_byte_ || now >= *last_byte_ + setup_.guard;
   last_byte_ = now;
   if (command_mode_) {
-    TakeCommandByte(byte, now, deeds);
+    TakeCommandByte(byte, now);
     return;
   }
   const bool belongs = pluses_ == 0 ? silent_before : pluses_ < kSequence;
@@ -63,23 +66,23 @@ void RadioModem::TakeByte(char byte, Moment now, Deeds& deeds) {
     ++pluses_;
     return;
   }
-  PassOn(std::string(std::exchange(pluses_, 0), '+') + byte, now, deeds);
+  PassOn(std::string(std::exchange(pluses_, 0), '+') + byte, now);
 }
 
-void RadioModem::TakeCommandByte(char byte, Moment now, Deeds& deeds) {
+void RadioModem::TakeCommandByte(char byte, Moment now) {
   if (byte != '\r') {
     if (command_.size() < kLongestCommand) command_ += byte;
     return;
   }
   last_command_ = now;
   const std::string command = std::exchange(command_, std::string());
-  deeds.events.push_back("modem command " + Quoted(command));
+  deeds_.push_back({"modem command " + Quoted(command), {}});
   if (command == "ATCN") {
-    Answer(kOk, deeds);
-    LeaveCommandMode("as told", deeds);
+    Answer(kOk);
+    LeaveCommandMode("as told");
     return;
   }
-  Answer(Execute(command), deeds);
+  Answer(Execute(command));
 }
 
 std::string RadioModem::Execute(const std::string& command) {
@@ -101,44 +104,49 @@ std::string RadioModem::UseRegister(const std::string& name, const std::string& 
   return kOk;
 }
 
-void RadioModem::Answer(const std::string& text, Deeds& deeds) const {
+void RadioModem::Answer(const std::string& text) {
   switch (setup_.answers) {
     case ModemAnswers::kWhole:
-      deeds.bytes += text;
+      deeds_.push_back(Saying(text));
       break;
     case ModemAnswers::kNone:
       break;
     case ModemAnswers::kHalfOk:
-      deeds.bytes += text == kOk ? "O" : text;
+      deeds_.push_back(Saying(text == kOk ? "O" : text));
       break;
     case ModemAnswers::kNoCarriageReturn:
-      deeds.bytes += text.substr(0, text.size() - 1);
+      deeds_.push_back(Saying(text.substr(0, text.size() - 1)));
       break;
   }
 }
 
-void RadioModem::LeaveCommandMode(const std::string& why, Deeds& deeds) {
+void RadioModem::LeaveCommandMode(const std::string& why) {
   command_mode_ = false;
   command_.clear();
-  deeds.events.push_back("command mode ends: " + why);
-  deeds.bytes += std::exchange(held_, std::string());
+  deeds_.push_back({"command mode ends: " + why, {}});
+  for (Deed& deed : held_) deeds_.push_back(std::move(deed));
+  held_.clear();
 }
 
-void RadioModem::PassOn(const std::string& bytes, Moment now, Deeds& deeds) {
+void RadioModem::PassOn(const std::string& bytes, Moment now) {
   const std::uint32_t address = setup_.registers.at("DL");
   const auto found = setup_.behind.find(address);
   if (found == setup_.behind.end()) {
-    deeds.events.push_back("lost " + Quoted(bytes) + ", there is nothing at address " + Hexadecimal(address));
+    deeds_.push_back({"lost " + Quoted(bytes) + ", there is nothing at address " + Hexadecimal(address), {}});
     return;
   }
-  Deeds theirs = found->second->Take(bytes, now);
-  for (std::string& event : theirs.events) event.insert(0, "address " + Hexadecimal(address) + ": ");
-  Hear(std::move(theirs), deeds);
+  found->second->Take(bytes, now);
+  Hear(now);
 }
 
-void RadioModem::Hear(Deeds theirs, Deeds& deeds) {
-  if (command_mode_) held_ += std::exchange(theirs.bytes, std::string());
-  Append(deeds, std::move(theirs));
+void RadioModem::Hear(Moment now) {
+  for (const auto& [address, device] : setup_.behind) {
+    while (std::optional<Deed> deed = device->Next(now)) {
+      if (!deed->event.empty()) deed->event.insert(0, "address " + Hexadecimal(address) + ": ");
+      const bool waits = command_mode_ && deed->event.empty();
+      (waits ? held_ : deeds_).push_back(std::move(*deed));
+    }
+  }
 }
 
 Moment RadioModem::CommandModeEnd() const {

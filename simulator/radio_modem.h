@@ -37,20 +37,22 @@ class RadioModem : public Device {
  public:
   explicit RadioModem(RadioModemSetup setup);
 
-  Deeds Take(std::string_view bytes, Moment now) override;
+  void Take(std::string_view bytes, Moment now) override;
+  std::optional<Deed> Next(Moment now) override;
   std::optional<Moment> Due() const override;
   std::optional<LineRule> Line() const override { return setup_.line; }
 
  private:
-  void PassTime(Moment now, Deeds& deeds);
-  void TakeByte(char byte, Moment now, Deeds& deeds);
-  void TakeCommandByte(char byte, Moment now, Deeds& deeds);
+  void PassTime(Moment now);
+  void TakeByte(char byte, Moment now);
+  void TakeCommandByte(char byte, Moment now);
   std::string Execute(const std::string& command);
   std::string UseRegister(const std::string& name, const std::string& value);
-  void Answer(const std::string& text, Deeds& deeds) const;
-  void LeaveCommandMode(const std::string& why, Deeds& deeds);
-  void PassOn(const std::string& bytes, Moment now, Deeds& deeds);
-  void Hear(Deeds theirs, Deeds& deeds);
+  void Answer(const std::string& text);
+  void LeaveCommandMode(const std::string& why);
+  void PassOn(const std::string& bytes, Moment now);
+  // Takes what the instruments do.
+  void Hear(Moment now);
   Moment CommandModeEnd() const;
 
   RadioModemSetup setup_;
@@ -60,8 +62,9 @@ class RadioModem : public Device {
   // How many bytes of "+++" have come, and when the last byte came, if any.
   std::size_t pluses_ = 0;
   std::optional<Moment> last_byte_;
+  std::deque<Deed> deeds_;
   // What instruments sent during command mode.
-  std::string held_;
+  std::deque<Deed> held_;
 };
 
 }  // namespace kesp::simulator

@@ -1,164 +1,119 @@
 // The radio modem: command mode and its silences, registers, and the instruments behind it.
 #include "simulator/radio_modem.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
-#include "simulator/description.h"
-#include "simulator/played_device.h"
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "simulator/description_error.h"
+#include "simulator/device_scenes.h"
 
 namespace kesp::simulator {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
+using Scenes = std::vector<Scene>;
 
-std::unique_ptr<Device> Named(const std::string& name) {
-  return std::make_unique<PlayedDevice>(ReadInstrument(
-      R"({"commands": {"N?": [{"send": ")" + name + R"("}], "S?": [{"wait_ms": 500}, {"send": "slow"}]}})"));
+std::string Modem(const std::string& members = "") {
+  return R"({"device": "radio_modem", "behind": {"0": {"commands": {
+    "N?": "zero", "S?": [{"wait_ms": 500}, {"send": "slow"}]}}, "1a": {"default": "twenty-six"}})" +
+         members + "}";
 }
+constexpr char kQuick[] = R"(, "guard_ms": 10)";
 
-class RadioModemTest : public testing::Test {
- protected:
-  RadioModem Modem(ModemAnswers answers = ModemAnswers::kWhole) {
-    RadioModemSetup setup;
-    setup.answers = answers;
-    setup.write = [this](const ModemRegisters& registers) { written_ = registers; };
-    setup.behind[0] = Named("zero");
-    setup.behind[0x1A] = Named("twenty-six");
-    return RadioModem(std::move(setup));
-  }
-
-  std::string At(int now, std::string_view bytes = {}) { return modem_.Take(bytes, Moment(now)).bytes; }
-
-  // Command mode from 0 on, 50 ms later.
-  void Enter() {
-    At(0, "+++");
-    EXPECT_EQ(At(50), "OK\r");
-  }
-
-  ModemRegisters written_;
-  RadioModem modem_{Modem()};
-};
-
-TEST_F(RadioModemTest, OutsideCommandMode_TheAddressedInstrumentAnswers) {
-  EXPECT_EQ(At(0, "N?\r"), "zero\r");
-  EXPECT_EQ(modem_.Due(), std::nullopt);
-}
-
-TEST_F(RadioModemTest, PlusesBetweenSilences_StartCommandMode) {
-  At(0, "x\r");
-  EXPECT_EQ(At(1000, "+"), "");
-  EXPECT_EQ(At(1001, "++"), "");
-  EXPECT_EQ(modem_.Due(), Moment(1051));
-  EXPECT_EQ(At(1050), "");
-  const Deeds deeds = modem_.Take({}, Moment(1051));
-  EXPECT_EQ(deeds.bytes, "OK\r");
-  EXPECT_THAT(deeds.events, ElementsAre("command mode begins"));
-}
-
-TEST_F(RadioModemTest, PlusesWithoutSilenceBefore_GoToTheInstrument) {
-  At(0, "x\r");
-  const Deeds deeds = modem_.Take("+++\r", Moment(999));
-  EXPECT_THAT(deeds.events, ElementsAre("address 0: command \"+++\""));
-  EXPECT_EQ(At(5000), "");
-}
-
-TEST_F(RadioModemTest, PlusesWithAByteTooSoonAfter_GoToTheInstrument) {
-  At(0, "+++");
-  EXPECT_THAT(modem_.Take("\r", Moment(49)).events, ElementsAre("address 0: command \"+++\""));
-  At(2000, "++++");
-  EXPECT_THAT(modem_.Take("\r", Moment(2060)).events, ElementsAre("address 0: command \"++++\""));
-}
-
-TEST_F(RadioModemTest, TooFewPluses_GoToTheInstrumentAfterTheGuardTime) {
-  At(0, "++");
-  EXPECT_EQ(modem_.Due(), Moment(1000));
-  At(1000);
-  EXPECT_THAT(modem_.Take("\r", Moment(1001)).events, ElementsAre("address 0: command \"++\""));
-}
-
-TEST_F(RadioModemTest, GuardTime_IsThatOfTheSetup) {
-  RadioModemSetup setup;
-  setup.guard = std::chrono::milliseconds(10);
-  RadioModem quick(std::move(setup));
-  quick.Take("x", Moment(0));
-  quick.Take("+++", Moment(10));
-  EXPECT_EQ(quick.Take({}, Moment(60)).bytes, "OK\r");
-}
-
-TEST_F(RadioModemTest, Registers_AreReadAndSet) {
-  Enter();
-  const std::pair<const char*, const char*> cases[] = {
-      {"ATSH\r", "13A200\r"},  {"ATSL\r", "40A1B2C3\r"},
-      {"ATPL\r", "4\r"},       {"ATID\r", "3332\r"},
-      {"ATCH\r", "C\r"},       {"ATMY\r", "0\r"},
-      {"ATCT\r", "64\r"},      {"ATDH\r", "0\r"},
-      {"ATDL\r", "0\r"},       {"ATDLffff\r", "OK\r"},
-      {"ATDL\r", "FFFF\r"},    {"ATMY1\r", "OK\r"},
-      {"ATMY\r", "1\r"},       {"ATDL123456789\r", "ERROR\r"},
-      {"ATDLxy\r", "ERROR\r"}, {"ATXX\r", "ERROR\r"},
-      {"AT\r", "ERROR\r"},     {"\r", "ERROR\r"},
-      {"N?\r", "ERROR\r"},     {"ATDL\r", "FFFF\r"},
+TEST(RadioModem, Pluses_StartCommandModeBetweenSilencesOnly) {
+  const Scenes cases[] = {
+      {{0, "x\r", ""},
+       {1000, "+", ""},
+       {1001, "++", ""},
+       {1050, "", ""},
+       {1051, "", "OK\r", "command mode begins"}},
+      {{0, "N?\r", "zero\r"}, {999, "+++\r", "", "address 0: command \"+++\""}, {5000, "", ""}},
+      {{0, "+++", ""}, {49, "\r", "", "address 0: command \"+++\""}},
+      {{2000, "++++", ""}, {2060, "\r", "", "address 0: command \"++++\""}},
+      {{0, "++", ""}, {1000, "", ""}, {1001, "\r", "", "address 0: command \"++\""}},
   };
-  for (const auto& [command, answer] : cases) EXPECT_EQ(At(100, command), answer) << command;
+  for (const Scenes& scenes : cases) Perform(Modem(), scenes);
+  Perform(Modem(kQuick), {{0, "x", ""}, {10, "+++", ""}, {60, "", "OK\r"}});
 }
 
-TEST_F(RadioModemTest, Write_HandsOverAllRegisters) {
-  Enter();
-  EXPECT_EQ(At(60, "ATDL1A\rATWR\r"), "OK\rOK\r");
-  EXPECT_EQ(written_.at("DL"), 0x1AU);
-  EXPECT_EQ(written_.size(), 9U);
+TEST(RadioModem, Due_IsTheNextMomentAtWhichSomethingChanges) {
+  const auto modem = DeviceOf(ReadDescription(Modem(), "d"));
+  const auto due_after = [&modem](int at, const std::string& in) {
+    Heard(*modem, at, in);
+    return modem->Due().value_or(Moment(-1)).count();
+  };
+  EXPECT_EQ(due_after(0, "+"), 1000);
+  EXPECT_EQ(due_after(1, "++"), 51);
+  EXPECT_EQ(due_after(51, ""), 51 + 10'000);
+  EXPECT_EQ(due_after(60, "ATCTA\r"), 1060);
+  EXPECT_EQ(due_after(1059, "ATMY\r"), 2059);
+  EXPECT_EQ(due_after(2059, ""), -1);
+  EXPECT_EQ(due_after(2100, "S?\r"), 2600);
 }
 
-TEST_F(RadioModemTest, DestinationAddress_SelectsTheInstrument) {
-  Enter();
-  EXPECT_EQ(At(60, "ATDL1A\rATCN\rN?\r"), "OK\rOK\rtwenty-six\r");
-  At(2000, "+++");
-  EXPECT_EQ(At(2050, "ATDL7\rATCN\r"), "OK\rOK\rOK\r");
-  EXPECT_THAT(modem_.Take("N", Moment(2060)).events,
-              ElementsAre("lost \"N\", there is nothing at address 7"));
+TEST(RadioModem, Registers_AreReadAndSet) {
+  const auto modem = DeviceOf(ReadDescription(Modem(R"(, "registers": {"MY": "a"})"), "d"));
+  Perform(*modem, {{0, "+++", ""}, {50, "", "OK\r"}});
+  const std::pair<const char*, const char*> cases[] = {
+      {"ATSH", "13A200"}, {"ATSL", "40A1B2C3"}, {"ATPL", "4"},     {"ATID", "3332"},
+      {"ATCH", "C"},      {"ATMY", "A"},        {"ATCT", "64"},    {"ATDH", "0"},
+      {"ATDL", "0"},      {"ATDLffff", "OK"},   {"ATDL", "FFFF"},  {"ATMY1", "OK"},
+      {"ATMY", "1"},      {"ATDLxy", "ERROR"},  {"ATXX", "ERROR"}, {"AT", "ERROR"},
+      {"", "ERROR"},      {"N?", "ERROR"},      {"ATWR", "OK"},    {"ATDL123456789", "ERROR"},
+      {"ATDL", "FFFF"},
+  };
+  for (const auto& [command, answer] : cases)
+    Perform(*modem, {{100, std::string(command) + "\r", std::string(answer) + "\r"}});
 }
 
-TEST_F(RadioModemTest, TimeWithoutCommand_EndsCommandMode) {
-  Enter();
-  EXPECT_EQ(At(60, "ATCTA\r"), "OK\r");
-  EXPECT_EQ(modem_.Due(), Moment(1060));
-  EXPECT_EQ(At(1059, "ATDL"), "");
-  EXPECT_THAT(modem_.Take({}, Moment(1060)).events, ElementsAre("command mode ends: no command in time"));
-  EXPECT_EQ(At(1061, "N?\r"), "zero\r");
+TEST(RadioModem, DestinationAddress_SelectsTheInstrument) {
+  Perform(Modem(), {{0, "+++", ""},
+                    {50, "", "OK\r"},
+                    {60, "ATDL1A\rATCN\rN?\r", "OK\rOK\rtwenty-six\r"},
+                    {2000, "+++", ""},
+                    {2050, "ATDL7\rATCN\r", "OK\rOK\rOK\r"},
+                    {2060, "N", "", "lost \"N\", there is nothing at address 7"}});
 }
 
-TEST_F(RadioModemTest, Command_StartsTheTimeAnew) {
-  Enter();
-  At(60, "ATCTA\r");
-  EXPECT_EQ(At(1059, "ATMY\r"), "0\r");
-  EXPECT_EQ(modem_.Due(), Moment(2059));
+TEST(RadioModem, CommandMode_EndsByItselfAndHoldsRepliesBack) {
+  Perform(Modem(), {{0, "+++", ""},
+                    {50, "ATCTA\r", "OK\rOK\r"},
+                    {1049, "ATDL", ""},
+                    {1050, "", "", "command mode ends: no command in time"},
+                    {1051, "N?\r", "zero\r"}});
+  Perform(Modem(kQuick),
+          {{0, "S?\r", ""},
+           {10, "+++", ""},
+           {60, "", "OK\r"},
+           {600, "ATMY\r", "0\r"},
+           {601, "ATCN\r", "OK\rslow\r", "modem command \"ATCN\"; command mode ends: as told"}});
 }
 
-TEST_F(RadioModemTest, RepliesDuringCommandMode_ComeAfterIt) {
-  RadioModemSetup setup;
-  setup.guard = std::chrono::milliseconds(10);
-  setup.behind[0] = Named("zero");
-  modem_ = RadioModem(std::move(setup));
-  At(0, "S?\r");
-  At(10, "+++");
-  EXPECT_EQ(At(60), "OK\r");
-  EXPECT_EQ(At(600, "ATMY\r"), "0\r");
-  EXPECT_EQ(At(601, "ATCN\r"), "OK\rslow\r");
-}
-
-TEST_F(RadioModemTest, FaultyAnswers_AreAsAsked) {
-  const std::pair<ModemAnswers, const char*> cases[] = {{ModemAnswers::kNone, ""},
-                                                        {ModemAnswers::kHalfOk, "O0\rERROR\r"},
-                                                        {ModemAnswers::kNoCarriageReturn, "OK0ERROR"}};
+TEST(RadioModem, FaultyAnswers_AreAsAsked) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"whole", "OK\r0\rERROR\r"}, {"none", ""}, {"half_ok", "O0\rERROR\r"}, {"no_cr", "OK0ERROR"}};
   for (const auto& [answers, expected] : cases) {
-    modem_ = Modem(answers);
-    At(0, "+++");
-    EXPECT_EQ(At(50, "ATMY\rx\r"), expected);
-    EXPECT_THAT(modem_.Take("ATCN\r", Moment(60)).events, Contains("command mode ends: as told"));
-    EXPECT_EQ(At(70, "N?\r"), "zero\r");
+    Perform(
+        Modem(R"(, "answers": ")" + answers + "\""),
+        {{0, "+++", ""},
+         {50, "ATMY\rx\r", expected, "command mode begins; modem command \"ATMY\"; modem command \"x\""}});
   }
+}
+
+TEST(RadioModem, NonvolatileRegisters_OutlastTheModemAndCountBeforeThoseOfTheDescription) {
+  const std::string file = testing::TempDir() + "kesp_modem_" + std::to_string(::getpid());
+  const std::string json = Modem(R"(, "registers": {"DL": "7"}, "nonvolatile": ")" + file + "\"");
+  Perform(json, {{0, "+++", ""}, {50, "ATDL\rATDL1A\rATWR\rATDL0\r", "OK\r7\rOK\rOK\rOK\r"}});
+  Perform(json, {{0, "+++", ""}, {50, "ATDL\rATDL0\rATWR\r", "OK\r1A\rOK\rOK\r"}});
+  Perform(json, {{0, "N?\r", "zero\r"}});
+  for (const char* text : {"DL", "DL=xyz", "DL="}) {
+    std::ofstream(file) << text << "\n";
+    EXPECT_THROW(ReadDescription(json, "d"), DescriptionError) << text;
+  }
+  std::filesystem::remove(file);
 }
 
 }  // namespace

@@ -60,6 +60,11 @@ class Planner {
     steps_.back().flood = flood.length;
   }
 
+  void operator()(const SetStatusByte& status) {
+    Add({});
+    steps_.back().status_byte = status.value;
+  }
+
   void operator()(const Ending& ending) {
     Add({});
     steps_.back().ending = ending;

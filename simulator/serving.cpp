@@ -13,6 +13,7 @@
 #include "simulator/discovery_responder.h"
 #include "simulator/making.h"
 #include "simulator/platform.h"
+#include "simulator/talk.h"
 #include "simulator/tcp_server.h"
 #include "simulator/udp_port.h"
 
@@ -55,12 +56,12 @@ std::unique_ptr<Discovery> MakeDiscovery(asio::io_context& io, const Options& op
 
 }  // namespace
 
-void ServeTcp(const Options& options, Instrument& instrument, EventLog& log) {
+void ServeTcp(const Options& options, const std::shared_ptr<Instrument>& instrument, EventLog& log) {
   asio::io_context io(1);
   TcpServer server(Making("listen on " + options.bind + " port " + std::to_string(options.port),
                           [&] { return Listen(io, options.bind, options.port); }),
                    instrument, log);
-  const std::unique_ptr<Discovery> discovery = MakeDiscovery(io, options, instrument, log);
+  const std::unique_ptr<Discovery> discovery = MakeDiscovery(io, options, *instrument, log);
   asio::signal_set signals(io);
   StopOn(signals, io);
   asio::co_spawn(io, server.Run(options.once ? Clients::kOne : Clients::kMany),
@@ -70,18 +71,18 @@ void ServeTcp(const Options& options, Instrument& instrument, EventLog& log) {
   io.run();
 }
 
-void ServeSerial(const std::string& name, const std::optional<LineRule>& line, const TalkMaker& make_talk) {
+void ServeSerial(const std::string& name, Device& device, EventLog& log) {
   asio::io_context io(1);
   // Before there is a link that a signal could leave behind.
   asio::signal_set signals(io);
   StopOn(signals, io);
   const std::unique_ptr<Carrier> carrier =
-      Making("serve " + name, [&] { return OpenSerialLine(io, name, line); });
-  const std::unique_ptr<Talk> talk = make_talk(*carrier);
-  asio::co_spawn(io, talk->Run(), asio::detached);
+      Making("serve " + name, [&] { return OpenSerialLine(io, name, device.Line()); });
+  Talk talk(*carrier, device, log, 1);
+  asio::co_spawn(io, talk.Run(), asio::detached);
   std::cout << "serving " << name << std::endl;
   io.run();
-  talk->Finish();
+  talk.Finish();
 }
 
 }  // namespace kesp::simulator

@@ -1,4 +1,4 @@
-// Listens for clients over TCP and gives each a conversation with the instrument.
+// Listens for clients over TCP and gives each a talk with the instrument.
 #include "simulator/tcp_server.h"
 
 #include <asio/co_spawn.hpp>
@@ -11,8 +11,9 @@
 #include <random>
 #include <utility>
 
-#include "simulator/conversation.h"
 #include "simulator/platform.h"
+#include "simulator/played_device.h"
+#include "simulator/talk.h"
 #include "simulator/tcp_carrier.h"
 
 namespace kesp::simulator {
@@ -51,8 +52,8 @@ tcp::acceptor Listen(asio::io_context& io, const std::string& address, std::uint
   throw asio::system_error(error);
 }
 
-TcpServer::TcpServer(tcp::acceptor acceptor, Instrument& instrument, EventLog& log)
-    : acceptor_(std::move(acceptor)), instrument_(instrument), log_(log) {}
+TcpServer::TcpServer(tcp::acceptor acceptor, std::shared_ptr<Instrument> instrument, EventLog& log)
+    : acceptor_(std::move(acceptor)), instrument_(std::move(instrument)), log_(log) {}
 
 asio::awaitable<void> TcpServer::Run(Clients clients) {
   if (clients == Clients::kOne) {
@@ -81,8 +82,9 @@ asio::awaitable<tcp::socket> TcpServer::Accept() {
 
 asio::awaitable<void> TcpServer::Serve(tcp::socket socket, unsigned number) {
   TcpCarrier carrier(std::move(socket));
-  Conversation conversation(carrier, instrument_, log_, number);
-  co_await conversation.Run();
+  PlayedDevice device(instrument_, Place::kOwnLine);
+  Talk talk(carrier, device, log_, number);
+  co_await talk.Run();
 }
 
 }  // namespace kesp::simulator

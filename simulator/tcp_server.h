@@ -1,10 +1,11 @@
-// Listens for clients over TCP and gives each a conversation with the instrument.
+// Listens for clients over TCP and gives each a talk with the instrument.
 #pragma once
 
 #include <asio/awaitable.hpp>
 #include <asio/io_context.hpp>
 #include <asio/ip/tcp.hpp>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "simulator/event_log.h"
@@ -27,12 +28,12 @@ enum class Clients { kMany, kOne };
 // it, and it must outlive the run of the io_context.
 class TcpServer {
  public:
-  TcpServer(asio::ip::tcp::acceptor acceptor, Instrument& instrument, EventLog& log);
+  TcpServer(asio::ip::tcp::acceptor acceptor, std::shared_ptr<Instrument> instrument, EventLog& log);
 
   asio::ip::tcp::endpoint endpoint() const { return acceptor_.local_endpoint(); }
 
   // kMany: never ends by itself. kOne: takes one client, refuses further ones, and ends with its
-  // conversation.
+  // talk.
   asio::awaitable<void> Run(Clients clients);
 
  private:
@@ -40,7 +41,7 @@ class TcpServer {
   asio::awaitable<void> Serve(asio::ip::tcp::socket socket, unsigned number);
 
   asio::ip::tcp::acceptor acceptor_;
-  Instrument& instrument_;
+  const std::shared_ptr<Instrument> instrument_;
   EventLog& log_;
 };
 
