@@ -25,6 +25,7 @@ std::string Arguments(const CallRecord::Line& line) {
     case CallName::kDevice:
       return Numbers(line.call, 6);
     case CallName::kClear:
+    case CallName::kSerialPoll:
       return Numbers(line.call, 1);
     case CallName::kEndOfString:
     case CallName::kOnline:

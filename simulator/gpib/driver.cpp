@@ -7,6 +7,14 @@
 #include <utility>
 
 namespace kesp::simulator::gpib {
+namespace {
+
+std::size_t BytesReceived(CallName call, const Outcome& outcome) {
+  if (call == CallName::kSerialPoll) return (outcome.status & kError) == 0 ? 1 : 0;
+  return call == CallName::kRead ? static_cast<std::size_t>(outcome.count) : 0;
+}
+
+}  // namespace
 
 Driver::Driver(Waiting& waiting) : waiting_(waiting), bus_(std::make_shared<Bus>(BusDescription{})) {}
 
@@ -58,13 +66,29 @@ std::int32_t Driver::Perform(ThreadId thread, const Call& call, const Work& work
   const std::shared_ptr<Bus> bus = bus_;
   CallRecord::Line line = bus->record.Begin(bus->threads.OrdinalOf(thread), call);
   const std::optional<Report> failure = bus->failures.Next(call.name);
-  const Report report = failure ? *failure : work(*bus);
+  Report report = failure ? *failure : work(*bus);
+  if (!failure && call.name != CallName::kDevice && RequestsService(*bus, call.arguments.front())) {
+    report.outcome.status |= kServiceRequested;
+    report.result = report.outcome.status;
+  }
   bus->threads.Report(thread, report.outcome);
   // A failure that was asked for may report bytes that never came.
-  const bool has_read = call.name == CallName::kRead && !failure;
   bus->record.Add(std::move(line), report,
-                  call.bytes.substr(0, has_read ? static_cast<std::size_t>(report.outcome.count) : 0));
+                  call.bytes.substr(0, failure ? 0 : BytesReceived(call.name, report.outcome)));
   return report.result;
+}
+
+SimulatedDevice* Driver::Present(Bus& bus, const Address& address) {
+  SimulatedDevice* const device = bus.At(address);
+  if (device == nullptr) return nullptr;
+  device->PassTime(waiting_.Microseconds());
+  return device->HasLeft() ? nullptr : device;
+}
+
+bool Driver::RequestsService(Bus& bus, std::int32_t descriptor) {
+  const Descriptor* open = bus.Open(descriptor);
+  const SimulatedDevice* device = open == nullptr ? nullptr : Present(bus, open->address);
+  return device != nullptr && device->RequestsService();
 }
 
 }  // namespace kesp::simulator::gpib

@@ -51,6 +51,8 @@ class Driver {
   // Waits up to the time-out of the descriptor; what had come by then stays in the buffer.
   std::int32_t Ibrd(ThreadId thread, std::int32_t descriptor, void* buffer, std::int32_t length);
   std::int32_t Ibonl(ThreadId thread, std::int32_t descriptor, std::int32_t value);
+  // Times out like a read when no device is at the address.
+  std::int32_t Ibrsp(ThreadId thread, std::int32_t descriptor, char* status_byte);
 
  private:
   using Work = std::function<Report(Bus& bus)>;
@@ -58,11 +60,16 @@ class Driver {
   std::int32_t Perform(ThreadId thread, const Call& call, const Work& work);
 
   static Report OpenDevice(Bus& bus, const DeviceArguments& arguments);
-  static Outcome Clear(Bus& bus, std::int32_t descriptor);
+  // The device at an address as it is now; null when none is there, or when it has left.
+  SimulatedDevice* Present(Bus& bus, const Address& address);
+  // Whether the device of a descriptor asks for a serial poll.
+  bool RequestsService(Bus& bus, std::int32_t descriptor);
+  Outcome Clear(Bus& bus, std::int32_t descriptor);
   static Outcome SetEndOfString(Bus& bus, std::int32_t descriptor, std::int32_t value);
   Outcome Write(Bus& bus, std::int32_t descriptor, const char* bytes, std::int32_t length);
   Outcome Read(Bus& bus, std::int32_t descriptor, char* buffer, std::int32_t length);
   Outcome ReadFrom(Bus& bus, std::int32_t descriptor, std::span<char> buffer);
+  Outcome Poll(Bus& bus, std::int32_t descriptor, char* status_byte);
   Outcome GoOnline(Bus& bus, std::int32_t descriptor, std::int32_t value);
   // Whether a call that had to wait finds its bus and its descriptor as before.
   bool IsStillOpen(Bus& bus, std::int32_t descriptor, std::int64_t opening) const;

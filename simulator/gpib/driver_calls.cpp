@@ -68,6 +68,12 @@ std::int32_t Driver::Ibonl(ThreadId thread, std::int32_t descriptor, std::int32_
                  [&](Bus& bus) { return Reporting(call.name, GoOnline(bus, descriptor, value)); });
 }
 
+std::int32_t Driver::Ibrsp(ThreadId thread, std::int32_t descriptor, char* status_byte) {
+  const Call call{CallName::kSerialPoll, {descriptor}, BytesAt(status_byte, 1)};
+  return Perform(thread, call,
+                 [&](Bus& bus) { return Reporting(call.name, Poll(bus, descriptor, status_byte)); });
+}
+
 Report Driver::OpenDevice(Bus& bus, const DeviceArguments& arguments) {
   if (arguments.board != 0) return Reporting(CallName::kDevice, FailedWith(kNoBoard));
   const bool is_valid = arguments.address.IsValid() &&
@@ -86,8 +92,11 @@ Report Driver::OpenDevice(Bus& bus, const DeviceArguments& arguments) {
 Outcome Driver::Clear(Bus& bus, std::int32_t descriptor) {
   const Descriptor* open = bus.Open(descriptor);
   if (open == nullptr) return NotADevice(descriptor);
-  if (bus.devices.empty()) return FailedWith(kNoListener);
-  if (SimulatedDevice* device = bus.At(open->address)) device->Clear();
+  const bool anyone = std::any_of(bus.devices.begin(), bus.devices.end(), [&](const SimulatedDevice& device) {
+    return Present(bus, device.address()) != nullptr;
+  });
+  if (!anyone) return FailedWith(kNoListener);
+  if (SimulatedDevice* device = Present(bus, open->address)) device->Clear();
   return {};
 }
 
@@ -103,7 +112,7 @@ Outcome Driver::Write(Bus& bus, std::int32_t descriptor, const char* bytes, std:
   const Descriptor* open = bus.Open(descriptor);
   if (open == nullptr) return NotADevice(descriptor);
   if (!IsUsable(bytes, length)) return FailedWith(kBadArgument);
-  SimulatedDevice* device = bus.At(open->address);
+  SimulatedDevice* device = Present(bus, open->address);
   if (device == nullptr) return FailedWith(kNoListener);
   const std::int64_t now = waiting_.Microseconds();
   for (std::int32_t i = 0; i < length; ++i) {
@@ -124,7 +133,7 @@ Outcome Driver::Read(Bus& bus, std::int32_t descriptor, char* buffer, std::int32
 Outcome Driver::ReadFrom(Bus& bus, std::int32_t descriptor, std::span<char> buffer) {
   // A copy, because another thread may close the descriptor during a wait.
   const Descriptor open = *bus.Open(descriptor);
-  SimulatedDevice* const device = bus.At(open.address);
+  SimulatedDevice* const device = Present(bus, open.address);
   const std::int64_t begin = waiting_.Microseconds();
   const std::int64_t deadline = open.time_out == kNever ? kNever : begin + open.time_out;
   std::size_t count = 0;
@@ -150,6 +159,16 @@ bool Driver::IsStillOpen(Bus& bus, std::int32_t descriptor, std::int64_t opening
   if (&bus != bus_.get()) return false;
   const Descriptor* open = bus.Open(descriptor);
   return open != nullptr && open->opening == opening;
+}
+
+Outcome Driver::Poll(Bus& bus, std::int32_t descriptor, char* status_byte) {
+  const Descriptor* open = bus.Open(descriptor);
+  if (open == nullptr) return NotADevice(descriptor);
+  if (status_byte == nullptr) return FailedWith(kBadArgument);
+  SimulatedDevice* const device = Present(bus, open->address);
+  if (device == nullptr) return ReadFrom(bus, descriptor, {status_byte, 1});
+  *status_byte = device->Poll();
+  return {};
 }
 
 Outcome Driver::GoOnline(Bus& bus, std::int32_t descriptor, std::int32_t value) {

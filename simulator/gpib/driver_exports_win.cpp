@@ -58,6 +58,10 @@ int __stdcall ibonl(int descriptor, int value) {
   return Driver().Ibonl(GetCurrentThreadId(), descriptor, value);
 }
 
+int __stdcall ibrsp(int descriptor, char* status_byte) {
+  return Driver().Ibrsp(GetCurrentThreadId(), descriptor, status_byte);
+}
+
 int __stdcall RegisterGpibGlobalsForThread(int* status, int* error, int* count, int* long_count) {
   return Driver().Register(GetCurrentThreadId(), {status, error, count, long_count});
 }

@@ -1,5 +1,9 @@
-// Writing to and reading from the devices of the simulated bus.
+// Commands, replies and faults of devices on the simulated bus, through the driver's calls.
 #include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <utility>
 
 #include "simulator/gpib/driver_fixture.h"
 #include "simulator/gpib/time_out.h"
@@ -7,212 +11,226 @@
 namespace kesp::simulator::gpib {
 namespace {
 
-constexpr char kDevices[] = R"({"devices": [
-  {"gpib": {"primary": 5}, "commands": {"A?": "one", "B?": "two", "LONG?": "0123456789"}},
-  {"gpib": {"primary": 6}, "end": false, "commands": {"A?": "one"}},
-  {"gpib": {"primary": 7}, "delay_ms": 50, "commands": {"A?": "one"}},
-  {"gpib": {"primary": 8}, "keeps_replies": true, "commands": {"A?": "one", "B?": "two"}},
-  {"gpib": {"primary": 9}, "terminator": "", "reply_terminator": "\u0081", "commands": {"A?": "one\u0001"}}]})";
+constexpr char kCommands[] = R"("commands": {"A?": "one", "B?": "two", "LONG?": "0123456789", "SET": null})";
 
-class SimulatedDriverTransferTest : public DriverFixture {
+std::string Device(const std::string& members) {
+  return R"({"gpib": {"primary": 5}, )" + members + "}";
+}
+
+class TransferTest : public DriverFixture {
  protected:
-  SimulatedDriverTransferTest() { Load(kDevices); }
+  // What a client with a time-out of three milliseconds hears: it writes what is given, reads at "<" (all up
+  // to the end of a read) and lets a millisecond pass at "_". "|" stands for END, "T" for a read that timed
+  // out, "N" for a write without listener.
+  std::string Talk(const std::string& device, const std::string& script, std::int32_t sends_end = 0) {
+    Load(device);
+    const std::int32_t descriptor = Open(5, 0, kThreeMilliseconds, sends_end);
+    std::string heard;
+    std::string written;
+    for (const char character : script + "_") {
+      if (character != '<' && character != '_') {
+        written += character;
+        continue;
+      }
+      if (!written.empty() && (Write(descriptor, written) & kError) != 0) heard += 'N';
+      written.clear();
+      if (character == '_') waiting_.Advance(1000);
+      if (character == '_') continue;
+      heard += Read(descriptor);
+      if ((status_ & kEnd) != 0) heard += '|';
+      if ((status_ & kTimedOut) != 0) heard += 'T';
+    }
+    return heard;
+  }
 };
 
-TEST_F(SimulatedDriverTransferTest, Ibwrt_TransfersAllBytes) {
-  const std::int32_t device = Open(5);
-  EXPECT_EQ(Write(device, "A?\n"), kComplete);
-  EXPECT_EQ(Last(), (Outcome{kComplete, 0, 3}));
+TEST_F(TransferTest, EachDeviceAndFault_AnswersAsDescribed) {
+  const std::string plain = Device(kCommands);
+  const struct {
+    std::string device;
+    std::string script;
+    std::string heard;
+    std::int32_t sends_end = 0;
+  } cases[] = {
+      // A command is complete at its terminator or at END; a carriage return before that does not count.
+      {plain, "A?\n<", "one\n|"},
+      {plain, "A?\r\n<", "one\n|"},
+      {plain, "A?\r<", "T"},
+      {plain, "A_?<_\n<", "Tone\n|"},
+      {plain, "A?<", "one\n|", 1},
+      {plain, "A?\r\n<<", "one\n|T", 1},
+      {plain, "A?_\r\n\n<", "one\n|", 1},
+      {Device(std::string(kCommands) + R"(, "terminator": "<>")"), "A?_", ""},
+      {Device(std::string(kCommands) + R"(, "terminator": "")"), "A?\n<", "T"},
+      {Device(R"("commands": {"A?\n": "with line feed"}, "terminator": "")"), "A?\n<", "with line feed\n|",
+       1},
+      {Device(R"("commands": {"A?": "1"}, "terminator": "<>", "default": "2")"), "A?", ""},
+      {plain, "SET\n<", "T"},
+      {plain, "a?\n<", "T"},
+      {Device(R"("commands": {"SET 1": "exact", "S*": "set"}, "default": "unknown")"), "SET 1\n<S\n<x\n<",
+       "exact\n|set\n|unknown\n|"},
+      {Device(R"("commands": {"M?": {"cycle": ["1", "2"]}})"), "M?\n<M?\n<M?\n<", "1\n|2\n|1\n|"},
+      {Device(R"("commands": {"A?": ""}, "reply_terminator": "")"), "A?\n<", "T"},
+      // The first byte of a command drops what was not read, unless replies are kept.
+      {plain, "A?\nB?\n<<", "two\n|T"},
+      {plain, "A?\nB<", "T"},
+      {Device(std::string(kCommands) + R"(, "keeps_replies": true)"), "A?\nB?\n<<", "one\n|two\n|"},
+      // Late.
+      {Device(std::string(kCommands) + R"(, "delay_ms": 2)"), "A?\n<", "one\n|"},
+      {Device(std::string(kCommands) + R"(, "delay_ms": 5)"), "A?\n<<", "Tone\n|"},
+      {Device(R"("commands": {"A?": [{"wait_ms": 4}, {"send": "1"}]})"), "A?\n<<", "T1\n|"},
+      // In pieces, and several replies: END goes with the last piece of each.
+      {Device(
+           R"("commands": {"A?": [{"split": "abcd", "pieces": 2, "gap_ms": 4}, {"send": "e"}, {"echo": true}]})"),
+       "A?\n<<<<", "abTcd\n|e\n|A?\n|"},
+      {Device(R"("commands": {"A?": [{"trickle": "ab", "gap_ms": 1, "end": ""}]})"), "A?\n<", "ab|"},
+      // Garbage, and without an end.
+      {Device(R"("commands": {"A?": [{"send_hex": "FF 00 80"}]})"), "A?\n<", std::string("\xFF\0\x80|", 4)},
+      {Device(R"("commands": {"A?": [{"random": 1}]})"), "A?\n<", "%|"},
+      {Device(std::string(kCommands) + R"(, "end": false, "reply_terminator": "")"), "A?\n<<", "oneTT"},
+      {Device(R"("end": false, "commands": {"A?": [{"repeat": "0123456789", "bytes": 1073741824}]})"),
+       "A?\n<",
+       "012345678901234567890123456789012345678901234567890123456789012345678901234567890123456789012345678"
+       "9"},
+      // Pulled out: with what it has sent still to be read, or at once.
+      {Device(R"("commands": {"A?": [{"send": "bye"}, {"close": true}]})"), "A?\n<A?\n<", "bye\n|NT"},
+      {Device(R"("commands": {"A?": [{"send": "lost"}, {"reset": true}]})"), "A?\n<A?\n", "TN"},
+      {Device(R"("commands": {"A?": [{"send": "1"}, {"wait_ms": 2}, {"reset": true}]})"), "A?\n<A?__A?\n",
+       "1\n|N"},
+  };
+  for (const auto& [device, script, heard, sends_end] : cases)
+    EXPECT_EQ(Talk(device, script, sends_end), heard) << device << " " << testing::PrintToString(script);
 }
 
-TEST_F(SimulatedDriverTransferTest, Ibwrt_WithoutDevice_HasNoListener) {
-  EXPECT_EQ(Write(Open(12), "A?\n"), kError | kComplete);
-  EXPECT_EQ(Last(), FailedWith(kNoListener));
-}
-
-TEST_F(SimulatedDriverTransferTest, Buffers_ThatCannotBe_AreBadArguments) {
-  const std::int32_t device = Open(5);
+TEST_F(TransferTest, StatusByte_IsPolledAndAsksForServiceOnce) {
+  Load(Device(R"("commands": {"SRQ": [{"wait_ms": 2}, {"status_byte": 80}], "ODD": [{"status_byte": 191}],
+                 "A?": [{"status_byte": 65}, {"send": "one"}]})"));
+  const std::int32_t device = Open(5, 0, kThreeMilliseconds);
+  const auto poll = [&] {
+    char byte = 'x';
+    EXPECT_EQ(driver_.Ibrsp(kClient, device, &byte), kComplete);
+    return static_cast<unsigned char>(byte);
+  };
+  EXPECT_EQ(poll(), 0);
+  EXPECT_EQ(Write(device, "SRQ"), kComplete);
+  waiting_.Advance(1999);
+  EXPECT_EQ(poll(), 0);
+  waiting_.Advance(1);
+  EXPECT_EQ(driver_.Ibeos(kClient, device, 0), kComplete | kServiceRequested);
+  EXPECT_EQ(poll(), 80);
+  EXPECT_EQ(poll(), 16);
+  Write(device, "ODD");
+  EXPECT_EQ(poll(), 191);
+  EXPECT_EQ(Write(device, "A?"), kComplete | kServiceRequested);
+  EXPECT_EQ(Read(device), "one\n");
+  EXPECT_EQ(Last(), (Outcome{kComplete | kServiceRequested | kEnd, 0, 4}));
+  EXPECT_EQ(poll(), 65);
+  EXPECT_EQ(LastLine(), "1 ibrsp(1) = 256 sta 0100 err 0 cnt 0 \"A\"\n");
+  EXPECT_EQ(driver_.Ibrsp(kClient, device, nullptr), kError | kComplete);
+  EXPECT_EQ(Last(), FailedWith(kBadArgument));
   char byte = 0;
-  driver_.Ibwrt(kClient, device, nullptr, 3);
-  EXPECT_EQ(Last(), FailedWith(kBadArgument));
-  driver_.Ibwrt(kClient, device, "A?", -1);
-  EXPECT_EQ(Last(), FailedWith(kBadArgument));
-  driver_.Ibrd(kClient, device, nullptr, 3);
-  EXPECT_EQ(Last(), FailedWith(kBadArgument));
-  driver_.Ibrd(kClient, device, &byte, -1);
-  EXPECT_EQ(Last(), FailedWith(kBadArgument));
+  driver_.Ibrsp(kClient, Open(12, 0, kThreeMilliseconds), &byte);
+  EXPECT_EQ(Last(), TimedOut());
 }
 
-TEST_F(SimulatedDriverTransferTest, NothingToTransfer_SucceedsAtOnce) {
-  const std::int32_t device = Open(5);
-  driver_.Ibwrt(kClient, device, nullptr, 0);
-  EXPECT_EQ(Last(), Outcome{});
-  driver_.Ibrd(kClient, device, nullptr, 0);
-  EXPECT_EQ(Last(), Outcome{});
-  EXPECT_EQ(waiting_.waits(), 0);
-}
-
-TEST_F(SimulatedDriverTransferTest, Ibrd_ReadsAReplyInPieces) {
-  const std::int32_t device = Open(5);
-  Write(device, "LONG?");
-  EXPECT_EQ(Read(device, 4), "0123");
-  EXPECT_EQ(Last(), (Outcome{kComplete, 0, 4}));
-  EXPECT_EQ(Read(device, 4), "4567");
-  EXPECT_EQ(Read(device, 4), "89\n");
-  EXPECT_EQ(Last(), (Outcome{kComplete | kEnd, 0, 3}));
-}
-
-TEST_F(SimulatedDriverTransferTest, Ibrd_OfExactlyTheReply_HasEnd) {
-  const std::int32_t device = Open(5);
-  Write(device, "A?");
-  EXPECT_EQ(Read(device, 4), "one\n");
-  EXPECT_EQ(Last(), (Outcome{kComplete | kEnd, 0, 4}));
-}
-
-TEST_F(SimulatedDriverTransferTest, Ibrd_WithNothingToSay_WaitsTheTimeOutOfEachCode) {
-  for (std::int32_t code = 1; code < kTimeOutCodes; ++code) {
-    const std::int32_t device = Open(5, 0, code);
-    const std::int64_t begin = waiting_.Microseconds();
+TEST_F(TransferTest, Ibclr_DropsCommandReplyAndWhatIsPlannedButNotTheTurn) {
+  Load(R"({"devices": [{"gpib": {"primary": 5}, "commands": {
+           "M?": {"cycle": ["1", [{"wait_ms": 1}, {"status_byte": 64}, {"reset": true}], "3"]}, "OFF": [{"reset": true}]}}]})");
+  const std::int32_t device = Open(5, 0, kThreeMilliseconds, 0);
+  for (const char* bytes : {"M?\n", "M?\nM"}) {
+    Write(device, bytes);
+    EXPECT_EQ(driver_.Ibclr(kClient, device), kComplete);
     EXPECT_EQ(Read(device), "");
+  }
+  Write(device, "M?\n");
+  EXPECT_EQ(Read(device), "3\n");
+  EXPECT_EQ(driver_.Ibclr(kClient, Open(12)), kComplete) << "another device is on the bus";
+  Write(device, "OFF\n");
+  EXPECT_EQ(driver_.Ibclr(kClient, device), kError | kComplete);
+  EXPECT_EQ(Last(), FailedWith(kNoListener)) << "nobody is left";
+}
+
+TEST_F(TransferTest, Ibrd_EndsAtAFullBufferEndOrTheEndOfString) {
+  Load(R"({"devices": [{"gpib": {"primary": 5}, "terminator": "", "reply_terminator": "\u0081",
+           "commands": {"A?": "one\u0001", "LONG?": "0123456789"}}]})");
+  const std::int32_t device = Open(5, 0, kTenSeconds, 1);
+  const auto ask = [&](const std::string& command, std::int32_t end_of_string, std::size_t length = 100) {
+    EXPECT_EQ(driver_.Ibeos(kClient, device, end_of_string), kComplete);
+    Write(device, command);
+    return Read(device, length);
+  };
+  EXPECT_EQ(ask("LONG?", 0, 4), "0123");
+  EXPECT_EQ(Last(), (Outcome{kComplete, 0, 4}));
+  EXPECT_EQ(Read(device, 7), "456789\x81");
+  EXPECT_EQ(Last(), (Outcome{kComplete | kEnd, 0, 7}));
+  EXPECT_EQ(ask("LONG?", EndOfString::kEndsReads | '4'), "01234");
+  EXPECT_EQ(Last(), (Outcome{kComplete | kEnd, 0, 5}));
+  // 81 is 01 in seven bits.
+  EXPECT_EQ(ask("A?", EndOfString::kEndsReads | 0x01), "one\x01");
+  EXPECT_EQ(Read(device), "\x81");
+  EXPECT_EQ(ask("A?", EndOfString::kEndsReads | EndOfString::kEightBits | 0x81), "one\x01\x81");
+  EXPECT_EQ(ask("A?", EndOfString::kEndsReads | 0x81), "one\x01");
+  const std::int32_t without_end = Open(5, 0, kThreeMilliseconds, 0, EndOfString::kEndsWrites | '?');
+  Write(without_end, "A?");
+  EXPECT_EQ(Read(without_end), "one\x01\x81");
+}
+
+TEST_F(TransferTest, TimeOuts_AreThoseOfTheCodes) {
+  const std::int64_t times[] = {kNever,    10,         30,         100,         300,         1'000,
+                                3'000,     10'000,     30'000,     100'000,     300'000,     1'000'000,
+                                3'000'000, 10'000'000, 30'000'000, 100'000'000, 300'000'000, 1'000'000'000};
+  EXPECT_EQ(TimeOutMicroseconds(0), kNever);
+  for (std::int32_t code = 1; code < kTimeOutCodes; ++code) {
+    const std::int64_t begin = waiting_.Microseconds();
+    EXPECT_EQ(Read(Open(5, 0, code)), "") << "no device is there";
     EXPECT_EQ(Last(), TimedOut());
-    EXPECT_EQ(waiting_.Microseconds() - begin, TimeOutMicroseconds(code)) << code;
+    EXPECT_EQ(waiting_.Microseconds() - begin, times[code]) << code;
   }
 }
 
-TEST_F(SimulatedDriverTransferTest, TimeOutCodes_AreThoseOfTheDriver) {
-  EXPECT_EQ(TimeOutMicroseconds(0), kNever);
-  EXPECT_EQ(TimeOutMicroseconds(1), 10);
-  EXPECT_EQ(TimeOutMicroseconds(2), 30);
-  for (std::int32_t code = 3; code < kTimeOutCodes; ++code)
-    EXPECT_EQ(TimeOutMicroseconds(code), 10 * TimeOutMicroseconds(code - 2)) << code;
-}
-
-TEST_F(SimulatedDriverTransferTest, Ibrd_WithoutDevice_TimesOut) {
-  EXPECT_EQ(Read(Open(12, 0, kThreeMilliseconds)), "");
-  EXPECT_EQ(Last(), TimedOut());
-}
-
-TEST_F(SimulatedDriverTransferTest, Ibrd_WithoutEnd_KeepsWhatHadComeByTheTimeOut) {
-  const std::int32_t device = Open(6, 0, kThreeMilliseconds);
-  Write(device, "A?");
-  EXPECT_EQ(Read(device), "one\n");
-  EXPECT_EQ(Last(), TimedOut(4));
-  Write(device, "A?");
-  EXPECT_EQ(Read(device, 4), "one\n");
-  EXPECT_EQ(Last(), (Outcome{kComplete, 0, 4}));
-}
-
-TEST_F(SimulatedDriverTransferTest, Ibrd_WithoutTimeOut_WaitsUntilAReplyComes) {
-  const std::int32_t reader = Open(5, 0, 0);
-  const std::int32_t writer = Open(5);
-  waiting_.Meanwhile([&] { driver_.Ibwrt(99, writer, "A?", 2); });
-  EXPECT_EQ(Read(reader), "one\n");
-  EXPECT_GE(waiting_.wakes(), 1) << "whoever waits is to be told of a command";
-}
-
-TEST_F(SimulatedDriverTransferTest, Ibrd_WhenItsDescriptorIsClosedMeanwhile_IsAborted) {
+TEST_F(TransferTest, ReadThatWaits_EndsWithAReplyOrWithItsDescriptor) {
+  const std::string json = Device(kCommands);
+  const std::pair<std::function<void(std::int32_t)>, Outcome> cases[] = {
+      {[this](std::int32_t device) { driver_.Ibwrt(99, device, "A?\n", 3); }, {kComplete | kEnd, 0, 4}},
+      {[this](std::int32_t device) { driver_.Ibonl(99, device, 0); }, FailedWith(kAborted)},
+      {[this](std::int32_t device) {
+         driver_.Ibonl(99, device, 0);
+         EXPECT_EQ(Open(5, 0, 0), device);
+       },
+       FailedWith(kAborted)},
+  };
+  for (const auto& [meanwhile, outcome] : cases) {
+    Load(json);
+    const std::int32_t device = Open(5, 0, 0);
+    const int wakes = waiting_.wakes();
+    waiting_.Meanwhile([&, act = &meanwhile] { (*act)(device); });
+    Read(device);
+    EXPECT_EQ(Last(), outcome);
+    EXPECT_GT(waiting_.wakes(), wakes) << "whoever waits is to be told";
+  }
+  Load(json);
   const std::int32_t device = Open(5, 0, 0);
-  waiting_.Meanwhile([&] { driver_.Ibonl(99, device, 0); });
-  Read(device);
-  EXPECT_EQ(Last(), FailedWith(kAborted));
-}
-
-TEST_F(SimulatedDriverTransferTest, Ibrd_WhenItsDescriptorIsClosedAndGivenToAnotherMeanwhile_IsAborted) {
-  const std::int32_t device = Open(5, 0, 0);
-  waiting_.Meanwhile([&] {
-    driver_.Ibonl(99, device, 0);
-    EXPECT_EQ(Open(6, 0, 0), device);
-  });
-  Read(device);
-  EXPECT_EQ(Last(), FailedWith(kAborted));
-}
-
-TEST_F(SimulatedDriverTransferTest, Ibonl_WakesWhoWaitsAtTheDescriptor) {
-  const std::int32_t device = Open(5);
-  const int before = waiting_.wakes();
-  driver_.Ibonl(kClient, device, 0);
-  EXPECT_GT(waiting_.wakes(), before);
-}
-
-TEST_F(SimulatedDriverTransferTest, Ibrd_WhenTheBusIsReplacedMeanwhile_IsAbortedWithoutATrace) {
-  const std::int32_t device = Open(5, 0, 0);
-  waiting_.Meanwhile([&] { driver_.Load(ReadBus(kDevices)); });
+  waiting_.Meanwhile([&] { driver_.Load(ReadBus(json)); });
   char byte = 'x';
   EXPECT_EQ(driver_.Ibrd(kClient, device, &byte, 1), kError | kComplete);
-  EXPECT_EQ(driver_.Record(), "");
-  EXPECT_EQ(Last().status, kComplete) << "its registration is forgotten";
+  EXPECT_EQ(driver_.Record(), "") << "another bus has no trace of it";
+  EXPECT_EQ(status_, kComplete) << "its registration is forgotten";
 }
 
-TEST_F(SimulatedDriverTransferTest, Delay_PassesBeforeTheReplyBegins) {
-  const std::int32_t patient = Open(7);
-  const std::int64_t begin = waiting_.Microseconds();
-  Write(patient, "A?");
-  EXPECT_EQ(waiting_.Microseconds(), begin);
-  EXPECT_EQ(Read(patient), "one\n");
-  EXPECT_EQ(waiting_.Microseconds() - begin, 50'000);
-}
-
-TEST_F(SimulatedDriverTransferTest, Delay_LongerThanTheTimeOut_LeavesTheReplyForALaterRead) {
-  const std::int32_t device = Open(7, 0, 8);  // 30 ms
-  Write(device, "A?");
-  EXPECT_EQ(Read(device), "");
-  EXPECT_EQ(Last(), TimedOut());
-  EXPECT_EQ(Read(device), "one\n");
-}
-
-TEST_F(SimulatedDriverTransferTest, NewCommand_DropsTheRestOfAnOldReply) {
+TEST_F(TransferTest, Buffers_AreUsedOrBadArguments) {
+  Load(Device(kCommands));
   const std::int32_t device = Open(5);
-  Write(device, "A?");
-  EXPECT_EQ(Read(device, 1), "o");
-  Write(device, "B?");
-  EXPECT_EQ(Read(device), "two\n");
-}
-
-TEST_F(SimulatedDriverTransferTest, NewCommand_WhereRepliesAreKept_QueuesItsOwn) {
-  const std::int32_t device = Open(8);
-  Write(device, "A?");
-  EXPECT_EQ(Read(device, 1), "o");
-  Write(device, "B?");
-  EXPECT_EQ(Read(device), "ne\n");
-  EXPECT_EQ(Read(device), "two\n");
-}
-
-TEST_F(SimulatedDriverTransferTest, WithoutEnd_ACommandIsCompleteAtItsTerminatorOnly) {
-  const std::int32_t device = Open(5, 0, kThreeMilliseconds, 0);
-  Write(device, "A");
-  Write(device, "?");
-  EXPECT_EQ(Read(device), "");
-  Write(device, "\n");
-  EXPECT_EQ(Read(device), "one\n");
-}
-
-TEST_F(SimulatedDriverTransferTest, EndOfStringInWriting_SendsEnd) {
-  const std::int32_t device = Open(5, 0, kThreeMilliseconds, 0, EndOfString::kEndsWrites | '\r');
-  Write(device, "A?\r");
-  EXPECT_EQ(Read(device), "one\n");
-  Write(device, "A?\r\n");
-  EXPECT_EQ(Read(device), "one\n") << "a terminator after END is no new command";
-}
-
-TEST_F(SimulatedDriverTransferTest, EndOfStringInReading_EndsTheReadWithThatByte) {
-  const std::int32_t device = Open(5, 0, kTenSeconds, 1, EndOfString::kEndsReads | '4');
-  Write(device, "LONG?");
-  EXPECT_EQ(Read(device), "01234");
-  EXPECT_EQ(Last(), (Outcome{kComplete | kEnd, 0, 5}));
-  EXPECT_EQ(Read(device), "56789\n");
-}
-
-TEST_F(SimulatedDriverTransferTest, EndOfString_ComparesSevenBitsUnlessToldEight) {
-  const std::int32_t device = Open(9, 0, kTenSeconds, 1, EndOfString::kEndsReads | 0x01);
-  Write(device, "A?");
-  EXPECT_EQ(Read(device), "one\x01");
-  EXPECT_EQ(Read(device), "\x81") << "0x81 is 0x01 in seven bits";
-  Write(device, "A?");
-  driver_.Ibeos(kClient, device, EndOfString::kEndsReads | EndOfString::kEightBits | 0x81);
-  EXPECT_EQ(Read(device), "one\x01\x81");
-  Write(device, "A?");
-  driver_.Ibeos(kClient, device, EndOfString::kEndsReads | 0x81);
-  EXPECT_EQ(Read(device), "one\x01");
+  char byte = 0;
+  const auto last_after = [this](std::int32_t /*status*/) { return Last(); };
+  EXPECT_EQ(last_after(driver_.Ibwrt(kClient, device, nullptr, 3)), FailedWith(kBadArgument));
+  EXPECT_EQ(last_after(driver_.Ibwrt(kClient, device, "A?", -1)), FailedWith(kBadArgument));
+  EXPECT_EQ(last_after(driver_.Ibrd(kClient, device, nullptr, 3)), FailedWith(kBadArgument));
+  EXPECT_EQ(last_after(driver_.Ibrd(kClient, device, &byte, -1)), FailedWith(kBadArgument));
+  EXPECT_EQ(last_after(driver_.Ibwrt(kClient, device, nullptr, 0)), Outcome{});
+  EXPECT_EQ(last_after(driver_.Ibrd(kClient, device, nullptr, 0)), Outcome{});
+  EXPECT_EQ(last_after(driver_.Ibwrt(kClient, device, "A?\n", 3)), (Outcome{kComplete, 0, 3}));
+  EXPECT_EQ(last_after(Write(Open(12), "A?")), FailedWith(kNoListener));
+  EXPECT_EQ(waiting_.waits(), 0);
 }
 
 }  // namespace

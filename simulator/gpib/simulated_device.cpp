@@ -33,9 +33,28 @@ void SimulatedDevice::Take(char byte, bool has_end, std::int64_t now) {
 void SimulatedDevice::Clear() {
   input_.clear();
   replies_.clear();
+  later_.clear();
+}
+
+void SimulatedDevice::PassTime(std::int64_t now) {
+  for (; !later_.empty() && later_.front().when <= now; later_.pop_front()) {
+    const Step& step = later_.front().step;
+    if (step.status_byte) status_byte_ = *step.status_byte;
+    // What it has sent is read before it closes.
+    if (step.ending == Ending::kClose && !replies_.empty()) return;
+    has_left_ = has_left_ || step.ending.has_value();
+  }
+  if (has_left_) replies_.clear();
+}
+
+char SimulatedDevice::Poll() {
+  const auto polled = static_cast<char>(status_byte_);
+  status_byte_ &= static_cast<std::uint8_t>(~kRequest);
+  return polled;
 }
 
 std::optional<SimulatedDevice::Sent> SimulatedDevice::Send(std::int64_t now) {
+  PassTime(now);
   if (ReplyBegins() > now) return std::nullopt;
   Reply& reply = replies_.front();
   const char byte = reply.bytes[reply.sent++];
@@ -57,6 +76,7 @@ void SimulatedDevice::Complete(std::int64_t now) {
   std::int64_t begins = now + delay_;
   for (const Step& step : StepsOf(instrument_.Command(name), name)) {
     begins += std::chrono::microseconds(step.pause).count();
+    if (step.bytes.empty()) later_.push_back({begins, step});
     for (std::size_t i = 0; i < step.times && !step.bytes.empty(); ++i)
       replies_.push_back({step.bytes, begins, step.is_whole});
   }

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "simulator/instrument.h"
+#include "simulator/schedule.h"
 
 namespace kesp::simulator::gpib {
 
@@ -24,8 +25,17 @@ class SimulatedDevice {
   // unless the device keeps them; carriage returns and terminators by themselves are no command.
   void Take(char byte, bool has_end, std::int64_t now);
 
-  // Drops what came in of a command, and everything not yet sent.
+  // Drops what came in of a command, and everything not yet done.
   void Clear();
+
+  // Does by now what is not sending: sets the status byte, leaves the bus.
+  void PassTime(std::int64_t now);
+  // Whether it has left the bus, for good.
+  bool HasLeft() const { return has_left_; }
+
+  // What a serial poll gets: the status byte, which no longer asks for service after it.
+  char Poll();
+  bool RequestsService() const { return (status_byte_ & kRequest) != 0; }
 
   struct Sent {
     char byte;
@@ -45,6 +55,15 @@ class SimulatedDevice {
     std::size_t sent = 0;
   };
 
+  // Bit 6 of the status byte.
+  static constexpr std::uint8_t kRequest = 0x40;
+
+  // What is not a reply, and its moment.
+  struct Later {
+    std::int64_t when;
+    Step step;
+  };
+
   bool OpensACommand(char byte) const;
   // Carries out what has come in as a command.
   void Complete(std::int64_t now);
@@ -57,6 +76,9 @@ class SimulatedDevice {
   const bool keeps_replies_;
   std::string input_;
   std::deque<Reply> replies_;
+  std::deque<Later> later_;
+  std::uint8_t status_byte_ = 0;
+  bool has_left_ = false;
 };
 
 }  // namespace kesp::simulator::gpib

@@ -10,6 +10,7 @@ namespace kesp::simulator::gpib {
 inline constexpr std::int32_t kError = 0x8000;
 inline constexpr std::int32_t kTimedOut = 0x4000;
 inline constexpr std::int32_t kEnd = 0x2000;
+inline constexpr std::int32_t kServiceRequested = 0x0800;
 inline constexpr std::int32_t kComplete = 0x0100;
 
 // Error numbers; they count only while the status word has the error bit.
