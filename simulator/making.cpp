@@ -14,7 +14,9 @@ std::string ReasonOf(const std::error_code& error) {
   if (error.value() == kAddressNotAvailable) return "this machine has no such address";
   // Asio has a category of its own, which knows no conditions.
   const std::error_code system(error.value(), std::system_category());
-  if (system == std::errc::permission_denied) return "access is denied, or another program has it";
+  const bool is_denied =
+      system == std::errc::permission_denied || error.value() == asio::error::access_denied;
+  if (is_denied) return "access is denied, or another program has it";
   if (system == std::errc::no_such_file_or_directory) return "there is no such port or path";
   if (system == std::errc::file_exists) return "something else has that name";
   return system.message();

@@ -154,6 +154,8 @@ CLI::App& AddCommand(CLI::App& app, Options& options, Command command, const cha
 }
 
 void Describe(CLI::App& app, Options& options) {
+  // The same on every system: "/file.json" is a path.
+  app.allow_windows_style_options(false);
   app.footer(kMore);
   app.set_help_flag("-h,--help", "Print this text and end");
   app.set_version_flag("--version", "kesp-sim " KESP_VERSION, "Print the version and end");

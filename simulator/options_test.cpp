@@ -22,6 +22,7 @@ TEST(ParseOptions, Arguments_AreTakenAndTheRestHasItsDefaults) {
       {{"serve", "p.json"}, "0 [p.json] 0 127.0.0.1 0 30718 - 0 [] [] 0 0 "},
       {{"--port", "10001", "--bind", "::1", "p.json", "--log=l.txt", "--quiet", "--once"},
        "0 [p.json] 10001 ::1 0 30718 - 0 [] [l.txt] 1 1 "},
+      {{"/p.json"}, "0 [/p.json] 0 127.0.0.1 0 30718 - 0 [] [] 0 0 "},
       {{"--serial", "d/com33"}, "0 [] 0 127.0.0.1 0 30718 - 0 [d/com33] [] 0 0 "},
       {{"--discovery", "--discovery-port", "0", "--discovery-from", "10.0.0.1-10.0.0.9", "--discovery-rate",
         "500"},

@@ -18,6 +18,7 @@ from program_tester import (EXAMPLES, LIMIT_SECONDS, ROOT, SKIPPED, TOOLS, Line,
                             serial_line, set_line, start_wine, tcp_line)
 
 BITS = None  # of Wine
+SENDS_FROM = None  # Wine sends datagrams from the address that the system takes, whatever it is asked for
 COM = 61
 TORTURE = EXAMPLES / "torture.json"
 PATTERN = b"0123456789ABCDEF"
@@ -295,7 +296,8 @@ class ProgramTest(unittest.TestCase):
             (1, f"kesp-sim: cannot listen on 127.0.0.1 port {port}: the port is in use\n", "--port", port),
             (1, "kesp-sim: cannot listen on 192.0.2.1 port 20001: this machine has no such address\n",
              "--port", 20001, "--bind", "192.0.2.1"),
-            (1, f"kesp-sim: cannot listen for discovery on port {seekers}: the port is in use\n",
+            (1, f"kesp-sim: cannot listen for discovery on port {seekers}: "
+             f"{'access is denied, or another program has it' if BITS else 'the port is in use'}\n",
              "--discovery", "--discovery-port", seekers),
             (2, both, bad, "--log", log), (2, both, "check", bad),
             (2, f"{self.folder}: cannot be read\n", self.folder),
@@ -362,7 +364,7 @@ class DiscoveryTest(unittest.TestCase):
             program, _, port = self.start("--bind", bind, address=bind)
             seeker = self.seek(port)
             data, sender = seeker.heard()
-            self.assertEqual((sender, len(data)), ((address, port), 30))
+            self.assertEqual((sender, len(data)), ((SENDS_FROM or address, port), 30))
             self.assertIn(b"\xf7", data)
             log = self.log_of(program)
             self.assertIn(f" discovery from 127.0.0.1:{seeker.port()}\n", log)
@@ -371,11 +373,14 @@ class DiscoveryTest(unittest.TestCase):
     def test_a_range_of_addresses_answers_once_from_each(self):
         program, _, port = self.start("--discovery-from", "127.0.1.1-127.0.1.50")
         seeker = self.seek(port)
-        self.assertEqual([seeker.heard()[1] for _ in range(50)], [(f"127.0.1.{i}", port) for i in range(1, 51)])
+        self.assertEqual([seeker.heard()[1] for _ in range(50)],
+                         [(SENDS_FROM or f"127.0.1.{i}", port) for i in range(1, 51)])
         self.assertIsNone(seeker.heard(0.05))
         self.assertIn(" from 127.0.1.1-127.0.1.50: 50 sent (1500 bytes), 0 failed\n", self.log_of(program))
 
     def test_addresses_of_somebody_else_are_logged_and_the_service_goes_on(self):
+        if SENDS_FROM:
+            self.skipTest("this Windows does not look at the address")
         program, tcp, port = self.start("--discovery-from", "198.51.100.1-198.51.100.20")
         self.assertIsNone(self.seek(port).heard(0.2))
         with tcp_line(tcp) as line:
@@ -413,6 +418,7 @@ class LibraryTest(unittest.TestCase):
 
 if __name__ == "__main__":
     BITS = None if sys.argv[1] == "native" else sys.argv[1]
+    SENDS_FROM = "127.0.0.1" if BITS else None
     ready = start_wine(BITS) if BITS else 0
     if ready:
         sys.exit(SKIPPED if ready == SKIPPED else "there is no Wine")

@@ -6,6 +6,7 @@
 #include <asio/io_context.hpp>
 #include <asio/signal_set.hpp>
 #include <exception>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <system_error>
@@ -20,9 +21,9 @@
 namespace kesp::simulator {
 namespace {
 
-void StopOn(asio::signal_set& signals, asio::io_context& io) {
+void OnEndingSignal(asio::signal_set& signals, const std::function<void()>& end) {
   AddEndingSignals(signals);
-  signals.async_wait([&io](const asio::error_code& /*error*/, int /*signal*/) { io.stop(); });
+  signals.async_wait([end](const asio::error_code& /*error*/, int /*signal*/) { end(); });
 }
 
 // The UDP side of an instrument that answers discovery.
@@ -63,7 +64,10 @@ void ServeTcp(const Options& options, const std::shared_ptr<Instrument>& instrum
                    instrument, log);
   const std::unique_ptr<Discovery> discovery = MakeDiscovery(io, options, *instrument, log);
   asio::signal_set signals(io);
-  StopOn(signals, io);
+  OnEndingSignal(signals, [&] {
+    server.AbandonClients();
+    io.stop();
+  });
   asio::co_spawn(io, server.Run(options.once ? Clients::kOne : Clients::kMany),
                  [&io](const std::exception_ptr& /*failure*/) { io.stop(); });
   std::cout << "listening on " << server.endpoint() << std::endl;
@@ -75,7 +79,7 @@ void ServeSerial(const std::string& name, Device& device, EventLog& log) {
   asio::io_context io(1);
   // Before there is a link that a signal could leave behind.
   asio::signal_set signals(io);
-  StopOn(signals, io);
+  OnEndingSignal(signals, [&io] { io.stop(); });
   const std::unique_ptr<Carrier> carrier =
       Making("serve " + name, [&] { return OpenSerialLine(io, name, device.Line()); });
   Talk talk(*carrier, device, log, 1);

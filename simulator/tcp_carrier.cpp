@@ -44,6 +44,11 @@ void TcpCarrier::End(Ending ending) {
   stream_.close(ignored);
 }
 
+void TcpCarrier::Abandon() {
+  asio::error_code ignored;  // it may be closed already
+  stream_.cancel(ignored);
+}
+
 // Closing a socket with unread input makes the system send a reset, which can cost the client the reply.
 void TcpCarrier::DropInput() {
   asio::error_code error;

@@ -16,6 +16,9 @@ class TcpCarrier : public StreamCarrier<asio::ip::tcp::socket> {
   std::string Opening() const override;
   void End(Ending ending) override;
 
+  // Ends whatever goes on on the connection, with an error.
+  void Abandon();
+
  private:
   void DropInput();
 

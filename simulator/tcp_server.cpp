@@ -14,7 +14,6 @@
 #include "simulator/platform.h"
 #include "simulator/played_device.h"
 #include "simulator/talk.h"
-#include "simulator/tcp_carrier.h"
 
 namespace kesp::simulator {
 namespace {
@@ -68,6 +67,10 @@ asio::awaitable<void> TcpServer::Run(Clients clients) {
   }
 }
 
+void TcpServer::AbandonClients() {
+  for (TcpCarrier* carrier : carriers_) carrier->Abandon();
+}
+
 asio::awaitable<tcp::socket> TcpServer::Accept() {
   for (;;) {
     asio::error_code error;
@@ -84,7 +87,9 @@ asio::awaitable<void> TcpServer::Serve(tcp::socket socket, unsigned number) {
   TcpCarrier carrier(std::move(socket));
   PlayedDevice device(instrument_, Place::kOwnLine);
   Talk talk(carrier, device, log_, number);
+  carriers_.insert(&carrier);
   co_await talk.Run();
+  carriers_.erase(&carrier);
 }
 
 }  // namespace kesp::simulator

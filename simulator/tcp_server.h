@@ -6,10 +6,12 @@
 #include <asio/ip/tcp.hpp>
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "simulator/event_log.h"
 #include "simulator/instrument.h"
+#include "simulator/tcp_carrier.h"
 
 namespace kesp::simulator {
 
@@ -36,6 +38,10 @@ class TcpServer {
   // talk.
   asio::awaitable<void> Run(Clients clients);
 
+  // To be called before the io_context is stopped: on Windows a send that a client does not read would keep
+  // it.
+  void AbandonClients();
+
  private:
   asio::awaitable<asio::ip::tcp::socket> Accept();
   asio::awaitable<void> Serve(asio::ip::tcp::socket socket, unsigned number);
@@ -43,6 +49,7 @@ class TcpServer {
   asio::ip::tcp::acceptor acceptor_;
   const std::shared_ptr<Instrument> instrument_;
   EventLog& log_;
+  std::set<TcpCarrier*> carriers_;
 };
 
 }  // namespace kesp::simulator
