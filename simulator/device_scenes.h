@@ -32,7 +32,9 @@ inline Scene Heard(Device& device, int at, const std::string& in) {
     const Step& step = deed->step;
     for (std::size_t i = 0; i < step.times && !step.flood; ++i) scene.out += step.bytes;
     if (step.flood) scene.out += "[flood " + std::to_string(step.flood->count()) + "]";
-    if (step.ending) scene.out += *step.ending == Ending::kClose ? "[close]" : "[reset]";
+    if (!step.ending) continue;
+    scene.out += *step.ending == Ending::kClose ? "[close]" : "[reset]";
+    break;
   }
   return scene;
 }

@@ -41,17 +41,17 @@ class TalkTest : public testing::Test {
 };
 
 TEST_F(TalkTest, Commands_AreCarriedOutInOrderAndLogged) {
-  EXPECT_EQ(
-      Talk(kInstrument, {"A?\rB", "?\rC\rHOLD?\rFLOOD\r"}),
-      "command \"A?\"\nreply \"1\\r\" (2 bytes, 1 piece)\n"
-      "command \"B?\"\nreply \"22\\r\" (3 bytes, 3 pieces)\n"
-      "command \"C\"\n"
-      "command \"HOLD?\"\n5 bytes held back for the next reply\n"
-      "command \"FLOOD\"\nreply \"held\\r01234567890123456789012345678901234567890123456789012345678...\" "
-      "(262145 bytes, 1 piece)\n"
-      "closed by the client\n");
-  EXPECT_THAT(carrier_.record,
-              ElementsAre(R"("1\r")", "\"2\"", "pause 4", "\"2\"", "pause 4", R"("\r")", "endless 10"));
+  EXPECT_EQ(Talk(kInstrument, {"A?\rB", "?\rC\rHOLD?\rA?\rFLOOD\r"}),
+            "command \"A?\"\nreply \"1\\r\" (2 bytes, 1 piece)\n"
+            "command \"B?\"\nreply \"22\\r\" (3 bytes, 3 pieces)\n"
+            "command \"C\"\n"
+            "command \"HOLD?\"\n5 bytes held back for the next reply\n"
+            "command \"A?\"\nreply \"held\\r1\\r\" (7 bytes, 1 piece)\n"
+            "command \"FLOOD\"\nreply \"012345678901234567890123456789012345678901234567890123456789...\" "
+            "(262140 bytes, 1 piece)\n"
+            "closed by the client\n");
+  EXPECT_THAT(carrier_.record, ElementsAre(R"("1\r")", "\"2\"", "pause 4", "\"2\"", "pause 4", R"("\r")",
+                                           R"("held\r1\r")", "endless 10"));
 }
 
 TEST_F(TalkTest, Endings_LeaveFurtherCommandsUnanswered) {

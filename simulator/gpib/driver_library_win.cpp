@@ -18,6 +18,7 @@ DriverLibrary::DriverLibrary(const std::filesystem::path& path) : module_(LoadLi
   Find(ibwrt, "ibwrt");
   Find(ibrd, "ibrd");
   Find(ibonl, "ibonl");
+  Find(ibrsp, "ibrsp");
   Find(Register, "RegisterGpibGlobalsForThread");
   Find(Unregister, "UnregisterGpibGlobalsForThread");
   Find(load, "KespSimulationLoad");

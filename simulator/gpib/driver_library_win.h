@@ -27,6 +27,7 @@ class DriverLibrary {
   int(__stdcall* ibwrt)(int, const void*, long) = nullptr;
   int(__stdcall* ibrd)(int, void*, long) = nullptr;
   int(__stdcall* ibonl)(int, int) = nullptr;
+  int(__stdcall* ibrsp)(int, char*) = nullptr;
   int(__stdcall* Register)(int*, int*, int*, int*) = nullptr;
   int(__stdcall* Unregister)() = nullptr;
   int(__stdcall* load)(const char*, char*, long) = nullptr;

@@ -71,6 +71,28 @@ TEST_F(DriverWin, Conversation_WorksThroughTheWholeInterface) {
   EXPECT_EQ(driver_.Unregister(), 1);
 }
 
+TEST_F(DriverWin, EachFault_WorksThroughTheDll) {
+  EXPECT_EQ(driver_.Load(R"({"devices": [{"gpib": {"primary": 5}, "commands": {
+              "LATE?": [{"wait_ms": 50}, {"send": "late"}], "PIECES?": [{"split": "abcd", "pieces": 2, "gap_ms": 20}],
+              "GARBAGE?": [{"send_hex": "FF 80"}], "SRQ": [{"status_byte": 80}], "BYE?": [{"send": "bye"}, {"close": true}]}}],
+            "failures": [{"call": "ibrsp", "at": 3, "error": 15}]})"),
+            "");
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_EQ(driver_.Ask("LATE?"), "late\n");
+  EXPECT_EQ(driver_.Ask("PIECES?"), "abcd\n");
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(68));
+  EXPECT_EQ(driver_.Ask("GARBAGE?"), "\xFF\x80");
+  const int device = driver_.ibdev(0, 5, 0, 13, 1, 0);
+  EXPECT_EQ(driver_.ibwrt(device, "SRQ", 3), 0x900);
+  for (const char expected : {'\x50', '\x10', 'x'}) {
+    char status = 'x';
+    EXPECT_EQ(driver_.ibrsp(device, &status), expected == 'x' ? 0x8100 : 0x100);
+    EXPECT_EQ(status, expected);
+  }
+  EXPECT_EQ(driver_.Ask("BYE?"), "bye\n");
+  EXPECT_EQ(driver_.ibwrt(device, "A?", 2), 0x8100) << "it has left the bus";
+}
+
 TEST_F(DriverWin, TwoThreads_HaveTheirOutcomesInTheirOwnCells) {
   constexpr int kRounds = 300;
   const auto run = [this](int primary, int expected_error) {
