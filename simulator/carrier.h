@@ -48,9 +48,9 @@ class Carrier {
 
   virtual asio::awaitable<void> Pause(std::chrono::milliseconds length) = 0;
 
-  // The clock by which it pauses, rounded down, so that nobody sees a moment before its time.
-  virtual std::chrono::milliseconds Now() const {
-    return std::chrono::floor<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch());
+  // The clock by which it pauses.
+  virtual std::chrono::steady_clock::duration Now() const {
+    return std::chrono::steady_clock::now().time_since_epoch();
   }
 
   // Ends the line. kClose: the client gets all that was sent, and then the end. kReset: at once, and the

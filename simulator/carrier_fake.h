@@ -65,7 +65,7 @@ class CarrierFake : public Carrier {
     co_return;
   }
 
-  std::chrono::milliseconds Now() const override { return now; }
+  std::chrono::steady_clock::duration Now() const override { return now; }
 
   std::optional<LineSettings> Line() const override { return line; }
   std::string Rest() override { return rest; }

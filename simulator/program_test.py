@@ -322,8 +322,10 @@ class ProgramTest(unittest.TestCase):
     def cases_of_windows(self, precious):
         self.serial("--quiet")
         here = "--serial"
-        return [(1, "kesp-sim: cannot serve COM62: there is no such port or path\n", here, "COM62"),
-                (1, f"kesp-sim: cannot serve COM{COM}: access is denied, or another program has it\n", here, f"COM{COM}"),
+        # The 32-bit Wine was seen to open a port a second time.
+        taken = [(1, f"kesp-sim: cannot serve COM{COM}: access is denied, or another program has it\n", here, f"COM{COM}")]
+        return (taken if BITS == "64" else []) + [
+                (1, "kesp-sim: cannot serve COM62: there is no such port or path\n", here, "COM62"),
                 (1, None, here, precious), (1, None, here, "nothing"),
                 (2, "wire works on Linux only; on Windows use a pair of COM ports that are joined\n", "wire", here, "x")]
 

@@ -32,7 +32,7 @@ asio::awaitable<void> Talk::Run() {
 }
 
 asio::awaitable<bool> Talk::Act() {
-  for (std::optional<Deed> deed = device_.Next(carrier_.Now()); deed; deed = device_.Next(carrier_.Now())) {
+  for (std::optional<Deed> deed = device_.Next(Now()); deed; deed = device_.Next(Now())) {
     if (!deed->event.empty()) Note(deed->event);
     co_await Do(deed->step);
     if (!deed->step.ending) continue;
@@ -75,17 +75,24 @@ asio::awaitable<void> Talk::Hear(std::string_view bytes) {
   const std::optional<LineSettings> line = carrier_.Line();
   const std::optional<LineRule> rule = device_.Line();
   if (!line || !rule || Suits(*rule, *line)) {
-    device_.Take(bytes, carrier_.Now());
+    device_.Take(bytes, Now());
     co_return;
   }
   Note("garbled: the device's line is " + TextOf(*rule));
   co_await carrier_.Send(kGarbage);
 }
 
+// Rounded up here and down below, so that no pause is too short.
+Moment Talk::Now() const {
+  return std::chrono::ceil<Moment>(carrier_.Now());
+}
+
 std::chrono::milliseconds Talk::Patience() const {
   const std::optional<Moment> due = device_.Due();
   const std::chrono::milliseconds quiet = line_log_.patience();
-  return due ? std::min(quiet, std::max(*due - carrier_.Now(), std::chrono::milliseconds(0))) : quiet;
+  return due ? std::min(quiet, std::max(*due - std::chrono::floor<Moment>(carrier_.Now()),
+                                        std::chrono::milliseconds(0)))
+             : quiet;
 }
 
 void Talk::Note(const std::string& text) {

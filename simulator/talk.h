@@ -35,6 +35,7 @@ class Talk {
   // Waits for bytes or for the device. False when the client has left.
   asio::awaitable<bool> Wait();
   asio::awaitable<void> Hear(std::string_view bytes);
+  Moment Now() const;
   std::chrono::milliseconds Patience() const;
   void Note(const std::string& text);
   void Count(std::string_view bytes, std::size_t total);
