@@ -1,51 +1,39 @@
-// The stage of the serial transport's tests: all its settings, and one record of everything that happens.
+// The stage of the serial transport's tests: what is expected of it, and one record of everything that
+// happens.
 #include "serial/kesp_com_port_fixture.h"
-
-#include <tuple>
-#include <utility>
 
 namespace kesp {
 
-namespace {
+CKespCOMPort3Fixture::CKespCOMPort3Fixture() = default;
 
-auto AllOf(const CKespCOMPort3& port) {
-  return std::tuple(port.Port(), port.BaudRate(), port.MinBaudRate(), port.MaxBaudRate(), port.DataBits(),
-                    port.StopBits(), port.Parity(), port.ControllerStyle(), port.TimeOut(), port.StripCRLF(),
-                    port.TerminateOnLF(), port.CheckNonAscii(), port.UseSmartSwitch(), port.UseIRDongle(),
-                    port.UseRFModem(), port.InstrAddr(), port.RFModemPropHCID(), port.UseRedirector(),
-                    port.CreateLogFile(), port.LogFilename(), port.GetKey(), port.SmartSwitch());
-}
+CKespCOMPort3Fixture::~CKespCOMPort3Fixture() = default;
 
-}  // namespace
-
-struct Settings::Values {
-  decltype(AllOf(std::declval<const CKespCOMPort3&>())) all;
-};
-
-Settings::Settings(const CKespCOMPort3& port) : values_(std::make_shared<const Values>(AllOf(port))) {}
-
-bool Settings::operator==(const Settings& other) const {
-  return values_->all == other.values_->all;
-}
-
-CKespCOMPort3Test::CKespCOMPort3Test() = default;
-
-CKespCOMPort3Test::~CKespCOMPort3Test() = default;
-
-void CKespCOMPort3Test::AllowRates(std::int32_t lowest, std::int32_t highest, std::int32_t rate) {
+void CKespCOMPort3Fixture::AllowRates(std::int32_t lowest, std::int32_t highest, std::int32_t rate) {
   port_.SetMaxBaudRate(Rate(highest));
   port_.SetMinBaudRate(Rate(lowest));
   port_.SetBaudRate(Rate(rate));
 }
 
-void CKespCOMPort3Test::ExpectRefused(const std::function<void()>& set, std::int64_t value,
-                                      const Raised& failure) {
-  const Settings before(port_);
-  EXPECT_EQ(RaisedBy(set), failure) << value;
-  EXPECT_TRUE(Settings(port_) == before) << value;
+void CKespCOMPort3Fixture::ExpectRefused(const std::function<void()>& set, const Raised& failure) {
+  const auto before = SettingsOf(port_);
+  EXPECT_EQ(RaisedBy(set), failure);
+  EXPECT_TRUE(SettingsOf(port_) == before);
 }
 
-SerialConversationTest::SerialConversationTest() {
+void CKespCOMPort3Fixture::ExpectBox(const std::wstring& action, const std::wstring& error,
+                                     std::size_t count) {
+  ASSERT_EQ(environment_.user.boxes().size(), count);
+  const MessageBoxRequest& box = environment_.user.boxes().back();
+  EXPECT_EQ(box.title, L"Kesp Communications Error");
+  EXPECT_EQ(box.style, 16u);
+  EXPECT_EQ(box.text, L"An error occurred while " + action + L".\r\nError: " + error);
+}
+
+std::wstring CKespCOMPort3Fixture::Remembered(const std::wstring& section) const {
+  return environment_.settings.Value(kModemFile, section, L"InstrAddr");
+}
+
+SerialConversationFixture::SerialConversationFixture() {
   AllowRates(0, 13, 6);
   environment_.clock.SetStepPerReading(1);
   ports_.line.record = [this](const std::string& call) {
@@ -58,7 +46,7 @@ SerialConversationTest::SerialConversationTest() {
   });
 }
 
-SerialConversationTest::~SerialConversationTest() {
+SerialConversationFixture::~SerialConversationFixture() {
   ports_.line.record = [](const std::string&) {};
   ports_.line.on_output = nullptr;
   ports_.line.on_poll = nullptr;
@@ -68,24 +56,24 @@ SerialConversationTest::~SerialConversationTest() {
   environment_.pump.OnPump(nullptr);
 }
 
-void SerialConversationTest::Open() {
+void SerialConversationFixture::Open() {
   port_.OpenPort();
   record_.clear();
 }
 
-void SerialConversationTest::StartLog() {
+void SerialConversationFixture::StartLog() {
   port_.SetCreateLogFile(true);
 }
 
-Lines SerialConversationTest::LogLines() const {
+Lines SerialConversationFixture::LogLines() const {
   return Recorded(L"Log ", 4);
 }
 
-Lines SerialConversationTest::Outputs() const {
+Lines SerialConversationFixture::Outputs() const {
   return Recorded(L"Output ", 7);
 }
 
-Lines SerialConversationTest::Events() const {
+Lines SerialConversationFixture::Events() const {
   Lines events;
   for (const std::wstring& line : record_) {
     const bool event = line.ends_with(L')') && !line.starts_with(L"Log ") && !line.starts_with(L"Output ");
@@ -94,11 +82,19 @@ Lines SerialConversationTest::Events() const {
   return events;
 }
 
-std::int32_t SerialConversationTest::Now() const {
+std::int32_t SerialConversationFixture::Now() const {
   return environment_.clock.tick();
 }
 
-Lines SerialConversationTest::Recorded(const std::wstring& beginning, std::size_t dropped) const {
+void SerialConversationFixture::Run(const std::function<bool()>& read) {
+  const std::int32_t start = Now();
+  raised_ = RaisedBy([&] { returned_ = read(); });
+  // The counter may turn negative meanwhile.
+  lasted_ =
+      static_cast<std::int32_t>(static_cast<std::uint32_t>(Now()) - static_cast<std::uint32_t>(start)) - 1;
+}
+
+Lines SerialConversationFixture::Recorded(const std::wstring& beginning, std::size_t dropped) const {
   Lines lines;
   for (const std::wstring& line : record_) {
     if (line.starts_with(beginning)) lines.push_back(line.substr(dropped));

@@ -7,7 +7,7 @@
 namespace kesp {
 namespace {
 
-class CKespCOMPort3OutputTest : public SerialConversationTest {
+class CKespCOMPort3OutputTest : public SerialConversationFixture {
  protected:
   CKespCOMPort3OutputTest() { Open(); }
 };
@@ -31,51 +31,17 @@ TEST_F(CKespCOMPort3OutputTest, WriteLine_Logged_EveryStepHasItsLineInItsPlace) 
                    L"Output SL<0D>", L"WriteUpdate(0,1)", L"WriteEnd()"}));
 }
 
-TEST_F(CKespCOMPort3OutputTest, WriteLine_EachStyle_WritesItsBytes) {
-  struct Case {
-    std::int32_t style;
-    const wchar_t* cmd;
-    const wchar_t* address;
-    const wchar_t* value;
-    std::string bytes;
-  };
-  const Case cases[] = {
-      {0, L"  *IDN?  ", L"", L"", "*IDN?  \r"},
-      {0, L"", L"", L"", "\r"},
-      {1, L"PV", L"01", L"",
-       "\x04"
-       "0011PV\x05\r"},
-      {1, L"SL", L"01", L"100",
-       "\x04"
-       "0011\x02SL100\x03\x2D\r"},
-      {1, L"PV", L"5", L"",
-       "\x04"
-       "55PV\x05\r"},
-      {2, L"*IDN?", L"01", L"1", ""},
-      {3, L"+++", L"01", L"1", "+++"},
-      {9, L"*IDN?", L"", L"", ""},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.style);
-    port_.SetControllerStyle(As<EKespControllerStyle3>(c.style));
-    ports_.line.writes.clear();
-    record_.clear();
-    EXPECT_TRUE(port_.WriteLine(c.cmd, c.address, c.value));
-    EXPECT_EQ(ports_.line.writes, std::vector<std::string>{c.bytes});
-    // The event tells the command as it was given.
-    EXPECT_EQ(record_[0], L"WriteBegin(" + std::wstring(c.cmd) + L",1)");
-    EXPECT_EQ(record_.back(), L"WriteEnd()");
-  }
-}
-
-TEST_F(CKespCOMPort3OutputTest, WriteLine_NoArguments_WritesALoneCarriageReturn) {
-  EXPECT_TRUE(port_.WriteLine());
-  EXPECT_EQ(ports_.line.written, "\r");
-}
-
-TEST_F(CKespCOMPort3OutputTest, WriteLine_CharactersOfTheCodePage_GoOutAsItsBytes) {
-  port_.WriteLine(L"\x20AC\xE9\x0416");  // the euro sign, an e with acute, and a letter it has not
-  EXPECT_EQ(ports_.line.written, "\x80\xE9?\r");
+// The frames themselves are those of CommandFrame; the event tells the command as it was given.
+TEST_F(CKespCOMPort3OutputTest, WriteLine_FrameIsMadeOfAllArgumentsInTheCodePage) {
+  port_.SetControllerStyle(EKespControllerStyle3::CS_OMEGA);
+  port_.WriteLine(L"SL", L"01", L"100");
+  port_.SetControllerStyle(EKespControllerStyle3::CS_PRECIDIA);
+  port_.WriteLine(L"*IDN?");
+  port_.SetControllerStyle(EKespControllerStyle3::CS_KESP);
+  port_.WriteLine(L" \x20AC\xE9\x0416");  // the euro sign, an e with acute, and a letter it has not
+  port_.WriteLine();
+  EXPECT_EQ(Outputs(), (Lines{L"<04>0011<02>SL100<03>-<0D>", L"", L"<80><E9>?<0D>", L"<0D>"}));
+  EXPECT_EQ(Events()[6], L"WriteBegin( \x20AC\xE9\x0416,1)");
 }
 
 TEST_F(CKespCOMPort3OutputTest, WriteLine_CrBefore_IsWrittenFiftyMillisecondsAheadAndPumps) {
@@ -105,16 +71,18 @@ TEST_F(CKespCOMPort3OutputTest, WriteLine_CrBeforeOnASlowLine_LeavesOnce) {
 }
 
 // The 50 ms count from its end on the line, which the adapter does not tell.
-TEST_F(CKespCOMPort3OutputTest, WriteLine_CrBeforeBehindASlowAdapter_ItsAnswerIsDiscarded) {
+TEST_F(CKespCOMPort3OutputTest, WriteLine_CrBefore_WhatItBroughtIsDiscarded) {
   ports_.line.on_poll = [this] { environment_.clock.Advance(1); };
-  port_.SetBaudRate(EKespBaudRate3::br150);
-  Open();
-  ports_.line.Answer("\r", "error 1\r\n", 67 + 20);
   ports_.line.Answer("t\r", "1.5\r\n");
-  EXPECT_TRUE(port_.WriteLine(L"t", {}, {}, true));
   std::wstring reply;
-  EXPECT_TRUE(port_.ReadLine(reply));
-  EXPECT_EQ(reply, L"1.5");
+  for (const auto& [rate, milliseconds] : {std::pair{6, 20u}, std::pair{0, 67u + 20u}}) {
+    port_.SetBaudRate(Rate(rate));
+    Open();
+    ports_.line.Answer("\r", "error 1\r\n", milliseconds);
+    EXPECT_TRUE(port_.WriteLine(L"t", {}, {}, true));
+    EXPECT_TRUE(port_.ReadLine(reply));
+    EXPECT_EQ(reply, L"1.5") << rate;
+  }
 }
 
 // Then it is taken back, and the command waits for the line.
@@ -125,15 +93,6 @@ TEST_F(CKespCOMPort3OutputTest, WriteLine_CrBeforeDoesNotLeave_CommandFollowsAll
   EXPECT_EQ(Outputs(), (Lines{L"<0D>", L"t<0D>"}));
   EXPECT_GT(Now() - start, 1000);
   EXPECT_LT(Now() - start, 1100);
-}
-
-TEST_F(CKespCOMPort3OutputTest, WriteLine_CrBefore_WhatItBroughtIsDiscarded) {
-  ports_.line.Answer("\r", "error 1\r\n", 20);
-  ports_.line.Answer("t\r", "1.5\r\n");
-  EXPECT_TRUE(port_.WriteLine(L"t", {}, {}, true));
-  std::wstring reply;
-  EXPECT_TRUE(port_.ReadLine(reply));
-  EXPECT_EQ(reply, L"1.5");
 }
 
 TEST_F(CKespCOMPort3OutputTest, WriteLine_StaleInput_IsDiscardedBeforeTheCommand) {

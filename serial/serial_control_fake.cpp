@@ -21,6 +21,10 @@ void SerialLineFake::Answer(const std::string& written, std::string reply, std::
   answers[written] = {std::move(reply), in_ms};
 }
 
+void SerialLineFake::ConfirmAddress26() {
+  for (const char* command : {"+++", "ATDH0\r", "ATDL1A\r", "ATWR\r", "ATCN\r"}) Answer(command, "OK\r");
+}
+
 void SerialLineFake::FailCall(int nth, std::int32_t number) {
   fail_at = calls + nth;
   fail_number = number;

@@ -30,6 +30,8 @@ struct SerialLineFake {
   void Arrive(std::string bytes, std::uint32_t in_ms = 0);
   // What the instrument answers, each time, so many milliseconds after exactly these bytes were written
   void Answer(const std::string& written, std::string reply, std::uint32_t in_ms = 1);
+  // A radio modem that confirms the commands which point it at the instrument with address 26.
+  void ConfirmAddress26();
   // The n-th call of an operation that may fail, from now on (1 is the next), fails with that number.
   void FailCall(int nth, std::int32_t number);
 
