@@ -2,209 +2,268 @@
 #include <gtest/gtest.h>
 
 #include <deque>
-#include <ostream>
+#include <limits>
 
 #include "commobj/kesp_comm_obj_serial_fixture.h"
+#include "serial/serial_control_errors.h"
 
 namespace kesp {
 namespace {
 
-// A number that a step of the exchange fails with, the status that comes of it, and what follows the name of
-// the operation in its trace line.
-struct Fault {
-  std::int32_t number;
-  ECommError status;
-  std::wstring line;
-};
+constexpr wchar_t kOpenPort[] = L"OpenPort()";
+constexpr wchar_t kWriteLine[] = L"WriteLine()";
+constexpr wchar_t kReadLine[] = L"ReadLine()";
 
-class SerialFaultTest : public SerialFaultFixture, public testing::WithParamInterface<Fault> {
+class CKespCommObjSerialFaultsTest : public CKespCommObjSerialFixture {
  protected:
-  std::int32_t number() const { return GetParam().number; }
-  // The line of the failure, with the number and description in the place of "{}".
-  std::wstring FailureLine(const std::wstring& member) const {
-    std::wstring line = L"RS-232: ** " + member + L" " + GetParam().line;
-    if (const std::size_t place = line.find(L"{}"); place != std::wstring::npos) {
-      line.replace(place, 2, NumberAndDescription(number()));
-    }
-    return line;
+  // The control's own failure in this member.
+  void ExpectFailure(ECommError status, const std::wstring& member, std::int32_t number) {
+    ExpectStatus(status, L"CKespCOMPort3 - " + member + L" [commCOMControl]",
+                 SerialControlErrorDescription(number));
   }
-};
 
-void PrintTo(const Fault& fault, std::ostream* out) {
-  *out << fault.number;
-}
-
-const auto kFaultName = [](const testing::TestParamInfo<Fault>& info) {
-  const std::string number = std::to_string(info.param.number);
-  return number[0] == '-' ? "Minus" + number.substr(1) : number;
+  // What is traced around the lines of a member, with and without a frame.
+  static Lines Framed(const std::wstring& operation, const std::wstring& blank, const Lines& lines) {
+    Lines all{L"Beginning " + operation + L"()..." + blank + L"(command: t)"};
+    all.insert(all.end(), lines.begin(), lines.end());
+    all.insert(all.end(), {L"RS-232: ClosePort()", L"Exiting " + operation + L"()...(command: t)"});
+    return all;
+  }
 };
 
 // The numbers are compared with the communication object's own list, so those of the serial list of the same
 // names have no status of their own.
-class SerialOpenFaultTest : public SerialFaultTest {
- protected:
-  SerialOpenFaultTest() { ports_.line.FailCall(4, number()); }
-};
+TEST_F(CKespCommObjSerialFaultsTest, EachStep_NumberDecidesStatusAndTrace) {
+  struct Case {
+    const wchar_t* member;
+    std::int32_t number;
+    ECommError status;
+    const wchar_t* line;  // with the number and description in the place of "{}"
+  };
+  const Case cases[] = {
+      {kOpenPort, -2147221302, ECommError::cfrInvalidSetting, L"invalid COM port **"},
+      {kOpenPort, 0, ECommError::cfrInvalidSetting, L"returned False (no error) **"},
+      {kOpenPort, com_port_error::ERR_INVALID_COM_PORT, ECommError::cfrOtherError, L"open failed {}"},
+      {kOpenPort, comm_obj_error::ERR_ADDRESS_NOT_SPECIFIED, ECommError::cfrOtherError, L"open failed {}"},
+      {kOpenPort, 8002, ECommError::cfrOtherError, L"open failed {}"},
+      {kWriteLine, -2147221301, ECommError::cfrInvalidSetting, L"address not specified  **"},
+      {kWriteLine, 0, ECommError::cfrInvalidSetting, L"returned False (no error) **"},
+      {kWriteLine, com_port_error::ERR_ADDRESS_NOT_SPECIFIED, ECommError::cfrWriteFailed, L"write failed {}"},
+      {kWriteLine, comm_obj_error::ERR_INVALID_COM_PORT, ECommError::cfrWriteFailed, L"write failed {}"},
+      {kWriteLine, 8005, ECommError::cfrWriteFailed, L"write failed {}"},
+      {kReadLine, -2147221279, ECommError::cfrTimeout, L"timed out **"},
+      {kReadLine, -2147221278, ECommError::cfrInvalidData, L"invalid characters **"},
+      {kReadLine, 0, ECommError::cfrInvalidSetting, L"returned False (no error) **"},
+      {kReadLine, com_port_error::ERR_DOWNLOAD_TIMEOUT, ECommError::cfrReadFailed, L"read failed {}"},
+      {kReadLine, 8020, ECommError::cfrReadFailed, L"read failed {}"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    const std::wstring member = c.member;
+    const bool reads = member == kReadLine;
+    // Four calls to open, two to clear, the output, and one to see it gone.
+    const int call = member == kOpenPort ? 4 : member == kWriteLine ? 7 : 9;
+    std::wstring line = L"RS-232: ** " + member + L" " + c.line;
+    if (const std::size_t place = line.find(L"{}"); place != std::wstring::npos) {
+      line.replace(
+          place, 2,
+          L"(" + std::to_wstring(c.number) + L" - " + SerialControlErrorDescription(c.number) + L") **");
+    }
+    Lines steps;
+    if (member != kOpenPort) steps.push_back(L"RS-232: WriteLine(t,,)");
 
-TEST_P(SerialOpenFaultTest, Query_StatusAndTrace) {
-  EXPECT_FALSE(Query());
-  ExpectStatus(GetParam().status, L"OpenPort()", number());
-  EXPECT_EQ(Trace(),
-            (Lines{L"Beginning Query()... (command: t)", L"RS-232: OpenPort()", FailureLine(L"OpenPort()"),
-                   InfoLine(L"OpenPort()"), L"RS-232: ClosePort()", L"Exiting Query()...(command: t)"}));
-  EXPECT_EQ(result_, L"before");
+    if (!reads) {
+      ports_.line.FailCall(call, c.number);
+      EXPECT_FALSE(Update());
+      ExpectFailure(c.status, member, c.number);
+      Lines quiet = steps;
+      quiet.push_back(ErrorInfo(member));
+      ExpectTrace(Framed(L"Update", L"", quiet));
+    }
+
+    steps.insert(steps.begin(), L"RS-232: OpenPort()");
+    if (reads) steps.push_back(L"RS-232: ReadLine()");
+    ports_.line.FailCall(call, c.number);
+    EXPECT_FALSE(Query());
+    ExpectFailure(c.status, member, c.number);
+    steps.insert(steps.end(), {line, ErrorInfo(member)});
+    ExpectTrace(Framed(L"Query", L" ", steps));
+    if (reads) continue;
+
+    ports_.line.FailCall(call, c.number);
+    EXPECT_FALSE(QueryBinary());
+    ExpectFailure(c.status, member, c.number);
+    steps.push_back(L"RS-232: ClosePort()");
+    ExpectTrace(steps);
+  }
+  EXPECT_EQ(bytes_, BinaryValue());
 }
 
-TEST_P(SerialOpenFaultTest, QueryBinary_StatusAndTrace) {
-  EXPECT_FALSE(QueryBinary());
-  ExpectStatus(GetParam().status, L"OpenPort()", number());
-  EXPECT_EQ(Trace(), (Lines{L"RS-232: OpenPort()", FailureLine(L"OpenPort()"), InfoLine(L"OpenPort()"),
-                            L"RS-232: ClosePort()"}));
-}
-
-TEST_P(SerialOpenFaultTest, Update_StatusAndTheErrorInfoLineOnly) {
-  EXPECT_FALSE(Update());
-  ExpectStatus(GetParam().status, L"OpenPort()", number());
-  EXPECT_EQ(Trace(), (Lines{L"Beginning Update()...(command: t)", InfoLine(L"OpenPort()"),
-                            L"RS-232: ClosePort()", L"Exiting Update()...(command: t)"}));
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    All, SerialOpenFaultTest,
-    testing::Values(Fault{-2147221302, ECommError::cfrInvalidSetting, L"invalid COM port **"},
-                    Fault{0, ECommError::cfrInvalidSetting, L"returned False (no error) **"},
-                    Fault{com_port_error::ERR_INVALID_COM_PORT, ECommError::cfrOtherError, L"open failed {}"},
-                    Fault{comm_obj_error::ERR_ADDRESS_NOT_SPECIFIED, ECommError::cfrOtherError,
-                          L"open failed {}"},
-                    Fault{380, ECommError::cfrOtherError, L"open failed {}"},
-                    Fault{8002, ECommError::cfrOtherError, L"open failed {}"}),
-    kFaultName);
-
-class SerialPortInUseTest : public SerialFaultFixture {
- protected:
-  const std::wstring retrying_ = L"RS-232: ** OpenPort() COM port is already open. Retrying...**";
-  const std::wstring timed_out_ = L"RS-232: ** OpenPort() COM port is already open. Timed out...**";
-};
-
-TEST_F(SerialPortInUseTest, Query_ThreeAttemptsWithoutAPauseAndThenTimeout) {
+TEST_F(CKespCommObjSerialFaultsTest, PortInUse_ThreeAttemptsWithoutAPauseAndOneForBytes) {
+  const std::wstring retrying = L"RS-232: ** OpenPort() COM port is already open. Retrying...**";
+  const std::wstring timed_out = L"RS-232: ** OpenPort() COM port is already open. Timed out...**";
   ports_.line.open_failures = {8005};
   EXPECT_FALSE(Query());
-  ExpectStatus(ECommError::cfrTimeout, L"OpenPort()", 8005);
-  EXPECT_EQ(Trace(),
-            (Lines{L"Beginning Query()... (command: t)", L"RS-232: OpenPort()", retrying_,
-                   L"RS-232: OpenPort()", retrying_, L"RS-232: OpenPort()", timed_out_,
-                   InfoLine(L"OpenPort()"), L"RS-232: ClosePort()", L"Exiting Query()...(command: t)"}));
+  ExpectFailure(ECommError::cfrTimeout, kOpenPort, 8005);
+  ExpectTrace(Framed(L"Query", L" ",
+                     {L"RS-232: OpenPort()", retrying, L"RS-232: OpenPort()", retrying, L"RS-232: OpenPort()",
+                      timed_out, ErrorInfo(kOpenPort)}));
   EXPECT_EQ(ports_.line.calls, 3 * 4);
+  EXPECT_FALSE(Update());
+  ExpectFailure(ECommError::cfrTimeout, kOpenPort, 8005);
+  ExpectTrace(Framed(L"Update", L"", {retrying, retrying, timed_out, ErrorInfo(kOpenPort)}));
+  EXPECT_EQ(ports_.line.calls, 6 * 4);
+  EXPECT_FALSE(QueryBinary());
+  ExpectFailure(ECommError::cfrOtherError, kOpenPort, 8005);
+  ExpectTrace({L"RS-232: OpenPort()", L"RS-232: ** OpenPort() open failed (8005 - Port already open) **",
+               ErrorInfo(kOpenPort), L"RS-232: ClosePort()"});
+  EXPECT_EQ(ports_.line.calls, 7 * 4);
   EXPECT_EQ(fakes_.pump.count(), 0);
 }
 
-TEST_F(SerialPortInUseTest, Update_ThreeAttemptsAndThenTimeout) {
-  ports_.line.open_failures = {8005};
-  EXPECT_FALSE(Update());
-  ExpectStatus(ECommError::cfrTimeout, L"OpenPort()", 8005);
-  EXPECT_EQ(Trace(),
-            (Lines{L"Beginning Update()...(command: t)", retrying_, retrying_, timed_out_,
-                   InfoLine(L"OpenPort()"), L"RS-232: ClosePort()", L"Exiting Update()...(command: t)"}));
-  EXPECT_EQ(ports_.line.calls, 3 * 4);
-}
-
-TEST_F(SerialPortInUseTest, QueryBinary_OneAttempt) {
-  ports_.line.open_failures = {8005};
-  EXPECT_FALSE(QueryBinary());
-  ExpectStatus(ECommError::cfrOtherError, L"OpenPort()", 8005);
-  EXPECT_EQ(Trace(),
-            (Lines{L"RS-232: OpenPort()", L"RS-232: ** OpenPort() open failed (8005 - Port already open) **",
-                   InfoLine(L"OpenPort()"), L"RS-232: ClosePort()"}));
-  EXPECT_EQ(ports_.line.calls, 4);
-}
-
-TEST_F(SerialPortInUseTest, Query_FreedMeanwhile_Succeeds) {
+TEST_F(CKespCommObjSerialFaultsTest, PortInUse_FreedMeanwhileOrLater_Succeeds) {
   for (const std::deque<std::int32_t>& failures : {std::deque{8005, 0}, std::deque{8005, 8005, 0}}) {
     ports_.line.open_failures = failures;
-    ports_.line.Answer("t\r", "1\r\n");
     EXPECT_TRUE(Query());
-    EXPECT_EQ(comm_->CommError(), ECommError::cfrSuccess);
+    ExpectStatus(ECommError::cfrSuccess);
   }
-}
-
-TEST_F(SerialPortInUseTest, Query_AnotherFailureMeanwhile_EndsTheAttempts) {
-  ports_.line.open_failures = {8005, 8002};
-  EXPECT_FALSE(Query());
-  ExpectStatus(ECommError::cfrOtherError, L"OpenPort()", 8002);
-  EXPECT_EQ(ports_.line.calls, 2 * 4);
-}
-
-TEST_F(SerialPortInUseTest, NotOpenedYet_NextQueryWithoutAutoCloseTriesAgain) {
   comm_->SetAutoClose(false);
   ports_.line.open_failures = {8005, 8005, 8005, 0};
-  ports_.line.Answer("t\r", "1\r\n");
   EXPECT_FALSE(Query());
   EXPECT_TRUE(Query());
 }
 
-class SerialWriteFaultTest : public SerialFaultTest {
- protected:
-  SerialWriteFaultTest() {
-    ports_.line.FailCall(7, number());
-  }  // four calls to open, two to clear, the output
-};
-
-TEST_P(SerialWriteFaultTest, Query_StatusAndTrace) {
+TEST_F(CKespCommObjSerialFaultsTest, PortInUse_AnotherFailureMeanwhile_EndsTheAttempts) {
+  ports_.line.open_failures = {8005, 8002};
   EXPECT_FALSE(Query());
-  ExpectStatus(GetParam().status, L"WriteLine()", number());
-  EXPECT_EQ(Trace(), (Lines{L"Beginning Query()... (command: t)", L"RS-232: OpenPort()",
-                            L"RS-232: WriteLine(t,,)", FailureLine(L"WriteLine()"), InfoLine(L"WriteLine()"),
-                            L"RS-232: ClosePort()", L"Exiting Query()...(command: t)"}));
+  ExpectFailure(ECommError::cfrOtherError, kOpenPort, 8002);
+  EXPECT_EQ(ports_.line.calls, 2 * 4);
 }
 
-TEST_P(SerialWriteFaultTest, QueryBinary_StatusAndTrace) {
+// With the number that the transport raises itself.
+TEST_F(CKespCommObjSerialFaultsTest, TransportsOwnFailures_HaveItsTexts) {
+  comm_->serial().SetControllerStyle(EKespControllerStyle3::CS_OMEGA);
+  EXPECT_FALSE(Query());
+  ExpectStatus(ECommError::cfrWriteFailed, L"CKespCOMPort3 - WriteLine()",
+               L"Omega controller address not specified.");
+  EXPECT_EQ(Trace()[3],
+            L"RS-232: ** WriteLine() write failed (-2147221280 - Omega controller address not "
+            L"specified.) **");
+  comm_->serial().SetControllerStyle(EKespControllerStyle3::CS_KESP);
+  ports_.line.Answer("t\r", "\x81\r\n");
+  EXPECT_FALSE(Query());
+  ExpectStatus(ECommError::cfrInvalidData, L"CKespCOMPort3 - ReadLine()",
+               L"Invalid characters received on COM1.");
+  ports_.line.Answer("t\r", "20.");
+  EXPECT_FALSE(Query());
+  ExpectStatus(ECommError::cfrTimeout, L"CKespCOMPort3 - ReadLine()",
+               L"Timeout waiting for instrument to respond to command on COM1.");
+  EXPECT_EQ(result_, L"20.") << "what came";
+  fakes_.clock.SetTickCount(std::numeric_limits<std::int32_t>::max() - 1000);
+  EXPECT_FALSE(Query());
+  ExpectStatus(ECommError::cfrReadFailed, L"CKespCOMPort3 - ReadLine() [KespCommObj]", L"Overflow");
+}
+
+TEST_F(CKespCommObjSerialFaultsTest, QueryBinary_Silence_IsATimeoutTracedWithWhatTheValueHolds) {
+  struct Case {
+    BinaryValue before;
+    std::wstring text;
+  };
+  const Case cases[] = {
+      {BinaryValue(), L""}, {BinaryValue(L"held"), L"held"}, {BinaryValue(Bytes{'a', 0x80}), L"a\x20AC"}};
+  ports_.line.answers.clear();
+  for (const Case& c : cases) {
+    bytes_ = c.before;
+    EXPECT_FALSE(QueryBinary());
+    ExpectStatus(ECommError::cfrTimeout, L"CKespCOMPort3 - ReadLineBinary()",
+                 L"Timeout waiting for instrument to respond to command on COM1.");
+    ExpectTrace({L"RS-232: OpenPort()", L"RS-232: WriteLine(t,,)", L"RS-232: ReadLineBinary()",
+                 L"RS-232: ** ReadLineBinary() timed out ** result- " + c.text,
+                 ErrorInfo(L"ReadLineBinary()"), L"RS-232: ClosePort()"});
+    EXPECT_EQ(bytes_, c.before);
+  }
+}
+
+// The transport shows its failure and returns false without an error.
+TEST_F(CKespCommObjSerialFaultsTest, QueryBinary_ReadFails_IsShownAndAnInvalidSetting) {
+  ports_.line.FailCall(9, 8020);
   EXPECT_FALSE(QueryBinary());
-  ExpectStatus(GetParam().status, L"WriteLine()", number());
-  EXPECT_EQ(Trace(), (Lines{L"RS-232: OpenPort()", L"RS-232: WriteLine(t,,)", FailureLine(L"WriteLine()"),
-                            InfoLine(L"WriteLine()"), L"RS-232: ClosePort()"}));
+  ASSERT_EQ(fakes_.user.boxes().size(), 1u);
+  EXPECT_TRUE(
+      fakes_.user.boxes()[0].text.starts_with(L"An error occurred while attempting to read from COM1."));
+  EXPECT_EQ(comm_->CommError(), ECommError::cfrInvalidSetting);
+  EXPECT_EQ(comm_->CommErrorDescr(), L"");
+  ExpectTrace({L"RS-232: OpenPort()", L"RS-232: WriteLine(t,,)", L"RS-232: ReadLineBinary()",
+               L"RS-232: ** ReadLineBinary() returned False (no error) **",
+               L"RS-232: ** ReadLineBinary() Error info: Source-   Description-  **",
+               L"RS-232: ClosePort()"});
 }
 
-TEST_P(SerialWriteFaultTest, Update_StatusAndTheErrorInfoLineOnly) {
-  EXPECT_FALSE(Update());
-  ExpectStatus(GetParam().status, L"WriteLine()", number());
-  EXPECT_EQ(Trace(),
-            (Lines{L"Beginning Update()...(command: t)", L"RS-232: WriteLine(t,,)", InfoLine(L"WriteLine()"),
-                   L"RS-232: ClosePort()", L"Exiting Update()...(command: t)"}));
+TEST_F(CKespCommObjSerialFaultsTest, AutoCloseOffAndFailed_PortStaysOpenForTheNext) {
+  comm_->SetAutoClose(false);
+  EXPECT_FALSE(Query(L"silent"));
+  EXPECT_EQ(comm_->CommError(), ECommError::cfrTimeout);
+  EXPECT_TRUE(Query());
+  EXPECT_EQ(Calls(kOpened), 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    All, SerialWriteFaultTest,
-    testing::Values(
-        Fault{-2147221301, ECommError::cfrInvalidSetting, L"address not specified  **"},
-        Fault{0, ECommError::cfrInvalidSetting, L"returned False (no error) **"},
-        Fault{com_port_error::ERR_ADDRESS_NOT_SPECIFIED, ECommError::cfrWriteFailed, L"write failed {}"},
-        Fault{comm_obj_error::ERR_INVALID_COM_PORT, ECommError::cfrWriteFailed, L"write failed {}"},
-        Fault{8005, ECommError::cfrWriteFailed, L"write failed {}"},
-        Fault{8012, ECommError::cfrWriteFailed, L"write failed {}"}),
-    kFaultName);
+// Whichever call of the control fails, nothing is raised or shown, the port is closed afterwards, and a
+// failure to close changes nothing.
+TEST_F(CKespCommObjSerialFaultsTest, AnyCallFails_IsToldByTheStatusAlone) {
+  comm_->serial().SetUseSmartSwitch(true);
+  comm_->serial().SmartSwitch()->SetSSPort(L"3");
+  const int before = ports_.line.calls;
+  EXPECT_TRUE(Query());
+  const int calls = ports_.line.calls - before;
+  ASSERT_GT(calls, 20);
+  const std::wstring closing_failed =
+      L"RS-232: ** ClosePort() Error info: Source- CKespCOMPort3 - ClosePort() [commCOMControl]  "
+      L"Description- The device is not open **";
+  int failures = 0;
+  int failed_closings = 0;
+  for (int nth = 1; nth <= calls; ++nth) {
+    SCOPED_TRACE(nth);
+    ports_.line.FailCall(nth, 8012);
+    ports_.line.arrivals.clear();
+    EXPECT_NO_THROW({
+      const bool succeeded = Query();
+      EXPECT_EQ(succeeded, comm_->CommError() == ECommError::cfrSuccess);
+      EXPECT_EQ(succeeded, comm_->CommErrorDescr().empty());
+      failures += succeeded ? 0 : 1;
+    });
+    EXPECT_FALSE(ports_.line.open);
+    EXPECT_EQ(comm_->serial().SmartSwitch()->CurrentPort(), L"");
+    const Lines trace = NewTrace();
+    EXPECT_EQ(trace.back(), L"Exiting Query()...(command: t)");
+    failed_closings += trace[trace.size() - 2] == closing_failed ? 1 : 0;
+  }
+  // The closing writes the release in four calls; a fifth looks whether it is still under way, and that is
+  // all.
+  EXPECT_EQ(failures, calls - 5);
+  EXPECT_EQ(failed_closings, 4);
+  EXPECT_TRUE(fakes_.user.boxes().empty());
+}
 
-class SerialReadFaultTest : public SerialFaultTest {
- protected:
-  SerialReadFaultTest() { ports_.line.FailCall(9, number()); }  // and one to see the output gone
-};
-
-TEST_P(SerialReadFaultTest, Query_StatusAndTrace) {
+TEST_F(CKespCommObjSerialFaultsTest, SettingsFileFails_ModemIsNotPointedAndStatusStays) {
+  comm_->serial().SetUseRFModem(true);
+  fakes_.settings.ThrowAtCall(1);
   EXPECT_FALSE(Query());
-  ExpectStatus(GetParam().status, L"ReadLine()", number());
-  EXPECT_EQ(Trace(),
-            (Lines{L"Beginning Query()... (command: t)", L"RS-232: OpenPort()", L"RS-232: WriteLine(t,,)",
-                   L"RS-232: ReadLine()", FailureLine(L"ReadLine()"), InfoLine(L"ReadLine()"),
-                   L"RS-232: ClosePort()", L"Exiting Query()...(command: t)"}));
+  ExpectStatus(ECommError::cfrOtherError);
+  EXPECT_EQ(ports_.line.written, "");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    All, SerialReadFaultTest,
-    testing::Values(Fault{-2147221279, ECommError::cfrTimeout, L"timed out **"},
-                    Fault{-2147221278, ECommError::cfrInvalidData, L"invalid characters **"},
-                    Fault{0, ECommError::cfrInvalidSetting, L"returned False (no error) **"},
-                    Fault{com_port_error::ERR_DOWNLOAD_TIMEOUT, ECommError::cfrReadFailed, L"read failed {}"},
-                    Fault{8020, ECommError::cfrReadFailed, L"read failed {}"}),
-    kFaultName);
+TEST_F(CKespCommObjSerialFaultsTest, AnyFileCallFails_ChangesNothing) {
+  comm_->SetDebugging(true);
+  const int before = fakes_.files.calls();
+  EXPECT_TRUE(Query());
+  const int calls = fakes_.files.calls() - before;
+  ASSERT_GT(calls, 10);
+  for (int nth = 1; nth <= calls; ++nth) {
+    fakes_.files.ThrowAtCall(fakes_.files.calls() + nth);
+    EXPECT_TRUE(Query()) << nth;
+    ExpectStatus(ECommError::cfrSuccess);
+  }
+}
 
 }  // namespace
 }  // namespace kesp

@@ -1,32 +1,26 @@
-// The stage of the tests of a failing serial port: what is expected of the facade.
+// The stage of the tests of the serial branch: what is expected of the facade.
 #include "commobj/kesp_comm_obj_serial_fixture.h"
+
+#include <algorithm>
 
 namespace kesp {
 
-SerialFaultFixture::SerialFaultFixture() {
+CKespCommObjSerialFixture::CKespCommObjSerialFixture() {
   StartTrace();
   comm_->serial().SetCreateLogFile(false);
   comm_->serial().SetBaudRate(EKespBaudRate3::br9600);
-  fakes_.clock.SetStepPerReading(1);
   comm_->serial().SetInputMode(EInputMode::imBinary);
+  fakes_.clock.SetStepPerReading(1);
+  ports_.line.record = [this](const std::string& call) { calls_.push_back(call); };
+  ports_.line.Answer("t\r", "20.5\r\n");
 }
 
-SerialFaultFixture::~SerialFaultFixture() = default;
-
-std::wstring SerialFaultFixture::Description(std::int32_t number) {
-  return SerialControlErrorDescription(number);
+CKespCommObjSerialFixture::~CKespCommObjSerialFixture() {
+  ports_.line.record = [](const std::string&) {};
 }
 
-std::wstring SerialFaultFixture::NumberAndDescription(std::int32_t number) {
-  return L"(" + std::to_wstring(number) + L" - " + Description(number) + L") **";
-}
-
-void SerialFaultFixture::ExpectStatus(ECommError status, const std::wstring& member, std::int32_t number) {
-  ExpectStatus(status, L"CKespCOMPort3 - " + member + L" [commCOMControl]", Description(number));
-}
-
-void SerialFaultFixture::ExpectStatus(ECommError status, const std::wstring& source,
-                                      const std::wstring& description) {
+void CKespCommObjSerialFixture::ExpectStatus(ECommError status, const std::wstring& source,
+                                             const std::wstring& description) {
   EXPECT_EQ(comm_->CommError(), status);
   EXPECT_EQ(comm_->CommErrorSource(), source);
   EXPECT_EQ(comm_->CommErrorDescr(), description);
@@ -34,21 +28,24 @@ void SerialFaultFixture::ExpectStatus(ECommError status, const std::wstring& sou
   EXPECT_FALSE(ports_.line.open);
 }
 
-std::wstring SerialFaultFixture::InfoLine(const std::wstring& member) const {
+void CKespCommObjSerialFixture::ExpectTrace(const Lines& expected) {
+  EXPECT_EQ(NewTrace(), expected);
+}
+
+Lines CKespCommObjSerialFixture::NewTrace() {
+  const Lines all = Trace();
+  const Lines fresh(all.begin() + static_cast<std::ptrdiff_t>(traced_), all.end());
+  traced_ = all.size();
+  return fresh;
+}
+
+std::wstring CKespCommObjSerialFixture::ErrorInfo(const std::wstring& member) const {
   return L"RS-232: ** " + member + L" Error info: Source- " + comm_->CommErrorSource() + L"  Description- " +
          comm_->CommErrorDescr() + L" **";
 }
 
-bool SerialFaultFixture::Query() {
-  return comm_->Query(result_, L"t");
-}
-
-bool SerialFaultFixture::QueryBinary() {
-  return comm_->QueryBinary(bytes_, L"t");
-}
-
-bool SerialFaultFixture::Update() {
-  return comm_->Update(L"t");
+std::ptrdiff_t CKespCommObjSerialFixture::Calls(const std::string& call) const {
+  return std::count(calls_.begin(), calls_.end(), call);
 }
 
 }  // namespace kesp
