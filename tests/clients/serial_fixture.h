@@ -86,25 +86,6 @@ class SerialFixture : public testing::Test {
   VARIANT_BOOL answer_ = VARIANT_FALSE;
 };
 
-// Both that of a client's own and that inside a communication object.
-enum class TransportOwner { kClient, kFacade };
-
-class OwnedSerialFixture : public SerialFixture, public testing::WithParamInterface<TransportOwner> {
- protected:
-  OwnedSerialFixture() {
-    if (GetParam() == TransportOwner::kClient) return;
-    comm_ = Create<_CKespCommObj>(__uuidof(CKespCommObj));
-    port_ = SerialTransport(comm_);
-    UseSerialLine(port_);
-  }
-
-  ComPtr<_CKespCommObj> comm_;
-};
-
-inline std::string OwnerName(const testing::TestParamInfo<TransportOwner>& info) {
-  return info.param == TransportOwner::kClient ? "OfTheClient" : "OfAFacade";
-}
-
 // With a recorder connected.
 class SerialEventsFixture : public SerialFixture {
  protected:

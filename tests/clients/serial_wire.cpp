@@ -119,11 +119,6 @@ std::string SerialWire::ReceiveUntilQuiet(Milliseconds quiet) {
   return std::exchange(untaken_, {});
 }
 
-std::vector<SerialWire::Arrival> SerialWire::Arrivals() const {
-  const std::lock_guard locked(mutex_);
-  return arrivals_;
-}
-
 SerialWire::Answer& SerialWire::OnBytes(std::string bytes) {
   const std::lock_guard locked(mutex_);
   answers_.push_back(Answer(mutex_, std::move(bytes)));
@@ -146,7 +141,6 @@ void SerialWire::Reconnect() {
 void SerialWire::Connect() {
   socket_ = ConnectedToWire();
   AwaitReady(socket_);
-  arrivals_.clear();
   untaken_.clear();
   unanswered_.clear();
   due_.clear();
@@ -177,7 +171,6 @@ void SerialWire::Run() {
 
 void SerialWire::Take(std::string_view bytes) {
   const std::lock_guard locked(mutex_);
-  arrivals_.push_back({std::string(bytes), Clock::now()});
   untaken_ += bytes;
   for (const char byte : bytes) {
     unanswered_ += byte;

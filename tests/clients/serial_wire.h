@@ -25,12 +25,6 @@ class SerialWire {
   using Clock = std::chrono::steady_clock;
   using Milliseconds = std::chrono::milliseconds;
 
-  // Bytes that arrived together.
-  struct Arrival {
-    std::string bytes;
-    Clock::time_point time;
-  };
-
   // What is sent when certain bytes have arrived, in one or several pieces.
   class Answer {
    public:
@@ -72,8 +66,6 @@ class SerialWire {
   std::string Receive(std::size_t count, Milliseconds deadline = kDeadline);
   // Takes all that arrives until nothing came for that time.
   std::string ReceiveUntilQuiet(Milliseconds quiet = Milliseconds(200));
-  // All that arrived since the last connection, whether taken or not.
-  std::vector<Arrival> Arrivals() const;
 
   // Each time the bytes have arrived, though in several pieces, the answer is sent. Bytes that called for an
   // answer do not count for the next one.
@@ -107,9 +99,8 @@ class SerialWire {
   std::thread thread_;
   std::atomic<bool> ending_ = false;
   std::atomic<bool> reading_ = true;
-  mutable std::mutex mutex_;
+  std::mutex mutex_;
   std::condition_variable arrived_;
-  std::vector<Arrival> arrivals_;
   std::string untaken_;
   // What arrived since the last answer.
   std::string unanswered_;
