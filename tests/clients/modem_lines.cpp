@@ -11,11 +11,11 @@ namespace kesp::clients {
 
 namespace {
 
-// The file named by the variable. Wine's drive Z: is the root of that system.
-std::string FileNamedBy(const char* variable) {
-  const char* path = std::getenv(variable);
+// Wine's drive Z: is the root of that system.
+std::string LogFile() {
+  const char* path = std::getenv("KESP_MODEM_LINES_LOG");
   if (path == nullptr)
-    throw std::runtime_error(std::string(variable) + " is not set: run this with tools/with-serial-line");
+    throw std::runtime_error("KESP_MODEM_LINES_LOG is not set: run this with tools/with-serial-line");
   std::string name = std::string("Z:") + path;
   std::replace(name.begin(), name.end(), '/', '\\');
   return name;
@@ -41,7 +41,7 @@ std::string Symbol(const LineChange& change) {
 }  // namespace
 
 std::vector<LineChange> LineChanges() {
-  std::ifstream log(FileNamedBy("KESP_MODEM_LINES_LOG"));
+  std::ifstream log(LogFile());
   if (!log) throw std::runtime_error("the record of the modem lines cannot be read");
   std::vector<LineChange> changes;
   for (std::string line; std::getline(log, line);) changes.push_back(ChangeFrom(line));
@@ -52,13 +52,6 @@ std::string LineHistory() {
   std::string history;
   for (const LineChange& change : LineChanges()) history += (history.empty() ? "" : " ") + Symbol(change);
   return history;
-}
-
-void SetInputLines(const std::string& words) {
-  std::ofstream file(FileNamedBy("KESP_MODEM_LINES_IN"), std::ios::trunc);
-  file << words;
-  file.close();
-  if (!file) throw std::runtime_error("the input lines cannot be written");
 }
 
 }  // namespace kesp::clients

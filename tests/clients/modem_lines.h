@@ -1,4 +1,4 @@
-// What the modem lines of the test's COM port did, and what its input lines are to be.
+// What the modem lines of the test's COM port did.
 #pragma once
 
 #include <chrono>
@@ -21,8 +21,5 @@ std::vector<LineChange> LineChanges();
 // The same without times: "D" while DTR is up, "R" while RTS is, "DR" both, "-" neither; a space between
 // changes.
 std::string LineHistory();
-
-// Which input lines are up from now on: words out of CTS, DSR, CD, RI.
-void SetInputLines(const std::string& words);
 
 }  // namespace kesp::clients

@@ -1,4 +1,4 @@
-// The table of modem lines, its log and its inputs.
+// The table of modem lines, and its log.
 #include "modem_lines.h"
 
 #include <fcntl.h>
@@ -7,7 +7,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <ctime>
 
 namespace kesp::serial_line {
@@ -27,30 +26,11 @@ class Locked {
   pthread_mutex_t& mutex_;
 };
 
-// The file named by the variable, or -1.
-int OpenNamedBy(const char* variable, int flags) {
-  constexpr mode_t kReadableByAll = 0644;
-  const char* path = getenv(variable);
-  return path != nullptr ? open(path, flags | O_CLOEXEC, kReadableByAll) : -1;
-}
-
-int Inputs() {
-  const int file = OpenNamedBy("KESP_MODEM_LINES_IN", O_RDONLY);
-  if (file < 0) return 0;
-  char words[128] = {};
-  const ssize_t length = read(file, words, sizeof words - 1);
-  close(file);
-  if (length <= 0) return 0;
-  int inputs = 0;
-  if (strstr(words, "CTS") != nullptr) inputs |= TIOCM_CTS;
-  if (strstr(words, "DSR") != nullptr) inputs |= TIOCM_DSR;
-  if (strstr(words, "CD") != nullptr) inputs |= TIOCM_CAR;
-  if (strstr(words, "RI") != nullptr) inputs |= TIOCM_RNG;
-  return inputs;
-}
-
 void Log(int number, int outputs) {
-  const int file = OpenNamedBy("KESP_MODEM_LINES_LOG", O_WRONLY | O_APPEND | O_CREAT);
+  constexpr mode_t kReadableByAll = 0644;
+  const char* const path = getenv("KESP_MODEM_LINES_LOG");
+  const int file =
+      path != nullptr ? open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, kReadableByAll) : -1;
   if (file < 0) return;
   timespec now{};
   clock_gettime(CLOCK_MONOTONIC, &now);
@@ -68,7 +48,7 @@ void Log(int number, int outputs) {
 int ModemLines::Get(int number) {
   const Locked locked(mutex_);
   const Line* line = Find(number);
-  return Inputs() | (line != nullptr ? line->outputs : 0);
+  return line != nullptr ? line->outputs : 0;
 }
 
 void ModemLines::Change(int number, int mask, int value) {

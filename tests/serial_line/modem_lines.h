@@ -10,12 +10,10 @@ namespace kesp::serial_line {
 // TIOCM_ bits.
 //
 // Both lines are down until they are raised, and fall when the port is closed. Each change is appended to the
-// file named by KESP_MODEM_LINES_LOG: "<monotonic ns> <pts name> DTR=x RTS=y". The words CTS, DSR, CD and RI
-// in the file named by KESP_MODEM_LINES_IN are the input lines that are up, on every line; it is read each
-// time.
+// file named by KESP_MODEM_LINES_LOG: "<monotonic ns> <pts name> DTR=x RTS=y". No input line is ever up.
 class ModemLines {
  public:
-  // What Get tells: the outputs of the line and the inputs.
+  // The outputs of the line.
   int Get(int number);
 
   // Of the outputs named by `mask` those in `value` go up and the others down. A line beyond the table's

@@ -6,7 +6,6 @@ namespace kesp::clients {
 namespace {
 
 constexpr DWORD kBufferBytes = 4096;
-constexpr ULONGLONG kReadDeadlineMs = 10000;
 
 HANDLE Opened(const std::wstring& name) {
   return CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -38,34 +37,8 @@ DWORD BarePort::Set() {
   settings.StopBits = ONESTOPBIT;
   settings.fDtrControl = DTR_CONTROL_DISABLE;
   settings.fRtsControl = RTS_CONTROL_DISABLE;
-  // Reads give what is there.
-  COMMTIMEOUTS at_once{MAXDWORD, 0, 0, 0, 0};
   return ErrorUnless(SetupComm(handle_, kBufferBytes, kBufferBytes) != FALSE &&
-                     SetCommState(handle_, &settings) != FALSE &&
-                     SetCommTimeouts(handle_, &at_once) != FALSE);
-}
-
-DWORD BarePort::Write(std::string_view bytes, DWORD milliseconds) {
-  COMMTIMEOUTS limited{MAXDWORD, 0, 0, 0, milliseconds};
-  SetCommTimeouts(handle_, &limited);
-  DWORD written = 0;
-  WriteFile(handle_, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-  return written;
-}
-
-std::string BarePort::Read(std::size_t count) {
-  std::string bytes(count, '\0');
-  std::size_t length = 0;
-  const ULONGLONG start = GetTickCount64();
-  while (length < count && GetTickCount64() - start < kReadDeadlineMs) {
-    DWORD piece = 0;
-    if (ReadFile(handle_, &bytes[length], static_cast<DWORD>(count - length), &piece, nullptr) == FALSE)
-      break;
-    length += piece;
-    if (piece == 0) Sleep(1);
-  }
-  bytes.resize(length);
-  return bytes;
+                     SetCommState(handle_, &settings) != FALSE);
 }
 
 }  // namespace kesp::clients

@@ -4,11 +4,10 @@
 #include <windows.h>
 
 #include <string>
-#include <string_view>
 
 namespace kesp::clients {
 
-// One handle of a port, opened for one user alone and for synchronous reads and writes.
+// One handle of a port, opened for one user alone.
 class BarePort {
  public:
   // 9600 bit/s, 8 data bits, no parity, 1 stop bit, DTR and RTS down, no flow control. Where the port cannot
@@ -22,11 +21,6 @@ class BarePort {
   DWORD error() const { return error_; }
   HANDLE handle() const { return handle_; }
   void Close();
-
-  // What was written, in bytes; stops after the milliseconds.
-  DWORD Write(std::string_view bytes, DWORD milliseconds = 10000);
-  // Polls until so many bytes came or ten seconds are over.
-  std::string Read(std::size_t count);
 
  private:
   DWORD Set();
