@@ -19,11 +19,17 @@ class SerialDevicesTest : public testing::Test, protected CommObjClient {
     UseSerialLine(port_);
     EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_UseSmartSwitch, VARIANT_TRUE), S_OK);
     EXPECT_EQ(Write(switch_, &_CKespSmartSwitch3::put_Style, ssBB8port), S_OK);
-    Select(L"A");
   }
 
   void Select(const std::wstring& name) {
     EXPECT_EQ(Write(switch_, &_CKespSmartSwitch3::put_SSPort, name), S_OK);
+  }
+  // Leaves the switch at that port and uses it no more, as it has an answer to a wrong rate, too.
+  void StayAt(const std::wstring& name) {
+    Select(name);
+    EXPECT_TRUE(CallsTrue(port_, &_CKespCOMPort3::OpenPort));
+    EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_UseSmartSwitch, VARIANT_FALSE), S_OK);
+    EXPECT_EQ(port_->ClosePort(), S_OK);
   }
   // The reply to a query; the status in angle brackets when there is none.
   std::wstring ReplyTo(const std::wstring& cmd, const std::wstring& address = {},
@@ -37,6 +43,7 @@ class SerialDevicesTest : public testing::Test, protected CommObjClient {
 };
 
 TEST_F(SerialDevicesTest, WrongRate_DetectInstrumentFindsTheRightOneAndTheNextQueryUsesIt) {
+  StayAt(L"A");
   EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_MinBaudRate, br4800), S_OK);
   EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_BaudRate, br19200), S_OK);
   EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_MaxBaudRate, br19200), S_OK);
@@ -52,7 +59,7 @@ TEST_F(SerialDevicesTest, WrongRate_DetectInstrumentFindsTheRightOneAndTheNextQu
 }
 
 TEST_F(SerialDevicesTest, ProcessController_AnswersAtItsAddressInTheRightFrameAndPassesBlockChecks) {
-  Select(L"B");
+  StayAt(L"B");
   EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_ControllerStyle, CS_OMEGA), S_OK);
   EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_TerminateOnLF, VARIANT_FALSE), S_OK);
   EXPECT_EQ(ReplyTo(L"PV", L"01"), L"<5>") << "the line has eight bits and no parity";
@@ -66,7 +73,7 @@ TEST_F(SerialDevicesTest, ProcessController_AnswersAtItsAddressInTheRightFrameAn
 }
 
 TEST_F(SerialDevicesTest, RadioModem_EachAddressIsItsOwnInstrumentAndSettingsAreReadBack) {
-  Select(L"C");
+  StayAt(L"C");
   EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_UseRFModem, VARIANT_TRUE), S_OK);
   EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_InstrAddr, short{26}), S_OK);
   EXPECT_EQ(ReplyTo(L"*IDN?"), L"KESP,RB20,SIM50026,1.0");
@@ -87,7 +94,7 @@ TEST_F(SerialDevicesTest, RadioModem_EachAddressIsItsOwnInstrumentAndSettingsAre
 }
 
 TEST_F(SerialDevicesTest, Redirector_ReplyInPiecesEndsWithItsCarriageReturn) {
-  Select(L"D");
+  StayAt(L"D");
   EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_UseRedirector, VARIANT_TRUE), S_OK);
   EXPECT_EQ(ReplyTo(L"*IDN?"), L"KESP,RD100,SIM40220,1.1");
   EXPECT_EQ(ReplyTo(L"MEAS?"), L"+021.50");
