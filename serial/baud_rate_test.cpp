@@ -27,21 +27,21 @@ EKespBaudRate3 Rate(std::int32_t value) {
   return static_cast<EKespBaudRate3>(value);
 }
 
-TEST(BaudRate, NameOfRate_IsBitsPerSecondInDecimal) {
+TEST(BaudRateTest, NameOfRate_IsBitsPerSecondInDecimal) {
   for (const NamedRate& rate : kRates) EXPECT_EQ(BaudRateName(Rate(rate.value)), rate.name) << rate.value;
 }
 
-TEST(BaudRate, NameOfAnythingElse_IsUnknown) {
+TEST(BaudRateTest, NameOfAnythingElse_IsUnknown) {
   EXPECT_EQ(BaudRateName(EKespBaudRate3::brNone), L"<unknown>");
   for (const std::int32_t value : kNotRates) EXPECT_EQ(BaudRateName(Rate(value)), L"<unknown>") << value;
 }
 
-TEST(BaudRate, EveryEnumerator_IsBaudRate) {
+TEST(BaudRateTest, EveryEnumerator_IsBaudRate) {
   EXPECT_TRUE(IsBaudRate(EKespBaudRate3::brNone));
   for (const NamedRate& rate : kRates) EXPECT_TRUE(IsBaudRate(Rate(rate.value))) << rate.value;
 }
 
-TEST(BaudRate, ValueWithoutEnumerator_IsNotBaudRate) {
+TEST(BaudRateTest, ValueWithoutEnumerator_IsNotBaudRate) {
   for (const std::int32_t value : kNotRates) EXPECT_FALSE(IsBaudRate(Rate(value))) << value;
 }
 

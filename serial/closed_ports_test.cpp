@@ -6,7 +6,7 @@
 namespace kesp {
 namespace {
 
-TEST(ClosedPorts, Closed_CountsForHalfASecond) {
+TEST(ClosedPortsTest, Closed_CountsForHalfASecond) {
   // The last ones are before and at the counter's wrap.
   for (const std::uint32_t tick : {1'000'000U, 1'000'001U, 0U, 0xFFFFFFF0U, 0xFFFFFFFFU}) {
     ClosedPorts ports;
@@ -19,14 +19,14 @@ TEST(ClosedPorts, Closed_CountsForHalfASecond) {
   }
 }
 
-TEST(ClosedPorts, OpenedAgain_NoLongerCounts) {
+TEST(ClosedPortsTest, OpenedAgain_NoLongerCounts) {
   ClosedPorts ports;
   ports.NoteClosed(7, 1000);
   ports.NoteOpened(7);
   EXPECT_FALSE(ports.WasJustClosed(7, 1001));
 }
 
-TEST(ClosedPorts, EachPort_CountsForItself) {
+TEST(ClosedPortsTest, EachPort_CountsForItself) {
   ClosedPorts ports;
   ports.NoteClosed(256, 1000);
   ports.NoteClosed(257, 1000);

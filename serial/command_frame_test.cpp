@@ -13,15 +13,14 @@ constexpr auto kOmega = EKespControllerStyle3::CS_OMEGA;
 constexpr auto kMaxStream = EKespControllerStyle3::CS_MAXSTREAM;
 constexpr auto kPrecidia = EKespControllerStyle3::CS_PRECIDIA;
 
-struct Case {
-  EKespControllerStyle3 style;
-  std::string cmd;
-  std::string address;
-  std::string value;
-  std::string frame;
-};
-
-TEST(CommandFrame, EveryStyle_HasItsFrame) {
+TEST(CommandFrameTest, EveryStyle_HasItsFrame) {
+  struct Case {
+    EKespControllerStyle3 style;
+    std::string cmd;
+    std::string address;
+    std::string value;
+    std::string frame;
+  };
   const std::string nul("a\0b", 3);
   const Case cases[] = {
       {kKesp, "*IDN?", "", "", "*IDN?\r"},
@@ -35,16 +34,7 @@ TEST(CommandFrame, EveryStyle_HasItsFrame) {
       {kPrecidia, "*IDN?", "01", "5", ""},
       {static_cast<EKespControllerStyle3>(4), "*IDN?", "01", "5", ""},
       {static_cast<EKespControllerStyle3>(-1), "*IDN?", "", "", ""},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(CommandFrame(c.style, c.cmd, c.address, c.value), c.frame)
-        << static_cast<int>(c.style) << " " << testing::PrintToString(c.cmd);
-  }
-}
-
-// Of blanks only those at the ends of the whole frame go; other white space stays.
-TEST(CommandFrame, Blanks_GoFromTheEndsOfTheFrame) {
-  const Case cases[] = {
+      // Of blanks only those at the ends of the whole frame go; other white space stays.
       {kKesp, "  *IDN?  ", "", "", "*IDN?  \r"},
       {kKesp, "   ", "", "", "\r"},
       {kKesp, "a  b", "", "", "a  b\r"},
@@ -57,11 +47,12 @@ TEST(CommandFrame, Blanks_GoFromTheEndsOfTheFrame) {
        "0011  PV  \x05\r"},
   };
   for (const Case& c : cases) {
-    EXPECT_EQ(CommandFrame(c.style, c.cmd, c.address, c.value), c.frame) << testing::PrintToString(c.cmd);
+    EXPECT_EQ(CommandFrame(c.style, c.cmd, c.address, c.value), c.frame)
+        << static_cast<int>(c.style) << " " << testing::PrintToString(c.cmd);
   }
 }
 
-TEST(CommandFrame, OmegaAddress_FirstDigitBothDigitsSecondDigit) {
+TEST(CommandFrameTest, OmegaAddress_FirstDigitBothDigitsSecondDigit) {
   struct Address {
     const char* address;
     const char* field;
@@ -74,7 +65,7 @@ TEST(CommandFrame, OmegaAddress_FirstDigitBothDigitsSecondDigit) {
   }
 }
 
-TEST(CommandFrame, OmegaWithValue_IsAWriteRequestWithBlockCheck) {
+TEST(CommandFrameTest, OmegaWithValue_IsAWriteRequestWithBlockCheck) {
   struct Write {
     const char* cmd;
     const char* value;
@@ -97,7 +88,7 @@ TEST(CommandFrame, OmegaWithValue_IsAWriteRequestWithBlockCheck) {
   }
 }
 
-TEST(CommandFrame, OmegaWithoutAddress_HasNoFrame) {
+TEST(CommandFrameTest, OmegaWithoutAddress_HasNoFrame) {
   EXPECT_EQ(CommandFrame(kOmega, "PV", "", ""), std::nullopt);
   EXPECT_EQ(CommandFrame(kOmega, "SL", "", "100"), std::nullopt);
 }

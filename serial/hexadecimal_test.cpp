@@ -14,7 +14,7 @@ namespace {
 constexpr std::int32_t kOverflow = 6;
 constexpr std::int32_t kTypeMismatch = 13;
 
-TEST(Hexadecimal, SixteenBitNumber_IsUpperCaseWithoutPrefixOrLeadingZeros) {
+TEST(HexadecimalTest, SixteenBitNumber_IsUpperCaseWithoutPrefixOrLeadingZeros) {
   struct Case {
     std::int16_t number;
     const wchar_t* text;
@@ -25,7 +25,7 @@ TEST(Hexadecimal, SixteenBitNumber_IsUpperCaseWithoutPrefixOrLeadingZeros) {
   for (const Case& c : kCases) EXPECT_EQ(ToHexadecimal(c.number), c.text) << c.number;
 }
 
-TEST(Hexadecimal, Double_IsRoundedToTheNearestWholeNumberHalvesToTheEvenOne) {
+TEST(HexadecimalTest, Double_IsRoundedToTheNearestWholeNumberHalvesToTheEvenOne) {
   struct Case {
     double number;
     const wchar_t* text;
@@ -47,7 +47,7 @@ TEST(Hexadecimal, Double_IsRoundedToTheNearestWholeNumberHalvesToTheEvenOne) {
   for (const Case& c : kCases) EXPECT_EQ(ToHexadecimal(c.number), c.text) << c.number;
 }
 
-TEST(Hexadecimal, DoubleWithoutThirtyTwoBitForm_Overflows) {
+TEST(HexadecimalTest, DoubleWithoutThirtyTwoBitForm_Overflows) {
   for (const double number :
        {-0.6, -1.0, 4294967295.6, 4294967296.0, 1e300, std::numeric_limits<double>::infinity(),
         -std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()}) {
@@ -55,7 +55,7 @@ TEST(Hexadecimal, DoubleWithoutThirtyTwoBitForm_Overflows) {
   }
 }
 
-TEST(Hexadecimal, DigitsOfEitherCase_AreRead) {
+TEST(HexadecimalTest, DigitsOfEitherCase_AreRead) {
   struct Case {
     const wchar_t* text;
     std::int64_t number;
@@ -74,7 +74,7 @@ TEST(Hexadecimal, DigitsOfEitherCase_AreRead) {
   for (const Case& c : kCases) EXPECT_EQ(FromHexadecimal(c.text), c.number) << testing::PrintToString(c.text);
 }
 
-TEST(Hexadecimal, AnyOtherText_IsATypeMismatch) {
+TEST(HexadecimalTest, AnyOtherText_IsATypeMismatch) {
   for (const wchar_t* text : {L"", L"G", L"g", L"@", L"`", L" 1", L"1 ", L"&H1", L"0x1", L"-1", L"1.5", L"/",
                               L":", L"000000001", L"OK"}) {
     EXPECT_EQ(RaisedBy([&] { FromHexadecimal(text); }).number, kTypeMismatch) << testing::PrintToString(text);

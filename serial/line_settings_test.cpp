@@ -16,7 +16,7 @@ struct Accepted {
   LineStopBits stop_bits;
 };
 
-TEST(LineSettings, EveryNamedValue_IsRead) {
+TEST(LineSettingsTest, EveryNamedValue_IsRead) {
   constexpr auto kN = LineParity::kNone;
   constexpr auto kOne = LineStopBits::kOne;
   constexpr Accepted kCases[] = {
@@ -48,7 +48,7 @@ TEST(LineSettings, EveryNamedValue_IsRead) {
   }
 }
 
-TEST(LineSettings, AnyOtherText_IsRefused) {
+TEST(LineSettingsTest, AnyOtherText_IsRefused) {
   for (const wchar_t* text : {L"",
                               L",",
                               L",,,",
@@ -84,7 +84,7 @@ TEST(LineSettings, AnyOtherText_IsRefused) {
   }
 }
 
-TEST(LineSettings, TextWithNul_IsRefused) {
+TEST(LineSettingsTest, TextWithNul_IsRefused) {
   EXPECT_FALSE(ReadLineSettings(std::wstring(L"9600,N,8,1\0", 11)));
 }
 

@@ -6,7 +6,7 @@
 namespace kesp {
 namespace {
 
-TEST(OpeningOutcome, SystemError_DecidesAvailabilityAndTheErrorOfOpening) {
+TEST(OpeningOutcomeTest, SystemError_DecidesAvailabilityAndTheErrorOfOpening) {
   struct Case {
     std::uint32_t system_error;
     std::int32_t availability;

@@ -26,14 +26,14 @@ constexpr Case kCases[] = {
     {-31, -31, L"Serial control error -31"},
 };
 
-TEST(SerialControlErrors, EveryNumber_HasItsValueAndDescription) {
+TEST(SerialControlErrorsTest, EveryNumber_HasItsValueAndDescription) {
   for (const Case& c : kCases) {
     EXPECT_EQ(c.number, c.expected_number);
     EXPECT_EQ(SerialControlErrorDescription(c.number), c.description) << c.number;
   }
 }
 
-TEST(SerialControlErrors, Failure_HasNumberDescriptionAndTheControlAsSource) {
+TEST(SerialControlErrorsTest, Failure_HasNumberDescriptionAndTheControlAsSource) {
   for (const Case& c : kCases) {
     const Failure failure = SerialControlFailure(c.number);
     EXPECT_EQ(failure.number(), c.number);

@@ -13,7 +13,7 @@ namespace {
 // What an adapter may take to begin.
 constexpr std::int64_t kLatency = 2000;
 
-TEST(Transmission, Bytes_TakeTheirBitsAtTheRate) {
+TEST(TransmissionTest, Bytes_TakeTheirBitsAtTheRate) {
   struct Case {
     const wchar_t* settings;
     std::size_t bytes;
@@ -34,7 +34,7 @@ TEST(Transmission, Bytes_TakeTheirBitsAtTheRate) {
   }
 }
 
-TEST(Transmission, TimePasses_LessIsLeft) {
+TEST(TransmissionTest, TimePasses_LessIsLeft) {
   ClockFake clock;
   Transmission transmission(clock);
   transmission.Begin(*ReadLineSettings(L"1200,N,8,2"));  // 11 bits
@@ -45,7 +45,7 @@ TEST(Transmission, TimePasses_LessIsLeft) {
   EXPECT_EQ(transmission.Left(), 0);
 }
 
-TEST(Transmission, MoreBytes_LeaveBehindTheOthers) {
+TEST(TransmissionTest, MoreBytes_LeaveBehindTheOthers) {
   ClockFake clock;
   Transmission transmission(clock);
   transmission.Begin(*ReadLineSettings(L"1200,N,8,2"));
@@ -58,7 +58,7 @@ TEST(Transmission, MoreBytes_LeaveBehindTheOthers) {
   EXPECT_EQ(transmission.Left(), 110000 + kLatency) << "the line was idle meanwhile";
 }
 
-TEST(Transmission, Ended_NothingIsLeft) {
+TEST(TransmissionTest, Ended_NothingIsLeft) {
   ClockFake clock;
   Transmission transmission(clock);
   transmission.Begin(*ReadLineSettings(L"150,N,8,1"));

@@ -31,9 +31,9 @@ std::int32_t NumberOf(const std::function<void()>& call) {
   return 0;
 }
 
-class SerialControlWinTest : public testing::Test {
+class SerialControlTest : public testing::Test {
  protected:
-  SerialControlWinTest() { control_.SetCommPort(Port()); }
+  SerialControlTest() { control_.SetCommPort(Port()); }
 
   static std::int16_t Port() { return static_cast<std::int16_t>(SerialWire::PortNumber()); }
 
@@ -72,7 +72,7 @@ class SerialControlWinTest : public testing::Test {
   SerialControlWin control_;
 };
 
-TEST_F(SerialControlWinTest, Opened_EveryBytePassesInBothDirections) {
+TEST_F(SerialControlTest, Opened_EveryBytePassesInBothDirections) {
   std::string all;
   for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
   control_.Open();
@@ -82,7 +82,7 @@ TEST_F(SerialControlWinTest, Opened_EveryBytePassesInBothDirections) {
   EXPECT_EQ(Read(256), all);
 }
 
-TEST_F(SerialControlWinTest, EveryRate_IsTaken) {
+TEST_F(SerialControlTest, EveryRate_IsTaken) {
   for (const wchar_t* rate : {L"150", L"300", L"600", L"1200", L"2400", L"4800", L"9600", L"19200", L"38400",
                               L"57600", L"115200", L"230400", L"460800", L"921600"}) {
     control_.SetSettings(std::wstring(rate) + L",N,8,1");
@@ -94,7 +94,7 @@ TEST_F(SerialControlWinTest, EveryRate_IsTaken) {
 }
 
 // What the texts may be is tested with their reading.
-TEST_F(SerialControlWinTest, SettingsOfOtherForm_AreRefusedAndTheEarlierOnesStay) {
+TEST_F(SerialControlTest, SettingsOfOtherForm_AreRefusedAndTheEarlierOnesStay) {
   control_.SetSettings(L"2400,O,7,1");
   EXPECT_EQ(NumberOf([&] { control_.SetSettings(L"9600,N,9,1"); }), 380);
   control_.Open();
@@ -102,7 +102,7 @@ TEST_F(SerialControlWinTest, SettingsOfOtherForm_AreRefusedAndTheEarlierOnesStay
   EXPECT_EQ(control_.Settings(), L"2400,O,7,1");
 }
 
-TEST_F(SerialControlWinTest, PortNumberOutsideRangeOrWithoutDevice_IsRefused) {
+TEST_F(SerialControlTest, PortNumberOutsideRangeOrWithoutDevice_IsRefused) {
   for (const int port : {0, 257, -1}) {
     EXPECT_EQ(NumberOf([&] { control_.SetCommPort(static_cast<std::int16_t>(port)); }), 8002) << port;
   }
@@ -111,7 +111,7 @@ TEST_F(SerialControlWinTest, PortNumberOutsideRangeOrWithoutDevice_IsRefused) {
   EXPECT_FALSE(control_.PortOpen());
 }
 
-TEST_F(SerialControlWinTest, PortHeldByAnother_CannotBeOpenedUntilItIsFree) {
+TEST_F(SerialControlTest, PortHeldByAnother_CannotBeOpenedUntilItIsFree) {
   BarePort other(SerialWire::PortName());
   ASSERT_EQ(other.error(), DWORD{ERROR_SUCCESS});
   EXPECT_EQ(NumberOf([&] { control_.Open(); }), 8005);
@@ -120,7 +120,7 @@ TEST_F(SerialControlWinTest, PortHeldByAnother_CannotBeOpenedUntilItIsFree) {
   EXPECT_EQ(NumberOf([&] { control_.Open(); }), 0);
 }
 
-TEST_F(SerialControlWinTest, Opened_IsTheOnlyOwner) {
+TEST_F(SerialControlTest, Opened_IsTheOnlyOwner) {
   control_.Open();
   EXPECT_EQ(NumberOf([&] { control_.Open(); }), 8000);
   EXPECT_EQ(NumberOf([&] { control_.SetCommPort(34); }), 8000);
@@ -133,7 +133,7 @@ TEST_F(SerialControlWinTest, Opened_IsTheOnlyOwner) {
   EXPECT_EQ(SystemSerialPorts().IsCOMPortAvailable(0), 2);
 }
 
-TEST_F(SerialControlWinTest, Closed_EveryOperationOfTheOpenPortIsRefused) {
+TEST_F(SerialControlTest, Closed_EveryOperationOfTheOpenPortIsRefused) {
   EXPECT_EQ(NumberOf([&] { control_.InBufferCount(); }), 8018);
   EXPECT_EQ(NumberOf([&] { control_.OutBufferCount(); }), 8018);
   EXPECT_EQ(NumberOf([&] { control_.ClearInBuffer(); }), 8018);
@@ -145,7 +145,7 @@ TEST_F(SerialControlWinTest, Closed_EveryOperationOfTheOpenPortIsRefused) {
   EXPECT_EQ(NumberOf([&] { control_.Close(); }), 0);
 }
 
-TEST_F(SerialControlWinTest, ReceivedBytes_AreCountedAndCleared) {
+TEST_F(SerialControlTest, ReceivedBytes_AreCountedAndCleared) {
   control_.Open();
   EXPECT_EQ(control_.InBufferCount(), 0);
   EXPECT_EQ(control_.Input(), "");
@@ -156,14 +156,14 @@ TEST_F(SerialControlWinTest, ReceivedBytes_AreCountedAndCleared) {
 }
 
 // The write stays pending, its bytes are counted, and nothing blocks.
-TEST_F(SerialControlWinTest, LineThatTakesNothing_OutputIsCountedUntilItLeaves) {
+TEST_F(SerialControlTest, LineThatTakesNothing_OutputIsCountedUntilItLeaves) {
   const std::size_t bytes = OpenAndFill();
   wire_.ResumeReading();
   EXPECT_TRUE(Eventually([&] { return control_.OutBufferCount() == 0; }));
   EXPECT_EQ(wire_.Receive(bytes).size(), bytes);
 }
 
-TEST_F(SerialControlWinTest, LineThatTakesNothing_OutputCanBeClearedAndThePortClosed) {
+TEST_F(SerialControlTest, LineThatTakesNothing_OutputCanBeClearedAndThePortClosed) {
   OpenAndFill();
   control_.ClearOutBuffer();
   EXPECT_EQ(control_.OutBufferCount(), 0);
@@ -173,7 +173,7 @@ TEST_F(SerialControlWinTest, LineThatTakesNothing_OutputCanBeClearedAndThePortCl
 }
 
 // Adapters are fed by these lines: both are up before a byte can leave, and opening does not pulse them.
-TEST_F(SerialControlWinTest, Opened_BothControlLinesRiseOnce) {
+TEST_F(SerialControlTest, Opened_BothControlLinesRiseOnce) {
   const std::size_t before = LineChanges().size();
   control_.Open();
   const std::vector<LineChange> changes = LineChanges();
@@ -190,7 +190,7 @@ TEST_F(SerialControlWinTest, Opened_BothControlLinesRiseOnce) {
   EXPECT_TRUE(rts);
 }
 
-TEST_F(SerialControlWinTest, ControlLines_FollowOneByOne) {
+TEST_F(SerialControlTest, ControlLines_FollowOneByOne) {
   control_.Open();
   const std::string up = LineHistory();
   control_.SetDTREnable(false);
@@ -200,7 +200,7 @@ TEST_F(SerialControlWinTest, ControlLines_FollowOneByOne) {
   EXPECT_EQ(LineHistory(), up + " R DR D DR");
 }
 
-TEST_F(SerialControlWinTest, LinesSwitchedOffWhileClosed_AreOffAfterOpening) {
+TEST_F(SerialControlTest, LinesSwitchedOffWhileClosed_AreOffAfterOpening) {
   control_.SetDTREnable(false);
   control_.SetRTSEnable(false);
   const std::string before = LineHistory();
@@ -208,7 +208,7 @@ TEST_F(SerialControlWinTest, LinesSwitchedOffWhileClosed_AreOffAfterOpening) {
   EXPECT_EQ(LineHistory(), before);
 }
 
-TEST_F(SerialControlWinTest, PortPulledWhileOpen_FailsAtTheNextCallAndClosesCleanly) {
+TEST_F(SerialControlTest, PortPulledWhileOpen_FailsAtTheNextCallAndClosesCleanly) {
   control_.Open();
   wire_.Pull();
   EXPECT_TRUE(Eventually([&] { return NumberOf([&] { control_.InBufferCount(); }) == 8020; }));
@@ -225,7 +225,7 @@ TEST_F(SerialControlWinTest, PortPulledWhileOpen_FailsAtTheNextCallAndClosesClea
 }
 
 // Drivers may take a moment to let go of a port, whoever asks for it next.
-TEST_F(SerialControlWinTest, PortStillTakenRightAfterClosing_IsWaitedFor) {
+TEST_F(SerialControlTest, PortStillTakenRightAfterClosing_IsWaitedFor) {
   SerialControlWin second;
   second.SetCommPort(Port());
   const std::function<std::int32_t()> next_users[] = {
@@ -247,7 +247,7 @@ TEST_F(SerialControlWinTest, PortStillTakenRightAfterClosing_IsWaitedFor) {
   }
 }
 
-TEST_F(SerialControlWinTest, PortInUse_IsRefusedAtOnceUnlessItWasJustClosed) {
+TEST_F(SerialControlTest, PortInUse_IsRefusedAtOnceUnlessItWasJustClosed) {
   const auto milliseconds_until_refused = [&] {
     SerialControlWin second;
     second.SetCommPort(Port());
@@ -270,7 +270,7 @@ TEST_F(SerialControlWinTest, PortInUse_IsRefusedAtOnceUnlessItWasJustClosed) {
   }
 }
 
-TEST_F(SerialControlWinTest, ClosedWithOutputPending_CanBeOpenedAtOnce) {
+TEST_F(SerialControlTest, ClosedWithOutputPending_CanBeOpenedAtOnce) {
   for (int i = 0; i < 3; ++i) {
     OpenAndFill();
     control_.Close();
@@ -300,7 +300,7 @@ class OtherUser {
   HANDLE handle_;
 };
 
-TEST_F(SerialControlWinTest, StateLeftByAnotherProgram_IsReplaced) {
+TEST_F(SerialControlTest, StateLeftByAnotherProgram_IsReplaced) {
   {
     OtherUser other;
     other.state.BaudRate = CBR_300;
@@ -327,7 +327,7 @@ TEST_F(SerialControlWinTest, StateLeftByAnotherProgram_IsReplaced) {
 }
 
 // Both before the opening and while the port is open. XON is the line's own where there is handshaking.
-TEST_F(SerialControlWinTest, SettingsAndHandshaking_ReachTheDriver) {
+TEST_F(SerialControlTest, SettingsAndHandshaking_ReachTheDriver) {
   const std::string bytes =
       "a\x11"
       "b";
@@ -349,7 +349,7 @@ TEST_F(SerialControlWinTest, SettingsAndHandshaking_ReachTheDriver) {
   }
 }
 
-TEST_F(SerialControlWinTest, SettingsTheDriverRefuses_AreAFailureAndThePortIsClosed) {
+TEST_F(SerialControlTest, SettingsTheDriverRefuses_AreAFailureAndThePortIsClosed) {
   control_.SetSettings(L"9600,N,4,1");
   EXPECT_EQ(NumberOf([&] { control_.Open(); }), 8015);
   EXPECT_FALSE(control_.PortOpen());
@@ -357,7 +357,7 @@ TEST_F(SerialControlWinTest, SettingsTheDriverRefuses_AreAFailureAndThePortIsClo
   EXPECT_EQ(NumberOf([&] { control_.Open(); }), 0);
 }
 
-TEST_F(SerialControlWinTest, BytesFromBeforeTheOpening_AreDiscarded) {
+TEST_F(SerialControlTest, BytesFromBeforeTheOpening_AreDiscarded) {
   {
     const BarePort keeper(SerialWire::PortName());
     wire_.Send("older");
