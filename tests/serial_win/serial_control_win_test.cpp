@@ -326,27 +326,30 @@ TEST_F(SerialControlTest, StateLeftByAnotherProgram_IsReplaced) {
   EXPECT_FALSE(state.fOutxCtsFlow);
 }
 
-// Both before the opening and while the port is open. XON is the line's own where there is handshaking.
-TEST_F(SerialControlTest, SettingsAndHandshaking_ReachTheDriver) {
+// XON is the line's own where there is handshaking.
+TEST_F(SerialControlTest, ChangedWhileOpen_SettingsAndHandshakingHoldAtOnce) {
   const std::string bytes =
       "a\x11"
       "b";
-  for (const bool is_open : {false, true}) {
-    if (is_open) control_.Open();
-    control_.SetHandshaking(is_open ? SerialHandshaking::kXonXoff : SerialHandshaking::kNone);
-    control_.SetSettings(is_open ? L"1200,O,7,2" : L"2400,E,8,1");
-    if (!is_open) control_.Open();
-    wire_.Send(bytes);
-    EXPECT_EQ(Read(is_open ? 2 : 3), is_open ? "ab" : bytes);
-    control_.Close();
-    const DCB state = OtherUser().state;
-    EXPECT_EQ(state.BaudRate, is_open ? 1200U : 2400U);
-    EXPECT_EQ(int{state.Parity}, is_open ? ODDPARITY : EVENPARITY);
-    EXPECT_EQ(int{state.ByteSize}, is_open ? 7 : 8);
-    EXPECT_EQ(int{state.StopBits}, is_open ? TWOSTOPBITS : ONESTOPBIT);
-    EXPECT_EQ(state.fOutX, is_open ? 1U : 0U);
-    EXPECT_EQ(state.fInX, is_open ? 1U : 0U);
-  }
+  control_.Open();
+  wire_.Send(bytes);
+  EXPECT_EQ(Read(3), bytes);
+  control_.SetSettings(L"1200,O,7,2");
+  control_.Close();
+  DCB state = OtherUser().state;
+  EXPECT_EQ(state.BaudRate, DWORD{CBR_1200});
+  EXPECT_EQ(int{state.Parity}, ODDPARITY);
+  EXPECT_EQ(int{state.ByteSize}, 7);
+  EXPECT_EQ(int{state.StopBits}, TWOSTOPBITS);
+  EXPECT_FALSE(state.fOutX);
+  control_.Open();
+  control_.SetHandshaking(SerialHandshaking::kXonXoff);
+  wire_.Send(bytes);
+  EXPECT_EQ(Read(2), "ab");
+  control_.Close();
+  state = OtherUser().state;
+  EXPECT_TRUE(state.fOutX);
+  EXPECT_TRUE(state.fInX);
 }
 
 TEST_F(SerialControlTest, SettingsTheDriverRefuses_AreAFailureAndThePortIsClosed) {
