@@ -2,7 +2,10 @@
 // failure.
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "tests/clients/late_object.h"
 #include "tests/clients/modem_lines.h"
@@ -37,6 +40,35 @@ class SerialPortTest : public SerialFixture {
 
   ComPtr<_CKespSmartSwitch3> box_ = ReadObject(port_, &_CKespCOMPort3::get_SmartSwitch);
 };
+
+TEST_F(SerialPortTest, EveryPlainProperty_IsItsOwn) {
+  using Port = _CKespCOMPort3;
+  using Put = HRESULT (STDMETHODCALLTYPE Port::*)(VARIANT_BOOL);
+  using Get = HRESULT (STDMETHODCALLTYPE Port::*)(VARIANT_BOOL*);
+  const std::pair<Put, Get> switches[] = {{&Port::put_CheckNonAscii, &Port::get_CheckNonAscii},
+                                          {&Port::put_TerminateOnLF, &Port::get_TerminateOnLF},
+                                          {&Port::put_StripCRLF, &Port::get_StripCRLF},
+                                          {&Port::put_CreateLogFile, &Port::get_CreateLogFile},
+                                          {&Port::put_UseSmartSwitch, &Port::get_UseSmartSwitch},
+                                          {&Port::put_UseIRDongle, &Port::get_UseIRDongle},
+                                          {&Port::put_UseRFModem, &Port::get_UseRFModem},
+                                          {&Port::put_UseRedirector, &Port::get_UseRedirector}};
+  const auto values = [&] {
+    std::vector<VARIANT_BOOL> read;
+    for (const auto& [put, get] : switches) read.push_back(Read(port_, get));
+    return read;
+  };
+  for (std::size_t i = 0; i < std::size(switches); ++i) {
+    std::vector<VARIANT_BOOL> expected = values();
+    expected[i] = expected[i] == VARIANT_TRUE ? VARIANT_FALSE : VARIANT_TRUE;
+    EXPECT_EQ(Write(port_, switches[i].first, expected[i]), S_OK);
+    EXPECT_EQ(values(), expected) << i;
+  }
+  EXPECT_EQ(Write(port_, &Port::put_InstrAddr, short{-26}), S_OK);
+  EXPECT_EQ(Write(port_, &Port::put_RFModemPropHCID, 70000L), S_OK);
+  EXPECT_EQ(Read(port_, &Port::get_InstrAddr), -26);
+  EXPECT_EQ(Read(port_, &Port::get_RFModemPropHCID), 70000);
+}
 
 TEST_F(SerialPortTest, Opened_IsDeniedToOthersUntilItsEnd) {
   const short number = SerialPortNumber();
@@ -168,6 +200,20 @@ TEST_F(SerialPortTest, Download_MuchDataAndSilence) {
   EXPECT_EQ(RefusalOf(Download()),
             (Refusal{ERR_DOWNLOAD_TIMEOUT, L"CKespCOMPort3 - Download()",
                      L"Timeout while downloading from COM" + SerialPortText() + L"."}));
+}
+
+// The first command stays without an answer, which takes two seconds.
+TEST_F(SerialPortTest, AutoDetect_EveryArgumentIsUsed) {
+  EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_ControllerStyle, CS_OMEGA), S_OK);
+  wire_
+      .OnBytes(
+          "\x04"
+          "0011*VER\x05\r")
+      .Reply("1.4\r\n");
+  EXPECT_EQ(RefusalOf(port_->AutoDetect(reply_.in_out(), dlCommonCommands, Text(L"01").get(), &answer_)),
+            Refusal{});
+  EXPECT_TRUE(Answer());
+  EXPECT_EQ(reply_.str(), L"1.4");
 }
 
 TEST_F(SerialPortTest, Log_HoldsWhatTheTransportDoes) {
