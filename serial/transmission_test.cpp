@@ -13,7 +13,13 @@ namespace {
 // What an adapter may take to begin.
 constexpr std::int64_t kLatency = 2000;
 
-TEST(TransmissionTest, Bytes_TakeTheirBitsAtTheRate) {
+class TransmissionTest : public testing::Test {
+ protected:
+  ClockFake clock_;
+  Transmission transmission_{clock_};
+};
+
+TEST_F(TransmissionTest, Bytes_TakeTheirBitsAtTheRate) {
   struct Case {
     const wchar_t* settings;
     std::size_t bytes;
@@ -25,49 +31,34 @@ TEST(TransmissionTest, Bytes_TakeTheirBitsAtTheRate) {
                              {L"921600,N,8,1", 1, 11},    {L"9600,N,8,1", 0, -kLatency}};
   for (const Case& c : kCases) {
     SCOPED_TRACE(testing::Message() << std::string(c.settings, c.settings + 3) << " " << c.bytes);
-    ClockFake clock;
-    Transmission transmission(clock);
-    transmission.Begin(*ReadLineSettings(c.settings));
-    EXPECT_EQ(transmission.Left(), 0);
-    transmission.Add(c.bytes);
-    EXPECT_EQ(transmission.Left(), c.microseconds + kLatency);
+    transmission_.Begin(*ReadLineSettings(c.settings));
+    EXPECT_EQ(transmission_.Left(), 0);
+    transmission_.Add(c.bytes);
+    EXPECT_EQ(transmission_.Left(), c.microseconds + kLatency);
   }
 }
 
-TEST(TransmissionTest, TimePasses_LessIsLeft) {
-  ClockFake clock;
-  Transmission transmission(clock);
-  transmission.Begin(*ReadLineSettings(L"1200,N,8,2"));  // 11 bits
-  transmission.Add(12);                                  // 110 ms
-  clock.Advance(50);
-  EXPECT_EQ(transmission.Left(), 60000 + kLatency);
-  clock.Advance(1000);
-  EXPECT_EQ(transmission.Left(), 0);
+TEST_F(TransmissionTest, TimePasses_LessIsLeftAndMoreBytesLeaveBehindTheOthers) {
+  transmission_.Begin(*ReadLineSettings(L"1200,N,8,2"));  // 11 bits
+  transmission_.Add(12);                                  // 110 ms
+  clock_.Advance(50);
+  EXPECT_EQ(transmission_.Left(), 60000 + kLatency);
+  transmission_.Add(12);
+  EXPECT_EQ(transmission_.Left(), 60000 + 110000 + kLatency);
+  clock_.Advance(1000);
+  EXPECT_EQ(transmission_.Left(), 0);
+  transmission_.Add(12);
+  EXPECT_EQ(transmission_.Left(), 110000 + kLatency) << "the line was idle meanwhile";
 }
 
-TEST(TransmissionTest, MoreBytes_LeaveBehindTheOthers) {
-  ClockFake clock;
-  Transmission transmission(clock);
-  transmission.Begin(*ReadLineSettings(L"1200,N,8,2"));
-  transmission.Add(12);
-  clock.Advance(50);
-  transmission.Add(12);
-  EXPECT_EQ(transmission.Left(), 60000 + 110000 + kLatency);
-  clock.Advance(1000);
-  transmission.Add(12);
-  EXPECT_EQ(transmission.Left(), 110000 + kLatency) << "the line was idle meanwhile";
-}
-
-TEST(TransmissionTest, Ended_NothingIsLeft) {
-  ClockFake clock;
-  Transmission transmission(clock);
-  transmission.Begin(*ReadLineSettings(L"150,N,8,1"));
-  transmission.Add(12);
-  transmission.End();
-  EXPECT_EQ(transmission.Left(), 0);
-  transmission.Add(12);
-  transmission.Begin(*ReadLineSettings(L"9600,N,8,1"));
-  EXPECT_EQ(transmission.Left(), 0);
+TEST_F(TransmissionTest, Ended_NothingIsLeft) {
+  transmission_.Begin(*ReadLineSettings(L"150,N,8,1"));
+  transmission_.Add(12);
+  transmission_.End();
+  EXPECT_EQ(transmission_.Left(), 0);
+  transmission_.Add(12);
+  transmission_.Begin(*ReadLineSettings(L"9600,N,8,1"));
+  EXPECT_EQ(transmission_.Left(), 0);
 }
 
 }  // namespace
