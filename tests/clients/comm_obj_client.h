@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "KespCommObj.h"
 #include "support/lines_fixture.h"
@@ -15,6 +16,9 @@ namespace kesp::clients {
 // The base of fixtures. Texts come back in reply_, bytes in bytes_.
 class CommObjClient {
  protected:
+  CommObjClient() : comm_(Create<_CKespCommObj>(__uuidof(CKespCommObj))) {}
+  explicit CommObjClient(ComPtr<_CKespCommObj> object) : comm_(std::move(object)) {}
+
   // Each call is expected to succeed as a call and to set its result; True tells that the operation
   // succeeded.
   bool Query(const std::wstring& cmd, const std::wstring& address = {}, const std::wstring& value = {});
@@ -42,13 +46,26 @@ class CommObjClient {
 
   // Made first: a fixture may have an apartment of its own besides.
   Apartment apartment_;
-  ComPtr<_CKespCommObj> comm_ = Create<_CKespCommObj>(__uuidof(CKespCommObj));
+  ComPtr<_CKespCommObj> comm_;
   Text reply_;
   Value bytes_;
   TemporaryFile trace_;
 
  private:
   std::size_t seen_ = 0;
+};
+
+// A further object beside that of the fixture, or its own as another apartment sees it.
+struct OtherCommObj : CommObjClient {
+  OtherCommObj() = default;
+  explicit OtherCommObj(ComPtr<_CKespCommObj> object) : CommObjClient(std::move(object)) {}
+  using CommObjClient::bytes_;
+  using CommObjClient::comm_;
+  using CommObjClient::ExpectStatus;
+  using CommObjClient::Query;
+  using CommObjClient::QueryBinary;
+  using CommObjClient::reply_;
+  using CommObjClient::Use;
 };
 
 }  // namespace kesp::clients

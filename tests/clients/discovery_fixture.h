@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,9 +17,9 @@
 namespace kesp::clients {
 
 // With settings of the client's own, to be found again afterwards.
-class DiscoveryStage : public testing::Test {
+class DiscoveryFixture : public testing::Test {
  protected:
-  DiscoveryStage() {
+  DiscoveryFixture() {
     EXPECT_EQ(Write(tcp_, &_CKespTCP::put_Protocol, sckUDPProtocol), S_OK);
     EXPECT_EQ(Write(tcp_, &_CKespTCP::put_IPType, ipDynamic), S_OK);
     EXPECT_EQ(Write(tcp_, &_CKespTCP::put_TimeOutmSecs, 5000), S_OK);
@@ -77,10 +76,6 @@ class DiscoveryStage : public testing::Test {
     Lines lines = log_.Messages();
     std::erase_if(lines, [&](const std::wstring& line) { return !line.starts_with(beginning); });
     return lines;
-  }
-
-  void On(const std::wstring& event, const std::function<void()>& action) {
-    recorder_->handlers[event] = [action](DISPPARAMS&) { action(); };
   }
 
   Apartment apartment_;

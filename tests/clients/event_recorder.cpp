@@ -29,6 +29,28 @@ std::wstring TextOf(const VARIANT& argument) {
   }
 }
 
+// As which type an argument that is declared so arrives.
+VARTYPE ArrivingAs(const TYPEDESC& declared) {
+  if (declared.vt == VT_PTR) return static_cast<VARTYPE>(VT_BYREF | ArrivingAs(*declared.lptdesc));
+  return declared.vt == VT_USERDEFINED ? static_cast<VARTYPE>(VT_I4) : declared.vt;
+}
+
+// Expects the arguments of an event to be of the types that the type library declares.
+void ExpectDeclaredTypes(ITypeInfo* events, DISPID id, const DISPPARAMS& arguments) {
+  FUNCDESC* function = nullptr;
+  for (UINT i = 0; events->GetFuncDesc(i, &function) == S_OK; ++i) {
+    if (function->memid == id) {
+      EXPECT_EQ(static_cast<UINT>(function->cParams), arguments.cArgs) << "event " << id;
+      for (UINT n = 0; n < arguments.cArgs; ++n) {
+        EXPECT_EQ(V_VT(&arguments.rgvarg[arguments.cArgs - 1 - n]),
+                  ArrivingAs(function->lprgelemdescParam[n].tdesc))
+            << "argument " << n << " of event " << id;
+      }
+    }
+    events->ReleaseFuncDesc(function);
+  }
+}
+
 }  // namespace
 
 ComPtr<EventRecorder> EventRecorder::Make(const IID& events) {
@@ -70,6 +92,7 @@ HRESULT EventRecorder::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* a
                               EXCEPINFO*, UINT*) {
   EXPECT_EQ(flags, DISPATCH_METHOD);
   EXPECT_EQ(arguments->cNamedArgs, 0u);
+  ExpectDeclaredTypes(info_.Get(), id, *arguments);
   Text name;
   UINT names = 0;
   info_->GetNames(id, name.out(), 1, &names);

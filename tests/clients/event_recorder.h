@@ -11,7 +11,8 @@
 
 namespace kesp::clients {
 
-// A sink for the events of one dispinterface. It is made with one reference; Make hands it to a ComPtr.
+// A sink for the events of one dispinterface, which expects each argument to have its declared type. It is
+// made with one reference; Make hands it to a ComPtr.
 class EventRecorder final : public IDispatch {
  public:
   using Handler = std::function<void(DISPPARAMS& arguments)>;

@@ -11,71 +11,24 @@
 namespace kesp::clients {
 namespace {
 
-class HandlersTest : public TcpEventsFixture {
- protected:
-  void On(const std::wstring& event, std::function<void()> action) {
-    recorder_->handlers[event] = [action = std::move(action)](DISPPARAMS&) { action(); };
-  }
-};
-
-TEST_F(HandlersTest, ReadsProperties) {
-  std::vector<EKespTCPState> states;
-  On(L"ConnectBegin", [&] { states.push_back(Read(tcp_, &_CKespTCP::get_State)); });
-  EXPECT_TRUE(Initialize());
-  EXPECT_EQ(states, std::vector<EKespTCPState>{sckConnected});
-}
+class HandlersTest : public TcpEventsFixture {};
 
 TEST_F(HandlersTest, InitializesAgainWhileConnecting) {
   On(L"ConnectEnd", [&] { EXPECT_TRUE(Initialize()); });
   EXPECT_TRUE(Initialize());
-  EXPECT_EQ(Exchange(L"*IDN?"), L"KESP,TORTURE,SIM00666,1.0");
-}
-
-TEST_F(HandlersTest, UninitializesWhileConnecting_InitializeTimesOut) {
-  SetTimeOut(1000);
-  On(L"ConnectEnd", [&] { EXPECT_TRUE(Uninitialize()); });
-  VARIANT_BOOL answer = VARIANT_TRUE;
-  EXPECT_EQ(tcp_->Initialize(&answer), ERR_TIMEOUT);
-  EXPECT_EQ(Read(tcp_, &_CKespTCP::get_State), sckClosed);
-}
-
-TEST_F(HandlersTest, UninitializesWhileReading_ReadTimesOut) {
-  Initialize();
-  SetTimeOut(1000);
-  On(L"DataArrivalBegin", [&] { EXPECT_TRUE(Uninitialize()); });
-  WriteLine(L"*IDN?");
-  const HRESULT result = ReadLine();
-  EXPECT_TRUE(result == ERR_TIMEOUT || result == ERR_NOT_INITIALIZED) << std::hex << result;
-  EXPECT_EQ(Read(tcp_, &_CKespTCP::get_State), sckClosed);
+  EXPECT_EQ(Exchange(L"*IDN?"), kIdentity);
 }
 
 TEST_F(HandlersTest, QueriesOnAnotherObject) {
   Initialize();
-  const auto other = Create<_CKespCommObj>(__uuidof(CKespCommObj));
-  UseInstrument(other.Get());
-  Text other_reply;
+  OtherCommObj other;
+  UseInstrument(other.comm_.Get());
   On(L"DataArrivalBegin", [&] {
     recorder_->handlers.clear();
-    VARIANT_BOOL answer = VARIANT_FALSE;
-    EXPECT_EQ(other->Query(other_reply.in_out(), Text(L"ECHO other").get(), nullptr, nullptr, &answer), S_OK);
-    EXPECT_EQ(answer, VARIANT_TRUE);
+    EXPECT_TRUE(other.Query(L"ECHO other"));
   });
   EXPECT_EQ(Exchange(L"ECHO first"), L"ECHO first");
-  EXPECT_EQ(other_reply.str(), L"ECHO other");
-}
-
-TEST_F(HandlersTest, ReadsTheReplyItself) {
-  Initialize();
-  SetTimeOut(1000);
-  Text taken;
-  On(L"DataArrivalEnd", [&] {
-    recorder_->handlers.clear();
-    VARIANT_BOOL answer = VARIANT_FALSE;
-    EXPECT_EQ(tcp_->ReadLine(taken.in_out(), &answer), S_OK);
-  });
-  WriteLine(L"ECHO x");
-  EXPECT_EQ(ReadLine(), ERR_TIMEOUT) << "the reply is gone";
-  EXPECT_EQ(taken.str(), L"ECHO x");
+  EXPECT_EQ(other.reply_.str(), L"ECHO other");
 }
 
 TEST_F(HandlersTest, DisconnectsItself) {
@@ -103,104 +56,78 @@ TEST_F(HandlersTest, ConnectsAnother_WhichHearsFromTheNextEventOn) {
 }
 
 // The object lives as long as the call that is on its way.
-class LastReferenceTest : public testing::Test {
+class LastReferenceTest : public TcpFixture {
  protected:
-  struct Stage {
-    ComPtr<_CKespTCP> tcp = Create<_CKespTCP>(__uuidof(CKespTCP));
-    ComPtr<EventRecorder> recorder = EventRecorder::Make(__uuidof(__CKespTCP));
-    Stage() {
-      SetTarget(tcp.Get());
-      Connection(tcp.Get(), __uuidof(__CKespTCP), recorder.Get()).Abandon();
-    }
-    // Lets go of the object at the event. The raw pointer stays good for the call on its way.
-    _CKespTCP* ReleaseAt(const std::wstring& event) {
-      recorder->handlers[event] = [this](DISPPARAMS&) {
-        released = true;
-        tcp.Reset();
-      };
-      return tcp.Get();
-    }
-    // An object that is gone has let go of its handlers.
-    void ExpectGone() const {
-      EXPECT_TRUE(released);
-      EXPECT_EQ(recorder->references(), 1u);
-    }
-    bool released = false;
-  };
+  LastReferenceTest() { Connection(tcp_.Get(), __uuidof(__CKespTCP), recorder_.Get()).Abandon(); }
 
-  Apartment apartment_;
+  // Lets go of the object at the event. The raw pointer stays good for the call on its way.
+  _CKespTCP* ReleaseAt(const std::wstring& event) {
+    recorder_->handlers[event] = [this](DISPPARAMS&) { tcp_.Reset(); };
+    return tcp_.Get();
+  }
+  // An object that is gone has let go of its handlers.
+  void ExpectGone() const {
+    EXPECT_EQ(tcp_, nullptr);
+    EXPECT_EQ(recorder_->references(), 1u);
+  }
+
+  ComPtr<EventRecorder> recorder_ = EventRecorder::Make(__uuidof(__CKespTCP));
+  VARIANT_BOOL answer_ = VARIANT_FALSE;
 };
 
 TEST_F(LastReferenceTest, ReleasedDuringInitialize) {
-  Stage stage;
-  VARIANT_BOOL answer = VARIANT_FALSE;
-  EXPECT_EQ(stage.ReleaseAt(L"ConnectBegin")->Initialize(&answer), S_OK);
-  EXPECT_EQ(answer, VARIANT_TRUE);
-  stage.ExpectGone();
+  EXPECT_EQ(ReleaseAt(L"ConnectBegin")->Initialize(&answer_), S_OK);
+  EXPECT_EQ(answer_, VARIANT_TRUE);
+  ExpectGone();
 }
 
 TEST_F(LastReferenceTest, ReleasedDuringWriteLine) {
-  Stage stage;
-  EXPECT_TRUE(CallsTrue(stage.tcp, &_CKespTCP::Initialize));
-  VARIANT_BOOL answer = VARIANT_FALSE;
-  EXPECT_EQ(stage.ReleaseAt(L"SendProgressBegin")->WriteLine(Text(L"*IDN?").get(), &answer), S_OK);
-  stage.ExpectGone();
+  EXPECT_TRUE(Initialize());
+  EXPECT_EQ(ReleaseAt(L"SendProgressBegin")->WriteLine(Text(L"*IDN?").get(), &answer_), S_OK);
+  ExpectGone();
 }
 
 TEST_F(LastReferenceTest, ReleasedDuringReadLine) {
-  Stage stage;
-  EXPECT_TRUE(CallsTrue(stage.tcp, &_CKespTCP::Initialize));
-  VARIANT_BOOL answer = VARIANT_FALSE;
-  EXPECT_EQ(stage.tcp->WriteLine(Text(L"SPLIT?").get(), &answer), S_OK);
-  Text reply;
-  EXPECT_EQ(stage.ReleaseAt(L"DataArrivalBegin")->ReadLine(reply.in_out(), &answer), S_OK);
-  EXPECT_EQ(reply.str(), L"SPLIT 1.0,2.0,3.0") << "the read goes on to its end";
-  stage.ExpectGone();
+  EXPECT_TRUE(Initialize());
+  EXPECT_EQ(WriteLine(L"SPLIT?"), S_OK);
+  EXPECT_EQ(ReleaseAt(L"DataArrivalBegin")->ReadLine(reply_.in_out(), &answer_), S_OK);
+  EXPECT_EQ(reply_.str(), L"SPLIT 1.0,2.0,3.0") << "the read goes on to its end";
+  ExpectGone();
 }
 
 // Here no call of the object is on its way: the event comes from the client's own message loop.
 TEST_F(LastReferenceTest, ReleasedWhileMessagesArePumped) {
-  Stage stage;
-  EXPECT_TRUE(CallsTrue(stage.tcp, &_CKespTCP::Initialize));
-  VARIANT_BOOL answer = VARIANT_FALSE;
-  EXPECT_EQ(stage.tcp->WriteLine(Text(L"SLOW?").get(), &answer), S_OK);
-  stage.ReleaseAt(L"DataArrivalBegin");
-  EXPECT_TRUE(PumpUntil([&] { return stage.released; }));
-  stage.ExpectGone();
-}
-
-TEST_F(LastReferenceTest, FacadeAndTransportReleasedDuringAQuery) {
-  auto comm = Create<_CKespCommObj>(__uuidof(CKespCommObj));
-  auto tcp = UseInstrument(comm.Get());
-  const auto recorder = EventRecorder::Make(__uuidof(__CKespTCP));
-  Connection(tcp.Get(), __uuidof(__CKespTCP), recorder.Get()).Abandon();
-  recorder->handlers[L"DataArrivalBegin"] = [&](DISPPARAMS&) {
-    tcp.Reset();
-    comm.Reset();
-  };
-  Text reply;
-  VARIANT_BOOL answer = VARIANT_FALSE;
-  _CKespCommObj* const called = comm.Get();
-  EXPECT_EQ(called->Query(reply.in_out(), Text(L"*IDN?").get(), nullptr, nullptr, &answer), S_OK);
-  EXPECT_EQ(answer, VARIANT_TRUE);
-  EXPECT_EQ(reply.str(), L"KESP,TORTURE,SIM00666,1.0");
-  EXPECT_EQ(comm, nullptr);
-  EXPECT_EQ(recorder->references(), 1u) << "the transport is gone, and so is who held it";
+  EXPECT_TRUE(Initialize());
+  EXPECT_EQ(WriteLine(L"SLOW?"), S_OK);
+  ReleaseAt(L"DataArrivalBegin");
+  EXPECT_TRUE(PumpUntil([&] { return tcp_ == nullptr; }));
+  ExpectGone();
 }
 
 // A released object with an open connection leaves nothing behind that could call it.
 TEST_F(LastReferenceTest, ReleasedWhileAReplyIsOnItsWay) {
-  for (int i = 0; i < 5; ++i) {
-    Stage stage;
-    EXPECT_TRUE(CallsTrue(stage.tcp, &_CKespTCP::Initialize));
-    VARIANT_BOOL answer = VARIANT_FALSE;
-    EXPECT_EQ(stage.tcp->WriteLine(Text(L"TRICKLE?").get(), &answer), S_OK);
-    stage.tcp.Reset();
-    const std::size_t heard = stage.recorder->journal.size();
-    PumpUntil([] { return false; }, 100);
-    EXPECT_EQ(stage.recorder->journal.size(), heard);
-    EXPECT_EQ(stage.recorder->references(), 1u);
-  }
+  EXPECT_TRUE(Initialize());
+  EXPECT_EQ(WriteLine(L"TRICKLE?"), S_OK);
+  tcp_.Reset();
+  const Lines heard = recorder_->journal;
+  PumpUntil([] { return false; }, 300);  // the whole reply takes 120 ms
+  EXPECT_EQ(recorder_->journal, heard);
+  ExpectGone();
+}
+
+class FacadeLastReferenceTest : public CommObjFixture {};
+
+TEST_F(FacadeLastReferenceTest, ReleasedWithItsTransportDuringAQuery) {
+  const auto recorder = EventRecorder::Make(__uuidof(__CKespTCP));
+  Connection(tcp_.Get(), __uuidof(__CKespTCP), recorder.Get()).Abandon();
+  recorder->handlers[L"DataArrivalBegin"] = [&](DISPPARAMS&) {
+    tcp_.Reset();
+    comm_.Reset();
+  };
+  EXPECT_TRUE(Query(L"*IDN?"));
+  EXPECT_EQ(reply_.str(), kIdentity);
+  EXPECT_EQ(comm_, nullptr);
+  EXPECT_EQ(recorder->references(), 1u) << "the transport is gone, and so is who held it";
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 
 #include "KespCommObj.h"
@@ -12,6 +13,9 @@
 
 namespace kesp::clients {
 
+// The reply to *IDN? of the instrument.
+inline constexpr wchar_t kIdentity[] = L"KESP,TORTURE,SIM00666,1.0";
+
 class TcpFixture : public testing::Test {
  protected:
   TcpFixture() { SetTarget(tcp_.Get()); }
@@ -19,23 +23,15 @@ class TcpFixture : public testing::Test {
   bool Initialize() { return CallsTrue(tcp_, &_CKespTCP::Initialize); }
   bool Uninitialize() { return CallsTrue(tcp_, &_CKespTCP::Uninitialize); }
   HRESULT WriteLine(const std::wstring& cmd) {
-    VARIANT_BOOL answer = VARIANT_FALSE;
-    const HRESULT result = tcp_->WriteLine(Text(cmd).get(), &answer);
-    EXPECT_EQ(answer == VARIANT_TRUE, result == S_OK);
-    return result;
+    return Judge([&](VARIANT_BOOL* answer) { return tcp_->WriteLine(Text(cmd).get(), answer); });
   }
   // The reply is in reply_.
   HRESULT ReadLine() {
-    VARIANT_BOOL answer = VARIANT_FALSE;
-    const HRESULT result = tcp_->ReadLine(reply_.in_out(), &answer);
-    EXPECT_EQ(answer == VARIANT_TRUE, result == S_OK);
-    return result;
+    return Judge([&](VARIANT_BOOL* answer) { return tcp_->ReadLine(reply_.in_out(), answer); });
   }
+  // The reply is in bytes_.
   HRESULT ReadLineBinary(long gap = 100) {
-    VARIANT_BOOL answer = VARIANT_FALSE;
-    const HRESULT result = tcp_->ReadLineBinary(bytes_.get(), gap, &answer);
-    EXPECT_EQ(answer == VARIANT_TRUE, result == S_OK);
-    return result;
+    return Judge([&](VARIANT_BOOL* answer) { return tcp_->ReadLineBinary(bytes_.get(), gap, answer); });
   }
   // Sends a command on the open connection and reads the reply.
   std::wstring Exchange(const std::wstring& cmd) {
@@ -47,6 +43,13 @@ class TcpFixture : public testing::Test {
     EXPECT_EQ(WriteLine(cmd), S_OK);
     EXPECT_EQ(RefusalOf(ReadLineBinary()), Refusal{});
     return BytesOf(*bytes_.get());
+  }
+  // The result of a call. Its answer is at first neither True nor False, so that it is seen to be set.
+  HRESULT Judge(const std::function<HRESULT(VARIANT_BOOL*)>& call) {
+    VARIANT_BOOL answer = 5;
+    const HRESULT result = call(&answer);
+    EXPECT_EQ(answer, result == S_OK ? VARIANT_TRUE : VARIANT_FALSE);
+    return result;
   }
   void SetTimeOut(short milliseconds) {
     EXPECT_EQ(Write(tcp_, &_CKespTCP::put_TimeOutmSecs, milliseconds), S_OK);
@@ -62,6 +65,9 @@ class TcpFixture : public testing::Test {
 class TcpEventsFixture : public TcpFixture {
  protected:
   const Lines& journal() const { return recorder_->journal; }
+  void On(const std::wstring& event, const std::function<void()>& action) {
+    recorder_->handlers[event] = [action](DISPPARAMS&) { action(); };
+  }
 
   ComPtr<EventRecorder> recorder_ = EventRecorder::Make(__uuidof(__CKespTCP));
   Connection connection_{tcp_.Get(), __uuidof(__CKespTCP), recorder_.Get()};

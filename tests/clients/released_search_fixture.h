@@ -11,7 +11,7 @@
 namespace kesp::clients {
 
 // The parameter is the event at which it is let go.
-class ReleasedSearchTest : public testing::TestWithParam<const wchar_t*> {
+class ReleasedSearchFixture : public testing::TestWithParam<const wchar_t*> {
  protected:
   // True, with the answer in `result`, everything told to the end and nothing kept.
   void ExpectFoundAllTheSame(Text& result) {
