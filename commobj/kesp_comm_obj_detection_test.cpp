@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "commobj/kesp_comm_obj_fixture.h"
+#include "support/lines_fixture.h"
 
 namespace kesp {
 namespace {
@@ -15,9 +15,9 @@ using testing::IsEmpty;
 
 constexpr ECommStyle kAllStyles[] = {ECommStyle::csRS232, ECommStyle::csTCPIP, ECommStyle::csIEEE};
 
-class KespCommObjDetectionTest : public KespCommObjFixture {
+class CKespCommObjDetectionTest : public KespCommObjFixture {
  protected:
-  KespCommObjDetectionTest() {
+  CKespCommObjDetectionTest() {
     const auto record = [this](const std::wstring& event) { heard_.push_back(event); };
     events_.record = record;
     serial_events_.record = record;
@@ -52,11 +52,11 @@ class KespCommObjDetectionTest : public KespCommObjFixture {
     EXPECT_EQ(fakes_.user.boxes()[0].text, text);
   }
 
-  std::vector<std::wstring> heard_;
+  Lines heard_;
   std::wstring result_ = L"before";
 };
 
-TEST_F(KespCommObjDetectionTest, Serial_IsTheTransportsDetectionWithoutOmegaAddress) {
+TEST_F(CKespCommObjDetectionTest, Serial_IsTheTransportsDetectionWithoutOmegaAddress) {
   ports_.line.Answer("*IDN?\r", "KESP,1\r\n");
   comm_->serial().SetControllerStyle(EKespControllerStyle3::CS_KESP);
   EXPECT_TRUE(Detect());
@@ -66,12 +66,12 @@ TEST_F(KespCommObjDetectionTest, Serial_IsTheTransportsDetectionWithoutOmegaAddr
   EXPECT_FALSE(ports_.line.open);
 }
 
-TEST_F(KespCommObjDetectionTest, Serial_LevelIsHandedOn) {
+TEST_F(CKespCommObjDetectionTest, Serial_LevelIsHandedOn) {
   EXPECT_FALSE(Detect(EDetectLevel::dlCommonCommands));
   EXPECT_EQ(ports_.line.written, "*IDN?\r*VER\r");
 }
 
-TEST_F(KespCommObjDetectionTest, Serial_PortThatAQueryLeftOpen_TheNextQueryOpensItAgain) {
+TEST_F(CKespCommObjDetectionTest, Serial_PortThatAQueryLeftOpen_TheNextQueryOpensItAgain) {
   ports_.line.Answer("t\r", "20.5\r\n");
   ports_.line.Answer("*IDN?\r", "KESP,1\r\n");
   comm_->SetAutoClose(false);
@@ -82,31 +82,24 @@ TEST_F(KespCommObjDetectionTest, Serial_PortThatAQueryLeftOpen_TheNextQueryOpens
   EXPECT_EQ(result_, L"20.5");
 }
 
-TEST_F(KespCommObjDetectionTest, Network_IsTheTransportsDetection) {
+TEST_F(CKespCommObjDetectionTest, Network_IsTheTransportsDetectionAndTheNextQueryGoesWhereItIsSent) {
   UseNetwork();
   Script([](SocketControlFake& socket) { socket.ThenConnects(); });
   socket_->on_send = [this](const std::string& command) {
-    if (command == "*VER\r") socket_->ThenReceives("2.1\r");
+    if (command != "*IDN?\r") socket_->ThenReceives("2.1\r");
   };
   EXPECT_TRUE(Detect());
   EXPECT_EQ(result_, L"2.1");
   EXPECT_EQ(socket_->sent, "*IDN?\r*VER\r");
   EXPECT_EQ(heard_.front(), L"AutoDetectBegin()");
   EXPECT_EQ(heard_.back(), L"AutoDetectEnd()");
-}
-
-TEST_F(KespCommObjDetectionTest, Network_Found_TheNextQueryGoesToTheAddressThatIsSetByThen) {
-  UseNetwork();
-  Script([](SocketControlFake& socket) { socket.ThenConnects(); });
-  socket_->on_send = [this](const std::string& /*command*/) { socket_->ThenReceives("KESP\r"); };
-  EXPECT_TRUE(Detect());
   EXPECT_TRUE(IsClosed());
   comm_->network().SetIPAddress(L"10.0.0.8");
   EXPECT_TRUE(comm_->Query(result_, L"t"));
   EXPECT_EQ(socket_->RemoteHost(), L"10.0.0.8");
 }
 
-TEST_F(KespCommObjDetectionTest, Network_LevelIsHandedOnAndTheConnectionClosedWhenNothingIsFound) {
+TEST_F(CKespCommObjDetectionTest, Network_LevelIsHandedOnAndTheConnectionClosedWhenNothingIsFound) {
   UseNetwork();
   Script([](SocketControlFake& socket) { socket.ThenConnects(); });
   EXPECT_FALSE(Detect(EDetectLevel::dlSCPIOnly));
@@ -115,7 +108,7 @@ TEST_F(KespCommObjDetectionTest, Network_LevelIsHandedOnAndTheConnectionClosedWh
   EXPECT_TRUE(IsClosed());
 }
 
-TEST_F(KespCommObjDetectionTest, Network_UdpProtocol_IsADiscovery) {
+TEST_F(CKespCommObjDetectionTest, Network_UdpProtocol_IsADiscovery) {
   UseNetwork();
   comm_->network().SetProtocol(EKespProtocol::sckUDPProtocol);
   socket_->on_send = [this](const std::string& bytes) {
@@ -126,7 +119,7 @@ TEST_F(KespCommObjDetectionTest, Network_UdpProtocol_IsADiscovery) {
   EXPECT_EQ(comm_->network().Devices()->Item(1)->IPAddress(), L"10.0.0.1");
 }
 
-TEST_F(KespCommObjDetectionTest, Network_Failure_IsShownAndGivesFalse) {
+TEST_F(CKespCommObjDetectionTest, Network_Failure_IsShownAndGivesFalse) {
   UseNetwork();
   comm_->network().SetIPAddress(L"0.0.0.0");
   EXPECT_FALSE(Detect());
@@ -136,7 +129,7 @@ TEST_F(KespCommObjDetectionTest, Network_Failure_IsShownAndGivesFalse) {
       L"([CKespTCP - Initialize()])");
 }
 
-TEST_F(KespCommObjDetectionTest, Ieee_SearchesFromTheFirstAddress) {
+TEST_F(CKespCommObjDetectionTest, Ieee_SearchesFromTheFirstAddress) {
   comm_->SetCommStyle(ECommStyle::csIEEE);
   comm_->ieee().SetPrimaryAddress(5);
   bus_.waiting = "KESP,GP488\n";
@@ -147,7 +140,7 @@ TEST_F(KespCommObjDetectionTest, Ieee_SearchesFromTheFirstAddress) {
   EXPECT_EQ(bus_.heard.front(), "ibdev(0,1,0,11,1,0)");
 }
 
-TEST_F(KespCommObjDetectionTest, Ieee_Failure_IsShownAndGivesFalse) {
+TEST_F(CKespCommObjDetectionTest, Ieee_Failure_IsShownAndGivesFalse) {
   comm_->SetCommStyle(ECommStyle::csIEEE);
   bus_.answers["ibclr"] = [] { return GpibOutcome::Failure(2); };
   EXPECT_FALSE(Detect());
@@ -157,7 +150,7 @@ TEST_F(KespCommObjDetectionTest, Ieee_Failure_IsShownAndGivesFalse) {
       L"([CKespIEEE - InitializeIEEEBoard()])");
 }
 
-TEST_F(KespCommObjDetectionTest, NoTransport_RaisesInsteadOfShowing) {
+TEST_F(CKespCommObjDetectionTest, NoTransport_RaisesInsteadOfShowing) {
   comm_->SetCommStyle(ECommStyle::csNone);
   EXPECT_EQ(RaisedBy([&] { Detect(); }), (Raised{-2147221303, L"[CKespCommObj - DetectInstrument()]",
                                                  L"Communications object not initialized"}));
@@ -165,7 +158,7 @@ TEST_F(KespCommObjDetectionTest, NoTransport_RaisesInsteadOfShowing) {
   EXPECT_EQ(result_, L"before");
 }
 
-TEST_F(KespCommObjDetectionTest, Status_StaysAsItWas) {
+TEST_F(CKespCommObjDetectionTest, Status_StaysAsItWas) {
   FailAQuery();
   for (const ECommStyle style : kAllStyles) {
     comm_->SetCommStyle(style);
@@ -178,14 +171,14 @@ TEST_F(KespCommObjDetectionTest, Status_StaysAsItWas) {
   ExpectStatusOfTheQuery();
 }
 
-TEST_F(KespCommObjDetectionTest, Trace_HasNoLinesOfDetection) {
+TEST_F(CKespCommObjDetectionTest, Trace_HasNoLinesOfDetection) {
   StartTrace();
   comm_->serial().SetCreateLogFile(false);
   Detect(EDetectLevel::dlSCPIOnly);
   EXPECT_THAT(Trace(), IsEmpty());
 }
 
-TEST_F(KespCommObjDetectionTest, SetInputMode_Serial_IsHandedOnAndLeavesOtherError) {
+TEST_F(CKespCommObjDetectionTest, SetInputMode_Serial_IsHandedOnAndLeavesOtherError) {
   comm_->SetInputMode(EInputMode::imBinary);
   EXPECT_EQ(comm_->serial().InputMode(), EInputMode::imBinary);
   EXPECT_EQ(comm_->CommError(), ECommError::cfrOtherError);
@@ -195,7 +188,7 @@ TEST_F(KespCommObjDetectionTest, SetInputMode_Serial_IsHandedOnAndLeavesOtherErr
   EXPECT_EQ(comm_->serial().InputMode(), EInputMode::imText);
 }
 
-TEST_F(KespCommObjDetectionTest, SetInputMode_OtherStyles_ChangeNothingButTheStatus) {
+TEST_F(CKespCommObjDetectionTest, SetInputMode_OtherStyles_ChangeNothingButTheStatus) {
   for (const ECommStyle style : {ECommStyle::csTCPIP, ECommStyle::csIEEE}) {
     comm_ = std::make_unique<CKespCommObj>(fakes_.environment, Transports());
     comm_->SetCommStyle(style);
@@ -210,21 +203,17 @@ TEST_F(KespCommObjDetectionTest, SetInputMode_OtherStyles_ChangeNothingButTheSta
   EXPECT_TRUE(bus_.heard.empty());
 }
 
-TEST_F(KespCommObjDetectionTest, SetInputMode_SourceAndDescriptionOfAnEarlierFailureStay) {
+TEST_F(CKespCommObjDetectionTest, SetInputMode_SourceAndDescriptionStayUntilTheNextExchange) {
   FailAQuery();
-  comm_->SetInputMode(EInputMode::imBinary);
+  comm_->SetInputMode(EInputMode::imText);
   EXPECT_EQ(comm_->CommError(), ECommError::cfrOtherError);
   EXPECT_EQ(comm_->CommErrorSource(), L"[CKespTCP - Initialize()]");
-}
-
-TEST_F(KespCommObjDetectionTest, SetInputMode_NextExchangeSetsTheStatusAnew) {
   ports_.line.Answer("t\r", "20.5\r\n");
-  comm_->SetInputMode(EInputMode::imText);
   EXPECT_TRUE(comm_->Query(result_, L"t"));
   EXPECT_EQ(comm_->CommError(), ECommError::cfrSuccess);
 }
 
-TEST_F(KespCommObjDetectionTest, SetInputMode_NoTransport_RaisesWithTheSourceOfUpdate) {
+TEST_F(CKespCommObjDetectionTest, SetInputMode_NoTransport_RaisesWithTheSourceOfUpdate) {
   comm_->SetCommStyle(ECommStyle::csNone);
   EXPECT_EQ(RaisedBy([&] { comm_->SetInputMode(EInputMode::imBinary); }),
             (Raised{-2147221303, L"[CKespCommObj - Update()]", L"Communications object not initialized"}));

@@ -16,9 +16,9 @@ using testing::IsEmpty;
 constexpr wchar_t kHelpFile[] = L"C:\\help\\lab.hlp";
 constexpr wchar_t kTitle[] = L"Kesp Communications Error";
 
-class KespCommObjEditingTest : public KespCommObjFixture {
+class CKespCommObjEditingTest : public KespCommObjFixture {
  protected:
-  KespCommObjEditingTest() {
+  CKespCommObjEditingTest() {
     fakes_.clock.SetStepPerReading(1);
     ports_.line.Answer("t\r", "20.5\r\n");
   }
@@ -48,7 +48,8 @@ class KespCommObjEditingTest : public KespCommObjFixture {
   std::wstring result_;
 };
 
-TEST_F(KespCommObjEditingTest, Serial_AllArgumentsAndTheAnswerAreHandedOn) {
+TEST_F(CKespCommObjEditingTest, Serial_AllArgumentsAndTheAnswerAreHandedOn) {
+  serial_dialog_.on_show = [this](CKespCOMPort3& port) { EXPECT_EQ(&port, &comm_->serial()); };
   for (const bool answer : {true, false}) {
     serial_dialog_.answer = answer;
     EXPECT_EQ(Edit(5, kHelpFile, 4711), answer);
@@ -62,8 +63,9 @@ TEST_F(KespCommObjEditingTest, Serial_AllArgumentsAndTheAnswerAreHandedOn) {
   EXPECT_TRUE(network_dialog_.shown.empty());
 }
 
-TEST_F(KespCommObjEditingTest, Network_AllArgumentsAndTheAnswerAreHandedOn) {
+TEST_F(CKespCommObjEditingTest, Network_AllArgumentsAndTheAnswerAreHandedOn) {
   comm_->SetCommStyle(ECommStyle::csTCPIP);
+  network_dialog_.on_show = [this](CKespTCP& tcp) { EXPECT_EQ(&tcp, &comm_->network()); };
   for (const bool answer : {true, false}) {
     network_dialog_.answer = answer;
     EXPECT_EQ(Edit(8, kHelpFile, 4711), answer);
@@ -75,7 +77,7 @@ TEST_F(KespCommObjEditingTest, Network_AllArgumentsAndTheAnswerAreHandedOn) {
   EXPECT_TRUE(serial_dialog_.shown.empty());
 }
 
-TEST_F(KespCommObjEditingTest, ArgumentsLeftOut_ShowTheFirstPageOnly) {
+TEST_F(CKespCommObjEditingTest, ArgumentsLeftOut_ShowTheFirstPageOnly) {
   EXPECT_TRUE(comm_->Edit());
   comm_->SetCommStyle(ECommStyle::csTCPIP);
   EXPECT_TRUE(comm_->Edit());
@@ -90,17 +92,7 @@ TEST_F(KespCommObjEditingTest, ArgumentsLeftOut_ShowTheFirstPageOnly) {
   EXPECT_EQ(fakes_.user.help_file(), L"");
 }
 
-TEST_F(KespCommObjEditingTest, Dialogs_WorkOnTheObjectsOwnTransports) {
-  serial_dialog_.on_show = [](CKespCOMPort3& port) { port.SetPort(9); };
-  network_dialog_.on_show = [](CKespTCP& tcp) { tcp.SetPort(502); };
-  EXPECT_TRUE(Edit());
-  EXPECT_EQ(comm_->serial().Port(), 9);
-  comm_->SetCommStyle(ECommStyle::csTCPIP);
-  EXPECT_TRUE(Edit());
-  EXPECT_EQ(comm_->network().Port(), 502);
-}
-
-TEST_F(KespCommObjEditingTest, Ieee_FalseAtOnce) {
+TEST_F(CKespCommObjEditingTest, Ieee_FalseAtOnce) {
   comm_->SetCommStyle(ECommStyle::csIEEE);
   EXPECT_FALSE(Edit(15, kHelpFile, 3));
   EXPECT_TRUE(serial_dialog_.shown.empty());
@@ -110,7 +102,7 @@ TEST_F(KespCommObjEditingTest, Ieee_FalseAtOnce) {
   EXPECT_TRUE(fakes_.user.boxes().empty());
 }
 
-TEST_F(KespCommObjEditingTest, NoTransport_RaisesInsteadOfShowing) {
+TEST_F(CKespCommObjEditingTest, NoTransport_RaisesInsteadOfShowing) {
   comm_->SetCommStyle(ECommStyle::csNone);
   EXPECT_EQ(RaisedBy([&] { Edit(15, kHelpFile, 3); }),
             (Raised{-2147221303, L"[CKespCommObj - Edit()]", L"Communications object not initialized"}));
@@ -120,7 +112,7 @@ TEST_F(KespCommObjEditingTest, NoTransport_RaisesInsteadOfShowing) {
   EXPECT_TRUE(network_dialog_.shown.empty());
 }
 
-TEST_F(KespCommObjEditingTest, Serial_PortThatAQueryLeftOpen_TheNextQueryOpensItAgain) {
+TEST_F(CKespCommObjEditingTest, Serial_PortThatAQueryLeftOpen_TheNextQueryOpensItAgain) {
   for (const bool answer : {true, false}) {
     LeavePortOpen();
     serial_dialog_.answer = answer;
@@ -129,7 +121,7 @@ TEST_F(KespCommObjEditingTest, Serial_PortThatAQueryLeftOpen_TheNextQueryOpensIt
   }
 }
 
-TEST_F(KespCommObjEditingTest, Serial_DialogFails_TheNextQueryOpensThePortAgain) {
+TEST_F(CKespCommObjEditingTest, Serial_DialogFails_TheNextQueryOpensThePortAgain) {
   LeavePortOpen();
   serial_dialog_.on_show = [](CKespCOMPort3&) { throw std::runtime_error("no window"); };
   EXPECT_FALSE(Edit());
@@ -137,7 +129,7 @@ TEST_F(KespCommObjEditingTest, Serial_DialogFails_TheNextQueryOpensThePortAgain)
 }
 
 // A timer of the client's goes on while a modal dialog is shown.
-TEST_F(KespCommObjEditingTest, Serial_QueryBehindTheDialog_OpensThePortAndSoDoesTheNext) {
+TEST_F(CKespCommObjEditingTest, Serial_QueryBehindTheDialog_OpensThePortAndSoDoesTheNext) {
   LeavePortOpen();
   serial_dialog_.on_show = [this](CKespCOMPort3&) {
     ExpectQueryOpensThePort();
@@ -147,23 +139,20 @@ TEST_F(KespCommObjEditingTest, Serial_QueryBehindTheDialog_OpensThePortAndSoDoes
   ExpectQueryOpensThePort();
 }
 
-TEST_F(KespCommObjEditingTest, Serial_Failure_IsShownByTheTransportOnly) {
-  serial_dialog_.on_show = [](CKespCOMPort3&) { throw Failure(5, L"", L"odd"); };
+TEST_F(CKespCommObjEditingTest, Failure_IsShownByTheTransportOnly) {
+  const auto fails = [](auto&) { throw Failure(5, L"", L"odd"); };
+  serial_dialog_.on_show = fails;
+  network_dialog_.on_show = fails;
   EXPECT_FALSE(Edit());
-  ASSERT_EQ(fakes_.user.boxes().size(), 1u);
-  EXPECT_EQ(Box(0), L"An error occurred while attempting to edit COM port settings.\r\nError: 5 - odd");
-}
-
-TEST_F(KespCommObjEditingTest, Network_Failure_IsShownByTheTransportOnly) {
   comm_->SetCommStyle(ECommStyle::csTCPIP);
-  network_dialog_.on_show = [](CKespTCP&) { throw Failure(5, L"", L"odd"); };
   EXPECT_FALSE(Edit());
-  ASSERT_EQ(fakes_.user.boxes().size(), 1u);
-  EXPECT_EQ(Box(0), L"An error occurred while attempting to edit TCP/IP settings.\r\nError: 5 - odd");
+  ASSERT_EQ(fakes_.user.boxes().size(), 2u);
+  EXPECT_EQ(Box(0), L"An error occurred while attempting to edit COM port settings.\r\nError: 5 - odd");
+  EXPECT_EQ(Box(1), L"An error occurred while attempting to edit TCP/IP settings.\r\nError: 5 - odd");
 }
 
 // What even the transport could not show.
-TEST_F(KespCommObjEditingTest, BoxFails_IsShownUnderThisObjectsOwnWords) {
+TEST_F(CKespCommObjEditingTest, BoxFails_IsShownUnderThisObjectsOwnWords) {
   serial_dialog_.on_show = [](CKespCOMPort3& port) {
     port.OpenPort();
     throw Failure(5, L"", L"odd");
@@ -185,7 +174,7 @@ TEST_F(KespCommObjEditingTest, BoxFails_IsShownUnderThisObjectsOwnWords) {
   }
 }
 
-TEST_F(KespCommObjEditingTest, BoxFails_TheNextQueryOpensThePortAllTheSame) {
+TEST_F(CKespCommObjEditingTest, BoxFails_TheNextQueryOpensThePortAllTheSame) {
   LeavePortOpen();
   serial_dialog_.on_show = [this](CKespCOMPort3&) {
     EXPECT_TRUE(Query());
@@ -203,7 +192,7 @@ TEST_F(KespCommObjEditingTest, BoxFails_TheNextQueryOpensThePortAllTheSame) {
   EXPECT_EQ(openings, 1);
 }
 
-TEST_F(KespCommObjEditingTest, Status_StaysAsItWas) {
+TEST_F(CKespCommObjEditingTest, Status_StaysAsItWas) {
   comm_->SetCommStyle(ECommStyle::csTCPIP);
   EXPECT_FALSE(Query());
   const auto fails = [](auto&) { throw std::runtime_error("no window"); };
@@ -221,7 +210,7 @@ TEST_F(KespCommObjEditingTest, Status_StaysAsItWas) {
   }
 }
 
-TEST_F(KespCommObjEditingTest, Trace_HasNoLinesOfEditing) {
+TEST_F(CKespCommObjEditingTest, Trace_HasNoLinesOfEditing) {
   StartTrace();
   comm_->serial().SetCreateLogFile(false);
   EXPECT_TRUE(Edit());

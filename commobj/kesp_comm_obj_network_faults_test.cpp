@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <ostream>
+#include <tuple>
 
 #include "commobj/kesp_comm_obj_fixture.h"
 #include "network/socket_errors.h"
@@ -11,34 +12,12 @@
 namespace kesp {
 namespace {
 
-// Runs an action when a line of the trace is written: the one moment between two steps of an exchange.
-class FilesWithWatcher final : public Files {
+enum class Step { kInitialize, kWrite, kRead };
+enum class Operation { kQuery, kQueryBinary, kUpdate };
+
+class NetworkFaultFixture : public KespCommObjFixture {
  public:
-  explicit FilesWithWatcher(Files& files) : files_(files) {}
-
-  std::string watched_text;
-  std::function<void()> action = [] {};
-
-  bool Exists(const std::wstring& path) override { return files_.Exists(path); }
-  std::optional<CalendarDate> LastModified(const std::wstring& path) override {
-    return files_.LastModified(path);
-  }
-  bool Append(const std::wstring& path, std::string_view bytes) override {
-    if (!watched_text.empty() && bytes.find(watched_text) != std::string_view::npos) action();
-    return files_.Append(path, bytes);
-  }
-  bool Rename(const std::wstring& from, const std::wstring& to) override { return files_.Rename(from, to); }
-  std::wstring TemporaryFolder() override { return files_.TemporaryFolder(); }
-  std::wstring LibraryFile() override { return files_.LibraryFile(); }
-
- private:
-  Files& files_;
-};
-
-class FaultFixture : public KespCommObjFixture {
- public:
-  FaultFixture() {
-    comm_ = std::make_unique<CKespCommObj>(environment_, Transports());
+  NetworkFaultFixture() {
     UseNetwork();
     StartTrace();
   }
@@ -46,279 +25,201 @@ class FaultFixture : public KespCommObjFixture {
   CKespTCP& network() { return comm_->network(); }
   SocketControlFake& socket() { return *socket_; }
 
-  void ConnectThen(std::function<void(SocketControlFake&)> more) {
-    Script([more = std::move(more)](SocketControlFake& socket) { more(socket.ThenConnects()); });
+  void ConnectThen(const std::function<void()>& more = [] {}) {
+    socket_->on_connect = [this, more] {
+      socket_->ThenConnects();
+      more();
+    };
   }
-  // The pumping that would deliver the next step raises that number instead.
-  void Raise(std::int32_t number) const { throw Failure(number, L"[Source]", L"Description"); }
-  void BeforeWriting(std::function<void()> action) {
-    files_.watched_text = "TCP: WriteLine(";
-    files_.action = std::move(action);
+  // The pumping that works off this step raises that number instead.
+  void ThenRaises(std::int32_t number) {
+    socket_->Then([number] { throw Failure(number, L"[Source]", L"Description"); });
   }
-
- protected:
-  FilesWithWatcher files_{fakes_.files};
-  Environment environment_{fakes_.clock, fakes_.pump, files_, fakes_.settings, fakes_.guids, fakes_.user};
+  // The one moment between two steps of an exchange: when the line of the second is traced.
+  void BeforeWriting(const std::function<void()>& action) {
+    ConnectThen();
+    fakes_.files.OnAppend([action](const std::wstring&, std::string_view line) {
+      if (line.find("TCP: WriteLine(") != std::string_view::npos) action();
+    });
+  }
 };
 
-// A fault, how it comes about, and what is left for the client to read.
+// A step that fails, how that comes about, what is raised, and the status that is left for the client to
+// read.
 struct Fault {
   const char* name;
-  std::function<void(FaultFixture&)> arrange;
+  Step step;
+  std::function<void(NetworkFaultFixture&)> arrange;
+  std::int32_t number;
   ECommError status;
-  std::wstring source;  // {} stands for the name of the read
   std::wstring description;
+  std::wstring source = {};  // empty for that of the step
 };
 
 void PrintTo(const Fault& fault, std::ostream* out) {
   *out << fault.name;
 }
 
-std::wstring SourceOf(const Fault& fault, const std::wstring& read) {
-  std::wstring source = fault.source;
-  if (const std::size_t place = source.find(L"{}"); place != std::wstring::npos) {
-    source.replace(place, 2, read);
-  }
-  return source;
-}
-
-std::wstring InfoLine(const std::wstring& operation, const Fault& fault) {
-  return L"TCP: ** " + operation + L" Error info: Source- " + SourceOf(fault, operation) +
-         L"  Description- " + fault.description + L" **";
-}
-
 Fault RaisedWhileConnecting(const char* name, std::int32_t number, ECommError status) {
   return {name,
-          [number](FaultFixture& stage) {
-            stage.socket().on_connect = [&stage, number] {
-              stage.socket().Then([&stage, number] { stage.Raise(number); });
-            };
+          Step::kInitialize,
+          [number](NetworkFaultFixture& stage) {
+            stage.socket().on_connect = [&stage, number] { stage.ThenRaises(number); };
           },
-          status, L"[Source]", L"Description"};
-}
-
-std::vector<Fault> InitializeFaults() {
-  const wchar_t* const source = L"[CKespTCP - Initialize()]";
-  return {
-      {"NoAddress", [](FaultFixture& stage) { stage.network().SetIPAddress(L"0.0.0.0"); },
-       ECommError::cfrInvalidIPAddress, source, L"Invalid IP Address"},
-      {"CannotStart",
-       [](FaultFixture& stage) { stage.socket().on_connect = [] { throw SocketFailure(10013); }; },
-       ECommError::cfrInitializeFailed, source,
-       L"Unable to establish connection (10013 - " + SocketErrorDescription(10013) + L")"},
-      {"Refused",
-       [](FaultFixture& stage) { stage.socket().on_connect = [&stage] { stage.socket().ThenFails(10061); }; },
-       ECommError::cfrInitializeFailed, source, L"Timeout - unable to establish connection"},
-      {"Unanswered", [](FaultFixture&) {}, ECommError::cfrInitializeFailed, source,
-       L"Timeout - unable to establish connection"},
-      RaisedWhileConnecting("Connecting", tcp_error::ERR_CONNECTING, ECommError::cfrInitializeFailed),
-      RaisedWhileConnecting("InvalidPort", tcp_error::ERR_INVALID_PORT, ECommError::cfrInvalidPort),
-      RaisedWhileConnecting("NumberOfAnotherClass", com_port_error::ERR_INVALID_COM_PORT,
-                            ECommError::cfrInitializeFailed),
-  };
-}
-
-std::vector<Fault> WriteFaults() {
-  const wchar_t* const source = L"[CKespTCP - WriteLine()]";
-  return {
-      {"CannotSend",
-       [](FaultFixture& stage) {
-         stage.ConnectThen([](SocketControlFake&) {});
-         stage.socket().FailCall(3, 10054);  // SetProtocol, Connect, SendData
-       },
-       ECommError::cfrWriteFailed, source,
-       L"Unable to send data (10054 - " + SocketErrorDescription(10054) + L")"},
-      {"NotInitialized",
-       [](FaultFixture& stage) {
-         stage.ConnectThen([](SocketControlFake&) {});
-         stage.BeforeWriting([&stage] { stage.network().Uninitialize(); });
-       },
-       ECommError::cfrInitializeFailed, source, L"Socket not initialized"},
-      {"NoConnection",
-       [](FaultFixture& stage) {
-         stage.ConnectThen([](SocketControlFake&) {});
-         stage.BeforeWriting([&stage] { stage.socket().ThenPeerCloses().Deliver(); });
-       },
-       ECommError::cfrNoConnection, source, L"Socket not connected"},
-  };
+          number,
+          status,
+          L"Description",
+          L"[Source]"};
 }
 
 // The write's own pumping delivers the first step behind the connection, the read's the second.
 Fault RaisedWhileReading(const char* name, std::int32_t number, ECommError status) {
   return {name,
-          [number](FaultFixture& stage) {
-            stage.ConnectThen([&stage, number](SocketControlFake& socket) {
-              socket.ThenNothing().Then([&stage, number] { stage.Raise(number); });
+          Step::kRead,
+          [number](NetworkFaultFixture& stage) {
+            stage.ConnectThen([&stage, number] {
+              stage.socket().ThenNothing();
+              stage.ThenRaises(number);
             });
           },
-          status, L"[Source]", L"Description"};
+          number,
+          status,
+          L"Description",
+          L"[Source]"};
 }
 
-std::vector<Fault> ReadFaults() {
-  const wchar_t* const source = L"[CKespTCP - {}]";
-  return {
-      {"Silent", [](FaultFixture& stage) { stage.ConnectThen([](SocketControlFake&) {}); },
-       ECommError::cfrTimeout, source, L"Timeout"},
-      {"PartOfAReply",
-       [](FaultFixture& stage) {
-         stage.ConnectThen([](SocketControlFake& socket) { socket.ThenReceives("1."); });
-       },
-       ECommError::cfrTimeout, source, L"Timeout"},
-      {"ClosedByPeer",
-       [](FaultFixture& stage) {
-         stage.ConnectThen([](SocketControlFake& socket) { socket.ThenPeerCloses(); });
-       },
-       ECommError::cfrNoConnection, source, L"Socket not connected"},
-      {"Uninitialized",
-       [](FaultFixture& stage) {
-         stage.ConnectThen([&stage](SocketControlFake& socket) {
-           socket.Then([&stage] { stage.network().Uninitialize(); });
-         });
-       },
-       ECommError::cfrInitializeFailed, source, L"Socket not initialized"},
-      {"TooMuch",
-       [](FaultFixture& stage) {
-         stage.ConnectThen([](SocketControlFake& socket) { socket.ThenNothing().ThenOverruns(); });
-       },
-       ECommError::cfrReadFailed, source,
-       L"Unable to get data (10055 - " + SocketErrorDescription(10055) + L")"},
-      RaisedWhileReading("NumberOfAnotherClass", com_port_error::ERR_READ_TIMEOUT, ECommError::cfrReadFailed),
-  };
-}
+using Stage = NetworkFaultFixture;
 
-class FaultTest : public FaultFixture, public testing::WithParamInterface<Fault> {
+const Fault kFaults[] = {
+    {"NoAddress", Step::kInitialize, [](Stage& stage) { stage.network().SetIPAddress(L"0.0.0.0"); },
+     tcp_error::ERR_INVALID_IP_ADDRESS, ECommError::cfrInvalidIPAddress, L"Invalid IP Address"},
+    {"CannotStart", Step::kInitialize,
+     [](Stage& stage) { stage.socket().on_connect = [] { throw SocketFailure(10013); }; },
+     tcp_error::ERR_CONNECTING, ECommError::cfrInitializeFailed,
+     L"Unable to establish connection (10013 - " + SocketErrorDescription(10013) + L")"},
+    {"Unanswered", Step::kInitialize, [](Stage&) {}, tcp_error::ERR_TIMEOUT, ECommError::cfrInitializeFailed,
+     L"Timeout - unable to establish connection"},
+    RaisedWhileConnecting("InvalidPort", tcp_error::ERR_INVALID_PORT, ECommError::cfrInvalidPort),
+    RaisedWhileConnecting("ConnectingWithANumberOfAnotherClass", com_port_error::ERR_INVALID_COM_PORT,
+                          ECommError::cfrInitializeFailed),
+    {"CannotSend", Step::kWrite,
+     [](Stage& stage) {
+       stage.ConnectThen();
+       stage.socket().FailCall(3, 10054);  // SetProtocol, Connect, SendData
+     },
+     tcp_error::ERR_SEND_DATA, ECommError::cfrWriteFailed,
+     L"Unable to send data (10054 - " + SocketErrorDescription(10054) + L")"},
+    {"WritingUninitialized", Step::kWrite,
+     [](Stage& stage) { stage.BeforeWriting([&stage] { stage.network().Uninitialize(); }); },
+     tcp_error::ERR_NOT_INITIALIZED, ECommError::cfrInitializeFailed, L"Socket not initialized"},
+    {"WritingUnconnected", Step::kWrite,
+     [](Stage& stage) { stage.BeforeWriting([&stage] { stage.socket().ThenPeerCloses().Deliver(); }); },
+     tcp_error::ERR_NO_CONNECTION, ECommError::cfrNoConnection, L"Socket not connected"},
+    {"Silent", Step::kRead, [](Stage& stage) { stage.ConnectThen(); }, tcp_error::ERR_TIMEOUT,
+     ECommError::cfrTimeout, L"Timeout"},
+    {"PartOfAReply", Step::kRead,
+     [](Stage& stage) { stage.ConnectThen([&stage] { stage.socket().ThenReceives("1."); }); },
+     tcp_error::ERR_TIMEOUT, ECommError::cfrTimeout, L"Timeout"},
+    {"ClosedByPeer", Step::kRead,
+     [](Stage& stage) { stage.ConnectThen([&stage] { stage.socket().ThenPeerCloses(); }); },
+     tcp_error::ERR_NO_CONNECTION, ECommError::cfrNoConnection, L"Socket not connected"},
+    {"ReadingUninitialized", Step::kRead,
+     [](Stage& stage) {
+       stage.ConnectThen([&stage] { stage.socket().Then([&stage] { stage.network().Uninitialize(); }); });
+     },
+     tcp_error::ERR_NOT_INITIALIZED, ECommError::cfrInitializeFailed, L"Socket not initialized"},
+    {"TooMuch", Step::kRead,
+     [](Stage& stage) { stage.ConnectThen([&stage] { stage.socket().ThenNothing().ThenOverruns(); }); },
+     tcp_error::ERR_GET_DATA, ECommError::cfrReadFailed,
+     L"Unable to get data (10055 - " + SocketErrorDescription(10055) + L")"},
+    RaisedWhileReading("ReadingWithANumberOfAnotherClass", com_port_error::ERR_READ_TIMEOUT,
+                       ECommError::cfrReadFailed),
+    // The transport itself raises another number for refused characters; this one has a line of its own, too.
+    RaisedWhileReading("InvalidData", tcp_error::ERR_TCP_INVALID_CHARACTERS, ECommError::cfrInvalidData),
+};
+
+class NetworkFaultTest : public NetworkFaultFixture,
+                         public testing::WithParamInterface<std::tuple<Fault, Operation>> {
  protected:
-  FaultTest() { GetParam().arrange(*this); }
+  const Fault& fault() const { return std::get<Fault>(GetParam()); }
+  Operation operation() const { return std::get<Operation>(GetParam()); }
 
-  bool Query() { return comm_->Query(result_, L"t"); }
-  bool QueryBinary() { return comm_->QueryBinary(bytes_, L"t"); }
-  bool Update() { return comm_->Update(L"t"); }
+  bool Operate() {
+    switch (operation()) {
+      case Operation::kQuery:
+        return comm_->Query(result_, L"t");
+      case Operation::kQueryBinary:
+        return comm_->QueryBinary(bytes_, L"t");
+      default:
+        return comm_->Update(L"t");
+    }
+  }
+  std::wstring ReadName() const {
+    return operation() == Operation::kQueryBinary ? L"ReadLineBinary()" : L"ReadLine()";
+  }
+  std::wstring StepName() const {
+    if (fault().step == Step::kRead) return ReadName();
+    return fault().step == Step::kWrite ? L"WriteLine()" : L"Initialize()";
+  }
+  std::wstring Source() const {
+    return fault().source.empty() ? L"[CKespTCP - " + StepName() + L"]" : fault().source;
+  }
 
-  // The failure is told by the status alone, and no connection is left.
-  void ExpectFailed(const std::wstring& read = {}) {
-    EXPECT_EQ(comm_->CommError(), GetParam().status);
-    EXPECT_EQ(comm_->CommErrorSource(), SourceOf(GetParam(), read));
-    EXPECT_EQ(comm_->CommErrorDescr(), GetParam().description);
-    EXPECT_EQ(result_, L"before");
-    EXPECT_EQ(bytes_, BinaryValue());
-    EXPECT_TRUE(fakes_.user.boxes().empty());
-    EXPECT_EQ(RaisedBy([&] { network().WriteLine(L"x"); }).number, tcp_error::ERR_NOT_INITIALIZED);
+  // The lines of an exchange as far as it came; an update that does not fail has no reading.
+  Lines ExpectedTrace(bool fails) const {
+    Lines trace{L"TCP: Initialize()"};
+    if (fault().step == Step::kInitialize && operation() == Operation::kUpdate) {
+      trace.push_back(L"TCP: Initialize failed!! (" + std::to_wstring(fault().number) + L"-" +
+                      fault().description + L")");
+    }
+    if (fault().step != Step::kInitialize) trace.push_back(L"TCP: WriteLine(t)");
+    if (fault().step == Step::kRead && fails) trace.push_back(L"TCP: " + ReadName());
+    if (fault().status == ECommError::cfrInvalidData && fails) {
+      trace.push_back(L"TCP: ** " + ReadName() + L" invalid characters **");
+    }
+    if (fails) {
+      trace.push_back(L"TCP: ** " + StepName() + L" Error info: Source- " + Source() + L"  Description- " +
+                      fault().description + L" **");
+    }
+    trace.push_back(L"TCP: Uninitialize()");
+    if (operation() == Operation::kQueryBinary) return trace;
+    const bool is_query = operation() == Operation::kQuery;
+    trace.insert(trace.begin(),
+                 is_query ? L"Beginning Query()... (command: t)" : L"Beginning Update()...(command: t)");
+    trace.push_back(is_query ? L"Exiting Query()...(command: t)" : L"Exiting Update()...(command: t)");
+    return trace;
   }
 
   std::wstring result_ = L"before";
   BinaryValue bytes_;
 };
 
-const auto kFaultName = [](const testing::TestParamInfo<Fault>& info) { return info.param.name; };
-
-class InitializeFaultTest : public FaultTest {};
-
-TEST_P(InitializeFaultTest, Query_StatusAndTrace) {
-  EXPECT_FALSE(Query());
-  ExpectFailed();
-  EXPECT_EQ(Trace(), (Lines{L"Beginning Query()... (command: t)", L"TCP: Initialize()",
-                            InfoLine(L"Initialize()", GetParam()), L"TCP: Uninitialize()",
-                            L"Exiting Query()...(command: t)"}));
+// The failure is told by the status alone, and no connection is left.
+TEST_P(NetworkFaultTest, StatusAndTrace) {
+  fault().arrange(*this);
+  const bool fails = fault().step != Step::kRead || operation() != Operation::kUpdate;
+  EXPECT_EQ(Operate(), !fails);
+  EXPECT_EQ(comm_->CommError(), fails ? fault().status : ECommError::cfrSuccess);
+  EXPECT_EQ(comm_->CommErrorSource(), fails ? Source() : L"");
+  EXPECT_EQ(comm_->CommErrorDescr(), fails ? fault().description : L"");
+  EXPECT_EQ(Trace(), ExpectedTrace(fails));
+  EXPECT_EQ(result_, L"before");
+  EXPECT_EQ(bytes_, BinaryValue());
+  EXPECT_TRUE(fakes_.user.boxes().empty());
+  EXPECT_EQ(RaisedBy([&] { network().WriteLine(L"x"); }).number, tcp_error::ERR_NOT_INITIALIZED);
 }
 
-TEST_P(InitializeFaultTest, QueryBinary_StatusAndTrace) {
-  EXPECT_FALSE(QueryBinary());
-  ExpectFailed();
-  EXPECT_EQ(Trace(),
-            (Lines{L"TCP: Initialize()", InfoLine(L"Initialize()", GetParam()), L"TCP: Uninitialize()"}));
+std::string NameOf(const testing::TestParamInfo<std::tuple<Fault, Operation>>& info) {
+  const char* const operations[] = {"Query", "QueryBinary", "Update"};
+  return std::string(std::get<Fault>(info.param).name) + "_" +
+         operations[static_cast<int>(std::get<Operation>(info.param))];
 }
 
-TEST_P(InitializeFaultTest, Update_StatusAndTraceWithALineOfItsOwn) {
-  EXPECT_FALSE(Update());
-  ExpectFailed();
-  const Lines trace = Trace();
-  ASSERT_EQ(trace.size(), 6u);
-  EXPECT_TRUE(trace[2].starts_with(L"TCP: Initialize failed!! (-21472212")) << testing::PrintToString(trace);
-  EXPECT_TRUE(trace[2].ends_with(L"-" + GetParam().description + L")")) << testing::PrintToString(trace);
-  EXPECT_EQ(trace, (Lines{L"Beginning Update()...(command: t)", L"TCP: Initialize()", trace[2],
-                          InfoLine(L"Initialize()", GetParam()), L"TCP: Uninitialize()",
-                          L"Exiting Update()...(command: t)"}));
-}
-
-INSTANTIATE_TEST_SUITE_P(All, InitializeFaultTest, testing::ValuesIn(InitializeFaults()), kFaultName);
-
-class WriteFaultTest : public FaultTest {};
-
-TEST_P(WriteFaultTest, Query_StatusAndTrace) {
-  EXPECT_FALSE(Query());
-  ExpectFailed();
-  EXPECT_EQ(Trace(), (Lines{L"Beginning Query()... (command: t)", L"TCP: Initialize()", L"TCP: WriteLine(t)",
-                            InfoLine(L"WriteLine()", GetParam()), L"TCP: Uninitialize()",
-                            L"Exiting Query()...(command: t)"}));
-}
-
-TEST_P(WriteFaultTest, QueryBinary_StatusAndTrace) {
-  EXPECT_FALSE(QueryBinary());
-  ExpectFailed();
-  EXPECT_EQ(Trace(), (Lines{L"TCP: Initialize()", L"TCP: WriteLine(t)", InfoLine(L"WriteLine()", GetParam()),
-                            L"TCP: Uninitialize()"}));
-}
-
-TEST_P(WriteFaultTest, Update_StatusAndTrace) {
-  EXPECT_FALSE(Update());
-  ExpectFailed();
-  EXPECT_EQ(Trace(), (Lines{L"Beginning Update()...(command: t)", L"TCP: Initialize()", L"TCP: WriteLine(t)",
-                            InfoLine(L"WriteLine()", GetParam()), L"TCP: Uninitialize()",
-                            L"Exiting Update()...(command: t)"}));
-}
-
-INSTANTIATE_TEST_SUITE_P(All, WriteFaultTest, testing::ValuesIn(WriteFaults()), kFaultName);
-
-class ReadFaultTest : public FaultTest {};
-
-TEST_P(ReadFaultTest, Query_StatusAndTrace) {
-  EXPECT_FALSE(Query());
-  ExpectFailed(L"ReadLine()");
-  EXPECT_EQ(Trace(), (Lines{L"Beginning Query()... (command: t)", L"TCP: Initialize()", L"TCP: WriteLine(t)",
-                            L"TCP: ReadLine()", InfoLine(L"ReadLine()", GetParam()), L"TCP: Uninitialize()",
-                            L"Exiting Query()...(command: t)"}));
-}
-
-TEST_P(ReadFaultTest, QueryBinary_StatusAndTrace) {
-  EXPECT_FALSE(QueryBinary());
-  ExpectFailed(L"ReadLineBinary()");
-  EXPECT_EQ(Trace(), (Lines{L"TCP: Initialize()", L"TCP: WriteLine(t)", L"TCP: ReadLineBinary()",
-                            InfoLine(L"ReadLineBinary()", GetParam()), L"TCP: Uninitialize()"}));
-}
-
-TEST_P(ReadFaultTest, Update_DoesNotReadAndSucceeds) {
-  EXPECT_TRUE(Update());
-  EXPECT_EQ(comm_->CommError(), ECommError::cfrSuccess);
-  EXPECT_EQ(Trace().size(), 5u);
-}
-
-INSTANTIATE_TEST_SUITE_P(All, ReadFaultTest, testing::ValuesIn(ReadFaults()), kFaultName);
-
-class InvalidDataTest : public FaultTest {};
-
-// The transport itself raises another number for refused characters; this one has a status and a line too.
-TEST_P(InvalidDataTest, Query_HasALineOfItsOwn) {
-  EXPECT_FALSE(Query());
-  ExpectFailed();
-  EXPECT_EQ(Trace(), (Lines{L"Beginning Query()... (command: t)", L"TCP: Initialize()", L"TCP: WriteLine(t)",
-                            L"TCP: ReadLine()", L"TCP: ** ReadLine() invalid characters **",
-                            InfoLine(L"ReadLine()", GetParam()), L"TCP: Uninitialize()",
-                            L"Exiting Query()...(command: t)"}));
-}
-
-TEST_P(InvalidDataTest, QueryBinary_HasALineOfItsOwn) {
-  EXPECT_FALSE(QueryBinary());
-  ExpectFailed();
-  const Lines trace = Trace();
-  ASSERT_EQ(trace.size(), 6u);
-  EXPECT_EQ(trace[3], L"TCP: ** ReadLineBinary() invalid characters **");
-}
-
-INSTANTIATE_TEST_SUITE_P(All, InvalidDataTest,
-                         testing::Values(RaisedWhileReading("InvalidData",
-                                                            tcp_error::ERR_TCP_INVALID_CHARACTERS,
-                                                            ECommError::cfrInvalidData)),
-                         kFaultName);
+INSTANTIATE_TEST_SUITE_P(All, NetworkFaultTest,
+                         testing::Combine(testing::ValuesIn(kFaults),
+                                          testing::Values(Operation::kQuery, Operation::kQueryBinary,
+                                                          Operation::kUpdate)),
+                         NameOf);
 
 }  // namespace
 }  // namespace kesp

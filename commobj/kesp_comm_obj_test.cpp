@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "commobj/kesp_comm_obj_fixture.h"
+#include "support/lines_fixture.h"
 
 namespace kesp {
 namespace {
@@ -12,7 +13,7 @@ constexpr wchar_t kNotSupported[] = L"The selected communication style is curren
 
 class CKespCommObjTest : public KespCommObjFixture {
  protected:
-  std::vector<std::wstring> LogFilenames() const {
+  Lines LogFilenames() const {
     return {comm_->serial().LogFilename(), comm_->network().LogFilename(), comm_->ieee().LogFilename()};
   }
   std::vector<bool> LogsOn() const {
@@ -56,7 +57,7 @@ TEST_F(CKespCommObjTest, Created_SerialTransportAllows300To57600AndHas57600) {
 TEST_F(CKespCommObjTest, Created_TraceFileLiesInTheFolderOfTheLibrary) {
   const std::wstring expected = L"C:\\Kesp\\commobjout.log";
   EXPECT_EQ(comm_->DebugFilename(), expected);
-  EXPECT_EQ(LogFilenames(), std::vector<std::wstring>(3, expected));
+  EXPECT_EQ(LogFilenames(), Lines(3, expected));
   EXPECT_EQ(LogsOn(), std::vector<bool>(3, false));
 }
 
@@ -65,19 +66,15 @@ TEST_F(CKespCommObjTest, CreatedWithoutLibraryFolder_TraceFileIsABareName) {
   EXPECT_EQ(CKespCommObj(fakes_.environment, Transports()).DebugFilename(), L"commobjout.log");
 }
 
-TEST_F(CKespCommObjTest, DebugFilenameSet_AllTransportsTakeIt) {
+TEST_F(CKespCommObjTest, DebuggingSet_AllTransportsTakeIt) {
   comm_->SetDebugFilename(L"D:\\trace.txt");
   EXPECT_EQ(comm_->DebugFilename(), L"D:\\trace.txt");
-  EXPECT_EQ(LogFilenames(), std::vector<std::wstring>(3, L"D:\\trace.txt"));
-}
-
-TEST_F(CKespCommObjTest, DebuggingSet_AllTransportsTakeIt) {
-  comm_->SetDebugging(true);
-  EXPECT_TRUE(comm_->Debugging());
-  EXPECT_EQ(LogsOn(), std::vector<bool>(3, true));
-  comm_->SetDebugging(false);
-  EXPECT_FALSE(comm_->Debugging());
-  EXPECT_EQ(LogsOn(), std::vector<bool>(3, false));
+  EXPECT_EQ(LogFilenames(), Lines(3, L"D:\\trace.txt"));
+  for (const bool on : {true, false}) {
+    comm_->SetDebugging(on);
+    EXPECT_EQ(comm_->Debugging(), on);
+    EXPECT_EQ(LogsOn(), std::vector<bool>(3, on));
+  }
 }
 
 TEST_F(CKespCommObjTest, TransportLoggingChanged_FacadeKeepsItsOwn) {
@@ -96,27 +93,18 @@ TEST_F(CKespCommObjTest, PlainSettings_AreKeptAsGiven) {
   EXPECT_EQ(comm_->BinaryTimeoutms(), -5);
 }
 
-TEST_F(CKespCommObjTest, CommStyleWithinRange_IsTaken) {
+TEST_F(CKespCommObjTest, CommStyle_IsTakenWithinItsRangeAndLeftAsItWasOutside) {
+  const CKespTCP* const network = &comm_->network();
   for (const std::int32_t style : {-1, 1, 2, 0}) {
     comm_->SetCommStyle(static_cast<ECommStyle>(style));
     EXPECT_EQ(static_cast<std::int32_t>(comm_->CommStyle()), style);
   }
-}
-
-TEST_F(CKespCommObjTest, CommStyleOutsideRange_IsRefusedAndLeftAsItWas) {
-  comm_->SetCommStyle(ECommStyle::csIEEE);
   for (const std::int32_t style : {3, -2, 2147483647, -2147483647 - 1}) {
     EXPECT_EQ(RaisedBy([&] { comm_->SetCommStyle(static_cast<ECommStyle>(style)); }),
               (Raised{-2147221304, L"[CKespCommObj - CommStyle]", kNotSupported}));
-    EXPECT_EQ(comm_->CommStyle(), ECommStyle::csIEEE);
+    EXPECT_EQ(comm_->CommStyle(), ECommStyle::csRS232);
   }
-}
-
-TEST_F(CKespCommObjTest, CommStyleChanged_TransportsStayTheSame) {
-  const CKespTCP* const network = &comm_->network();
-  comm_->SetCommStyle(ECommStyle::csNone);
-  comm_->SetCommStyle(ECommStyle::csTCPIP);
-  EXPECT_EQ(&comm_->network(), network);
+  EXPECT_EQ(&comm_->network(), network) << "the transports stay the same";
   EXPECT_EQ(made_.size(), 3u);
 }
 

@@ -6,7 +6,7 @@
 namespace kesp {
 namespace {
 
-TEST(DatagramSender, AddressText_IsDottedFromTheHighestByteOn) {
+TEST(DatagramSenderTest, AddressText_IsDottedFromTheHighestByteOn) {
   EXPECT_EQ((DatagramSender{.address = 0x0A000007, .port = 9}.AddressText()), L"10.0.0.7");
   EXPECT_EQ((DatagramSender{.address = 0xFFFEFDFC, .port = 9}.AddressText()), L"255.254.253.252");
   EXPECT_EQ(DatagramSender{}.AddressText(), L"0.0.0.0");

@@ -13,34 +13,28 @@ void ExpectIdentity(const std::wstring& answer, const std::wstring& model, const
   EXPECT_EQ(identity->serial, serial);
 }
 
-TEST(InstrumentIdentity, SecondAndThirdField) {
+TEST(InstrumentIdentityTest, SecondAndThirdField_AreTakenAsTheyAre) {
   ExpectIdentity(L"KESP,7100,SIM00001,1.0", L"7100", L"SIM00001");
-}
-
-TEST(InstrumentIdentity, ThreeFields_TheLastOneEndsWithTheAnswer) {
   ExpectIdentity(L"KESP,7100,SIM00001", L"7100", L"SIM00001");
-}
-
-TEST(InstrumentIdentity, Fields_AreTakenAsTheyAre) {
   ExpectIdentity(L" KESP , 71 00 , SIM\t1 ,x", L" 71 00 ", L" SIM\t1 ");
   ExpectIdentity(L",,", L"", L"");
   ExpectIdentity(L",,,", L"", L"");
   ExpectIdentity(L"a;b,c;d,e", L"c;d", L"e");
 }
 
-TEST(InstrumentIdentity, HundredFields_AreNoMoreThanFour) {
+TEST(InstrumentIdentityTest, HundredFields_AreNoMoreThanFour) {
   std::wstring answer = L"f1";
   for (int i = 2; i <= 100; ++i) answer += L",f" + std::to_wstring(i);
   ExpectIdentity(answer, L"f2", L"f3");
 }
 
-TEST(InstrumentIdentity, LongFields_AreTakenWhole) {
+TEST(InstrumentIdentityTest, LongFields_AreTakenWhole) {
   const std::wstring model(70000, L'x');
   const std::wstring serial(256, L'y');
   ExpectIdentity(L"KESP," + model + L"," + serial + L",1.0", model, serial);
 }
 
-TEST(InstrumentIdentity, FewerThanThreeFields_AreNone) {
+TEST(InstrumentIdentityTest, FewerThanThreeFields_AreNone) {
   for (const std::wstring answer : {L"", L"KESP", L"KESP,7100", L","}) {
     EXPECT_FALSE(IdentityIn(answer)) << testing::PrintToString(answer);
   }

@@ -9,7 +9,7 @@ namespace {
 
 using testing::ElementsAre;
 
-class CKespTCPReadLineBinary : public KespTCPFixture {
+class CKespTCPReadLineBinaryTest : public KespTCPFixture {
  protected:
   std::string ReadBinary(std::int32_t lTimeoutms = 100) {
     BinaryValue value;
@@ -19,7 +19,7 @@ class CKespTCPReadLineBinary : public KespTCPFixture {
   }
 };
 
-TEST_F(CKespTCPReadLineBinary, PreChecks_RefuseWithTheirErrors) {
+TEST_F(CKespTCPReadLineBinaryTest, PreChecks_RefuseWithTheirErrors) {
   BinaryValue value;
   const auto read = [&] { tcp_->ReadLineBinary(value); };
   EXPECT_EQ(RaisedBy(read), (Raised{tcp_error::ERR_NOT_INITIALIZED, L"[CKespTCP - ReadLineBinary()]",
@@ -32,7 +32,7 @@ TEST_F(CKespTCPReadLineBinary, PreChecks_RefuseWithTheirErrors) {
   EXPECT_TRUE(std::holds_alternative<std::monostate>(value));
 }
 
-TEST_F(CKespTCPReadLineBinary, EosArrives_BytesAreNeitherCheckedNorStripped) {
+TEST_F(CKespTCPReadLineBinaryTest, EosArrives_BytesAreNeitherCheckedNorStripped) {
   Connect();
   std::string bytes;
   for (int b = 0; b < 256; ++b) bytes.push_back(static_cast<char>(b));
@@ -40,7 +40,7 @@ TEST_F(CKespTCPReadLineBinary, EosArrives_BytesAreNeitherCheckedNorStripped) {
   EXPECT_EQ(ReadBinary(), bytes);
 }
 
-TEST_F(CKespTCPReadLineBinary, NoReply_RaisesTimeOutAndLeavesTheValue) {
+TEST_F(CKespTCPReadLineBinaryTest, NoReply_RaisesTimeOutAndLeavesTheValue) {
   Connect();
   BinaryValue value = std::wstring(L"old");
   const std::int32_t start = fakes_.clock.tick();
@@ -50,7 +50,7 @@ TEST_F(CKespTCPReadLineBinary, NoReply_RaisesTimeOutAndLeavesTheValue) {
   EXPECT_EQ(std::get<std::wstring>(value), L"old");
 }
 
-TEST_F(CKespTCPReadLineBinary, NotTerminateOnEos_ReturnsWhenMoreThanTheGapIsQuiet) {
+TEST_F(CKespTCPReadLineBinaryTest, NotTerminateOnEos_ReturnsWhenMoreThanTheGapIsQuiet) {
   Connect();
   tcp_->SetTerminateOnEOS(false);
   socket_->ThenReceives("A").ThenNothing().ThenReceives("B\r").ThenNothing().ThenReceives("C");
@@ -58,17 +58,14 @@ TEST_F(CKespTCPReadLineBinary, NotTerminateOnEos_ReturnsWhenMoreThanTheGapIsQuie
   const std::int32_t start = fakes_.clock.tick();
   EXPECT_EQ(ReadBinary(200), "AB\rC");
   EXPECT_EQ(Elapsed(start), 4 * 100 + 300U);
-}
-
-TEST_F(CKespTCPReadLineBinary, NotTerminateOnEos_PieceAfterTheGapIsLeftForTheNext) {
-  Connect();
-  tcp_->SetTerminateOnEOS(false);
   socket_->ThenReceives("A").ThenNothing().ThenNothing().ThenReceives("B");
-  EXPECT_EQ(ReadBinary(), "A");
+  EXPECT_EQ(ReadBinary(), "A") << "a piece behind the gap is left for the next read";
   EXPECT_EQ(ReadBinary(), "B");
+  socket_->ThenReceives("A").ThenReceives("B");
+  EXPECT_EQ(ReadBinary(-1), "A") << "a negative gap is over with the first piece";
 }
 
-TEST_F(CKespTCPReadLineBinary, ReplyReadyBefore_TheGapCountsFromTheCall) {
+TEST_F(CKespTCPReadLineBinaryTest, ReplyReadyBefore_TheGapCountsFromTheCall) {
   Connect();
   tcp_->SetTerminateOnEOS(false);
   socket_->Receive("A");
@@ -78,7 +75,7 @@ TEST_F(CKespTCPReadLineBinary, ReplyReadyBefore_TheGapCountsFromTheCall) {
   EXPECT_EQ(Elapsed(start), 300U);
 }
 
-TEST_F(CKespTCPReadLineBinary, TickCounterWraps_TheGapIsStillRight) {
+TEST_F(CKespTCPReadLineBinaryTest, TickCounterWraps_TheGapIsStillRight) {
   for (const std::int32_t tick : {INT32_MAX - 250, -250}) {
     fakes_.clock.SetTickCount(tick);
     Connect();
@@ -91,7 +88,7 @@ TEST_F(CKespTCPReadLineBinary, TickCounterWraps_TheGapIsStillRight) {
   }
 }
 
-TEST_F(CKespTCPReadLineBinary, NeverQuiet_RaisesTimeOut) {
+TEST_F(CKespTCPReadLineBinaryTest, NeverQuiet_RaisesTimeOut) {
   Connect();
   tcp_->SetTerminateOnEOS(false);
   fakes_.pump.OnPump([this] {
@@ -102,14 +99,7 @@ TEST_F(CKespTCPReadLineBinary, NeverQuiet_RaisesTimeOut) {
   EXPECT_EQ(RaisedBy([&] { tcp_->ReadLineBinary(value, 100); }).number, tcp_error::ERR_TIMEOUT);
 }
 
-TEST_F(CKespTCPReadLineBinary, NegativeGap_ReturnsWithTheFirstPiece) {
-  Connect();
-  tcp_->SetTerminateOnEOS(false);
-  socket_->ThenReceives("A").ThenReceives("B");
-  EXPECT_EQ(ReadBinary(-1), "A");
-}
-
-TEST_F(CKespTCPReadLineBinary, Overrun_RaisesGetDataWithItsOwnSource) {
+TEST_F(CKespTCPReadLineBinaryTest, Overrun_RaisesGetDataWithItsOwnSource) {
   Connect();
   socket_->ThenOverruns();
   BinaryValue value;
@@ -118,9 +108,9 @@ TEST_F(CKespTCPReadLineBinary, Overrun_RaisesGetDataWithItsOwnSource) {
                     L"Unable to get data (10055 - No buffer space is available)"}));
 }
 
-class CKespTCPDataArrival : public KespTCPFixture {};
+class CKespTCPDataArrivalTest : public KespTCPFixture {};
 
-TEST_F(CKespTCPDataArrival, Pieces_LogAndRaiseInOrder) {
+TEST_F(CKespTCPDataArrivalTest, Pieces_LogAndRaiseInOrder) {
   Connect();
   StartLog();
   socket_->Receive("A\xE9");
@@ -134,7 +124,7 @@ TEST_F(CKespTCPDataArrival, Pieces_LogAndRaiseInOrder) {
                   L"DataArrivalEnd()"));
 }
 
-TEST_F(CKespTCPDataArrival, MoreThan64KiloBytesPending_TheRestIsOnlyCountedInTheLog) {
+TEST_F(CKespTCPDataArrivalTest, MoreThan64KiloBytesPending_TheRestIsOnlyCountedInTheLog) {
   Connect();
   StartLog();
   socket_->Receive(std::string(65536, 'x'));
@@ -148,7 +138,7 @@ TEST_F(CKespTCPDataArrival, MoreThan64KiloBytesPending_TheRestIsOnlyCountedInThe
   EXPECT_EQ(result.size(), 65537U);
 }
 
-TEST_F(CKespTCPDataArrival, NotTerminateOnEos_EveryPieceIsReady) {
+TEST_F(CKespTCPDataArrivalTest, NotTerminateOnEos_EveryPieceIsReady) {
   Connect();
   StartLog();
   tcp_->SetTerminateOnEOS(false);
@@ -157,7 +147,7 @@ TEST_F(CKespTCPDataArrival, NotTerminateOnEos_EveryPieceIsReady) {
   EXPECT_EQ(Journal().at(2), L"log: Socket Data arrived: <A> (length: 1  last byte: 65 EOS:  EOS?: True)");
 }
 
-TEST_F(CKespTCPDataArrival, WhileConnecting_OnlyTheFirstLineIsLogged) {
+TEST_F(CKespTCPDataArrivalTest, WhileConnecting_OnlyTheFirstLineIsLogged) {
   Connect();
   StartLog();
   socket_->ThenEnters(EKespTCPState::sckConnecting).Deliver();
@@ -170,7 +160,7 @@ TEST_F(CKespTCPDataArrival, WhileConnecting_OnlyTheFirstLineIsLogged) {
   EXPECT_EQ(socket_->PeekData(), "A\r");
 }
 
-TEST_F(CKespTCPDataArrival, Udp_RaisesEventsButMakesNothingReady) {
+TEST_F(CKespTCPDataArrivalTest, Udp_RaisesEventsButMakesNothingReady) {
   SetTarget();
   tcp_->SetProtocol(EKespProtocol::sckUDPProtocol);
   tcp_->SetTimeOutmSecs(0);

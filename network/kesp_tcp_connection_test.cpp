@@ -13,9 +13,21 @@ using testing::IsEmpty;
 const Raised kTimeOut{tcp_error::ERR_TIMEOUT, L"[CKespTCP - Initialize()]",
                       L"Timeout - unable to establish connection"};
 
-class CKespTCPInitialize : public KespTCPFixture {};
+class CKespTCPInitializeTest : public KespTCPFixture {
+ protected:
+  Raised Initialize() {
+    return RaisedBy([this] { EXPECT_TRUE(tcp_->Initialize()); });
+  }
+  void LetConnect() {
+    socket_->on_connect = [this] { socket_->ThenConnects(); };
+  }
+  // How often the target was connected to, since the calls were cleared.
+  std::ptrdiff_t Attempts() const {
+    return std::count(socket_->calls.begin(), socket_->calls.end(), "Connect 10.0.0.7:5025");
+  }
+};
 
-TEST_F(CKespTCPInitialize, HostAnswers_ConnectsAndLogsEachStep) {
+TEST_F(CKespTCPInitializeTest, HostAnswers_ConnectsAndLogsEachStep) {
   SetTarget();
   StartLog();
   socket_->on_connect = [this] { socket_->ThenNothing().ThenConnects(); };
@@ -29,7 +41,7 @@ TEST_F(CKespTCPInitialize, HostAnswers_ConnectsAndLogsEachStep) {
                           L"log: Connect (10.0.0.7:5025)", L"ConnectEnd()", L"log: Initialize() Done..."));
 }
 
-TEST_F(CKespTCPInitialize, AlreadyConnected_ReturnsWithoutTouchingTheSocket) {
+TEST_F(CKespTCPInitializeTest, AlreadyConnected_ReturnsWithoutTouchingTheSocket) {
   Connect();
   StartLog();
   socket_->ThenPeerCloses();
@@ -42,33 +54,25 @@ TEST_F(CKespTCPInitialize, AlreadyConnected_ReturnsWithoutTouchingTheSocket) {
                                      L"log: Initialize()", L"log: Initialize() Done..."));
 }
 
-TEST_F(CKespTCPInitialize, DefaultAddress_IsRefusedBeforeAnySocketActivity) {
-  tcp_->SetPort(80);
+TEST_F(CKespTCPInitializeTest, AddressOrPortMissing_IsRefusedBeforeAnySocketActivity) {
   StartLog();
-  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }),
-            (Raised{tcp_error::ERR_INVALID_IP_ADDRESS, L"[CKespTCP - Initialize()]", L"Invalid IP Address"}));
-  EXPECT_THAT(socket_->calls, IsEmpty());
-  EXPECT_THAT(Journal(), ElementsAre(L"log: Initialize()", L"log: Check IP Address..."));
-}
-
-TEST_F(CKespTCPInitialize, PortNeverSet_IsRefused) {
+  const wchar_t* const source = L"[CKespTCP - Initialize()]";
+  EXPECT_EQ(Initialize(), (Raised{tcp_error::ERR_INVALID_IP_ADDRESS, source, L"Invalid IP Address"}));
   tcp_->SetIPAddress(L"10.0.0.7");
-  StartLog();
-  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }),
-            (Raised{tcp_error::ERR_INVALID_PORT, L"[CKespTCP - Initialize()]", L"Invalid Port"}));
+  EXPECT_EQ(Initialize(), (Raised{tcp_error::ERR_INVALID_PORT, source, L"Invalid Port"}));
   EXPECT_THAT(socket_->calls, IsEmpty());
-  EXPECT_THAT(Journal(),
-              ElementsAre(L"log: Initialize()", L"log: Check IP Address...", L"log: Check Port..."));
+  EXPECT_THAT(Journal(), ElementsAre(L"log: Initialize()", L"log: Check IP Address...", L"log: Initialize()",
+                                     L"log: Check IP Address...", L"log: Check Port..."));
 }
 
 // Call 1 is SetProtocol, call 2 is Connect.
-TEST_F(CKespTCPInitialize, CallFails_RaisesConnectingWithTheReasonAndLogsIt) {
+TEST_F(CKespTCPInitializeTest, CallFails_RaisesConnectingWithTheReasonAndLogsIt) {
   for (const int nth : {1, 2}) {
     SetTarget();
     StartLog();
     socket_->FailCall(nth, 10049);
     EXPECT_EQ(
-        RaisedBy([&] { tcp_->Initialize(); }),
+        Initialize(),
         (Raised{tcp_error::ERR_CONNECTING, L"[CKespTCP - Initialize()]",
                 L"Unable to establish connection (10049 - Address not available from the local machine)"}));
     EXPECT_EQ(
@@ -78,98 +82,87 @@ TEST_F(CKespTCPInitialize, CallFails_RaisesConnectingWithTheReasonAndLogsIt) {
   }
 }
 
-TEST_F(CKespTCPInitialize, ProtocolAndTarget_AreHandedToTheSocketEachTime) {
+TEST_F(CKespTCPInitializeTest, ProtocolAndTarget_AreHandedToTheSocketEachTime) {
   SetTarget();
   tcp_->SetProtocol(EKespProtocol::sckUDPProtocol);
   tcp_->SetTimeOutmSecs(0);
   socket_->state_after_connect = EKespTCPState::sckOpen;
-  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);  // an open port is not a connection
+  EXPECT_EQ(Initialize(), kTimeOut);  // an open port is not a connection
   EXPECT_EQ(tcp_->State(), EKespTCPState::sckOpen);
   tcp_->SetProtocol(EKespProtocol::sckTCPProtocol);
   tcp_->SetIPAddress(L"meter.lab");
-  socket_->on_connect = [this] { socket_->ThenConnects(); };
+  LetConnect();
   EXPECT_TRUE(tcp_->Initialize());
   EXPECT_THAT(socket_->calls, ElementsAre("SetProtocol 1", "Connect 10.0.0.7:5025", "Close", "SetProtocol 0",
                                           "Connect meter.lab:5025"));
 }
 
-TEST_F(CKespTCPInitialize, SilentHost_IsTriedFourTimesForFourSecondsEach) {
+TEST_F(CKespTCPInitializeTest, SilentHost_IsTriedFourTimesForFourSecondsEach) {
   SetTarget();
   StartLog();
   const std::int32_t start = fakes_.clock.tick();
-  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);
+  EXPECT_EQ(Initialize(), kTimeOut);
   EXPECT_EQ(Elapsed(start), 4 * 4000U);
-  EXPECT_THAT(socket_->calls,
-              ElementsAre("SetProtocol 0", "Connect 10.0.0.7:5025", "Close", "SetProtocol 0",
-                          "Connect 10.0.0.7:5025", "Close", "SetProtocol 0", "Connect 10.0.0.7:5025", "Close",
-                          "SetProtocol 0", "Connect 10.0.0.7:5025"));
-  const auto journal = Journal();
-  EXPECT_EQ(std::count(journal.begin(), journal.end(), L"log: Connection timeout..."), 4);
-  EXPECT_EQ(std::count(journal.begin(), journal.end(), L"log: Retrying...(State: 6)"), 3);
-  EXPECT_EQ(journal.back(), L"log: Connection timeout...");
+  Calls expected;
+  Lines log{L"log: Initialize()", L"log: Check IP Address...", L"log: Check Port..."};
+  for (int attempt = 1; attempt <= 4; ++attempt) {
+    if (attempt > 1) {
+      expected.push_back("Close");
+      log.push_back(L"log: Retrying...(State: 6)");
+    }
+    expected.insert(expected.end(), {"SetProtocol 0", "Connect 10.0.0.7:5025"});
+    log.insert(log.end(),
+               {L"log: Connecting to 10.0.0.7 on port 5025...",
+                L"log: Waiting for connection to be established...", L"log: Connection timeout..."});
+  }
+  EXPECT_EQ(socket_->calls, expected);
+  EXPECT_EQ(Journal(), log);
   EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnecting);
 }
 
-TEST_F(CKespTCPInitialize, HostAnswersTheThirdTime_Connects) {
+TEST_F(CKespTCPInitializeTest, HostAnswersTheThirdTime_Connects) {
   SetTarget();
-  int attempts = 0;
   socket_->on_connect = [&] {
-    if (++attempts == 3) socket_->ThenConnects();
+    if (Attempts() == 3) socket_->ThenConnects();
   };
-  EXPECT_TRUE(tcp_->Initialize());
-  EXPECT_EQ(attempts, 3);
+  EXPECT_EQ(Initialize(), Raised{});
+  EXPECT_EQ(Attempts(), 3);
 }
 
-TEST_F(CKespTCPInitialize, Refused_FailsAfterOneTimeOutWithoutRetry) {
-  SetTarget();
-  StartLog();
-  socket_->on_connect = [this] { socket_->ThenFails(10061); };
-  const std::int32_t start = fakes_.clock.tick();
-  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);
-  EXPECT_EQ(Elapsed(start), 4000U);
-  EXPECT_THAT(socket_->calls, ElementsAre("SetProtocol 0", "Connect 10.0.0.7:5025"));
-  EXPECT_EQ(Journal().back(), L"log: Connection timeout...");
-}
-
-TEST_F(CKespTCPInitialize, OtherStateAtTimeOut_IsNotRetried) {
-  for (const auto state : {EKespTCPState::sckResolvingHost, EKespTCPState::sckHostResolved,
-                           EKespTCPState::sckClosing, EKespTCPState::sckClosed}) {
+// Connected, too: without the event it is not enough.
+TEST_F(CKespTCPInitializeTest, OtherStateAtTimeOut_IsNotRetried) {
+  for (const auto state :
+       {EKespTCPState::sckResolvingHost, EKespTCPState::sckHostResolved, EKespTCPState::sckConnected,
+        EKespTCPState::sckClosing, EKespTCPState::sckClosed, EKespTCPState::sckError}) {
     SetTarget();
     socket_->calls.clear();
     socket_->on_connect = [&] { socket_->ThenEnters(state); };
-    EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);
-    EXPECT_EQ(std::count(socket_->calls.begin(), socket_->calls.end(), "Connect 10.0.0.7:5025"), 1);
+    EXPECT_EQ(Initialize(), kTimeOut);
+    EXPECT_EQ(Attempts(), 1);
   }
-}
-
-TEST_F(CKespTCPInitialize, ConnectedStateWithoutTheEvent_IsNotEnough) {
-  SetTarget();
-  socket_->on_connect = [this] { socket_->ThenEnters(EKespTCPState::sckConnected); };
-  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);
   EXPECT_THAT(Journal(), IsEmpty());
 }
 
-TEST_F(CKespTCPInitialize, SocketNotClosed_IsClosedFirstAndWaitedFor) {
+TEST_F(CKespTCPInitializeTest, SocketNotClosed_IsClosedFirstAndWaitedFor) {
   SetTarget();
   socket_->ThenEnters(EKespTCPState::sckError).Deliver();
   socket_->closing_reads = 5;
-  socket_->on_connect = [this] { socket_->ThenConnects(); };
+  LetConnect();
   const int pumps = fakes_.pump.count();
   EXPECT_TRUE(tcp_->Initialize());
   EXPECT_THAT(socket_->calls, ElementsAre("Close", "SetProtocol 0", "Connect 10.0.0.7:5025"));
   EXPECT_EQ(fakes_.pump.count(), pumps + 1);  // none while it waited for the closing
 }
 
-TEST_F(CKespTCPInitialize, SocketDoesNotClose_RaisesTimeOut) {
+TEST_F(CKespTCPInitializeTest, SocketDoesNotClose_RaisesTimeOut) {
   SetTarget();
   StartLog();
   socket_->ThenEnters(EKespTCPState::sckConnecting).Deliver();
   socket_->closing_reads = 1000000;
   fakes_.clock.SetStepPerReading(10);
   const std::int32_t start = fakes_.clock.tick();
-  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }),
-            (Raised{tcp_error::ERR_TIMEOUT, L"[CKespTCP - Initialize()]",
-                    L"Timeout waiting for connection to close"}));
+  EXPECT_EQ(Initialize(), (Raised{tcp_error::ERR_TIMEOUT, L"[CKespTCP - Initialize()]",
+                                  L"Timeout waiting for connection to close"}));
   EXPECT_GE(Elapsed(start), 4000U);
   EXPECT_LE(Elapsed(start), 4200U);
   EXPECT_THAT(socket_->calls, ElementsAre("Close"));
@@ -184,21 +177,21 @@ struct WaitCase {
 };
 
 // The wait ends when the calendar seconds that have begun exceed the time-out.
-TEST_F(CKespTCPInitialize, Wait_CountsWholeCalendarSeconds) {
+TEST_F(CKespTCPInitializeTest, Wait_CountsWholeCalendarSeconds) {
+  SetTarget();
+  socket_->on_connect = [this] { socket_->ThenFails(10061); };
   for (const WaitCase& wait : {WaitCase{3000, 0, 4000}, WaitCase{3000, 900, 3100}, WaitCase{2500, 0, 3000},
                                WaitCase{500, 500, 500}, WaitCase{0, 0, 1000}, WaitCase{-1, 0, 100}}) {
-    SetTarget();
     tcp_->SetTimeOutmSecs(wait.time_out_msecs);
-    socket_->on_connect = [this] { socket_->ThenFails(10061); };
     fakes_.clock.SetMillisecondOfSecond(wait.millisecond_of_second);
     const std::int32_t start = fakes_.clock.tick();
-    EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);
+    EXPECT_EQ(Initialize(), kTimeOut);
     EXPECT_EQ(Elapsed(start), wait.waited)
         << wait.time_out_msecs << " ms from " << wait.millisecond_of_second;
   }
 }
 
-TEST_F(CKespTCPInitialize, GreetingDuringConnect_DoesNotCountAsReply) {
+TEST_F(CKespTCPInitializeTest, GreetingDuringConnect_DoesNotCountAsReply) {
   SetTarget();
   socket_->on_connect = [this] {
     socket_->Then([this] {
@@ -213,17 +206,17 @@ TEST_F(CKespTCPInitialize, GreetingDuringConnect_DoesNotCountAsReply) {
   EXPECT_EQ(result, L"old");
 }
 
-TEST_F(CKespTCPInitialize, HandlerUninitializes_WaitEndsByTimeOut) {
+TEST_F(CKespTCPInitializeTest, HandlerUninitializes_WaitEndsByTimeOut) {
   SetTarget();
-  socket_->on_connect = [this] { socket_->ThenConnects(); };
+  LetConnect();
   events_.handlers[L"ConnectEnd"] = [this] { EXPECT_TRUE(tcp_->Uninitialize()); };
-  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);
+  EXPECT_EQ(Initialize(), kTimeOut);
   EXPECT_EQ(tcp_->State(), EKespTCPState::sckClosed);
 }
 
-TEST_F(CKespTCPInitialize, HandlerInitializesAgain_BothCallsSucceed) {
+TEST_F(CKespTCPInitializeTest, HandlerInitializesAgain_BothCallsSucceed) {
   SetTarget();
-  socket_->on_connect = [this] { socket_->ThenConnects(); };
+  LetConnect();
   bool nested = false;
   events_.handlers[L"ConnectBegin"] = [this, &nested] {
     if (std::exchange(nested, true)) return;
@@ -234,7 +227,7 @@ TEST_F(CKespTCPInitialize, HandlerInitializesAgain_BothCallsSucceed) {
                                           "Connect 10.0.0.7:5025"));
 }
 
-TEST_F(CKespTCPInitialize, TargetChangedInHandler_NextAttemptUsesIt) {
+TEST_F(CKespTCPInitializeTest, TargetChangedInHandler_NextAttemptUsesIt) {
   SetTarget();
   socket_->on_connect = [this] {
     socket_->Then([this] {
@@ -242,21 +235,24 @@ TEST_F(CKespTCPInitialize, TargetChangedInHandler_NextAttemptUsesIt) {
       tcp_->SetPort(1);
     });
   };
-  EXPECT_EQ(RaisedBy([&] { tcp_->Initialize(); }), kTimeOut);
+  EXPECT_EQ(Initialize(), kTimeOut);
   EXPECT_EQ(socket_->calls.back(), "Connect 10.0.0.8:1");
 }
 
-TEST_F(CKespTCPInitialize, EventsTakenBackInHandler_NothingMoreIsRaised) {
+TEST_F(CKespTCPInitializeTest, EventsTakenBackInHandler_NothingMoreIsRaised) {
   SetTarget();
-  socket_->on_connect = [this] { socket_->ThenConnects(); };
+  LetConnect();
   events_.handlers[L"ConnectBegin"] = [this] { tcp_->SetEvents(nullptr); };
   EXPECT_TRUE(tcp_->Initialize());
   EXPECT_THAT(Journal(), ElementsAre(L"ConnectBegin()"));
 }
 
-class CKespTCPUninitialize : public KespTCPFixture {};
+class CKespTCPUninitializeTest : public KespTCPFixture {};
 
-TEST_F(CKespTCPUninitialize, Connected_ClosesAndTwiceIsFine) {
+TEST_F(CKespTCPUninitializeTest, Connected_ClosesOnceAndNeverConnectedDoesNotTouchTheSocket) {
+  socket_->ThenEnters(EKespTCPState::sckConnecting).Deliver();
+  EXPECT_TRUE(tcp_->Uninitialize());
+  EXPECT_THAT(socket_->calls, IsEmpty());
   Connect();
   EXPECT_TRUE(tcp_->Uninitialize());
   EXPECT_EQ(tcp_->State(), EKespTCPState::sckClosed);
@@ -264,13 +260,7 @@ TEST_F(CKespTCPUninitialize, Connected_ClosesAndTwiceIsFine) {
   EXPECT_THAT(socket_->calls, ElementsAre("Close"));
 }
 
-TEST_F(CKespTCPUninitialize, NeverConnected_DoesNotTouchTheSocket) {
-  socket_->ThenEnters(EKespTCPState::sckConnecting).Deliver();
-  EXPECT_TRUE(tcp_->Uninitialize());
-  EXPECT_THAT(socket_->calls, IsEmpty());
-}
-
-TEST_F(CKespTCPUninitialize, CloseFails_RaisesClosingAndStaysInitialized) {
+TEST_F(CKespTCPUninitializeTest, CloseFails_RaisesClosingAndStaysInitialized) {
   Connect();
   StartLog();
   socket_->FailCall(1, 10050);
@@ -285,17 +275,9 @@ TEST_F(CKespTCPUninitialize, CloseFails_RaisesClosingAndStaysInitialized) {
   EXPECT_THAT(socket_->calls, ElementsAre("Close", "Close"));
 }
 
-class CKespTCPNotifications : public KespTCPFixture {};
+class CKespTCPNotificationsTest : public KespTCPFixture {};
 
-TEST_F(CKespTCPNotifications, Close_RaisesBothEventsAroundTheLogLine) {
-  Connect();
-  StartLog();
-  socket_->ThenPeerCloses();
-  fakes_.pump.PumpOnce();
-  EXPECT_THAT(Journal(), ElementsAre(L"CloseBegin()", L"log: Close (10.0.0.7:5025)", L"CloseEnd()"));
-}
-
-TEST_F(CKespTCPNotifications, Error_PassesEverythingOnUnchanged) {
+TEST_F(CKespTCPNotificationsTest, Error_PassesEverythingOnUnchanged) {
   Connect();
   StartLog();
   socket_->ThenFails(10054);
@@ -309,7 +291,7 @@ TEST_F(CKespTCPNotifications, Error_PassesEverythingOnUnchanged) {
           L"ErrorEnd()"));
 }
 
-TEST_F(CKespTCPNotifications, Error_HandlersChangesReachTheLogAndTheSocket) {
+TEST_F(CKespTCPNotificationsTest, Error_HandlersChangesReachTheLogAndTheSocket) {
   Connect();
   StartLog();
   events_.new_description = L"gone";
@@ -320,7 +302,7 @@ TEST_F(CKespTCPNotifications, Error_HandlersChangesReachTheLogAndTheSocket) {
   EXPECT_TRUE(socket_->last_error.cancel_display);
 }
 
-TEST_F(CKespTCPNotifications, SendProgressAndComplete_RaiseTheirEventsAroundTheLogLines) {
+TEST_F(CKespTCPNotificationsTest, SendProgressAndComplete_RaiseTheirEventsAroundTheLogLines) {
   Connect();
   StartLog();
   socket_->ThenReportsSent(10, 3).ThenReportsSent(3, 0);
@@ -334,21 +316,18 @@ TEST_F(CKespTCPNotifications, SendProgressAndComplete_RaiseTheirEventsAroundTheL
                   L"SendCompleteBegin()", L"log: Send complete (10.0.0.7:5025)", L"SendCompleteEnd()"));
 }
 
-TEST_F(CKespTCPNotifications, NobodyListens_AreHandledAllTheSame) {
+TEST_F(CKespTCPNotificationsTest, NobodyListens_AreHandledAllTheSame) {
   tcp_->SetEvents(nullptr);
-  StartLog();
   Connect();
-  socket_->ThenReportsSent(1, 0).ThenReceives("A\r").ThenPeerCloses().ThenFails(10054);
-  for (int i = 0; i < 4; ++i) fakes_.pump.PumpOnce();
-  const auto journal = Journal();
-  for (const wchar_t* line : {L"log: Send complete (10.0.0.7:5025)",
-                              L"log: DataArrival (10.0.0.7:5025) Bytes: 2", L"log: Close (10.0.0.7:5025)"}) {
-    EXPECT_EQ(std::count(journal.begin(), journal.end(), line), 1);
-  }
+  StartLog();
+  socket_->ThenReportsSent(1, 0).ThenPeerCloses();
+  for (int i = 0; i < 2; ++i) fakes_.pump.PumpOnce();
+  EXPECT_THAT(Journal(), ElementsAre(L"log: Send Progress (10.0.0.7:5025) - Sent: 1 Remaining: 0",
+                                     L"log: Send complete (10.0.0.7:5025)", L"log: Close (10.0.0.7:5025)"));
 }
 
 // Whatever call of the socket fails, the object can be used again afterwards.
-TEST_F(CKespTCPNotifications, NthSocketCallFails_NextConversationSucceeds) {
+TEST_F(CKespTCPNotificationsTest, NthSocketCallFails_NextConversationSucceeds) {
   SetTarget();
   const auto converse = [this] {
     socket_->on_connect = [this] { socket_->ThenConnects().ThenReceives("A\r"); };
@@ -375,9 +354,9 @@ TEST_F(CKespTCPNotifications, NthSocketCallFails_NextConversationSucceeds) {
 constexpr wchar_t kWrongThreadDescription[] =
     L"Called from the wrong thread: the socket's notifications go to the thread that connected first";
 
-class CKespTCPThreads : public KespTCPFixture {};
+class CKespTCPThreadsTest : public KespTCPFixture {};
 
-TEST_F(CKespTCPThreads, OtherThread_WhatNeedsTheNotificationsIsRefusedAtOnce) {
+TEST_F(CKespTCPThreadsTest, OtherThread_WhatNeedsTheNotificationsIsRefusedAtOnce) {
   Connect();
   socket_->is_of_this_thread = false;
   const std::int32_t start = fakes_.clock.tick();
@@ -400,7 +379,7 @@ TEST_F(CKespTCPThreads, OtherThread_WhatNeedsTheNotificationsIsRefusedAtOnce) {
   EXPECT_EQ(socket_->calls, Calls{}) << "the connection is left to the thread that has it";
 }
 
-TEST_F(CKespTCPThreads, OtherThread_NotConnected_UninitializeHasNothingToDo) {
+TEST_F(CKespTCPThreadsTest, OtherThread_NotConnected_UninitializeHasNothingToDo) {
   socket_->is_of_this_thread = false;
   EXPECT_TRUE(tcp_->Uninitialize());
 }

@@ -10,7 +10,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class CKespTCPLines : public KespTCPFixture {
+class CKespTCPLinesFixture : public KespTCPFixture {
  protected:
   // The reply of a read that succeeds.
   std::wstring Read() {
@@ -18,26 +18,31 @@ class CKespTCPLines : public KespTCPFixture {
     EXPECT_TRUE(tcp_->ReadLine(result));
     return result;
   }
+  // What a read raises that leaves its argument as it is.
+  Raised RefusedRead() {
+    std::wstring result = L"old";
+    Raised raised = RaisedBy([&] { tcp_->ReadLine(result); });
+    EXPECT_EQ(result, L"old");
+    return raised;
+  }
+  void ExpectTimeOut() {
+    EXPECT_EQ(RefusedRead(), (Raised{tcp_error::ERR_TIMEOUT, L"[CKespTCP - ReadLine()]", L"Timeout"}));
+  }
 };
 
-class CKespTCPWriteLine : public CKespTCPLines {};
+class CKespTCPWriteLineTest : public CKespTCPLinesFixture {};
 
-TEST_F(CKespTCPWriteLine, NotInitialized_IsRefused) {
-  EXPECT_EQ(RaisedBy([&] { tcp_->WriteLine(L"*IDN?"); }),
-            (Raised{tcp_error::ERR_NOT_INITIALIZED, L"[CKespTCP - WriteLine()]", L"Socket not initialized"}));
-  EXPECT_THAT(socket_->calls, IsEmpty());
-}
-
-TEST_F(CKespTCPWriteLine, PeerHasClosed_IsRefused) {
+TEST_F(CKespTCPWriteLineTest, NotInitializedOrPeerHasClosed_IsRefused) {
+  const auto write = [this] { tcp_->WriteLine(L"*IDN?"); };
+  const wchar_t* const source = L"[CKespTCP - WriteLine()]";
+  EXPECT_EQ(RaisedBy(write), (Raised{tcp_error::ERR_NOT_INITIALIZED, source, L"Socket not initialized"}));
   Connect();
-  socket_->ThenPeerCloses();
-  fakes_.pump.PumpOnce();
-  EXPECT_EQ(RaisedBy([&] { tcp_->WriteLine(L"*IDN?"); }),
-            (Raised{tcp_error::ERR_NO_CONNECTION, L"[CKespTCP - WriteLine()]", L"Socket not connected"}));
+  socket_->ThenPeerCloses().Deliver();
+  EXPECT_EQ(RaisedBy(write), (Raised{tcp_error::ERR_NO_CONNECTION, source, L"Socket not connected"}));
   EXPECT_THAT(socket_->calls, IsEmpty());
 }
 
-TEST_F(CKespTCPWriteLine, Command_IsSentAtOnceWithACarriageReturnWhateverTheEos) {
+TEST_F(CKespTCPWriteLineTest, Command_IsSentAtOnceWithACarriageReturnWhateverTheEos) {
   Connect();
   tcp_->SetEOSChar(L"\n");
   const int pumps = fakes_.pump.count();
@@ -49,7 +54,7 @@ TEST_F(CKespTCPWriteLine, Command_IsSentAtOnceWithACarriageReturnWhateverTheEos)
   EXPECT_EQ(socket_->sent, "*IDN?\r\r");
 }
 
-TEST_F(CKespTCPWriteLine, SendNotifications_AreDeliveredByItsPumpingBeforeWhatTheSystemBrings) {
+TEST_F(CKespTCPWriteLineTest, SendNotifications_AreDeliveredByItsPumpingBeforeWhatTheSystemBrings) {
   Connect();
   socket_->on_deliver_due = [this] { listener_->OnSendProgress(2, 0); };
   socket_->ThenReceives("A\r");
@@ -58,13 +63,13 @@ TEST_F(CKespTCPWriteLine, SendNotifications_AreDeliveredByItsPumpingBeforeWhatTh
                                      L"DataArrivalEnd()"));
 }
 
-TEST_F(CKespTCPWriteLine, CharactersWithoutByte_BecomeQuestionMarksAndNulsPass) {
+TEST_F(CKespTCPWriteLineTest, CharactersWithoutByte_BecomeQuestionMarksAndNulsPass) {
   Connect();
   EXPECT_TRUE(tcp_->WriteLine(std::wstring(L"\u20AC\u4E2D\0x", 4)));
   EXPECT_EQ(socket_->sent, std::string("\x80?\0x\r", 5));
 }
 
-TEST_F(CKespTCPWriteLine, SendFails_RaisesSendDataWithTheReasonAndLogsIt) {
+TEST_F(CKespTCPWriteLineTest, SendFails_RaisesSendDataWithTheReasonAndLogsIt) {
   Connect();
   StartLog();
   socket_->FailCall(1, 10054);
@@ -76,46 +81,38 @@ TEST_F(CKespTCPWriteLine, SendFails_RaisesSendDataWithTheReasonAndLogsIt) {
                           L"connection is reset by remote side"));
 }
 
-TEST_F(CKespTCPWriteLine, EarlierReplyStillUnread_DoesNotSatisfyTheNextRead) {
+TEST_F(CKespTCPWriteLineTest, EarlierReplyStillUnread_DoesNotSatisfyTheNextRead) {
   Connect();
   socket_->Receive("old\r");
   EXPECT_TRUE(tcp_->WriteLine(L"x"));
   tcp_->SetTimeOutmSecs(0);
-  std::wstring result;
-  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }).number, tcp_error::ERR_TIMEOUT);
+  ExpectTimeOut();
   // What is read next holds both.
   socket_->ThenReceives("new\r");
   EXPECT_EQ(Read(), L"old new");
 }
 
-class CKespTCPReadLine : public CKespTCPLines {};
+class CKespTCPReadLineTest : public CKespTCPLinesFixture {};
 
-TEST_F(CKespTCPReadLine, PreChecks_RefuseWithTheirErrors) {
-  std::wstring result = L"old";
-  const auto read = [&] { tcp_->ReadLine(result); };
-  EXPECT_EQ(RaisedBy(read),
-            (Raised{tcp_error::ERR_NOT_INITIALIZED, L"[CKespTCP - ReadLine()]", L"Socket not initialized"}));
+TEST_F(CKespTCPReadLineTest, PreChecks_RefuseWithTheirErrors) {
+  const wchar_t* const source = L"[CKespTCP - ReadLine()]";
+  EXPECT_EQ(RefusedRead(), (Raised{tcp_error::ERR_NOT_INITIALIZED, source, L"Socket not initialized"}));
   Connect();
   for (const auto state : {EKespTCPState::sckClosed, EKespTCPState::sckClosing, EKespTCPState::sckError}) {
     socket_->ThenEnters(state).Deliver();
-    EXPECT_EQ(RaisedBy(read),
-              (Raised{tcp_error::ERR_NO_CONNECTION, L"[CKespTCP - ReadLine()]", L"Socket not connected"}));
+    EXPECT_EQ(RefusedRead(), (Raised{tcp_error::ERR_NO_CONNECTION, source, L"Socket not connected"}));
   }
-  EXPECT_EQ(result, L"old");
   EXPECT_THAT(socket_->calls, IsEmpty());
 }
 
-TEST_F(CKespTCPReadLine, NoReply_RaisesTimeOutWhenFourSecondsHaveBegun) {
+TEST_F(CKespTCPReadLineTest, NoReply_RaisesTimeOutWhenFourSecondsHaveBegun) {
   Connect();
-  std::wstring result = L"old";
   const std::int32_t start = fakes_.clock.tick();
-  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }),
-            (Raised{tcp_error::ERR_TIMEOUT, L"[CKespTCP - ReadLine()]", L"Timeout"}));
+  ExpectTimeOut();
   EXPECT_EQ(Elapsed(start), 4000U);
-  EXPECT_EQ(result, L"old");
 }
 
-TEST_F(CKespTCPReadLine, ReplyInPieces_CompletesWithThePieceThatBringsTheEos) {
+TEST_F(CKespTCPReadLineTest, ReplyInPieces_CompletesWithThePieceThatBringsTheEos) {
   Connect();
   socket_->ThenReceives("AB").ThenNothing().ThenReceives("C\r");
   const int pumps = fakes_.pump.count();
@@ -123,7 +120,7 @@ TEST_F(CKespTCPReadLine, ReplyInPieces_CompletesWithThePieceThatBringsTheEos) {
   EXPECT_EQ(fakes_.pump.count(), pumps + 3);
 }
 
-TEST_F(CKespTCPReadLine, MultiCharacterEosOverAPieceBorder_Completes) {
+TEST_F(CKespTCPReadLineTest, MultiCharacterEosOverAPieceBorder_Completes) {
   Connect();
   tcp_->SetEOSChar(L"\r\n");
   tcp_->SetStripCRLF(false);
@@ -131,33 +128,25 @@ TEST_F(CKespTCPReadLine, MultiCharacterEosOverAPieceBorder_Completes) {
   EXPECT_EQ(Read(), L"A\r\n");
 }
 
-TEST_F(CKespTCPReadLine, BytesBehindTheEos_ComeAlong) {
+TEST_F(CKespTCPReadLineTest, BytesBehindTheEos_ComeAlong) {
   Connect();
   socket_->ThenReceives("A\rB");
   EXPECT_EQ(Read(), L"A B");
   EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnected);
 }
 
-TEST_F(CKespTCPReadLine, EosEmpty_TimesOutAndThePartStaysForTheNextRead) {
+TEST_F(CKespTCPReadLineTest, EosEmpty_TimesOutAndThePartStaysForTheNextRead) {
   Connect();
   tcp_->SetEOSChar(L"");
   tcp_->SetTimeOutmSecs(1000);
   socket_->ThenReceives("A\r");
-  std::wstring result;
-  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }).number, tcp_error::ERR_TIMEOUT);
+  ExpectTimeOut();
   tcp_->SetEOSChar(L"\r");
   socket_->ThenReceives("B");
   EXPECT_EQ(Read(), L"A B");
 }
 
-TEST_F(CKespTCPReadLine, AfterARead_TheNextReplyIsItsOwn) {
-  Connect();
-  socket_->ThenReceives("A\r").ThenReceives("B").ThenReceives("\r");
-  EXPECT_EQ(Read(), L"A");
-  EXPECT_EQ(Read(), L"B");
-}
-
-TEST_F(CKespTCPReadLine, NotTerminateOnEos_ReturnsAfterTheFirstPiece) {
+TEST_F(CKespTCPReadLineTest, NotTerminateOnEos_ReturnsAfterTheFirstPiece) {
   Connect();
   tcp_->SetTerminateOnEOS(false);
   socket_->ThenReceives("AB").ThenReceives("C\r");
@@ -171,7 +160,7 @@ struct StripCase {
   const wchar_t* result;
 };
 
-TEST_F(CKespTCPReadLine, StripCrLf_BlanksAndTrims) {
+TEST_F(CKespTCPReadLineTest, StripCrLf_BlanksAndTrims) {
   Connect();
   for (const StripCase& strip : {StripCase{true, "1.0\r\n2.0\r\n", L"1.0  2.0"}, StripCase{true, "\r", L""},
                                  StripCase{true, "  a\tb \r", L"a\tb"}, StripCase{true, "\t\r", L"\t"},
@@ -182,7 +171,7 @@ TEST_F(CKespTCPReadLine, StripCrLf_BlanksAndTrims) {
   }
 }
 
-TEST_F(CKespTCPReadLine, CharacterAbove128_RaisesEventAndThenTheSerialNumber) {
+TEST_F(CKespTCPReadLineTest, CharacterAbove128_RaisesEventAndThenTheSerialNumber) {
   Connect();
   socket_->ThenReceives(
       "AB\x81"
@@ -197,7 +186,7 @@ TEST_F(CKespTCPReadLine, CharacterAbove128_RaisesEventAndThenTheSerialNumber) {
 
 // Fields stay as they were: the reply counts as complete until a command is written, though its bytes are
 // gone.
-TEST_F(CKespTCPReadLine, AfterInvalidCharacters_TheDataReadyFlagStays) {
+TEST_F(CKespTCPReadLineTest, AfterInvalidCharacters_TheDataReadyFlagStays) {
   Connect();
   socket_->ThenReceives("\x81\r");
   std::wstring result;
@@ -208,14 +197,14 @@ TEST_F(CKespTCPReadLine, AfterInvalidCharacters_TheDataReadyFlagStays) {
   EXPECT_EQ(Read(), L"B");
 }
 
-TEST_F(CKespTCPReadLine, Character128_IsAccepted) {
+TEST_F(CKespTCPReadLineTest, Character128_IsAccepted) {
   Connect();
   socket_->ThenReceives("\x80\r");
   EXPECT_EQ(Read(), L"\u20AC");
   EXPECT_EQ(Journal().back(), L"DataArrivalEnd()");
 }
 
-TEST_F(CKespTCPReadLine, NotCheckNonAscii_EveryByteComesThrough) {
+TEST_F(CKespTCPReadLineTest, NotCheckNonAscii_EveryByteComesThrough) {
   Connect();
   tcp_->SetCheckNonAscii(false);
   tcp_->SetStripCRLF(false);
@@ -225,7 +214,7 @@ TEST_F(CKespTCPReadLine, NotCheckNonAscii_EveryByteComesThrough) {
   EXPECT_EQ(SystemCodePage().ToBytes(Read()), bytes);
 }
 
-TEST_F(CKespTCPReadLine, InvalidCharacterFarBehind_PositionSaturates) {
+TEST_F(CKespTCPReadLineTest, InvalidCharacterFarBehind_PositionSaturates) {
   Connect();
   for (const auto& [before, pos] : {std::pair<std::size_t, std::wstring>{32766, L"32767"},
                                     std::pair<std::size_t, std::wstring>{100000, L"32767"},
@@ -239,7 +228,7 @@ TEST_F(CKespTCPReadLine, InvalidCharacterFarBehind_PositionSaturates) {
   }
 }
 
-TEST_F(CKespTCPReadLine, AddressChangedInInvalidCharsHandler_BothTextsNameTheSenderOfTheReply) {
+TEST_F(CKespTCPReadLineTest, AddressChangedInInvalidCharsHandler_BothTextsNameTheSenderOfTheReply) {
   Connect();
   events_.handlers[L"ReadInvalidChars"] = [this] {
     tcp_->SetIPAddress(L"a much longer address than before");
@@ -250,16 +239,16 @@ TEST_F(CKespTCPReadLine, AddressChangedInInvalidCharsHandler_BothTextsNameTheSen
             L"Invalid characters received on IP address 10.0.0.7.");
 }
 
-TEST_F(CKespTCPReadLine, Udp_NeedsAnOpenPortAndReturnsTrueAtTheTimeOut) {
+TEST_F(CKespTCPReadLineTest, Udp_NeedsAnOpenPortAndReturnsTrueAtTheTimeOut) {
   SetTarget();
   tcp_->SetProtocol(EKespProtocol::sckUDPProtocol);
   tcp_->SetTimeOutmSecs(1000);
   socket_->state_after_udp_connect = EKespTCPState::sckResolvingHost;
   EXPECT_NE(RaisedBy([&] { tcp_->Initialize(); }).number, 0);
-  std::wstring result = L"old";
-  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }),
+  EXPECT_EQ(RefusedRead(),
             (Raised{tcp_error::ERR_NO_CONNECTION, L"[CKespTCP - ReadLine()]", L"Socket not connected"}));
   socket_->ThenEnters(EKespTCPState::sckOpen).Deliver();
+  std::wstring result = L"old";
   const std::int32_t start = fakes_.clock.tick();
   EXPECT_TRUE(tcp_->ReadLine(result));
   EXPECT_EQ(Elapsed(start), 2000U);
@@ -268,68 +257,52 @@ TEST_F(CKespTCPReadLine, Udp_NeedsAnOpenPortAndReturnsTrueAtTheTimeOut) {
   EXPECT_EQ(RaisedBy([&] { tcp_->ReadLineBinary(value); }).number, tcp_error::ERR_TIMEOUT);
 }
 
-TEST_F(CKespTCPReadLine, ReplyThenPeerCloses_IsStillRead) {
-  Connect();
-  socket_->Then([this] {
-    socket_->Receive("A\r");
-    socket_->ThenPeerCloses().Deliver();
-  });
-  EXPECT_EQ(Read(), L"A");
+// A peer that goes away behind its reply.
+TEST_F(CKespTCPReadLineTest, ReplyAndPeerCloses_IsReadUnlessThatHappenedDuringTheWrite) {
+  for (const bool during_the_write : {false, true}) {
+    Connect();
+    socket_->Then([this] {
+      socket_->Receive("A\r");
+      socket_->ThenPeerCloses().Deliver();
+    });
+    if (during_the_write) {
+      EXPECT_TRUE(tcp_->WriteLine(L"x"));
+      EXPECT_EQ(RefusedRead().number, tcp_error::ERR_NO_CONNECTION);
+    } else {
+      EXPECT_EQ(Read(), L"A");
+    }
+    EXPECT_TRUE(tcp_->Uninitialize());
+  }
 }
 
-TEST_F(CKespTCPReadLine, ReplyAndPeerClosesDuringTheWrite_FindsNoConnection) {
-  Connect();
-  socket_->Then([this] {
-    socket_->Receive("A\r");
-    socket_->ThenPeerCloses().Deliver();
-  });
-  EXPECT_TRUE(tcp_->WriteLine(L"x"));
-  std::wstring result = L"old";
-  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }).number, tcp_error::ERR_NO_CONNECTION);
-  EXPECT_EQ(result, L"old");
-}
-
-TEST_F(CKespTCPReadLine, PeerClosesAfterAPart_TimesOutAndTheNextReadFindsNoConnection) {
+TEST_F(CKespTCPReadLineTest, PeerClosesAfterAPart_TimesOutAndTheNextReadFindsNoConnection) {
   Connect();
   socket_->ThenReceives("A").ThenPeerCloses();
-  std::wstring result = L"old";
-  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }).number, tcp_error::ERR_TIMEOUT);
-  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }).number, tcp_error::ERR_NO_CONNECTION);
-  EXPECT_EQ(result, L"old");
+  ExpectTimeOut();
+  EXPECT_EQ(RefusedRead().number, tcp_error::ERR_NO_CONNECTION);
 }
 
-TEST_F(CKespTCPReadLine, Overrun_RaisesGetDataAtOnce) {
+TEST_F(CKespTCPReadLineTest, Overrun_RaisesGetDataAtOnceAndANewConnectionReadsAgain) {
   Connect();
   socket_->ThenReceives("A").ThenOverruns();
-  std::wstring result = L"old";
   const std::int32_t start = fakes_.clock.tick();
-  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }),
-            (Raised{tcp_error::ERR_GET_DATA, L"[CKespTCP - ReadLine()]",
-                    L"Unable to get data (10055 - No buffer space is available)"}));
+  EXPECT_EQ(RefusedRead(), (Raised{tcp_error::ERR_GET_DATA, L"[CKespTCP - ReadLine()]",
+                                   L"Unable to get data (10055 - No buffer space is available)"}));
   EXPECT_EQ(Elapsed(start), 2 * kPumpMilliseconds);
-  EXPECT_EQ(result, L"old");
-  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }).number, tcp_error::ERR_NO_CONNECTION);
-}
-
-TEST_F(CKespTCPReadLine, OtherSocketError_WaitsForTheTimeOut) {
-  Connect();
-  socket_->ThenFails(10054);
-  std::wstring result;
-  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }).number, tcp_error::ERR_TIMEOUT);
-}
-
-TEST_F(CKespTCPReadLine, AfterOverrun_ANewConnectionReadsAgain) {
-  Connect();
-  socket_->ThenOverruns();
-  std::wstring result;
-  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }).number, tcp_error::ERR_GET_DATA);
+  EXPECT_EQ(RefusedRead().number, tcp_error::ERR_NO_CONNECTION);
   EXPECT_TRUE(tcp_->Uninitialize());
   Connect();
   socket_->ThenNothing().ThenReceives("A\r");
   EXPECT_EQ(Read(), L"A");
 }
 
-TEST_F(CKespTCPReadLine, HandlerTakesTheReply_TheOuterReadWaitsForTheNext) {
+TEST_F(CKespTCPReadLineTest, OtherSocketError_WaitsForTheTimeOut) {
+  Connect();
+  socket_->ThenFails(10054);
+  ExpectTimeOut();
+}
+
+TEST_F(CKespTCPReadLineTest, HandlerTakesTheReply_TheOuterReadWaitsForTheNext) {
   Connect();
   std::wstring inner;
   events_.handlers[L"DataArrivalEnd"] = [this, &inner] {
@@ -342,7 +315,7 @@ TEST_F(CKespTCPReadLine, HandlerTakesTheReply_TheOuterReadWaitsForTheNext) {
 }
 
 // The bytes that DataArrivalBegin announced are gone when they are judged.
-TEST_F(CKespTCPReadLine, HandlerTakesTheReplyInBegin_NothingIsReady) {
+TEST_F(CKespTCPReadLineTest, HandlerTakesTheReplyInBegin_NothingIsReady) {
   for (const bool terminate_on_eos : {true, false}) {
     Connect();
     StartLog();
@@ -355,27 +328,23 @@ TEST_F(CKespTCPReadLine, HandlerTakesTheReplyInBegin_NothingIsReady) {
       taken = Read();
     };
     socket_->ThenReceives("A\r");
-    std::wstring result = L"old";
-    EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }).number, tcp_error::ERR_TIMEOUT);
+    ExpectTimeOut();
     EXPECT_EQ(taken, L"A +");
-    EXPECT_EQ(result, L"old");
     EXPECT_TRUE(tcp_->Uninitialize());
   }
 }
 
-TEST_F(CKespTCPReadLine, HandlerUninitializes_TheReadTimesOutWithoutAReply) {
+TEST_F(CKespTCPReadLineTest, HandlerUninitializes_TheReadTimesOutWithoutAReply) {
   for (const wchar_t* event : {L"DataArrivalBegin", L"DataArrivalEnd"}) {
     Connect();
     events_.handlers[event] = [this] { EXPECT_TRUE(tcp_->Uninitialize()); };
     socket_->ThenReceives("A\r");
-    std::wstring result = L"old";
-    EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }).number, tcp_error::ERR_TIMEOUT);
-    EXPECT_EQ(result, L"old");
+    ExpectTimeOut();
     events_.handlers.clear();
   }
 }
 
-TEST_F(CKespTCPReadLine, HandlerReconnects_HalfAnEosIsForgotten) {
+TEST_F(CKespTCPReadLineTest, HandlerReconnects_HalfAnEosIsForgotten) {
   Connect();
   tcp_->SetEOSChar(L"\r\n");
   tcp_->SetTimeOutmSecs(0);
@@ -383,12 +352,11 @@ TEST_F(CKespTCPReadLine, HandlerReconnects_HalfAnEosIsForgotten) {
   EXPECT_TRUE(tcp_->Uninitialize());
   Connect();
   socket_->ThenReceives("\n");
-  std::wstring result;
-  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLine(result); }).number, tcp_error::ERR_TIMEOUT);
+  ExpectTimeOut();
 }
 
 // Quadratic work, about 33,000 times 16 MB, would take the best part of a minute.
-TEST_F(CKespTCPReadLine, LargeReplyInManyPieces_ComesWhole) {
+TEST_F(CKespTCPReadLineTest, LargeReplyInManyPieces_ComesWhole) {
   Connect();
   constexpr int kPieces = 4096;
   const std::string piece(1024, 'x');

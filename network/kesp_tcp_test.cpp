@@ -6,9 +6,9 @@
 namespace kesp {
 namespace {
 
-class CKespTCPSettings : public KespTCPFixture {};
+class CKespTCPTest : public KespTCPFixture {};
 
-TEST_F(CKespTCPSettings, New_HasTheDefaults) {
+TEST_F(CKespTCPTest, New_HasTheDefaults) {
   EXPECT_TRUE(tcp_->CheckNonAscii());
   EXPECT_TRUE(tcp_->TerminateOnEOS());
   EXPECT_TRUE(tcp_->StripCRLF());
@@ -26,7 +26,7 @@ TEST_F(CKespTCPSettings, New_HasTheDefaults) {
   EXPECT_TRUE(socket_->calls.empty());
 }
 
-TEST_F(CKespTCPSettings, GetKey_ElevenCharactersAndDifferentForEachObject) {
+TEST_F(CKespTCPTest, GetKey_ElevenCharactersAndDifferentForEachObject) {
   CKespTCP other(
       fakes_.environment,
       [](SocketListener& listener) { return std::make_unique<SocketControlFake>(listener); }, MakeInstrument);
@@ -34,7 +34,7 @@ TEST_F(CKespTCPSettings, GetKey_ElevenCharactersAndDifferentForEachObject) {
   EXPECT_EQ(other.GetKey(), L"0000000200K");
 }
 
-TEST_F(CKespTCPSettings, PlainProperties_KeepWhatIsSet) {
+TEST_F(CKespTCPTest, PlainProperties_KeepWhatIsSet) {
   tcp_->SetCheckNonAscii(false);
   tcp_->SetTerminateOnEOS(false);
   tcp_->SetStripCRLF(false);
@@ -55,51 +55,43 @@ TEST_F(CKespTCPSettings, PlainProperties_KeepWhatIsSet) {
   EXPECT_EQ(tcp_->IPType(), EIPType::ipDynamic);
 }
 
-TEST_F(CKespTCPSettings, SetPort_BelowOne_IsRefusedAndKeepsTheOldValue) {
-  tcp_->SetPort(80);
-  for (const std::int16_t port : {std::int16_t{0}, std::int16_t{-1}, std::int16_t{-32768}}) {
-    EXPECT_EQ(RaisedBy([&] { tcp_->SetPort(port); }),
-              (Raised{-2147221263, L"[CKespTCP - Port]", L"Invalid Port"}));
-  }
-  EXPECT_EQ(tcp_->Port(), 80);
-}
-
-TEST_F(CKespTCPSettings, SetPort_FromOneTo32767_IsTaken) {
-  for (const std::int16_t port : {std::int16_t{1}, std::int16_t{32767}}) {
-    tcp_->SetPort(port);
+TEST_F(CKespTCPTest, SetPort_FromOneTo32767IsTakenAndBelowRefused) {
+  for (const int port : {1, 80, 32767}) {
+    tcp_->SetPort(static_cast<std::int16_t>(port));
     EXPECT_EQ(tcp_->Port(), port);
   }
+  for (const int port : {0, -1, -32768}) {
+    EXPECT_EQ(RaisedBy([&] { tcp_->SetPort(static_cast<std::int16_t>(port)); }),
+              (Raised{-2147221263, L"[CKespTCP - Port]", L"Invalid Port"}));
+    EXPECT_EQ(tcp_->Port(), 32767);
+  }
 }
 
-TEST_F(CKespTCPSettings, SetIPAddress_Empty_IsRefusedAndKeepsTheOldValue) {
-  tcp_->SetIPAddress(L"meter.lab");
+TEST_F(CKespTCPTest, SetIPAddress_AnyTextIsTakenAndNoneRefused) {
+  for (const wchar_t* address : {L"0.0.0.0", L"999.1", L" ", L"meter.lab"}) {
+    tcp_->SetIPAddress(address);
+    EXPECT_EQ(tcp_->IPAddress(), address);
+  }
   EXPECT_EQ(RaisedBy([&] { tcp_->SetIPAddress(L""); }),
             (Raised{-2147221264, L"[CKespTCP - IPAddress]", L"Invalid IP Address"}));
   EXPECT_EQ(tcp_->IPAddress(), L"meter.lab");
 }
 
-TEST_F(CKespTCPSettings, SetIPAddress_AnyOtherText_IsTaken) {
-  for (const wchar_t* address : {L"0.0.0.0", L"999.1", L" "}) {
-    tcp_->SetIPAddress(address);
-    EXPECT_EQ(tcp_->IPAddress(), address);
-  }
-}
-
-TEST_F(CKespTCPSettings, State_IsReadFromTheSocketEachTime) {
+TEST_F(CKespTCPTest, State_IsReadFromTheSocketEachTime) {
   for (int state = 0; state <= 9; ++state) {
     socket_->ThenEnters(static_cast<EKespTCPState>(state)).Deliver();
     EXPECT_EQ(tcp_->State(), static_cast<EKespTCPState>(state));
   }
 }
 
-TEST_F(CKespTCPSettings, KeepAlive_HandsOutWhatTheEventsHold) {
+TEST_F(CKespTCPTest, KeepAlive_HandsOutWhatTheEventsHold) {
   events_.keep_alive = std::make_shared<int>(1);
   EXPECT_EQ(listener_->KeepAlive(), events_.keep_alive);
   tcp_->SetEvents(nullptr);
   EXPECT_EQ(listener_->KeepAlive(), nullptr);
 }
 
-TEST_F(CKespTCPSettings, LogOff_NothingIsWritten) {
+TEST_F(CKespTCPTest, LogOff_NothingIsWritten) {
   Connect();
   socket_->ThenReceives("A\r").ThenReportsSent(1, 0).ThenPeerCloses().ThenFails(10054);
   std::wstring result;
@@ -109,7 +101,7 @@ TEST_F(CKespTCPSettings, LogOff_NothingIsWritten) {
   EXPECT_EQ(fakes_.files.calls(), 0);
 }
 
-TEST_F(CKespTCPSettings, LogLine_IsDateTickAndMessageInTheNamedFile) {
+TEST_F(CKespTCPTest, LogLine_IsDateTickAndMessageInTheNamedFile) {
   tcp_->SetLogFilename(L"C:\\logs\\tcp.log");
   StartLog();
   fakes_.clock.SetDateTimeText(L"1/2/2024 3:04:05");

@@ -10,7 +10,7 @@
 namespace kesp {
 namespace {
 
-TEST(LookupBuffers, GivenUpWithoutEnd_AreAsManyAsMayBeAndTheOldestIsUsedFirst) {
+TEST(LookupBuffersTest, GivenUpWithoutEnd_AreAsManyAsMayBeAndTheOldestIsUsedFirst) {
   LookupBuffers buffers;
   std::vector<LookupBuffer*> seen;
   for (int i = 0; i < 3 * LookupBuffers::kMost; ++i) {
@@ -27,7 +27,7 @@ TEST(LookupBuffers, GivenUpWithoutEnd_AreAsManyAsMayBeAndTheOldestIsUsedFirst) {
   for (int i = 0; i < LookupBuffers::kMost; ++i) delete seen[static_cast<std::size_t>(i)];
 }
 
-TEST(LookupBuffers, Finished_IsFreedAndNotUsedAgain) {
+TEST(LookupBuffersTest, Finished_IsFreedAndNotUsedAgain) {
   LookupBuffers buffers;
   for (int i = 0; i < 2 * LookupBuffers::kMost; ++i) EXPECT_NE(buffers.Take(), nullptr);
 }

@@ -8,7 +8,7 @@ namespace {
 
 constexpr NotificationKind kKinds[] = {NotificationKind::kSocket, NotificationKind::kHostLookup};
 
-TEST(NotificationCode, For_AnyConnection_LiesInTheRangeOfApplications) {
+TEST(NotificationCodeTest, For_AnyConnection_LiesInTheRangeOfApplications) {
   for (const unsigned connection : {0U, 1U, 8191U, 8192U, 123456789U, 0xFFFFFFFFU}) {
     for (const NotificationKind kind : kKinds) {
       const unsigned message = NotificationCode::For(kind, connection);
@@ -19,7 +19,7 @@ TEST(NotificationCode, For_AnyConnection_LiesInTheRangeOfApplications) {
   }
 }
 
-TEST(NotificationCode, BelongsTo_OtherConnection_IsFalse) {
+TEST(NotificationCodeTest, BelongsTo_OtherConnection_IsFalse) {
   for (const NotificationKind kind : kKinds) {
     const unsigned message = NotificationCode::For(kind, 8191);
     EXPECT_FALSE(NotificationCode::BelongsTo(message, 8190));
@@ -28,7 +28,7 @@ TEST(NotificationCode, BelongsTo_OtherConnection_IsFalse) {
   }
 }
 
-TEST(NotificationCode, IsOne_MessagesOfTheSystem_AreNot) {
+TEST(NotificationCodeTest, IsOne_MessagesOfTheSystem_AreNot) {
   for (const unsigned message : {0U, 0x0012U, 0x0400U, 0x7FFFU, 0xC000U, 0xFFFFU}) {
     EXPECT_FALSE(NotificationCode::IsOne(message)) << message;
   }

@@ -6,16 +6,9 @@
 namespace kesp {
 namespace {
 
-TEST(SendQueue, New_HasNothingToSendOrReport) {
+TEST(SendQueueTest, TookFromFront_LeavesTheRest) {
   SendQueue queue;
   EXPECT_EQ(queue.Unsent(), "");
-  const SendProgress progress = queue.Report();
-  EXPECT_EQ(progress.sent, 0);
-  EXPECT_EQ(progress.remaining, 0);
-}
-
-TEST(SendQueue, TookFromFront_LeavesTheRest) {
-  SendQueue queue;
   queue.Add("ABC");
   queue.TookFromFront(1);
   EXPECT_EQ(queue.Unsent(), "BC");
@@ -27,12 +20,15 @@ TEST(SendQueue, TookFromFront_LeavesTheRest) {
   EXPECT_EQ(queue.Unsent(), "E");
 }
 
-TEST(SendQueue, Report_CountsSinceTheLastReport) {
+TEST(SendQueueTest, Report_CountsSinceTheLastReport) {
   SendQueue queue;
+  SendProgress progress = queue.Report();
+  EXPECT_EQ(progress.sent, 0);
+  EXPECT_EQ(progress.remaining, 0);
   queue.TookDirectly(5);
   queue.Add("ABC");
   queue.TookFromFront(1);
-  SendProgress progress = queue.Report();
+  progress = queue.Report();
   EXPECT_EQ(progress.sent, 6);
   EXPECT_EQ(progress.remaining, 2);
   queue.TookFromFront(2);
@@ -42,13 +38,13 @@ TEST(SendQueue, Report_CountsSinceTheLastReport) {
   EXPECT_EQ(queue.Report().sent, 0);
 }
 
-TEST(SendQueue, Report_BeyondThirtyTwoBits_Saturates) {
+TEST(SendQueueTest, Report_BeyondThirtyTwoBits_Saturates) {
   SendQueue queue;
   queue.TookDirectly(std::size_t{3} * 1000 * 1000 * 1000);
   EXPECT_EQ(queue.Report().sent, INT32_MAX);
 }
 
-TEST(SendQueue, Clear_ForgetsBytesAndReport) {
+TEST(SendQueueTest, Clear_ForgetsBytesAndReport) {
   SendQueue queue;
   queue.Add("ABC");
   queue.TookFromFront(1);

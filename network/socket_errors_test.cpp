@@ -8,7 +8,7 @@
 namespace kesp {
 namespace {
 
-TEST(SocketErrors, Description_KnownNumbers_HaveTheirTexts) {
+TEST(SocketErrorsTest, Description_KnownNumbers_HaveTheirTexts) {
   const std::pair<std::int32_t, const wchar_t*> cases[] = {
       {10004, L"The operation is canceled"},
       {10054, L"The connection is reset by remote side"},
@@ -25,26 +25,26 @@ TEST(SocketErrors, Description_KnownNumbers_HaveTheirTexts) {
   for (const auto& [number, text] : cases) EXPECT_EQ(SocketErrorDescription(number), text) << number;
 }
 
-TEST(SocketErrors, Description_UnknownNumber_NamesIt) {
+TEST(SocketErrorsTest, Description_UnknownNumber_NamesIt) {
   EXPECT_EQ(SocketErrorDescription(12345), L"Socket error 12345");
   EXPECT_EQ(SocketErrorDescription(0), L"Socket error 0");
 }
 
-TEST(SocketErrors, Description_NoTwoNumbersShareAText) {
+TEST(SocketErrorsTest, Description_NoTwoNumbersShareAText) {
   std::set<std::wstring> texts;
   for (std::int32_t number = 10000; number < 11100; ++number) {
     EXPECT_TRUE(texts.insert(SocketErrorDescription(number)).second) << number;
   }
 }
 
-TEST(SocketErrors, Failure_CarriesNumberSourceAndText) {
+TEST(SocketErrorsTest, Failure_CarriesNumberSourceAndText) {
   const Failure failure = SocketFailure(40006);
   EXPECT_EQ(failure.number(), 40006);
   EXPECT_EQ(failure.source(), L"KespWinsock");
   EXPECT_EQ(failure.description(), SocketErrorDescription(40006));
 }
 
-TEST(SocketErrors, Notification_ScodeIsControlFacilityWithTheNumber) {
+TEST(SocketErrorsTest, Notification_ScodeIsControlFacilityWithTheNumber) {
   const SocketError error = SocketErrorNotification(10061);
   EXPECT_EQ(error.number, 10061);
   EXPECT_EQ(static_cast<std::uint32_t>(error.scode), 0x800A274DU);
