@@ -66,69 +66,35 @@ TEST_F(CKespTCPIdentityTest, OtherProperties_AreNotTouchedAndItemsFromBeforeAreA
   EXPECT_EQ(tcp_->Devices()->Item(2)->MACAddress(), L"");
 }
 
-TEST_F(CKespTCPIdentityTest, FewerThanThreeFields_KeepWhatIsThereAndTheOthersGoOn) {
+TEST_F(CKespTCPIdentityTest, WhoGivesNoIdentity_KeepsWhatWasThereAndTheOthersGoOn) {
+  const char* const unusable[] = {"KESP", "KESP,7300", "", "KESP,71\xC8,SIM1,1.0"};
+  for (std::uint32_t n = 2; const char* const identity : unusable) PlaceInstrument(n++, identity);
+  for (std::uint32_t n = 6; n <= 8; ++n) Answers(SenderAt(n));
+  identities_[L"10.0.0.6"] = std::string(10'000'000, ',');  // without end; the next says nothing at all
+  unreachable_ = {L"10.0.0.8"};
   PlaceInstrument(1, "KESP,7100,SIM1,1.0");
-  PlaceInstrument(2, "KESP");
-  PlaceInstrument(3, "KESP,7300");
-  PlaceInstrument(4, "");
-  for (int n = 2; n <= 4; ++n) {
-    const auto device = AddDevice(L"10.0.0." + std::to_wstring(n));
+  Lines expected;
+  for (const wchar_t* const address : {L"", L"0.0.0.0", L"10.0.0.2", L"10.0.0.3", L"10.0.0.4", L"10.0.0.5",
+                                       L"10.0.0.6", L"10.0.0.7", L"10.0.0.8"}) {
+    const auto device = AddDevice(address);
     device->SetModel(L"old model");
     device->SetSerial(L"old serial");
+    expected.push_back(address + std::wstring(L"/old model/old serial"));
   }
-  EXPECT_TRUE(Discover());
-  EXPECT_EQ(Devices(), (Lines{L"10.0.0.2/old model/old serial", L"10.0.0.3/old model/old serial",
-                              L"10.0.0.4/old model/old serial", L"10.0.0.1/7100/SIM1"}));
-  ExpectRestored();
-}
-
-TEST_F(CKespTCPIdentityTest, DeviceSaysNothing_IsSkippedAfterOneToTwoSeconds) {
-  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
-  Answers(SenderAt(2));
-  PlaceInstrument(3, "KESP,7300,SIM3,1.0");
+  expected.push_back(L"10.0.0.1/7100/SIM1");
   const std::int32_t start = fakes_.clock.tick();
   EXPECT_TRUE(Discover());
-  EXPECT_LE(Elapsed(start), 2000U + 2000U + 2000U);
-  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/7100/SIM1", L"10.0.0.2//", L"10.0.0.3/7300/SIM3"}));
-  // Closed before the next one is asked.
-  EXPECT_EQ(Connections(), (Calls{"10.0.0.3:10001", "10.0.0.2:10001", "10.0.0.1:10001"}));
-  ExpectRestored();
-}
-
-TEST_F(CKespTCPIdentityTest, DeviceSendsWithoutEnd_IsSkipped) {
-  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
-  Answers(SenderAt(2));
-  identities_[L"10.0.0.2"] = std::string(10'000'000, ',');
-  EXPECT_TRUE(Discover());
-  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/7100/SIM1", L"10.0.0.2//"}));
-}
-
-TEST_F(CKespTCPIdentityTest, DeviceCannotBeReached_IsSkippedAfterFourAttempts) {
-  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
-  PlaceInstrument(2, "KESP,7200,SIM2,1.0");
-  unreachable_ = {L"10.0.0.2"};
-  EXPECT_TRUE(Discover());
-  EXPECT_EQ(Connections(), (Calls{"10.0.0.2:10001", "10.0.0.2:10001", "10.0.0.2:10001", "10.0.0.2:10001",
-                                  "10.0.0.1:10001"}));
-  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1/7100/SIM1", L"10.0.0.2//"}));
-}
-
-TEST_F(CKespTCPIdentityTest, CharactersAbove128_SkipTheDevice) {
-  PlaceInstrument(1, "KESP,71\xC8,SIM1,1.0");
-  EXPECT_TRUE(Discover());
-  EXPECT_EQ(Devices(), (Lines{L"10.0.0.1//"}));
+  EXPECT_EQ(Devices(), expected);
+  // Two seconds for the answers, for each attempt to connect in vain and for each reply that does not come.
+  EXPECT_LE(Elapsed(start), 2000U + 4 * 2000U + 5 * 2000U);
   EXPECT_EQ(
       LinesFrom(L"ReadInvalidChars"),
-      (Lines{L"ReadInvalidChars(KESP,71" + SystemCodePage().FromBytes("\xC8") + L",SIM1,1.0\r,8,10.0.0.1)"}));
-}
-
-TEST_F(CKespTCPIdentityTest, ItemsWithoutAUsableAddress_AreSkipped) {
-  AddDevice(L"");
-  AddDevice(L"0.0.0.0");
-  PlaceInstrument(1, "KESP,7100,SIM1,1.0");
-  EXPECT_TRUE(Discover());
-  EXPECT_EQ(Devices(), (Lines{L"//", L"0.0.0.0//", L"10.0.0.1/7100/SIM1"}));
-  EXPECT_EQ(Connections(), (Calls{"10.0.0.1:10001"}));
+      (Lines{L"ReadInvalidChars(KESP,71" + SystemCodePage().FromBytes("\xC8") + L",SIM1,1.0\r,8,10.0.0.5)"}));
+  Calls connections{"10.0.0.1:10001"};
+  connections.insert(connections.end(), 4, "10.0.0.8:10001");
+  for (int n = 7; n >= 2; --n) connections.push_back("10.0.0." + std::to_string(n) + ":10001");
+  EXPECT_EQ(Connections(), connections);
+  ExpectRestored();
 }
 
 // Whichever call of the socket fails: nothing escapes but what says so, and everything is put back.

@@ -1,4 +1,4 @@
-// The listener that writes down the network transport's events, each as a line of text.
+// The listener that writes down the network transport's events: those with arguments.
 #include "network/tcp_events_fake.h"
 
 namespace kesp {
@@ -7,36 +7,12 @@ CKespTCPEventsFake::CKespTCPEventsFake() = default;
 
 CKespTCPEventsFake::~CKespTCPEventsFake() = default;
 
-void CKespTCPEventsFake::ConnectBegin() {
-  Heard(L"ConnectBegin");
-}
-
-void CKespTCPEventsFake::ConnectEnd() {
-  Heard(L"ConnectEnd");
-}
-
 void CKespTCPEventsFake::SendProgressBegin(std::int32_t bytesSent, std::int32_t bytesRemaining) {
   Heard(L"SendProgressBegin", {std::to_wstring(bytesSent), std::to_wstring(bytesRemaining)});
 }
 
-void CKespTCPEventsFake::SendProgressEnd() {
-  Heard(L"SendProgressEnd");
-}
-
-void CKespTCPEventsFake::SendCompleteBegin() {
-  Heard(L"SendCompleteBegin");
-}
-
-void CKespTCPEventsFake::SendCompleteEnd() {
-  Heard(L"SendCompleteEnd");
-}
-
 void CKespTCPEventsFake::DataArrivalBegin(std::int32_t bytesTotal) {
   Heard(L"DataArrivalBegin", {std::to_wstring(bytesTotal)});
-}
-
-void CKespTCPEventsFake::DataArrivalEnd() {
-  Heard(L"DataArrivalEnd");
 }
 
 void CKespTCPEventsFake::ErrorBegin(std::int16_t Number, std::wstring& Description, std::int32_t Scode,
@@ -49,30 +25,10 @@ void CKespTCPEventsFake::ErrorBegin(std::int16_t Number, std::wstring& Descripti
   CancelDisplay = true;
 }
 
-void CKespTCPEventsFake::ErrorEnd() {
-  Heard(L"ErrorEnd");
-}
-
-void CKespTCPEventsFake::CloseBegin() {
-  Heard(L"CloseBegin");
-}
-
-void CKespTCPEventsFake::CloseEnd() {
-  Heard(L"CloseEnd");
-}
-
 void CKespTCPEventsFake::AutoDetectUpdate(const std::wstring& cmd, const std::wstring& IPAddress,
                                           std::int16_t Port, bool& Abort) {
   Heard(L"AutoDetectUpdate", {cmd, IPAddress, std::to_wstring(Port), Text(Abort)});
   if (cmd == abort_at) Abort = true;
-}
-
-void CKespTCPEventsFake::AutoDetectBegin() {
-  Heard(L"AutoDetectBegin");
-}
-
-void CKespTCPEventsFake::AutoDetectEnd() {
-  Heard(L"AutoDetectEnd");
 }
 
 void CKespTCPEventsFake::ReadInvalidChars(const std::wstring& Buffer, std::int16_t pos,

@@ -20,6 +20,7 @@ class ConnectionPointsTest : public testing::TestWithParam<PublicClass> {
   ComPtr<IUnknown> object_ = MakeObject(GetParam());
   ComPtr<IConnectionPointContainer> container_;
   ComPtr<IConnectionPoint> point_;
+  ComPtr<EventRecorder> sink_ = EventRecorder::Make(*GetParam().events);
 };
 
 TEST_P(ConnectionPointsTest, Find_KnowsTheEventsAndTheGeneralInterfaceOnly) {
@@ -32,7 +33,7 @@ TEST_P(ConnectionPointsTest, Find_KnowsTheEventsAndTheGeneralInterfaceOnly) {
   EXPECT_EQ(container_->FindConnectionPoint(*GetParam().events, nullptr), E_POINTER);
 }
 
-TEST_P(ConnectionPointsTest, Point_KnowsItsEventsAndItsContainer) {
+TEST_P(ConnectionPointsTest, Point_IsAnObjectOfItsOwnThatKnowsItsEventsAndItsContainer) {
   IID iid = GUID_NULL;
   EXPECT_EQ(point_->GetConnectionInterface(&iid), S_OK);
   EXPECT_EQ(iid, *GetParam().events);
@@ -41,9 +42,6 @@ TEST_P(ConnectionPointsTest, Point_KnowsItsEventsAndItsContainer) {
   EXPECT_EQ(point_->GetConnectionPointContainer(&container), S_OK);
   EXPECT_TRUE(IsSameObject(container.Get(), object_.Get()));
   EXPECT_EQ(point_->GetConnectionPointContainer(nullptr), E_POINTER);
-}
-
-TEST_P(ConnectionPointsTest, Point_IsAnObjectOfItsOwn) {
   EXPECT_FALSE(IsSameObject(point_.Get(), object_.Get()));
   void* found = this;
   EXPECT_EQ(point_->QueryInterface(IID_IDispatch, &found), E_NOINTERFACE);
@@ -69,10 +67,9 @@ TEST_P(ConnectionPointsTest, EnumConnectionPoints_GivesTheOnePoint) {
 }
 
 TEST_P(ConnectionPointsTest, EnumConnections_TellsSinksWithTheirCookies) {
-  const auto first = EventRecorder::Make(*GetParam().events);
   const auto second = EventRecorder::Make(*GetParam().events);
   std::array<DWORD, 2> cookies{};
-  ASSERT_EQ(point_->Advise(first.Get(), &cookies[0]), S_OK);
+  ASSERT_EQ(point_->Advise(sink_.Get(), &cookies[0]), S_OK);
   ASSERT_EQ(point_->Advise(second.Get(), &cookies[1]), S_OK);
   ComPtr<IEnumConnections> connections;
   ASSERT_EQ(point_->EnumConnections(&connections), S_OK);
@@ -81,7 +78,7 @@ TEST_P(ConnectionPointsTest, EnumConnections_TellsSinksWithTheirCookies) {
   CONNECTDATA found{};
   EXPECT_EQ(connections->Next(1, &found, nullptr), S_OK);
   EXPECT_EQ(found.dwCookie, cookies[0]);
-  EXPECT_TRUE(IsSameObject(found.pUnk, first.Get()));
+  EXPECT_TRUE(IsSameObject(found.pUnk, sink_.Get()));
   found.pUnk->Release();
 
   ComPtr<IEnumConnections> clone;
@@ -112,9 +109,8 @@ TEST_P(ConnectionPointsTest, EnumNext_NullPointers_AreRefused) {
 }
 
 TEST_P(ConnectionPointsTest, EnumConnections_IsASnapshot) {
-  const auto sink = EventRecorder::Make(*GetParam().events);
   DWORD cookie = 0;
-  point_->Advise(sink.Get(), &cookie);
+  point_->Advise(sink_.Get(), &cookie);
   ComPtr<IEnumConnections> connections;
   point_->EnumConnections(&connections);
   EXPECT_EQ(point_->Unadvise(cookie), S_OK);
@@ -124,15 +120,14 @@ TEST_P(ConnectionPointsTest, EnumConnections_IsASnapshot) {
 }
 
 TEST_P(ConnectionPointsTest, Advise_TakesEventInterfaceOrGeneralOne) {
-  const auto sink = EventRecorder::Make(*GetParam().events);
   for (const bool knows_events : {true, false}) {
-    sink->knows_events = knows_events;
+    sink_->knows_events = knows_events;
     DWORD cookie = 0;
-    EXPECT_EQ(point_->Advise(sink.Get(), &cookie), S_OK);
+    EXPECT_EQ(point_->Advise(sink_.Get(), &cookie), S_OK);
     EXPECT_NE(cookie, 0u);
-    EXPECT_EQ(sink->references(), 2u);
+    EXPECT_EQ(sink_->references(), 2u);
     EXPECT_EQ(point_->Unadvise(cookie), S_OK);
-    EXPECT_EQ(sink->references(), 1u) << "the sink is let go";
+    EXPECT_EQ(sink_->references(), 1u) << "the sink is let go";
   }
 }
 
@@ -144,15 +139,13 @@ TEST_P(ConnectionPointsTest, Advise_WrongSinkOrNull_IsRefused) {
   EXPECT_EQ(point_->Advise(no_sink.Get(), &cookie), CONNECT_E_CANNOTCONNECT);
   EXPECT_EQ(cookie, 0u);
   EXPECT_EQ(point_->Advise(nullptr, &cookie), E_POINTER);
-  const auto sink = EventRecorder::Make(*GetParam().events);
-  EXPECT_EQ(point_->Advise(sink.Get(), nullptr), E_POINTER);
-  EXPECT_EQ(sink->references(), 1u);
+  EXPECT_EQ(point_->Advise(sink_.Get(), nullptr), E_POINTER);
+  EXPECT_EQ(sink_->references(), 1u);
 }
 
 TEST_P(ConnectionPointsTest, Unadvise_UnknownCookie_IsRefused) {
-  const auto sink = EventRecorder::Make(*GetParam().events);
   DWORD cookie = 0;
-  point_->Advise(sink.Get(), &cookie);
+  point_->Advise(sink_.Get(), &cookie);
   EXPECT_EQ(point_->Unadvise(cookie + 1), CONNECT_E_NOCONNECTION);
   EXPECT_EQ(point_->Unadvise(0), CONNECT_E_NOCONNECTION);
   EXPECT_EQ(point_->Unadvise(cookie), S_OK);
@@ -160,14 +153,13 @@ TEST_P(ConnectionPointsTest, Unadvise_UnknownCookie_IsRefused) {
 }
 
 TEST_P(ConnectionPointsTest, ObjectReleased_LetsItsSinksGo) {
-  const auto sink = EventRecorder::Make(*GetParam().events);
   DWORD cookie = 0;
-  point_->Advise(sink.Get(), &cookie);
+  point_->Advise(sink_.Get(), &cookie);
   point_.Reset();
   container_.Reset();
-  EXPECT_EQ(sink->references(), 2u);
+  EXPECT_EQ(sink_->references(), 2u);
   object_.Reset();
-  EXPECT_EQ(sink->references(), 1u);
+  EXPECT_EQ(sink_->references(), 1u);
 }
 
 INSTANTIATE_TEST_SUITE_P(Sources, ConnectionPointsTest,

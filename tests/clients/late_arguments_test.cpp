@@ -28,53 +28,52 @@ class LateArgumentsTest : public CommObjFixture {
 // What a script's variable may hold before the call.
 struct Content {
   const char* name;
-  std::function<void(Value&)> fill;
+  std::function<Value()> make;
 };
 
 void PrintTo(const Content& content, std::ostream* out) {
   *out << content.name;
 }
 
-const std::vector<Content>& Contents() {
-  static const std::vector<Content> contents = {
-      {"Empty", [](Value&) {}},
-      {"Null", [](Value& value) { V_VT(value.get()) = VT_NULL; }},
-      {"Number", [](Value& value) { value = Value(42); }},
-      {"Text", [](Value& value) { value = Value(L"an earlier reply, longer than the next one"); }},
-      {"Real",
-       [](Value& value) {
-         V_VT(value.get()) = VT_R8;
-         V_R8(value.get()) = 1.5;
-       }},
-      {"Bytes",
-       [](Value& value) {
-         V_VT(value.get()) = VT_ARRAY | VT_UI1;
-         V_ARRAY(value.get()) = NewByteArray("earlier bytes");
-       }},
-      {"Object",
-       [](Value& value) {
-         V_VT(value.get()) = VT_DISPATCH;
-         Create<IDispatch>(__uuidof(CInstrument)).CopyTo(&V_DISPATCH(value.get()));
-       }},
-      {"Nothing",
-       [](Value& value) {
-         V_VT(value.get()) = VT_DISPATCH;
-         V_DISPATCH(value.get()) = nullptr;
-       }},
-      {"Error",
-       [](Value& value) {
-         V_VT(value.get()) = VT_ERROR;
-         V_ERROR(value.get()) = E_FAIL;
-       }},
-  };
-  return contents;
+Value OfType(VARTYPE type) {
+  Value value;
+  V_VT(value.get()) = type;
+  return value;
 }
+
+Value BytesValue(SAFEARRAY* bytes) {
+  Value value = OfType(VT_ARRAY | VT_UI1);
+  V_ARRAY(value.get()) = bytes;
+  return value;
+}
+
+VARIANT VariableOf(VARIANT& inner) {
+  VARIANT outer;
+  VariantInit(&outer);
+  V_VT(&outer) = VT_BYREF | VT_VARIANT;
+  V_VARIANTREF(&outer) = &inner;
+  return outer;
+}
+
+const Content kContents[] = {
+    {"Empty", [] { return Value(); }},
+    {"Null", [] { return OfType(VT_NULL); }},
+    {"Number", [] { return Value(42); }},
+    {"Text", [] { return Value(L"an earlier reply, longer than the next one"); }},
+    {"Bytes", [] { return BytesValue(NewByteArray("earlier bytes")); }},
+    {"Object",
+     [] {
+       Value object = OfType(VT_DISPATCH);
+       Create<IDispatch>(__uuidof(CInstrument)).CopyTo(&V_DISPATCH(object.get()));
+       return object;
+     }},
+    {"Nothing", [] { return OfType(VT_DISPATCH); }},
+    {"Error", [] { return OfType(VT_ERROR); }},
+};
 
 class VariableTest : public LateArgumentsTest, public testing::WithParamInterface<Content> {
  protected:
-  VariableTest() { GetParam().fill(variable_); }
-
-  Value variable_;
+  Value variable_ = GetParam().make();
 };
 
 TEST_P(VariableTest, Query_ReplacesItWithTheText) {
@@ -90,10 +89,7 @@ TEST_P(VariableTest, QueryBinary_ReplacesItWithTheBytes) {
 
 TEST_P(VariableTest, VariableOfAVariable_IsFollowedToTheEnd) {
   VARIANT inner = Variable(variable_);
-  VARIANT outer;
-  VariantInit(&outer);
-  V_VT(&outer) = VT_BYREF | VT_VARIANT;
-  V_VARIANTREF(&outer) = &inner;
+  const VARIANT outer = VariableOf(inner);
   EXPECT_TRUE(Query(outer).IsTrue());
   EXPECT_EQ(V_VT(&inner), VT_BYREF | VT_VARIANT) << "the chain stays as it is";
   EXPECT_EQ(variable_.text(), L"ECHO abc");
@@ -101,7 +97,7 @@ TEST_P(VariableTest, VariableOfAVariable_IsFollowedToTheEnd) {
   EXPECT_EQ(BytesOf(*variable_.get()), "ECHO abc\r");
 }
 
-INSTANTIATE_TEST_SUITE_P(All, VariableTest, testing::ValuesIn(Contents()),
+INSTANTIATE_TEST_SUITE_P(All, VariableTest, testing::ValuesIn(kContents),
                          [](const auto& info) { return info.param.name; });
 
 TEST_F(LateArgumentsTest, TypedText_IsReplacedInPlace) {
@@ -119,11 +115,7 @@ TEST_F(LateArgumentsTest, TypedText_IsReplacedInPlace) {
 TEST_F(LateArgumentsTest, VariableThatRefersToATypedText_TheTextIsReplaced) {
   BSTR text = SysAllocString(L"before");
   VARIANT inner = Reference(&text);
-  VARIANT outer;
-  VariantInit(&outer);
-  V_VT(&outer) = VT_BYREF | VT_VARIANT;
-  V_VARIANTREF(&outer) = &inner;
-  EXPECT_TRUE(Query(outer).IsTrue());
+  EXPECT_TRUE(Query(VariableOf(inner)).IsTrue());
   EXPECT_EQ(V_VT(&inner), VT_BYREF | VT_BSTR);
   EXPECT_STREQ(text, L"ECHO abc");
   if (V_VT(&inner) != (VT_BYREF | VT_BSTR)) VariantClear(&inner);
@@ -139,8 +131,7 @@ TEST_F(LateArgumentsTest, PlainText_IsTakenAndTheReplyIsLost) {
 }
 
 TEST_F(LateArgumentsTest, PlainValueThatIsNoText_IsATypeMismatch) {
-  Value object;
-  V_VT(object.get()) = VT_UNKNOWN;
+  Value object = OfType(VT_UNKNOWN);
   comm_.CopyTo(reinterpret_cast<_CKespCommObj**>(&V_UNKNOWN(object.get())));
   EXPECT_EQ(Query(Plain(object)).result, DISP_E_TYPEMISMATCH);
 }
@@ -148,10 +139,7 @@ TEST_F(LateArgumentsTest, PlainValueThatIsNoText_IsATypeMismatch) {
 TEST_F(LateArgumentsTest, TypedBytes_AreReplacedInPlace) {
   SAFEARRAY* bytes = NewByteArray("before");
   EXPECT_TRUE(QueryBinary(Reference(&bytes)).IsTrue());
-  Value owner;
-  V_VT(owner.get()) = VT_ARRAY | VT_UI1;
-  V_ARRAY(owner.get()) = bytes;
-  EXPECT_EQ(BytesOf(*owner.get()), "ECHO abc\r");
+  EXPECT_EQ(BytesOf(*BytesValue(bytes).get()), "ECHO abc\r");
 }
 
 // A variable of a type that cannot hold the reply is refused before anything is sent.
@@ -168,10 +156,7 @@ TEST_F(LateArgumentsTest, TypedVariableOfAnotherType_IsATypeMismatchAndNothingIs
     VARIANT typed{};
     V_VT(&typed) = static_cast<VARTYPE>(VT_BYREF | type);
     V_BYREF(&typed) = &content;
-    VARIANT variable_of_it{};
-    V_VT(&variable_of_it) = VT_BYREF | VT_VARIANT;
-    V_VARIANTREF(&variable_of_it) = &typed;
-    for (const VARIANT& result : {typed, variable_of_it}) {
+    for (const VARIANT& result : {typed, VariableOf(typed)}) {
       for (const Outcome& outcome : {Query(result), QueryBinary(result)}) {
         EXPECT_EQ(outcome.result, DISP_E_TYPEMISMATCH) << type;
         EXPECT_EQ(outcome.bad_argument, 1U) << type;
@@ -197,39 +182,28 @@ TEST_F(LateArgumentsTest, LockedBytes_AreLeftAloneAndTheCallIsRefused) {
   EXPECT_EQ(outcome.result, DISP_E_EXCEPTION);
   EXPECT_EQ(static_cast<unsigned long>(outcome.scode), 0x800A000Aul);
   SafeArrayUnlock(bytes);
-  Value owner;
-  V_VT(owner.get()) = VT_ARRAY | VT_UI1;
-  V_ARRAY(owner.get()) = bytes;
-  EXPECT_EQ(BytesOf(*owner.get()), "before");
+  EXPECT_EQ(BytesOf(*BytesValue(bytes).get()), "before");
 }
 
-// After a failure, too, the variable holds what the member left there: a text.
-TEST_F(LateArgumentsTest, QueryFails_VariableKeepsItsText) {
+TEST_F(LateArgumentsTest, QueryFailsOrRaises_VariableKeepsItsValue) {
   Write(tcp_, &_CKespTCP::put_IPAddress, L"0.0.0.0");
   Value variable(L"before");
-  const Outcome outcome = Query(Variable(variable));
-  EXPECT_EQ(outcome.result, S_OK);
-  EXPECT_FALSE(outcome.IsTrue());
-  EXPECT_EQ(variable.text(), L"before");
   Value bytes(7);
+  const Outcome failed = Query(Variable(variable));
+  EXPECT_EQ(failed.result, S_OK);
+  EXPECT_FALSE(failed.IsTrue());
   EXPECT_FALSE(QueryBinary(Variable(bytes)).IsTrue());
+  WriteByReference(comm_, &_CKespCommObj::put_CommStyle, csNone);
+  const Outcome raised = Query(Variable(variable));
+  EXPECT_EQ(raised.result, DISP_E_EXCEPTION);
+  EXPECT_EQ(
+      (Refusal{raised.scode, raised.source, raised.description}),
+      (Refusal{ERR_NO_COMM_OBJECT, L"[CKespCommObj - Query()]", L"Communications object not initialized"}));
+  EXPECT_EQ(variable.text(), L"before");
   EXPECT_EQ(V_I4(bytes.get()), 7);
 }
 
-TEST_F(LateArgumentsTest, QueryRaises_ExcepInfoAndVariableKept) {
-  WriteByReference(comm_, &_CKespCommObj::put_CommStyle, csNone);
-  Value variable(L"before");
-  const Outcome outcome = Query(Variable(variable));
-  EXPECT_EQ(outcome.result, DISP_E_EXCEPTION);
-  EXPECT_EQ(outcome.scode, ERR_NO_COMM_OBJECT);
-  EXPECT_EQ(outcome.source, L"[CKespCommObj - Query()]");
-  EXPECT_EQ(outcome.description, L"Communications object not initialized");
-  EXPECT_EQ(variable.text(), L"before");
-}
-
 TEST_F(LateArgumentsTest, NumberAsCommand_IsItsText) {
-  Value variable;
-  EXPECT_TRUE(late_.Call(L"Query", {Variable(variable), Plain(Value(L"ECHO 5"))}).IsTrue());
   EXPECT_EQ(late_.Call(L"Update", {Plain(Value(5))}).result, S_OK);
 }
 

@@ -61,45 +61,30 @@ TEST_F(LateBoundTest, NamesOfArguments_ArePositions) {
   EXPECT_EQ(ids, (std::vector<DISPID>{12, 0, 1, 2, 3}));
 }
 
-TEST_F(LateBoundTest, UnknownName_IsUnknown) {
+TEST_F(LateBoundTest, UnknownNameIdentifierOrUse_IsRefused) {
   std::vector<DISPID> ids;
   EXPECT_EQ(comm_.IdsOf({L"NoSuchMember"}, ids), DISP_E_UNKNOWNNAME);
   EXPECT_EQ(ids, std::vector<DISPID>{DISPID_UNKNOWN});
   EXPECT_EQ(comm_.IdsOf({L"Query", L"NoSuchArgument"}, ids), DISP_E_UNKNOWNNAME);
   EXPECT_EQ(ids[1], DISPID_UNKNOWN);
-}
-
-TEST_F(LateBoundTest, UnknownIdentifierOrUse_IsNotFound) {
   EXPECT_EQ(comm_.Invoke(999, DISPATCH_METHOD, {}).result, DISP_E_MEMBERNOTFOUND);
   EXPECT_EQ(comm_.Invoke(DISPID_VALUE, DISPATCH_PROPERTYGET, {}).result, DISP_E_MEMBERNOTFOUND);
   EXPECT_EQ(comm_.Put(L"CommError", Plain(Value(1))).result, DISP_E_MEMBERNOTFOUND) << "read only";
 }
 
-TEST_F(LateBoundTest, WrongInterfaceIdentifier_IsRefused) {
+TEST_F(LateBoundTest, WrongInterfaceIdentifierOrNullPointer_IsRefused) {
+  const auto invoke = [this](REFIID iid, DISPPARAMS* arguments, VARIANT* result) {
+    return comm_.get()->Invoke(comm_.IdOf(L"GetKey"), iid, 0, DISPATCH_METHOD, arguments, result, nullptr, nullptr);
+  };
   DISPPARAMS none{};
   Value result;
-  EXPECT_EQ(
-      comm_.get()->Invoke(1, IID_IDispatch, 0, DISPATCH_PROPERTYGET, &none, result.get(), nullptr, nullptr),
-      DISP_E_UNKNOWNINTERFACE);
+  EXPECT_EQ(invoke(IID_IDispatch, &none, result.get()), DISP_E_UNKNOWNINTERFACE);
+  EXPECT_EQ(invoke(IID_NULL, nullptr, result.get()), E_POINTER);
+  EXPECT_EQ(invoke(IID_NULL, &none, nullptr), S_OK) << "a result that is not wanted";
   LPOLESTR name = const_cast<LPOLESTR>(L"AutoClose");
   DISPID id = 0;
   EXPECT_EQ(comm_.get()->GetIDsOfNames(IID_IDispatch, &name, 1, 0, &id), DISP_E_UNKNOWNINTERFACE);
-}
-
-TEST_F(LateBoundTest, NullPointers_AreRefused) {
-  Value result;
-  EXPECT_EQ(
-      comm_.get()->Invoke(1, IID_NULL, 0, DISPATCH_PROPERTYGET, nullptr, result.get(), nullptr, nullptr),
-      E_POINTER);
-  LPOLESTR name = const_cast<LPOLESTR>(L"AutoClose");
   EXPECT_EQ(comm_.get()->GetIDsOfNames(IID_NULL, &name, 1, 0, nullptr), E_POINTER);
-}
-
-TEST_F(LateBoundTest, ResultNotWanted_CallSucceeds) {
-  DISPPARAMS none{};
-  EXPECT_EQ(comm_.get()->Invoke(comm_.IdOf(L"GetKey"), IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr,
-                                nullptr),
-            S_OK);
 }
 
 // Languages differ in what they ask for: Pascal and .NET for a property where they see brackets.
@@ -154,31 +139,23 @@ TEST_F(LateBoundTest, EnumeratorsName_WithAnUnderscore) {
   EXPECT_EQ(tcp_.IdsOf({L"_NewEnum"}, ids), DISP_E_UNKNOWNNAME) << "no collection";
 }
 
-TEST_F(LateBoundTest, TooManyArguments_AreRefused) {
-  Value text(L"x");
+TEST_F(LateBoundTest, TooManyOrMissingArguments_AreRefused) {
+  const Value text(L"x");
   EXPECT_EQ(comm_.Call(L"GetKey", {Plain(text)}).result, DISP_E_BADPARAMCOUNT);
   EXPECT_EQ(comm_.Call(L"Update", {Plain(text), Plain(text), Plain(text), Plain(text)}).result,
             DISP_E_BADPARAMCOUNT);
-}
-
-TEST_F(LateBoundTest, MissingArguments_AreRefused) {
-  const auto is_missing = [](HRESULT result) {
-    return result == DISP_E_PARAMNOTOPTIONAL || result == DISP_E_BADPARAMCOUNT;
-  };
+  // What the automation library says of a missing argument differs between Windows and Wine.
   Value result;
-  EXPECT_TRUE(is_missing(comm_.Call(L"Query").result));
-  EXPECT_TRUE(is_missing(comm_.Call(L"Query", {Variable(result)}).result));
-  EXPECT_TRUE(is_missing(comm_.Call(L"Update").result));
   Value left_out;
   V_VT(left_out.get()) = VT_ERROR;
   V_ERROR(left_out.get()) = DISP_E_PARAMNOTFOUND;
-  // Windows says that the argument is not optional, Wine that it has the wrong type.
-  const HRESULT result_of_gap = comm_.Call(L"Update", {Plain(left_out)}).result;
-  EXPECT_TRUE(result_of_gap == DISP_E_PARAMNOTOPTIONAL || result_of_gap == DISP_E_TYPEMISMATCH);
-}
-
-TEST_F(LateBoundTest, PropertyPutWithoutValue_IsRefused) {
-  EXPECT_NE(comm_.Invoke(comm_.IdOf(L"AutoClose"), DISPATCH_PROPERTYPUT, {}).result, S_OK);
+  for (const Outcome& outcome :
+       {comm_.Call(L"Query"), comm_.Call(L"Query", {Variable(result)}), comm_.Call(L"Update"),
+        comm_.Call(L"Update", {Plain(left_out)}), comm_.Invoke(comm_.IdOf(L"AutoClose"), DISPATCH_PROPERTYPUT, {})}) {
+    EXPECT_TRUE(outcome.result == DISP_E_PARAMNOTOPTIONAL || outcome.result == DISP_E_BADPARAMCOUNT ||
+                outcome.result == DISP_E_TYPEMISMATCH)
+        << std::hex << outcome.result;
+  }
 }
 
 Value OfType(VARTYPE type) {

@@ -106,21 +106,22 @@ TEST_F(QueryTest, SetInputMode_LeavesOtherErrorUntilTheNextExchange) {
   ExpectStatus(cfrSuccess);
 }
 
+// The reply comes so late that its arrival is in the reading.
 TEST_F(QueryTest, Trace_HoldsItsOwnLinesAndThoseOfTheTransportInOrder) {
   EXPECT_TRUE(Query(L"*IDN?"));
   EXPECT_FALSE(trace_.Exists());
   StartTrace();
-  EXPECT_TRUE(Query(L"ECHO x"));
+  EXPECT_TRUE(Query(L"SLOW?"));
   const std::wstring peer = InstrumentHost() + L":" + std::to_wstring(InstrumentPort());
   ExpectTrace(
-      {L"Beginning Query()... (command: ECHO x)", L"TCP: Initialize()", L"Initialize()",
+      {L"Beginning Query()... (command: SLOW?)", L"TCP: Initialize()", L"Initialize()",
        L"Check IP Address...", L"Check Port...",
        L"Connecting to " + InstrumentHost() + L" on port " + std::to_wstring(InstrumentPort()) + L"...",
        L"Waiting for connection to be established...", L"Connect (" + peer + L")", L"Initialize() Done...",
-       L"TCP: WriteLine(ECHO x)", L"Send Progress (" + peer + L") - Sent: 7 Remaining: 0",
-       L"Send complete (" + peer + L")", L"TCP: ReadLine()", L"DataArrival (" + peer + L") Bytes: 7",
-       L"Socket Data arrived: <ECHO x\r> (length: 7  last byte: 13 EOS: 13 EOS?: True)",
-       L"TCP: result- ECHO x", L"TCP: Uninitialize()", L"Exiting Query()...(command: ECHO x)"});
+       L"TCP: WriteLine(SLOW?)", L"Send Progress (" + peer + L") - Sent: 6 Remaining: 0",
+       L"Send complete (" + peer + L")", L"TCP: ReadLine()", L"DataArrival (" + peer + L") Bytes: 9",
+       L"Socket Data arrived: <SLOW 1.0\r> (length: 9  last byte: 13 EOS: 13 EOS?: True)",
+       L"TCP: result- SLOW 1.0", L"TCP: Uninitialize()", L"Exiting Query()...(command: SLOW?)"});
 }
 
 TEST_F(QueryTest, TraceOfAnEarlierDay_GetsItsDateAndANewOneIsBegun) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <functional>
 #include <thread>
 
 #include "tests/clients/early_bound.h"
@@ -18,44 +19,43 @@ class ServerTest : public testing::Test {
   Apartment apartment_;
 };
 
-class PublicClassTest : public ServerTest, public testing::WithParamInterface<PublicClass> {};
-
-TEST_P(PublicClassTest, ProgIds_LeadToTheClassWhenItIsCreatable) {
-  for (const std::wstring suffix : {L"", L".1"}) {
-    CLSID clsid = GUID_NULL;
-    const HRESULT result =
-        CLSIDFromProgID((std::wstring(L"KespCommObj.") + GetParam().name + suffix).c_str(), &clsid);
-    if (GetParam().is_creatable()) {
-      EXPECT_EQ(result, S_OK);
-      EXPECT_EQ(clsid, GetParam().clsid);
-    } else {
-      EXPECT_EQ(result, CO_E_CLASSSTRING);
-    }
+class PublicClassTest : public ServerTest, public testing::WithParamInterface<PublicClass> {
+ protected:
+  // What creating an object comes to, with that object around it.
+  HRESULT CreateInstance(IUnknown* outer = nullptr) {
+    object_.Reset();
+    return CoCreateInstance(GetParam().clsid, outer, CLSCTX_INPROC_SERVER, IID_IUnknown,
+                            reinterpret_cast<void**>(object_.GetAddressOf()));
   }
+
+  const bool is_creatable_ = GetParam().is_creatable();
+  ComPtr<IUnknown> object_;
+};
+
+TEST_P(PublicClassTest, ProgIds_LeadToTheClassWhenItIsCreatableAndBack) {
+  const std::wstring prog_id = std::wstring(L"KespCommObj.") + GetParam().name;
+  for (const std::wstring& name : {prog_id, prog_id + L".1"}) {
+    CLSID clsid = GUID_NULL;
+    EXPECT_EQ(CLSIDFromProgID(name.c_str(), &clsid), is_creatable_ ? S_OK : CO_E_CLASSSTRING);
+    EXPECT_EQ(clsid, is_creatable_ ? GetParam().clsid : GUID_NULL);
+  }
+  if (!is_creatable_) return;
+  LPOLESTR back = nullptr;
+  ASSERT_EQ(ProgIDFromCLSID(GetParam().clsid, &back), S_OK);
+  EXPECT_EQ(std::wstring(back), prog_id + L".1");
+  CoTaskMemFree(back);
 }
 
 TEST_P(PublicClassTest, CreateInstance_MakesAnObjectOfTheClassOrRefuses) {
-  ComPtr<IUnknown> object;
-  const HRESULT result = CoCreateInstance(GetParam().clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown,
-                                          reinterpret_cast<void**>(object.GetAddressOf()));
-  if (!GetParam().is_creatable()) {
-    EXPECT_EQ(result, REGDB_E_CLASSNOTREG);
-    return;
-  }
-  ASSERT_EQ(result, S_OK);
+  EXPECT_EQ(CreateInstance(), is_creatable_ ? S_OK : REGDB_E_CLASSNOTREG);
+  if (!is_creatable_) return;
   ComPtr<IUnknown> interface_of_class;
-  EXPECT_EQ(object->QueryInterface(GetParam().default_interface,
-                                   reinterpret_cast<void**>(interface_of_class.GetAddressOf())),
+  EXPECT_EQ(object_->QueryInterface(GetParam().default_interface,
+                                    reinterpret_cast<void**>(interface_of_class.GetAddressOf())),
             S_OK);
-}
-
-class CreatableClassTest : public PublicClassTest {};
-
-TEST_P(CreatableClassTest, ProgIdOfClsid_IsTheVersionedOne) {
-  LPOLESTR prog_id = nullptr;
-  ASSERT_EQ(ProgIDFromCLSID(GetParam().clsid, &prog_id), S_OK);
-  EXPECT_EQ(std::wstring(prog_id), std::wstring(L"KespCommObj.") + GetParam().name + L".1");
-  CoTaskMemFree(prog_id);
+  const ComPtr<EventRecorder> outer = EventRecorder::Make(__uuidof(__CKespTCP));
+  EXPECT_EQ(CreateInstance(outer.Get()), CLASS_E_NOAGGREGATION);
+  EXPECT_EQ(object_, nullptr);
 }
 
 TEST_P(PublicClassTest, GetClassObject_RefusesTheClassThatClientsCannotCreate) {
@@ -63,25 +63,11 @@ TEST_P(PublicClassTest, GetClassObject_RefusesTheClassThatClientsCannotCreate) {
   ComPtr<IClassFactory> factory;
   const HRESULT result = module.GetClassObject(GetParam().clsid, IID_IClassFactory,
                                                reinterpret_cast<void**>(factory.GetAddressOf()));
-  EXPECT_EQ(result, GetParam().is_creatable() ? S_OK : CLASS_E_CLASSNOTAVAILABLE);
-  EXPECT_EQ(factory != nullptr, GetParam().is_creatable());
-}
-
-TEST_P(CreatableClassTest, Aggregation_IsRefused) {
-  ComPtr<IUnknown> object;
-  const ComPtr<EventRecorder> outer = EventRecorder::Make(__uuidof(__CKespTCP));
-  EXPECT_EQ(CoCreateInstance(GetParam().clsid, outer.Get(), CLSCTX_INPROC_SERVER, IID_IUnknown,
-                             reinterpret_cast<void**>(object.GetAddressOf())),
-            CLASS_E_NOAGGREGATION);
-  EXPECT_EQ(object, nullptr);
+  EXPECT_EQ(result, is_creatable_ ? S_OK : CLASS_E_CLASSNOTAVAILABLE);
+  EXPECT_EQ(factory != nullptr, is_creatable_);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, PublicClassTest, testing::ValuesIn(kPublicClasses),
-                         [](const auto& info) { return NarrowName(info.param); });
-
-// All but the last.
-INSTANTIATE_TEST_SUITE_P(All, CreatableClassTest,
-                         testing::ValuesIn(kPublicClasses.begin(), kPublicClasses.end() - 1),
                          [](const auto& info) { return NarrowName(info.param); });
 
 class FactoryTest : public ServerTest {
@@ -95,28 +81,20 @@ class FactoryTest : public ServerTest {
   ComPtr<IClassFactory> factory_;
 };
 
-TEST_F(FactoryTest, UnknownInterface_IsRefused) {
-  void* object = this;
-  EXPECT_EQ(factory_->CreateInstance(nullptr, IID_IStream, &object), E_NOINTERFACE);
-  EXPECT_EQ(object, nullptr);
-  object = this;
-  EXPECT_EQ(factory_->QueryInterface(IID_IStream, &object), E_NOINTERFACE);
-  EXPECT_EQ(object, nullptr);
-}
-
-TEST_F(FactoryTest, NullOutPointer_IsRefused) {
-  EXPECT_EQ(factory_->CreateInstance(nullptr, IID_IUnknown, nullptr), E_POINTER);
-  EXPECT_EQ(factory_->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
-}
-
-TEST_F(FactoryTest, UnknownClass_HasNoFactory) {
+TEST_F(FactoryTest, UnknownInterfaceOrClassOrNoPointer_IsRefused) {
   const LibraryModule module;
+  const std::function<HRESULT(REFIID, void**)> makers[] = {
+      [&](REFIID iid, void** object) { return factory_->CreateInstance(nullptr, iid, object); },
+      [&](REFIID iid, void** object) { return factory_->QueryInterface(iid, object); },
+      [&](REFIID iid, void** object) { return module.GetClassObject(__uuidof(CKespTCP), iid, object); }};
+  for (const auto& make : makers) {
+    void* object = this;
+    EXPECT_EQ(make(IID_IStream, &object), E_NOINTERFACE);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(make(IID_IUnknown, nullptr), E_POINTER);
+  }
   void* object = this;
   EXPECT_EQ(module.GetClassObject(IID_IStream, IID_IClassFactory, &object), CLASS_E_CLASSNOTAVAILABLE);
-  EXPECT_EQ(object, nullptr);
-  EXPECT_EQ(module.GetClassObject(__uuidof(CKespTCP), IID_IClassFactory, nullptr), E_POINTER);
-  object = this;
-  EXPECT_EQ(module.GetClassObject(__uuidof(CKespTCP), IID_IStream, &object), E_NOINTERFACE);
   EXPECT_EQ(object, nullptr);
 }
 

@@ -78,6 +78,13 @@ std::string ReceiveUntil(SOCKET socket, char last) {
   return received;
 }
 
+LoopbackPeer::Conversation Sending(const std::string& bytes) {
+  return [bytes](SOCKET connection) {
+    SendAll(connection, bytes);
+    ReceiveUntil(connection, '\x04');
+  };
+}
+
 void ResetOnClose(SOCKET socket) {
   const linger now{1, 0};
   setsockopt(socket, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&now), sizeof now);

@@ -52,6 +52,9 @@ bool SendAll(SOCKET socket, const std::string& bytes);
 // Receives until that byte came or the connection ended.
 std::string ReceiveUntil(SOCKET socket, char last);
 
+// A conversation that sends the bytes, if any, and then waits until the other side closes.
+LoopbackPeer::Conversation Sending(const std::string& bytes = {});
+
 // Makes closing the socket reset the connection.
 void ResetOnClose(SOCKET socket);
 

@@ -13,7 +13,7 @@ namespace kesp {
 
 inline constexpr wchar_t kLoopback[] = L"127.0.0.1";
 
-class SocketControlWin : public testing::Test {
+class SocketControlFixture : public testing::Test {
  protected:
   void TearDown() override {
     recorder_.reset();

@@ -1,12 +1,11 @@
 // Tests of the socket control on Winsock against peers on the loopback interface.
-#include "network/socket_control_win.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <stdexcept>
 
+#include "network/socket_control_win.h"
 #include "support/failure.h"
 #include "tests/network_win/socket_control_fixture_win.h"
 
@@ -16,10 +15,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Reads what comes until the other side closes.
-void UntilClosed(SOCKET connection) {
-  ReceiveUntil(connection, '\x04');
-}
+class SocketControlTest : public SocketControlFixture {};
 
 template <typename Call>
 std::int32_t NumberOf(const Call& call) {
@@ -31,7 +27,7 @@ std::int32_t NumberOf(const Call& call) {
   return 0;
 }
 
-TEST_F(SocketControlWin, New_IsClosedAndTakesNothingOfTheSystem) {
+TEST_F(SocketControlTest, New_IsClosedAndTakesNothingOfTheSystem) {
   EXPECT_EQ(control().State(), EKespTCPState::sckClosed);
   EXPECT_EQ(control().Protocol(), EKespProtocol::sckTCPProtocol);
   EXPECT_EQ(control().RemoteHost(), L"");
@@ -43,8 +39,8 @@ TEST_F(SocketControlWin, New_IsClosedAndTakesNothingOfTheSystem) {
   EXPECT_FALSE(WindowClassExists());
 }
 
-TEST_F(SocketControlWin, Connect_Listening_IsToldDuringPumpingOnly) {
-  const LoopbackPeer peer(UntilClosed);
+TEST_F(SocketControlTest, Connect_Listening_IsToldDuringPumpingOnly) {
+  const LoopbackPeer peer(Sending());
   control().Connect(kLoopback, peer.port());
   EXPECT_EQ(control().State(), EKespTCPState::sckConnecting);
   EXPECT_EQ(control().RemoteHost(), kLoopback);
@@ -57,15 +53,15 @@ TEST_F(SocketControlWin, Connect_Listening_IsToldDuringPumpingOnly) {
   EXPECT_EQ(control().State(), EKespTCPState::sckClosed);
 }
 
-TEST_F(SocketControlWin, Connect_NobodyListens_ReportsRefused) {
+TEST_F(SocketControlTest, Connect_NobodyListens_ReportsRefused) {
   control().Connect(kLoopback, ClosedPort());
   ASSERT_TRUE(PumpUntil([this] { return !recorder_->heard.empty(); }));
   EXPECT_THAT(recorder_->heard, ElementsAre("Error(10061)"));
   EXPECT_EQ(control().State(), EKespTCPState::sckError);
 }
 
-TEST_F(SocketControlWin, Connect_Name_IsResolvedInTheBackground) {
-  const LoopbackPeer peer(UntilClosed);
+TEST_F(SocketControlTest, Connect_Name_IsResolvedInTheBackground) {
+  const LoopbackPeer peer(Sending());
   control().Connect(L"localhost", peer.port());
   EXPECT_EQ(control().State(), EKespTCPState::sckResolvingHost);
   ASSERT_TRUE(PumpUntil([this] { return !recorder_->heard.empty(); }));
@@ -75,7 +71,7 @@ TEST_F(SocketControlWin, Connect_Name_IsResolvedInTheBackground) {
 }
 
 // A label of 70 characters is none, so that no name server is asked.
-TEST_F(SocketControlWin, Connect_NameOfNobody_ReportsHostNotFound) {
+TEST_F(SocketControlTest, Connect_NameOfNobody_ReportsHostNotFound) {
   control().Connect(std::wstring(70, L'x'), 80);
   ASSERT_TRUE(PumpUntil([this] { return !recorder_->heard.empty(); }));
   ASSERT_EQ(recorder_->heard.size(), 1U);
@@ -84,7 +80,7 @@ TEST_F(SocketControlWin, Connect_NameOfNobody_ReportsHostNotFound) {
   EXPECT_EQ(control().State(), EKespTCPState::sckError);
 }
 
-TEST_F(SocketControlWin, Connect_BadArguments_AreRefused) {
+TEST_F(SocketControlTest, Connect_BadArguments_AreRefused) {
   EXPECT_EQ(NumberOf([&] { control().Connect(L"", 80); }), 40014);
   for (const std::int32_t port : {0, -1, 65536}) {
     EXPECT_EQ(NumberOf([&] { control().Connect(kLoopback, port); }), 40014) << port;
@@ -94,9 +90,9 @@ TEST_F(SocketControlWin, Connect_BadArguments_AreRefused) {
   EXPECT_EQ(control().State(), EKespTCPState::sckClosed);
 }
 
-TEST_F(SocketControlWin, WrongState_IsRefused) {
+TEST_F(SocketControlTest, WrongState_IsRefused) {
   EXPECT_EQ(NumberOf([&] { control().SendData("x"); }), 40006);
-  const LoopbackPeer peer(UntilClosed);
+  const LoopbackPeer peer(Sending());
   control().Connect(kLoopback, peer.port());
   EXPECT_EQ(NumberOf([&] { control().SendData("x"); }), 40006);
   EXPECT_EQ(NumberOf([&] { control().Connect(kLoopback, peer.port()); }), 40006);
@@ -104,8 +100,8 @@ TEST_F(SocketControlWin, WrongState_IsRefused) {
   control().Close();
 }
 
-TEST_F(SocketControlWin, Close_WhileConnectingOrResolving_NothingIsToldAfterwards) {
-  const LoopbackPeer peer(UntilClosed, 2);
+TEST_F(SocketControlTest, Close_WhileConnectingOrResolving_NothingIsToldAfterwards) {
+  const LoopbackPeer peer(Sending(), 2);
   for (const wchar_t* host : {kLoopback, L"localhost"}) {
     control().Connect(host, peer.port());
     control().Close();
@@ -115,13 +111,8 @@ TEST_F(SocketControlWin, Close_WhileConnectingOrResolving_NothingIsToldAfterward
   }
 }
 
-TEST_F(SocketControlWin, Close_ThenConnect_OnlyTheNewConnectionIsToldOf) {
-  const LoopbackPeer peer(
-      [](SOCKET connection) {
-        SendAll(connection, "x");
-        UntilClosed(connection);
-      },
-      4);
+TEST_F(SocketControlTest, Close_ThenConnect_OnlyTheNewConnectionIsToldOf) {
+  const LoopbackPeer peer(Sending("x"), 4);
   control().Connect(kLoopback, peer.port());
   Sleep(100);  // its notifications are in the queue now
   control().Close();
@@ -138,41 +129,33 @@ TEST_F(SocketControlWin, Close_ThenConnect_OnlyTheNewConnectionIsToldOf) {
   control().Close();
 }
 
-TEST_F(SocketControlWin, Destroyed_WhileResolving_LeavesNothing) {
+TEST_F(SocketControlTest, Destroyed_WhileResolving_LeavesNothing) {
   control().Connect(L"localhost", 80);
   recorder_.reset();
   EXPECT_FALSE(WindowClassExists());
   PumpFor(200);
 }
 
-TEST_F(SocketControlWin, SendData_ArrivesAndIsReportedDuringPumping) {
+TEST_F(SocketControlTest, SendData_ArrivesAndIsReportedTogetherDuringPumping) {
   std::string received;
   {
     const LoopbackPeer peer([&received](SOCKET connection) {
       received = ReceiveUntil(connection, '\r');
-      UntilClosed(connection);
+      ReceiveUntil(connection, '\x04');
     });
     Connect(peer);
-    control().SendData("*IDN?\r");
+    control().SendData("*IDN");
+    control().SendData("?\r");
     EXPECT_THAT(recorder_->heard, IsEmpty());
     ASSERT_TRUE(PumpUntil([this] { return recorder_->heard.size() >= 2; }));
+    PumpFor(100);
     EXPECT_THAT(recorder_->heard, ElementsAre("SendProgress(6,0)", "SendComplete()"));
     control().Close();
   }
   EXPECT_EQ(received, "*IDN?\r");
 }
 
-TEST_F(SocketControlWin, SendData_TwiceBeforePumping_IsReportedTogether) {
-  const LoopbackPeer peer(UntilClosed);
-  Connect(peer);
-  control().SendData("ABC");
-  control().SendData("DE");
-  PumpFor(100);
-  EXPECT_THAT(recorder_->heard, ElementsAre("SendProgress(5,0)", "SendComplete()"));
-  control().Close();
-}
-
-TEST_F(SocketControlWin, SendData_MoreThanTheSystemTakes_FollowsAsItDoes) {
+TEST_F(SocketControlTest, SendData_MoreThanTheSystemTakes_FollowsAsItDoes) {
   std::string bytes(8 * 1024 * 1024, 'x');
   for (std::size_t i = 0; i < bytes.size(); i += 1000) bytes[i] = static_cast<char>('0' + i / 1000 % 64);
   std::atomic<bool> go = false;
@@ -196,8 +179,8 @@ TEST_F(SocketControlWin, SendData_MoreThanTheSystemTakes_FollowsAsItDoes) {
   EXPECT_TRUE(received == bytes + "\r");
 }
 
-TEST_F(SocketControlWin, SendProgressHandlerThrows_DeliverDueGoesOn) {
-  const LoopbackPeer peer(UntilClosed);
+TEST_F(SocketControlTest, SendProgressHandlerThrows_DeliverDueGoesOn) {
+  const LoopbackPeer peer(Sending());
   Connect(peer);
   recorder_->handlers["SendProgress"] = [] { throw std::runtime_error("from a handler"); };
   control().SendData("x");
@@ -208,8 +191,8 @@ TEST_F(SocketControlWin, SendProgressHandlerThrows_DeliverDueGoesOn) {
   control().Close();
 }
 
-TEST_F(SocketControlWin, SendProgressHandlerCloses_NothingMoreIsTold) {
-  const LoopbackPeer peer(UntilClosed);
+TEST_F(SocketControlTest, SendProgressHandlerCloses_NothingMoreIsTold) {
+  const LoopbackPeer peer(Sending());
   Connect(peer);
   recorder_->handlers["SendProgress"] = [this] { control().Close(); };
   control().SendData("x");
@@ -217,7 +200,7 @@ TEST_F(SocketControlWin, SendProgressHandlerCloses_NothingMoreIsTold) {
   EXPECT_THAT(recorder_->heard, ElementsAre("SendProgress(1,0)"));
 }
 
-TEST_F(SocketControlWin, Receive_PiecesMergeUntilTheyAreTaken) {
+TEST_F(SocketControlTest, Receive_PiecesMergeUntilTheyAreTaken) {
   std::atomic<int> step = 0;
   const LoopbackPeer peer([&step](SOCKET connection) {
     for (int sent = 0; const char* piece : {"AB", "C\r", "D"}) {
@@ -225,7 +208,7 @@ TEST_F(SocketControlWin, Receive_PiecesMergeUntilTheyAreTaken) {
       ++sent;
       for (int waited = 0; step < sent && waited < 5000; ++waited) Sleep(1);
     }
-    UntilClosed(connection);
+    ReceiveUntil(connection, '\x04');
   });
   Connect(peer);
   ASSERT_TRUE(PumpUntil([this] { return recorder_->Heard("DataArrival(2)"); }));
@@ -242,11 +225,8 @@ TEST_F(SocketControlWin, Receive_PiecesMergeUntilTheyAreTaken) {
   control().Close();
 }
 
-TEST_F(SocketControlWin, Close_DropsWhatWasReceived) {
-  const LoopbackPeer peer([](SOCKET connection) {
-    SendAll(connection, "ABC");
-    UntilClosed(connection);
-  });
+TEST_F(SocketControlTest, Close_DropsWhatWasReceived) {
+  const LoopbackPeer peer(Sending("ABC"));
   Connect(peer);
   ASSERT_TRUE(PumpUntil([this] { return recorder_->Heard("DataArrival(3)"); }));
   control().Close();
@@ -254,7 +234,7 @@ TEST_F(SocketControlWin, Close_DropsWhatWasReceived) {
   EXPECT_EQ(control().GetData(), "");
 }
 
-TEST_F(SocketControlWin, PeerCloses_AfterItsDataWasAnnounced) {
+TEST_F(SocketControlTest, PeerCloses_AfterItsDataWasAnnounced) {
   const std::string bytes(300000, 'x');
   const LoopbackPeer peer([&bytes](SOCKET connection) { SendAll(connection, bytes); });
   Connect(peer);
@@ -269,7 +249,7 @@ TEST_F(SocketControlWin, PeerCloses_AfterItsDataWasAnnounced) {
 }
 
 // Everything waits in the queue when the first pump runs.
-TEST_F(SocketControlWin, PeerCloses_BeforeAnythingWasPumped_DataComesFirst) {
+TEST_F(SocketControlTest, PeerCloses_BeforeAnythingWasPumped_DataComesFirst) {
   const LoopbackPeer peer([](SOCKET connection) { SendAll(connection, "ABC"); });
   control().Connect(kLoopback, peer.port());
   Sleep(200);
@@ -280,7 +260,7 @@ TEST_F(SocketControlWin, PeerCloses_BeforeAnythingWasPumped_DataComesFirst) {
 
 // Wine 8 tells of a reset as of an orderly close (FD_CLOSE without an error, and recv gives 0); Windows says
 // 10054.
-TEST_F(SocketControlWin, PeerResets_EndsTheConnectionOnceAndKeepsWhatWasAnnounced) {
+TEST_F(SocketControlTest, PeerResets_EndsTheConnectionOnceAndKeepsWhatWasAnnounced) {
   const LoopbackPeer peer([](SOCKET connection) {
     SendAll(connection, "A");
     ReceiveUntil(connection, '\r');
@@ -303,7 +283,7 @@ TEST_F(SocketControlWin, PeerResets_EndsTheConnectionOnceAndKeepsWhatWasAnnounce
   EXPECT_EQ(NumberOf([&] { control().SendData("y"); }), 40006);
 }
 
-TEST_F(SocketControlWin, Flood_EndsAtTheLimitWithAnErrorAndNoData) {
+TEST_F(SocketControlTest, Flood_EndsAtTheLimitWithAnErrorAndNoData) {
   const LoopbackPeer peer([](SOCKET connection) {
     const std::string block(1024 * 1024, 'x');
     for (std::size_t sent = 0; sent <= kReceiveLimit + block.size(); sent += block.size()) {
@@ -320,7 +300,7 @@ TEST_F(SocketControlWin, Flood_EndsAtTheLimitWithAnErrorAndNoData) {
   EXPECT_EQ(control().State(), EKespTCPState::sckClosed);
 }
 
-TEST_F(SocketControlWin, HandlerDropsTheLastReference_ControlGoesInsideItsOwnNotification) {
+TEST_F(SocketControlTest, HandlerDropsTheLastReference_ControlGoesInsideItsOwnNotification) {
   for (const std::string event :
        {"Connect", "DataArrival", "SendProgress", "SendComplete", "Close", "Error"}) {
     const LoopbackPeer peer([](SOCKET connection) {
@@ -338,13 +318,8 @@ TEST_F(SocketControlWin, HandlerDropsTheLastReference_ControlGoesInsideItsOwnNot
   }
 }
 
-TEST_F(SocketControlWin, HandlerConnectsAnew_TheNewConnectionIsGood) {
-  const LoopbackPeer peer(
-      [](SOCKET connection) {
-        SendAll(connection, "ABC");
-        ReceiveUntil(connection, '\r');
-      },
-      2);
+TEST_F(SocketControlTest, HandlerConnectsAnew_TheNewConnectionIsGood) {
+  const LoopbackPeer peer(Sending("ABC"), 2);
   int arrivals = 0;
   recorder_->handlers["DataArrival"] = [&] {
     if (++arrivals > 1) return;
@@ -358,12 +333,12 @@ TEST_F(SocketControlWin, HandlerConnectsAnew_TheNewConnectionIsGood) {
   control().Close();
 }
 
-TEST_F(SocketControlWin, HandlerPumps_LaterPiecesArriveInside) {
+TEST_F(SocketControlTest, HandlerPumps_LaterPiecesArriveInside) {
   const LoopbackPeer peer([](SOCKET connection) {
     SendAll(connection, "A");
     ReceiveUntil(connection, '\r');
     SendAll(connection, "B");
-    UntilClosed(connection);
+    ReceiveUntil(connection, '\x04');
   });
   recorder_->handlers["DataArrival"] = [this] {
     recorder_->handlers.clear();
@@ -376,19 +351,16 @@ TEST_F(SocketControlWin, HandlerPumps_LaterPiecesArriveInside) {
   control().Close();
 }
 
-TEST_F(SocketControlWin, HandlerThrows_TheWindowGoesOn) {
-  const LoopbackPeer peer([](SOCKET connection) {
-    SendAll(connection, "A");
-    UntilClosed(connection);
-  });
+TEST_F(SocketControlTest, HandlerThrows_TheWindowGoesOn) {
+  const LoopbackPeer peer(Sending("A"));
   recorder_->handlers["Connect"] = [] { throw std::runtime_error("from a handler"); };
   control().Connect(kLoopback, peer.port());
   ASSERT_TRUE(PumpUntil([this] { return recorder_->Heard("DataArrival(1)"); }));
   control().Close();
 }
 
-TEST_F(SocketControlWin, WindowClass_LivesAsLongAsTheLastConnectedControl) {
-  const LoopbackPeer peer(UntilClosed, 2);
+TEST_F(SocketControlTest, WindowClass_LivesAsLongAsTheLastConnectedControl) {
+  const LoopbackPeer peer(Sending(), 2);
   auto other = Recorder::Make();
   Connect(peer);
   control().Close();

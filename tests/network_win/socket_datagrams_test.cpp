@@ -10,7 +10,9 @@
 namespace kesp {
 namespace {
 
-TEST_F(SocketControlWin, Udp_DatagramsAreSentAndReadWhole) {
+class SocketDatagramsTest : public SocketControlFixture {};
+
+TEST_F(SocketDatagramsTest, Udp_DatagramsAreSentAndReadWhole) {
   const WinsockLibrary library;
   int port = 0;
   const SOCKET peer = BindToLoopback(SOCK_DGRAM, port);
@@ -44,7 +46,7 @@ TEST_F(SocketControlWin, Udp_DatagramsAreSentAndReadWhole) {
   closesocket(peer);
 }
 
-TEST_F(SocketControlWin, Udp_EachDatagramHasItsOwnSender) {
+TEST_F(SocketDatagramsTest, Udp_EachDatagramHasItsOwnSender) {
   const WinsockLibrary library;
   int ports[2] = {};
   const SOCKET peers[2] = {BindToLoopback(SOCK_DGRAM, ports[0]), BindToLoopback(SOCK_DGRAM, ports[1])};
@@ -74,7 +76,7 @@ TEST_F(SocketControlWin, Udp_EachDatagramHasItsOwnSender) {
   for (const SOCKET peer : peers) closesocket(peer);
 }
 
-TEST_F(SocketControlWin, Udp_NobodyListens_ThePortStaysOpen) {
+TEST_F(SocketDatagramsTest, Udp_NobodyListens_ThePortStaysOpen) {
   control().SetProtocol(EKespProtocol::sckUDPProtocol);
   control().Connect(L"localhost", ClosedPort());
   ASSERT_TRUE(PumpUntil([this] { return control().State() == EKespTCPState::sckOpen; }));

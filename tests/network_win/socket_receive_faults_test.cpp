@@ -40,13 +40,13 @@ int WINAPI ReceiveByScript(SOCKET /*socket*/, char* buffer, int /*size*/, int /*
   return static_cast<int>(next.bytes.size());
 }
 
-class SocketReceiveFaultsWin : public SocketControlWin {
+class SocketReceiveFaultsTest : public SocketControlFixture {
  protected:
   void SetUp() override { SetReceive(ReceiveByScript); }
   void TearDown() override {
     SetReceive(system_);
     script.clear();
-    SocketControlWin::TearDown();
+    SocketControlFixture::TearDown();
   }
 
   static void SetReceive(decltype(&recv) routine) {
@@ -67,7 +67,7 @@ class SocketReceiveFaultsWin : public SocketControlWin {
   decltype(&recv) system_ = receive_slot;
 };
 
-TEST_F(SocketReceiveFaultsWin, PeerClosesAndThenResets_WhatCameBeforeIsAnnounced) {
+TEST_F(SocketReceiveFaultsTest, PeerClosesAndThenResets_WhatCameBeforeIsAnnounced) {
   script = {{.bytes = "AB"}, {.bytes = "C\r"}, {.error = WSAECONNRESET}};
   ConnectAndLetClose();
   EXPECT_THAT(recorder_->heard, ElementsAre("DataArrival(4)", "Error(10054)"));
@@ -75,7 +75,7 @@ TEST_F(SocketReceiveFaultsWin, PeerClosesAndThenResets_WhatCameBeforeIsAnnounced
   EXPECT_EQ(control().GetData(), "ABC\r");
 }
 
-TEST_F(SocketReceiveFaultsWin, HandlerOfThatArrivalCloses_TheResetIsNotTold) {
+TEST_F(SocketReceiveFaultsTest, HandlerOfThatArrivalCloses_TheResetIsNotTold) {
   script = {{.bytes = "A"}, {.error = WSAECONNRESET}};
   recorder_->handlers["DataArrival"] = [this] { control().Close(); };
   ConnectAndLetClose();

@@ -8,21 +8,16 @@
 namespace kesp {
 namespace {
 
-class SocketThreadsWin : public SocketControlWin {
+class SocketThreadsTest : public SocketControlFixture {
  protected:
-  static void SendAndWait(SOCKET connection) {
-    SendAll(connection, "ABC");
-    ReceiveUntil(connection, '\x04');
-  }
-
   void EndElsewhere() {
     std::thread([this] { recorder_.reset(); }).join();
   }
 };
 
-TEST_F(SocketThreadsWin, EndedElsewhere_WhatIsQueuedReachesNobodyAndTheWindowGoes) {
+TEST_F(SocketThreadsTest, EndedElsewhere_WhatIsQueuedReachesNobodyAndTheWindowGoes) {
   for (int round = 0; round < 20; ++round) {
-    const LoopbackPeer peer(SendAndWait);
+    const LoopbackPeer peer(Sending("ABC"));
     recorder_ = Recorder::Make();
     control().Connect(kLoopback, peer.port());
     Sleep(50);  // its notifications are in the queue now
@@ -33,7 +28,7 @@ TEST_F(SocketThreadsWin, EndedElsewhere_WhatIsQueuedReachesNobodyAndTheWindowGoe
   }
 }
 
-TEST_F(SocketThreadsWin, EndedElsewhereWhileResolving_TheWindowGoes) {
+TEST_F(SocketThreadsTest, EndedElsewhereWhileResolving_TheWindowGoes) {
   control().Connect(L"localhost", 80);
   EndElsewhere();
   PumpFor(200);
@@ -41,9 +36,9 @@ TEST_F(SocketThreadsWin, EndedElsewhereWhileResolving_TheWindowGoes) {
 }
 
 // Whether the notification or the end comes first, nothing is told to an object that is going.
-TEST_F(SocketThreadsWin, EndedElsewhereWhileItsThreadPumps_TheWindowGoes) {
+TEST_F(SocketThreadsTest, EndedElsewhereWhileItsThreadPumps_TheWindowGoes) {
   for (int round = 0; round < 100; ++round) {
-    const LoopbackPeer peer(SendAndWait);
+    const LoopbackPeer peer(Sending("ABC"));
     std::shared_ptr<Recorder> held = Recorder::Make();
     const std::weak_ptr<Recorder> watched = held;
     held->control->Connect(kLoopback, peer.port());
@@ -53,8 +48,8 @@ TEST_F(SocketThreadsWin, EndedElsewhereWhileItsThreadPumps_TheWindowGoes) {
   }
 }
 
-TEST_F(SocketThreadsWin, ThreadOfTheWindowHasEnded_ControlIsEndedAllTheSame) {
-  const LoopbackPeer peer(SendAndWait);
+TEST_F(SocketThreadsTest, ThreadOfTheWindowHasEnded_ControlIsEndedAllTheSame) {
+  const LoopbackPeer peer(Sending("ABC"));
   std::thread([&] { control().Connect(kLoopback, peer.port()); }).join();
   recorder_.reset();
   EXPECT_FALSE(WindowClassExists());
