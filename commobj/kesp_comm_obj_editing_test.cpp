@@ -43,6 +43,13 @@ class CKespCommObjEditingTest : public KespCommObjFixture {
     EXPECT_EQ(comm_->CommError(), ECommError::cfrSuccess);
   }
 
+  // The first box that is to be shown fails.
+  void LetBoxFail() {
+    fakes_.user.on_box = [this] {
+      fakes_.user.on_box = nullptr;
+      throw std::runtime_error("no box");
+    };
+  }
   std::wstring Box(std::size_t index) const { return fakes_.user.boxes().at(index).text; }
 
   std::wstring result_;
@@ -92,24 +99,17 @@ TEST_F(CKespCommObjEditingTest, ArgumentsLeftOut_ShowTheFirstPageOnly) {
   EXPECT_EQ(fakes_.user.help_file(), L"");
 }
 
-TEST_F(CKespCommObjEditingTest, Ieee_FalseAtOnce) {
+TEST_F(CKespCommObjEditingTest, IeeeAndNoTransport_ShowNothing) {
   comm_->SetCommStyle(ECommStyle::csIEEE);
   EXPECT_FALSE(Edit(15, kHelpFile, 3));
+  comm_->SetCommStyle(ECommStyle::csNone);
+  EXPECT_EQ(RaisedBy([&] { Edit(15, kHelpFile, 3); }),
+            (Raised{-2147221303, L"[CKespCommObj - Edit()]", L"Communications object not initialized"}));
   EXPECT_TRUE(serial_dialog_.shown.empty());
   EXPECT_TRUE(network_dialog_.shown.empty());
   EXPECT_TRUE(bus_.heard.empty());
   EXPECT_EQ(fakes_.user.help_file(), L"");
   EXPECT_TRUE(fakes_.user.boxes().empty());
-}
-
-TEST_F(CKespCommObjEditingTest, NoTransport_RaisesInsteadOfShowing) {
-  comm_->SetCommStyle(ECommStyle::csNone);
-  EXPECT_EQ(RaisedBy([&] { Edit(15, kHelpFile, 3); }),
-            (Raised{-2147221303, L"[CKespCommObj - Edit()]", L"Communications object not initialized"}));
-  EXPECT_TRUE(fakes_.user.boxes().empty());
-  EXPECT_EQ(fakes_.user.help_file(), L"");
-  EXPECT_TRUE(serial_dialog_.shown.empty());
-  EXPECT_TRUE(network_dialog_.shown.empty());
 }
 
 TEST_F(CKespCommObjEditingTest, Serial_PortThatAQueryLeftOpen_TheNextQueryOpensItAgain) {
@@ -119,23 +119,13 @@ TEST_F(CKespCommObjEditingTest, Serial_PortThatAQueryLeftOpen_TheNextQueryOpensI
     EXPECT_EQ(Edit(), answer);
     ExpectQueryOpensThePort();
   }
-}
-
-TEST_F(CKespCommObjEditingTest, Serial_DialogFails_TheNextQueryOpensThePortAgain) {
-  LeavePortOpen();
-  serial_dialog_.on_show = [](CKespCOMPort3&) { throw std::runtime_error("no window"); };
-  EXPECT_FALSE(Edit());
-  ExpectQueryOpensThePort();
-}
-
-// A timer of the client's goes on while a modal dialog is shown.
-TEST_F(CKespCommObjEditingTest, Serial_QueryBehindTheDialog_OpensThePortAndSoDoesTheNext) {
-  LeavePortOpen();
+  // A timer of the client's goes on while a modal dialog is shown.
   serial_dialog_.on_show = [this](CKespCOMPort3&) {
     ExpectQueryOpensThePort();
     EXPECT_TRUE(ports_.line.open);
+    throw std::runtime_error("no window");
   };
-  EXPECT_TRUE(Edit());
+  EXPECT_FALSE(Edit());
   ExpectQueryOpensThePort();
 }
 
@@ -160,10 +150,7 @@ TEST_F(CKespCommObjEditingTest, BoxFails_IsShownUnderThisObjectsOwnWords) {
   network_dialog_.on_show = [](CKespTCP&) { throw Failure(5, L"", L"odd"); };
   for (const ECommStyle style : {ECommStyle::csRS232, ECommStyle::csTCPIP}) {
     comm_->SetCommStyle(style);
-    fakes_.user.on_box = [this] {
-      fakes_.user.on_box = nullptr;
-      throw std::runtime_error("no box");
-    };
+    LetBoxFail();
     const std::size_t shown = fakes_.user.boxes().size();
     EXPECT_FALSE(Edit());
     ASSERT_EQ(fakes_.user.boxes().size(), shown + 2);
@@ -180,10 +167,7 @@ TEST_F(CKespCommObjEditingTest, BoxFails_TheNextQueryOpensThePortAllTheSame) {
     EXPECT_TRUE(Query());
     throw Failure(5, L"", L"odd");
   };
-  fakes_.user.on_box = [this] {
-    fakes_.user.on_box = nullptr;
-    throw std::runtime_error("no box");
-  };
+  LetBoxFail();
   EXPECT_FALSE(Edit());
   int openings = 0;
   ports_.line.record = [&](const std::string& call) { openings += call.starts_with("Open ") ? 1 : 0; };

@@ -32,20 +32,12 @@ TEST_F(CKespCommObjTest, Created_HasItsDefaults) {
   EXPECT_EQ(comm_->BinaryTimeoutms(), 100);
 }
 
-TEST_F(CKespCommObjTest, Created_MakesSerialNetworkIeeeInThatOrder) {
+TEST_F(CKespCommObjTest, Created_MakesItsKeyAndThenSerialNetworkIeee) {
   EXPECT_EQ(made_, (std::vector<std::string>{"serial", "network", "ieee"}));
-}
-
-TEST_F(CKespCommObjTest, Created_KeyIsMadeBeforeThoseOfTheTransports) {
   EXPECT_EQ(comm_->GetKey(), L"0000000100K");
   EXPECT_EQ(comm_->serial().GetKey(), L"0000000200K");
   EXPECT_EQ(comm_->network().GetKey(), L"0000000300K");
   EXPECT_EQ(comm_->ieee().GetKey(), L"0000000400K");
-}
-
-TEST_F(CKespCommObjTest, CreatedWithoutGuid_KeyIsK) {
-  fakes_.guids.Fail();
-  EXPECT_EQ(CKespCommObj(fakes_.environment, Transports()).GetKey(), L"K");
 }
 
 TEST_F(CKespCommObjTest, Created_SerialTransportAllows300To57600AndHas57600) {
@@ -61,9 +53,12 @@ TEST_F(CKespCommObjTest, Created_TraceFileLiesInTheFolderOfTheLibrary) {
   EXPECT_EQ(LogsOn(), std::vector<bool>(3, false));
 }
 
-TEST_F(CKespCommObjTest, CreatedWithoutLibraryFolder_TraceFileIsABareName) {
+TEST_F(CKespCommObjTest, CreatedWithoutGuidOrLibraryFolder_KeyIsKAndTraceFileABareName) {
+  fakes_.guids.Fail();
   fakes_.files.Refuse(FilesFake::Operation::kLibraryFile);
-  EXPECT_EQ(CKespCommObj(fakes_.environment, Transports()).DebugFilename(), L"commobjout.log");
+  const CKespCommObj comm(fakes_.environment, Transports());
+  EXPECT_EQ(comm.GetKey(), L"K");
+  EXPECT_EQ(comm.DebugFilename(), L"commobjout.log");
 }
 
 TEST_F(CKespCommObjTest, DebuggingSet_AllTransportsTakeIt) {

@@ -19,17 +19,20 @@ class CKespTCPReadLineBinaryTest : public KespTCPFixture {
   }
 };
 
-TEST_F(CKespTCPReadLineBinaryTest, PreChecks_RefuseWithTheirErrors) {
-  BinaryValue value;
-  const auto read = [&] { tcp_->ReadLineBinary(value); };
-  EXPECT_EQ(RaisedBy(read), (Raised{tcp_error::ERR_NOT_INITIALIZED, L"[CKespTCP - ReadLineBinary()]",
-                                    L"Socket not initialized"}));
+TEST_F(CKespTCPReadLineBinaryTest, Refused_RaisesUnderItsOwnSourceAndLeavesTheValue) {
+  BinaryValue value = std::wstring(L"old");
+  const auto refusal = [&] { return RaisedBy([&] { tcp_->ReadLineBinary(value); }); };
+  const wchar_t* const source = L"[CKespTCP - ReadLineBinary()]";
+  EXPECT_EQ(refusal(), (Raised{tcp_error::ERR_NOT_INITIALIZED, source, L"Socket not initialized"}));
   Connect();
-  socket_->ThenPeerCloses();
-  fakes_.pump.PumpOnce();
-  EXPECT_EQ(RaisedBy(read), (Raised{tcp_error::ERR_NO_CONNECTION, L"[CKespTCP - ReadLineBinary()]",
-                                    L"Socket not connected"}));
-  EXPECT_TRUE(std::holds_alternative<std::monostate>(value));
+  const std::int32_t start = fakes_.clock.tick();
+  EXPECT_EQ(refusal(), (Raised{tcp_error::ERR_TIMEOUT, source, L"Timeout"}));
+  EXPECT_EQ(Elapsed(start), 4000U);
+  socket_->ThenOverruns();
+  EXPECT_EQ(refusal(), (Raised{tcp_error::ERR_GET_DATA, source,
+                               L"Unable to get data (10055 - No buffer space is available)"}));
+  EXPECT_EQ(refusal(), (Raised{tcp_error::ERR_NO_CONNECTION, source, L"Socket not connected"}));
+  EXPECT_EQ(std::get<std::wstring>(value), L"old");
 }
 
 TEST_F(CKespTCPReadLineBinaryTest, EosArrives_BytesAreNeitherCheckedNorStripped) {
@@ -38,16 +41,6 @@ TEST_F(CKespTCPReadLineBinaryTest, EosArrives_BytesAreNeitherCheckedNorStripped)
   for (int b = 0; b < 256; ++b) bytes.push_back(static_cast<char>(b));
   socket_->ThenReceives(bytes);
   EXPECT_EQ(ReadBinary(), bytes);
-}
-
-TEST_F(CKespTCPReadLineBinaryTest, NoReply_RaisesTimeOutAndLeavesTheValue) {
-  Connect();
-  BinaryValue value = std::wstring(L"old");
-  const std::int32_t start = fakes_.clock.tick();
-  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLineBinary(value); }),
-            (Raised{tcp_error::ERR_TIMEOUT, L"[CKespTCP - ReadLineBinary()]", L"Timeout"}));
-  EXPECT_EQ(Elapsed(start), 4000U);
-  EXPECT_EQ(std::get<std::wstring>(value), L"old");
 }
 
 TEST_F(CKespTCPReadLineBinaryTest, NotTerminateOnEos_ReturnsWhenMoreThanTheGapIsQuiet) {
@@ -97,15 +90,6 @@ TEST_F(CKespTCPReadLineBinaryTest, NeverQuiet_RaisesTimeOut) {
   });
   BinaryValue value;
   EXPECT_EQ(RaisedBy([&] { tcp_->ReadLineBinary(value, 100); }).number, tcp_error::ERR_TIMEOUT);
-}
-
-TEST_F(CKespTCPReadLineBinaryTest, Overrun_RaisesGetDataWithItsOwnSource) {
-  Connect();
-  socket_->ThenOverruns();
-  BinaryValue value;
-  EXPECT_EQ(RaisedBy([&] { tcp_->ReadLineBinary(value); }),
-            (Raised{tcp_error::ERR_GET_DATA, L"[CKespTCP - ReadLineBinary()]",
-                    L"Unable to get data (10055 - No buffer space is available)"}));
 }
 
 class CKespTCPDataArrivalTest : public KespTCPFixture {};

@@ -277,27 +277,22 @@ TEST_F(CKespTCPUninitializeTest, CloseFails_RaisesClosingAndStaysInitialized) {
 
 class CKespTCPNotificationsTest : public KespTCPFixture {};
 
-TEST_F(CKespTCPNotificationsTest, Error_PassesEverythingOnUnchanged) {
+TEST_F(CKespTCPNotificationsTest, Error_PassesEverythingOnAndTakesWhatTheHandlerChanges) {
   Connect();
   StartLog();
-  socket_->ThenFails(10054);
-  fakes_.pump.PumpOnce();
+  for (const wchar_t* const changed : {L"", L"gone"}) {
+    events_.new_description = changed;
+    socket_->ThenFails(10054).Deliver();
+  }
+  const std::wstring event =
+      L"ErrorBegin(10054,The connection is reset by remote side,-2146818234,KespWinsock,,0,False)";
   EXPECT_THAT(
       Journal(),
-      ElementsAre(
-          L"ErrorBegin(10054,The connection is reset by remote side,-2146818234,KespWinsock,,0,False)",
-          L"log: Error: 10054 - The connection is reset by remote side (-2146818234 KespWinsock) "
-          L"(10.0.0.7:5025)",
-          L"ErrorEnd()"));
-}
-
-TEST_F(CKespTCPNotificationsTest, Error_HandlersChangesReachTheLogAndTheSocket) {
-  Connect();
-  StartLog();
-  events_.new_description = L"gone";
-  socket_->ThenFails(10054);
-  fakes_.pump.PumpOnce();
-  EXPECT_EQ(Journal().at(1), L"log: Error: 10054 - gone (-2146818234 KespWinsock) (10.0.0.7:5025)");
+      ElementsAre(event,
+                  L"log: Error: 10054 - The connection is reset by remote side (-2146818234 KespWinsock) "
+                  L"(10.0.0.7:5025)",
+                  L"ErrorEnd()", event, L"log: Error: 10054 - gone (-2146818234 KespWinsock) (10.0.0.7:5025)",
+                  L"ErrorEnd()"));
   EXPECT_EQ(socket_->last_error.description, L"gone");
   EXPECT_TRUE(socket_->last_error.cancel_display);
 }

@@ -69,38 +69,30 @@ TEST_F(DiscoveryTest, Found_AreFullObjects) {
 // The library's own and a client's stand side by side in the collection.
 class DiscoveryWithForeignDevicesTest : public DiscoveryFixture {
  protected:
-  DiscoveryWithForeignDevicesTest() {
-    foreign_->address = L"10.88.0.12";
-    EXPECT_EQ(devices_->AddReference(foreign_.Get(), nullptr), S_OK);
+  ComPtr<ForeignInstrument> Add(const std::wstring& address) {
+    auto instrument = ForeignInstrument::Make();
+    instrument->address = address;
+    EXPECT_EQ(devices_->AddReference(instrument.Get(), nullptr), S_OK);
+    return instrument;
   }
-
-  ComPtr<ForeignInstrument> foreign_ = ForeignInstrument::Make();
 };
 
-TEST_F(DiscoveryWithForeignDevicesTest, IsADuplicateAndGetsItsIdentity) {
+TEST_F(DiscoveryWithForeignDevicesTest, AreDuplicatesAndGetTheirIdentityUnlessTheyRefuse) {
+  const auto good = Add(L"10.88.0.12");
+  const auto refuses_its_model = Add(L"10.88.0.13");
+  refuses_its_model->model_result = E_FAIL;
+  refuses_its_model->serial = L"kept";
+  const auto refuses_its_address = Add(L"10.88.0.11");
+  refuses_its_address->address_result = E_FAIL;
   EXPECT_TRUE(Discover());
-  EXPECT_EQ(Devices(), (Lines{kThree[1], kThree[0], kThree[2]}));
-  EXPECT_TRUE(IsSameObject(Item(1).Get(), foreign_.Get()));
-}
-
-TEST_F(DiscoveryWithForeignDevicesTest, RefusesItsModel_KeepsItsSerialNumberToo) {
-  foreign_->model_result = E_FAIL;
-  foreign_->serial = L"kept";
-  EXPECT_TRUE(Discover());
-  EXPECT_EQ(Devices(), (Lines{L"10.88.0.12//kept", kThree[0], kThree[2]}));
-}
-
-TEST_F(DiscoveryWithForeignDevicesTest, RefusesItsAddress_TheOthersAreFound) {
-  foreign_->address_result = E_FAIL;
-  EXPECT_TRUE(Discover());
-  EXPECT_EQ(foreign_->model, L"");
-  foreign_->address_result = S_OK;
-  EXPECT_EQ(Devices(), (Lines{L"10.88.0.12//", kThree[0], kThree[1], kThree[2]}));
+  refuses_its_address->address_result = S_OK;
+  EXPECT_EQ(Devices(), (Lines{kThree[1], L"10.88.0.13//kept", L"10.88.0.11//", kThree[0]}));
+  EXPECT_TRUE(IsSameObject(Item(1).Get(), good.Get()));
 }
 
 // It is asked at the first answer, before that is stored.
 TEST_F(DiscoveryWithForeignDevicesTest, ClearsTheCollectionWhenItIsAsked_TheOthersAreFound) {
-  foreign_->on_address = [this] { EXPECT_EQ(devices_->Clear(), S_OK); };
+  Add(L"10.88.0.12")->on_address = [this] { EXPECT_EQ(devices_->Clear(), S_OK); };
   EXPECT_TRUE(Discover());
   EXPECT_EQ(Devices(), kThree);
   ExpectRestored();

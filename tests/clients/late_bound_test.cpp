@@ -74,7 +74,8 @@ TEST_F(LateBoundTest, UnknownNameIdentifierOrUse_IsRefused) {
 
 TEST_F(LateBoundTest, WrongInterfaceIdentifierOrNullPointer_IsRefused) {
   const auto invoke = [this](REFIID iid, DISPPARAMS* arguments, VARIANT* result) {
-    return comm_.get()->Invoke(comm_.IdOf(L"GetKey"), iid, 0, DISPATCH_METHOD, arguments, result, nullptr, nullptr);
+    return comm_.get()->Invoke(comm_.IdOf(L"GetKey"), iid, 0, DISPATCH_METHOD, arguments, result, nullptr,
+                               nullptr);
   };
   DISPPARAMS none{};
   Value result;
@@ -149,9 +150,9 @@ TEST_F(LateBoundTest, TooManyOrMissingArguments_AreRefused) {
   Value left_out;
   V_VT(left_out.get()) = VT_ERROR;
   V_ERROR(left_out.get()) = DISP_E_PARAMNOTFOUND;
-  for (const Outcome& outcome :
-       {comm_.Call(L"Query"), comm_.Call(L"Query", {Variable(result)}), comm_.Call(L"Update"),
-        comm_.Call(L"Update", {Plain(left_out)}), comm_.Invoke(comm_.IdOf(L"AutoClose"), DISPATCH_PROPERTYPUT, {})}) {
+  for (const Outcome& outcome : {comm_.Call(L"Query"), comm_.Call(L"Query", {Variable(result)}),
+                                 comm_.Call(L"Update"), comm_.Call(L"Update", {Plain(left_out)}),
+                                 comm_.Invoke(comm_.IdOf(L"AutoClose"), DISPATCH_PROPERTYPUT, {})}) {
     EXPECT_TRUE(outcome.result == DISP_E_PARAMNOTOPTIONAL || outcome.result == DISP_E_BADPARAMCOUNT ||
                 outcome.result == DISP_E_TYPEMISMATCH)
         << std::hex << outcome.result;

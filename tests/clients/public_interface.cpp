@@ -19,6 +19,9 @@ void PrintLibrary(ITypeLib* library) {
   Text name;
   if (FAILED(library->GetLibAttr(&attributes)))
     throw std::runtime_error("the type library has no attributes");
+  if (attributes->syskind != (sizeof(void*) == 8 ? SYS_WIN64 : SYS_WIN32)) {
+    throw std::runtime_error("the type library is that of the other width");
+  }
   library->GetDocumentation(-1, name.out(), nullptr, nullptr, nullptr);
   Print(L"library " + name.str() + L" " + TextOf(attributes->guid) + L" version " +
         std::to_wstring(attributes->wMajorVerNum) + L"." + std::to_wstring(attributes->wMinorVerNum));

@@ -104,10 +104,21 @@ std::vector<std::wstring> TypeReader::Lines() const {
   return lines;
 }
 
-std::wstring TypeReader::Heading() const {
+std::wstring TypeReader::NameWithHelp(MEMBERID member) const {
   Text name;
-  Check(info_->GetDocumentation(MEMBERID_NIL, name.out(), nullptr, nullptr, nullptr));
-  std::wstring heading = KindOf(*attributes_) + L" " + name.str();
+  Text help;
+  Check(info_->GetDocumentation(member, name.out(), help.out(), nullptr, nullptr));
+  // The second name of an enumeration has none.
+  const bool is_alias = attributes_->typekind == TKIND_ALIAS;
+  if (!is_alias && (help.str().empty() || help.str().size() > 255)) {
+    const std::wstring wide = name.str();
+    throw std::runtime_error("no help text, or too long a one: " + std::string(wide.begin(), wide.end()));
+  }
+  return name.str();
+}
+
+std::wstring TypeReader::Heading() const {
+  std::wstring heading = KindOf(*attributes_) + L" " + NameWithHelp(MEMBERID_NIL);
   if (!IsEqualGUID(attributes_->guid, GUID_NULL)) heading += L" " + TextOf(attributes_->guid);
   heading += WordsOf(Flags(), kTypeWords);
   if (attributes_->typekind == TKIND_ALIAS) heading += L" of " + TypeName(attributes_->tdescAlias);
@@ -155,11 +166,10 @@ std::wstring TypeReader::Function(UINT index) const {
   Check(info_->GetFuncDesc(index, &function));
   std::wstring line;
   if (function->memid < kInherited) {
-    Text name;
-    info_->GetDocumentation(function->memid, name.out(), nullptr, nullptr, nullptr);
+    const std::wstring name = NameWithHelp(function->memid);
     const std::wstring result = TypeName(function->elemdescFunc.tdesc);
     line = L"  " + Place(*function) + L"id " + std::to_wstring(function->memid) + L"  " + UseOf(*function) +
-           name.str() + L"(" + Arguments(*function) + L")" + (result.empty() ? L"" : L" " + result) +
+           name + L"(" + Arguments(*function) + L")" + (result.empty() ? L"" : L" " + result) +
            WordsOf(function->wFuncFlags, kFunctionWords);
   }
   info_->ReleaseFuncDesc(function);

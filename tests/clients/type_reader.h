@@ -22,6 +22,9 @@ class TypeReader {
   std::vector<std::wstring> Lines() const;
 
  private:
+  // The name of the type or of a member, which must have a help text of at most 255 characters: browsers and
+  // compilers cut longer ones, or refuse them.
+  std::wstring NameWithHelp(MEMBERID member) const;
   std::wstring Heading() const;
   unsigned Flags() const;
   ComPtr<ITypeInfo> VtableHalf() const;

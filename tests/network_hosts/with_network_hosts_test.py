@@ -82,12 +82,9 @@ class NetworkHostsTest(unittest.TestCase):
         self.assertEqual(len([line for line in log if "discovery from 10.89.0.1:" in line]), 1, log)
 
     def test_connection_reaches_each_host_and_each_address_it_owns(self):
-        identities = answers("identify", "10.88.0.11", "identify", "10.88.0.12", "identify", "10.88.4.50",
-                             "identify", "10.88.4.51", "identify", "10.89.0.11")
-        self.assertEqual(identities, [CONTROLLER, BUILT_IN, BUILT_IN, BUILT_IN, BUILT_IN])
-
-    def test_connection_to_a_host_that_refuses_it_is_refused(self):
-        self.assertEqual(answers("identify", "10.88.0.13"), ["refused"])
+        addresses = ("10.88.0.11", "10.88.0.12", "10.88.4.50", "10.88.4.51", "10.89.0.11", "10.88.0.13")
+        identities = answers(*(word for address in addresses for word in ("identify", address)))
+        self.assertEqual(identities, [CONTROLLER, BUILT_IN, BUILT_IN, BUILT_IN, BUILT_IN, "refused"])
 
     def test_networks_side_by_side_do_not_see_each_other(self):
         personality = str(ROOT / "simulator" / "examples" / "bench-top-controller.json")
@@ -212,18 +209,13 @@ class LeftoversTest(unittest.TestCase):
         self.assertEqual(result.returncode, 1)
         self.assert_as_before(result.stdout.strip())
 
-    def test_script_that_is_terminated_leaves_nothing(self):
-        network, namespace = self.begin_waiting()
-        network.terminate()
-        self.assertEqual(network.wait(LIMIT_SECONDS), 128 + signal.SIGTERM)
-        self.assert_as_before(namespace)
-
-    def test_script_that_is_killed_leaves_nothing(self):
-        network, namespace = self.begin_waiting()
-        network.kill()
-        network.wait(LIMIT_SECONDS)
-        self.assertTrue(becomes_true(lambda: not users_of(namespace)))
-        self.assert_as_before(namespace)
+    def test_script_that_is_terminated_or_killed_leaves_nothing(self):
+        for end in (subprocess.Popen.terminate, subprocess.Popen.kill):
+            network, namespace = self.begin_waiting()
+            end(network)
+            network.wait(LIMIT_SECONDS)
+            self.assertTrue(becomes_true(lambda: not users_of(namespace)))
+            self.assert_as_before(namespace)
 
 
 def main():
