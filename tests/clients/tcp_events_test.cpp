@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/clients/tcp_fixture.h"
+#include "tests/clients/temporary_file.h"
 
 namespace kesp::clients {
 namespace {
@@ -73,7 +74,11 @@ TEST_F(TcpEventsTest, Refused_ErrorTellsTheSocketsOwnArguments) {
   EXPECT_EQ(journal()[1], L"ErrorEnd()");
 }
 
+// What a handler leaves in Description is what the next one hears and what the transport goes on with.
 TEST_F(TcpEventsTest, Error_HandlersShareTheArgumentsByReference) {
+  const TemporaryFile log;
+  Write(tcp_, &_CKespTCP::put_LogFilename, log.path());
+  Write(tcp_, &_CKespTCP::put_CreateLogFile, VARIANT_TRUE);
   recorder_->handlers[L"ErrorBegin"] = [](DISPPARAMS& arguments) {
     SysReAllocString(V_BSTRREF(&arguments.rgvarg[5]), L"changed");
     *V_BOOLREF(&arguments.rgvarg[0]) = 1;  // true as some clients write it
@@ -84,6 +89,7 @@ TEST_F(TcpEventsTest, Error_HandlersShareTheArgumentsByReference) {
   ASSERT_FALSE(second->journal.empty());
   EXPECT_NE(second->journal[0].find(L"&changed"), std::wstring::npos);
   EXPECT_NE(second->journal[0].find(L"&True"), std::wstring::npos);
+  EXPECT_NE(log.Content().find("\tError: 10061 - changed ("), std::string::npos) << log.Content();
 }
 
 TEST_F(TcpEventsTest, InvalidCharacters_TellsReplyPositionAndAddressBeforeItRaises) {
