@@ -10,12 +10,7 @@
 #include "dialogs/com_port_dialog_win.h"
 #include "dialogs/dialog_ids.h"
 #include "dialogs/tcp_dialog_win.h"
-#include "network/counting_instrument_fake.h"
-#include "network/kesp_tcp.h"
-#include "network/socket_control_fake.h"
-#include "serial/kesp_com_port.h"
-#include "serial/serial_control_fake.h"
-#include "support/environment_fake.h"
+#include "fake_transports.h"
 #include "window_picture.h"
 
 namespace kesp {
@@ -41,13 +36,9 @@ void Picture(DialogUser& user, const wchar_t* name) {
 }
 
 void PictureTcp() {
-  EnvironmentFake fakes;
-  CKespTCP tcp(
-      fakes.environment,
-      [](SocketListener& listener) { return std::make_unique<SocketControlFake>(listener); }, MakeInstrument);
-  tcp.SetIPAddress(L"192.168.0.10");
-  tcp.SetPort(5025);
-  DialogUser user(L"TCP/IP Communication Settings", [](DialogUser& u) {
+  NetworkOfFakes network;
+  network.tcp.SetIPAddress(L"192.168.0.10");
+  const DialogUser user(L"TCP/IP Communication Settings", [](DialogUser& u) {
     Picture(u, L"tcp-general");
     u.ClickTab(1);
     Picture(u, L"tcp-extended");
@@ -56,16 +47,7 @@ void PictureTcp() {
     Picture(u, L"tcp-discovery");
     u.Press(VK_ESCAPE);
   });
-  SystemTcpDialog().Show(tcp, {.show_extended_page = true, .help_context = 0});
-}
-
-// A radio modem that answers what it is asked.
-void AnswerAsModem(SerialLineFake& line) {
-  const std::pair<const char*, const char*> answers[] = {
-      {"+++", "OK\r"},    {"ATSH\r", "13A200\r"}, {"ATSL\r", "40B0C1D2\r"},
-      {"ATPL\r", "4\r"},  {"ATID\r", "3332\r"},   {"ATCH\r", "C\r"},
-      {"ATMY\r", "1A\r"}, {"ATCT\r", "64\r"},     {"ATCN\r", "OK\r"}};
-  for (const auto& [question, answer] : answers) line.Answer(question, answer);
+  SystemTcpDialog().Show(network.tcp, {.show_extended_page = true, .help_context = 0});
 }
 
 void PictureModem(DialogUser& user) {
@@ -85,18 +67,9 @@ void PictureModem(DialogUser& user) {
 }
 
 void PictureSerial() {
-  EnvironmentFake fakes;
-  SerialPortsFake ports(fakes.clock);
-  ports.code = 2;  // no such port
-  ports.codes = {{1, 0}, {3, 0}, {7, 0}};
-  AnswerAsModem(ports.line);
-  fakes.clock.SetStepPerReading(1);
-  CKespCOMPort3 port(fakes.environment, ports);
-  port.SetMaxBaudRate(EKespBaudRate3::br115200);
-  port.SetMinBaudRate(EKespBaudRate3::br300);
-  port.SetBaudRate(EKespBaudRate3::br57600);
-  port.SetPort(3);
-  DialogUser user(L"RS-232 Communication Settings", [](DialogUser& u) {
+  PortsOfFakes transport;
+  transport.ConnectModem();
+  const DialogUser user(L"RS-232 Communication Settings", [](DialogUser& u) {
     Picture(u, L"rs232-com-port");
     u.ClickTab(1);
     u.Click(ID_CHK_USE_SMART_SWITCH);
@@ -107,10 +80,10 @@ void PictureSerial() {
     PictureModem(u);
     u.Press(VK_ESCAPE);
   });
-  SystemComPortDialog().Show(port, {.show_extended_page = true,
-                                    .show_smart_switch_page = true,
-                                    .show_ir_dongle = true,
-                                    .help_context = 0});
+  SystemComPortDialog().Show(transport.port, {.show_extended_page = true,
+                                              .show_smart_switch_page = true,
+                                              .show_ir_dongle = true,
+                                              .help_context = 0});
 }
 
 }  // namespace

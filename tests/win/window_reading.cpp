@@ -17,13 +17,8 @@ std::vector<HWND> ChildrenOf(HWND parent) {
   for (HWND child = GetWindow(parent, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
     if (IsWindowVisible(child) != FALSE) children.push_back(child);
   }
-  std::sort(children.begin(), children.end(), [](HWND left, HWND right) {
-    RECT a{};
-    RECT b{};
-    GetWindowRect(left, &a);
-    GetWindowRect(right, &b);
-    return a.left < b.left;
-  });
+  std::sort(children.begin(), children.end(),
+            [](HWND left, HWND right) { return AreaOf(left).left < AreaOf(right).left; });
   return children;
 }
 

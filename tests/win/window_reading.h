@@ -28,6 +28,13 @@ std::wstring WindowText(HWND window);
 // A message to a window of another thread, within the same limit; 0 when it does not answer.
 LRESULT Ask(HWND window, UINT message, WPARAM first = 0, LPARAM second = 0);
 
+// Where it is on the screen.
+inline RECT AreaOf(HWND window) {
+  RECT area{};
+  GetWindowRect(window, &area);
+  return area;
+}
+
 bool HasClass(HWND window, const wchar_t* name);
 
 // The visible dialog with that caption on that thread; null when there is none.

@@ -1,13 +1,18 @@
 // How a dialog behaves towards the client's windows, its messages and its end.
 #include "client_window.h"
-#include "dialog_stage.h"
+#include "dialog_fixture.h"
 #include "support/environment_win.h"
 
 namespace kesp {
 namespace {
 
-class DialogMannersWinTest : public ComDialogStage {
+class DialogMannersTest : public ComDialogFixture {
  protected:
+  // Tells the thread under test that its program is to end.
+  static void EndProgram(const DialogUser& user, int exit_code) {
+    PostThreadMessageW(GetWindowThreadProcessId(user.window(), nullptr), WM_QUIT,
+                       static_cast<WPARAM>(exit_code), 0);
+  }
   // The exit code with which the client's loop is told to end; -1 when it is not.
   static int TakeQuit() {
     MSG message{};
@@ -16,12 +21,6 @@ class DialogMannersWinTest : public ComDialogStage {
                : static_cast<int>(message.wParam);
   }
 };
-
-RECT Place(HWND window) {
-  RECT place{};
-  GetWindowRect(window, &place);
-  return place;
-}
 
 POINT Middle(const RECT& area) {
   return {(area.left + area.right) / 2, (area.top + area.bottom) / 2};
@@ -34,36 +33,35 @@ RECT WorkArea() {
 }
 
 void ExpectMiddle(HWND window, const RECT& area) {
-  const POINT is = Middle(Place(window));
+  const POINT is = Middle(AreaOf(window));
   const POINT wanted = Middle(area);
   EXPECT_NEAR(is.x, wanted.x, 1);
   EXPECT_NEAR(is.y, wanted.y, 1);
 }
 
 void ExpectInside(HWND window, const RECT& area) {
-  const RECT is = Place(window);
+  const RECT is = AreaOf(window);
   EXPECT_GE(is.left, area.left);
   EXPECT_GE(is.top, area.top);
   EXPECT_LE(is.right, area.right);
   EXPECT_LE(is.bottom, area.bottom);
 }
 
-TEST_F(DialogMannersWinTest, ClientsWindows_WaitWhileItIsOpen) {
+TEST_F(DialogMannersTest, ClientsWindows_WaitWhileItIsOpen) {
   const ClientWindow second;
   const ClientWindow off;
   EnableWindow(off.handle(), FALSE);
   const ClientWindow hidden;
   ShowWindow(hidden.handle(), SW_HIDE);
   const ClientWindow client;
-  EXPECT_FALSE(Show([&](DialogUser& user) {
+  Look([&](DialogUser& user) {
     EXPECT_EQ(GetWindow(user.window(), GW_OWNER), client.handle());
     EXPECT_FALSE(client.is_enabled());
     EXPECT_FALSE(second.is_enabled());
     EXPECT_FALSE(off.is_enabled());
     EXPECT_TRUE(hidden.is_enabled());
     EXPECT_NE(IsWindowEnabled(user.window()), FALSE);
-    user.Press(VK_ESCAPE);
-  }));
+  });
   EXPECT_TRUE(client.is_enabled());
   EXPECT_TRUE(second.is_enabled());
   EXPECT_FALSE(off.is_enabled());
@@ -71,28 +69,25 @@ TEST_F(DialogMannersWinTest, ClientsWindows_WaitWhileItIsOpen) {
   EXPECT_EQ(GetActiveWindow(), client.handle());
 }
 
-TEST_F(DialogMannersWinTest, ClientsControlWithTheFocus_HasItAgain) {
+TEST_F(DialogMannersTest, ClientsControlWithTheFocus_HasItAgain) {
   const ClientWindow client;
   HWND box = CreateWindowW(L"EDIT", L"", WS_CHILD | WS_VISIBLE, 0, 0, 50, 20, client.handle(), nullptr,
                            nullptr, nullptr);
   SetFocus(box);
-  EXPECT_FALSE(Show([](DialogUser& user) { user.Press(VK_ESCAPE); }));
+  Look([](DialogUser& /*user*/) {});
   EXPECT_EQ(GetFocus(), box);
 }
 
-TEST_F(DialogMannersWinTest, NoActiveWindow_TheForemostOneOwnsTheDialog) {
+TEST_F(DialogMannersTest, NoActiveWindow_TheForemostOneOwnsTheDialog) {
   const ClientWindow back;
   const ClientWindow front;
   SetActiveWindow(nullptr);
   ASSERT_EQ(GetActiveWindow(), nullptr);
-  EXPECT_FALSE(Show([&](DialogUser& user) {
-    EXPECT_EQ(GetWindow(user.window(), GW_OWNER), front.handle());
-    user.Press(VK_ESCAPE);
-  }));
+  Look([&](DialogUser& user) { EXPECT_EQ(GetWindow(user.window(), GW_OWNER), front.handle()); });
   EXPECT_TRUE(front.is_enabled());
 }
 
-TEST_F(DialogMannersWinTest, NoOwner_OpensInTheMiddleOfTheScreen) {
+TEST_F(DialogMannersTest, NoOwner_OpensInTheMiddleOfTheScreen) {
   ASSERT_EQ(GetActiveWindow(), nullptr);
   EXPECT_TRUE(Show([](DialogUser& user) {
     EXPECT_EQ(GetWindow(user.window(), GW_OWNER), nullptr);
@@ -102,44 +97,37 @@ TEST_F(DialogMannersWinTest, NoOwner_OpensInTheMiddleOfTheScreen) {
   }));
 }
 
-TEST_F(DialogMannersWinTest, Owner_HasItOverItsMiddle) {
+TEST_F(DialogMannersTest, Owner_HasItOverItsMiddle) {
   const ClientWindow client({10, 10, 710, 510});
-  EXPECT_FALSE(Show([&client](DialogUser& user) {
-    ExpectMiddle(user.window(), Place(client.handle()));
-    user.Press(VK_ESCAPE);
-  }));
+  Look([&client](DialogUser& user) { ExpectMiddle(user.window(), AreaOf(client.handle())); });
 }
 
-TEST_F(DialogMannersWinTest, OwnerInACorner_HasItWithinTheScreen) {
+TEST_F(DialogMannersTest, OwnerInACorner_HasItWithinTheScreen) {
   const RECT work = WorkArea();
   const RECT corners[] = {{work.left - 150, work.top - 100, work.left + 50, work.top + 20},
                           {work.right - 50, work.bottom - 40, work.right + 150, work.bottom + 100}};
   for (const RECT& corner : corners) {
     const ClientWindow client(corner);
-    EXPECT_FALSE(Show([&work](DialogUser& user) {
-      ExpectInside(user.window(), work);
-      user.Press(VK_ESCAPE);
-    }));
+    Look([&work](DialogUser& user) { ExpectInside(user.window(), work); });
   }
 }
 
-TEST_F(DialogMannersWinTest, Open_LetsTheClientsTimersTickAndItsWindowsPaint) {
+TEST_F(DialogMannersTest, Open_LetsTheClientsTimersTickAndItsWindowsPaint) {
   const ClientWindow client;
   client.StartTimer();
-  EXPECT_FALSE(Show([&client](DialogUser& user) {
+  Look([&client](DialogUser& /*user*/) {
     const int ticks = client.ticks;
     EXPECT_TRUE(WaitFor([&] { return client.ticks > ticks + 2; }));
     const int paints = client.paints;
     InvalidateRect(client.handle(), nullptr, TRUE);
     EXPECT_TRUE(WaitFor([&] { return client.paints > paints; }));
-    user.Press(VK_ESCAPE);
-  }));
+  });
 }
 
-TEST_F(DialogMannersWinTest, TestOfTheSwitch_ThePointerIsBusyOverTheDialogUntilItEnds) {
-  UserSurface& user_surface = SystemEnvironment().user;
-  Environment environment{fakes_.clock,    fakes_.pump,  fakes_.files,
-                          fakes_.settings, fakes_.guids, user_surface};
+TEST_F(DialogMannersTest, TestOfTheSwitch_ThePointerIsBusyOverTheDialogUntilItEnds) {
+  EnvironmentFake& fakes = transport_.fakes;
+  Environment environment{fakes.clock,    fakes.pump,  fakes.files,
+                          fakes.settings, fakes.guids, SystemEnvironment().user};
   CKespCOMPort3 port(environment, ports_);
   port.SetMaxBaudRate(EKespBaudRate3::br9600);
   port.SetBaudRate(EKespBaudRate3::br9600);
@@ -155,7 +143,7 @@ TEST_F(DialogMannersWinTest, TestOfTheSwitch_ThePointerIsBusyOverTheDialogUntilI
     return shown;
   };
   std::vector<HCURSOR> during;
-  fakes_.pump.OnPump([&] { during = pointers(); });
+  fakes.pump.OnPump([&] { during = pointers(); });
   std::vector<HCURSOR> after;
   ClientWindow client;
   client.on_act = [&] { after = pointers(); };
@@ -172,33 +160,29 @@ TEST_F(DialogMannersWinTest, TestOfTheSwitch_ThePointerIsBusyOverTheDialogUntilI
   EXPECT_EQ(after, all(reinterpret_cast<const wchar_t*>(IDC_ARROW)));
 }
 
-TEST_F(DialogMannersWinTest, ProgramToldToEnd_CancelsAndTellsTheClientsLoop) {
+TEST_F(DialogMannersTest, ProgramToldToEnd_CancelsAndTellsTheClientsLoop) {
   const ClientWindow client;
   EXPECT_FALSE(Show([](DialogUser& user) {
     user.Click(ID_CHK_USE_REDIRECTOR);
-    PostThreadMessageW(GetWindowThreadProcessId(user.window(), nullptr), WM_QUIT, 7, 0);
+    EndProgram(user, 7);
   }));
   EXPECT_EQ(TakeQuit(), 7);
   EXPECT_FALSE(port_.UseRedirector());
   EXPECT_TRUE(client.is_enabled());
 }
 
-TEST_F(DialogMannersWinTest, ProgramToldToEndInAnInnerDialog_EndsBoth) {
-  ConnectModem();
+TEST_F(DialogMannersTest, ProgramToldToEndInAnInnerDialog_EndsBoth) {
+  transport_.ConnectModem();
   EXPECT_FALSE(Show([](DialogUser& user) {
     user.Click(ID_CHK_USE_RF_MODEM);
     user.Click(ID_CMD_RF_PROPERTIES);
     user.AnswerBox(L"Connect RF Modem", IDOK);
-    EXPECT_TRUE(WaitFor([&user] {
-      return FindDialog(kModemCaption, GetWindowThreadProcessId(user.window(), nullptr)) != nullptr;
-    }));
-    user.Settle();
-    PostThreadMessageW(GetWindowThreadProcessId(user.window(), nullptr), WM_QUIT, 8, 0);
+    user.In(kModemCaption, [](DialogUser& modem) { EndProgram(modem, 8); });
   }));
   EXPECT_EQ(TakeQuit(), 8);
 }
 
-TEST_F(DialogMannersWinTest, OwnerDestroyed_Cancels) {
+TEST_F(DialogMannersTest, OwnerDestroyed_Cancels) {
   ClientWindow client;
   client.on_act = [&client] { DestroyWindow(client.handle()); };
   EXPECT_FALSE(Show([&client](DialogUser& user) {
@@ -209,7 +193,7 @@ TEST_F(DialogMannersWinTest, OwnerDestroyed_Cancels) {
   EXPECT_FALSE(port_.UseRedirector());
 }
 
-TEST_F(DialogMannersWinTest, OwnerDestroyedUnderAMessageBox_EndsBoth) {
+TEST_F(DialogMannersTest, OwnerDestroyedUnderAMessageBox_EndsBoth) {
   ports_.codes.clear();
   ClientWindow client;
   client.on_act = [&client] { DestroyWindow(client.handle()); };
@@ -222,18 +206,15 @@ TEST_F(DialogMannersWinTest, OwnerDestroyedUnderAMessageBox_EndsBoth) {
   }));
 }
 
-TEST_F(DialogMannersWinTest, AnotherDialogOpenedByATimer_WorksAndBothEnd) {
-  CKespTCP tcp(
-      fakes_.environment,
-      [](SocketListener& listener) { return std::make_unique<SocketControlFake>(listener); }, MakeInstrument);
-  tcp.SetPort(5025);
+TEST_F(DialogMannersTest, AnotherDialogOpenedByATimer_WorksAndBothEnd) {
+  NetworkOfFakes network;
   bool confirmed = false;
   ClientWindow client;
   client.on_tick = [&] {
     KillTimer(client.handle(), 1);
-    confirmed = SystemTcpDialog().Show(tcp, {});
+    confirmed = SystemTcpDialog().Show(network.tcp, {});
   };
-  EXPECT_FALSE(Show([&client](DialogUser& user) {
+  Look([&client](DialogUser& user) {
     client.StartTimer();
     user.In(kTcpCaption, [outer = user.window()](DialogUser& inner) {
       EXPECT_EQ(GetWindow(inner.window(), GW_OWNER), outer);
@@ -243,23 +224,10 @@ TEST_F(DialogMannersWinTest, AnotherDialogOpenedByATimer_WorksAndBothEnd) {
     });
     EXPECT_NE(IsWindowEnabled(user.window()), FALSE);
     EXPECT_FALSE(client.is_enabled());
-    user.Press(VK_ESCAPE);
-  }));
+  });
   EXPECT_TRUE(confirmed);
-  EXPECT_EQ(tcp.IPAddress(), L"192.168.0.10");
+  EXPECT_EQ(network.tcp.IPAddress(), L"192.168.0.10");
   EXPECT_TRUE(client.is_enabled());
-}
-
-TEST_F(DialogMannersWinTest, MessageBox_BelongsToTheDialogWhichWaits) {
-  ports_.codes.clear();
-  EXPECT_FALSE(Show([](DialogUser& user) {
-    user.Click(ID_OK);
-    const BoxContents box = user.AnswerBox(L"Invalid COM Port", IDOK);
-    EXPECT_EQ(box.owner, user.window());
-    EXPECT_FALSE(box.owner_enabled);
-    EXPECT_NE(IsWindowEnabled(user.window()), FALSE);
-    user.Press(VK_ESCAPE);
-  }));
 }
 
 }  // namespace

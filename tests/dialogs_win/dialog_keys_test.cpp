@@ -1,6 +1,5 @@
 // The keys that work in every dialog: those of the buttons and of the pages, and those that ask for help.
-
-#include "dialog_stage.h"
+#include "dialog_fixture.h"
 #include "dialogs/form_window_win.h"
 #include "dialogs/frm_tcp_settings.h"
 #include "support/owner_window_win.h"
@@ -22,11 +21,11 @@ bool RecordHelp(void* owner, const std::wstring& help_file, std::uint32_t comman
   return true;
 }
 
-class DialogKeysWinTest : public ComDialogStage {};
+using DialogKeysTest = ComDialogFixture;
 
-class DialogHelpWinTest : public TcpDialogStage {
+class DialogHelpTest : public TcpDialogFixture {
  protected:
-  DialogHelpWinTest() {
+  DialogHelpTest() {
     help_topics.clear();
     surface_.SetHelpFile(L"C:\\help.hlp");
   }
@@ -44,7 +43,7 @@ class DialogHelpWinTest : public TcpDialogStage {
   UserSurfaceWin surface_{&RecordHelp};
 };
 
-TEST_F(DialogHelpWinTest, HelpButtonItsLetterAndF1_OpenTheTopic) {
+TEST_F(DialogHelpTest, HelpButtonItsLetterAndF1_OpenTheTopic) {
   EXPECT_TRUE(ShowWithHelp([](DialogUser& user) {
     user.Click(ID_HELP);
     EXPECT_EQ(help_topics, (std::vector<std::uint32_t>{kTopic}));
@@ -60,26 +59,21 @@ TEST_F(DialogHelpWinTest, HelpButtonItsLetterAndF1_OpenTheTopic) {
   EXPECT_EQ(tcp_.Port(), 5026);
 }
 
-TEST_F(DialogKeysWinTest, Enter_IsOk) {
-  EXPECT_TRUE(Show([](DialogUser& user) { user.Press(VK_RETURN); }));
-}
-
-TEST_F(DialogKeysWinTest, EnterOnAnotherButton_IsThatButton) {
+TEST_F(DialogKeysTest, EnterOnAnotherButton_IsThatButton) {
   EXPECT_FALSE(Show([](DialogUser& user) {
     user.MoveTo(ID_CANCEL);
     user.Press(VK_RETURN);
   }));
-  EXPECT_FALSE(Show([](DialogUser& user) {
+  Look([](DialogUser& user) {
     user.Click(ID_CHK_USE_RF_MODEM);
     // On a page, and not the dialog's own.
     user.MoveTo(ID_CMD_RF_PROPERTIES);
     user.Press(VK_RETURN);
     user.AnswerBox(L"Connect RF Modem", IDCANCEL);
-    user.Press(VK_ESCAPE);
-  }));
+  });
 }
 
-TEST_F(DialogKeysWinTest, SpaceOnACheckBox_Checks) {
+TEST_F(DialogKeysTest, SpaceOnACheckBox_Checks) {
   EXPECT_TRUE(Show([](DialogUser& user) {
     user.MoveTo(ID_CHK_USE_REDIRECTOR);
     user.Press(VK_SPACE);
@@ -89,7 +83,7 @@ TEST_F(DialogKeysWinTest, SpaceOnACheckBox_Checks) {
   EXPECT_TRUE(port_.UseRedirector());
 }
 
-TEST_F(DialogKeysWinTest, EscapeTitleBarAndAltC_AreCancel) {
+TEST_F(DialogKeysTest, EscapeTitleBarAndAltC_AreCancel) {
   const DialogUser::Act ways[] = {
       [](DialogUser& user) { user.Press(VK_ESCAPE); }, [](DialogUser& user) { user.CloseByTitleBar(); },
       [](DialogUser& user) { user.PressAlt(L'c'); }, [](DialogUser& user) { user.Click(ID_CANCEL); }};
@@ -102,21 +96,20 @@ TEST_F(DialogKeysWinTest, EscapeTitleBarAndAltC_AreCancel) {
   }
 }
 
-TEST_F(DialogKeysWinTest, AltT_TestsTheSwitchOnItsPageOnly) {
+TEST_F(DialogKeysTest, AltT_TestsTheSwitchOnItsPageOnly) {
   port_.SetUseSmartSwitch(true);
-  EXPECT_FALSE(Show([this](DialogUser& user) {
+  Look([this](DialogUser& user) {
     user.PressAlt(L't');
     EXPECT_TRUE(ports_.line.writes.empty());
     user.ClickTab(1);
     EXPECT_TRUE(user.IsEnabled(ID_CMD_TEST_SMART_SWITCH));
     user.PressAlt(L't');
     EXPECT_FALSE(ports_.line.writes.empty());
-    user.Press(VK_ESCAPE);
-  }));
+  });
 }
 
-TEST_F(DialogKeysWinTest, PageKeys_GoRoundThePages) {
-  EXPECT_FALSE(Show([](DialogUser& user) {
+TEST_F(DialogKeysTest, PageKeys_GoRoundThePages) {
+  Look([](DialogUser& user) {
     const auto expect_page = [&user](int tab, int focus) {
       EXPECT_EQ(user.Tab(), tab);
       EXPECT_EQ(user.Focus(), focus);
@@ -139,23 +132,21 @@ TEST_F(DialogKeysWinTest, PageKeys_GoRoundThePages) {
     user.MoveTo(ID_CANCEL);
     user.PressWith({VK_CONTROL}, VK_TAB);
     expect_page(1, ID_CHK_USE_SMART_SWITCH);
-    user.Press(VK_ESCAPE);
-  }));
+  });
 }
 
-TEST_F(DialogKeysWinTest, PageKeyInABox_LeavesItFirst) {
-  EXPECT_FALSE(Show([](DialogUser& user) {
+TEST_F(DialogKeysTest, PageKeyInABox_LeavesItFirst) {
+  Look([](DialogUser& user) {
     user.ClickTab(2);
     user.MoveTo(ID_TXT_TIMEOUT);
     user.Type(L"5");
     user.PressWith({VK_CONTROL}, VK_TAB);
     EXPECT_EQ(user.Text(ID_TXT_TIMEOUT), L"100");
-    user.Press(VK_ESCAPE);
-  }));
+  });
 }
 
-TEST_F(DialogKeysWinTest, ArrowsOnTheTabs_GoThroughThePages) {
-  EXPECT_FALSE(Show([](DialogUser& user) {
+TEST_F(DialogKeysTest, ArrowsOnTheTabs_GoThroughThePages) {
+  Look([](DialogUser& user) {
     user.MoveTo(ID_TAB_SETTINGS);
     user.Press(VK_RIGHT);
     EXPECT_EQ(user.Tab(), 1);
@@ -164,12 +155,11 @@ TEST_F(DialogKeysWinTest, ArrowsOnTheTabs_GoThroughThePages) {
     user.Press(VK_LEFT);
     EXPECT_EQ(user.Tab(), 0);
     EXPECT_TRUE(user.IsVisible(ID_ICBO_COM_PORT));
-    user.Press(VK_ESCAPE);
-  }));
+  });
 }
 
 // As programs press a button that help people who cannot.
-TEST_F(DialogKeysWinTest, CommandSentFromOutside_EndsTheDialogAtOnce) {
+TEST_F(DialogKeysTest, CommandSentFromOutside_EndsTheDialogAtOnce) {
   EXPECT_TRUE(Show([](DialogUser& user) { Ask(user.window(), WM_COMMAND, ID_OK); }));
   EXPECT_FALSE(Show([](DialogUser& user) { Ask(user.window(), WM_CLOSE); }));
 }

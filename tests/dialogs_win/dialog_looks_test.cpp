@@ -7,7 +7,7 @@
 #include <map>
 
 #include "client_window.h"
-#include "dialog_stage.h"
+#include "dialog_fixture.h"
 #include "dialogs/activation_context_win.h"
 #include "dialogs/common_controls_win.h"
 #include "message_hook.h"
@@ -15,7 +15,7 @@
 namespace kesp {
 namespace {
 
-using DialogLooksWinTest = ComDialogStage;
+using DialogLooksTest = ComDialogFixture;
 
 BOOL CALLBACK AddTo(HWND window, LPARAM windows) {
   reinterpret_cast<std::vector<HWND>*>(windows)->push_back(window);
@@ -72,6 +72,12 @@ COLORREF PixelAt(POINT place) {
   return color;
 }
 
+// Has the whole dialog painted by now.
+void Repaint(DialogUser& user) {
+  RedrawWindow(user.window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+  user.Settle();
+}
+
 // The file whose code the window runs.
 std::wstring MakerOf(HWND window) {
   HMODULE module = nullptr;
@@ -82,9 +88,9 @@ std::wstring MakerOf(HWND window) {
   return file.data();
 }
 
-TEST_F(DialogLooksWinTest, EveryControl_HasTheSystemsMessageFont) {
+TEST_F(DialogLooksTest, EveryControl_HasTheSystemsMessageFont) {
   const LOGFONTW message = MessageFont();
-  EXPECT_FALSE(Show([&message](DialogUser& user) {
+  Look([&message](DialogUser& user) {
     int seen = 0;
     for (HWND child : ChildrenOf(user.window())) {
       // Neither shows text.
@@ -96,8 +102,7 @@ TEST_F(DialogLooksWinTest, EveryControl_HasTheSystemsMessageFont) {
       ++seen;
     }
     EXPECT_GT(seen, 33);
-    user.Press(VK_ESCAPE);
-  }));
+  });
 }
 
 HANDLE CurrentContext() {
@@ -110,7 +115,7 @@ HANDLE CurrentContext() {
 
 // Some systems give controls of version 6 to programs that do not ask for them; whether the library asks
 // shows here.
-TEST_F(DialogLooksWinTest, ActivationContext_HoldsWhileItLives) {
+TEST_F(DialogLooksTest, ActivationContext_HoldsWhileItLives) {
   const HANDLE before = CurrentContext();
   {
     const ActivationContext context;
@@ -119,22 +124,20 @@ TEST_F(DialogLooksWinTest, ActivationContext_HoldsWhileItLives) {
   EXPECT_EQ(CurrentContext(), before);
 }
 
-TEST_F(DialogLooksWinTest, Controls_AreThoseOfVersion6) {
-  EXPECT_FALSE(Show([](DialogUser& user) {
+TEST_F(DialogLooksTest, Controls_AreThoseOfVersion6) {
+  Look([](DialogUser& user) {
     for (const int id : {ID_TAB_SETTINGS, ID_UD_TIMEOUT, ID_ICBO_COM_PORT}) {
       // Each version lies in a folder of its own, which has the version in its name.
       EXPECT_THAT(MakerOf(user.Control(id)), testing::HasSubstr(L"common-controls_6595b64144ccf1df_6.0."));
     }
-    user.Press(VK_ESCAPE);
-  }));
+  });
 }
 
-TEST_F(DialogLooksWinTest, LabelsAndBoxes_HaveTheBackgroundOfTheirPage) {
-  EXPECT_FALSE(Show([](DialogUser& user) {
+TEST_F(DialogLooksTest, LabelsAndBoxes_HaveTheBackgroundOfTheirPage) {
+  Look([](DialogUser& user) {
     for (int tab = 0; tab < 3; ++tab) {
       user.ClickTab(tab);
-      RedrawWindow(user.window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
-      user.Settle();
+      Repaint(user);
       int seen = 0;
       for (HWND child : ChildrenOf(user.window())) {
         const bool on_page = GetParent(child) != user.window();
@@ -142,8 +145,7 @@ TEST_F(DialogLooksWinTest, LabelsAndBoxes_HaveTheBackgroundOfTheirPage) {
         const bool check_box = HasClass(child, L"Button") && kind == BS_AUTOCHECKBOX;
         if (!on_page || IsWindowVisible(child) == FALSE || (!check_box && !HasClass(child, L"Static")))
           continue;
-        RECT area{};
-        GetWindowRect(child, &area);
+        const RECT area = AreaOf(child);
         // Its right edge, which no text reaches, and the page beside that.
         const COLORREF inside = PixelAt({area.right - 1, area.bottom - 1});
         const COLORREF beside = PixelAt({area.right - 1, area.bottom + 1});
@@ -152,25 +154,21 @@ TEST_F(DialogLooksWinTest, LabelsAndBoxes_HaveTheBackgroundOfTheirPage) {
       }
       EXPECT_GE(seen, 2);
     }
-    user.Press(VK_ESCAPE);
-  }));
+  });
 }
 
-TEST_F(DialogLooksWinTest, DisabledBox_HasAnotherGroundThanAnEnabledOne) {
-  EXPECT_FALSE(Show([](DialogUser& user) {
+TEST_F(DialogLooksTest, DisabledBox_HasAnotherGroundThanAnEnabledOne) {
+  Look([](DialogUser& user) {
     const auto ground = [&user] {
-      RedrawWindow(user.window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
-      user.Settle();
-      RECT area{};
-      GetWindowRect(user.Control(ID_TXT_INSTR_ADDRESS), &area);
+      Repaint(user);
+      const RECT area = AreaOf(user.Control(ID_TXT_INSTR_ADDRESS));
       // Near the right edge, which no text reaches.
       return PixelAt({area.right - 8, (area.top + area.bottom) / 2});
     };
     const COLORREF off = ground();
     user.Click(ID_CHK_USE_RF_MODEM);
     EXPECT_NE(off, ground());
-    user.Press(VK_ESCAPE);
-  }));
+  });
 }
 
 // A strip of the window's color, drawn on in memory: a small icon's height, with room for a text behind it.
@@ -227,13 +225,13 @@ int IconOn(const Strip& drawn) {
   return icons.begin()->second;
 }
 
-TEST_F(DialogLooksWinTest, ListsWithImages_DrawEachEntryWithItsOwn) {
+TEST_F(DialogLooksTest, ListsWithImages_DrawEachEntryWithItsOwn) {
   const std::tuple<int, UINT, int> entries[] = {{ID_ICBO_COM_PORT, 0, ICON_COM_PORT},
                                                 {ID_ICBO_COM_PORT, 2, ICON_COM_PORT},
                                                 {ID_ICBO_COM_PORT, UINT(-1), 0},
                                                 {ID_ICBO_SMART_SWITCH_STYLE, 0, ICON_6_PORT},
                                                 {ID_ICBO_SMART_SWITCH_STYLE, 1, ICON_8_PORT}};
-  EXPECT_FALSE(Show([&entries](DialogUser& user) {
+  Look([&entries](DialogUser& user) {
     for (const auto& [id, index, icon] : entries) {
       const Strip drawn;
       DRAWITEMSTRUCT item{};
@@ -248,35 +246,27 @@ TEST_F(DialogLooksWinTest, ListsWithImages_DrawEachEntryWithItsOwn) {
       const LONG text = GetSystemMetrics(SM_CXSMICON) * 3 / 2;
       EXPECT_EQ(drawn.DifferenceTo(empty, text, empty.area.right) > 0, icon != 0) << index;
     }
-    user.Press(VK_ESCAPE);
-  }));
+  });
 }
 
-RECT PlaceOf(const DialogUser& user, int id) {
-  RECT area{};
-  GetWindowRect(user.Control(id), &area);
-  return area;
-}
-
-TEST_F(DialogLooksWinTest, Columns_HaveOneEdgeEach) {
-  EXPECT_FALSE(Show([](DialogUser& user) {
+TEST_F(DialogLooksTest, Columns_HaveOneEdgeEach) {
+  Look([](DialogUser& user) {
+    const auto place_of = [&user](int id) { return AreaOf(user.Control(id)); };
     for (const int id : {ID_CBO_BAUD_RATE, ID_CMD_RF_PROPERTIES, ID_TXT_INSTR_ADDRESS}) {
       // Places and sizes are rounded to pixels apart.
-      EXPECT_NEAR(PlaceOf(user, id).right, PlaceOf(user, ID_ICBO_COM_PORT).right, 1) << id;
+      EXPECT_NEAR(place_of(id).right, place_of(ID_ICBO_COM_PORT).right, 1) << id;
     }
     for (const int id : {ID_CBO_DATA_BITS, ID_CBO_STOP_BITS, ID_CBO_CONTROLLER_STYLE}) {
-      EXPECT_EQ(PlaceOf(user, id).left, PlaceOf(user, ID_CBO_PARITY).left) << id;
+      EXPECT_EQ(place_of(id).left, place_of(ID_CBO_PARITY).left) << id;
     }
-    EXPECT_NEAR(PlaceOf(user, ID_CBO_CONTROLLER_STYLE).right, PlaceOf(user, ID_CBO_MAX_BAUD_RATE).right, 1);
-    RECT label{};
-    GetWindowRect(GetWindow(user.Control(ID_TXT_TIMEOUT), GW_HWNDPREV), &label);
-    EXPECT_EQ(PlaceOf(user, ID_CHK_CREATE_LOG_FILE).left, label.left);
-    user.Press(VK_ESCAPE);
-  }));
+    EXPECT_NEAR(place_of(ID_CBO_CONTROLLER_STYLE).right, place_of(ID_CBO_MAX_BAUD_RATE).right, 1);
+    EXPECT_EQ(place_of(ID_CHK_CREATE_LOG_FILE).left,
+              AreaOf(GetWindow(user.Control(ID_TXT_TIMEOUT), GW_HWNDPREV)).left);
+  });
 }
 
-TEST_F(DialogLooksWinTest, LabelsInOtherColours_AskForTheSystemsText) {
-  EXPECT_FALSE(Show([](DialogUser& user) {
+TEST_F(DialogLooksTest, LabelsInOtherColours_AskForTheSystemsText) {
+  Look([](DialogUser& user) {
     HWND label = user.Control(ID_LBL_BAUD_RATE);
     const HDC device = GetDC(label);
     SetTextColor(device, RGB(1, 2, 3));
@@ -284,69 +274,53 @@ TEST_F(DialogLooksWinTest, LabelsInOtherColours_AskForTheSystemsText) {
         reinterpret_cast<LPARAM>(label));
     EXPECT_EQ(GetTextColor(device), GetSysColor(COLOR_WINDOWTEXT));
     ReleaseDC(label, device);
-    user.Press(VK_ESCAPE);
-  }));
+  });
 }
 
 // The system tells the dialog, and only that.
-TEST_F(DialogLooksWinTest, ColoursChange_PagesAndControlsAreToldToo) {
+TEST_F(DialogLooksTest, ColoursChange_PagesAndControlsAreToldToo) {
   std::map<HWND, int> told;
   const MessageHook hook([&told](const CWPRETSTRUCT& message) {
     if (message.message == WM_SYSCOLORCHANGE) ++told[message.hwnd];
   });
-  EXPECT_FALSE(Show([&told](DialogUser& user) {
+  Look([&told](DialogUser& user) {
     Ask(user.window(), WM_SYSCOLORCHANGE);
     user.Settle();
     for (HWND child : ChildrenOf(user.window())) EXPECT_GE(told[child], 1) << GetDlgCtrlID(child);
     EXPECT_EQ(told[user.Control(ID_TAB_SETTINGS)], 1);
-    user.Press(VK_ESCAPE);
-  }));
+  });
 }
 
-TEST_F(DialogLooksWinTest, Page_DiffersFromTheDialogUnderATheme) {
+TEST_F(DialogLooksTest, Page_DiffersFromTheDialogUnderATheme) {
   if (IsAppThemed() == FALSE) GTEST_SKIP() << "the system has no theme";
-  EXPECT_FALSE(Show([](DialogUser& user) {
-    RedrawWindow(user.window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
-    user.Settle();
-    RECT page{};
-    GetWindowRect(GetParent(user.Control(ID_CHK_USE_RF_MODEM)), &page);
-    RECT button{};
-    GetWindowRect(user.Control(ID_OK), &button);
+  Look([](DialogUser& user) {
+    Repaint(user);
+    const RECT page = AreaOf(GetParent(user.Control(ID_CHK_USE_RF_MODEM)));
+    const RECT button = AreaOf(user.Control(ID_OK));
     EXPECT_NE(PixelAt({page.right - 3, page.bottom - 3}), PixelAt({button.left - 3, button.top}));
-    user.Press(VK_ESCAPE);
-  }));
+  });
 }
 
-class DialogLeavingsWinTest : public ComDialogStage {
+class DialogLeavingsTest : public ComDialogFixture {
  protected:
   void OpenEach() {
+    Look([](DialogUser& user) {
+      for (const int tab : {2, 1, 0}) user.ClickTab(tab);
+    });
     port_.SetUseRFModem(false);
-    EXPECT_FALSE(Show([](DialogUser& user) {
-      user.ClickTab(2);
-      user.ClickTab(1);
-      user.ClickTab(0);
-      user.Click(ID_CHK_USE_RF_MODEM);
-      user.Click(ID_CMD_RF_PROPERTIES);
-      user.AnswerBox(L"Connect RF Modem", IDOK);
-      user.In(kModemCaption, [](DialogUser& modem) { modem.Press(VK_ESCAPE); });
-      user.Press(VK_ESCAPE);
-    }));
-    DialogUser user(kTcpCaption, [](DialogUser& dialog) {
+    LookAtModem([](DialogUser& modem) { modem.Press(VK_ESCAPE); });
+    const DialogUser user(kTcpCaption, [](DialogUser& dialog) {
       dialog.ClickTab(1);
       dialog.Press(VK_ESCAPE);
     });
-    EXPECT_FALSE(SystemTcpDialog().Show(tcp_, {.show_extended_page = true}));
+    EXPECT_FALSE(SystemTcpDialog().Show(network_.tcp, {.show_extended_page = true}));
   }
 
-  CKespTCP tcp_{fakes_.environment,
-                [](SocketListener& listener) { return std::make_unique<SocketControlFake>(listener); },
-                MakeInstrument};
+  NetworkOfFakes network_;
 };
 
-TEST_F(DialogLeavingsWinTest, OpenedAndClosedOften_LeavesNoWindowsOrHandles) {
+TEST_F(DialogLeavingsTest, OpenedAndClosedOften_LeavesNoWindowsOrHandles) {
   constexpr int kTimes = 20;
-  ConnectModem();
-  tcp_.SetPort(5025);
   const ClientWindow client;
   // What the system keeps for good it has made by then.
   OpenEach();
