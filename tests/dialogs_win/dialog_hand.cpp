@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/window_list_win.h"
 #include "window_reading.h"
 
 namespace kesp {
@@ -47,29 +48,13 @@ std::wstring PlainCaption(HWND window) {
   return text;
 }
 
-struct Search {
-  const wchar_t* class_name;
-  const std::wstring& text;
-  HWND found = nullptr;
-};
-
-BOOL CALLBACK IsSought(HWND window, LPARAM search) {
-  auto& sought = *reinterpret_cast<Search*>(search);
-  if (!HasClass(window, sought.class_name) || IsWindowVisible(window) == FALSE) return TRUE;
-  if (PlainCaption(window) != sought.text) return TRUE;
-  sought.found = window;
-  return FALSE;
-}
-
 // Of the visible windows on the screen or, with a parent, within it; null for none.
 HWND Find(HWND parent, const wchar_t* class_name, const std::wstring& text) {
-  Search search{class_name, text};
-  if (parent == nullptr) {
-    EnumWindows(&IsSought, reinterpret_cast<LPARAM>(&search));
-  } else {
-    EnumChildWindows(parent, &IsSought, reinterpret_cast<LPARAM>(&search));
+  for (HWND window : DescendantsOf(parent)) {
+    if (HasClass(window, class_name) && IsWindowVisible(window) != FALSE && PlainCaption(window) == text)
+      return window;
   }
-  return search.found;
+  return nullptr;
 }
 
 class DialogHand {
@@ -121,12 +106,7 @@ class DialogHand {
   }
 
  private:
-  HWND Focus() const {
-    GUITHREADINFO thread{};
-    thread.cbSize = sizeof(thread);
-    GetGUIThreadInfo(thread_, &thread);
-    return thread.hwndFocus;
-  }
+  HWND Focus() const { return FocusOf(thread_); }
 
   void GoTo(HWND control) const {
     PostMessageW(dialog_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control), TRUE);

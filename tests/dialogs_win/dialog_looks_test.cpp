@@ -11,29 +11,12 @@
 #include "dialogs/activation_context_win.h"
 #include "dialogs/common_controls_win.h"
 #include "message_hook.h"
+#include "support/window_list_win.h"
 
 namespace kesp {
 namespace {
 
 using DialogLooksTest = ComDialogFixture;
-
-BOOL CALLBACK AddTo(HWND window, LPARAM windows) {
-  reinterpret_cast<std::vector<HWND>*>(windows)->push_back(window);
-  return TRUE;
-}
-
-std::vector<HWND> ChildrenOf(HWND window) {
-  std::vector<HWND> children;
-  EnumChildWindows(window, &AddTo, reinterpret_cast<LPARAM>(&children));
-  return children;
-}
-
-// Every top-level window of this thread, message boxes' and menus' included.
-std::size_t CountWindows() {
-  std::vector<HWND> windows;
-  EnumThreadWindows(GetCurrentThreadId(), &AddTo, reinterpret_cast<LPARAM>(&windows));
-  return windows.size();
-}
 
 // How many pens, brushes, bitmaps and the like there are.
 int CountDrawingObjects() {
@@ -92,7 +75,7 @@ TEST_F(DialogLooksTest, EveryControl_HasTheSystemsMessageFont) {
   const LOGFONTW message = MessageFont();
   Look([&message](DialogUser& user) {
     int seen = 0;
-    for (HWND child : ChildrenOf(user.window())) {
+    for (HWND child : DescendantsOf(user.window())) {
       // Neither shows text.
       if (HasClass(child, UPDOWN_CLASSW) || HasClass(child, L"#32770")) continue;
       const LOGFONTW font = FontOf(child);
@@ -139,7 +122,7 @@ TEST_F(DialogLooksTest, LabelsAndBoxes_HaveTheBackgroundOfTheirPage) {
       user.ClickTab(tab);
       Repaint(user);
       int seen = 0;
-      for (HWND child : ChildrenOf(user.window())) {
+      for (HWND child : DescendantsOf(user.window())) {
         const bool on_page = GetParent(child) != user.window();
         const LONG_PTR kind = GetWindowLongPtrW(child, GWL_STYLE) & BS_TYPEMASK;
         const bool check_box = HasClass(child, L"Button") && kind == BS_AUTOCHECKBOX;
@@ -286,7 +269,7 @@ TEST_F(DialogLooksTest, ColoursChange_PagesAndControlsAreToldToo) {
   Look([&told](DialogUser& user) {
     Ask(user.window(), WM_SYSCOLORCHANGE);
     user.Settle();
-    for (HWND child : ChildrenOf(user.window())) EXPECT_GE(told[child], 1) << GetDlgCtrlID(child);
+    for (HWND child : DescendantsOf(user.window())) EXPECT_GE(told[child], 1) << GetDlgCtrlID(child);
     EXPECT_EQ(told[user.Control(ID_TAB_SETTINGS)], 1);
   });
 }
@@ -324,11 +307,11 @@ TEST_F(DialogLeavingsTest, OpenedAndClosedOften_LeavesNoWindowsOrHandles) {
   const ClientWindow client;
   // What the system keeps for good it has made by then.
   OpenEach();
-  const std::size_t windows = CountWindows();
+  const std::size_t windows = WindowsOfThread().size();
   const DWORD user_objects = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
   const int drawing_objects = CountDrawingObjects();
   for (int times = 0; times < kTimes; ++times) OpenEach();
-  EXPECT_EQ(CountWindows(), windows);
+  EXPECT_EQ(WindowsOfThread().size(), windows);
   // Less than one of each kind for each time; the system's caches may grow by a few. A system that does not
   // count the first says 0 both times.
   EXPECT_LT(GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS), user_objects + kTimes);

@@ -192,10 +192,8 @@ void DialogUser::PostClick(HWND window, POINT at) const {
 }
 
 HWND DialogUser::KeyboardWindow() const {
-  GUITHREADINFO thread{};
-  thread.cbSize = sizeof(thread);
-  GetGUIThreadInfo(watched_thread_, &thread);
-  return thread.hwndFocus != nullptr ? thread.hwndFocus : window_;
+  HWND focus = FocusOf(watched_thread_);
+  return focus != nullptr ? focus : window_;
 }
 
 void DialogUser::PostKey(UINT key) const {

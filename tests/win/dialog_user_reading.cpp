@@ -5,36 +5,17 @@
 
 #include "dialog_user.h"
 #include "dialogs/common_controls_win.h"
+#include "support/window_list_win.h"
 
 namespace kesp {
 
 namespace {
 
-struct ControlSearch {
-  int id;
-  HWND found;
-};
-
-BOOL CALLBACK IsTheControl(HWND window, LPARAM search) {
-  auto& wanted = *reinterpret_cast<ControlSearch*>(search);
-  if (GetDlgCtrlID(window) != wanted.id) return TRUE;
-  wanted.found = window;
-  return FALSE;
-}
-
 HWND FindControl(HWND dialog, int id) {
-  ControlSearch search{id, nullptr};
-  EnumChildWindows(dialog, &IsTheControl, reinterpret_cast<LPARAM>(&search));
-  return search.found;
-}
-
-BOOL CALLBACK AddCaption(HWND window, LPARAM captions) {
-  const bool has_caption = HasClass(window, L"Static") || HasClass(window, L"Button");
-  const std::wstring text = WindowText(window);
-  if (has_caption && !text.empty() && IsWindowVisible(window) != FALSE) {
-    reinterpret_cast<std::vector<std::wstring>*>(captions)->push_back(text);
+  for (HWND window : DescendantsOf(dialog)) {
+    if (GetDlgCtrlID(window) == id) return window;
   }
-  return TRUE;
+  return nullptr;
 }
 
 struct TipsSearch {
@@ -70,10 +51,8 @@ bool DialogUser::IsTabStop(int id) const {
 }
 
 int DialogUser::Focus() const {
-  GUITHREADINFO thread{};
-  thread.cbSize = sizeof(thread);
-  GetGUIThreadInfo(watched_thread_, &thread);
-  for (HWND window = thread.hwndFocus; window != nullptr && window != window_; window = GetParent(window)) {
+  for (HWND window = FocusOf(watched_thread_); window != nullptr && window != window_;
+       window = GetParent(window)) {
     if (GetDlgCtrlID(window) > 0) return GetDlgCtrlID(window);
   }
   return 0;
@@ -122,7 +101,11 @@ int DialogUser::Tab() const {
 
 std::vector<std::wstring> DialogUser::Captions() const {
   std::vector<std::wstring> captions;
-  EnumChildWindows(window_, &AddCaption, reinterpret_cast<LPARAM>(&captions));
+  for (HWND window : DescendantsOf(window_)) {
+    const bool has_caption = HasClass(window, L"Static") || HasClass(window, L"Button");
+    if (!has_caption || IsWindowVisible(window) == FALSE) continue;
+    if (std::wstring text = WindowText(window); !text.empty()) captions.push_back(std::move(text));
+  }
   return captions;
 }
 

@@ -5,10 +5,14 @@
 #include <windows.h>
 
 #include <array>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
-#include <vector>
 
+#include "support/clock_win.h"
 #include "support/guid_source_win.h"
+#include "support/lines_fixture.h"
 #include "support/object_key.h"
 
 namespace kesp {
@@ -26,24 +30,17 @@ class FilesWinTest : public testing::Test {
   FilesWinTest() {
     GuidSourceWin guids;
     folder = files.TemporaryFolder() + NewGuidText(guids) + L"\\";
-    CreateDirectoryW(folder.c_str(), nullptr);
+    std::filesystem::create_directory(folder);
   }
 
-  ~FilesWinTest() override {
-    for (const std::wstring& name : Names()) DeleteFileW((folder + name).c_str());
-    RemoveDirectoryW(folder.c_str());
-  }
+  ~FilesWinTest() override { std::filesystem::remove_all(folder); }
 
   // The files in the folder.
-  std::vector<std::wstring> Names() const {
-    std::vector<std::wstring> names;
-    WIN32_FIND_DATAW found{};
-    HANDLE search = FindFirstFileW((folder + L"*").c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE) return names;
-    do {
-      if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) names.emplace_back(found.cFileName);
-    } while (FindNextFileW(search, &found) != FALSE);
-    FindClose(search);
+  Lines Names() const {
+    Lines names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+      names.push_back(entry.path().filename().wstring());
+    }
     return names;
   }
 
@@ -51,35 +48,27 @@ class FilesWinTest : public testing::Test {
     return CreateFileW(path.c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr);
   }
 
-  static std::string Content(const std::wstring& path) {
-    HANDLE file = Open(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE);
-    std::array<char, 256> buffer{};
-    DWORD size = 0;
-    ReadFile(file, buffer.data(), static_cast<DWORD>(buffer.size()), &size, nullptr);
-    CloseHandle(file);
-    return {buffer.data(), size};
+  static std::string Content(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
   }
 
   FilesWin files;
   std::wstring folder;
 };
 
-TEST_F(FilesWinTest, Append_NoFile_MakesIt) {
-  EXPECT_FALSE(files.Exists(folder + L"a.log"));
-  EXPECT_TRUE(files.Append(folder + L"a.log", "first\r\n"));
-  EXPECT_TRUE(files.Exists(folder + L"a.log"));
-  EXPECT_EQ(Content(folder + L"a.log"), "first\r\n");
-}
-
-TEST_F(FilesWinTest, Append_FileIsThere_AddsAtItsEnd) {
-  files.Append(folder + L"a.log", "first\r\n");
-  EXPECT_TRUE(files.Append(folder + L"a.log", std::string_view("b\0c", 3)));
-  EXPECT_EQ(Content(folder + L"a.log"), std::string("first\r\nb\0c", 10));
+TEST_F(FilesWinTest, Append_MakesTheFileThenAddsAtItsEnd) {
+  const std::wstring path = folder + L"a.log";
+  EXPECT_FALSE(files.Exists(path));
+  EXPECT_TRUE(files.Append(path, "first\r\n"));
+  EXPECT_TRUE(files.Exists(path));
+  EXPECT_TRUE(files.Append(path, std::string_view("b\0c", 3)));
+  EXPECT_EQ(Content(path), std::string("first\r\nb\0c", 10));
 }
 
 TEST_F(FilesWinTest, Append_NameOutsideTheCodePage_IsTheNameOnDisk) {
   EXPECT_TRUE(files.Append(folder + L"\u0416\u4E2D.log", "x"));
-  EXPECT_EQ(Names(), std::vector<std::wstring>{L"\u0416\u4E2D.log"});
+  EXPECT_EQ(Names(), Lines{L"\u0416\u4E2D.log"});
 }
 
 TEST_F(FilesWinTest, Append_AnotherProgramReadsAndWritesTheFile_Succeeds) {
@@ -92,31 +81,24 @@ TEST_F(FilesWinTest, Append_AnotherProgramReadsAndWritesTheFile_Succeeds) {
   EXPECT_EQ(Content(path), "firstsecond");
 }
 
+// Which another program can have only when nobody else has it open.
 TEST_F(FilesWinTest, Append_AnotherProgramHasTheFileToItself_Fails) {
   const std::wstring path = folder + L"a.log";
   files.Append(path, "first");
   HANDLE other = Open(path, GENERIC_READ, 0);
+  EXPECT_NE(other, INVALID_HANDLE_VALUE);
   EXPECT_FALSE(files.Append(path, "second"));
   CloseHandle(other);
   EXPECT_EQ(Content(path), "first");
 }
 
-TEST_F(FilesWinTest, Append_Done_LeavesTheFileClosed) {
-  const std::wstring path = folder + L"a.log";
-  files.Append(path, "first");
-  HANDLE exclusive = Open(path, GENERIC_READ, 0);
-  EXPECT_NE(exclusive, INVALID_HANDLE_VALUE);
-  CloseHandle(exclusive);
-}
-
-TEST_F(FilesWinTest, Append_BareName_LiesInTheCurrentDirectory) {
-  std::array<wchar_t, MAX_PATH> before{};
-  GetCurrentDirectoryW(static_cast<DWORD>(before.size()), before.data());
-  SetCurrentDirectoryW(folder.c_str());
+TEST_F(FilesWinTest, BareName_LiesInTheCurrentDirectoryAndCanBeRenamed) {
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder);
   EXPECT_TRUE(files.Append(L"bare.log", "x"));
   EXPECT_TRUE(files.Rename(L"bare.log", L"bare.log 2013-01-10"));
-  SetCurrentDirectoryW(before.data());
-  EXPECT_EQ(Names(), std::vector<std::wstring>{L"bare.log 2013-01-10"});
+  std::filesystem::current_path(before);
+  EXPECT_EQ(Names(), Lines{L"bare.log 2013-01-10"});
 }
 
 TEST_F(FilesWinTest, Append_PathCannotBeWritten_FailsAndMakesNothing) {
@@ -147,22 +129,19 @@ TEST_F(FilesWinTest, Append_PathNamesAPipe_FailsAndWritesNothing) {
   CloseHandle(server);
 }
 
-TEST_F(FilesWinTest, Exists_FolderOrNothing_IsFalse) {
-  EXPECT_FALSE(files.Exists(folder));
-  EXPECT_FALSE(files.Exists(folder + L"nothing"));
-  EXPECT_FALSE(files.Exists(L""));
+TEST_F(FilesWinTest, FolderOrNothing_DoesNotExistAndHasNoDate) {
+  for (const std::wstring& path : {folder, folder + L"nothing", std::wstring()}) {
+    EXPECT_FALSE(files.Exists(path)) << testing::PrintToString(path);
+    EXPECT_FALSE(files.LastModified(path).has_value()) << testing::PrintToString(path);
+  }
+  EXPECT_FALSE(files.Rename(folder + L"nothing", folder + L"b.log"));
 }
 
 TEST_F(FilesWinTest, LastModified_NewFile_IsToday) {
-  SYSTEMTIME before{};
-  GetLocalTime(&before);
+  const CalendarDate before = ClockWin().Today();
   files.Append(folder + L"a.log", "x");
   const auto modified = files.LastModified(folder + L"a.log");
-  SYSTEMTIME after{};
-  GetLocalTime(&after);
-  ASSERT_TRUE(modified.has_value());
-  EXPECT_TRUE((*modified == CalendarDate{before.wYear, before.wMonth, before.wDay}) ||
-              (*modified == CalendarDate{after.wYear, after.wMonth, after.wDay}));
+  EXPECT_TRUE(modified == before || modified == ClockWin().Today());
 }
 
 TEST_F(FilesWinTest, LastModified_OldFile_IsItsLocalDate) {
@@ -182,28 +161,12 @@ TEST_F(FilesWinTest, LastModified_OldFile_IsItsLocalDate) {
   }
 }
 
-TEST_F(FilesWinTest, LastModified_FolderOrNothing_IsEmpty) {
-  EXPECT_FALSE(files.LastModified(folder).has_value());
-  EXPECT_FALSE(files.LastModified(folder + L"nothing").has_value());
-  EXPECT_FALSE(files.LastModified(L"").has_value());
-}
-
-TEST_F(FilesWinTest, Rename_TargetIsFree_MovesTheFile) {
-  files.Append(folder + L"a.log", "x");
-  EXPECT_TRUE(files.Rename(folder + L"a.log", folder + L"a.log 2013-01-10"));
-  EXPECT_EQ(Names(), std::vector<std::wstring>{L"a.log 2013-01-10"});
-}
-
 TEST_F(FilesWinTest, Rename_TargetExists_FailsAndChangesNothing) {
   files.Append(folder + L"a.log", "a");
   files.Append(folder + L"b.log", "b");
   EXPECT_FALSE(files.Rename(folder + L"a.log", folder + L"b.log"));
   EXPECT_EQ(Content(folder + L"a.log"), "a");
   EXPECT_EQ(Content(folder + L"b.log"), "b");
-}
-
-TEST_F(FilesWinTest, Rename_NoSuchFile_Fails) {
-  EXPECT_FALSE(files.Rename(folder + L"nothing", folder + L"b.log"));
 }
 
 TEST_F(FilesWinTest, TemporaryFolder_IsThereAndEndsInABackslash) {

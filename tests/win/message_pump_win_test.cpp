@@ -48,13 +48,13 @@ class Window {
   HWND window_ = nullptr;
 };
 
-TEST(MessagePumpWin, EmptyQueue_ReturnsAtOnce) {
+TEST(MessagePumpWinTest, EmptyQueue_ReturnsAtOnce) {
   const DWORD start = GetTickCount();
   MessagePumpWin().PumpOnce();
   EXPECT_LT(GetTickCount() - start, 5000U);
 }
 
-TEST(MessagePumpWin, MessagesWait_AllAreHandledInOrder) {
+TEST(MessagePumpWinTest, MessagesWait_AllAreHandledInOrder) {
   std::vector<WPARAM> handled;
   const Window window([&](UINT, WPARAM wparam) { handled.push_back(wparam); });
   for (WPARAM i = 1; i <= 5; ++i) window.Post(i);
@@ -62,7 +62,7 @@ TEST(MessagePumpWin, MessagesWait_AllAreHandledInOrder) {
   EXPECT_EQ(handled, (std::vector<WPARAM>{1, 2, 3, 4, 5}));
 }
 
-TEST(MessagePumpWin, HandlerPostsToItselfForEver_Returns) {
+TEST(MessagePumpWinTest, HandlerPostsToItselfForEver_Returns) {
   constexpr DWORD kGiveUpAfter = 5000;
   const DWORD start = GetTickCount();
   const Window* self = nullptr;
@@ -80,7 +80,7 @@ TEST(MessagePumpWin, HandlerPostsToItselfForEver_Returns) {
   EXPECT_GE(handled, 1);
 }
 
-TEST(MessagePumpWin, HandlerPumpsItself_BothReturn) {
+TEST(MessagePumpWinTest, HandlerPumpsItself_BothReturn) {
   std::vector<WPARAM> handled;
   const Window window([&](UINT, WPARAM wparam) {
     handled.push_back(wparam);
@@ -92,7 +92,7 @@ TEST(MessagePumpWin, HandlerPumpsItself_BothReturn) {
   EXPECT_EQ(handled, (std::vector<WPARAM>{1, 2}));
 }
 
-TEST(MessagePumpWin, TimerIsDue_IsDelivered) {
+TEST(MessagePumpWinTest, TimerIsDue_IsDelivered) {
   int ticks = 0;
   const Window window([&](UINT message, WPARAM) { ticks += message == WM_TIMER ? 1 : 0; });
   SetTimer(window.handle(), 1, 10, nullptr);
@@ -102,7 +102,7 @@ TEST(MessagePumpWin, TimerIsDue_IsDelivered) {
   EXPECT_GE(ticks, 1);
 }
 
-TEST(MessagePumpWin, CharacterOutsideTheCodePage_ArrivesWhole) {
+TEST(MessagePumpWinTest, CharacterOutsideTheCodePage_ArrivesWhole) {
   std::vector<WPARAM> characters;
   const Window window([&](UINT, WPARAM wparam) { characters.push_back(wparam); });
   PostMessageW(window.handle(), WM_CHAR, 0x0416, 0);
@@ -110,7 +110,7 @@ TEST(MessagePumpWin, CharacterOutsideTheCodePage_ArrivesWhole) {
   EXPECT_EQ(characters, std::vector<WPARAM>{0x0416});
 }
 
-TEST(MessagePumpWin, QuitWaits_IsPutBackAfterTheOtherMessages) {
+TEST(MessagePumpWinTest, QuitWaits_IsPutBackAfterTheOtherMessages) {
   std::vector<WPARAM> handled;
   const Window window([&](UINT, WPARAM wparam) { handled.push_back(wparam); });
   window.Post(7);

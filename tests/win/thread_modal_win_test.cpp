@@ -13,15 +13,15 @@
 namespace kesp {
 namespace {
 
-class ThreadModalWinTest : public testing::Test {
+class ThreadModalTest : public testing::Test {
  protected:
-  ThreadModalWinTest() {
+  ThreadModalTest() {
     for (HWND& window : windows_) {
       window = CreateWindowW(L"STATIC", L"client", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 50, 50, nullptr,
                              nullptr, nullptr, nullptr);
     }
   }
-  ~ThreadModalWinTest() override {
+  ~ThreadModalTest() override {
     for (HWND window : windows_) DestroyWindow(window);
   }
 
@@ -46,7 +46,7 @@ class ThreadModalWinTest : public testing::Test {
   HWND windows_[3] = {};
 };
 
-TEST_F(ThreadModalWinTest, MemoryIsOut_ThrowsAndDisablesNothing) {
+TEST_F(ThreadModalTest, MemoryIsOut_ThrowsAndDisablesNothing) {
   EXPECT_GT(FailEach([this] {
               const ThreadModal modal(windows_[0]);
               EXPECT_TRUE(IsWindowEnabled(windows_[0]));
@@ -56,7 +56,7 @@ TEST_F(ThreadModalWinTest, MemoryIsOut_ThrowsAndDisablesNothing) {
   EXPECT_TRUE(AllEnabled());
 }
 
-TEST_F(ThreadModalWinTest, MemoryIsOutForAList_ThrowsWhenTheSystemHasReturned) {
+TEST_F(ThreadModalTest, MemoryIsOutForAList_ThrowsWhenTheSystemHasReturned) {
   for (const int id : {1, 2, 3}) {
     CreateWindowW(L"STATIC", L"", WS_CHILD, 0, 0, 5, 5, windows_[0],
                   reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), nullptr, nullptr);

@@ -81,6 +81,13 @@ bool HasClass(HWND window, const wchar_t* name) {
   return lstrcmpiW(text.data(), name) == 0;
 }
 
+HWND FocusOf(DWORD thread) {
+  GUITHREADINFO info{};
+  info.cbSize = sizeof(info);
+  GetGUIThreadInfo(thread, &info);
+  return info.hwndFocus;
+}
+
 HWND FindDialog(const std::wstring& caption, DWORD thread) {
   DialogSearch search{caption, nullptr};
   EnumThreadWindows(thread, &IsTheDialog, reinterpret_cast<LPARAM>(&search));

@@ -37,6 +37,9 @@ inline RECT AreaOf(HWND window) {
 
 bool HasClass(HWND window, const wchar_t* name);
 
+// The window of that thread that has the keyboard; null when none has.
+HWND FocusOf(DWORD thread);
+
 // The visible dialog with that caption on that thread; null when there is none.
 HWND FindDialog(const std::wstring& caption, DWORD thread);
 
