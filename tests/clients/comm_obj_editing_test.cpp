@@ -15,9 +15,6 @@ namespace {
 constexpr wchar_t kSource[] = L"[CKespCommObj - Edit()]";
 constexpr wchar_t kNoTransport[] = L"Communications object not initialized";
 
-// 16 and -1 have bits without a name.
-constexpr long kFlags[] = {0, 1, 2, 4, 8, 15, 16, -1};
-
 // An argument that a script leaves out.
 VARIANT LeftOut() {
   VARIANT value;
@@ -32,12 +29,6 @@ class EditingTest : public testing::Test {
   void SetStyle(ECommStyle style) {
     EXPECT_EQ(WriteByReference(comm_, &_CKespCommObj::put_CommStyle, style), S_OK);
   }
-  Refusal Edit(long flags = 0, const wchar_t* help_file = L"", long help_context = 0) {
-    answer_ = 5;
-    return RefusalOf(
-        comm_->Edit(static_cast<EEditCommFlags>(flags), Text(help_file).get(), help_context, &answer_));
-  }
-
   // Raised late bound, so the call got as far as the object.
   static void ExpectRaised(const Outcome& outcome) {
     EXPECT_EQ(outcome.result, DISP_E_EXCEPTION);
@@ -60,78 +51,46 @@ class EditingTest : public testing::Test {
   VARIANT_BOOL answer_ = VARIANT_FALSE;
 };
 
-TEST_F(EditingTest, NoTransport_RaisesWhateverTheArguments) {
-  SetStyle(csNone);
-  for (const long flags : kFlags) {
-    EXPECT_EQ(Edit(flags, L"C:\\help\\lab.hlp", 7), (Refusal{ERR_NO_COMM_OBJECT, kSource, kNoTransport}))
-        << flags;
+// Which bits have a name is no matter, and no text at all is an empty one.
+TEST_F(EditingTest, EarlyBound_RaisesWithoutTransportAndIsFalseAtOnceForIeee) {
+  const Text file(L"C:\\help\\lab.hlp");
+  for (const auto& [flags, help_file] : {std::pair{0L, file.get()}, {-1L, file.get()}, {15L, BSTR{}}}) {
+    const auto edit = [&, flags = flags, help_file = help_file] {
+      answer_ = 5;
+      return RefusalOf(comm_->Edit(static_cast<EEditCommFlags>(flags), help_file, 7, &answer_));
+    };
+    SetStyle(csNone);
+    EXPECT_EQ(edit(), (Refusal{ERR_NO_COMM_OBJECT, kSource, kNoTransport})) << flags;
+    EXPECT_EQ(answer_, VARIANT_FALSE) << flags;
+    SetStyle(csIEEE);
+    EXPECT_EQ(edit(), Refusal{}) << flags;
     EXPECT_EQ(answer_, VARIANT_FALSE) << flags;
   }
 }
 
-TEST_F(EditingTest, Ieee_FalseAtOnceWhateverTheArguments) {
-  SetStyle(csIEEE);
-  for (const long flags : kFlags) {
-    EXPECT_EQ(Edit(flags, L"C:\\help\\lab.hlp", 7), Refusal{}) << flags;
-    EXPECT_EQ(answer_, VARIANT_FALSE) << flags;
-  }
-  // No text at all is an empty one.
-  EXPECT_EQ(comm_->Edit(EEditCommFlags{}, nullptr, 0, &answer_), S_OK);
-}
-
-TEST_F(EditingTest, Status_StaysAsItWas) {
-  SetStyle(csTCPIP);
-  Text reply;
-  VARIANT_BOOL answered = VARIANT_TRUE;
-  EXPECT_EQ(comm_->Query(reply.in_out(), Text(L"t").get(), nullptr, nullptr, &answered), S_OK);
-  ASSERT_EQ(Read(comm_, &_CKespCommObj::get_CommError), cfrInvalidIPAddress);
-  for (const ECommStyle style : {csIEEE, csNone}) {
-    SetStyle(style);
-    Edit();
-    EXPECT_EQ(Read(comm_, &_CKespCommObj::get_CommError), cfrInvalidIPAddress);
-    EXPECT_EQ(Read(comm_, &_CKespCommObj::get_CommErrorSource), L"[CKespTCP - Initialize()]");
-    EXPECT_EQ(Read(comm_, &_CKespCommObj::get_CommErrorDescr), L"Invalid IP Address");
-  }
-}
-
-TEST_F(EditingTest, LateBound_EachArgumentMayBeLeftOut) {
+TEST_F(EditingTest, LateBound_EachArgumentMayBeLeftOutOrNamed) {
   const Value flags(5);
   const Value help_file(L"C:\\help\\lab.hlp");
   const Value help_context(7);
-  const std::vector<std::vector<VARIANT>> calls = {
-      {},
-      {Plain(flags)},
-      {Plain(flags), Plain(help_file)},
-      {Plain(flags), Plain(help_file), Plain(help_context)},
-      {LeftOut(), Plain(help_file)},
-      {LeftOut(), LeftOut(), Plain(help_context)},
-      {LeftOut(), LeftOut(), LeftOut()},
+  const std::pair<std::vector<VARIANT>, std::vector<Named>> calls[] = {
+      {{}, {}},
+      {{Plain(flags)}, {}},
+      {{Plain(flags), Plain(help_file)}, {}},
+      {{Plain(flags), Plain(help_file), Plain(help_context)}, {}},
+      {{LeftOut(), Plain(help_file)}, {}},
+      {{LeftOut(), LeftOut(), Plain(help_context)}, {}},
+      {{LeftOut(), LeftOut(), LeftOut()}, {}},
+      {{}, {{L"HCID", Plain(help_context)}}},
+      {{}, {{L"HelpFile", Plain(help_file)}}},
+      {{}, {{L"HelpFile", Plain(help_file)}, {L"HCID", Plain(help_context)}, {L"Flags", Plain(flags)}}},
   };
-  for (const std::vector<VARIANT>& arguments : calls) {
+  for (const auto& [arguments, named] : calls) {
     SCOPED_TRACE(arguments.size());
-    SetStyle(csNone);
-    ExpectRaised(late_.Call(L"Edit", arguments));
-    SetStyle(csIEEE);
-    ExpectFalse(late_.Call(L"Edit", arguments));
-  }
-}
-
-TEST_F(EditingTest, LateBound_NamedArgumentsInAnyOrder) {
-  const Value flags(8);
-  const Value help_file(L"C:\\help\\lab.hlp");
-  const Value help_context(7);
-  const std::vector<std::vector<Named>> calls = {
-      {{L"HCID", Plain(help_context)}},
-      {{L"HelpFile", Plain(help_file)}},
-      {{L"HCID", Plain(help_context)}, {L"Flags", Plain(flags)}},
-      {{L"HelpFile", Plain(help_file)}, {L"HCID", Plain(help_context)}, {L"Flags", Plain(flags)}},
-  };
-  for (const std::vector<Named>& named : calls) {
     SCOPED_TRACE(named.size());
     SetStyle(csNone);
-    ExpectRaised(late_.Call(L"Edit", {}, named));
+    ExpectRaised(late_.Call(L"Edit", arguments, named));
     SetStyle(csIEEE);
-    ExpectFalse(late_.Call(L"Edit", {}, named));
+    ExpectFalse(late_.Call(L"Edit", arguments, named));
   }
 }
 
