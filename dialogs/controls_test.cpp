@@ -19,10 +19,8 @@ class ControlsTest : public testing::Test {
 
   // A handler that writes down that it runs, among what the view is told.
   std::function<void()> Handler() {
-    return [this] { view_.lines.push_back("handler"); };
+    return [this] { view_.lines.push_back(L"handler"); };
   }
-
-  using Lines = std::vector<std::string>;
 
   ControlOwner form_;
   FormViewFake view_;
@@ -49,7 +47,7 @@ TEST_F(ControlsTest, EnableAndShow_AreToldToTheView) {
   EXPECT_FALSE(label.visible());
   label.Enable(true);
   label.Show(true);
-  EXPECT_EQ(view_.lines, (Lines{"5 disabled", "5 hidden", "5 enabled", "5 shown"}));
+  EXPECT_EQ(view_.lines, (Lines{L"5 disabled", L"5 hidden", L"5 enabled", L"5 shown"}));
 }
 
 TEST_F(ControlsTest, ChangeWithoutView_IsKept) {
@@ -63,7 +61,7 @@ TEST_F(ControlsTest, ChangeWithoutView_IsKept) {
 TEST_F(ControlsTest, LabelSetText_IsShown) {
   Label label(form_, 5, 0);
   label.SetText(L"Power level 4");
-  EXPECT_EQ(view_.lines, Lines{"5 text Power level 4"});
+  EXPECT_EQ(view_.lines, Lines{L"5 text Power level 4"});
 }
 
 TEST_F(ControlsTest, ButtonClick_RunsTheHandlerOnlyWhileEnabled) {
@@ -73,7 +71,7 @@ TEST_F(ControlsTest, ButtonClick_RunsTheHandlerOnlyWhileEnabled) {
   button.Click();
   button.Enable(false);
   button.Click();
-  EXPECT_EQ(view_.lines, (Lines{"handler", "5 disabled"}));
+  EXPECT_EQ(view_.lines, (Lines{L"handler", L"5 disabled"}));
 }
 
 TEST_F(ControlsTest, CheckBoxClick_TogglesAndRunsTheHandlerAfterIt) {
@@ -85,7 +83,7 @@ TEST_F(ControlsTest, CheckBoxClick_TogglesAndRunsTheHandlerAfterIt) {
   box.on_click = Handler();
   box.Click();
   EXPECT_FALSE(box.checked());
-  EXPECT_EQ(view_.lines, (Lines{"5 checked", "5 unchecked", "handler"}));
+  EXPECT_EQ(view_.lines, (Lines{L"5 checked", L"5 unchecked", L"handler"}));
 }
 
 TEST_F(ControlsTest, CheckBoxSetChecked_RunsTheHandlerOnlyWhenItChanges) {
@@ -96,7 +94,7 @@ TEST_F(ControlsTest, CheckBoxSetChecked_RunsTheHandlerOnlyWhenItChanges) {
   EXPECT_TRUE(view_.lines.empty());
   box.SetChecked(true);
   box.SetChecked(true);
-  EXPECT_EQ(view_.lines, (Lines{"5 checked", "handler"}));
+  EXPECT_EQ(view_.lines, (Lines{L"5 checked", L"handler"}));
 }
 
 TEST_F(ControlsTest, DisabledCheckBox_IsForTheFormAlone) {
@@ -117,7 +115,7 @@ TEST_F(ControlsTest, OptionSelect_RunsTheHandlerAlsoWhenSelectedAlready) {
   option.Click();
   option.Deselect();
   EXPECT_FALSE(option.selected());
-  EXPECT_EQ(view_.lines, (Lines{"5 checked", "5 checked", "handler", "5 unchecked"}));
+  EXPECT_EQ(view_.lines, (Lines{L"5 checked", L"5 checked", L"handler", L"5 unchecked"}));
 }
 
 TEST_F(ControlsTest, DisabledOption_CannotBeClicked) {
@@ -126,7 +124,7 @@ TEST_F(ControlsTest, DisabledOption_CannotBeClicked) {
   option.Enable(false);
   option.Click();
   EXPECT_FALSE(option.selected());
-  EXPECT_EQ(view_.lines, Lines{"5 disabled"});
+  EXPECT_EQ(view_.lines, Lines{L"5 disabled"});
 }
 
 TEST_F(ControlsTest, ListFill_ReplacesTheEntriesAndSelectsNone) {
@@ -138,7 +136,7 @@ TEST_F(ControlsTest, ListFill_ReplacesTheEntriesAndSelectsNone) {
   EXPECT_EQ(list.entries(), (std::vector<ChoiceList::Entry>{{L"x", 1, "image"}}));
   EXPECT_FALSE(list.selection().has_value());
   EXPECT_EQ(list.selected(), nullptr);
-  EXPECT_EQ(view_.lines, (Lines{"5 entries 3", "5 selection 1", "5 entries 1"}));
+  EXPECT_EQ(view_.lines, (Lines{L"5 entries 3", L"5 selects b", L"5 entries 1"}));
 }
 
 TEST_F(ControlsTest, ListSelect_ByProgramRunsNoHandler) {
@@ -149,7 +147,7 @@ TEST_F(ControlsTest, ListSelect_ByProgramRunsNoHandler) {
   EXPECT_EQ(list.selected(), &list.entries()[2]);
   list.Select(3);  // there is none
   EXPECT_EQ(list.selection(), 2U);
-  EXPECT_EQ(view_.lines, (Lines{"5 entries 3", "5 selection 2"}));
+  EXPECT_EQ(view_.lines, (Lines{L"5 entries 3", L"5 selects c"}));
 }
 
 TEST_F(ControlsTest, ListSelectValue_SelectsTheFirstOfEqualOnes) {
@@ -160,7 +158,7 @@ TEST_F(ControlsTest, ListSelectValue_SelectsTheFirstOfEqualOnes) {
   EXPECT_EQ(list.selection(), 1U);
   list.SelectValue(7);
   EXPECT_EQ(list.selection(), 0U);
-  EXPECT_EQ(view_.lines, (Lines{"5 entries 3", "5 selection 1", "5 selection 0"}));
+  EXPECT_EQ(view_.lines, (Lines{L"5 entries 3", L"5 selects b", L"5 selects a"}));
 }
 
 TEST_F(ControlsTest, ListSelectValue_WithoutSuchAnEntryKeepsTheSelection) {
@@ -171,7 +169,7 @@ TEST_F(ControlsTest, ListSelectValue_WithoutSuchAnEntryKeepsTheSelection) {
   list.Select(2);
   list.SelectValue(9);
   EXPECT_EQ(list.selection(), 2U);
-  EXPECT_EQ(view_.lines, (Lines{"5 entries 3", "5 selection 2"}));
+  EXPECT_EQ(view_.lines, (Lines{L"5 entries 3", L"5 selects c"}));
 }
 
 TEST_F(ControlsTest, ListSelectedAs_IsTheEntrysValueOrTheOneForNone) {
@@ -191,7 +189,7 @@ TEST_F(ControlsTest, ListChoose_SelectsAndThenRunsTheHandler) {
   list.Choose(1);
   list.Choose(1);
   EXPECT_EQ(view_.lines,
-            (Lines{"5 entries 3", "5 selection 0", "5 selection 1", "handler", "5 selection 1", "handler"}));
+            (Lines{L"5 entries 3", L"5 selects a", L"5 selects b", L"handler", L"5 selects b", L"handler"}));
 }
 
 TEST_F(ControlsTest, ListChoose_NoSuchEntryOrDisabledDoesNothing) {
@@ -202,7 +200,7 @@ TEST_F(ControlsTest, ListChoose_NoSuchEntryOrDisabledDoesNothing) {
   list.Enable(false);
   list.Choose(0);
   EXPECT_FALSE(list.selection().has_value());
-  EXPECT_EQ(view_.lines, (Lines{"5 entries 3", "5 disabled"}));
+  EXPECT_EQ(view_.lines, (Lines{L"5 entries 3", L"5 disabled"}));
 }
 
 TEST_F(ControlsTest, ProgressBarSetValue_IsShownInsideItsEnds) {
@@ -218,7 +216,7 @@ TEST_F(ControlsTest, ProgressBarSetValue_IsShownInsideItsEnds) {
     bar.SetValue(row.value);
     EXPECT_EQ(bar.value(), row.shown) << row.value;
   }
-  EXPECT_EQ(view_.lines.front(), "5 value 3");
+  EXPECT_EQ(view_.lines.front(), L"5 value 3");
   EXPECT_EQ(view_.lines.size(), std::size(rows));
 }
 
@@ -239,7 +237,7 @@ TEST_F(ControlsTest, TabStripChoose_SelectsAndThenRunsTheHandler) {
   strip.Select(1);
   strip.Select(2);
   EXPECT_EQ(strip.selection(), 1U);
-  EXPECT_EQ(view_.lines, (Lines{"5 selection 1", "5 selection 0", "handler", "5 selection 1"}));
+  EXPECT_EQ(view_.lines, (Lines{L"5 selects b", L"5 selects a", L"handler", L"5 selects b"}));
 }
 
 TEST_F(ControlsTest, TabStripRemove_KeepsTheSelectedTabWhereItCan) {
@@ -259,7 +257,7 @@ TEST_F(ControlsTest, TabStripRemove_LeavesTheOthersWithTheirPages) {
   TabStrip strip(form_, 5, {{L"a", 0}, {L"b", 1}, {L"c", 2}});
   strip.Remove(1);
   EXPECT_EQ(strip.tabs(), (std::vector<TabStrip::Tab>{{L"a", 0}, {L"c", 2}}));
-  EXPECT_EQ(view_.lines, Lines{"5 entries 2"});
+  EXPECT_EQ(view_.lines, Lines{L"5 entries 2"});
 }
 
 class NamingVisitor final : public ControlVisitor {

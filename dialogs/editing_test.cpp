@@ -184,24 +184,12 @@ TEST(ToInteger32, NoRoom_RaisesOverflow) {
   }
 }
 
-TEST(ShowMessage, WithoutHelpFile_HasNoHelpButton) {
+TEST(ShowMessage, HelpFile_AddsAHelpButtonForItsTopic) {
   UserSurfaceFake user;
   ShowMessage(user, L"Enter the RF channel.", L"Invalid RF Channel", L"", 7);
-  ASSERT_EQ(user.boxes().size(), 1U);
-  EXPECT_EQ(user.boxes()[0].text, L"Enter the RF channel.");
-  EXPECT_EQ(user.boxes()[0].title, L"Invalid RF Channel");
-  EXPECT_EQ(user.boxes()[0].style, 64U);
-  EXPECT_EQ(user.boxes()[0].help_file, L"");
-  EXPECT_EQ(user.boxes()[0].help_context, 0);
-}
-
-TEST(ShowMessage, WithHelpFile_HasAHelpButtonForItsTopic) {
-  UserSurfaceFake user;
   ShowMessage(user, L"A", L"B", L"C:\\kesp.hlp", 7);
-  ASSERT_EQ(user.boxes().size(), 1U);
-  EXPECT_EQ(user.boxes()[0].style, 16448U);
-  EXPECT_EQ(user.boxes()[0].help_file, L"C:\\kesp.hlp");
-  EXPECT_EQ(user.boxes()[0].help_context, 7);
+  EXPECT_EQ(user.TakeBoxes(), (Boxes{Remark(L"Invalid RF Channel", L"Enter the RF channel."),
+                                     {L"A", L"B", 16448, L"C:\\kesp.hlp", 7}}));
 }
 
 TEST(ShowMessage, BusyPointer_IsTheDefaultOneUnderTheBoxAndAfterIt) {

@@ -28,21 +28,21 @@ void FormForTest::OnKeyPress(TextBox& box, std::int16_t key) {
   on_key_press(box, key);
 }
 
-FormTest::FormTest() {
+FormFixture::FormFixture() {
   form_.SetView(&view_);
-  user_.on_box = [this] { view_.lines.push_back("box"); };
+  user_.on_box = [this] { view_.lines.push_back(L"box"); };
 }
 
-FormTest::~FormTest() = default;
+FormFixture::~FormFixture() = default;
 
-std::function<bool()> FormTest::Step(const char* name, bool outcome) {
+std::function<bool()> FormFixture::Step(const wchar_t* name, bool outcome) {
   return [this, name, outcome] {
     view_.lines.push_back(name);
     return outcome;
   };
 }
 
-void FormTest::Click(std::size_t button) {
+void FormFixture::Click(std::size_t button) {
   form_.Use([this, button] { form_.cmdOKCancelHelp[button].Click(); });
 }
 

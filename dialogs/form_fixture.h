@@ -43,15 +43,13 @@ class FormForTest final : public Form {
   void OnKeyPress(TextBox& box, std::int16_t key) override;
 };
 
-class FormTest : public testing::Test {
+class FormFixture : public testing::Test {
  protected:
-  using Lines = std::vector<std::string>;
-
-  FormTest();
-  ~FormTest() override;
+  FormFixture();
+  ~FormFixture() override;
 
   // A step that writes itself down and returns the outcome.
-  std::function<bool()> Step(const char* name, bool outcome = true);
+  std::function<bool()> Step(const wchar_t* name, bool outcome = true);
 
   void Click(std::size_t button);
 

@@ -12,8 +12,9 @@
 namespace kesp {
 namespace {
 
-constexpr wchar_t kOverflowBox[] =
-    L"An error occurred while attempting to test.\r\nError: 6 - Overflow\r\n(KespCommObj)";
+using FormTest = FormFixture;
+
+const Boxes kOverflowBox = {ErrorBox(L"test", L"6 - Overflow\r\n(KespCommObj)")};
 
 TEST_F(FormTest, New_IsOpenOnItsFirstPage) {
   EXPECT_TRUE(form_.is_open());
@@ -58,57 +59,54 @@ TEST_F(FormTest, LoadFails_IsShownAndEndsTheDialogAsCancelled) {
   form_.FirstPaint();
   form_.FirstPaint();
   EXPECT_EQ(loads, 1);
-  ASSERT_EQ(user_.boxes().size(), 1U);
-  EXPECT_EQ(user_.boxes()[0].text, kOverflowBox);
-  EXPECT_EQ(user_.boxes()[0].title, L"Kesp Communications Error");
-  EXPECT_EQ(user_.boxes()[0].style, 16U);
+  EXPECT_EQ(user_.TakeBoxes(), kOverflowBox);
   EXPECT_FALSE(form_.is_open());
   EXPECT_TRUE(form_.bCancel());
 }
 
 TEST_F(FormTest, OK_ValidatesThenWritesThenCloses) {
-  form_.on_validate = Step("validate");
+  form_.on_validate = Step(L"validate");
   form_.on_write = [this] {
-    view_.lines.push_back("write");
+    view_.lines.push_back(L"write");
     EXPECT_TRUE(form_.is_open());
     return true;
   };
   Click(Form::kOK);
-  EXPECT_EQ(view_.lines, (Lines{"validate", "write"}));
+  EXPECT_EQ(view_.lines, (Lines{L"validate", L"write"}));
   EXPECT_FALSE(form_.is_open());
   EXPECT_FALSE(form_.bCancel());
 }
 
 TEST_F(FormTest, OKWithInvalidEntries_WritesNothingAndStays) {
-  form_.on_validate = Step("validate", false);
-  form_.on_write = Step("write");
+  form_.on_validate = Step(L"validate", false);
+  form_.on_write = Step(L"write");
   Click(Form::kOK);
-  EXPECT_EQ(view_.lines, Lines{"validate"});
+  EXPECT_EQ(view_.lines, Lines{L"validate"});
   EXPECT_TRUE(form_.is_open());
   EXPECT_FALSE(form_.bCancel());
 }
 
 TEST_F(FormTest, OKThatCannotBeWritten_StaysForAnotherAttempt) {
-  form_.on_write = Step("write", false);
+  form_.on_write = Step(L"write", false);
   Click(Form::kOK);
   EXPECT_TRUE(form_.is_open());
-  form_.on_write = Step("write");
+  form_.on_write = Step(L"write");
   Click(Form::kOK);
   EXPECT_FALSE(form_.is_open());
 }
 
 TEST_F(FormTest, OKFails_IsShownAndStays) {
   form_.on_validate = []() -> bool { throw Overflow(); };
-  form_.on_write = Step("write");
+  form_.on_write = Step(L"write");
   Click(Form::kOK);
-  EXPECT_EQ(view_.lines, Lines{"box"});
-  EXPECT_EQ(user_.boxes().at(0).text, kOverflowBox);
+  EXPECT_EQ(view_.lines, Lines{L"box"});
+  EXPECT_EQ(user_.TakeBoxes(), kOverflowBox);
   EXPECT_TRUE(form_.is_open());
 }
 
 TEST_F(FormTest, Cancel_ClosesWithoutValidatingOrWriting) {
-  form_.on_validate = Step("validate");
-  form_.on_write = Step("write");
+  form_.on_validate = Step(L"validate");
+  form_.on_write = Step(L"write");
   Click(Form::kCancel);
   EXPECT_FALSE(form_.is_open());
   EXPECT_TRUE(form_.bCancel());
@@ -132,7 +130,7 @@ TEST_F(FormTest, HelpFails_NobodyIsTold) {
 }
 
 TEST_F(FormTest, Close_IsCancel) {
-  form_.on_write = Step("write");
+  form_.on_write = Step(L"write");
   form_.Close();
   EXPECT_FALSE(form_.is_open());
   EXPECT_TRUE(form_.bCancel());
@@ -148,11 +146,8 @@ TEST_F(FormTest, CloseAfterOK_ChangesNothing) {
 TEST_F(FormTest, UseFails_IsShownWhateverWasThrown) {
   form_.Use([] { throw Failure(-5, L"", L"No source"); });
   form_.Use([] { throw std::runtime_error("odd"); });
-  ASSERT_EQ(user_.boxes().size(), 2U);
-  EXPECT_EQ(user_.boxes()[0].text, L"An error occurred while attempting to test.\r\nError: -5 - No source");
-  EXPECT_TRUE(
-      user_.boxes()[1].text.starts_with(L"An error occurred while attempting to test.\r\nError: 51 - "))
-      << testing::PrintToString(user_.boxes()[1].text);
+  EXPECT_EQ(user_.TakeBoxes(), (Boxes{ErrorBox(L"test", L"-5 - No source"),
+                                      ErrorBox(L"test", L"51 - Internal error (odd)\r\n(KespCommObj)")}));
   EXPECT_TRUE(form_.is_open());
 }
 

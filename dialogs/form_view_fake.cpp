@@ -3,7 +3,6 @@
 
 #include "dialogs/controls.h"
 #include "dialogs/text_box.h"
-#include "support/text.h"
 
 namespace kesp {
 
@@ -14,8 +13,8 @@ std::wstring TextOf(const Control& control) {
   return label != nullptr ? label->text() : dynamic_cast<const TextBox&>(control).text();
 }
 
-std::string SelectedText(const TextBox& box) {
-  return std::to_string(box.selection_start()) + "+" + std::to_string(box.selection_length());
+std::wstring SelectedText(const TextBox& box) {
+  return std::to_wstring(box.selection_start()) + L"+" + std::to_wstring(box.selection_length());
 }
 
 bool IsChecked(const Control& control) {
@@ -28,31 +27,32 @@ std::size_t CountOfEntries(const Control& control) {
   return strip != nullptr ? strip->tabs().size() : dynamic_cast<const ChoiceList&>(control).entries().size();
 }
 
-std::size_t Selection(const Control& control) {
+std::wstring Selected(const Control& control) {
   const auto* strip = dynamic_cast<const TabStrip*>(&control);
-  return strip != nullptr ? strip->selection() : dynamic_cast<const ChoiceList&>(control).selection().value();
+  return strip != nullptr ? strip->tabs().at(strip->selection()).caption
+                          : dynamic_cast<const ChoiceList&>(control).selected()->text;
 }
 
-std::string Shown(const Control& control, Change change) {
+std::wstring Shown(const Control& control, Change change) {
   switch (change) {
     case Change::kEnabled:
-      return control.enabled() ? "enabled" : "disabled";
+      return control.enabled() ? L"enabled" : L"disabled";
     case Change::kVisible:
-      return control.visible() ? "shown" : "hidden";
+      return control.visible() ? L"shown" : L"hidden";
     case Change::kText:
-      return "text " + SystemCodePage().ToBytes(TextOf(control));
+      return L"text " + TextOf(control);
     case Change::kSelectedText:
-      return "selected " + SelectedText(dynamic_cast<const TextBox&>(control));
+      return L"selected " + SelectedText(dynamic_cast<const TextBox&>(control));
     case Change::kChecked:
-      return IsChecked(control) ? "checked" : "unchecked";
+      return IsChecked(control) ? L"checked" : L"unchecked";
     case Change::kEntries:
-      return "entries " + std::to_string(CountOfEntries(control));
+      return L"entries " + std::to_wstring(CountOfEntries(control));
     case Change::kSelection:
-      return "selection " + std::to_string(Selection(control));
+      return L"selects " + Selected(control);
     case Change::kValue:
-      return "value " + std::to_string(dynamic_cast<const ProgressBar&>(control).value());
+      return L"value " + std::to_wstring(dynamic_cast<const ProgressBar&>(control).value());
   }
-  return "?";
+  return L"?";
 }
 
 }  // namespace
@@ -61,13 +61,18 @@ FormViewFake::FormViewFake() = default;
 
 FormViewFake::~FormViewFake() = default;
 
+std::wstring FormViewFake::NameOf(const Control& control) const {
+  const auto found = names.find(control.id());
+  return found == names.end() ? std::to_wstring(control.id()) : found->second;
+}
+
 void FormViewFake::OnChanged(const Control& control, Change change) {
-  lines.push_back(std::to_string(control.id()) + " " + Shown(control, change));
+  lines.push_back(NameOf(control) + L" " + Shown(control, change));
   if (on_change) on_change(control, change);
 }
 
 void FormViewFake::OnFocus(const Control& control) {
-  lines.push_back("focus " + std::to_string(control.id()));
+  lines.push_back(NameOf(control) + L" focused");
 }
 
 }  // namespace kesp

@@ -1,7 +1,7 @@
 // The stage of the RS-232 form's tests: what a user does and sees, in words.
 #include "dialogs/frm_com_settings_fixture.h"
 
-#include <utility>
+#include "dialogs/dialog_ids.h"
 
 namespace kesp {
 
@@ -19,140 +19,85 @@ std::wstring Selected(const ChoiceList& list) {
   return list.selected() == nullptr ? L"" : list.selected()->text;
 }
 
-frmCOMSettingsView::frmCOMSettingsView(const frmCOMSettings& form, Lines& record)
-    : form_(form), record_(record) {}
+frmCOMSettingsFixture::RFModemDialogFake::RFModemDialogFake() = default;
 
-frmCOMSettingsView::~frmCOMSettingsView() = default;
+frmCOMSettingsFixture::RFModemDialogFake::~RFModemDialogFake() = default;
 
-void frmCOMSettingsView::OnChanged(const Control& control, Change change) {
-  record_.push_back(Name(control) + L" " + Words(control, change));
-  if (on_changed) on_changed();
-}
-
-void frmCOMSettingsView::OnFocus(const Control& control) {
-  record_.push_back(Name(control) + L" focused");
-}
-
-std::wstring frmCOMSettingsView::Name(const Control& control) const {
-  const std::vector<std::pair<const Control*, const wchar_t*>> names = {
-      {&form_.icboCOMPort, L"icboCOMPort"},
-      {&form_.lblBaudRate, L"lblBaudRate"},
-      {&form_.cboBaudRate, L"cboBaudRate"},
-      {&form_.chkUseIRDongle, L"chkUseIRDongle"},
-      {&form_.chkUseRFModem, L"chkUseRFModem"},
-      {&form_.cmdRFProperties, L"cmdRFProperties"},
-      {&form_.lblInstrAddress, L"lblInstrAddress"},
-      {&form_.txtInstrAddress, L"txtInstrAddress"},
-      {&form_.chkUseRedirector, L"chkUseRedirector"},
-      {&form_.chkUseSmartSwitch, L"chkUseSmartSwitch"},
-      {&form_.lblSmartSwitchStyle, L"lblSmartSwitchStyle"},
-      {&form_.icboSmartSwitchStyle, L"icboSmartSwitchStyle"},
-      {&form_.cmdTestSmartSwitch, L"cmdTestSmartSwitch"},
-      {&form_.cboParity, L"cboParity"},
-      {&form_.cboDataBits, L"cboDataBits"},
-      {&form_.cboStopBits, L"cboStopBits"},
-      {&form_.cboMinBaudRate, L"cboMinBaudRate"},
-      {&form_.cboMaxBaudRate, L"cboMaxBaudRate"},
-      {&form_.txtTimeout, L"txtTimeout"},
-      {&form_.cboControllerStyle, L"cboControllerStyle"},
-      {&form_.chkStripCRLF, L"chkStripCRLF"},
-      {&form_.chkCheckNonASCII, L"chkCheckNonASCII"},
-      {&form_.chkCreateLogFile, L"chkCreateLogFile"},
-      {&form_.tabSettings, L"tabSettings"},
-      {&form_.framSettings[0], L"framSettings(0)"},
-      {&form_.framSettings[1], L"framSettings(1)"},
-      {&form_.framSettings[2], L"framSettings(2)"}};
-  for (const auto& [named, name] : names) {
-    if (named == &control) return name;
-  }
-  return L"?";
-}
-
-std::wstring frmCOMSettingsView::Words(const Control& control, Change change) {
-  switch (change) {
-    case Change::kEnabled:
-      return control.enabled() ? L"enabled" : L"disabled";
-    case Change::kVisible:
-      return control.visible() ? L"shown" : L"hidden";
-    case Change::kText:
-      return L"= " + dynamic_cast<const TextBox&>(control).text();
-    case Change::kChecked:
-      return dynamic_cast<const CheckBox&>(control).checked() ? L"checked" : L"unchecked";
-    case Change::kEntries:
-      return L"filled";
-    case Change::kSelection:
-      if (const auto* list = dynamic_cast<const ChoiceList*>(&control)) return L"selects " + Selected(*list);
-      return L"selects a page";
-    default:
-      return L"changed";
-  }
-}
-
-frmCOMSettingsTest::RFModemDialogFake::RFModemDialogFake() = default;
-
-frmCOMSettingsTest::RFModemDialogFake::~RFModemDialogFake() = default;
-
-void frmCOMSettingsTest::RFModemDialogFake::Show(CKespCOMPort3& port, std::int32_t help_context) {
+void frmCOMSettingsFixture::RFModemDialogFake::Show(CKespCOMPort3& port, std::int32_t help_context) {
   ports.push_back(&port);
   help_contexts.push_back(help_context);
   shown_with = {port.Port(), port.MaxBaudRate(), port.MinBaudRate(), port.BaudRate(), port.UseRFModem()};
   if (on_show) on_show();
 }
 
-frmCOMSettingsTest::frmCOMSettingsTest() {
+frmCOMSettingsFixture::frmCOMSettingsFixture() {
   ports_.code = 2;
   ports_.codes = {{1, 0}, {3, 0}};
   AllowRates(0, 13, 6);
   user_.on_box = [this] { record_.push_back(L"Box " + user_.boxes().back().title); };
   modem_dialog_.on_show = [this] { record_.push_back(L"RF dialog"); };
+  view_.names = {{ID_TAB_SETTINGS, L"tabSettings"},
+                 {ID_FRAM_SETTINGS, L"framSettings(0)"},
+                 {ID_FRAM_SETTINGS + 1, L"framSettings(1)"},
+                 {ID_FRAM_SETTINGS + 2, L"framSettings(2)"},
+                 {ID_ICBO_COM_PORT, L"icboCOMPort"},
+                 {ID_LBL_BAUD_RATE, L"lblBaudRate"},
+                 {ID_CBO_BAUD_RATE, L"cboBaudRate"},
+                 {ID_CHK_USE_IR_DONGLE, L"chkUseIRDongle"},
+                 {ID_CHK_USE_RF_MODEM, L"chkUseRFModem"},
+                 {ID_CMD_RF_PROPERTIES, L"cmdRFProperties"},
+                 {ID_LBL_INSTR_ADDRESS, L"lblInstrAddress"},
+                 {ID_TXT_INSTR_ADDRESS, L"txtInstrAddress"},
+                 {ID_CHK_USE_REDIRECTOR, L"chkUseRedirector"},
+                 {ID_CHK_USE_SMART_SWITCH, L"chkUseSmartSwitch"},
+                 {ID_LBL_SMART_SWITCH_STYLE, L"lblSmartSwitchStyle"},
+                 {ID_ICBO_SMART_SWITCH_STYLE, L"icboSmartSwitchStyle"},
+                 {ID_CMD_TEST_SMART_SWITCH, L"cmdTestSmartSwitch"},
+                 {ID_CBO_PARITY, L"cboParity"},
+                 {ID_CBO_DATA_BITS, L"cboDataBits"},
+                 {ID_CBO_STOP_BITS, L"cboStopBits"},
+                 {ID_CBO_MIN_BAUD_RATE, L"cboMinBaudRate"},
+                 {ID_CBO_MAX_BAUD_RATE, L"cboMaxBaudRate"},
+                 {ID_TXT_TIMEOUT, L"txtTimeout"},
+                 {ID_CBO_CONTROLLER_STYLE, L"cboControllerStyle"},
+                 {ID_CHK_STRIP_CRLF, L"chkStripCRLF"},
+                 {ID_CHK_CHECK_NON_ASCII, L"chkCheckNonASCII"},
+                 {ID_CHK_CREATE_LOG_FILE, L"chkCreateLogFile"}};
 }
 
-frmCOMSettingsTest::~frmCOMSettingsTest() = default;
+frmCOMSettingsFixture::~frmCOMSettingsFixture() = default;
 
-void frmCOMSettingsTest::AllowNoRate() {
+void frmCOMSettingsFixture::AllowNoRate() {
   port_.SetMinBaudRate(EKespBaudRate3::brNone);
   AllowRates(-1, -1, -1);
 }
 
-frmCOMSettings& frmCOMSettingsTest::Make(const ComPortDialogOptions& options) {
+frmCOMSettings& frmCOMSettingsFixture::Make(const ComPortDialogOptions& options) {
   form_ = std::make_unique<frmCOMSettings>(user_, port_, options, modem_dialog_);
-  view_ = std::make_unique<frmCOMSettingsView>(*form_, record_);
-  form_->SetView(view_.get());
+  form_->SetView(&view_);
   return *form_;
 }
 
-frmCOMSettings& frmCOMSettingsTest::Show(const ComPortDialogOptions& options) {
+frmCOMSettings& frmCOMSettingsFixture::Show(const ComPortDialogOptions& options) {
   Make(options).FirstPaint();
   record_.clear();
   return *form_;
 }
 
-void frmCOMSettingsTest::ClickOK() {
+void frmCOMSettingsFixture::ClickOK() {
   Click(form_->cmdOKCancelHelp[Form::kOK]);
 }
 
-void frmCOMSettingsTest::Choose(ChoiceList& list, const std::wstring& text) {
+void frmCOMSettingsFixture::Choose(ChoiceList& list, const std::wstring& text) {
   for (std::size_t index = 0; index < list.entries().size(); ++index) {
     if (list.entries()[index].text == text) return form_->Use([&] { list.Choose(index); });
   }
-  ADD_FAILURE() << "no such entry: " << SystemCodePage().ToBytes(text);
+  ADD_FAILURE() << "no such entry: " << testing::PrintToString(text);
 }
 
-void frmCOMSettingsTest::ExpectBox(const std::wstring& title, const std::wstring& text,
-                                   std::uint32_t style) const {
-  ASSERT_EQ(user_.boxes().size(), 1u);
-  const MessageBoxRequest& box = user_.boxes()[0];
-  EXPECT_EQ(box.title, title);
-  EXPECT_EQ(box.text, text);
-  EXPECT_EQ(box.style, style);
-  EXPECT_EQ(box.help_file, L"");
-  EXPECT_EQ(box.help_context, 0);
-  EXPECT_EQ(user_.pointer_under_boxes()[0], MousePointer::kDefault);
-}
-
-void frmCOMSettingsTest::ExpectErrorBox(const std::wstring& action, const std::wstring& failure) const {
-  ExpectBox(L"Kesp Communications Error",
-            L"An error occurred while attempting to " + action + L".\r\nError: " + failure, 16);
+void frmCOMSettingsFixture::ExpectRemark(const std::wstring& title, const std::wstring& text) {
+  ExpectBoxes({Remark(title, text)});
+  EXPECT_EQ(user_.pointer_under_boxes().back(), MousePointer::kDefault);
 }
 
 }  // namespace kesp

@@ -8,9 +8,9 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "dialogs/form_view_fake.h"
 #include "dialogs/frm_com_settings.h"
 #include "serial/kesp_com_port_fixture.h"
 
@@ -22,30 +22,10 @@ Lines Described(const std::vector<ChoiceList::Entry>& entries);
 // The text of what is selected; empty for nothing.
 std::wstring Selected(const ChoiceList& list);
 
-// Writes down each change of a form in words: "cboBaudRate selects 9600", "chkUseRFModem checked".
-class frmCOMSettingsView final : public FormView {
- public:
-  frmCOMSettingsView(const frmCOMSettings& form, Lines& record);
-  ~frmCOMSettingsView() override;
-
-  void OnChanged(const Control& control, Change change) override;
-  void OnFocus(const Control& control) override;
-
-  // Runs at every change; may throw.
-  std::function<void()> on_changed;
-
- private:
-  std::wstring Name(const Control& control) const;
-  static std::wstring Words(const Control& control, Change change);
-
-  const frmCOMSettings& form_;
-  Lines& record_;
-};
-
 // The stage: ports 1 and 3 of the machine are free, all others do not exist, and the transport allows every
-// rate and uses 9600 baud. The record has what the form shows, from when it was made, and "Box <title>" for
-// each message box.
-class frmCOMSettingsTest : public CKespCOMPort3Test {
+// rate and uses 9600 baud. The record has what the form shows, its controls by their names, from when it was
+// made, and "Box <title>" for each message box.
+class frmCOMSettingsFixture : public CKespCOMPort3Test {
  protected:
   static constexpr std::int32_t kHelpTopic = 4711;
   static constexpr ComPortDialogOptions kNothing{.help_context = kHelpTopic};
@@ -54,8 +34,8 @@ class frmCOMSettingsTest : public CKespCOMPort3Test {
                                                     .show_ir_dongle = true,
                                                     .help_context = kHelpTopic};
 
-  frmCOMSettingsTest();
-  ~frmCOMSettingsTest() override;
+  frmCOMSettingsFixture();
+  ~frmCOMSettingsFixture() override;
 
   // As a new transport has it.
   void AllowNoRate();
@@ -73,10 +53,10 @@ class frmCOMSettingsTest : public CKespCOMPort3Test {
   void ClickOK();
   void Choose(ChoiceList& list, const std::wstring& text);
 
-  // Expects that this box is the only one that was shown so far.
-  void ExpectBox(const std::wstring& title, const std::wstring& text, std::uint32_t style) const;
-  // The same of an error box; failure is what follows "Error: ".
-  void ExpectErrorBox(const std::wstring& action, const std::wstring& failure) const;
+  // Expects that these boxes were shown since the last time.
+  void ExpectBoxes(const Boxes& expected) { EXPECT_EQ(user_.TakeBoxes(), expected); }
+  // Expects this one, under the default pointer.
+  void ExpectRemark(const std::wstring& title, const std::wstring& text);
 
   // The dialog of the modem, which notes what the transport was set to when it was shown.
   class RFModemDialogFake final : public RFModemDialog {
@@ -101,9 +81,9 @@ class frmCOMSettingsTest : public CKespCOMPort3Test {
   };
 
   UserSurfaceFake& user_ = environment_.user;
-  Lines record_;
+  FormViewFake view_;
+  Lines& record_ = view_.lines;
   RFModemDialogFake modem_dialog_;
-  std::unique_ptr<frmCOMSettingsView> view_;
   std::unique_ptr<frmCOMSettings> form_;
 };
 

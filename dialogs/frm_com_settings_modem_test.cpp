@@ -8,7 +8,7 @@ namespace {
 
 constexpr wchar_t kTitle[] = L"Connect RF Modem";
 
-class frmCOMSettingsModemTest : public frmCOMSettingsTest {
+class frmCOMSettingsModemTest : public frmCOMSettingsFixture {
  protected:
   using Modem = RFModemDialogFake::Modem;
 
@@ -28,12 +28,15 @@ class frmCOMSettingsModemTest : public frmCOMSettingsTest {
     EXPECT_TRUE(modem_dialog_.shown_with == modem);
     ExpectTransport(modem);
   }
+  // The question was followed by this failure.
+  void ExpectFailed(const std::wstring& failure) {
+    const Boxes boxes = user_.TakeBoxes();
+    ASSERT_EQ(boxes.size(), 2u);
+    EXPECT_EQ(boxes[1], ErrorBox(L"display the RF modem properties", failure));
+  }
   void ExpectTransport(const Modem& modem) const {
-    EXPECT_EQ(port_.Port(), modem.port);
-    EXPECT_EQ(port_.MaxBaudRate(), modem.maximum);
-    EXPECT_EQ(port_.MinBaudRate(), modem.minimum);
-    EXPECT_EQ(port_.BaudRate(), modem.rate);
-    EXPECT_EQ(port_.UseRFModem(), modem.used);
+    EXPECT_TRUE((Modem{port_.Port(), port_.MaxBaudRate(), port_.MinBaudRate(), port_.BaudRate(),
+                       port_.UseRFModem()}) == modem);
   }
 };
 
@@ -50,7 +53,7 @@ TEST_F(frmCOMSettingsModemTest, NoPortSelected_IsRefused) {
   const auto before = Settings(port_);
   user_.SetPointer(MousePointer::kBusy);
   ClickProperties();
-  ExpectBox(L"Invalid COM Port", L"Select a valid COM port to use.", 64);
+  ExpectRemark(L"Invalid COM Port", L"Select a valid COM port to use.");
   EXPECT_TRUE(modem_dialog_.ports.empty());
   EXPECT_TRUE(Settings(port_) == before);
   EXPECT_TRUE(form_->is_open());
@@ -59,21 +62,21 @@ TEST_F(frmCOMSettingsModemTest, NoPortSelected_IsRefused) {
 TEST_F(frmCOMSettingsModemTest, At9600_AsksWithoutNote) {
   Choose(ShowWithModem().icboCOMPort, L"COM3");
   ClickProperties();
-  ExpectBox(kTitle,
-            L"Make sure the RF modem is connected to COM3 and set to operate at 9600 baud."
-            L" Click OK to continue or click Cancel to abort.",
-            65);
+  ExpectBoxes(
+      {{L"Make sure the RF modem is connected to COM3 and set to operate at 9600 baud."
+        L" Click OK to continue or click Cancel to abort.",
+        kTitle, 65, L"", 0}});
 }
 
 TEST_F(frmCOMSettingsModemTest, AtAnotherRate_AsksWithNoteBehindTwoCarriageReturns) {
   AllowRates(8, 13, 10);
   ShowWithModem();
   ClickProperties();
-  ExpectBox(kTitle,
-            L"Make sure the RF modem is connected to COM1 and set to operate at 115200 baud."
-            L"\r\rNote: The factory default baud rate for the RF modem is 9600."
-            L" Click OK to continue or click Cancel to abort.",
-            65);
+  ExpectBoxes(
+      {{L"Make sure the RF modem is connected to COM1 and set to operate at 115200 baud."
+        L"\r\rNote: The factory default baud rate for the RF modem is 9600."
+        L" Click OK to continue or click Cancel to abort.",
+        kTitle, 65, L"", 0}});
 }
 
 TEST_F(frmCOMSettingsModemTest, NoRateSelected_IsRefusedAndWritesNothing) {
@@ -83,40 +86,27 @@ TEST_F(frmCOMSettingsModemTest, NoRateSelected_IsRefusedAndWritesNothing) {
   ASSERT_EQ(form.cboBaudRate.selected(), nullptr);
   const auto before = Settings(port_);
   ClickProperties();
-  ExpectBox(L"Invalid Baud Rate", L"Select the baud rate.", 64);
+  ExpectRemark(L"Invalid Baud Rate", L"Select the baud rate.");
   EXPECT_TRUE(modem_dialog_.ports.empty());
   EXPECT_TRUE(Settings(port_) == before);
   EXPECT_TRUE(form.is_open());
 }
 
-TEST_F(frmCOMSettingsModemTest, Asked_AtATimeWhenNothingIsWritten) {
-  AllowRates(0, 13, 10);
-  Choose(ShowWithModem().icboCOMPort, L"COM3");
-  const auto before = Settings(port_);
-  bool unchanged = false;
-  user_.on_box = [&] { unchanged = Settings(port_) == before; };
-  ClickProperties();
-  EXPECT_TRUE(unchanged);
-}
-
-TEST_F(frmCOMSettingsModemTest, Cancelled_WritesAndShowsNothing) {
-  Choose(ShowWithModem().icboCOMPort, L"COM3");
-  const auto before = Settings(port_);
-  user_.Answer(kCancelAnswer);
-  ClickProperties();
-  EXPECT_EQ(user_.boxes().size(), 1u);
-  EXPECT_TRUE(Settings(port_) == before);
-  EXPECT_TRUE(modem_dialog_.ports.empty());
-  EXPECT_TRUE(form_->is_open());
-}
-
-TEST_F(frmCOMSettingsModemTest, BoxCannotBeShown_WritesNothingAndAsksNoModem) {
-  ShowWithModem();
-  const auto before = Settings(port_);
-  user_.Answer(0);
-  ClickProperties();
-  EXPECT_TRUE(Settings(port_) == before);
-  EXPECT_TRUE(modem_dialog_.ports.empty());
+// No answer at all is that of a box that cannot be shown.
+TEST_F(frmCOMSettingsModemTest, AskedAndNotAccepted_WritesAndShowsNothing) {
+  for (const int answer : {kCancelAnswer, 0}) {
+    Choose(ShowWithModem().icboCOMPort, L"COM3");
+    const auto before = Settings(port_);
+    bool unchanged = false;
+    user_.on_box = [&] { unchanged = Settings(port_) == before; };
+    user_.Answer(answer);
+    ClickProperties();
+    EXPECT_TRUE(unchanged);
+    EXPECT_EQ(user_.TakeBoxes().size(), 1u);
+    EXPECT_TRUE(Settings(port_) == before);
+    EXPECT_TRUE(modem_dialog_.ports.empty());
+    EXPECT_TRUE(form_->is_open());
+  }
 }
 
 TEST_F(frmCOMSettingsModemTest, Accepted_WritesTheTransportAndShowsTheDialog) {
@@ -162,12 +152,9 @@ TEST_F(frmCOMSettingsModemTest, RangeAboveTheModems_IsShownAndOnlyThePortIsWritt
   AllowRates(11, 13, 11);
   Choose(ShowWithModem().icboCOMPort, L"COM3");
   ClickProperties();
-  ASSERT_EQ(user_.boxes().size(), 2u);
-  EXPECT_EQ(user_.boxes()[1].text,
-            L"An error occurred while attempting to display the RF modem properties.\r\nError: " +
-                std::to_wstring(com_port_error::ERR_INVALID_BAUD_RATE) +
-                L" - Cannot set maximum baud rate lower than minimum baud rate.\r\n"
-                L"(CKespCOMPort3 - MaxBaudRate)");
+  ExpectFailed(std::to_wstring(com_port_error::ERR_INVALID_BAUD_RATE) +
+               L" - Cannot set maximum baud rate lower than minimum baud rate.\r\n"
+               L"(CKespCOMPort3 - MaxBaudRate)");
   ExpectTransport({3, EKespBaudRate3::br921600, EKespBaudRate3::br230400, EKespBaudRate3::br230400, false});
   EXPECT_TRUE(modem_dialog_.ports.empty());
 }
@@ -176,10 +163,7 @@ TEST_F(frmCOMSettingsModemTest, DialogFails_IsShownAndTheWritesStay) {
   ShowWithModem();
   modem_dialog_.on_show = [] { throw std::runtime_error("no window"); };
   ClickProperties();
-  ASSERT_EQ(user_.boxes().size(), 2u);
-  EXPECT_EQ(user_.boxes()[1].text,
-            L"An error occurred while attempting to display the RF modem properties.\r\n"
-            L"Error: 51 - Internal error (no window)\r\n(KespCommObj)");
+  ExpectFailed(L"51 - Internal error (no window)\r\n(KespCommObj)");
   ExpectTransport({1, EKespBaudRate3::br115200, EKespBaudRate3::br1200, EKespBaudRate3::br9600, true});
   EXPECT_TRUE(form_->is_open());
 }

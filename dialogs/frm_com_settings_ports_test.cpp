@@ -7,7 +7,7 @@
 namespace kesp {
 namespace {
 
-class frmCOMSettingsPortsTest : public frmCOMSettingsTest {};
+using frmCOMSettingsPortsTest = frmCOMSettingsFixture;
 
 TEST_F(frmCOMSettingsPortsTest, EachTriedOnceInOrder) {
   ports_.codes = {{1, 5}, {2, 31}, {256, 0}};
@@ -48,7 +48,7 @@ TEST_F(frmCOMSettingsPortsTest, None_NothingIsSelected) {
   EXPECT_TRUE(form.icboCOMPort.entries().empty());
   EXPECT_EQ(form.icboCOMPort.selected(), nullptr);
   EXPECT_EQ(Selected(form.cboBaudRate), L"9600");
-  EXPECT_TRUE(user_.boxes().empty());
+  ExpectBoxes({});
 }
 
 TEST_F(frmCOMSettingsPortsTest, LookedForUnderTheBusyPointer) {
@@ -65,12 +65,9 @@ TEST_F(frmCOMSettingsPortsTest, CannotBeFoundOut_IsShownAndTheOthersAreListed) {
     if (port == 2 || port == 3) throw std::runtime_error("out of order");
   };
   const frmCOMSettings& form = Show();
-  ASSERT_EQ(user_.boxes().size(), 2u);
-  const std::wstring error = L".\r\nError: 51 - Internal error (out of order)\r\n(KespCommObj)";
-  EXPECT_EQ(user_.boxes()[0].text,
-            L"An error occurred while attempting to determine if COM2 is currently available" + error);
-  EXPECT_EQ(user_.boxes()[1].text,
-            L"An error occurred while attempting to determine if COM3 is currently available" + error);
+  const std::wstring failure = L"51 - Internal error (out of order)\r\n(KespCommObj)";
+  ExpectBoxes({ErrorBox(L"determine if COM2 is currently available", failure),
+               ErrorBox(L"determine if COM3 is currently available", failure)});
   EXPECT_EQ(Described(form.icboCOMPort.entries()), (Lines{L"COM1 1 [COMPort]", L"COM4 4 [COMPort]"}));
   EXPECT_EQ(ports_.asked.back(), 256);
   EXPECT_TRUE(form.is_open());

@@ -4,7 +4,7 @@
 namespace kesp {
 namespace {
 
-class frmCOMSettingsWriteTest : public frmCOMSettingsTest {
+class frmCOMSettingsWriteTest : public frmCOMSettingsFixture {
  protected:
   // Another choice for everything that has one; lowest, highest and present rate as given.
   void ChangeEverything(const wchar_t* minimum = L"600", const wchar_t* maximum = L"38400",
@@ -27,6 +27,10 @@ class frmCOMSettingsWriteTest : public frmCOMSettingsTest {
     Click(form.chkUseIRDongle);
     Click(form.chkUseRedirector);
     form.txtInstrAddress.Type(L"77");
+  }
+
+  void ExpectNotGathered(const std::wstring& failure) {
+    ExpectBoxes({ErrorBox(L"gather communication settings", failure)});
   }
 
   // How far writing what ChangeEverything() chose has come.
@@ -161,10 +165,9 @@ TEST_F(frmCOMSettingsWriteTest, OK_MinimumAboveTheOldMaximum_IsRefusedAtOnce) {
   Show();
   ChangeEverything(L"19200", L"38400", L"19200");
   ClickOK();
-  ExpectErrorBox(L"gather communication settings",
-                 std::to_wstring(com_port_error::ERR_INVALID_BAUD_RATE) +
-                     L" - Cannot set minimum baud rate higher than maximum baud rate.\r\n"
-                     L"(CKespCOMPort3 - MaxBaudRate)");
+  ExpectNotGathered(std::to_wstring(com_port_error::ERR_INVALID_BAUD_RATE) +
+                    L" - Cannot set minimum baud rate higher than maximum baud rate.\r\n"
+                    L"(CKespCOMPort3 - MaxBaudRate)");
   EXPECT_TRUE(form_->is_open());
   EXPECT_FALSE(form_->bCancel());
   EXPECT_TRUE(Settings(port_) == before);
@@ -186,9 +189,8 @@ TEST_F(frmCOMSettingsWriteTest, OK_TimeoutRefused_RangeAndChecksAreWritten) {
   ChangeEverything();
   form_->txtTimeout.Type(L"-5");
   ClickOK();
-  ExpectErrorBox(L"gather communication settings",
-                 std::to_wstring(com_port_error::ERR_INVALID_TIMEOUT) +
-                     L" - Invalid timeout setting.\r\n([CKespCOMPort3 - TimeOut])");
+  ExpectNotGathered(std::to_wstring(com_port_error::ERR_INVALID_TIMEOUT) +
+                    L" - Invalid timeout setting.\r\n([CKespCOMPort3 - TimeOut])");
   ExpectWritten(Upto::kChecks);
   EXPECT_TRUE(form_->is_open());
 
@@ -205,7 +207,7 @@ TEST_F(frmCOMSettingsWriteTest, OK_TimeoutWithoutRoomIn32Bits_RangeAndChecksAreW
   ChangeEverything();
   form_->txtTimeout.Type(L"3000000000");
   ClickOK();
-  ExpectErrorBox(L"gather communication settings", L"6 - Overflow\r\n(KespCommObj)");
+  ExpectNotGathered(L"6 - Overflow\r\n(KespCommObj)");
   ExpectWritten(Upto::kChecks);
 }
 
@@ -221,9 +223,8 @@ TEST_F(frmCOMSettingsWriteTest, OK_RateRefused_SwitchAndPortAreWritten) {
   // As the modem's properties do.
   port_.SetMinBaudRate(EKespBaudRate3::br1200);
   ClickOK();
-  ExpectErrorBox(L"gather communication settings",
-                 std::to_wstring(com_port_error::ERR_BAUD_RATE_NOT_SUPPORTED) +
-                     L" - Baud rate not supported.\r\n(CKespCOMPort3 - BaudRate)");
+  ExpectNotGathered(std::to_wstring(com_port_error::ERR_BAUD_RATE_NOT_SUPPORTED) +
+                    L" - Baud rate not supported.\r\n(CKespCOMPort3 - BaudRate)");
   EXPECT_TRUE(form.is_open());
   EXPECT_TRUE(port_.UseSmartSwitch());
   EXPECT_EQ(port_.SmartSwitch()->Style(), ESmartSwitchStyle3::ssBB8port);

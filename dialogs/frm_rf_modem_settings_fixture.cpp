@@ -3,32 +3,32 @@
 
 namespace kesp {
 
-frmRFModemSettingsTest::frmRFModemSettingsTest() {
+frmRFModemSettingsFixture::frmRFModemSettingsFixture() {
+  MakeForm();
+}
+
+frmRFModemSettingsFixture::~frmRFModemSettingsFixture() = default;
+
+void frmRFModemSettingsFixture::MakeForm() {
   form_ = std::make_unique<frmRFModemSettings>(environment_.user, port_, 4711);
   form_->SetView(&view_);
 }
 
-frmRFModemSettingsTest::~frmRFModemSettingsTest() = default;
-
-void frmRFModemSettingsTest::Load() {
+void frmRFModemSettingsFixture::Load() {
   AnswersQuestions();
   form_->FirstPaint();
-  ASSERT_TRUE(environment_.user.boxes().empty());
+  ASSERT_EQ(TakeBoxes(), Boxes{});
   record_.clear();
   view_.lines.clear();
 }
 
-void frmRFModemSettingsTest::OK() {
+void frmRFModemSettingsFixture::OK() {
   form_->Use([this] { form_->cmdOKCancelHelp[Form::kOK].Click(); });
 }
 
-frmRFModemSettingsTest::Texts frmRFModemSettingsTest::Boxes() const {
+Lines frmRFModemSettingsFixture::Entries() const {
   return {form_->txtPANID.text(), form_->txtChannel.text(), form_->txtRFModemAddress.text(),
           form_->txtTimeout.text()};
-}
-
-const std::vector<MessageBoxRequest>& frmRFModemSettingsTest::Shown() const {
-  return environment_.user.boxes();
 }
 
 }  // namespace kesp

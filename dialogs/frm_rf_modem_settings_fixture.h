@@ -2,8 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "dialogs/form_view_fake.h"
 #include "dialogs/frm_rf_modem_settings.h"
@@ -11,23 +9,23 @@
 
 namespace kesp {
 
-class frmRFModemSettingsTest : public CKespCOMPort3ModemTest {
+class frmRFModemSettingsFixture : public CKespCOMPort3ModemTest {
  protected:
-  using ViewLines = std::vector<std::string>;
-  using Texts = std::vector<std::wstring>;
+  frmRFModemSettingsFixture();
+  ~frmRFModemSettingsFixture() override;
 
-  frmRFModemSettingsTest();
-  ~frmRFModemSettingsTest() override;
+  // A new form.
+  void MakeForm();
 
   // Has the modem read, and forgets how.
   void Load();
 
   void OK();
 
-  // PAN ID, channel, modem address, time-out.
-  Texts Boxes() const;
+  // PAN ID, channel, modem address, timeout.
+  Lines Entries() const;
 
-  const std::vector<MessageBoxRequest>& Shown() const;
+  Boxes TakeBoxes() { return environment_.user.TakeBoxes(); }
 
   FormViewFake view_;
   std::unique_ptr<frmRFModemSettings> form_;

@@ -5,14 +5,17 @@
 
 #include "dialogs/dialog_ids.h"
 #include "dialogs/frm_rf_modem_settings_fixture.h"
-#include "serial/baud_rate.h"
 
 namespace kesp {
 namespace {
 
-constexpr wchar_t kUnread[] =
-    L"Unable to read settings from RF modem. Make sure the modem is connected to COM1 and set to operate at "
-    L"9600 baud.";
+using frmRFModemSettingsTest = frmRFModemSettingsFixture;
+
+MessageBoxRequest Unread(const std::wstring& port, const std::wstring& rate) {
+  return Remark(L"Query RF Modem Settings",
+                L"Unable to read settings from RF modem. Make sure the modem is connected to " + port +
+                    L" and set to operate at " + rate + L" baud.");
+}
 constexpr std::int32_t kDeviceFailure = 8021;
 
 TEST_F(frmRFModemSettingsTest, New_HasItsCaptionPageAndTopic) {
@@ -42,7 +45,7 @@ TEST_F(frmRFModemSettingsTest, New_NumbersItsControlsAndPutsThemOnThePage) {
 }
 
 TEST_F(frmRFModemSettingsTest, New_ShowsNothingOfTheModemYet) {
-  EXPECT_EQ(Boxes(), (Texts{L"", L"", L"", L""}));
+  EXPECT_EQ(Entries(), (Lines{L"", L"", L"", L""}));
   EXPECT_EQ(form_->lblSerial.text(), L"");
   EXPECT_EQ(form_->lblPowerLevel.text(), L"Power level");
   EXPECT_EQ(form_->pbPowerLevel.minimum(), 0);
@@ -55,18 +58,11 @@ TEST_F(frmRFModemSettingsTest, FirstPaint_ReadsTheModemAndShowsIt) {
   AnswersQuestions();
   form_->FirstPaint();
   EXPECT_EQ(Outputs(), questions_);
-  EXPECT_EQ(view_.lines,
-            (ViewLines{"100 selection 0", "110 shown", "314 text 13A240B0C1D2", "315 text Power level 4",
-                       "316 value 4", "310 text 13106", "311 text 12", "312 text 26", "313 text 1500"}));
+  EXPECT_EQ(view_.lines, (Lines{L"100 selects Properties", L"110 shown", L"314 text 13A240B0C1D2",
+                                L"315 text Power level 4", L"316 value 4", L"310 text 13106", L"311 text 12",
+                                L"312 text 26", L"313 text 1500"}));
   EXPECT_TRUE(form_->is_open());
   ExpectLeftInOrder();
-}
-
-TEST_F(frmRFModemSettingsTest, SecondPaint_DoesNotAskTheModemAgain) {
-  Load();
-  form_->FirstPaint();
-  EXPECT_TRUE(record_.empty());
-  EXPECT_EQ(form_->lblPowerLevel.text(), L"Power level 4");
 }
 
 TEST_F(frmRFModemSettingsTest, FirstPaint_ThePointerIsBusyWhileTheModemIsAsked) {
@@ -117,33 +113,25 @@ TEST_F(frmRFModemSettingsTest, SettingsOutOfRange_AreShownAsTheyAre) {
   ports_.line.Answer("ATCH\r", "1F\r");
   ports_.line.Answer("ATID\r", "FFFFF\r");
   form_->FirstPaint();
-  EXPECT_EQ(Boxes(), (Texts{L"1048575", L"31", L"26", L"1500"}));
+  EXPECT_EQ(Entries(), (Lines{L"1048575", L"31", L"26", L"1500"}));
 }
 
 TEST_F(frmRFModemSettingsTest, NoAnswer_OneMessageAndTheDialogEndsAsCancelled) {
   environment_.user.on_box = [this] { EXPECT_TRUE(form_->is_open()); };
   form_->FirstPaint();
-  ASSERT_EQ(Shown().size(), 1U);
-  EXPECT_EQ(Shown()[0].text, kUnread);
-  EXPECT_EQ(Shown()[0].title, L"Query RF Modem Settings");
-  EXPECT_EQ(Shown()[0].style, 64U);
+  EXPECT_EQ(TakeBoxes(), Boxes{Unread(L"COM1", L"9600")});
   EXPECT_EQ(environment_.user.pointer_under_boxes(), std::vector{MousePointer::kDefault});
   EXPECT_FALSE(form_->is_open());
   EXPECT_TRUE(form_->bCancel());
   EXPECT_EQ(Outputs(), Lines{L"+++"});
-  EXPECT_EQ(view_.lines, (ViewLines{"100 selection 0", "110 shown"}));
+  EXPECT_EQ(view_.lines, (Lines{L"100 selects Properties", L"110 shown"}));
 }
 
 TEST_F(frmRFModemSettingsTest, NoAnswer_TheMessageNamesThePortAndItsRate) {
   AllowRates(0, 13, 10);
   port_.SetPort(12);
   form_->FirstPaint();
-  ASSERT_EQ(Shown().size(), 1U);
-  EXPECT_EQ(Shown()[0].text,
-            L"Unable to read settings from RF modem. Make sure the modem is connected to COM12 and set to "
-            L"operate at " +
-                BaudRateName(port_.BaudRate()) + L" baud.");
-  EXPECT_NE(Shown()[0].text.find(L"at 115200 baud."), std::wstring::npos);
+  EXPECT_EQ(TakeBoxes(), Boxes{Unread(L"COM12", L"115200")});
 }
 
 TEST_F(frmRFModemSettingsTest, PortFailsAtAnyCall_OneMessageAndTheDialogEndsWithNothingShown) {
@@ -151,19 +139,17 @@ TEST_F(frmRFModemSettingsTest, PortFailsAtAnyCall_OneMessageAndTheDialogEndsWith
   for (int nth = 1;; ++nth) {
     SCOPED_TRACE(nth);
     AnswersQuestions();
-    const std::size_t boxes = Shown().size();
     frmRFModemSettings form(environment_.user, port_, 0);
     ports_.line.FailCall(nth, kDeviceFailure);
     form.FirstPaint();
     if (ports_.line.calls < ports_.line.fail_at) {
       // Fewer calls than that: nothing failed.
-      EXPECT_EQ(Shown().size(), boxes);
+      EXPECT_EQ(TakeBoxes(), Boxes{});
       EXPECT_EQ(form.txtPANID.text(), L"13106");
       break;
     }
     ++failed;
-    ASSERT_EQ(Shown().size(), boxes + 1);
-    EXPECT_EQ(Shown().back().text, kUnread);
+    EXPECT_EQ(TakeBoxes(), Boxes{Unread(L"COM1", L"9600")});
     EXPECT_TRUE(form.bCancel());
     EXPECT_FALSE(form.is_open());
     EXPECT_EQ(form.txtPANID.text(), L"");
@@ -178,11 +164,7 @@ TEST_F(frmRFModemSettingsTest, ReadingFailsOtherwise_TheErrorIsShownAndTheDialog
     if (control.id() == ID_PB_POWER_LEVEL) throw Overflow();
   };
   form_->FirstPaint();
-  ASSERT_EQ(Shown().size(), 1U);
-  EXPECT_EQ(Shown()[0].text,
-            L"An error occurred while attempting to read settings from RF modem.\r\nError: 6 - "
-            L"Overflow\r\n(KespCommObj)");
-  EXPECT_EQ(Shown()[0].title, L"Kesp Communications Error");
+  EXPECT_EQ(TakeBoxes(), Boxes{ErrorBox(L"read settings from RF modem", L"6 - Overflow\r\n(KespCommObj)")});
   EXPECT_FALSE(form_->is_open());
   EXPECT_TRUE(form_->bCancel());
 }

@@ -6,18 +6,12 @@
 namespace kesp {
 namespace {
 
-constexpr wchar_t kGathering[] =
-    L"An error occurred while attempting to gather communication settings.\r\nError: ";
-
 using Written = std::tuple<EIPType, std::wstring, std::int16_t, std::int16_t, bool>;
 
-class frmTCPSettingsConfirmTest : public frmTCPSettingsTest {
+class frmTCPSettingsConfirmTest : public frmTCPSettingsFixture {
  protected:
   void ExpectRefusedWith(const std::wstring& error) {
-    ASSERT_EQ(fakes_.user.boxes().size(), 1U);
-    EXPECT_EQ(fakes_.user.boxes()[0].text, kGathering + error);
-    EXPECT_EQ(fakes_.user.boxes()[0].title, L"Kesp Communications Error");
-    EXPECT_EQ(fakes_.user.boxes()[0].style, 16U);
+    EXPECT_EQ(TakeBoxes(), Boxes{ErrorBox(L"gather communication settings", error)});
     EXPECT_TRUE(form_->is_open());
     EXPECT_FALSE(form_->bCancel());
   }
@@ -30,7 +24,7 @@ TEST_F(frmTCPSettingsConfirmTest, OKWithoutChanges_WritesWhatThereWas) {
   EXPECT_EQ(Settings(), before);
   EXPECT_FALSE(form_->is_open());
   EXPECT_FALSE(form_->bCancel());
-  EXPECT_TRUE(fakes_.user.boxes().empty());
+  EXPECT_EQ(TakeBoxes(), Boxes{});
 }
 
 TEST_F(frmTCPSettingsConfirmTest, OKWithKnownAddress_WritesEverything) {
@@ -75,9 +69,9 @@ TEST_F(frmTCPSettingsConfirmTest, OKWithoutExtendedPage_LeavesItsSettings) {
   EXPECT_FALSE(form_->is_open());
 }
 
-TEST_F(frmTCPSettingsConfirmTest, Octets_AreWrittenAsTheirTextsStand) {
+TEST_F(frmTCPSettingsConfirmTest, Octets_AreWrittenAsTheirLinesStand) {
   const struct {
-    Texts octets;
+    Lines octets;
     const wchar_t* address;
   } rows[] = {
       {{L"10", L"", L"0", L"1"}, L"10..0.1"},
@@ -152,38 +146,6 @@ TEST_F(frmTCPSettingsConfirmTest, OKAfterARefusedOne_WritesAndCloses) {
   form_->LostFocus(form_->txtPort);
   OK();
   EXPECT_EQ(tcp_->Port(), 1);
-  EXPECT_FALSE(form_->is_open());
-}
-
-TEST_F(frmTCPSettingsConfirmTest, Cancel_WritesNothing) {
-  const auto before = Settings();
-  Load();
-  TypeOctets({L"10", L"1", L"2", L"3"});
-  form_->optTCPType[1].Click();
-  form_->chkCreateLogFile.Click();
-  form_->cmdOKCancelHelp[Form::kCancel].Click();
-  EXPECT_EQ(Settings(), before);
-  EXPECT_TRUE(form_->bCancel());
-  EXPECT_FALSE(form_->is_open());
-}
-
-TEST_F(frmTCPSettingsConfirmTest, Help_OpensTheTopicThatWasAskedFor) {
-  Load({true, 4711});
-  form_->cmdOKCancelHelp[Form::kHelp].Click();
-  ASSERT_EQ(fakes_.user.help_calls().size(), 1U);
-  EXPECT_EQ(fakes_.user.help_calls()[0].data, 4711U);
-  EXPECT_TRUE(form_->is_open());
-}
-
-TEST_F(frmTCPSettingsConfirmTest, LoadFails_IsShownAndTheDialogEnds) {
-  form_ = std::make_unique<frmTCPSettings>(fakes_.user, *tcp_, TcpDialogOptions{});
-  form_->SetView(&view_);
-  view_.on_change = [](const Control&, Change) { throw Overflow(); };
-  form_->FirstPaint();
-  ASSERT_EQ(fakes_.user.boxes().size(), 1U);
-  EXPECT_EQ(fakes_.user.boxes()[0].text,
-            L"An error occurred while attempting to edit TCP/IP settings.\r\nError: 6 - "
-            L"Overflow\r\n(KespCommObj)");
   EXPECT_FALSE(form_->is_open());
 }
 

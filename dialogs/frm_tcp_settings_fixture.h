@@ -6,7 +6,6 @@
 #include <memory>
 #include <string>
 #include <tuple>
-#include <vector>
 
 #include "dialogs/form_view_fake.h"
 #include "dialogs/frm_tcp_settings.h"
@@ -14,13 +13,10 @@
 
 namespace kesp {
 
-class frmTCPSettingsTest : public KespTCPFixture {
+class frmTCPSettingsFixture : public KespTCPFixture {
  protected:
-  using ViewLines = std::vector<std::string>;
-  using Texts = std::vector<std::wstring>;
-
-  frmTCPSettingsTest();
-  ~frmTCPSettingsTest() override;
+  frmTCPSettingsFixture();
+  ~frmTCPSettingsFixture() override;
 
   // Makes the form as the transport does and paints it for the first time.
   void Load(const TcpDialogOptions& options = {true, 0});
@@ -28,10 +24,12 @@ class frmTCPSettingsTest : public KespTCPFixture {
 
   void OK();
 
-  Texts Octets() const;
-  void TypeOctets(const Texts& texts);
+  Boxes TakeBoxes() { return fakes_.user.TakeBoxes(); }
 
-  // Type, address, port, time-out, log: what the dialog may write.
+  Lines Octets() const;
+  void TypeOctets(const Lines& texts);
+
+  // Type, address, port, timeout, log: what the dialog may write.
   std::tuple<EIPType, std::wstring, std::int16_t, std::int16_t, bool> Settings() const;
 
   FormViewFake view_;

@@ -9,24 +9,24 @@
 namespace kesp {
 namespace {
 
-TEST_F(frmTCPSettingsTest, New_HasItsCaptionAndItsPages) {
-  const frmTCPSettings form(fakes_.user, *tcp_, {true, 4711});
-  EXPECT_EQ(form.caption(), L"TCP/IP Communication Settings");
-  EXPECT_EQ(form.help_context(), 4711);
-  EXPECT_EQ(form.tabSettings.tabs(), (std::vector<TabStrip::Tab>{{L"General", 0}, {L"Extended", 1}}));
-  EXPECT_TRUE(form.framSettings[0].visible());
-  EXPECT_FALSE(form.framSettings[1].visible());
-}
+using frmTCPSettingsTest = frmTCPSettingsFixture;
 
-TEST_F(frmTCPSettingsTest, NewWithoutExtendedPage_HasOnlyTheGeneralOne) {
-  const frmTCPSettings form(fakes_.user, *tcp_, {false, 0});
-  EXPECT_EQ(form.tabSettings.tabs(), (std::vector<TabStrip::Tab>{{L"General", 0}}));
-  EXPECT_FALSE(form.framSettings[1].visible());
+TEST_F(frmTCPSettingsTest, New_HasItsCaptionTopicAndPages) {
+  using Tabs = std::vector<TabStrip::Tab>;
+  for (const bool extended : {true, false}) {
+    const frmTCPSettings form(fakes_.user, *tcp_, {extended, 4711});
+    EXPECT_EQ(form.caption(), L"TCP/IP Communication Settings");
+    EXPECT_EQ(form.help_context(), 4711);
+    EXPECT_EQ(form.tabSettings.tabs(),
+              (extended ? Tabs{{L"General", 0}, {L"Extended", 1}} : Tabs{{L"General", 0}}));
+    EXPECT_TRUE(form.framSettings[0].visible());
+    EXPECT_FALSE(form.framSettings[1].visible());
+  }
 }
 
 TEST_F(frmTCPSettingsTest, New_HasLoadedNothing) {
   form_ = std::make_unique<frmTCPSettings>(fakes_.user, *tcp_, TcpDialogOptions{true, 0});
-  EXPECT_EQ(Octets(), (Texts{L"", L"", L"", L""}));
+  EXPECT_EQ(Octets(), (Lines{L"", L"", L"", L""}));
   EXPECT_EQ(form_->txtPort.text(), L"");
   EXPECT_EQ(form_->txtTimeout.text(), L"");
   EXPECT_FALSE(form_->optTCPType[0].selected());
@@ -67,32 +67,14 @@ TEST_F(frmTCPSettingsTest, New_TheArrowsHoldTheRanges) {
   EXPECT_EQ(form.udTimeout.maximum(), 10000);
 }
 
-TEST_F(frmTCPSettingsTest, FirstPaint_ShowsTheSettings) {
-  Load();
-  EXPECT_TRUE(form_->optTCPType[0].selected());
-  EXPECT_FALSE(form_->optTCPType[1].selected());
-  EXPECT_EQ(Octets(), (Texts{L"192", L"168", L"0", L"10"}));
-  EXPECT_EQ(form_->txtPort.text(), L"10001");
-  EXPECT_EQ(form_->txtTimeout.text(), L"2500");
-  EXPECT_TRUE(form_->chkCreateLogFile.checked());
-  EXPECT_EQ(form_->focused(), &form_->txtIP[0]);
-  EXPECT_TRUE(fakes_.user.boxes().empty());
-}
-
 TEST_F(frmTCPSettingsTest, FirstPaint_TellsTheViewInThisOrder) {
   Load();
   EXPECT_EQ(view_.lines,
-            (ViewLines{"422 checked", "420 text 2500", "410 checked", "411 unchecked", "412 enabled",
-                       "413 enabled", "414 enabled", "415 enabled", "416 enabled", "417 enabled",
-                       "418 enabled", "419 enabled", "413 text 192", "414 text 168", "415 text 0",
-                       "416 text 10", "418 text 10001", "focus 413"}));
-}
-
-TEST_F(frmTCPSettingsTest, SecondPaint_KeepsWhatWasTyped) {
-  Load();
-  form_->txtPort.Type(L"80");
-  form_->FirstPaint();
-  EXPECT_EQ(form_->txtPort.text(), L"80");
+            (Lines{L"422 checked", L"420 text 2500", L"410 checked", L"411 unchecked", L"412 enabled",
+                   L"413 enabled", L"414 enabled", L"415 enabled", L"416 enabled", L"417 enabled",
+                   L"418 enabled", L"419 enabled", L"413 text 192", L"414 text 168", L"415 text 0",
+                   L"416 text 10", L"418 text 10001", L"413 focused"}));
+  EXPECT_EQ(TakeBoxes(), Boxes{});
 }
 
 TEST_F(frmTCPSettingsTest, FirstPaintOfANewTransport_ShowsItsDefaults) {
@@ -120,7 +102,7 @@ TEST_F(frmTCPSettingsTest, FirstPaintWithDiscovery_GreysOutAddressAndPortAndLeav
   EXPECT_FALSE(form_->optTCPType[0].selected());
   EXPECT_TRUE(form_->optTCPType[1].selected());
   EXPECT_FALSE(form_->lblIPAddress.enabled());
-  EXPECT_EQ(Octets(), (Texts{L"192", L"168", L"0", L"10"}));
+  EXPECT_EQ(Octets(), (Lines{L"192", L"168", L"0", L"10"}));
   EXPECT_EQ(form_->focused(), nullptr);
 }
 
@@ -135,13 +117,13 @@ TEST_F(frmTCPSettingsTest, FirstPaintWithATypeThatHasNoOption_SelectsNoneAndWork
     form_->optTCPType[1].Click();
     EXPECT_FALSE(form_->txtPort.enabled());
   }
-  EXPECT_TRUE(fakes_.user.boxes().empty());
+  EXPECT_EQ(TakeBoxes(), Boxes{});
 }
 
 TEST_F(frmTCPSettingsTest, Address_ItsPartsGoIntoTheBoxesAsPlainNumbers) {
   const struct {
     const wchar_t* address;
-    Texts octets;
+    Lines octets;
   } rows[] = {
       {L"1.2.3.4", {L"1", L"2", L"3", L"4"}},
       {L"1.2.3.4.5", {L"1", L"2", L"3", L"4"}},
@@ -163,16 +145,13 @@ TEST_F(frmTCPSettingsTest, Address_ItsPartsGoIntoTheBoxesAsPlainNumbers) {
     EXPECT_EQ(Octets(), row.octets) << row.address;
     EXPECT_EQ(form_->txtPort.text(), L"10001") << row.address;
   }
-  EXPECT_TRUE(fakes_.user.boxes().empty());
+  EXPECT_EQ(TakeBoxes(), Boxes{});
 }
 
 TEST_F(frmTCPSettingsTest, AddressWithANumberBeyondAllNumbers_TheErrorIsShownAndTheDialogEnds) {
   tcp_->SetIPAddress(L"1.1e999.lab");
   Load();
-  ASSERT_EQ(fakes_.user.boxes().size(), 1U);
-  EXPECT_EQ(fakes_.user.boxes()[0].text,
-            L"An error occurred while attempting to edit TCP/IP settings.\r\nError: 6 - "
-            L"Overflow\r\n(KespCommObj)");
+  EXPECT_EQ(TakeBoxes(), Boxes{ErrorBox(L"edit TCP/IP settings", L"6 - Overflow\r\n(KespCommObj)")});
   EXPECT_FALSE(form_->is_open());
   EXPECT_TRUE(form_->bCancel());
   EXPECT_EQ(tcp_->IPAddress(), L"1.1e999.lab");
@@ -183,7 +162,7 @@ TEST_F(frmTCPSettingsTest, AddressOfFewerParts_TheOtherBoxesKeepTheirContent) {
   form_ = std::make_unique<frmTCPSettings>(fakes_.user, *tcp_, TcpDialogOptions{});
   TypeOctets({L"9", L"8", L"7", L"6"});
   form_->FirstPaint();
-  EXPECT_EQ(Octets(), (Texts{L"1", L"2", L"7", L"6"}));
+  EXPECT_EQ(Octets(), (Lines{L"1", L"2", L"7", L"6"}));
 }
 
 TEST_F(frmTCPSettingsTest, ClickDiscovery_DisablesAddressAndPort) {
@@ -191,8 +170,8 @@ TEST_F(frmTCPSettingsTest, ClickDiscovery_DisablesAddressAndPort) {
   view_.lines.clear();
   form_->optTCPType[1].Click();
   EXPECT_EQ(view_.lines,
-            (ViewLines{"411 checked", "410 unchecked", "412 disabled", "413 disabled", "414 disabled",
-                       "415 disabled", "416 disabled", "417 disabled", "418 disabled", "419 disabled"}));
+            (Lines{L"411 checked", L"410 unchecked", L"412 disabled", L"413 disabled", L"414 disabled",
+                   L"415 disabled", L"416 disabled", L"417 disabled", L"418 disabled", L"419 disabled"}));
 }
 
 TEST_F(frmTCPSettingsTest, ClickKnownAddress_EnablesThemAgain) {
@@ -200,16 +179,9 @@ TEST_F(frmTCPSettingsTest, ClickKnownAddress_EnablesThemAgain) {
   view_.lines.clear();
   form_->optTCPType[0].Click();
   EXPECT_EQ(view_.lines,
-            (ViewLines{"410 checked", "411 unchecked", "412 enabled", "413 enabled", "414 enabled",
-                       "415 enabled", "416 enabled", "417 enabled", "418 enabled", "419 enabled"}));
+            (Lines{L"410 checked", L"411 unchecked", L"412 enabled", L"413 enabled", L"414 enabled",
+                   L"415 enabled", L"416 enabled", L"417 enabled", L"418 enabled", L"419 enabled"}));
   EXPECT_EQ(tcp_->IPType(), EIPType::ipDynamic);
-}
-
-TEST_F(frmTCPSettingsTest, ClickTab_ShowsItsPage) {
-  Load();
-  form_->tabSettings.Choose(1);
-  EXPECT_FALSE(form_->framSettings[0].visible());
-  EXPECT_TRUE(form_->framSettings[1].visible());
 }
 
 }  // namespace

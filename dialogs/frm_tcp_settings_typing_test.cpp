@@ -12,7 +12,7 @@ namespace {
 
 // A window that does what a real one does: the focus moves, the boxes hear of it, and a typed character
 // replaces what is selected.
-class frmTCPSettingsTypingTest : public frmTCPSettingsTest {
+class frmTCPSettingsTypingTest : public frmTCPSettingsFixture {
  protected:
   void Type(const char* keys) {
     for (; *keys != 0; ++keys) {
@@ -42,14 +42,14 @@ TEST_F(frmTCPSettingsTypingTest, WholeAddress_FillsTheBoxesOneByOne) {
   tcp_->SetIPAddress(L"1.2.3.4");
   Load();
   Type("192.168.0.10");
-  EXPECT_EQ(Octets(), (Texts{L"192", L"168", L"0", L"10"}));
+  EXPECT_EQ(Octets(), (Lines{L"192", L"168", L"0", L"10"}));
   EXPECT_EQ(form_->focused(), &form_->txtIP[3]);
 }
 
 TEST_F(frmTCPSettingsTypingTest, FourthDot_WrapsToTheFirstBox) {
   Load();
   Type("1.2.3.4.5");
-  EXPECT_EQ(Octets(), (Texts{L"5", L"2", L"3", L"4"}));
+  EXPECT_EQ(Octets(), (Lines{L"5", L"2", L"3", L"4"}));
   EXPECT_EQ(form_->focused(), &form_->txtIP[0]);
 }
 
@@ -59,14 +59,14 @@ TEST_F(frmTCPSettingsTypingTest, TooLargeOctet_IsCorrectedWhenTheDotLeavesIt) {
   EXPECT_EQ(Octets()[0], L"255");
 }
 
-TEST_F(frmTCPSettingsTest, Dot_MovesTheFocusAndIsDropped) {
+TEST_F(frmTCPSettingsTypingTest, Dot_MovesTheFocusAndIsDropped) {
   Load();
   view_.lines.clear();
   for (TextBox& box : form_->txtIP) EXPECT_EQ(form_->KeyPress(box, L'.'), 0);
-  EXPECT_EQ(view_.lines, (ViewLines{"focus 414", "focus 415", "focus 416", "focus 413"}));
+  EXPECT_EQ(view_.lines, (Lines{L"414 focused", L"415 focused", L"416 focused", L"413 focused"}));
 }
 
-TEST_F(frmTCPSettingsTest, DotInAnotherBox_IsOnlyDropped) {
+TEST_F(frmTCPSettingsTypingTest, DotInAnotherBox_IsOnlyDropped) {
   Load();
   view_.lines.clear();
   EXPECT_EQ(form_->KeyPress(form_->txtPort, L'.'), 0);
@@ -74,7 +74,7 @@ TEST_F(frmTCPSettingsTest, DotInAnotherBox_IsOnlyDropped) {
   EXPECT_TRUE(view_.lines.empty());
 }
 
-TEST_F(frmTCPSettingsTest, OtherKeys_AreFilteredAndMoveNothing) {
+TEST_F(frmTCPSettingsTypingTest, OtherKeys_AreFilteredAndMoveNothing) {
   Load();
   view_.lines.clear();
   for (TextBox* box : {&form_->txtIP[0], &form_->txtIP[3], &form_->txtPort, &form_->txtTimeout}) {
@@ -87,16 +87,7 @@ TEST_F(frmTCPSettingsTest, OtherKeys_AreFilteredAndMoveNothing) {
   EXPECT_TRUE(view_.lines.empty());
 }
 
-TEST_F(frmTCPSettingsTest, GotFocus_SelectsAll) {
-  Load();
-  view_.lines.clear();
-  form_->GotFocus(form_->txtIP[1]);
-  form_->GotFocus(form_->txtPort);
-  form_->GotFocus(form_->txtTimeout);
-  EXPECT_EQ(view_.lines, (ViewLines{"414 selected 0+3", "418 selected 0+5", "420 selected 0+4"}));
-}
-
-TEST_F(frmTCPSettingsTest, LostFocus_BringsTheNumberIntoTheBoxsRange) {
+TEST_F(frmTCPSettingsTypingTest, LostFocus_BringsTheNumberIntoTheBoxsRange) {
   Load();
   const struct {
     TextBox& box;

@@ -22,8 +22,6 @@ class TextBoxTest : public testing::Test {
     return box.text();
   }
 
-  using Lines = std::vector<std::string>;
-
   ControlOwner form_;
   FormViewFake view_;
   TextBox channel_{form_, 311, 0, KeyFilter::kDigits, NumberRange{12, 24}};
@@ -44,7 +42,7 @@ TEST_F(TextBoxTest, SetText_IsShown) {
   channel_.SetText(L"17x");
   EXPECT_EQ(channel_.text(), L"17x");
   EXPECT_EQ(channel_.Value(), 17);
-  EXPECT_EQ(view_.lines, Lines{"311 text 17x"});
+  EXPECT_EQ(view_.lines, Lines{L"311 text 17x"});
 }
 
 TEST_F(TextBoxTest, Type_IsTakenAsItIsAndTheViewKnowsIt) {
@@ -59,7 +57,7 @@ TEST_F(TextBoxTest, SelectAll_SelectsAllOfTheText) {
   channel_.SelectAll();
   EXPECT_EQ(channel_.selection_start(), 0U);
   EXPECT_EQ(channel_.selection_length(), 3U);
-  EXPECT_EQ(view_.lines, Lines{"311 selected 0+3"});
+  EXPECT_EQ(view_.lines, Lines{L"311 selected 0+3"});
 }
 
 TEST_F(TextBoxTest, Leave_BringsTheNumberIntoTheRange) {
@@ -76,7 +74,7 @@ TEST_F(TextBoxTest, Leave_BringsTheNumberIntoTheRange) {
 
 TEST_F(TextBoxTest, Leave_IsShownAlsoWhenNothingChanges) {
   Left(channel_, L"18");
-  EXPECT_EQ(view_.lines, Lines{"311 text 18"});
+  EXPECT_EQ(view_.lines, Lines{L"311 text 18"});
 }
 
 TEST_F(TextBoxTest, LeaveWithoutRange_KeepsTheText) {

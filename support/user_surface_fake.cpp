@@ -1,9 +1,32 @@
 // The user who answers as the test has written down.
 #include "support/user_surface_fake.h"
 
+#include <gtest/gtest.h>
+
+#include <ostream>
 #include <stdexcept>
+#include <tuple>
 
 namespace kesp {
+
+bool operator==(const MessageBoxRequest& left, const MessageBoxRequest& right) {
+  return std::tie(left.text, left.title, left.style, left.help_file, left.help_context) ==
+         std::tie(right.text, right.title, right.style, right.help_file, right.help_context);
+}
+
+std::ostream& operator<<(std::ostream& out, const MessageBoxRequest& box) {
+  return out << testing::PrintToString(box.title) << " " << testing::PrintToString(box.text) << " style "
+             << box.style << " help " << testing::PrintToString(box.help_file) << " " << box.help_context;
+}
+
+MessageBoxRequest Remark(const std::wstring& title, const std::wstring& text) {
+  return {text, title, 64, L"", 0};
+}
+
+MessageBoxRequest ErrorBox(const std::wstring& action, const std::wstring& failure) {
+  return {L"An error occurred while attempting to " + action + L".\r\nError: " + failure,
+          L"Kesp Communications Error", 16, L"", 0};
+}
 
 UserSurfaceFake::UserSurfaceFake() = default;
 
@@ -28,6 +51,12 @@ bool UserSurfaceFake::CallHelp(std::uint32_t command, std::uint32_t data) {
 wchar_t UserSurfaceFake::DecimalSeparator() {
   ++separator_questions;
   return separator;
+}
+
+Boxes UserSurfaceFake::TakeBoxes() {
+  Boxes since(boxes_.begin() + static_cast<std::ptrdiff_t>(taken_), boxes_.end());
+  taken_ = boxes_.size();
+  return since;
 }
 
 void UserSurfaceFake::Answer(int button) {

@@ -4,12 +4,24 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
 #include "support/user_surface.h"
 
 namespace kesp {
+
+bool operator==(const MessageBoxRequest& left, const MessageBoxRequest& right);
+std::ostream& operator<<(std::ostream& out, const MessageBoxRequest& box);
+
+using Boxes = std::vector<MessageBoxRequest>;
+
+// What a user is told when an entry cannot be accepted.
+MessageBoxRequest Remark(const std::wstring& title, const std::wstring& text);
+// What a user is told when an operation that is named as in "attempting to <action>" fails; failure is what
+// follows "Error: ".
+MessageBoxRequest ErrorBox(const std::wstring& action, const std::wstring& failure);
 
 class UserSurfaceFake final : public UserSurface {
  public:
@@ -44,7 +56,10 @@ class UserSurfaceFake final : public UserSurface {
   void Answer(int button);
 
   // Every box that was shown, in order.
-  const std::vector<MessageBoxRequest>& boxes() const { return boxes_; }
+  const Boxes& boxes() const { return boxes_; }
+
+  // The boxes since the last time that this was asked.
+  Boxes TakeBoxes();
 
   MousePointer pointer() const { return pointer_; }
 
@@ -55,7 +70,8 @@ class UserSurfaceFake final : public UserSurface {
   const std::wstring& help_file() const { return help_file_; }
 
  private:
-  std::vector<MessageBoxRequest> boxes_;
+  Boxes boxes_;
+  std::size_t taken_ = 0;
   std::deque<int> answers_;
   MousePointer pointer_ = MousePointer::kDefault;
   std::vector<MousePointer> pointer_under_boxes_;
