@@ -14,7 +14,6 @@ namespace {
 using testing::IsEmpty;
 
 constexpr wchar_t kHelpFile[] = L"C:\\help\\lab.hlp";
-constexpr wchar_t kTitle[] = L"Kesp Communications Error";
 
 class CKespCommObjEditingTest : public KespCommObjFixture {
  protected:
@@ -43,45 +42,37 @@ class CKespCommObjEditingTest : public KespCommObjFixture {
     EXPECT_EQ(comm_->CommError(), ECommError::cfrSuccess);
   }
 
-  // The first box that is to be shown fails.
-  void LetBoxFail() {
+  // A dialog that fails, told in a box that fails, too, the first time.
+  void FailWithItsBox() {
+    serial_dialog_.on_show = [](CKespCOMPort3&) { throw Failure(5, L"", L"odd"); };
+    network_dialog_.on_show = [](CKespTCP&) { throw Failure(5, L"", L"odd"); };
     fakes_.user.on_box = [this] {
       fakes_.user.on_box = nullptr;
       throw std::runtime_error("no box");
     };
   }
-  std::wstring Box(std::size_t index) const { return fakes_.user.boxes().at(index).text; }
 
   std::wstring result_;
 };
 
-TEST_F(CKespCommObjEditingTest, Serial_AllArgumentsAndTheAnswerAreHandedOn) {
-  serial_dialog_.on_show = [this](CKespCOMPort3& port) { EXPECT_EQ(&port, &comm_->serial()); };
+TEST_F(CKespCommObjEditingTest, AllArgumentsAndTheAnswer_AreHandedOn) {
   for (const bool answer : {true, false}) {
+    comm_->SetCommStyle(ECommStyle::csRS232);
     serial_dialog_.answer = answer;
     EXPECT_EQ(Edit(5, kHelpFile, 4711), answer);
+    comm_->SetCommStyle(ECommStyle::csTCPIP);
+    network_dialog_.answer = answer;
+    EXPECT_EQ(Edit(8, L"other.hlp", 4712), answer);
   }
   ASSERT_EQ(serial_dialog_.shown.size(), 2u);
   EXPECT_TRUE(serial_dialog_.shown[0].show_extended_page);
   EXPECT_FALSE(serial_dialog_.shown[0].show_smart_switch_page);
   EXPECT_TRUE(serial_dialog_.shown[0].show_ir_dongle);
   EXPECT_EQ(serial_dialog_.shown[0].help_context, 4711);
-  EXPECT_EQ(fakes_.user.help_file(), kHelpFile);
-  EXPECT_TRUE(network_dialog_.shown.empty());
-}
-
-TEST_F(CKespCommObjEditingTest, Network_AllArgumentsAndTheAnswerAreHandedOn) {
-  comm_->SetCommStyle(ECommStyle::csTCPIP);
-  network_dialog_.on_show = [this](CKespTCP& tcp) { EXPECT_EQ(&tcp, &comm_->network()); };
-  for (const bool answer : {true, false}) {
-    network_dialog_.answer = answer;
-    EXPECT_EQ(Edit(8, kHelpFile, 4711), answer);
-  }
   ASSERT_EQ(network_dialog_.shown.size(), 2u);
   EXPECT_TRUE(network_dialog_.shown[0].show_extended_page);
-  EXPECT_EQ(network_dialog_.shown[0].help_context, 4711);
-  EXPECT_EQ(fakes_.user.help_file(), kHelpFile);
-  EXPECT_TRUE(serial_dialog_.shown.empty());
+  EXPECT_EQ(network_dialog_.shown[0].help_context, 4712);
+  EXPECT_EQ(fakes_.user.help_file(), L"other.hlp");
 }
 
 TEST_F(CKespCommObjEditingTest, ArgumentsLeftOut_ShowTheFirstPageOnly) {
@@ -99,7 +90,17 @@ TEST_F(CKespCommObjEditingTest, ArgumentsLeftOut_ShowTheFirstPageOnly) {
   EXPECT_EQ(fakes_.user.help_file(), L"");
 }
 
-TEST_F(CKespCommObjEditingTest, IeeeAndNoTransport_ShowNothing) {
+TEST_F(CKespCommObjEditingTest, Dialogs_WorkOnTheObjectsOwnTransports) {
+  serial_dialog_.on_show = [](CKespCOMPort3& port) { port.SetPort(9); };
+  network_dialog_.on_show = [](CKespTCP& tcp) { tcp.SetPort(502); };
+  EXPECT_TRUE(Edit());
+  EXPECT_EQ(comm_->serial().Port(), 9);
+  comm_->SetCommStyle(ECommStyle::csTCPIP);
+  EXPECT_TRUE(Edit());
+  EXPECT_EQ(comm_->network().Port(), 502);
+}
+
+TEST_F(CKespCommObjEditingTest, IeeeOrNoTransport_FalseOrRaisedWithoutADialog) {
   comm_->SetCommStyle(ECommStyle::csIEEE);
   EXPECT_FALSE(Edit(15, kHelpFile, 3));
   comm_->SetCommStyle(ECommStyle::csNone);
@@ -109,7 +110,7 @@ TEST_F(CKespCommObjEditingTest, IeeeAndNoTransport_ShowNothing) {
   EXPECT_TRUE(network_dialog_.shown.empty());
   EXPECT_TRUE(bus_.heard.empty());
   EXPECT_EQ(fakes_.user.help_file(), L"");
-  EXPECT_TRUE(fakes_.user.boxes().empty());
+  EXPECT_EQ(fakes_.user.TakeBoxes(), Boxes{});
 }
 
 TEST_F(CKespCommObjEditingTest, Serial_PortThatAQueryLeftOpen_TheNextQueryOpensItAgain) {
@@ -119,55 +120,49 @@ TEST_F(CKespCommObjEditingTest, Serial_PortThatAQueryLeftOpen_TheNextQueryOpensI
     EXPECT_EQ(Edit(), answer);
     ExpectQueryOpensThePort();
   }
-  // A timer of the client's goes on while a modal dialog is shown.
-  serial_dialog_.on_show = [this](CKespCOMPort3&) {
-    ExpectQueryOpensThePort();
-    EXPECT_TRUE(ports_.line.open);
-    throw std::runtime_error("no window");
-  };
+}
+
+TEST_F(CKespCommObjEditingTest, Serial_DialogFails_TheNextQueryOpensThePortAgain) {
+  LeavePortOpen();
+  serial_dialog_.on_show = [](CKespCOMPort3&) { throw std::runtime_error("no window"); };
   EXPECT_FALSE(Edit());
   ExpectQueryOpensThePort();
 }
 
-TEST_F(CKespCommObjEditingTest, Failure_IsShownByTheTransportOnly) {
-  const auto fails = [](auto&) { throw Failure(5, L"", L"odd"); };
-  serial_dialog_.on_show = fails;
-  network_dialog_.on_show = fails;
-  EXPECT_FALSE(Edit());
-  comm_->SetCommStyle(ECommStyle::csTCPIP);
-  EXPECT_FALSE(Edit());
-  ASSERT_EQ(fakes_.user.boxes().size(), 2u);
-  EXPECT_EQ(Box(0), L"An error occurred while attempting to edit COM port settings.\r\nError: 5 - odd");
-  EXPECT_EQ(Box(1), L"An error occurred while attempting to edit TCP/IP settings.\r\nError: 5 - odd");
+// A timer of the client's goes on while a modal dialog is shown.
+TEST_F(CKespCommObjEditingTest, Serial_QueryBehindTheDialog_OpensThePortAndSoDoesTheNext) {
+  LeavePortOpen();
+  serial_dialog_.on_show = [this](CKespCOMPort3&) {
+    ExpectQueryOpensThePort();
+    EXPECT_TRUE(ports_.line.open);
+  };
+  EXPECT_TRUE(Edit());
+  ExpectQueryOpensThePort();
 }
 
-// What even the transport could not show.
-TEST_F(CKespCommObjEditingTest, BoxFails_IsShownUnderThisObjectsOwnWords) {
-  serial_dialog_.on_show = [](CKespCOMPort3& port) {
-    port.OpenPort();
-    throw Failure(5, L"", L"odd");
-  };
-  network_dialog_.on_show = [](CKespTCP&) { throw Failure(5, L"", L"odd"); };
-  for (const ECommStyle style : {ECommStyle::csRS232, ECommStyle::csTCPIP}) {
+// What even the transport cannot show, this object shows under words of its own.
+TEST_F(CKespCommObjEditingTest, Failure_IsShownOnce) {
+  for (const auto& [style, settings] :
+       {std::pair{ECommStyle::csRS232, L"COM port"}, {ECommStyle::csTCPIP, L"TCP/IP"}}) {
     comm_->SetCommStyle(style);
-    LetBoxFail();
-    const std::size_t shown = fakes_.user.boxes().size();
+    FailWithItsBox();
+    const MessageBoxRequest own = ErrorBox(std::wstring(L"edit ") + settings + L" settings", L"5 - odd");
     EXPECT_FALSE(Edit());
-    ASSERT_EQ(fakes_.user.boxes().size(), shown + 2);
-    EXPECT_EQ(fakes_.user.boxes().back().title, kTitle);
-    EXPECT_EQ(fakes_.user.boxes().back().text,
-              L"An error occurred while attempting to edit communication settings.\r\n"
-              L"Error: 51 - Internal error (no box)\r\n(KespCommObj)");
+    EXPECT_EQ(fakes_.user.TakeBoxes(),
+              (Boxes{own, ErrorBox(L"edit communication settings",
+                                   L"51 - Internal error (no box)\r\n(KespCommObj)")}));
+    EXPECT_FALSE(Edit());
+    EXPECT_EQ(fakes_.user.TakeBoxes(), Boxes{own});
   }
 }
 
 TEST_F(CKespCommObjEditingTest, BoxFails_TheNextQueryOpensThePortAllTheSame) {
   LeavePortOpen();
+  FailWithItsBox();
   serial_dialog_.on_show = [this](CKespCOMPort3&) {
     EXPECT_TRUE(Query());
     throw Failure(5, L"", L"odd");
   };
-  LetBoxFail();
   EXPECT_FALSE(Edit());
   int openings = 0;
   ports_.line.record = [&](const std::string& call) { openings += call.starts_with("Open ") ? 1 : 0; };
