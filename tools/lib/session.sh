@@ -3,6 +3,8 @@
 . "$(dirname "${BASH_SOURCE[0]}")/tree.sh"
 # shellcheck source=tools/lib/wine.sh
 . "$KESP_TOOLS/lib/wine.sh"
+# shellcheck source=tools/lib/second_starts.sh
+. "$KESP_TOOLS/lib/second_starts.sh"
 
 session_reason="stopped early; see above" session_verdict= session_wine32_maker=
 
@@ -19,6 +21,7 @@ session_begin() {
     say "another run of this tree is busy; waiting for it"
     flock 8
   fi
+  forget_second_starts
 }
 
 session_succeed() { session_verdict="success${1:+ ($1)}"; }
@@ -36,6 +39,7 @@ session_end() {
     "$KESP_TOOLS/wine-prefix" "$bits" stop 8>&- >/dev/null 2>&1 || true
   done
   "$KESP_TOOLS/lib/screen" stop 8>&- || true
+  tell_second_starts
   if [ -n "$session_verdict" ]; then
     printf '%s\n' "$session_name: $session_verdict"
     exit 0

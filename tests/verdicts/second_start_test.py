@@ -1,0 +1,83 @@
+#!/usr/bin/env python3
+"""Lets tools/wine-test run programs of which some say nothing, without Wine, and looks at what is noted."""
+
+import pathlib
+import re
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+TOOLS = pathlib.Path(__file__).resolve().parents[2] / "tools"
+# In Wine's place: for each start a line of the file, the code and what is said.
+RUN = """#!/bin/sh
+read -r code said <"$0.starts"
+sed -i 1d "$0.starts"
+[ -z "$said" ] || echo "$said"
+exit "$code"
+"""
+SESSION = """#!/bin/bash
+set -euo pipefail
+. "$(dirname "$0")/tools/lib/session.sh"
+session_begin trial
+session_step "a test failed" "$KESP_TOOLS/wine-test" a_test.exe --brief
+session_succeed
+"""
+NOTE = r"20\d\d-\d\d-\d\dT\d\d:\d\d:\d\dZ: said nothing and ended with 5: a_test\.exe --brief\n"
+
+
+class SecondStartTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.tree = pathlib.Path(folder.name)
+        (self.tree / "tools" / "lib").mkdir(parents=True)
+        for file in ("wine-test", "lib/tree.sh", "lib/say.sh", "lib/wine.sh", "lib/session.sh", "lib/second_starts.sh"):
+            shutil.copy(TOOLS / file, self.tree / "tools" / file)
+        for file, text in (("tools/wine-run", RUN), ("tools/wine-prefix", "#!/bin/sh\n"),
+                           ("tools/lib/screen", "#!/bin/sh\n"), ("trial", SESSION)):
+            (self.tree / file).write_text(text, encoding="utf-8")
+            (self.tree / file).chmod(0o755)
+        self.log = self.tree / "build" / "logs" / "second-starts.log"
+
+    def run_tool(self, starts, *command):
+        lines = "".join(start + "\n" for start in starts)
+        (self.tree / "tools" / "wine-run.starts").write_text(lines, encoding="utf-8")
+        return subprocess.run([self.tree / command[0], *command[1:]], text=True, capture_output=True, check=False,
+                              timeout=30)
+
+    def noted(self):
+        return self.log.read_text(encoding="utf-8") if self.log.exists() else ""
+
+    def test_silence_and_a_code_is_started_once_more_and_noted(self):
+        for second, code in (("0 [  PASSED  ] 3 tests.", 0), ("1 a case failed", 1), ("5", 5)):
+            with self.subTest(second=second):
+                self.log.unlink(missing_ok=True)
+                result = self.run_tool(["5", second, "0 a third start"], "tools/wine-test", "a_test.exe", "--brief")
+                self.assertEqual(result.returncode, code, result.stderr)
+                self.assertIn("said nothing and ended with 5; once more", result.stdout)
+                self.assertNotIn("a third start", result.stdout)
+                self.assertRegex(self.noted(), f"^{NOTE}$")
+
+    def test_another_end_is_the_verdict_and_not_noted(self):
+        rows = (("a_test.exe", "5 a case failed", 5), ("a_test.exe", "124", 124), ("a_test.exe", "0", 0),
+                ("a.vbs", "5", 5))
+        for program, start, code in rows:
+            with self.subTest(program=program, start=start):
+                result = self.run_tool([start, "0 a second start"], "tools/wine-test", program)
+                self.assertEqual(result.returncode, code, result.stderr)
+                self.assertNotIn("a second start", result.stdout)
+                self.assertEqual(self.noted(), "")
+
+    def test_session_tells_its_own_at_its_end_whatever_that_is(self):
+        for second, end in (("0 done", "trial: success"), ("1 a case failed", "trial: FAILED (a test failed)")):
+            with self.subTest(second=second):
+                result = self.run_tool(["5", second], "trial")
+                told = r"-- programs that Wine had to start a second time: 1\n--   " + NOTE + re.escape(end) + r"\n$"
+                self.assertRegex(result.stdout, told)
+        result = self.run_tool(["0 done"], "trial")
+        self.assertEqual(result.stdout, "done\ntrial: success\n")
+
+
+if __name__ == "__main__":
+    unittest.main()
