@@ -9,7 +9,7 @@
 namespace kesp {
 
 // Time stands still unless the test advances it or has each reading of the tick count advance it.
-class ClockFake final : public Clock {
+class ClockFake : public Clock {
  public:
   ClockFake();
   ~ClockFake() override;

@@ -5,39 +5,30 @@
 
 #include <new>
 #include <stdexcept>
+#include <tuple>
+
+#include "support/failure_fixture.h"
 
 namespace kesp {
 namespace {
 
 // CurrentFailure() inside the handler of what the step throws.
 template <typename Step>
-Failure Caught(Step step) {
+Raised Caught(Step step) {
   try {
     step();
   } catch (...) {
-    return CurrentFailure();
+    return PartsOf(CurrentFailure());
   }
   return {-1, L"", L"nothing was thrown"};
 }
 
-TEST(Failure, Made_HoldsNumberSourceAndDescription) {
-  const Failure failure(8005, L"[here]", L"Port already open");
-  EXPECT_EQ(failure.number(), 8005);
-  EXPECT_EQ(failure.source(), L"[here]");
-  EXPECT_EQ(failure.description(), L"Port already open");
-}
-
-TEST(Failure, What_IsTheDescriptionInAscii) {
+TEST(FailureTest, What_IsTheDescriptionInAscii) {
   EXPECT_STREQ(Failure(1, L"", L"20 \u00B0C").what(), "20 ?C");
 }
 
-TEST(Failure, RuntimeFailures_HaveTheNumbersThatClientsKnow) {
-  struct Case {
-    Failure failure;
-    std::int32_t number;
-    const wchar_t* description;
-  };
-  const Case cases[] = {
+TEST(FailureTest, RuntimeFailures_HaveTheNumbersThatClientsKnow) {
+  const std::tuple<Failure, std::int32_t, const wchar_t*> cases[] = {
       {InvalidCall(), 5, L"Invalid procedure call or argument"},
       {Overflow(), 6, L"Overflow"},
       {OutOfMemory(), 7, L"Out of memory"},
@@ -45,34 +36,17 @@ TEST(Failure, RuntimeFailures_HaveTheNumbersThatClientsKnow) {
       {TypeMismatch(), 13, L"Type mismatch"},
       {KeyAlreadyInUse(), 457, L"This key is already associated with an element of this collection"},
   };
-  for (const Case& c : cases) {
-    EXPECT_EQ(c.failure.number(), c.number);
-    EXPECT_EQ(c.failure.description(), c.description);
-    EXPECT_EQ(c.failure.source(), L"KespCommObj");
+  for (const auto& [failure, number, description] : cases) {
+    EXPECT_EQ(PartsOf(failure), (Raised{number, L"KespCommObj", description}));
   }
 }
 
-TEST(CurrentFailure, Failure_IsItself) {
-  const Failure failure = Caught([] { throw Failure(230, L"[there]", L"text"); });
-  EXPECT_EQ(failure.number(), 230);
-  EXPECT_EQ(failure.source(), L"[there]");
-  EXPECT_EQ(failure.description(), L"text");
-}
-
-TEST(CurrentFailure, BadAlloc_IsOutOfMemory) {
-  EXPECT_EQ(Caught([] { throw std::bad_alloc(); }).number(), 7);
-}
-
-TEST(CurrentFailure, OtherException_IsInternalErrorWithItsText) {
-  const Failure failure = Caught([] { throw std::runtime_error("odd"); });
-  EXPECT_EQ(failure.number(), 51);
-  EXPECT_EQ(failure.description(), L"Internal error (odd)");
-}
-
-TEST(CurrentFailure, SomethingElse_IsInternalError) {
-  const Failure failure = Caught([] { throw 1; });
-  EXPECT_EQ(failure.number(), 51);
-  EXPECT_EQ(failure.description(), L"Internal error");
+TEST(CurrentFailureTest, WhateverWasThrown_IsAFailure) {
+  EXPECT_EQ(Caught([] { throw Failure(230, L"[there]", L"text"); }), (Raised{230, L"[there]", L"text"}));
+  EXPECT_EQ(Caught([] { throw std::bad_alloc(); }), (Raised{7, L"KespCommObj", L"Out of memory"}));
+  EXPECT_EQ(Caught([] { throw std::runtime_error("odd"); }),
+            (Raised{51, L"KespCommObj", L"Internal error (odd)"}));
+  EXPECT_EQ(Caught([] { throw 1; }), (Raised{51, L"KespCommObj", L"Internal error"}));
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <new>
+#include <optional>
+#include <utility>
 
 #include "support/clock_fake.h"
 #include "support/files_fake.h"
@@ -16,6 +18,9 @@ constexpr CalendarDate kToday{2013, 1, 11};
 const std::wstring kPath = L"C:\\Logs\\commobjout.log";
 const std::wstring kRolledPath = L"C:\\Logs\\commobjout.log 2013-01-10";
 
+// What every line begins with.
+const std::string kTime = "11/01/2013 08:09:10\t123456\t";
+
 class LogWriterTest : public testing::Test {
  protected:
   LogWriterTest() {
@@ -24,59 +29,52 @@ class LogWriterTest : public testing::Test {
     clock.SetDateTimeText(L"11/01/2013 08:09:10");
   }
 
+  // The file's content when it is the only one.
+  std::string OnlyContent() const {
+    EXPECT_EQ(files.files().size(), 1U);
+    return files.Content(kPath);
+  }
+
   ClockFake clock;
   FilesFake files{clock};
   LogWriter log{clock, files};
 };
 
-TEST_F(LogWriterTest, Write_NoFile_MakesItWithOneLine) {
-  log.Write(kPath, L"Beginning Query()...");
-  EXPECT_EQ(files.files().size(), 1U);
-  EXPECT_EQ(files.Content(kPath), "11/01/2013 08:09:10\t123456\tBeginning Query()...\r\n");
-}
-
-TEST_F(LogWriterTest, Write_FileIsThere_Appends) {
+TEST_F(LogWriterTest, Write_MakesTheFileThenAppends) {
   log.Write(kPath, L"first");
+  EXPECT_EQ(OnlyContent(), kTime + "first\r\n");
   clock.Advance(1000);
   clock.SetDateTimeText(L"11/01/2013 08:09:11");
   log.Write(kPath, L"second");
-  EXPECT_EQ(files.Content(kPath),
-            "11/01/2013 08:09:10\t123456\tfirst\r\n11/01/2013 08:09:11\t124456\tsecond\r\n");
+  EXPECT_EQ(OnlyContent(), kTime + "first\r\n11/01/2013 08:09:11\t124456\tsecond\r\n");
 }
 
-TEST_F(LogWriterTest, Write_EmptyMessage_StillMakesALine) {
-  log.Write(kPath, L"");
-  EXPECT_EQ(files.Content(kPath), "11/01/2013 08:09:10\t123456\t\r\n");
+TEST_F(LogWriterTest, Write_AnyMessage_IsALineInTheCodePage) {
+  const std::pair<std::wstring, std::string> rows[] = {
+      {L"", ""},
+      {L"20 \u00B0C \u20AC \u0416 \U0001F600",
+       "20 \xB0"
+       "C \x80 ? ?"},
+      {{L'a', L'\0', L'b'}, {'a', '\0', 'b'}},
+  };
+  std::string expected;
+  for (const auto& [message, bytes] : rows) {
+    log.Write(kPath, message);
+    expected += kTime + bytes + "\r\n";
+  }
+  EXPECT_EQ(OnlyContent(), expected);
 }
 
 TEST_F(LogWriterTest, Write_TickCountIsNegative_IsSigned) {
   clock.SetTickCount(-5);
   log.Write(kPath, L"x");
-  EXPECT_EQ(files.Content(kPath), "11/01/2013 08:09:10\t-5\tx\r\n");
-}
-
-TEST_F(LogWriterTest, Write_CharactersOutsideAscii_AreInTheCodePageOrQuestionMarks) {
-  log.Write(kPath, L"20 \u00B0C \u20AC \u0416 \U0001F600");
-  EXPECT_EQ(files.Content(kPath),
-            "11/01/2013 08:09:10\t123456\t20 \xB0"
-            "C \x80 ? ?\r\n");
-}
-
-TEST_F(LogWriterTest, Write_EmbeddedNul_IsKept) {
-  log.Write(kPath, std::wstring{L'a', L'\0', L'b'});
-  EXPECT_EQ(files.Content(kPath), std::string("11/01/2013 08:09:10\t123456\ta\0b\r\n", 32));
-}
-
-TEST_F(LogWriterTest, Write_BareName_IsHandedOnAsItIs) {
-  log.Write(L"CKespTCP.log", L"x");
-  EXPECT_TRUE(files.files().contains(L"CKespTCP.log"));
+  EXPECT_EQ(OnlyContent(), "11/01/2013 08:09:10\t-5\tx\r\n");
 }
 
 TEST_F(LogWriterTest, Write_OldFile_DoesNotRollOver) {
   files.Put(kPath, "old\r\n", kYesterday);
   log.Write(kPath, L"x");
-  EXPECT_EQ(files.files().size(), 1U);
-  EXPECT_EQ(files.Content(kPath), "old\r\n11/01/2013 08:09:10\t123456\tx\r\n");
+  EXPECT_EQ(OnlyContent(), "old\r\n" + kTime + "x\r\n");
 }
 
 TEST_F(LogWriterTest, Write_CannotAppend_LosesTheLineSilently) {
@@ -88,30 +86,16 @@ TEST_F(LogWriterTest, Write_CannotAppend_LosesTheLineSilently) {
 
 TEST_F(LogWriterTest, Rollover_NoFile_RenamesNothing) {
   log.WriteWithDailyRollover(kPath, L"x");
-  EXPECT_EQ(files.files().size(), 1U);
-  EXPECT_EQ(files.Content(kPath), "11/01/2013 08:09:10\t123456\tx\r\n");
+  EXPECT_EQ(OnlyContent(), kTime + "x\r\n");
 }
 
-TEST_F(LogWriterTest, Rollover_FileOfYesterday_GetsItsDateAndTheLineStartsANewFile) {
-  files.Put(kPath, "old\r\n", kYesterday);
-  log.WriteWithDailyRollover(kPath, L"x");
-  EXPECT_EQ(files.files().size(), 2U);
-  EXPECT_EQ(files.Content(kRolledPath), "old\r\n");
-  EXPECT_EQ(files.Content(kPath), "11/01/2013 08:09:10\t123456\tx\r\n");
-}
-
-TEST_F(LogWriterTest, Rollover_FileOfToday_IsAppendedTo) {
-  files.Put(kPath, "old\r\n", kToday);
-  log.WriteWithDailyRollover(kPath, L"x");
-  EXPECT_EQ(files.files().size(), 1U);
-  EXPECT_EQ(files.Content(kPath), "old\r\n11/01/2013 08:09:10\t123456\tx\r\n");
-}
-
-TEST_F(LogWriterTest, Rollover_SecondLineOfTheDay_IsAppendedToTheNewFile) {
+TEST_F(LogWriterTest, Rollover_FileOfYesterday_GetsItsDateAndTheLinesStartANewFile) {
   files.Put(kPath, "old\r\n", kYesterday);
   log.WriteWithDailyRollover(kPath, L"x");
   log.WriteWithDailyRollover(kPath, L"y");
-  EXPECT_EQ(files.Content(kPath), "11/01/2013 08:09:10\t123456\tx\r\n11/01/2013 08:09:10\t123456\ty\r\n");
+  EXPECT_EQ(files.files().size(), 2U);
+  EXPECT_EQ(files.Content(kRolledPath), "old\r\n");
+  EXPECT_EQ(files.Content(kPath), kTime + "x\r\n" + kTime + "y\r\n");
 }
 
 TEST_F(LogWriterTest, Rollover_AnyOtherDay_IsWrittenAsYearMonthDay) {
@@ -134,10 +118,19 @@ TEST_F(LogWriterTest, Rollover_AnyOtherDay_IsWrittenAsYearMonthDay) {
   }
 }
 
-TEST_F(LogWriterTest, Rollover_BareName_StaysInTheCurrentDirectory) {
-  files.Put(L"out.log", "old", kYesterday);
-  log.WriteWithDailyRollover(L"out.log", L"x");
-  EXPECT_EQ(files.Content(L"out.log 2013-01-10"), "old");
+// Of today, or one that cannot be renamed, or whose date cannot be told.
+TEST_F(LogWriterTest, Rollover_FileThatStays_IsAppendedTo) {
+  using Operation = FilesFake::Operation;
+  const std::pair<CalendarDate, std::optional<Operation>> cases[] = {
+      {kToday, {}}, {kYesterday, Operation::kRename}, {kYesterday, Operation::kLastModified}};
+  for (const auto& [modified, refused] : cases) {
+    FilesFake disk(clock);
+    disk.Put(kPath, "old\r\n", modified);
+    if (refused) disk.Refuse(*refused);
+    LogWriter(clock, disk).WriteWithDailyRollover(kPath, L"x");
+    EXPECT_EQ(disk.files().size(), 1U);
+    EXPECT_EQ(disk.Content(kPath), "old\r\n" + kTime + "x\r\n");
+  }
 }
 
 TEST_F(LogWriterTest, Rollover_TargetExists_AppendsToTheOldFile) {
@@ -145,23 +138,14 @@ TEST_F(LogWriterTest, Rollover_TargetExists_AppendsToTheOldFile) {
   files.Put(kRolledPath, "older", kYesterday);
   log.WriteWithDailyRollover(kPath, L"x");
   EXPECT_EQ(files.Content(kRolledPath), "older");
-  EXPECT_EQ(files.Content(kPath), "old\r\n11/01/2013 08:09:10\t123456\tx\r\n");
+  EXPECT_EQ(files.Content(kPath), "old\r\n" + kTime + "x\r\n");
 }
 
-TEST_F(LogWriterTest, Rollover_CannotRename_AppendsToTheOldFile) {
-  files.Put(kPath, "old\r\n", kYesterday);
-  files.Refuse(FilesFake::Operation::kRename);
-  log.WriteWithDailyRollover(kPath, L"x");
-  EXPECT_EQ(files.files().size(), 1U);
-  EXPECT_EQ(files.Content(kPath), "old\r\n11/01/2013 08:09:10\t123456\tx\r\n");
-}
-
-TEST_F(LogWriterTest, Rollover_DateCannotBeTold_AppendsToTheOldFile) {
-  files.Put(kPath, "old\r\n", kYesterday);
-  files.Refuse(FilesFake::Operation::kLastModified);
-  log.WriteWithDailyRollover(kPath, L"x");
-  EXPECT_EQ(files.files().size(), 1U);
-  EXPECT_EQ(files.Content(kPath), "old\r\n11/01/2013 08:09:10\t123456\tx\r\n");
+TEST_F(LogWriterTest, BareName_StaysInTheCurrentDirectory) {
+  files.Put(L"out.log", "old", kYesterday);
+  log.WriteWithDailyRollover(L"out.log", L"x");
+  EXPECT_EQ(files.Content(L"out.log 2013-01-10"), "old");
+  EXPECT_EQ(files.Content(L"out.log"), kTime + "x\r\n");
 }
 
 // Whichever call runs out of memory: nothing reaches the caller, and the old lines are all there.
@@ -178,18 +162,11 @@ TEST_F(LogWriterTest, Rollover_NthCallThrows_NothingEscapesAndNothingOldIsLost) 
   }
 }
 
-// A clock without memory.
-class ClockWithoutMemory final : public Clock {
- public:
-  std::int32_t TickCount() override { return 0; }
-  std::int64_t Microseconds() override { return 0; }
-  int MillisecondOfSecond() override { return 0; }
-  CalendarDate Today() override { return {}; }
-  std::wstring DateTimeText() override { throw std::bad_alloc(); }
-};
-
 TEST_F(LogWriterTest, Write_ClockThrows_LosesTheLineSilently) {
-  ClockWithoutMemory broken;
+  // A clock without memory.
+  class : public ClockFake {
+    std::wstring DateTimeText() override { throw std::bad_alloc(); }
+  } broken;
   LogWriter(broken, files).Write(kPath, L"x");
   EXPECT_EQ(files.calls(), 0);
 }

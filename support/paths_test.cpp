@@ -3,16 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace kesp {
 namespace {
 
-TEST(Paths, JoinPath_PutsOneSeparatorBetween) {
-  struct Case {
-    const wchar_t* folder;
-    const wchar_t* name;
-    const wchar_t* path;
-  };
-  const Case cases[] = {
+TEST(PathsTest, JoinPath_PutsOneSeparatorBetween) {
+  const std::array<const wchar_t*, 3> cases[] = {
       {L"C:\\a", L"b.log", L"C:\\a\\b.log"},
       {L"C:\\a\\", L"b.log", L"C:\\a\\b.log"},
       {L"C:\\a", L"\\b.log", L"C:\\a\\b.log"},
@@ -26,15 +23,11 @@ TEST(Paths, JoinPath_PutsOneSeparatorBetween) {
       {L"\\\\server\\share", L"b", L"\\\\server\\share\\b"},
       {L"a", L"b\\c", L"a\\b\\c"},
   };
-  for (const Case& c : cases) EXPECT_EQ(JoinPath(c.folder, c.name), c.path);
+  for (const auto& [folder, name, path] : cases) EXPECT_EQ(JoinPath(folder, name), path);
 }
 
-TEST(Paths, FolderOfPath_IsEverythingThroughTheLastBackslash) {
-  struct Case {
-    const wchar_t* path;
-    const wchar_t* folder;
-  };
-  const Case cases[] = {
+TEST(PathsTest, FolderOfPath_IsEverythingThroughTheLastBackslash) {
+  const std::array<const wchar_t*, 2> cases[] = {
       {L"C:\\a\\b.log", L"C:\\a\\"},
       {L"C:\\b.log", L"C:\\"},
       {L"C:\\a\\", L"C:\\a\\"},
@@ -45,15 +38,11 @@ TEST(Paths, FolderOfPath_IsEverythingThroughTheLastBackslash) {
       {L"", L""},
       {L"\\\\server\\share\\b", L"\\\\server\\share\\"},
   };
-  for (const Case& c : cases) EXPECT_EQ(FolderOfPath(c.path), c.folder) << testing::PrintToString(c.path);
+  for (const auto& [path, folder] : cases) EXPECT_EQ(FolderOfPath(path), folder);
 }
 
-TEST(Paths, FileNameOfPath_IsTheLastComponent) {
-  struct Case {
-    const wchar_t* path;
-    const wchar_t* name;
-  };
-  const Case cases[] = {
+TEST(PathsTest, FileNameOfPath_IsTheLastComponent) {
+  const std::array<const wchar_t*, 2> cases[] = {
       {L"C:\\a\\b.log", L"b.log"},
       {L"b.log", L"b.log"},
       {L"C:\\a\\", L"a"},
@@ -68,10 +57,10 @@ TEST(Paths, FileNameOfPath_IsTheLastComponent) {
       {L"b.tar.gz", L"b.tar.gz"},
       {L"C:\\a\\b c 2013-01-10", L"b c 2013-01-10"},
   };
-  for (const Case& c : cases) EXPECT_EQ(FileNameOfPath(c.path), c.name) << testing::PrintToString(c.path);
+  for (const auto& [path, name] : cases) EXPECT_EQ(FileNameOfPath(path), name);
 }
 
-TEST(Paths, FolderAndName_JoinToThePathAgain) {
+TEST(PathsTest, FolderAndName_JoinToThePathAgain) {
   for (const std::wstring path : {L"C:\\a\\b.log", L"b.log", L"\\\\server\\share\\b", L"..\\b"}) {
     EXPECT_EQ(JoinPath(FolderOfPath(path), FileNameOfPath(path)), path);
   }

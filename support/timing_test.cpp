@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "support/clock_fake.h"
-#include "support/failure.h"
+#include "support/failure_fixture.h"
 #include "support/message_pump_fake.h"
 
 namespace kesp {
@@ -16,16 +16,7 @@ namespace {
 constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
 
-// The number of the failure that the step throws; 0 when it throws none.
-template <typename Step>
-std::int32_t FailureOf(Step step) {
-  try {
-    step();
-  } catch (const Failure& failure) {
-    return failure.number();
-  }
-  return 0;
-}
+const Raised kOverflow{6, L"KespCommObj", L"Overflow"};
 
 TEST(Deadline, SumThatFits_IsTheSum) {
   EXPECT_EQ(Deadline(1000, 500), 1500);
@@ -38,10 +29,10 @@ TEST(Deadline, SumThatFits_IsTheSum) {
 }
 
 TEST(Deadline, SumThatDoesNotFit_FailsWithOverflow) {
-  EXPECT_EQ(FailureOf([] { Deadline(kMax, 1); }), 6);
-  EXPECT_EQ(FailureOf([] { Deadline(kMax - 10, 11); }), 6);
-  EXPECT_EQ(FailureOf([] { Deadline(1, kMax); }), 6);
-  EXPECT_EQ(FailureOf([] { Deadline(kMin, -1); }), 6);
+  EXPECT_EQ(RaisedBy([] { Deadline(kMax, 1); }), kOverflow);
+  EXPECT_EQ(RaisedBy([] { Deadline(kMax - 10, 11); }), kOverflow);
+  EXPECT_EQ(RaisedBy([] { Deadline(1, kMax); }), kOverflow);
+  EXPECT_EQ(RaisedBy([] { Deadline(kMin, -1); }), kOverflow);
 }
 
 // Whatever the counter's sign does, a wait ends: the last deadline that fits is one that no reading exceeds.
@@ -71,8 +62,8 @@ TEST(IsPast, NegativeTime_IsPastAtOnce) {
 
 TEST(IsPast, DeadlineThatDoesNotFit_FailsWithOverflow) {
   ClockFake clock;
-  EXPECT_EQ(FailureOf([&] { IsPast(clock, kMax - 10, 11); }), 6);
-  EXPECT_EQ(FailureOf([&] { IsPast(clock, kMin, -1); }), 6);
+  EXPECT_EQ(RaisedBy([&] { IsPast(clock, kMax - 10, 11); }), kOverflow);
+  EXPECT_EQ(RaisedBy([&] { IsPast(clock, kMin, -1); }), kOverflow);
 }
 
 TEST(MillisecondsSince, CounterWraps_AreCounted) {
@@ -88,9 +79,11 @@ class DelayTest : public testing::Test {
   MessagePumpFake pump;
 };
 
-TEST_F(DelayTest, Zero_PumpsExactlyOnce) {
+TEST_F(DelayTest, ZeroOrNegative_PumpsExactlyOnce) {
   Delay(clock, pump, 0);
   EXPECT_EQ(pump.count(), 1);
+  Delay(clock, pump, -100);
+  EXPECT_EQ(pump.count(), 2);
 }
 
 // Windows' tick counter steps by 16 ms: a delay of 10 must not be over because a step has just been due.
@@ -111,11 +104,6 @@ TEST_F(DelayTest, CounterTurnsNegativeMeanwhile_Ends) {
   EXPECT_EQ(pump.count(), 1);
 }
 
-TEST_F(DelayTest, Negative_PumpsExactlyOnce) {
-  Delay(clock, pump, -100);
-  EXPECT_EQ(pump.count(), 1);
-}
-
 TEST_F(DelayTest, ClockStepsAtEachReading_PumpsUntilTheTimeHasPassed) {
   clock.SetTickCount(500);
   clock.SetStepPerReading(10);
@@ -126,15 +114,12 @@ TEST_F(DelayTest, ClockStepsAtEachReading_PumpsUntilTheTimeHasPassed) {
 }
 
 TEST_F(DelayTest, TimePassesInsideThePump_EndsWhenTheDeadlineIsReached) {
-  pump.OnPump([this] { clock.Advance(33); });
-  Delay(clock, pump, 100);
-  EXPECT_EQ(pump.count(), 4);
-}
-
-TEST_F(DelayTest, DeadlineReachedExactly_Ends) {
-  pump.OnPump([this] { clock.Advance(50); });
-  Delay(clock, pump, 100);
-  EXPECT_EQ(pump.count(), 2);
+  for (const auto& [step, pumps] : {std::pair{33U, 4}, {50U, 2}}) {
+    const int before = pump.count();
+    pump.OnPump([this, step = step] { clock.Advance(step); });
+    Delay(clock, pump, 100);
+    EXPECT_EQ(pump.count() - before, pumps);
+  }
 }
 
 TEST_F(DelayTest, DeadlineJustFits_Returns) {
@@ -146,7 +131,7 @@ TEST_F(DelayTest, DeadlineJustFits_Returns) {
 
 TEST_F(DelayTest, DeadlineDoesNotFit_FailsWithOverflowAfterOnePumping) {
   clock.SetTickCount(kMax - 99);
-  EXPECT_EQ(FailureOf([this] { Delay(clock, pump, 100); }), 6);
+  EXPECT_EQ(RaisedBy([this] { Delay(clock, pump, 100); }), kOverflow);
   EXPECT_EQ(pump.count(), 1);
 }
 
@@ -169,28 +154,19 @@ class ElapsedSecondsTest : public testing::Test {
   ClockFake clock;
 };
 
-TEST_F(ElapsedSecondsTest, StartsOnASecond_StepsEachThousandMilliseconds) {
-  clock.SetMillisecondOfSecond(0);
-  const ElapsedSeconds elapsed(clock);
-  EXPECT_EQ(elapsed.Count(), 0);
-  clock.Advance(999);
-  EXPECT_EQ(elapsed.Count(), 0);
-  clock.Advance(1);
-  EXPECT_EQ(elapsed.Count(), 1);
-  clock.Advance(59'000);
-  EXPECT_EQ(elapsed.Count(), 60);
-}
-
-TEST_F(ElapsedSecondsTest, StartsWithinASecond_StepsWhenTheCalendarSecondBegins) {
-  clock.SetMillisecondOfSecond(900);
-  const ElapsedSeconds elapsed(clock);
-  EXPECT_EQ(elapsed.Count(), 0);
-  clock.Advance(99);
-  EXPECT_EQ(elapsed.Count(), 0);
-  clock.Advance(1);
-  EXPECT_EQ(elapsed.Count(), 1);
-  clock.Advance(1000);
-  EXPECT_EQ(elapsed.Count(), 2);
+// The first one begins with the next second of the calendar.
+TEST_F(ElapsedSecondsTest, Count_StepsWhenTheCalendarSecondBegins) {
+  for (const std::uint32_t start : {0U, 900U}) {
+    clock.SetMillisecondOfSecond(start);
+    const ElapsedSeconds elapsed(clock);
+    EXPECT_EQ(elapsed.Count(), 0);
+    clock.Advance(999 - start);
+    EXPECT_EQ(elapsed.Count(), 0);
+    clock.Advance(1);
+    EXPECT_EQ(elapsed.Count(), 1);
+    clock.Advance(59'000);
+    EXPECT_EQ(elapsed.Count(), 60);
+  }
 }
 
 TEST_F(ElapsedSecondsTest, TickCountChangesSignAndWraps_GoesOn) {
