@@ -26,8 +26,6 @@ class ControlsTest : public testing::Test {
   FormViewFake view_;
 };
 
-const std::vector<ChoiceList::Entry> kThree = {{L"a", 7, ""}, {L"b", 8, ""}, {L"c", 8, ""}};
-
 TEST_F(ControlsTest, NewControl_IsEnabledVisibleAndKnownToItsForm) {
   Label first(form_, 5, 2);
   Button second(form_, 6, kEveryPage);
@@ -39,7 +37,7 @@ TEST_F(ControlsTest, NewControl_IsEnabledVisibleAndKnownToItsForm) {
   EXPECT_TRUE(view_.lines.empty());
 }
 
-TEST_F(ControlsTest, EnableAndShow_AreToldToTheView) {
+TEST_F(ControlsTest, EnableShowAndText_AreToldToTheView) {
   Label label(form_, 5, 0);
   label.Enable(false);
   EXPECT_FALSE(label.enabled());
@@ -47,7 +45,9 @@ TEST_F(ControlsTest, EnableAndShow_AreToldToTheView) {
   EXPECT_FALSE(label.visible());
   label.Enable(true);
   label.Show(true);
-  EXPECT_EQ(view_.lines, (Lines{L"5 disabled", L"5 hidden", L"5 enabled", L"5 shown"}));
+  label.SetText(L"Power level 4");
+  EXPECT_EQ(view_.lines,
+            (Lines{L"5 disabled", L"5 hidden", L"5 enabled", L"5 shown", L"5 text Power level 4"}));
 }
 
 TEST_F(ControlsTest, ChangeWithoutView_IsKept) {
@@ -58,37 +58,40 @@ TEST_F(ControlsTest, ChangeWithoutView_IsKept) {
   EXPECT_TRUE(view_.lines.empty());
 }
 
-TEST_F(ControlsTest, LabelSetText_IsShown) {
-  Label label(form_, 5, 0);
-  label.SetText(L"Power level 4");
-  EXPECT_EQ(view_.lines, Lines{L"5 text Power level 4"});
-}
-
-TEST_F(ControlsTest, ButtonClick_RunsTheHandlerOnlyWhileEnabled) {
+// Each is used without a handler first, and at last while it is disabled.
+TEST_F(ControlsTest, Click_ChangesThenRunsTheHandlerAndOnlyWhileEnabled) {
   Button button(form_, 5, 0);
-  button.Click();  // without a handler
-  button.on_click = Handler();
-  button.Click();
-  button.Enable(false);
-  button.Click();
-  EXPECT_EQ(view_.lines, (Lines{L"handler", L"5 disabled"}));
-}
-
-TEST_F(ControlsTest, CheckBoxClick_TogglesAndRunsTheHandlerAfterIt) {
-  CheckBox box(form_, 5, 0, L"tip");
+  CheckBox box(form_, 6, 0, L"tip");
+  OptionButton option(form_, 7, 0);
   EXPECT_EQ(box.tool_tip(), L"tip");
+  const auto click_all = [&] {
+    button.Click();
+    box.Click();
+    option.Click();
+  };
+  click_all();
+  EXPECT_EQ(view_.lines, (Lines{L"6 checked", L"7 checked"}));
+  view_.lines.clear();
+  button.on_click = box.on_click = option.on_click = Handler();
+  click_all();
+  EXPECT_EQ(view_.lines, (Lines{L"handler", L"6 unchecked", L"handler", L"7 checked", L"handler"}));
+  for (Control* control :
+       {static_cast<Control*>(&button), static_cast<Control*>(&box), static_cast<Control*>(&option)}) {
+    control->Enable(false);
+  }
+  view_.lines.clear();
+  click_all();
+  EXPECT_EQ(view_.lines, Lines{});
   EXPECT_FALSE(box.checked());
-  box.Click();  // without a handler
+  // The form may do what the user may not.
+  box.SetChecked(true);
   EXPECT_TRUE(box.checked());
-  box.on_click = Handler();
-  box.Click();
-  EXPECT_FALSE(box.checked());
-  EXPECT_EQ(view_.lines, (Lines{L"5 checked", L"5 unchecked", L"handler"}));
 }
 
 TEST_F(ControlsTest, CheckBoxSetChecked_RunsTheHandlerOnlyWhenItChanges) {
   CheckBox box(form_, 5, 0);
   EXPECT_EQ(box.tool_tip(), L"");
+  EXPECT_FALSE(box.checked());
   box.on_click = Handler();
   box.SetChecked(false);
   EXPECT_TRUE(view_.lines.empty());
@@ -97,110 +100,72 @@ TEST_F(ControlsTest, CheckBoxSetChecked_RunsTheHandlerOnlyWhenItChanges) {
   EXPECT_EQ(view_.lines, (Lines{L"5 checked", L"handler"}));
 }
 
-TEST_F(ControlsTest, DisabledCheckBox_IsForTheFormAlone) {
-  CheckBox box(form_, 5, 0);
-  box.Enable(false);
-  box.Click();
-  EXPECT_FALSE(box.checked());
-  box.SetChecked(true);
-  EXPECT_TRUE(box.checked());
-}
-
-TEST_F(ControlsTest, OptionSelect_RunsTheHandlerAlsoWhenSelectedAlready) {
+TEST_F(ControlsTest, OptionSelectAndDeselect_AreShown) {
   OptionButton option(form_, 5, 0);
   EXPECT_FALSE(option.selected());
-  option.Select();  // without a handler
-  EXPECT_TRUE(option.selected());
   option.on_click = Handler();
-  option.Click();
+  option.Select();
+  EXPECT_TRUE(option.selected());
   option.Deselect();
   EXPECT_FALSE(option.selected());
-  EXPECT_EQ(view_.lines, (Lines{L"5 checked", L"5 checked", L"handler", L"5 unchecked"}));
+  EXPECT_EQ(view_.lines, (Lines{L"5 checked", L"handler", L"5 unchecked"}));
 }
 
-TEST_F(ControlsTest, DisabledOption_CannotBeClicked) {
-  OptionButton option(form_, 5, 0);
-  option.on_click = Handler();
-  option.Enable(false);
-  option.Click();
-  EXPECT_FALSE(option.selected());
-  EXPECT_EQ(view_.lines, Lines{L"5 disabled"});
+class ListTest : public ControlsTest {
+ protected:
+  ListTest() {
+    list_.Fill({{L"a", 7, ""}, {L"b", 8, ""}, {L"c", 8, ""}});
+    EXPECT_EQ(view_.lines, Lines{L"5 entries 3"});
+    view_.lines.clear();
+  }
+
+  ChoiceList list_{form_, 5, 0};
+};
+
+TEST_F(ListTest, Fill_ReplacesTheEntriesAndSelectsNone) {
+  list_.Select(1);
+  list_.Fill({{L"x", 1, "image"}});
+  EXPECT_EQ(list_.entries(), (std::vector<ChoiceList::Entry>{{L"x", 1, "image"}}));
+  EXPECT_FALSE(list_.selection().has_value());
+  EXPECT_EQ(list_.selected(), nullptr);
+  EXPECT_EQ(view_.lines, (Lines{L"5 selects b", L"5 entries 1"}));
 }
 
-TEST_F(ControlsTest, ListFill_ReplacesTheEntriesAndSelectsNone) {
-  ChoiceList list(form_, 5, 0);
-  EXPECT_EQ(list.selected(), nullptr);
-  list.Fill(kThree);
-  list.Select(1);
-  list.Fill({{L"x", 1, "image"}});
-  EXPECT_EQ(list.entries(), (std::vector<ChoiceList::Entry>{{L"x", 1, "image"}}));
-  EXPECT_FALSE(list.selection().has_value());
-  EXPECT_EQ(list.selected(), nullptr);
-  EXPECT_EQ(view_.lines, (Lines{L"5 entries 3", L"5 selects b", L"5 entries 1"}));
+// By its place or its value; of equal ones the first. What is not there changes nothing.
+TEST_F(ListTest, SelectByProgram_RunsNoHandler) {
+  list_.on_choose = Handler();
+  list_.SelectValue(9);
+  EXPECT_FALSE(list_.selection().has_value());
+  list_.Select(2);
+  EXPECT_EQ(list_.selected(), &list_.entries()[2]);
+  list_.Select(3);
+  list_.SelectValue(9);
+  EXPECT_EQ(list_.selection(), 2U);
+  list_.SelectValue(8);
+  EXPECT_EQ(list_.selection(), 1U);
+  list_.SelectValue(7);
+  EXPECT_EQ(view_.lines, (Lines{L"5 selects c", L"5 selects b", L"5 selects a"}));
 }
 
-TEST_F(ControlsTest, ListSelect_ByProgramRunsNoHandler) {
-  ChoiceList list(form_, 5, 0);
-  list.Fill(kThree);
-  list.on_choose = Handler();
-  list.Select(2);
-  EXPECT_EQ(list.selected(), &list.entries()[2]);
-  list.Select(3);  // there is none
-  EXPECT_EQ(list.selection(), 2U);
-  EXPECT_EQ(view_.lines, (Lines{L"5 entries 3", L"5 selects c"}));
-}
-
-TEST_F(ControlsTest, ListSelectValue_SelectsTheFirstOfEqualOnes) {
-  ChoiceList list(form_, 5, 0);
-  list.Fill(kThree);
-  list.on_choose = Handler();
-  list.SelectValue(8);
-  EXPECT_EQ(list.selection(), 1U);
-  list.SelectValue(7);
-  EXPECT_EQ(list.selection(), 0U);
-  EXPECT_EQ(view_.lines, (Lines{L"5 entries 3", L"5 selects b", L"5 selects a"}));
-}
-
-TEST_F(ControlsTest, ListSelectValue_WithoutSuchAnEntryKeepsTheSelection) {
-  ChoiceList list(form_, 5, 0);
-  list.Fill(kThree);
-  list.SelectValue(9);
-  EXPECT_FALSE(list.selection().has_value());
-  list.Select(2);
-  list.SelectValue(9);
-  EXPECT_EQ(list.selection(), 2U);
-  EXPECT_EQ(view_.lines, (Lines{L"5 entries 3", L"5 selects c"}));
-}
-
-TEST_F(ControlsTest, ListSelectedAs_IsTheEntrysValueOrTheOneForNone) {
+TEST_F(ListTest, SelectedAs_IsTheEntrysValueOrTheOneForNone) {
   enum class Letter : std::int32_t { kNone = -1, kA = 7 };
-  ChoiceList list(form_, 5, 0);
-  list.Fill(kThree);
-  EXPECT_EQ(list.SelectedAs(Letter::kNone), Letter::kNone);
-  list.Select(0);
-  EXPECT_EQ(list.SelectedAs(Letter::kNone), Letter::kA);
+  EXPECT_EQ(list_.SelectedAs(Letter::kNone), Letter::kNone);
+  list_.Select(0);
+  EXPECT_EQ(list_.SelectedAs(Letter::kNone), Letter::kA);
 }
 
-TEST_F(ControlsTest, ListChoose_SelectsAndThenRunsTheHandler) {
-  ChoiceList list(form_, 5, 0);
-  list.Fill(kThree);
-  list.Choose(0);  // without a handler
-  list.on_choose = Handler();
-  list.Choose(1);
-  list.Choose(1);
-  EXPECT_EQ(view_.lines,
-            (Lines{L"5 entries 3", L"5 selects a", L"5 selects b", L"handler", L"5 selects b", L"handler"}));
-}
-
-TEST_F(ControlsTest, ListChoose_NoSuchEntryOrDisabledDoesNothing) {
-  ChoiceList list(form_, 5, 0);
-  list.Fill(kThree);
-  list.on_choose = Handler();
-  list.Choose(3);
-  list.Enable(false);
-  list.Choose(0);
-  EXPECT_FALSE(list.selection().has_value());
-  EXPECT_EQ(view_.lines, (Lines{L"5 entries 3", L"5 disabled"}));
+TEST_F(ListTest, Choose_SelectsAndThenRunsTheHandler) {
+  list_.Choose(0);  // without a handler
+  list_.on_choose = Handler();
+  list_.Choose(1);
+  list_.Choose(1);
+  list_.Choose(3);  // there is none
+  EXPECT_EQ(view_.lines, (Lines{L"5 selects a", L"5 selects b", L"handler", L"5 selects b", L"handler"}));
+  list_.Enable(false);
+  view_.lines.clear();
+  list_.Choose(0);
+  EXPECT_EQ(list_.selection(), 1U);
+  EXPECT_EQ(view_.lines, Lines{});
 }
 
 TEST_F(ControlsTest, ProgressBarSetValue_IsShownInsideItsEnds) {
@@ -218,13 +183,6 @@ TEST_F(ControlsTest, ProgressBarSetValue_IsShownInsideItsEnds) {
   }
   EXPECT_EQ(view_.lines.front(), L"5 value 3");
   EXPECT_EQ(view_.lines.size(), std::size(rows));
-}
-
-TEST_F(ControlsTest, UpDown_HasTheRangeAndTheStepOfItsMaking) {
-  const UpDown arrows(form_, 5, 0, 100, 10000, 50);
-  EXPECT_EQ(arrows.minimum(), 100);
-  EXPECT_EQ(arrows.maximum(), 10000);
-  EXPECT_EQ(arrows.step(), 50);
 }
 
 TEST_F(ControlsTest, TabStripChoose_SelectsAndThenRunsTheHandler) {

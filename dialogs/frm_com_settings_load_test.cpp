@@ -63,6 +63,7 @@ TEST_F(frmCOMSettingsLoadTest, New_ToolTipsFiltersAndRange) {
   EXPECT_EQ(form.txtTimeout.filter(), KeyFilter::kSignedDecimal);
   EXPECT_EQ(form.udTimeout.minimum(), 100);
   EXPECT_EQ(form.udTimeout.maximum(), 10000);
+  EXPECT_EQ(form.udTimeout.step(), 100);
 }
 
 TEST_F(frmCOMSettingsLoadTest, Flags_EachCombination_PagesListsAndDongle) {

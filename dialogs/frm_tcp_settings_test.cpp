@@ -65,6 +65,8 @@ TEST_F(frmTCPSettingsTest, New_TheArrowsHoldTheRanges) {
   EXPECT_EQ(form.udPort.maximum(), 65535);
   EXPECT_EQ(form.udTimeout.minimum(), 100);
   EXPECT_EQ(form.udTimeout.maximum(), 10000);
+  EXPECT_EQ(form.udPort.step(), 1);
+  EXPECT_EQ(form.udTimeout.step(), 100);
 }
 
 TEST_F(frmTCPSettingsTest, FirstPaint_TellsTheViewInThisOrder) {
