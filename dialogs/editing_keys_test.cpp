@@ -43,55 +43,33 @@ Keys KeptByBoth() {
   return keys;
 }
 
-TEST(FilterDigit, EveryKey_OnlyDigitsAndControlKeysPass) {
+TEST(FilterDigitTest, EveryKey_OnlyDigitsAndControlKeysPass) {
   EXPECT_EQ(Kept(FilterDigit, L'.'), KeptByBoth());
   EXPECT_EQ(Kept(FilterDigit, L','), KeptByBoth());
 }
 
-TEST(FilterSignedDecimal, EveryKeyWithPoint_SignsAndThePointPassToo) {
-  Keys expected = KeptByBoth();
-  expected.insert({{L'+', L'+'}, {L'-', L'-'}, {L'.', L'.'}});
-  EXPECT_EQ(Kept(FilterSignedDecimal, L'.'), expected);
+// The point of a keyboard's number block becomes the separator, which passes itself; one is Arabic.
+TEST(FilterSignedDecimalTest, EveryKey_SignsAndTheSeparatorPassToo) {
+  for (const std::int16_t separator : std::initializer_list<std::int16_t>{L'.', L',', 0x066B}) {
+    Keys expected = KeptByBoth();
+    expected.insert({{L'+', L'+'}, {L'-', L'-'}, {L'.', separator}, {separator, separator}});
+    EXPECT_EQ(Kept(FilterSignedDecimal, static_cast<wchar_t>(separator)), expected);
+  }
 }
 
-TEST(FilterSignedDecimal, EveryKeyWithComma_ThePointBecomesAComma) {
-  Keys expected = KeptByBoth();
-  expected.insert({{L'+', L'+'}, {L'-', L'-'}, {L'.', L','}, {L',', L','}});
-  EXPECT_EQ(Kept(FilterSignedDecimal, L','), expected);
-}
-
-TEST(FilterSignedDecimal, EveryKeyWithAnArabicSeparator_ThePointBecomesIt) {
-  Keys expected = KeptByBoth();
-  expected.insert({{L'+', L'+'}, {L'-', L'-'}, {L'.', 0x066B}, {0x066B, 0x066B}});
-  EXPECT_EQ(Kept(FilterSignedDecimal, 0x066B), expected);
-}
-
-TEST(DecimalSeparator, AskedTwice_TheFirstAnswerStays) {
+TEST(DecimalSeparatorTest, AskedForTheFirstTimeOnAThread_Stays) {
   OnNewThread([] {
     UserSurfaceFake user;
     user.separator = L',';
     EXPECT_EQ(DecimalSeparator(user), L',');
     user.separator = L'.';
+    OnNewThread([&user] { EXPECT_EQ(DecimalSeparator(user), L'.'); });
     EXPECT_EQ(DecimalSeparator(user), L',');
-    EXPECT_EQ(user.separator_questions, 1);
+    EXPECT_EQ(user.separator_questions, 2);
   });
 }
 
-TEST(DecimalSeparator, AskedOnAnotherThread_IsThatThreadsOwn) {
-  OnNewThread([] {
-    UserSurfaceFake user;
-    user.separator = L',';
-    DecimalSeparator(user);
-    OnNewThread([] {
-      UserSurfaceFake other;
-      EXPECT_EQ(DecimalSeparator(other), L'.');
-      EXPECT_EQ(other.separator_questions, 1);
-    });
-    EXPECT_EQ(DecimalSeparator(user), L',');
-  });
-}
-
-TEST(DecimalSeparator, FirstKeyOfEitherFilter_AsksAndLaterOnesDoNot) {
+TEST(DecimalSeparatorTest, FirstKeyOfEitherFilter_AsksAndLaterOnesDoNot) {
   for (const Filter first : {FilterDigit, FilterSignedDecimal}) {
     OnNewThread([first] {
       UserSurfaceFake user;

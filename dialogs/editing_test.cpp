@@ -17,7 +17,7 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 const Raised kOverflow{6, L"KespCommObj", L"Overflow"};
 
-TEST(LeadingNumber, Texts_GiveTheNumberAtTheirStart) {
+TEST(LeadingNumberTest, Texts_GiveTheNumberAtTheirStart) {
   const struct {
     std::wstring text;
     double number;
@@ -82,11 +82,11 @@ TEST(LeadingNumber, Texts_GiveTheNumberAtTheirStart) {
   for (const auto& row : rows) EXPECT_EQ(LeadingNumber(row.text), row.number) << row.text;
 }
 
-TEST(LeadingNumber, ViewOfALongerText_StopsAtItsEnd) {
+TEST(LeadingNumberTest, ViewOfALongerText_StopsAtItsEnd) {
   EXPECT_EQ(LeadingNumber(std::wstring_view(L"1234").substr(0, 2)), 12);
 }
 
-TEST(PlainNumber, Numbers_AreWrittenInDecimalWithoutMore) {
+TEST(PlainNumberTest, Numbers_AreWrittenInDecimalWithoutMore) {
   const struct {
     double number;
     const wchar_t* text;
@@ -110,7 +110,7 @@ TEST(PlainNumber, Numbers_AreWrittenInDecimalWithoutMore) {
   for (const auto& row : rows) EXPECT_EQ(PlainNumber(row.number), row.text);
 }
 
-TEST(PlainNumber, ExtremeNumbers_AreWrittenWhole) {
+TEST(PlainNumberTest, ExtremeNumbers_AreWrittenWhole) {
   EXPECT_EQ(PlainNumber(std::numeric_limits<double>::max()).size(), 309U);
   EXPECT_EQ(PlainNumber(-std::numeric_limits<double>::max()).size(), 310U);
   EXPECT_EQ(PlainNumber(std::numeric_limits<double>::denorm_min()), L"0." + std::wstring(323, L'0') + L"5");
@@ -118,13 +118,13 @@ TEST(PlainNumber, ExtremeNumbers_AreWrittenWhole) {
             -std::numeric_limits<double>::min());
 }
 
-TEST(PlainNumber, Infinite_RaisesOverflow) {
+TEST(PlainNumberTest, Infinite_RaisesOverflow) {
   for (const double number : {kInfinity, -kInfinity, std::nan("")}) {
     EXPECT_EQ(RaisedBy([&] { PlainNumber(number); }), kOverflow);
   }
 }
 
-TEST(Clamp, Values_StayInsideTheBounds) {
+TEST(ClampTest, Values_StayInsideTheBounds) {
   const struct {
     double value, minimum, maximum, result;
   } rows[] = {
@@ -150,7 +150,7 @@ TEST(Clamp, Values_StayInsideTheBounds) {
   }
 }
 
-TEST(ToInteger16, Halves_GoToTheEvenNumber) {
+TEST(ToInteger16Test, Halves_GoToTheEvenNumber) {
   const struct {
     double number;
     std::int16_t whole;
@@ -162,14 +162,7 @@ TEST(ToInteger16, Halves_GoToTheEvenNumber) {
   for (const auto& row : rows) EXPECT_EQ(ToInteger16(row.number), row.whole) << row.number;
 }
 
-TEST(ToInteger16, NoRoom_RaisesOverflow) {
-  for (const double number :
-       {32767.5, 32768.0, 40000.0, -32768.51, -32769.0, 1e300, kInfinity, -kInfinity, std::nan("")}) {
-    EXPECT_EQ(RaisedBy([&] { ToInteger16(number); }), kOverflow) << number;
-  }
-}
-
-TEST(ToInteger32, Halves_GoToTheEvenNumber) {
+TEST(ToInteger32Test, Halves_GoToTheEvenNumber) {
   EXPECT_EQ(ToInteger32(40000.5), 40000);
   EXPECT_EQ(ToInteger32(40001.5), 40002);
   EXPECT_EQ(ToInteger32(-40001.5), -40002);
@@ -177,14 +170,20 @@ TEST(ToInteger32, Halves_GoToTheEvenNumber) {
   EXPECT_EQ(ToInteger32(-2147483648.5), std::numeric_limits<std::int32_t>::min());
 }
 
-TEST(ToInteger32, NoRoom_RaisesOverflow) {
-  for (const double number :
-       {2147483647.5, 2147483648.0, -2147483649.0, 1e300, kInfinity, -kInfinity, std::nan("")}) {
+TEST(ToIntegerTest, NoRoom_RaisesOverflow) {
+  for (const double number : {32767.5, 32768.0, 40000.0, -32768.51, -32769.0}) {
+    EXPECT_EQ(RaisedBy([&] { ToInteger16(number); }), kOverflow) << number;
+  }
+  for (const double number : {2147483647.5, 2147483648.0, -2147483649.0}) {
+    EXPECT_EQ(RaisedBy([&] { ToInteger32(number); }), kOverflow) << number;
+  }
+  for (const double number : {1e300, kInfinity, -kInfinity, std::nan("")}) {
+    EXPECT_EQ(RaisedBy([&] { ToInteger16(number); }), kOverflow) << number;
     EXPECT_EQ(RaisedBy([&] { ToInteger32(number); }), kOverflow) << number;
   }
 }
 
-TEST(ShowMessage, HelpFile_AddsAHelpButtonForItsTopic) {
+TEST(ShowMessageTest, HelpFile_AddsAHelpButtonForItsTopic) {
   UserSurfaceFake user;
   ShowMessage(user, L"Enter the RF channel.", L"Invalid RF Channel", L"", 7);
   ShowMessage(user, L"A", L"B", L"C:\\kesp.hlp", 7);
@@ -192,7 +191,7 @@ TEST(ShowMessage, HelpFile_AddsAHelpButtonForItsTopic) {
                                      {L"A", L"B", 16448, L"C:\\kesp.hlp", 7}}));
 }
 
-TEST(ShowMessage, BusyPointer_IsTheDefaultOneUnderTheBoxAndAfterIt) {
+TEST(ShowMessageTest, BusyPointer_IsTheDefaultOneUnderTheBoxAndAfterIt) {
   UserSurfaceFake user;
   user.SetPointer(MousePointer::kBusy);
   ShowMessage(user, L"A", L"B");

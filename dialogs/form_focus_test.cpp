@@ -36,10 +36,7 @@ TEST_F(FormFocusTest, Refuse_TellsTheUserThenShowsThePageThenGivesTheFocus) {
   EXPECT_EQ(user_.TakeBoxes(), Boxes{Remark(L"Invalid Timeout", L"Enter a Timeout interval.")});
   EXPECT_EQ(form_.focused(), &form_.txtSigned);
   EXPECT_TRUE(form_.is_open());
-}
-
-TEST_F(FormFocusTest, RefuseOnTheFirstPage_ComesBackToIt) {
-  form_.tabSettings.Choose(1);
+  // And back again.
   view_.lines.clear();
   form_.Refuse(form_.txtDigits, L"A", L"B");
   EXPECT_EQ(view_.lines, (Lines{L"box", L"100 selects First", L"110 shown", L"111 hidden", L"501 focused"}));
@@ -77,24 +74,16 @@ TEST_F(FormFocusTest, RefuseWhileTheFocusIsInABox_LeavesItUnlessItIsTheOneRefuse
   EXPECT_EQ(form_.txtDigits.text(), L"7");
 }
 
-TEST_F(FormFocusTest, FocusWithoutView_IsRemembered) {
-  form_.SetView(nullptr);
-  form_.Focus(form_.txtDigits);
-  EXPECT_EQ(form_.focused(), &form_.txtDigits);
-  EXPECT_TRUE(view_.lines.empty());
-}
-
-TEST_F(FormFocusTest, GotFocus_SelectsAllOfABox) {
+TEST_F(FormFocusTest, Focus_IsRememberedAndSelectsAllOfABox) {
+  form_.GotFocus(form_.tabSettings);
+  EXPECT_EQ(form_.focused(), &form_.tabSettings);
   form_.txtDigits.Type(L"18");
   form_.GotFocus(form_.txtDigits);
   EXPECT_EQ(form_.focused(), &form_.txtDigits);
+  form_.SetView(nullptr);
+  form_.Focus(form_.txtSigned);
+  EXPECT_EQ(form_.focused(), &form_.txtSigned);
   EXPECT_EQ(view_.lines, Lines{L"501 selected 0+2"});
-}
-
-TEST_F(FormFocusTest, GotFocusOfAnotherControl_IsOnlyRemembered) {
-  form_.GotFocus(form_.tabSettings);
-  EXPECT_EQ(form_.focused(), &form_.tabSettings);
-  EXPECT_TRUE(view_.lines.empty());
 }
 
 TEST_F(FormFocusTest, LostFocus_BringsTheNumberIntoItsRange) {

@@ -42,26 +42,21 @@ TEST_F(FormTest, New_NumbersItsOwnControls) {
   EXPECT_EQ(form_.controls().back(), &form_.txtSigned);
 }
 
-TEST_F(FormTest, FirstPaint_LoadsOnceOnly) {
-  int loads = 0;
-  form_.on_load = [&] { ++loads; };
-  form_.FirstPaint();
-  form_.FirstPaint();
-  EXPECT_EQ(loads, 1);
-}
-
-TEST_F(FormTest, LoadFails_IsShownAndEndsTheDialogAsCancelled) {
-  int loads = 0;
-  form_.on_load = [&] {
-    ++loads;
-    throw Overflow();
-  };
-  form_.FirstPaint();
-  form_.FirstPaint();
-  EXPECT_EQ(loads, 1);
+TEST_F(FormTest, FirstPaint_LoadsOnceOnlyAndAFailureEndsTheDialogAsCancelled) {
+  for (const bool fails : {false, true}) {
+    FormForTest form(user_, {});
+    int loads = 0;
+    form.on_load = [&] {
+      ++loads;
+      if (fails) throw Overflow();
+    };
+    form.FirstPaint();
+    form.FirstPaint();
+    EXPECT_EQ(loads, 1);
+    EXPECT_EQ(form.is_open(), !fails);
+    EXPECT_EQ(form.bCancel(), fails);
+  }
   EXPECT_EQ(user_.TakeBoxes(), kOverflowBox);
-  EXPECT_FALSE(form_.is_open());
-  EXPECT_TRUE(form_.bCancel());
 }
 
 TEST_F(FormTest, OK_ValidatesThenWritesThenCloses) {
@@ -77,19 +72,16 @@ TEST_F(FormTest, OK_ValidatesThenWritesThenCloses) {
   EXPECT_FALSE(form_.bCancel());
 }
 
-TEST_F(FormTest, OKWithInvalidEntries_WritesNothingAndStays) {
+TEST_F(FormTest, OKRefusedOrNotWritten_StaysForAnotherAttempt) {
   form_.on_validate = Step(L"validate", false);
-  form_.on_write = Step(L"write");
+  form_.on_write = Step(L"write", false);
   Click(Form::kOK);
   EXPECT_EQ(view_.lines, Lines{L"validate"});
   EXPECT_TRUE(form_.is_open());
-  EXPECT_FALSE(form_.bCancel());
-}
-
-TEST_F(FormTest, OKThatCannotBeWritten_StaysForAnotherAttempt) {
-  form_.on_write = Step(L"write", false);
+  form_.on_validate = Step(L"validate");
   Click(Form::kOK);
   EXPECT_TRUE(form_.is_open());
+  EXPECT_FALSE(form_.bCancel());
   form_.on_write = Step(L"write");
   Click(Form::kOK);
   EXPECT_FALSE(form_.is_open());
@@ -104,13 +96,18 @@ TEST_F(FormTest, OKFails_IsShownAndStays) {
   EXPECT_TRUE(form_.is_open());
 }
 
-TEST_F(FormTest, Cancel_ClosesWithoutValidatingOrWriting) {
-  form_.on_validate = Step(L"validate");
-  form_.on_write = Step(L"write");
-  Click(Form::kCancel);
-  EXPECT_FALSE(form_.is_open());
-  EXPECT_TRUE(form_.bCancel());
-  EXPECT_TRUE(view_.lines.empty());
+TEST_F(FormTest, CancelOrClose_EndsWithoutValidatingOrWriting) {
+  const std::function<void(Form&)> ways[] = {[](Form& form) { form.cmdOKCancelHelp[Form::kCancel].Click(); },
+                                             [](Form& form) { form.Close(); }};
+  for (const auto& end : ways) {
+    FormForTest form(user_, {});
+    form.on_validate = Step(L"validate");
+    form.on_write = Step(L"write");
+    end(form);
+    EXPECT_FALSE(form.is_open());
+    EXPECT_TRUE(form.bCancel());
+  }
+  EXPECT_EQ(view_.lines, Lines{});
 }
 
 TEST_F(FormTest, Help_OpensTheFormsTopicAndStays) {
@@ -127,14 +124,6 @@ TEST_F(FormTest, HelpFails_NobodyIsTold) {
   Click(Form::kHelp);
   EXPECT_TRUE(user_.boxes().empty());
   EXPECT_TRUE(form_.is_open());
-}
-
-TEST_F(FormTest, Close_IsCancel) {
-  form_.on_write = Step(L"write");
-  form_.Close();
-  EXPECT_FALSE(form_.is_open());
-  EXPECT_TRUE(form_.bCancel());
-  EXPECT_TRUE(view_.lines.empty());
 }
 
 TEST_F(FormTest, CloseAfterOK_ChangesNothing) {

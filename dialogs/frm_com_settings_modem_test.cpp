@@ -59,24 +59,21 @@ TEST_F(frmCOMSettingsModemTest, NoPortSelected_IsRefused) {
   EXPECT_TRUE(form_->is_open());
 }
 
-TEST_F(frmCOMSettingsModemTest, At9600_AsksWithoutNote) {
+TEST_F(frmCOMSettingsModemTest, Asks_WithANoteAtOtherRatesThan9600BehindTwoCarriageReturns) {
   Choose(ShowWithModem().icboCOMPort, L"COM3");
   ClickProperties();
-  ExpectBoxes(
-      {{L"Make sure the RF modem is connected to COM3 and set to operate at 9600 baud."
-        L" Click OK to continue or click Cancel to abort.",
-        kTitle, 65, L"", 0}});
-}
-
-TEST_F(frmCOMSettingsModemTest, AtAnotherRate_AsksWithNoteBehindTwoCarriageReturns) {
+  const std::wstring begin = L"Make sure the RF modem is connected to ";
+  const std::wstring end = L" Click OK to continue or click Cancel to abort.";
+  ExpectBoxes({{begin + L"COM3 and set to operate at 9600 baud." + end, kTitle, 65, L"", 0}});
   AllowRates(8, 13, 10);
+  port_.SetUseRFModem(false);
   ShowWithModem();
   ClickProperties();
-  ExpectBoxes(
-      {{L"Make sure the RF modem is connected to COM1 and set to operate at 115200 baud."
-        L"\r\rNote: The factory default baud rate for the RF modem is 9600."
-        L" Click OK to continue or click Cancel to abort.",
-        kTitle, 65, L"", 0}});
+  ExpectBoxes({{begin +
+                    L"COM3 and set to operate at 115200 baud.\r\rNote: The factory default baud rate for the "
+                    L"RF modem is 9600." +
+                    end,
+                kTitle, 65, L"", 0}});
 }
 
 TEST_F(frmCOMSettingsModemTest, NoRateSelected_IsRefusedAndWritesNothing) {

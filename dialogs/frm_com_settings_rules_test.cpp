@@ -128,13 +128,9 @@ TEST_F(frmCOMSettingsRulesTest, Load_TransportHasBoth_ModemWinsAndItIsSaid) {
                    L"txtInstrAddress enabled", L"txtInstrAddress text 0", L"lblSmartSwitchStyle disabled",
                    L"icboSmartSwitchStyle disabled", L"cmdTestSmartSwitch disabled"}));
   EXPECT_TRUE(port_.UseIRDongle());
-}
-
-TEST_F(frmCOMSettingsRulesTest, Load_TransportHasBoth_DongleNotShown_NoConflict) {
-  port_.SetUseIRDongle(true);
-  port_.SetUseRFModem(true);
+  // Without the dongle on the page there is no conflict.
   Show(kNothing);
-  EXPECT_TRUE(user_.boxes().empty());
+  ExpectBoxes({});
   EXPECT_TRUE(form_->chkUseRFModem.checked());
   EXPECT_FALSE(form_->chkUseIRDongle.checked());
 }
@@ -207,13 +203,6 @@ TEST_F(frmCOMSettingsRulesTest, TestSmartSwitch_ClosedMeanwhile_EndsAsCancelled)
   EXPECT_TRUE(form.bCancel());
   Click(form.cmdOKCancelHelp[Form::kOK]);
   EXPECT_TRUE(form.bCancel());
-}
-
-TEST_F(frmCOMSettingsRulesTest, TestSmartSwitch_NotEnabled_DoesNothing) {
-  environment_.clock.SetStepPerReading(1);
-  Show();
-  Click(form_->cmdTestSmartSwitch);
-  EXPECT_TRUE(ports_.line.writes.empty());
 }
 
 TEST_F(frmCOMSettingsRulesTest, TestSmartSwitch_Failure_IsShownOnce) {

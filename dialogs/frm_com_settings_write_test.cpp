@@ -128,24 +128,17 @@ TEST_F(frmCOMSettingsWriteTest, OK_ValuesThatAreNotOffered_AreLeft) {
   EXPECT_EQ(port_.SmartSwitch()->Style(), ESmartSwitchStyle3::ssBB4port);
 }
 
-TEST_F(frmCOMSettingsWriteTest, OK_FramingIsWrittenBehindTheControllerStyle) {
+TEST_F(frmCOMSettingsWriteTest, OK_ControllerStyleIsWrittenAnewAndTheFramingBehindIt) {
   Show();
   Choose(form_->cboControllerStyle, L"Omega 847/848");
   Choose(form_->cboParity, L"Odd");
   Choose(form_->cboDataBits, L"8 bits");
   Choose(form_->cboStopBits, L"2 bits");
-  ClickOK();
-  EXPECT_EQ(port_.ControllerStyle(), EKespControllerStyle3::CS_OMEGA);
-  EXPECT_EQ(port_.GetSettings(), L"9600,O,8,2");
-}
-
-TEST_F(frmCOMSettingsWriteTest, OK_ControllerStyleIsWrittenAnew) {
-  Show();
-  Choose(form_->cboControllerStyle, L"Omega 847/848");
   // A program meanwhile; the list still shows the user's choice.
   port_.SetControllerStyle(EKespControllerStyle3::CS_MAXSTREAM);
   ClickOK();
   EXPECT_EQ(port_.ControllerStyle(), EKespControllerStyle3::CS_OMEGA);
+  EXPECT_EQ(port_.GetSettings(), L"9600,O,8,2");
 }
 
 TEST_F(frmCOMSettingsWriteTest, OK_TimeoutConfirmedWithoutLeavingItsBox_IsWrittenAsItStands) {

@@ -137,7 +137,15 @@ TEST_F(frmRFModemSettingsConfirmTest, Answered_WritesTheFourValuesAndStoresThemO
     Load();
     ConfirmsSettings();
     environment_.user.Answer(answer);
+    int polls = 0;
+    ports_.line.on_poll = [&] {
+      ++polls;
+      EXPECT_EQ(environment_.user.pointer(), MousePointer::kBusy);
+    };
     OK();
+    ports_.line.on_poll = nullptr;
+    EXPECT_GT(polls, 0);
+    EXPECT_EQ(environment_.user.pointer(), MousePointer::kDefault);
     Lines expected = {L"+++", L"ATID3332<0D>", L"ATCHC<0D>", L"ATMY1A<0D>", L"ATCTF<0D>"};
     if (answer == kYesAnswer) expected.push_back(L"ATWR<0D>");
     expected.push_back(L"ATCN<0D>");
@@ -156,19 +164,6 @@ TEST_F(frmRFModemSettingsConfirmTest, ChangedEntries_GoIntoTheirOwnCommands) {
   OK();
   EXPECT_EQ(Outputs(),
             (Lines{L"+++", L"ATIDFFFF<0D>", L"ATCH18<0D>", L"ATMY9C40<0D>", L"ATCT2<0D>", L"ATCN<0D>"}));
-}
-
-TEST_F(frmRFModemSettingsConfirmTest, Writing_ThePointerIsBusyMeanwhile) {
-  Load();
-  ConfirmsSettings();
-  int polls = 0;
-  ports_.line.on_poll = [&] {
-    ++polls;
-    EXPECT_EQ(environment_.user.pointer(), MousePointer::kBusy);
-  };
-  OK();
-  EXPECT_GT(polls, 0);
-  EXPECT_EQ(environment_.user.pointer(), MousePointer::kDefault);
 }
 
 TEST_F(frmRFModemSettingsConfirmTest, SilentModem_TheDialogClosesAllTheSame) {

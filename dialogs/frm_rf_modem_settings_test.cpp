@@ -18,13 +18,6 @@ MessageBoxRequest Unread(const std::wstring& port, const std::wstring& rate) {
 }
 constexpr std::int32_t kDeviceFailure = 8021;
 
-TEST_F(frmRFModemSettingsTest, New_HasItsCaptionPageAndTopic) {
-  EXPECT_EQ(form_->caption(), L"RF Modem Properties");
-  EXPECT_EQ(form_->tabSettings.tabs(), (std::vector<TabStrip::Tab>{{L"Properties", 0}}));
-  EXPECT_TRUE(form_->framSettings.at(0).visible());
-  EXPECT_EQ(form_->help_context(), 4711);
-}
-
 TEST_F(frmRFModemSettingsTest, New_NumbersItsControlsAndPutsThemOnThePage) {
   const struct {
     const Control& control;
@@ -45,6 +38,9 @@ TEST_F(frmRFModemSettingsTest, New_NumbersItsControlsAndPutsThemOnThePage) {
 }
 
 TEST_F(frmRFModemSettingsTest, New_ShowsNothingOfTheModemYet) {
+  EXPECT_EQ(form_->caption(), L"RF Modem Properties");
+  EXPECT_EQ(form_->tabSettings.tabs(), (std::vector<TabStrip::Tab>{{L"Properties", 0}}));
+  EXPECT_EQ(form_->help_context(), 4711);
   EXPECT_EQ(Entries(), (Lines{L"", L"", L"", L""}));
   EXPECT_EQ(form_->lblSerial.text(), L"");
   EXPECT_EQ(form_->lblPowerLevel.text(), L"Power level");
@@ -54,18 +50,7 @@ TEST_F(frmRFModemSettingsTest, New_ShowsNothingOfTheModemYet) {
   EXPECT_TRUE(record_.empty());
 }
 
-TEST_F(frmRFModemSettingsTest, FirstPaint_ReadsTheModemAndShowsIt) {
-  AnswersQuestions();
-  form_->FirstPaint();
-  EXPECT_EQ(Outputs(), questions_);
-  EXPECT_EQ(view_.lines, (Lines{L"100 selects Properties", L"110 shown", L"314 text 13A240B0C1D2",
-                                L"315 text Power level 4", L"316 value 4", L"310 text 13106", L"311 text 12",
-                                L"312 text 26", L"313 text 1500"}));
-  EXPECT_TRUE(form_->is_open());
-  ExpectLeftInOrder();
-}
-
-TEST_F(frmRFModemSettingsTest, FirstPaint_ThePointerIsBusyWhileTheModemIsAsked) {
+TEST_F(frmRFModemSettingsTest, FirstPaint_ReadsTheModemUnderTheBusyPointerAndShowsIt) {
   AnswersQuestions();
   int polls = 0;
   ports_.line.on_poll = [&] {
@@ -75,10 +60,19 @@ TEST_F(frmRFModemSettingsTest, FirstPaint_ThePointerIsBusyWhileTheModemIsAsked) 
   form_->FirstPaint();
   EXPECT_GT(polls, 0);
   EXPECT_EQ(environment_.user.pointer(), MousePointer::kDefault);
+  EXPECT_EQ(Outputs(), questions_);
+  EXPECT_EQ(view_.lines, (Lines{L"100 selects Properties", L"110 shown", L"314 text 13A240B0C1D2",
+                                L"315 text Power level 4", L"316 value 4", L"310 text 13106", L"311 text 12",
+                                L"312 text 26", L"313 text 1500"}));
+  EXPECT_TRUE(form_->is_open());
+  ExpectLeftInOrder();
 }
 
-TEST_F(frmRFModemSettingsTest, Answers_AreShownWithoutBlanksAroundThem) {
+TEST_F(frmRFModemSettingsTest, Answers_AreShownAsTheyAreWithoutBlanksAroundThem) {
   AnswersQuestions();
+  // Out of the ranges that the boxes take.
+  ports_.line.Answer("ATCH\r", "1F\r");
+  ports_.line.Answer("ATID\r", "FFFFF\r");
   port_.SetStripCRLF(false);
   ports_.line.Answer("ATSH\r", " 13A2\r");
   ports_.line.Answer("ATSL\r", "40B0C1D2 \r");
@@ -87,6 +81,7 @@ TEST_F(frmRFModemSettingsTest, Answers_AreShownWithoutBlanksAroundThem) {
   EXPECT_EQ(form_->lblSerial.text(), L"13A240B0C1D2");
   EXPECT_EQ(form_->lblPowerLevel.text(), L"Power level 3");
   EXPECT_EQ(form_->pbPowerLevel.value(), 3);
+  EXPECT_EQ(Entries(), (Lines{L"1048575", L"31", L"26", L"1500"}));
 }
 
 TEST_F(frmRFModemSettingsTest, PowerLevel_TheBarStaysInsideItsEnds) {
@@ -106,14 +101,6 @@ TEST_F(frmRFModemSettingsTest, PowerLevel_TheBarStaysInsideItsEnds) {
     EXPECT_EQ(form.pbPowerLevel.value(), row.value) << row.answer;
     EXPECT_EQ(form.lblPowerLevel.text(), row.text);
   }
-}
-
-TEST_F(frmRFModemSettingsTest, SettingsOutOfRange_AreShownAsTheyAre) {
-  AnswersQuestions();
-  ports_.line.Answer("ATCH\r", "1F\r");
-  ports_.line.Answer("ATID\r", "FFFFF\r");
-  form_->FirstPaint();
-  EXPECT_EQ(Entries(), (Lines{L"1048575", L"31", L"26", L"1500"}));
 }
 
 TEST_F(frmRFModemSettingsTest, NoAnswer_OneMessageAndTheDialogEndsAsCancelled) {

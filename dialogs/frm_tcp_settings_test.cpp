@@ -33,7 +33,7 @@ TEST_F(frmTCPSettingsTest, New_HasLoadedNothing) {
   EXPECT_FALSE(form_->optTCPType[1].selected());
 }
 
-TEST_F(frmTCPSettingsTest, New_NumbersItsControlsAndPutsThemOnTheirPages) {
+TEST_F(frmTCPSettingsTest, New_NumbersItsControlsOnTheirPagesAndTheArrowsHoldTheRanges) {
   const frmTCPSettings form(fakes_.user, *tcp_, {true, 0});
   const struct {
     const Control& control;
@@ -57,10 +57,6 @@ TEST_F(frmTCPSettingsTest, New_NumbersItsControlsAndPutsThemOnTheirPages) {
     EXPECT_EQ(row.control.id(), row.id);
     EXPECT_EQ(row.control.page(), row.page) << row.id;
   }
-}
-
-TEST_F(frmTCPSettingsTest, New_TheArrowsHoldTheRanges) {
-  const frmTCPSettings form(fakes_.user, *tcp_, {true, 0});
   EXPECT_EQ(form.udPort.minimum(), 1);
   EXPECT_EQ(form.udPort.maximum(), 65535);
   EXPECT_EQ(form.udTimeout.minimum(), 100);
@@ -167,23 +163,19 @@ TEST_F(frmTCPSettingsTest, AddressOfFewerParts_TheOtherBoxesKeepTheirContent) {
   EXPECT_EQ(Octets(), (Lines{L"1", L"2", L"7", L"6"}));
 }
 
-TEST_F(frmTCPSettingsTest, ClickDiscovery_DisablesAddressAndPort) {
+TEST_F(frmTCPSettingsTest, ClickAnOption_EnablesAddressAndPortForAKnownOne) {
   Load();
-  view_.lines.clear();
-  form_->optTCPType[1].Click();
-  EXPECT_EQ(view_.lines,
-            (Lines{L"411 checked", L"410 unchecked", L"412 disabled", L"413 disabled", L"414 disabled",
-                   L"415 disabled", L"416 disabled", L"417 disabled", L"418 disabled", L"419 disabled"}));
-}
-
-TEST_F(frmTCPSettingsTest, ClickKnownAddress_EnablesThemAgain) {
-  LoadType(1);
-  view_.lines.clear();
-  form_->optTCPType[0].Click();
-  EXPECT_EQ(view_.lines,
-            (Lines{L"410 checked", L"411 unchecked", L"412 enabled", L"413 enabled", L"414 enabled",
-                   L"415 enabled", L"416 enabled", L"417 enabled", L"418 enabled", L"419 enabled"}));
-  EXPECT_EQ(tcp_->IPType(), EIPType::ipDynamic);
+  for (const std::size_t option : {1, 0}) {
+    view_.lines.clear();
+    form_->optTCPType[option].Click();
+    Lines expected = {option == 0 ? L"410 checked" : L"411 checked",
+                      option == 0 ? L"411 unchecked" : L"410 unchecked"};
+    for (int id = ID_LBL_IP_ADDRESS; id <= ID_UD_PORT; ++id) {
+      expected.push_back(std::to_wstring(id) + (option == 0 ? L" enabled" : L" disabled"));
+    }
+    EXPECT_EQ(view_.lines, expected);
+    EXPECT_EQ(tcp_->IPType(), EIPType::ipStatic);
+  }
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ namespace {
 
 using HelpCalls = std::vector<UserSurfaceFake::HelpCall>;
 
-TEST(ShowContextHelp, Topic_IsOpenedInTheHelpFileUnderTheBusyPointer) {
+TEST(ShowContextHelpTest, Topic_IsOpenedInTheHelpFileUnderTheBusyPointer) {
   UserSurfaceFake user;
   user.SetHelpFile(L"C:\\kesp.hlp");
   EXPECT_TRUE(ShowContextHelp(user, 4711));
@@ -21,19 +21,15 @@ TEST(ShowContextHelp, Topic_IsOpenedInTheHelpFileUnderTheBusyPointer) {
   EXPECT_EQ(user.pointer(), MousePointer::kDefault);
 }
 
-TEST(ShowContextHelp, NegativeTopic_KeepsItsBits) {
+TEST(CallHelpTest, AnyCommandAndTopic_ArePassedOnWithTheirBits) {
   UserSurfaceFake user;
   ShowContextHelp(user, -2);
-  EXPECT_EQ(user.help_calls(), (HelpCalls{{L"", 1, 0xFFFFFFFE, MousePointer::kBusy}}));
-}
-
-TEST(CallHelp, AnyCommand_IsPassedOn) {
-  UserSurfaceFake user;
   EXPECT_TRUE(CallHelp(user, 2, 9));
-  EXPECT_EQ(user.help_calls(), (HelpCalls{{L"", 2, 9, MousePointer::kBusy}}));
+  EXPECT_EQ(user.help_calls(),
+            (HelpCalls{{L"", 1, 0xFFFFFFFE, MousePointer::kBusy}, {L"", 2, 9, MousePointer::kBusy}}));
 }
 
-TEST(CallHelp, ViewerRefuses_IsFalseWithTheDefaultPointer) {
+TEST(CallHelpTest, ViewerRefuses_IsFalseWithTheDefaultPointer) {
   UserSurfaceFake user;
   user.help_answer = false;
   EXPECT_FALSE(CallHelp(user, 1, 1));
@@ -42,7 +38,7 @@ TEST(CallHelp, ViewerRefuses_IsFalseWithTheDefaultPointer) {
   EXPECT_EQ(user.pointer(), MousePointer::kDefault);
 }
 
-TEST(CallHelp, ViewerFails_IsFalseInSilenceAndThePointerStaysBusyUntilTheNextMessage) {
+TEST(CallHelpTest, ViewerFails_IsFalseInSilenceAndThePointerStaysBusyUntilTheNextMessage) {
   UserSurfaceFake user;
   user.help_failure = true;
   EXPECT_FALSE(CallHelp(user, 1, 1));

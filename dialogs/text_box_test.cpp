@@ -38,18 +38,14 @@ TEST_F(TextBoxTest, New_IsEmptyAndWorthZero) {
   EXPECT_TRUE(view_.lines.empty());
 }
 
-TEST_F(TextBoxTest, SetText_IsShown) {
+TEST_F(TextBoxTest, Text_IsShownUnlessTheViewHasItAlready) {
   channel_.SetText(L"17x");
   EXPECT_EQ(channel_.text(), L"17x");
   EXPECT_EQ(channel_.Value(), 17);
-  EXPECT_EQ(view_.lines, Lines{L"311 text 17x"});
-}
-
-TEST_F(TextBoxTest, Type_IsTakenAsItIsAndTheViewKnowsIt) {
   channel_.Type(L"300");
   EXPECT_EQ(channel_.text(), L"300");
   EXPECT_EQ(channel_.Value(), 300);
-  EXPECT_TRUE(view_.lines.empty());
+  EXPECT_EQ(view_.lines, Lines{L"311 text 17x"});
 }
 
 TEST_F(TextBoxTest, SelectAll_SelectsAllOfTheText) {

@@ -11,22 +11,30 @@ namespace kesp {
 // Time stands still unless the test advances it or has each reading of the tick count advance it.
 class ClockFake : public Clock {
  public:
-  ClockFake();
-  ~ClockFake() override;
-
   // Returns the tick count as it stands, then advances by the step.
-  std::int32_t TickCount() override;
-  std::int64_t Microseconds() override;
+  std::int32_t TickCount() override {
+    const auto reading = static_cast<std::int32_t>(tick_);
+    Advance(step_per_reading_);
+    return reading;
+  }
+  std::int64_t Microseconds() override { return elapsed_ms_ * 1000; }
   int MillisecondOfSecond() override { return static_cast<int>(millisecond_of_second_); }
   CalendarDate Today() override { return today_; }
   std::wstring DateTimeText() override { return date_time_text_; }
 
   // Moves the tick count, which wraps as the real one, and the millisecond of the second alike. The day and
   // the date text stay.
-  void Advance(std::uint32_t milliseconds);
+  void Advance(std::uint32_t milliseconds) {
+    tick_ += milliseconds;
+    elapsed_ms_ += milliseconds;
+    millisecond_of_second_ = (millisecond_of_second_ + milliseconds % 1000) % 1000;
+  }
 
   // Forwards, as far as need be past the counter's wrap.
-  void SetTickCount(std::int32_t tick);
+  void SetTickCount(std::int32_t tick) {
+    elapsed_ms_ += static_cast<std::uint32_t>(tick) - tick_;
+    tick_ = static_cast<std::uint32_t>(tick);
+  }
   // The tick count goes this far ahead of true time, as a counter that steps does.
   void LetTickCountRunAhead(std::uint32_t milliseconds) { tick_ += milliseconds; }
   void SetMillisecondOfSecond(std::uint32_t millisecond) { millisecond_of_second_ = millisecond; }

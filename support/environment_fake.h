@@ -21,8 +21,7 @@ struct EnvironmentFake {
   UserSurfaceFake user;
   Environment environment{clock, pump, files, settings, guids, user};
 
-  EnvironmentFake();
-  ~EnvironmentFake();
+  EnvironmentFake() = default;
   EnvironmentFake(const EnvironmentFake&) = delete;
   EnvironmentFake& operator=(const EnvironmentFake&) = delete;
 };

@@ -12,12 +12,15 @@ namespace kesp {
 // Hands out the GUIDs of its queue, then such as count upwards in data1 from 1.
 class GuidSourceFake final : public GuidSource {
  public:
-  GuidSourceFake();
-  ~GuidSourceFake() override;
+  std::optional<GuidFields> NewGuid() override {
+    if (failing_) return std::nullopt;
+    if (queue_.empty()) return GuidFields{++count_, 0, 0, {}};
+    const GuidFields guid = queue_.front();
+    queue_.pop_front();
+    return guid;
+  }
 
-  std::optional<GuidFields> NewGuid() override;
-
-  void Push(const GuidFields& guid);
+  void Push(const GuidFields& guid) { queue_.push_back(guid); }
 
   // From now on no GUID can be made.
   void Fail() { failing_ = true; }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <utility>
 
 #include "support/message_pump.h"
 
@@ -9,13 +10,14 @@ namespace kesp {
 
 class MessagePumpFake final : public MessagePump {
  public:
-  MessagePumpFake();
-  ~MessagePumpFake() override;
-
-  void PumpOnce() override;
+  void PumpOnce() override {
+    ++count_;
+    // A copy: the action may set another one.
+    if (const std::function<void()> action = on_pump_) action();
+  }
 
   // Runs at every pumping from now on; it may throw, pump again and call OnPump.
-  void OnPump(std::function<void()> action);
+  void OnPump(std::function<void()> action) { on_pump_ = std::move(action); }
 
   // How often the pump was called.
   int count() const { return count_; }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <new>
 #include <string>
 #include <tuple>
 
@@ -11,13 +12,18 @@ namespace kesp {
 
 class SettingsFilesFake final : public SettingsFiles {
  public:
-  SettingsFilesFake();
-  ~SettingsFilesFake() override;
-
   std::wstring Read(const std::wstring& path, const std::wstring& section, const std::wstring& key,
-                    const std::wstring& otherwise) override;
+                    const std::wstring& otherwise) override {
+    CountCall();
+    const auto found = values_.find({path, section, key});
+    return found == values_.end() ? otherwise : found->second;
+  }
   bool Write(const std::wstring& path, const std::wstring& section, const std::wstring& key,
-             const std::wstring& value) override;
+             const std::wstring& value) override {
+    CountCall();
+    if (!refusing_) Put(path, section, key, value);
+    return !refusing_;
+  }
 
   // From now on nothing can be written.
   void RefuseWriting() { refusing_ = true; }
@@ -26,15 +32,22 @@ class SettingsFilesFake final : public SettingsFiles {
   void ThrowAtCall(int n) { throw_at_call_ = n; }
 
   void Put(const std::wstring& path, const std::wstring& section, const std::wstring& key,
-           const std::wstring& value);
+           const std::wstring& value) {
+    values_[{path, section, key}] = value;
+  }
 
   // The text under a key; "<none>" where there is none.
-  std::wstring Value(const std::wstring& path, const std::wstring& section, const std::wstring& key) const;
+  std::wstring Value(const std::wstring& path, const std::wstring& section, const std::wstring& key) const {
+    const auto found = values_.find({path, section, key});
+    return found == values_.end() ? L"<none>" : found->second;
+  }
 
   int calls() const { return calls_; }
 
  private:
-  void CountCall();
+  void CountCall() {
+    if (++calls_ == throw_at_call_) throw std::bad_alloc();
+  }
 
   std::map<std::tuple<std::wstring, std::wstring, std::wstring>, std::wstring> values_;
   bool refusing_ = false;
