@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "dialogs/control_visitor.h"
 #include "dialogs/form_view_fake.h"
 
 namespace kesp {
@@ -216,39 +215,6 @@ TEST_F(ControlsTest, TabStripRemove_LeavesTheOthersWithTheirPages) {
   strip.Remove(1);
   EXPECT_EQ(strip.tabs(), (std::vector<TabStrip::Tab>{{L"a", 0}, {L"c", 2}}));
   EXPECT_EQ(view_.lines, Lines{L"5 entries 2"});
-}
-
-class NamingVisitor final : public ControlVisitor {
- public:
-  std::string name;
-
-  void Visit(const Label&) override { name += "Label "; }
-  void Visit(const Button&) override { name += "Button "; }
-  void Visit(const CheckBox&) override { name += "CheckBox "; }
-  void Visit(const OptionButton&) override { name += "OptionButton "; }
-  void Visit(const ChoiceList&) override { name += "ChoiceList "; }
-  void Visit(const UpDown&) override { name += "UpDown "; }
-  void Visit(const ProgressBar&) override { name += "ProgressBar "; }
-  void Visit(const Frame&) override { name += "Frame "; }
-  void Visit(const TabStrip&) override { name += "TabStrip "; }
-  void Visit(const TextBox&) override { name += "TextBox "; }
-};
-
-TEST_F(ControlsTest, Accept_CallsTheVisitForItsKindOnce) {
-  const Label label(form_, 1, 0);
-  const Button button(form_, 2, 0);
-  const CheckBox check(form_, 3, 0);
-  const OptionButton option(form_, 4, 0);
-  const ChoiceList list(form_, 5, 0);
-  const UpDown arrows(form_, 6, 0, 0, 1, 1);
-  const ProgressBar bar(form_, 7, 0, 0, 1);
-  const Frame frame(form_, 8, 0);
-  const TabStrip strip(form_, 9, {});
-  const TextBox box(form_, 10, 0, KeyFilter::kDigits);
-  NamingVisitor visitor;
-  for (const Control* control : form_.controls()) control->Accept(visitor);
-  EXPECT_EQ(visitor.name,
-            "Label Button CheckBox OptionButton ChoiceList UpDown ProgressBar Frame TabStrip TextBox ");
 }
 
 }  // namespace

@@ -93,22 +93,6 @@ TEST_F(frmCOMSettingsLoadTest, Flags_EachCombination_PagesListsAndDongle) {
   }
 }
 
-TEST_F(frmCOMSettingsLoadTest, Lists_HaveTheWholeOfTheirEntries) {
-  AllowRates(5, 7, 6);
-  const frmCOMSettings& form = Make();
-  EXPECT_EQ(Described(form.cboBaudRate.entries()), (Lines{L"4800 5", L"9600 6", L"19200 7"}));
-  for (const ChoiceList* list : {&form.cboMinBaudRate, &form.cboMaxBaudRate}) {
-    ASSERT_EQ(list->entries().size(), 14u);
-    EXPECT_EQ(list->entries().front().text, L"150");
-    EXPECT_EQ(list->entries().back().text, L"921600");
-  }
-  EXPECT_EQ(form.cboControllerStyle.entries()[1].text, L"Omega 847/848");
-  EXPECT_EQ(form.cboParity.entries()[3].text, L"Mark");
-  EXPECT_EQ(form.cboDataBits.entries()[3].text, L"7 bits");
-  EXPECT_EQ(form.cboStopBits.entries()[1].text, L"1.5 bits");
-  EXPECT_EQ(form.icboSmartSwitchStyle.entries()[1].text, L"8-port");
-}
-
 TEST_F(frmCOMSettingsLoadTest, BeforeTheFirstPaint_NothingIsLoaded) {
   SetEverything();
   const frmCOMSettings& form = Make();

@@ -11,19 +11,32 @@ namespace kesp {
 
 class frmRFModemSettingsFixture : public CKespCOMPort3ModemTest {
  protected:
-  frmRFModemSettingsFixture();
-  ~frmRFModemSettingsFixture() override;
+  frmRFModemSettingsFixture() { MakeForm(); }
 
   // A new form.
-  void MakeForm();
+  void MakeForm() {
+    form_ = std::make_unique<frmRFModemSettings>(environment_.user, port_, 4711);
+    form_->SetView(&view_);
+  }
 
   // Has the modem read, and forgets how.
-  void Load();
+  void Load() {
+    AnswersQuestions();
+    form_->FirstPaint();
+    ASSERT_EQ(TakeBoxes(), Boxes{});
+    record_.clear();
+    view_.lines.clear();
+  }
 
-  void OK();
+  void OK() {
+    form_->Use([this] { form_->cmdOKCancelHelp[Form::kOK].Click(); });
+  }
 
   // PAN ID, channel, modem address, timeout.
-  Lines Entries() const;
+  Lines Entries() const {
+    return {form_->txtPANID.text(), form_->txtChannel.text(), form_->txtRFModemAddress.text(),
+            form_->txtTimeout.text()};
+  }
 
   Boxes TakeBoxes() { return environment_.user.TakeBoxes(); }
 

@@ -18,25 +18,6 @@ MessageBoxRequest Unread(const std::wstring& port, const std::wstring& rate) {
 }
 constexpr std::int32_t kDeviceFailure = 8021;
 
-TEST_F(frmRFModemSettingsTest, New_NumbersItsControlsAndPutsThemOnThePage) {
-  const struct {
-    const Control& control;
-    int id;
-  } rows[] = {
-      {form_->txtPANID, ID_TXT_PAN_ID},
-      {form_->txtChannel, ID_TXT_CHANNEL},
-      {form_->txtRFModemAddress, ID_TXT_RF_MODEM_ADDRESS},
-      {form_->txtTimeout, ID_TXT_RF_TIMEOUT},
-      {form_->lblSerial, ID_LBL_SERIAL},
-      {form_->lblPowerLevel, ID_LBL_POWER_LEVEL},
-      {form_->pbPowerLevel, ID_PB_POWER_LEVEL},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(row.control.id(), row.id);
-    EXPECT_EQ(row.control.page(), 0) << row.id;
-  }
-}
-
 TEST_F(frmRFModemSettingsTest, New_ShowsNothingOfTheModemYet) {
   EXPECT_EQ(form_->caption(), L"RF Modem Properties");
   EXPECT_EQ(form_->tabSettings.tabs(), (std::vector<TabStrip::Tab>{{L"Properties", 0}}));

@@ -33,30 +33,8 @@ TEST_F(frmTCPSettingsTest, New_HasLoadedNothing) {
   EXPECT_FALSE(form_->optTCPType[1].selected());
 }
 
-TEST_F(frmTCPSettingsTest, New_NumbersItsControlsOnTheirPagesAndTheArrowsHoldTheRanges) {
+TEST_F(frmTCPSettingsTest, New_TheArrowsHoldTheRanges) {
   const frmTCPSettings form(fakes_.user, *tcp_, {true, 0});
-  const struct {
-    const Control& control;
-    int id, page;
-  } rows[] = {
-      {form.optTCPType[0], ID_OPT_TCP_TYPE, 0},
-      {form.optTCPType[1], ID_OPT_TCP_TYPE + 1, 0},
-      {form.lblIPAddress, ID_LBL_IP_ADDRESS, 0},
-      {form.txtIP[0], ID_TXT_IP, 0},
-      {form.txtIP[1], ID_TXT_IP + 1, 0},
-      {form.txtIP[2], ID_TXT_IP + 2, 0},
-      {form.txtIP[3], ID_TXT_IP + 3, 0},
-      {form.lblPort, ID_LBL_PORT, 0},
-      {form.udPort, ID_UD_PORT, 0},
-      {form.txtPort, ID_TXT_PORT, 0},
-      {form.udTimeout, ID_UD_TCP_TIMEOUT, 1},
-      {form.txtTimeout, ID_TXT_TCP_TIMEOUT, 1},
-      {form.chkCreateLogFile, ID_CHK_TCP_LOG_FILE, 1},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(row.control.id(), row.id);
-    EXPECT_EQ(row.control.page(), row.page) << row.id;
-  }
   EXPECT_EQ(form.udPort.minimum(), 1);
   EXPECT_EQ(form.udPort.maximum(), 65535);
   EXPECT_EQ(form.udTimeout.minimum(), 100);

@@ -1,63 +1,12 @@
 // Tests of typing into the TCP/IP form: the dots of an address, the keys, and the focus.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdint>
-#include <string>
-
 #include "dialogs/frm_tcp_settings_fixture.h"
 
 namespace kesp {
 namespace {
 
-// A window that does what a real one does: the focus moves, the boxes hear of it, and a typed character
-// replaces what is selected.
-class frmTCPSettingsTypingTest : public frmTCPSettingsFixture {
- protected:
-  void Type(const char* keys) {
-    for (; *keys != 0; ++keys) {
-      TextBox& box = FocusedOctet();
-      const std::int16_t kept = form_->KeyPress(box, *keys);
-      if (&FocusedOctet() != &box) {
-        form_->LostFocus(box);
-        form_->GotFocus(FocusedOctet());
-        replace_ = true;
-      }
-      if (kept == 0) continue;
-      box.Type((replace_ ? L"" : box.text()) + static_cast<wchar_t>(kept));
-      replace_ = false;
-    }
-  }
-
- private:
-  TextBox& FocusedOctet() {
-    return *std::find_if(form_->txtIP.begin(), form_->txtIP.end(),
-                         [this](const TextBox& box) { return &box == form_->focused(); });
-  }
-
-  bool replace_ = true;
-};
-
-TEST_F(frmTCPSettingsTypingTest, WholeAddress_FillsTheBoxesOneByOne) {
-  tcp_->SetIPAddress(L"1.2.3.4");
-  Load();
-  Type("192.168.0.10");
-  EXPECT_EQ(Octets(), (Lines{L"192", L"168", L"0", L"10"}));
-  EXPECT_EQ(form_->focused(), &form_->txtIP[3]);
-}
-
-TEST_F(frmTCPSettingsTypingTest, FourthDot_WrapsToTheFirstBox) {
-  Load();
-  Type("1.2.3.4.5");
-  EXPECT_EQ(Octets(), (Lines{L"5", L"2", L"3", L"4"}));
-  EXPECT_EQ(form_->focused(), &form_->txtIP[0]);
-}
-
-TEST_F(frmTCPSettingsTypingTest, TooLargeOctet_IsCorrectedWhenTheDotLeavesIt) {
-  Load();
-  Type("300.");
-  EXPECT_EQ(Octets()[0], L"255");
-}
+using frmTCPSettingsTypingTest = frmTCPSettingsFixture;
 
 TEST_F(frmTCPSettingsTypingTest, Dot_MovesTheFocusAndIsDropped) {
   Load();

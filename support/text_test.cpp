@@ -148,13 +148,6 @@ TEST(CodePage, QuestionMark_IsExact) {
   EXPECT_EQ(Windows1252().ToExactBytes(L"*IDN?"), "*IDN?");
 }
 
-TEST(CodePage, EmbeddedNul_Passes) {
-  const std::wstring text{L'a', L'\0', L'b', L'\0'};
-  const std::string bytes{'a', '\0', 'b', '\0'};
-  EXPECT_EQ(Windows1252().ToBytes(text), bytes);
-  EXPECT_EQ(Windows1252().FromBytes(bytes), text);
-}
-
 TEST(CodePage, LongText_IsConvertedWhole) {
   std::string bytes;
   for (int i = 0; i < 4096; ++i) bytes += AllBytes();

@@ -47,15 +47,19 @@ void ExpectInside(HWND window, const RECT& area) {
   EXPECT_LE(is.bottom, area.bottom);
 }
 
-TEST_F(DialogMannersTest, ClientsWindows_WaitWhileItIsOpen) {
+TEST_F(DialogMannersTest, ClientsWindows_WaitUnderItAndAreAsTheyWereAfterwards) {
   const ClientWindow second;
   const ClientWindow off;
   EnableWindow(off.handle(), FALSE);
   const ClientWindow hidden;
   ShowWindow(hidden.handle(), SW_HIDE);
-  const ClientWindow client;
+  const ClientWindow client({10, 10, 710, 510});
+  HWND box = CreateWindowW(L"EDIT", L"", WS_CHILD | WS_VISIBLE, 0, 0, 50, 20, client.handle(), nullptr,
+                           nullptr, nullptr);
+  SetFocus(box);
   Look([&](DialogUser& user) {
     EXPECT_EQ(GetWindow(user.window(), GW_OWNER), client.handle());
+    ExpectMiddle(user.window(), AreaOf(client.handle()));
     EXPECT_FALSE(client.is_enabled());
     EXPECT_FALSE(second.is_enabled());
     EXPECT_FALSE(off.is_enabled());
@@ -67,14 +71,6 @@ TEST_F(DialogMannersTest, ClientsWindows_WaitWhileItIsOpen) {
   EXPECT_FALSE(off.is_enabled());
   EXPECT_TRUE(hidden.is_enabled());
   EXPECT_EQ(GetActiveWindow(), client.handle());
-}
-
-TEST_F(DialogMannersTest, ClientsControlWithTheFocus_HasItAgain) {
-  const ClientWindow client;
-  HWND box = CreateWindowW(L"EDIT", L"", WS_CHILD | WS_VISIBLE, 0, 0, 50, 20, client.handle(), nullptr,
-                           nullptr, nullptr);
-  SetFocus(box);
-  Look([](DialogUser& /*user*/) {});
   EXPECT_EQ(GetFocus(), box);
 }
 
@@ -95,11 +91,6 @@ TEST_F(DialogMannersTest, NoOwner_OpensInTheMiddleOfTheScreen) {
     EXPECT_EQ(user.Focus(), ID_ICBO_COM_PORT);
     user.Press(VK_RETURN);
   }));
-}
-
-TEST_F(DialogMannersTest, Owner_HasItOverItsMiddle) {
-  const ClientWindow client({10, 10, 710, 510});
-  Look([&client](DialogUser& user) { ExpectMiddle(user.window(), AreaOf(client.handle())); });
 }
 
 TEST_F(DialogMannersTest, OwnerInACorner_HasItWithinTheScreen) {
@@ -182,28 +173,22 @@ TEST_F(DialogMannersTest, ProgramToldToEndInAnInnerDialog_EndsBoth) {
   EXPECT_EQ(TakeQuit(), 8);
 }
 
+// Also under a message box, which ends with it.
 TEST_F(DialogMannersTest, OwnerDestroyed_Cancels) {
-  ClientWindow client;
-  client.on_act = [&client] { DestroyWindow(client.handle()); };
-  EXPECT_FALSE(Show([&client](DialogUser& user) {
-    user.Click(ID_CHK_USE_REDIRECTOR);
-    Ask(client.handle(), ClientWindow::kAct);
-  }));
-  EXPECT_EQ(IsWindow(client.handle()), FALSE);
-  EXPECT_FALSE(port_.UseRedirector());
-}
-
-TEST_F(DialogMannersTest, OwnerDestroyedUnderAMessageBox_EndsBoth) {
-  ports_.codes.clear();
-  ClientWindow client;
-  client.on_act = [&client] { DestroyWindow(client.handle()); };
-  EXPECT_FALSE(Show([&client](DialogUser& user) {
-    user.Click(ID_OK);
-    EXPECT_TRUE(WaitFor([&user] {
-      return FindDialog(L"Invalid COM Port", GetWindowThreadProcessId(user.window(), nullptr)) != nullptr;
+  for (const bool under_a_box : {false, true}) {
+    if (under_a_box) ports_.codes.clear();
+    ClientWindow client;
+    client.on_act = [&client] { DestroyWindow(client.handle()); };
+    EXPECT_FALSE(Show([&](DialogUser& user) {
+      user.Click(under_a_box ? ID_OK : ID_CHK_USE_REDIRECTOR);
+      EXPECT_TRUE(!under_a_box || WaitFor([&user] {
+        return FindDialog(L"Invalid COM Port", GetWindowThreadProcessId(user.window(), nullptr)) != nullptr;
+      }));
+      Ask(client.handle(), ClientWindow::kAct);
     }));
-    Ask(client.handle(), ClientWindow::kAct);
-  }));
+    EXPECT_EQ(IsWindow(client.handle()), FALSE);
+    EXPECT_FALSE(port_.UseRedirector());
+  }
 }
 
 TEST_F(DialogMannersTest, AnotherDialogOpenedByATimer_WorksAndBothEnd) {

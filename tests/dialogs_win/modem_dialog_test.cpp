@@ -1,21 +1,11 @@
-// The radio modem's dialog on the screen, from the question that comes before it to the one that comes after.
+// The radio modem's dialog on the screen, with the question that comes before it.
 #include "dialog_fixture.h"
 #include "dialogs/common_controls_win.h"
 
 namespace kesp {
 namespace {
 
-class ModemDialogTest : public ComDialogFixture {
- protected:
-  // Which settings were sent to the modem, in order.
-  std::vector<std::string> Written() const {
-    std::vector<std::string> settings;
-    for (const std::string& bytes : ports_.line.writes) {
-      if (bytes.size() > 5 || bytes == "ATWR\r") settings.push_back(bytes);
-    }
-    return settings;
-  }
-};
+using ModemDialogTest = ComDialogFixture;
 
 TEST_F(ModemDialogTest, Properties_AskFirstAndStopAtCancel) {
   Look([](DialogUser& user) {
@@ -55,7 +45,6 @@ TEST_F(ModemDialogTest, Opened_ShowsWhatTheModemHas) {
     modem.Press(VK_ESCAPE);
   });
   EXPECT_TRUE(port_.UseRFModem());
-  EXPECT_EQ(Written(), std::vector<std::string>{});
 }
 
 TEST_F(ModemDialogTest, Opened_BelongsToTheOuterDialogWhichWaits) {
@@ -65,25 +54,6 @@ TEST_F(ModemDialogTest, Opened_BelongsToTheOuterDialogWhichWaits) {
     EXPECT_EQ(IsWindowEnabled(outer), FALSE);
     modem.CloseByTitleBar();
   });
-}
-
-TEST_F(ModemDialogTest, Confirmed_AsksWhetherToKeepWhatIsWritten) {
-  const std::vector<std::string> written = {"ATID10\r", "ATCHC\r", "ATMY1A\r", "ATCT64\r"};
-  for (const int answer : {IDNO, IDYES}) {
-    ports_.line.writes.clear();
-    LookAtModem([answer](DialogUser& modem) {
-      modem.Type(L"1x6");
-      modem.Click(ID_OK);
-      const BoxContents box = modem.AnswerBox(kModemCaption, answer);
-      EXPECT_EQ(box.buttons, (Lines{L"Yes", L"No"}));
-      EXPECT_EQ(box.icon, nullptr);
-      EXPECT_EQ(box.owner, modem.window());
-    });
-    std::vector<std::string> expected = written;
-    if (answer == IDYES) expected.push_back("ATWR\r");
-    EXPECT_EQ(Written(), expected);
-    port_.SetUseRFModem(false);
-  }
 }
 
 TEST_F(ModemDialogTest, UnreadableModem_IsRemarkedOnAndLeavesTheOuterDialogUsable) {

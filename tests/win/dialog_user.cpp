@@ -138,35 +138,41 @@ void DialogUser::CloseByTitleBar() {
   Settle();
 }
 
-BoxContents DialogUser::AnswerBox(const std::wstring& title, int button) {
-  HWND box = nullptr;
+HWND DialogUser::AwaitInner(const std::wstring& caption) const {
+  HWND inner = nullptr;
   // Its title may be that of the dialog, above which it stands.
-  if (!WaitFor([&] {
-        box = FindDialog(title, watched_thread_);
-        return box != nullptr && box != window_;
-      })) {
-    ADD_FAILURE() << "the box did not come";
-    return {};
-  }
+  const auto came = [&] {
+    inner = FindDialog(caption, watched_thread_);
+    return inner != nullptr && inner != window_;
+  };
+  if (WaitFor(came)) return inner;
+  ADD_FAILURE() << "what should stand above the dialog did not come";
+  return nullptr;
+}
+
+void DialogUser::AwaitEndOf(HWND inner) const {
+  EXPECT_TRUE(WaitFor([inner] { return IsWindow(inner) == FALSE; }))
+      << "what stood above the dialog did not go";
+  Settle();
+}
+
+BoxContents DialogUser::AnswerBox(const std::wstring& title, int button) {
+  HWND box = AwaitInner(title);
+  if (box == nullptr) return {};
   BoxContents contents = ReadBox(box);
   Post(GetDlgItem(box, button), BM_CLICK, 0, 0);
-  EXPECT_TRUE(WaitFor([box] { return IsWindow(box) == FALSE; })) << "the box did not go";
-  Settle();
+  AwaitEndOf(box);
   return contents;
 }
 
 void DialogUser::In(const std::wstring& caption, const Act& act) {
-  HWND inner = nullptr;
-  if (!WaitFor([&] { return (inner = FindDialog(caption, watched_thread_)) != nullptr; })) {
-    ADD_FAILURE() << "the inner dialog did not come";
-    return;
-  }
+  HWND inner = AwaitInner(caption);
+  if (inner == nullptr) return;
   HWND outer = std::exchange(window_, inner);
   Settle();
   act(*this);
-  EXPECT_TRUE(WaitFor([inner] { return IsWindow(inner) == FALSE; })) << "the inner dialog did not go";
   window_ = outer;
-  Settle();
+  AwaitEndOf(inner);
 }
 
 void DialogUser::Settle() const {

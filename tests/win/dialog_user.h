@@ -95,6 +95,9 @@ class DialogUser {
 
  private:
   void Run();
+  // A dialog or a box that stands above the window; null and a failed test when none came.
+  HWND AwaitInner(const std::wstring& caption) const;
+  void AwaitEndOf(HWND inner) const;
   void Post(HWND window, UINT message, WPARAM first, LPARAM second) const;
   void PostClick(HWND window, POINT at) const;
   // Where keys go: the window with the focus, or the dialog.
