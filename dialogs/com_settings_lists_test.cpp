@@ -6,19 +6,14 @@
 namespace kesp {
 namespace {
 
-TEST(ComSettingsListsTest, Framing_TextsAndValues) {
+// Two of the controller styles are offered, and all switches but the small one, each with its picture.
+TEST(ComSettingsListsTest, FramingAndStyles_TextsAndValues) {
+  EXPECT_EQ(Described(ControllerStyleEntries()), (Lines{L"Kesp 7100/7200/7300 0", L"Omega 847/848 1"}));
+  EXPECT_EQ(Described(SmartSwitchStyleEntries()), (Lines{L"6-port 2 [6-port]", L"8-port 1 [8-port]"}));
   EXPECT_EQ(Described(ParityEntries()), (Lines{L"None 0", L"Even 1", L"Odd 2", L"Mark 3", L"Space 4"}));
   EXPECT_EQ(Described(DataBitsEntries()),
             (Lines{L"4 bits 0", L"5 bits 1", L"6 bits 2", L"7 bits 3", L"8 bits 4"}));
   EXPECT_EQ(Described(StopBitsEntries()), (Lines{L"1 bit 0", L"1.5 bits 1", L"2 bits 2"}));
-}
-
-TEST(ComSettingsListsTest, ControllerStyles_TheTwoThatAreOffered) {
-  EXPECT_EQ(Described(ControllerStyleEntries()), (Lines{L"Kesp 7100/7200/7300 0", L"Omega 847/848 1"}));
-}
-
-TEST(ComSettingsListsTest, SmartSwitchStyles_WithoutTheSmallOneAndEachWithItsPicture) {
-  EXPECT_EQ(Described(SmartSwitchStyleEntries()), (Lines{L"6-port 2 [6-port]", L"8-port 1 [8-port]"}));
 }
 
 TEST(ComSettingsListsTest, BaudRates_FromTheLowestToTheHighest) {
@@ -27,22 +22,18 @@ TEST(ComSettingsListsTest, BaudRates_FromTheLowestToTheHighest) {
                    L"38400 8", L"57600 9", L"115200 10", L"230400 11", L"460800 12", L"921600 13"}));
 }
 
-TEST(ComSettingsListsTest, BaudRates_PartOfThem_BothEndsIncluded) {
-  EXPECT_EQ(Described(BaudRateEntries(EKespBaudRate3::br4800, EKespBaudRate3::br19200)),
+TEST(ComSettingsListsTest, BaudRates_OfARange_BothEndsIncluded) {
+  using Rate = EKespBaudRate3;
+  EXPECT_EQ(Described(BaudRateEntries(Rate::br4800, Rate::br19200)),
             (Lines{L"4800 5", L"9600 6", L"19200 7"}));
-  EXPECT_EQ(Described(BaudRateEntries(EKespBaudRate3::br9600, EKespBaudRate3::br9600)), Lines{L"9600 6"});
-}
-
-TEST(ComSettingsListsTest, BaudRates_FromNone_BeginWithTheUnknownOne) {
-  EXPECT_EQ(Described(BaudRateEntries(EKespBaudRate3::brNone, EKespBaudRate3::br300)),
+  EXPECT_EQ(Described(BaudRateEntries(Rate::br9600, Rate::br9600)), Lines{L"9600 6"});
+  // From none they begin with the unknown one.
+  EXPECT_EQ(Described(BaudRateEntries(Rate::brNone, Rate::br300)),
             (Lines{L"<unknown> -1", L"150 0", L"300 1"}));
-  EXPECT_EQ(Described(BaudRateEntries(EKespBaudRate3::brNone, EKespBaudRate3::brNone)),
-            Lines{L"<unknown> -1"});
-}
-
-TEST(ComSettingsListsTest, BaudRates_WrongWayRound_AreNone) {
-  EXPECT_EQ(Described(BaudRateEntries(EKespBaudRate3::br300, EKespBaudRate3::br150)), Lines{});
-  EXPECT_EQ(Described(BaudRateEntries(EKespBaudRate3::br150, EKespBaudRate3::brNone)), Lines{});
+  EXPECT_EQ(Described(BaudRateEntries(Rate::brNone, Rate::brNone)), Lines{L"<unknown> -1"});
+  // The wrong way round there are none.
+  EXPECT_EQ(Described(BaudRateEntries(Rate::br300, Rate::br150)), Lines{});
+  EXPECT_EQ(Described(BaudRateEntries(Rate::br150, Rate::brNone)), Lines{});
 }
 
 }  // namespace

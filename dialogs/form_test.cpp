@@ -5,7 +5,6 @@
 
 #include <stdexcept>
 
-#include "dialogs/dialog_ids.h"
 #include "dialogs/form_fixture.h"
 #include "support/failure.h"
 
@@ -27,19 +26,6 @@ TEST_F(FormTest, New_IsOpenOnItsFirstPage) {
   EXPECT_TRUE(form_.framSettings[0].visible());
   EXPECT_FALSE(form_.framSettings[1].visible());
   EXPECT_TRUE(view_.lines.empty());
-}
-
-TEST_F(FormTest, New_NumbersItsOwnControls) {
-  EXPECT_EQ(form_.cmdOKCancelHelp[Form::kOK].id(), 1);
-  EXPECT_EQ(form_.cmdOKCancelHelp[Form::kCancel].id(), 2);
-  EXPECT_EQ(form_.cmdOKCancelHelp[Form::kHelp].id(), 9);
-  EXPECT_EQ(form_.tabSettings.id(), ID_TAB_SETTINGS);
-  EXPECT_EQ(form_.framSettings[0].id(), ID_FRAM_SETTINGS);
-  EXPECT_EQ(form_.framSettings[1].id(), ID_FRAM_SETTINGS + 1);
-  EXPECT_EQ(form_.cmdOKCancelHelp[Form::kOK].page(), kEveryPage);
-  EXPECT_EQ(form_.framSettings[1].page(), kEveryPage);
-  EXPECT_EQ(form_.controls().size(), 8U);
-  EXPECT_EQ(form_.controls().back(), &form_.txtSigned);
 }
 
 TEST_F(FormTest, FirstPaint_LoadsOnceOnlyAndAFailureEndsTheDialogAsCancelled) {

@@ -40,13 +40,6 @@ class frmCOMSettingsModemTest : public frmCOMSettingsFixture {
   }
 };
 
-TEST_F(frmCOMSettingsModemTest, ModemNotUsed_ButtonIsOff) {
-  Show();
-  ClickProperties();
-  EXPECT_TRUE(user_.boxes().empty());
-  EXPECT_TRUE(modem_dialog_.ports.empty());
-}
-
 TEST_F(frmCOMSettingsModemTest, NoPortSelected_IsRefused) {
   ports_.codes.clear();
   ShowWithModem();
@@ -117,6 +110,9 @@ TEST_F(frmCOMSettingsModemTest, Accepted_WritesTheTransportAndShowsTheDialog) {
   ExpectShownOnceWith({3, EKespBaudRate3::br115200, EKespBaudRate3::br1200, EKespBaudRate3::br9600, true});
   EXPECT_EQ(modem_dialog_.help_contexts, std::vector<std::int32_t>{815});
   EXPECT_TRUE(form_->is_open());
+  // Which stays when the form is cancelled.
+  Click(form_->cmdOKCancelHelp[Form::kCancel]);
+  ExpectTransport({3, EKespBaudRate3::br115200, EKespBaudRate3::br1200, EKespBaudRate3::br9600, true});
 }
 
 TEST_F(frmCOMSettingsModemTest, Accepted_WritesNothingElse) {
@@ -163,14 +159,6 @@ TEST_F(frmCOMSettingsModemTest, DialogFails_IsShownAndTheWritesStay) {
   ExpectFailed(L"51 - Internal error (no window)\r\n(KespCommObj)");
   ExpectTransport({1, EKespBaudRate3::br115200, EKespBaudRate3::br1200, EKespBaudRate3::br9600, true});
   EXPECT_TRUE(form_->is_open());
-}
-
-TEST_F(frmCOMSettingsModemTest, Writes_StayWhenTheFormIsCancelled) {
-  Choose(ShowWithModem().icboCOMPort, L"COM3");
-  ClickProperties();
-  Click(form_->cmdOKCancelHelp[Form::kCancel]);
-  EXPECT_TRUE(form_->bCancel());
-  ExpectTransport({3, EKespBaudRate3::br115200, EKespBaudRate3::br1200, EKespBaudRate3::br9600, true});
 }
 
 }  // namespace

@@ -9,18 +9,13 @@ namespace {
 
 using frmCOMSettingsPortsTest = frmCOMSettingsFixture;
 
-TEST_F(frmCOMSettingsPortsTest, EachTriedOnceInOrder) {
-  ports_.codes = {{1, 5}, {2, 31}, {256, 0}};
-  Show();
-  std::vector<std::int16_t> expected;
-  for (std::int16_t n = 1; n <= 256; ++n) expected.push_back(n);
-  EXPECT_EQ(ports_.asked, expected);
-}
-
-TEST_F(frmCOMSettingsPortsTest, InUseNotListed_OtherAnswersAre) {
+TEST_F(frmCOMSettingsPortsTest, EachTriedOnceInOrder_InUseNotListedOtherAnswersAre) {
   ports_.codes = {{1, 5}, {2, 31}, {10, 0}, {256, 0}};
   EXPECT_EQ(Described(Show().icboCOMPort.entries()),
             (Lines{L"COM2 2 [COMPort]", L"COM10 10 [COMPort]", L"COM256 256 [COMPort]"}));
+  std::vector<std::int16_t> expected;
+  for (std::int16_t n = 1; n <= 256; ++n) expected.push_back(n);
+  EXPECT_EQ(ports_.asked, expected);
 }
 
 TEST_F(frmCOMSettingsPortsTest, All_OnesOwnIsSelected) {

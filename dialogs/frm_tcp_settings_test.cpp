@@ -53,19 +53,6 @@ TEST_F(frmTCPSettingsTest, FirstPaint_TellsTheViewInThisOrder) {
   EXPECT_EQ(TakeBoxes(), Boxes{});
 }
 
-TEST_F(frmTCPSettingsTest, FirstPaintOfANewTransport_ShowsItsDefaults) {
-  CKespTCP fresh(
-      fakes_.environment,
-      [](SocketListener& listener) { return std::make_unique<SocketControlFake>(listener); }, MakeInstrument);
-  frmTCPSettings form(fakes_.user, fresh, {true, 0});
-  form.FirstPaint();
-  EXPECT_TRUE(form.optTCPType[0].selected());
-  for (const TextBox& box : form.txtIP) EXPECT_EQ(box.text(), L"0");
-  EXPECT_EQ(form.txtPort.text(), L"0");
-  EXPECT_EQ(form.txtTimeout.text(), L"3000");
-  EXPECT_FALSE(form.chkCreateLogFile.checked());
-}
-
 TEST_F(frmTCPSettingsTest, FirstPaintWithoutExtendedPage_LoadsNothingOfIt) {
   Load({false, 0});
   EXPECT_EQ(form_->txtTimeout.text(), L"");

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
 #include <set>
 
 namespace kesp {
@@ -53,71 +52,48 @@ std::string AllBytes() {
   return bytes;
 }
 
-struct NamedTable {
-  const char* name;
-  std::array<char16_t, 256> characters;
-};
-
-void PrintTo(const NamedTable& table, std::ostream* out) {
-  *out << table.name;
-}
-
-class EveryCodePage : public testing::TestWithParam<NamedTable> {};
-
-TEST_P(EveryCodePage, AllBytes_ComeBackUnchanged) {
-  const CodePage page(GetParam().characters);
-  const std::wstring text = page.FromBytes(AllBytes());
-  EXPECT_EQ(text.size(), 256U);
-  EXPECT_EQ(page.ToBytes(text), AllBytes());
-  EXPECT_EQ(page.ToExactBytes(text), AllBytes());
-}
-
-TEST_P(EveryCodePage, AllBytes_HaveCharactersOfTheirOwn) {
-  const std::wstring text = CodePage(GetParam().characters).FromBytes(AllBytes());
-  EXPECT_EQ(std::set<wchar_t>(text.begin(), text.end()).size(), 256U);
-}
-
-TEST_P(EveryCodePage, DefinedByte_KeepsItsCharacterUnlessAnEarlierByteHasIt) {
-  const auto& characters = GetParam().characters;
-  const std::wstring text = CodePage(characters).FromBytes(AllBytes());
-  std::set<char16_t> seen;
-  for (std::size_t byte = 0; byte < 256; ++byte) {
-    const char16_t character = characters[byte];
-    const bool defined = (character != 0 || byte == 0) && (character < 0xD800 || character > 0xDFFF);
-    if (defined && seen.insert(character).second) {
-      EXPECT_EQ(static_cast<char16_t>(text[byte]), character) << byte;
+// Each byte has a character of its own, which a table's byte keeps unless an earlier byte has it.
+TEST(CodePageTest, EveryTable_AllBytesHaveCharactersAndComeBackUnchanged) {
+  for (const auto& characters :
+       {Identity(), WithUndefinedBytes(), WithDuplicates(), WithSurrogates(), Empty()}) {
+    SCOPED_TRACE(testing::PrintToString(characters));
+    const CodePage page(characters);
+    const std::wstring text = page.FromBytes(AllBytes());
+    ASSERT_EQ(text.size(), 256U);
+    EXPECT_EQ(page.ToBytes(text), AllBytes());
+    EXPECT_EQ(page.ToExactBytes(text), AllBytes());
+    EXPECT_EQ(std::set<wchar_t>(text.begin(), text.end()).size(), 256U);
+    std::set<char16_t> seen;
+    for (std::size_t byte = 0; byte < 256; ++byte) {
+      const char16_t character = characters[byte];
+      const bool defined = (character != 0 || byte == 0) && (character < 0xD800 || character > 0xDFFF);
+      if (defined && seen.insert(character).second) {
+        EXPECT_EQ(static_cast<char16_t>(text[byte]), character) << byte;
+      }
     }
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(CodePage, EveryCodePage,
-                         testing::Values(NamedTable{"Identity", Identity()},
-                                         NamedTable{"UndefinedBytes", WithUndefinedBytes()},
-                                         NamedTable{"Duplicates", WithDuplicates()},
-                                         NamedTable{"Surrogates", WithSurrogates()},
-                                         NamedTable{"Empty", Empty()}),
-                         [](const auto& info) { return info.param.name; });
-
-TEST(CodePage, UndefinedByte_TakesTheCharacterOfItsNumberWhereFree) {
+TEST(CodePageTest, UndefinedByte_TakesTheCharacterOfItsNumberWhereFree) {
   const CodePage page(WithUndefinedBytes());
   EXPECT_EQ(page.FromBytes("\x80\x84\xEF"), L"\u0080\u0084\u00EF");
 }
 
-TEST(CodePage, UndefinedByteWhoseNumberIsTaken_TakesPrivateUse) {
+TEST(CodePageTest, UndefinedByteWhoseNumberIsTaken_TakesPrivateUse) {
   const CodePage page(WithUndefinedBytes());
   EXPECT_EQ(page.FromBytes("A"), L"\uF741");
   EXPECT_EQ(page.FromBytes("\xF0\xF1"), L"\u0085\uF785");
   EXPECT_EQ(page.FromBytes("\x85"), L"\uF786");  // U+0085 and U+F785 belong to others
 }
 
-TEST(CodePage, DuplicateByte_FirstByteKeepsTheCharacter) {
+TEST(CodePageTest, DuplicateByte_FirstByteKeepsTheCharacter) {
   const CodePage page(WithDuplicates());
   EXPECT_EQ(page.FromBytes("\x2F\x5C"), L"\u002F\uF75C");
   EXPECT_EQ(page.FromBytes("\x20\xA0"), L"\u0020\u00A0");
   EXPECT_EQ(page.ToBytes(L"/ ?"), "/ ?");
 }
 
-TEST(CodePage, CharacterWithoutByte_BecomesOneQuestionMark) {
+TEST(CodePageTest, CharacterWithoutByte_BecomesOneQuestionMark) {
   struct Case {
     std::wstring text;
     std::string bytes;
@@ -144,11 +120,11 @@ TEST(CodePage, CharacterWithoutByte_BecomesOneQuestionMark) {
   }
 }
 
-TEST(CodePage, QuestionMark_IsExact) {
+TEST(CodePageTest, QuestionMark_IsExact) {
   EXPECT_EQ(Windows1252().ToExactBytes(L"*IDN?"), "*IDN?");
 }
 
-TEST(CodePage, LongText_IsConvertedWhole) {
+TEST(CodePageTest, LongText_IsConvertedWhole) {
   std::string bytes;
   for (int i = 0; i < 4096; ++i) bytes += AllBytes();
   const std::wstring text = Windows1252().FromBytes(bytes);
@@ -156,7 +132,7 @@ TEST(CodePage, LongText_IsConvertedWhole) {
   EXPECT_EQ(Windows1252().ToBytes(text), bytes);
 }
 
-TEST(Windows1252, UpperControls_AreAsPublished) {
+TEST(Windows1252Test, UpperControls_AreAsPublished) {
   // The rows 80 to 9F of CP1252.TXT; the five undefined bytes stand for themselves.
   EXPECT_EQ(Windows1252().FromBytes("\x80\x81\x82\x83\x84\x85\x86\x87\x88\x89\x8A\x8B\x8C\x8D\x8E\x8F"),
             L"€\u0081‚ƒ„…†‡ˆ‰Š‹Œ\u008DŽ\u008F");
@@ -164,7 +140,7 @@ TEST(Windows1252, UpperControls_AreAsPublished) {
             L"\u0090‘’“”•–—˜™š›œ\u009DžŸ");
 }
 
-TEST(Windows1252, OtherBytes_AreTheCharactersOfTheirNumbers) {
+TEST(Windows1252Test, OtherBytes_AreTheCharactersOfTheirNumbers) {
   const std::wstring text = Windows1252().FromBytes(AllBytes());
   for (std::size_t byte = 0; byte < 256; ++byte) {
     if (byte >= 0x80 && byte <= 0x9F) continue;
@@ -172,11 +148,11 @@ TEST(Windows1252, OtherBytes_AreTheCharactersOfTheirNumbers) {
   }
 }
 
-TEST(SystemCodePage, AllBytes_ComeBackUnchanged) {
+TEST(SystemCodePageTest, AllBytes_ComeBackUnchanged) {
   EXPECT_EQ(SystemCodePage().ToBytes(SystemCodePage().FromBytes(AllBytes())), AllBytes());
 }
 
-TEST(SystemCodePage, Repeated_IsTheSameObject) {
+TEST(SystemCodePageTest, Repeated_IsTheSameObject) {
   EXPECT_EQ(&SystemCodePage(), &SystemCodePage());
 }
 
