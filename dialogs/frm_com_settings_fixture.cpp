@@ -19,17 +19,6 @@ std::wstring Selected(const ChoiceList& list) {
   return list.selected() == nullptr ? L"" : list.selected()->text;
 }
 
-frmCOMSettingsFixture::RFModemDialogFake::RFModemDialogFake() = default;
-
-frmCOMSettingsFixture::RFModemDialogFake::~RFModemDialogFake() = default;
-
-void frmCOMSettingsFixture::RFModemDialogFake::Show(CKespCOMPort3& port, std::int32_t help_context) {
-  ports.push_back(&port);
-  help_contexts.push_back(help_context);
-  shown_with = {port.Port(), port.MaxBaudRate(), port.MinBaudRate(), port.BaudRate(), port.UseRFModem()};
-  if (on_show) on_show();
-}
-
 frmCOMSettingsFixture::frmCOMSettingsFixture() {
   ports_.code = 2;
   ports_.codes = {{1, 0}, {3, 0}};

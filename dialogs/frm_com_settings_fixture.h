@@ -61,10 +61,12 @@ class frmCOMSettingsFixture : public CKespCOMPort3Test {
   // The dialog of the modem, which notes what the transport was set to when it was shown.
   class RFModemDialogFake final : public RFModemDialog {
    public:
-    RFModemDialogFake();
-    ~RFModemDialogFake() override;
-
-    void Show(CKespCOMPort3& port, std::int32_t help_context) override;
+    void Show(CKespCOMPort3& port, std::int32_t help_context) override {
+      ports.push_back(&port);
+      help_contexts.push_back(help_context);
+      shown_with = {port.Port(), port.MaxBaudRate(), port.MinBaudRate(), port.BaudRate(), port.UseRFModem()};
+      if (on_show) on_show();
+    }
 
     struct Modem {
       std::int16_t port = 0;

@@ -28,16 +28,6 @@ class TextBoxTest : public testing::Test {
   TextBox unlimited_{form_, 218, 0, KeyFilter::kDigits};
 };
 
-TEST_F(TextBoxTest, New_IsEmptyAndWorthZero) {
-  EXPECT_EQ(channel_.text(), L"");
-  EXPECT_EQ(channel_.Value(), 0);
-  EXPECT_EQ(channel_.selection_start(), 0U);
-  EXPECT_EQ(channel_.selection_length(), 0U);
-  EXPECT_EQ(channel_.filter(), KeyFilter::kDigits);
-  EXPECT_EQ(channel_.id(), 311);
-  EXPECT_TRUE(view_.lines.empty());
-}
-
 TEST_F(TextBoxTest, Text_IsShownUnlessTheViewHasItAlready) {
   channel_.SetText(L"17x");
   EXPECT_EQ(channel_.text(), L"17x");

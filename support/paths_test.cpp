@@ -60,11 +60,5 @@ TEST(PathsTest, FileNameOfPath_IsTheLastComponent) {
   for (const auto& [path, name] : cases) EXPECT_EQ(FileNameOfPath(path), name);
 }
 
-TEST(PathsTest, FolderAndName_JoinToThePathAgain) {
-  for (const std::wstring path : {L"C:\\a\\b.log", L"b.log", L"\\\\server\\share\\b", L"..\\b"}) {
-    EXPECT_EQ(JoinPath(FolderOfPath(path), FileNameOfPath(path)), path);
-  }
-}
-
 }  // namespace
 }  // namespace kesp

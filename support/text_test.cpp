@@ -148,13 +148,5 @@ TEST(Windows1252Test, OtherBytes_AreTheCharactersOfTheirNumbers) {
   }
 }
 
-TEST(SystemCodePageTest, AllBytes_ComeBackUnchanged) {
-  EXPECT_EQ(SystemCodePage().ToBytes(SystemCodePage().FromBytes(AllBytes())), AllBytes());
-}
-
-TEST(SystemCodePageTest, Repeated_IsTheSameObject) {
-  EXPECT_EQ(&SystemCodePage(), &SystemCodePage());
-}
-
 }  // namespace
 }  // namespace kesp

@@ -43,19 +43,6 @@ TEST_F(TcpDialogTest, WithoutFlag_HasNoExtendedPageAndWritesNothingOfIt) {
   EXPECT_EQ(tcp_.TimeOutmSecs(), 50);
 }
 
-TEST_F(TcpDialogTest, Opened_ShowsWhatTheTransportHas) {
-  tcp_.SetIPAddress(L"10.20.30.40");
-  tcp_.SetTimeOutmSecs(1500);
-  tcp_.SetCreateLogFile(true);
-  Look([](DialogUser& user) {
-    EXPECT_EQ(user.Text(ID_TXT_IP + 3), L"40");
-    EXPECT_EQ(user.Text(ID_TXT_PORT), L"5025");
-    EXPECT_EQ(user.SelectedText(ID_TXT_IP), (Range{0, 2}));
-    EXPECT_EQ(user.Text(ID_TXT_TCP_TIMEOUT), L"1500");
-    EXPECT_TRUE(user.IsChecked(ID_CHK_TCP_LOG_FILE));
-  });
-}
-
 TEST_F(TcpDialogTest, Boxes_AreNamedByTheLabelBefore) {
   Look([](DialogUser& user) {
     EXPECT_EQ(user.NameOf(ID_TXT_IP), L"IP address");
