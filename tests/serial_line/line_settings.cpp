@@ -2,8 +2,6 @@
 // given.
 #include <termios.h>
 
-#include <cerrno>
-
 #include "next_function.h"
 #include "pty_slave.h"
 #include "simulator/character_frame.h"
@@ -11,8 +9,8 @@
 namespace {
 
 using kesp::serial_line::AskedFlags;
+using kesp::serial_line::IsPtySlave;
 using kesp::serial_line::NextFunction;
-using kesp::serial_line::PtySlaveNumber;
 using kesp::serial_line::WithKeptFrame;
 
 using kesp::serial_line::kEightBits;
@@ -20,13 +18,6 @@ using kesp::serial_line::kParityFlag;
 using kesp::serial_line::kSizeMask;
 
 static_assert(kSizeMask == CSIZE && kEightBits == CS8 && kParityFlag == PARENB);
-
-bool IsPtySlave(int descriptor) {
-  const int previous_error = errno;
-  const bool is_slave = PtySlaveNumber(descriptor) >= 0;
-  errno = previous_error;
-  return is_slave;
-}
 
 }  // namespace
 

@@ -1,4 +1,5 @@
-// Stands in front of ioctl and close: a pseudo-terminal has modem lines, where Linux has none for it.
+// Stands in front of ioctl and close: a pseudo-terminal has modem lines, where Linux has none for it, and
+// keeps the frame that is set by ioctl.
 #include <linux/serial.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -10,13 +11,17 @@
 #include "modem_lines.h"
 #include "next_function.h"
 #include "pty_slave.h"
+#include "raw_settings.h"
 
 namespace {
 
+using kesp::serial_line::ControlFunction;
+using kesp::serial_line::ControlSettings;
+using kesp::serial_line::IsAboutSettings;
+using kesp::serial_line::IsPtySlave;
 using kesp::serial_line::ModemLines;
 using kesp::serial_line::NextFunction;
 using kesp::serial_line::PtySlaveNumber;
-using ControlFunction = int(int, unsigned long, ...);
 
 constinit ModemLines modem_lines;
 
@@ -46,6 +51,9 @@ void Answer(int number, unsigned long request, void* argument) {
 }
 
 int Control(ControlFunction* next, int descriptor, unsigned long request, void* argument) {
+  if (IsAboutSettings(request) && IsPtySlave(descriptor)) {
+    return ControlSettings(next, descriptor, request, argument);
+  }
   const int result = next(descriptor, request, argument);
   // A line whose other end has gone says EIO, and so it shall be.
   if (result == 0 || errno == EIO || !IsAboutModemLines(request)) return result;

@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
+#include <cerrno>
+
 namespace kesp::serial_line {
 
 // The number N of the slave /dev/pts/N that the descriptor is open on; -1 for anything else. May set errno.
@@ -17,6 +19,14 @@ inline int PtySlaveNumber(int descriptor) {
   const unsigned major_number = major(status.st_rdev);
   if (major_number < kFirstMajor || major_number > kLastMajor) return -1;
   return static_cast<int>((major_number - kFirstMajor) * kMinorsOfAMajor + minor(status.st_rdev));
+}
+
+// Whether the descriptor is open on such a slave. Leaves errno alone.
+inline bool IsPtySlave(int descriptor) {
+  const int previous_error = errno;
+  const bool is_slave = PtySlaveNumber(descriptor) >= 0;
+  errno = previous_error;
+  return is_slave;
 }
 
 }  // namespace kesp::serial_line
