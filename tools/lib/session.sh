@@ -6,7 +6,7 @@
 # shellcheck source=tools/lib/second_starts.sh
 . "$KESP_TOOLS/lib/second_starts.sh"
 
-session_reason="stopped early; see above" session_verdict= session_wine32_maker=
+session_reason="stopped early; see above" session_verdict= session_second_wine_maker=
 
 # session_begin <name>: from here on the last line says "<name>: success" or "<name>: FAILED (why)".
 session_begin() {
@@ -34,7 +34,7 @@ session_fail() {
 session_end() {
   local bits
   trap - EXIT
-  session_await_wine32
+  session_await_second_wine
   for bits in 64 32; do
     "$KESP_TOOLS/wine-prefix" "$bits" stop 8>&- >/dev/null 2>&1 || true
   done
@@ -55,15 +55,15 @@ session_step() {
   "$@" 8>&- </dev/null || session_fail "$what"
 }
 
-# Begins to make the 32-bit system, which is loaded from the network while the compiler is at work.
-session_make_wine32() {
-  "$KESP_TOOLS/wine32-chroot" 8>&- </dev/null >/dev/null 2>&1 &
-  session_wine32_maker=$!
+# Begins to make the second Wine, which is loaded from the network while the compiler is at work.
+session_make_second_wine() {
+  "$KESP_TOOLS/second-wine" 8>&- </dev/null >/dev/null 2>&1 &
+  session_second_wine_maker=$!
 }
 
-session_await_wine32() {
-  [ -z "$session_wine32_maker" ] || wait "$session_wine32_maker" || true
-  session_wine32_maker=
+session_await_second_wine() {
+  [ -z "$session_second_wine_maker" ] || wait "$session_second_wine_maker" || true
+  session_second_wine_maker=
 }
 
 session_start_wine64() {
@@ -71,9 +71,9 @@ session_start_wine64() {
 }
 
 # Sets wine32_reason to why the 32-bit library cannot be run here; empty where it can.
-session_start_wine32() {
-  local code=0 said=$KESP_ROOT/build/logs/wine32-reason.log
-  session_await_wine32
+session_start_second_wine() {
+  local code=0 said=$KESP_ROOT/build/logs/second-wine-reason.log
+  session_await_second_wine
   mkdir -p "$KESP_ROOT/build/logs"
   "$KESP_TOOLS/wine-prefix" 32 start 8>&- </dev/null 2>"$said" || code=$?
   wine32_reason=$(tail -n 1 "$said")
@@ -84,6 +84,6 @@ session_start_wine32() {
       # One attempt is enough: the tests are not to try again, each for itself.
       export KESP_SKIP_WINE32=1 KESP_SKIP_WINE32_REASON=$wine32_reason
       ;;
-    *) session_fail "the 32-bit Wine could not be started: $wine32_reason" ;;
+    *) session_fail "the second Wine could not be started: $wine32_reason" ;;
   esac
 }
