@@ -103,7 +103,6 @@ void RegisterLibrary(HKEY root, const std::wstring& path) {
   SetKey(root, version, kLibraryName);
   SetKey(root, version + L"\\0\\" + kPlatform, path);
   SetKey(root, version + L"\\FLAGS", L"0");
-  SetKey(root, version + L"\\HELPDIR", path.substr(0, path.find_last_of(L'\\')));
 }
 
 void RegisterAll(HKEY root) {
