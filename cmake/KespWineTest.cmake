@@ -10,7 +10,8 @@
 # clients_query_test.exe), and its test in one place, so that no suite of it can be forgotten. kesp_wine_test is for
 # programs that are there and for scripts.
 #
-# One test for each width (both unless BITS says otherwise), named wine64.<name> and wine32.<name>.
+# One test for each width (both unless BITS says otherwise), named wine64.<name> and wine32.<name>. 32-bit ones run in the
+# second Wine, and so do, as wine10.<name>, the 64-bit ones that cmake/KespSecondWine.cmake lists.
 #   PROGRAM     an .exe as a path within the Windows build (tests/win/foo.exe), or a .vbs or .js file of this folder
 #   ARGS        {host} and {port} stand for the simulated instrument's, {com} for its COM port's number
 #   INSTRUMENT  runs the simulated instrument along; the file of a device, or BUILT_IN
@@ -23,7 +24,7 @@
 #   STANDALONE  does not need the library registered
 #   SCREEN      opens windows, and runs while no other such test does: they would take the focus from one another
 #   ALL_PORTS   opens every COM port there is, and runs alone, because the ports of other tests are among them
-#   CHANGES_REGISTRY  runs alone and must leave the library registered
+#   CHANGES_REGISTRY  runs alone and must leave the library registered; that of the other width is not registered meanwhile
 #   SHARDS      shares the program's cases out to that many tests, named <name>.1 and so on, which run side by side; with
 #               SERIAL each has a port of its own, the numbers behind that one
 # In the Windows builds it does nothing, so that a folder's list file is the same for all builds.
@@ -31,12 +32,14 @@ set(KESP_WINE_TEST "${CMAKE_SOURCE_DIR}/tools/wine-test")
 set(KESP_WITH_INSTRUMENT "${CMAKE_SOURCE_DIR}/tools/with-instrument")
 set(KESP_WITH_SERIAL_LINE "${CMAKE_SOURCE_DIR}/tools/with-serial-line")
 set(KESP_WITH_NETWORK_HOSTS "${CMAKE_SOURCE_DIR}/tools/with-network-hosts")
+set(KESP_ONLY_EDITION "${CMAKE_SOURCE_DIR}/tests/both_widths/only_edition")
 set(KESP_SKIPPED 77)
 set(KESP_WINE_TEST_OPTIONS STANDALONE CHANGES_REGISTRY WIRE SCREEN ALL_PORTS)
 set(KESP_WINE_TEST_VALUES INSTRUMENT SERIAL HOSTS DRIVER LOCALE TIMEOUT SHARDS)
 
 # Registering is a test of its own; those that need the library depend on it.
-function(kesp_wine_registration bits)
+#   kesp_wine_registration(<label of the tests> <arguments of wine-register>)
+function(kesp_wine_registration windows)
   foreach(step IN ITEMS register unregister)
     set(remove "")
     set(role FIXTURES_SETUP)
@@ -44,9 +47,12 @@ function(kesp_wine_registration bits)
       set(remove --remove)
       set(role FIXTURES_CLEANUP)
     endif()
-    add_test(NAME wine${bits}.${step} COMMAND "${CMAKE_SOURCE_DIR}/tools/wine-register" ${bits} ${remove})
-    set_tests_properties(wine${bits}.${step} PROPERTIES
-      LABELS wine${bits} ${role} registered${bits} TIMEOUT 120 SKIP_RETURN_CODE ${KESP_SKIPPED})
+    add_test(NAME ${windows}.${step} COMMAND "${CMAKE_SOURCE_DIR}/tools/wine-register" ${ARGN} ${remove})
+    string(REPLACE wine registered fixture ${windows})
+    set_tests_properties(${windows}.${step} PROPERTIES
+      LABELS ${windows} ${role} ${fixture} TIMEOUT 120 SKIP_RETURN_CODE ${KESP_SKIPPED}
+      # Setup programs do not run side by side on Windows either.
+      RESOURCE_LOCK registering)
   endforeach()
 endfunction()
 
@@ -71,14 +77,13 @@ function(kesp_wine_test)
     message(FATAL_ERROR "kesp_wine_test: HOSTS goes without INSTRUMENT and SERIAL")
   endif()
   foreach(bits IN LISTS TEST_BITS)
-    if(TEST_SHARDS)
-      foreach(shard RANGE 1 ${TEST_SHARDS})
-        kesp_add_wine_test(${bits} ${shard})
-      endforeach()
-    else()
-      kesp_add_wine_test(${bits} "")
-    endif()
+    kesp_add_wine_tests(wine${bits} --bits ${bits})
   endforeach()
+  if(64 IN_LIST TEST_BITS AND TEST_NAME IN_LIST KESP_SECOND_WINE_TESTS)
+    set(bits 64)
+    kesp_add_wine_tests(wine10 --bits 64 --wine 10)
+    set_property(GLOBAL APPEND PROPERTY KESP_SECOND_WINE_ADDED ${TEST_NAME})
+  endif()
 endfunction()
 
 function(kesp_wine_program name)
@@ -103,12 +108,24 @@ function(kesp_wine_program name)
   kesp_wine_test(NAME ${name} PROGRAM ${folder}/${program}.exe ${arguments})
 endfunction()
 
-# The body of kesp_wine_test for one width, and one part where there are several, in that function's scope.
-macro(kesp_add_wine_test bits shard)
-  set(name wine${bits}.${TEST_NAME})
+# The tests of one Windows (its label, and the tools' options for it): one, or one for each part.
+macro(kesp_add_wine_tests windows)
+  if(TEST_SHARDS)
+    foreach(shard RANGE 1 ${TEST_SHARDS})
+      kesp_add_wine_test(${windows} ${ARGN})
+    endforeach()
+  else()
+    set(shard "")
+    kesp_add_wine_test(${windows} ${ARGN})
+  endif()
+endmacro()
+
+# The body of kesp_wine_test for one width, one Windows, and one part where there are several, in that function's scope.
+macro(kesp_add_wine_test windows)
+  set(name ${windows}.${TEST_NAME})
   set(port "${TEST_SERIAL}")
   set(environment "KESP_INSTRUMENT=${CMAKE_BINARY_DIR}/simulator/kesp-sim")
-  if(NOT "${shard}" STREQUAL "")
+  if(shard)
     string(APPEND name .${shard})
     math(EXPR index "${shard} - 1")
     list(APPEND environment GTEST_TOTAL_SHARDS=${TEST_SHARDS} GTEST_SHARD_INDEX=${index})
@@ -132,7 +149,10 @@ macro(kesp_add_wine_test bits shard)
   if(TEST_LOCALE)
     set(locale --locale ${TEST_LOCALE})
   endif()
-  set(command "${KESP_WINE_TEST}" --bits ${bits} --timeout ${TEST_TIMEOUT} ${locale} ${driver} "${program}" ${TEST_ARGS})
+  set(command "${KESP_WINE_TEST}" ${ARGN} --timeout ${TEST_TIMEOUT} ${locale} ${driver} "${program}" ${TEST_ARGS})
+  if(TEST_CHANGES_REGISTRY AND NOT ${windows} STREQUAL wine64)
+    set(command "${KESP_ONLY_EDITION}" ${bits} ${command})
+  endif()
   set(other_end "")
   if(TEST_WIRE)
     set(other_end --wire)
@@ -140,9 +160,9 @@ macro(kesp_add_wine_test bits shard)
     set(other_end "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_INSTRUMENT}")
   endif()
   if(TEST_SERIAL)
-    set(command "${KESP_WITH_SERIAL_LINE}" --bits ${bits} --com ${port} ${other_end} -- ${command})
+    set(command "${KESP_WITH_SERIAL_LINE}" ${ARGN} --com ${port} ${other_end} -- ${command})
   elseif(TEST_HOSTS)
-    set(command "${KESP_WITH_NETWORK_HOSTS}" --bits ${bits} "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_HOSTS}" -- ${command})
+    set(command "${KESP_WITH_NETWORK_HOSTS}" ${ARGN} "${CMAKE_CURRENT_SOURCE_DIR}/${TEST_HOSTS}" -- ${command})
   elseif(TEST_INSTRUMENT)
     set(command "${KESP_WITH_INSTRUMENT}" ${other_end} -- ${command})
   endif()
@@ -150,16 +170,23 @@ macro(kesp_add_wine_test bits shard)
   # CTest's own limit is the later one, so that the program's output is still seen when its time is up.
   math(EXPR last_resort "${TEST_TIMEOUT} + 30")
   set_tests_properties(${name} PROPERTIES
-    LABELS wine${bits} TIMEOUT ${last_resort} SKIP_RETURN_CODE ${KESP_SKIPPED} ENVIRONMENT "${environment}")
+    LABELS ${windows} TIMEOUT ${last_resort} SKIP_RETURN_CODE ${KESP_SKIPPED} ENVIRONMENT "${environment}")
   # On a network of its own the library is registered by the way, where nobody else sees it.
   if(NOT TEST_STANDALONE AND NOT TEST_HOSTS)
-    set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED registered${bits})
+    string(REPLACE wine registered fixture ${windows})
+    set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED ${fixture})
   endif()
   if(TEST_CHANGES_REGISTRY OR TEST_ALL_PORTS OR TEST_LOCALE)
     set_tests_properties(${name} PROPERTIES RUN_SERIAL TRUE)
   endif()
+  set(locks "")
   if(TEST_SCREEN)
     # Of both widths, which share the screen.
-    set_tests_properties(${name} PROPERTIES RESOURCE_LOCK screen)
+    list(APPEND locks screen)
   endif()
+  if(NOT ${windows} STREQUAL wine64)
+    # The same test of the other width has the same COM port and the same files in the same Windows.
+    list(APPEND locks second_wine.${TEST_NAME}.${shard})
+  endif()
+  set_tests_properties(${name} PROPERTIES RESOURCE_LOCK "${locks}")
 endmacro()
