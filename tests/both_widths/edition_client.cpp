@@ -1,4 +1,4 @@
-// A client that tells what it gets of the library of its own width: edition_client
+// A client that tells what it gets of the library of its own width: edition_client. It takes no arguments.
 //
 // One line for each fact, "name: value". Ends with 0 even where there is no library for it.
 #include <array>
