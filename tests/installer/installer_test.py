@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Runs the setup program and its uninstaller in a Windows of their own: installer_test.py 64|32 [unittest's options]
+"""Runs the setup program and its uninstaller in a Windows of their own: installer_test.py 64|32|both [unittest's options]
 
-The 32-bit Windows runs the setup program that is delivered. The 64-bit one has no 32-bit half, so it runs one made
-from the same script and the same files for x64; the 32-bit library can then be copied but not registered.
+The Windows runs programs of these widths. In one with 32-bit programs it is the setup program that is delivered. That
+for 64 bits alone runs one made from the same script and the same files for x64; the 32-bit library can then be copied
+but not registered.
 Ends with 77 and a reason where there is no such Windows.
 """
 
@@ -43,10 +44,11 @@ work = None
 @functools.cache
 def registry_without_library():
     # The script host enters its own type library whenever it starts.
-    sandbox.run(HERE / "file_version.vbs", "C:\\windows\\regedit.exe")
+    for bits in sandbox.widths:
+        sandbox.run(HERE / "file_version.vbs", "C:\\windows\\regedit.exe", bits=bits)
     # Windows' own keys, there for every user of a Windows that has been used.
     for key in ("Software\\Classes", "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall"):
-        sandbox.run("reg", "add", "HKCU\\" + key, "/f").check_returncode()
+        sandbox.reg("add", "HKCU\\" + key, "/f").check_returncode()
     return sandbox.registry()
 
 
@@ -66,7 +68,7 @@ def make_setup(dist, name):
 
 
 def of_user(folder):
-    return f"C:\\users\\{sandbox.temporary().parent.name}\\AppData\\{folder}"
+    return f"C:\\users\\{sandbox.home.name}\\AppData\\{folder}"
 
 
 def user_folder():
@@ -104,7 +106,7 @@ def install_for_user(*switches):
 def uninstall(folder):
     """As Windows does it: the uninstaller moves to the folder for temporary files and is not waited for."""
     program = sandbox.path(folder) / "uninstall.exe"
-    run = sandbox.run_limited if folder == user_folder() else sandbox.run
+    run = sandbox.run_limited if folder == user_folder() else sandbox.run_as_administrator
     run(program, "/S")
     # Its entry is the last that it removes.
     return becomes_true(lambda: not program.exists() and not sandbox.is_listed(root_of(folder)))
@@ -115,10 +117,21 @@ def uninstall_in_place(folder, run=None):
     return sandbox.run_line(f'"{folder}\\uninstall.exe" /S _?={folder}', run).returncode
 
 
+def registered_servers(root):
+    """For each width in whose view of the registry the library has classes, the DLLs that they name."""
+    servers = {}
+    for line in sandbox.registry(roots=[root])[root]:
+        key, _, file = line.partition("\\InprocServer32] @=")
+        if "\\KespCommObj.dll" in file:
+            bits = 32 if "\\Wow6432Node\\" in key else sandbox.widths[0]
+            servers.setdefault(bits, set()).add(file.strip('"').replace("\\\\", "\\"))
+    return servers
+
+
 def set_installation_folder(folder):
     """In the entry of the installation for all users."""
     key = ENTRY.strip(" []").replace("HKEY_LOCAL_MACHINE", "HKLM")
-    sandbox.run("reg", "add", key, "/v", "InstallLocation", "/d", folder, "/f").check_returncode()
+    sandbox.reg("add", key, "/v", "InstallLocation", "/d", folder, "/f").check_returncode()
 
 
 @contextlib.contextmanager
@@ -143,7 +156,7 @@ def open_document(folder):
 
 def forget_next_start():
     """What Windows was told to delete then."""
-    sandbox.run("reg", "delete", SESSION_MANAGER, "/v", "PendingFileRenameOperations", "/f")
+    sandbox.reg("delete", SESSION_MANAGER, "/v", "PendingFileRenameOperations", "/f")
 
 
 def failed_log():
@@ -192,7 +205,8 @@ class InstallerTest(unittest.TestCase):
         self.assertFalse(sandbox.path(ALL_USERS_MENU).exists())
 
     def assert_usable(self):
-        self.assertEqual(sandbox.run(HERE / "create_object.vbs").stdout.split(), ["PASS"])
+        for bits in sandbox.widths:
+            self.assertEqual(sandbox.run(HERE / "create_object.vbs", bits=bits).stdout.split(), ["PASS"], bits)
 
 
 class InstalledForAllUsersTest(InstallerTest):
@@ -215,10 +229,10 @@ class InstalledForAllUsersTest(InstallerTest):
     def test_Dlls_AreThoseOfTheBuild(self):
         for width in ("win64", "win32"):
             installed = self.folder / width / "KespCommObj.dll"
-            if (sandbox.bits, width) == (32, "win64"):
+            if (sandbox.widths, width) == ((32,), "win64"):
                 self.assertFalse(installed.exists())
-            else:
-                self.assertTrue(filecmp.cmp(installed, DIST / width / "KespCommObj.dll", shallow=False))
+                continue
+            self.assertTrue(filecmp.cmp(installed, DIST / width / "KespCommObj.dll", shallow=False))
 
     def test_DocumentsSamplesAndHeaders_AreThere(self):
         for place in ("README.md", "docs/building.md", "samples/vbscript/query.vbs", "include/KespCommObj.idl"):
@@ -227,12 +241,17 @@ class InstalledForAllUsersTest(InstallerTest):
     def test_PracticeInstruments_AreLeftOut(self):
         self.assert_no_practice_instruments()
 
+    def test_Classes_OfEachViewNameTheDllOfThatWidth(self):
+        self.assertEqual(registered_servers("HKLM"), {
+            bits: {f"{FOLDER}\\win{bits}\\KespCommObj.dll"} for bits in sandbox.widths})
+
     def test_Objects_CanBeCreated(self):
         self.assert_usable()
 
     def test_Log_TellsWhatWasRegisteredAndWhatCouldNotBe(self):
         log = (self.folder / "setup.log").read_text("utf-16")
-        self.assertIn(f"Registered: {FOLDER}\\win{sandbox.bits}\\KespCommObj.dll\n", log)
+        for bits in sandbox.widths:
+            self.assertIn(f"Registered: {FOLDER}\\win{bits}\\KespCommObj.dll\n", log)
         skipped = f"Copied but not registered, as this Windows does not run programs of that width: {FOLDER}\\win32"
         self.assertEqual(skipped in log, sandbox.bits == 64)
 
@@ -357,10 +376,11 @@ class UninstallTest(InstallerTest):
         self.assert_registry_unchanged("HKLM")
         self.assertFalse(sandbox.path(FOLDER).exists())
         # Wine makes objects from the machine's entries only, so the user's are looked at instead.
-        dll = (user_folder() + f"\\win{sandbox.bits}\\KespCommObj.dll").replace("\\", "\\\\")
-        classes = sandbox.registry("Software\\Classes", ["HKCU"])["HKCU"]
-        servers = {line.split("] ")[1] for line in classes if "\\InprocServer32] @=" in line}
-        self.assertEqual(servers, {f'@="{dll}"'})
+        dlls = {bits: {f"{user_folder()}\\win{bits}\\KespCommObj.dll"} for bits in sandbox.widths}
+        if len(dlls) > 1:
+            # Windows has two views of a user's classes. Wine has one, in which what was registered last is found.
+            dlls = {64: dlls[32]}
+        self.assertEqual(registered_servers("HKCU"), dlls)
         self.assertTrue(uninstall(user_folder()))
         self.assert_nothing_left()
 
@@ -416,9 +436,9 @@ class RefusedUninstallingTest(InstallerTest):
         self.assertEqual(install(), 0)
         self.assertEqual(install_for_user(), 0)
         key = "HKCU\\" + ENTRY.strip(" []").partition("\\")[2]
-        sandbox.run("reg", "delete", key, "/f").check_returncode()
+        sandbox.reg("delete", key, "/f").check_returncode()
         try:
-            for run in (sandbox.run_limited, sandbox.run):
+            for run in (sandbox.run_limited, sandbox.run_as_administrator):
                 with self.subTest(run.__name__):
                     self.assertEqual(uninstall_in_place(user_folder(), run), FAILED)
                     self.assertTrue((sandbox.path(user_folder()) / "README.md").exists())
@@ -433,7 +453,7 @@ class RefusedUninstallingTest(InstallerTest):
         self.addCleanup(shutil.rmtree, sandbox.path(UNPROTECTED), ignore_errors=True)
         set_installation_folder(UNPROTECTED)
         try:
-            for run in (sandbox.run_limited, sandbox.run):
+            for run in (sandbox.run_limited, sandbox.run_as_administrator):
                 with self.subTest(run.__name__):
                     self.assertEqual(uninstall_in_place(UNPROTECTED, run), FAILED)
                     self.assertTrue((sandbox.path(UNPROTECTED) / "README.md").exists())
@@ -479,7 +499,7 @@ class DocumentInUseTest(InstallerTest):
         with open_document(user_folder()) as document:
             self.assertEqual(uninstall_in_place(user_folder(), sandbox.run_limited), FILES_REMAIN)
         self.assertTrue(document.exists(), "under its own name, where the user looks for it")
-        pending = sandbox.run("reg", "query", SESSION_MANAGER, "/v", "PendingFileRenameOperations").stdout
+        pending = sandbox.reg("query", SESSION_MANAGER, "/v", "PendingFileRenameOperations").stdout
         self.assertNotIn("README.md", pending)
         self.assertFalse(sandbox.is_listed("HKCU"))
 
@@ -543,7 +563,7 @@ class LibraryInUseTest(InstallerTest):
         # Wine deletes a DLL that is loaded; an open document it cannot delete either.
         self.assertFalse((sandbox.path(ELSEWHERE) / f"win{sandbox.bits}" / "KespCommObj.dll").exists())
         self.assertTrue(self.document.exists())
-        pending = sandbox.run("reg", "query", SESSION_MANAGER, "/v", "PendingFileRenameOperations").stdout
+        pending = sandbox.reg("query", SESSION_MANAGER, "/v", "PendingFileRenameOperations").stdout
         self.assertIn(ELSEWHERE + "\\README.md", pending)
         self.assert_registry_unchanged("HKLM", "HKCU")
         self.release.touch()
@@ -552,9 +572,9 @@ class LibraryInUseTest(InstallerTest):
 
 def main():
     global sandbox, setup, version, work
-    if len(sys.argv) < 2 or sys.argv[1] not in ("64", "32"):
+    if len(sys.argv) < 2 or sys.argv[1] not in ("64", "32", "both"):
         sys.exit(__doc__)
-    sandbox = Sandbox(int(sys.argv.pop(1)))
+    sandbox = Sandbox(sys.argv.pop(1))
     delivered = sorted(DIST.glob("KespCommObj-*-setup.exe"))
     if not delivered:
         sys.exit("dist holds no setup program; tools/build makes it")

@@ -12,15 +12,21 @@ SKIPPED = 77
 
 
 class Sandbox:
-    """The Wine prefix of one width; shared by all tests of a run, each of which leaves it as it was."""
+    """A Wine prefix; shared by all tests of a run, each of which leaves it as it was."""
 
-    def __init__(self, bits):
-        self.bits = bits
-        # With a screen of its own, which the other width's run must not stop.
-        base = ROOT / "build" / f"wine-installer-{bits}-{getpass.getuser()}"
+    def __init__(self, kind):
+        # The widths of the programs that it runs, and that of the programs of these tests: the setup program's.
+        self.widths = {"64": (64,), "32": (32,), "both": (64, 32)}[kind]
+        self.bits = bits = self.widths[-1]
+        # With a screen of its own, which another kind's run must not stop.
+        base = ROOT / "build" / f"wine-installer-{kind}-{getpass.getuser()}"
         self.environment = dict(os.environ, KESP_WINE_BASE=str(base))
-        self.drive = base / f"win{bits}" / "drive_c"
-        self.starter = ROOT / "build" / f"win{bits}" / "tests" / "installer" / "start_limited.exe"
+        if kind == "32":
+            self.environment["KESP_WINE_ARCH"] = "win32"
+        self.drive = base / ("win64" if bits == 64 else "both") / "drive_c"
+        self.home = self.drive / "users" / getpass.getuser()
+        self.system = self.drive / "windows" / ("syswow64" if kind == "both" else "system32")
+        self.starter = ROOT / "build" / f"win{bits}" / "tests" / "installer" / "start_with_rights.exe"
 
     def tool(self, *command, timeout=400):
         return subprocess.run([str(TOOLS / command[0]), *map(str, command[1:])], env=self.environment, text=True,
@@ -38,22 +44,31 @@ class Sandbox:
         self.tool("wine-prefix", self.bits, "stop")
         self.tool("lib/screen", "stop")
 
-    def run(self, program, *arguments):
-        return self.tool("wine-run", "--bits", self.bits, program, *arguments)
+    def run(self, program, *arguments, bits=None):
+        wine = ("--wine", 10) if self.bits == 32 else ()
+        return self.tool("wine-run", "--bits", bits or self.bits, *wine, program, *arguments)
 
     def run_limited(self, program, *arguments):
-        """Without administrator's rights; otherwise a program has them in Wine."""
+        """Without administrator's rights."""
+        return self._run_with("limited", program, *arguments)
+
+    def run_as_administrator(self, program, *arguments):
+        return self._run_with("all", program, *arguments)
+
+    def _run_with(self, rights, program, *arguments):
         # The uninstaller knows its folder by the name that it was installed under.
         if program.is_relative_to(self.drive):
-            return self.run(self.starter, "C:\\" + str(program.relative_to(self.drive)).replace("/", "\\"), *arguments)
-        return self.run(self.starter, windows_path(program), *arguments)
+            place = "C:\\" + str(program.relative_to(self.drive)).replace("/", "\\")
+        else:
+            place = windows_path(program)
+        return self.run(self.starter, rights, place, *arguments)
 
     def run_line(self, line, run=None):
         """A line as the command processor reads it, for arguments that must not be put in quotation marks."""
         batch = self.drive / "line.cmd"
         batch.write_text(f"{line}\nexit /b %ERRORLEVEL%\n")
         try:
-            return (run or self.run)(self.drive / "windows" / "system32" / "cmd.exe", "/c", "C:\\line.cmd")
+            return (run or self.run_as_administrator)(self.system / "cmd.exe", "/c", "C:\\line.cmd")
         finally:
             batch.unlink()
 
@@ -67,7 +82,9 @@ class Sandbox:
         return self.drive.joinpath(*windows_path.removeprefix("C:\\").split("\\"))
 
     def temporary(self):
-        return self.drive / "users" / getpass.getuser() / "Temp"
+        # Where Windows has it, too; Wine 8 has it elsewhere.
+        folder = self.home / "AppData" / "Local" / "Temp"
+        return folder if folder.exists() else self.home / "Temp"
 
     def files(self):
         """Files and folders that are not temporary, as paths within drive C."""
@@ -77,13 +94,20 @@ class Sandbox:
     def is_listed(self, root):
         """Whether Programs and Features lists the library, for all users (HKLM) or for this one (HKCU)."""
         entry = "Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\KespCommObj"
-        return self.run("reg", "query", f"{root}\\{entry}").returncode == 0
+        return self.reg("query", f"{root}\\{entry}").returncode == 0
+
+    def reg(self, *arguments):
+        """A 64-bit program sees the 32-bit view, too, in Wow6432Node."""
+        return self.run("reg", *arguments, bits=self.widths[0])
 
     def registry(self, below="Software", roots=("HKLM", "HKCU")):
-        """The lines of that key of each root, each value with its key before it. All of HKLM\\Software takes seconds."""
+        """The lines of that key of each root, in both views, each value with its key before it.
+
+        All of HKLM\\Software takes seconds.
+        """
         names = {root: f"exported-{root}.reg" for root in roots}
         exports = [f"reg export {root}\\{below} C:\\{name} /y" for root, name in names.items()]
-        self.run("cmd", "/c", " & ".join(exports)).check_returncode()
+        self.run("cmd", "/c", " & ".join(exports), bits=self.widths[0]).check_returncode()
         return {root: self._lines_of(self.drive / name) for root, name in names.items()}
 
     @staticmethod

@@ -1,9 +1,10 @@
-// Starts a program without administrator's rights, as Windows does for an administrator who has not been
-// asked.
+// Starts a program with or without administrator's rights, as Windows does for an administrator who has been
+// asked or has not.
 //
-//   start_limited PROGRAM [argument...]
+//   start_with_rights all|limited PROGRAM [argument...]
 //
-// Ends with the program's exit code; with 99 when it cannot be started so.
+// Ends with the program's exit code; with 99 when it cannot be started so. By itself Wine 8 gives a program
+// all rights, Wine 10 limited ones, as Windows does.
 #include <windows.h>
 
 #include <cstdio>
@@ -14,10 +15,18 @@ namespace {
 
 constexpr int kNotStarted = 99;
 
-// The token that this user has beside the one with all rights; null where there is none.
-HANDLE LimitedToken() {
+bool IsLimited(HANDLE token) {
+  TOKEN_ELEVATION_TYPE type = TokenElevationTypeDefault;
+  DWORD size = 0;
+  return GetTokenInformation(token, TokenElevationType, &type, sizeof type, &size) != FALSE &&
+         type == TokenElevationTypeLimited;
+}
+
+// This program's token or the one that its user has beside it; null where neither is of that kind.
+HANDLE TokenFor(bool limited) {
   HANDLE own = nullptr;
-  if (OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &own) == FALSE) return nullptr;
+  if (OpenProcessToken(GetCurrentProcess(), TOKEN_ALL_ACCESS, &own) == FALSE) return nullptr;
+  if (IsLimited(own) == limited) return own;
   TOKEN_LINKED_TOKEN linked{};
   DWORD size = 0;
   const BOOL found = GetTokenInformation(own, TokenLinkedToken, &linked, sizeof linked, &size);
@@ -27,34 +36,33 @@ HANDLE LimitedToken() {
   DuplicateTokenEx(linked.LinkedToken, TOKEN_ALL_ACCESS, nullptr, SecurityImpersonation, TokenPrimary,
                    &primary);
   CloseHandle(linked.LinkedToken);
-  return primary;
+  return primary != nullptr && IsLimited(primary) == limited ? primary : nullptr;
 }
 
-bool IsLimited(HANDLE token) {
-  TOKEN_ELEVATION_TYPE type = TokenElevationTypeDefault;
-  DWORD size = 0;
-  return GetTokenInformation(token, TokenElevationType, &type, sizeof type, &size) != FALSE &&
-         type == TokenElevationTypeLimited;
-}
-
-// What follows the name of this program, as it was written: a setup program wants some of it without
+// A word of the command line, and what follows it as it was written: a setup program wants some of it without
 // quotation marks.
-std::wstring Command() {
-  const wchar_t* rest = GetCommandLineW();
-  const wchar_t end_of_name = *rest == L'"' ? *rest++ : L' ';
-  while (*rest != 0 && *rest != end_of_name) ++rest;
-  return *rest == 0 ? L"" : rest + 1 + std::wcsspn(rest + 1, L" ");
+std::wstring TakeWord(const wchar_t*& rest) {
+  const wchar_t end = *rest == L'"' ? *rest++ : L' ';
+  std::wstring word;
+  while (*rest != 0 && *rest != end) word += *rest++;
+  if (*rest != 0) ++rest;
+  rest += std::wcsspn(rest, L" ");
+  return word;
 }
 
 }  // namespace
 
 int main() {
-  HANDLE token = LimitedToken();
-  if (token == nullptr || !IsLimited(token)) {
-    std::printf("there is no token with fewer rights\n");
+  const wchar_t* rest = GetCommandLineW();
+  TakeWord(rest);
+  const std::wstring rights = TakeWord(rest);
+  if (rights != L"all" && rights != L"limited") return kNotStarted;
+  HANDLE token = TokenFor(rights == L"limited");
+  if (token == nullptr) {
+    std::printf("there is no token with %ls rights\n", rights.c_str());
     return kNotStarted;
   }
-  std::wstring command = Command();
+  std::wstring command = rest;
   STARTUPINFOW startup{};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION process{};

@@ -53,12 +53,13 @@ serial_line_settings() {
 }
 
 # in_wine <64|32> <command...>: a Linux command (wine, wineserver, wineboot) with the settings of that Wine.
+# KESP_WINE_ARCH=win32 makes the second Wine's Windows one of 32-bit programs only.
 in_wine() {
   local bits=$1 loader
   shift
   mapfile -t loader < <(serial_line_settings)
   # A home of its own too: Wine links its documents folder there, and puts menu entries there.
-  set -- env LC_ALL=C.UTF-8 WINEPREFIX="$(wine_prefix "$bits")" WINEARCH=win64 WINEDEBUG=-all \
+  set -- env LC_ALL=C.UTF-8 WINEPREFIX="$(wine_prefix "$bits")" WINEARCH="${KESP_WINE_ARCH:-win64}" WINEDEBUG=-all \
     WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=" HOME="$KESP_WINE_BASE/home" DISPLAY="$(wine_screen)" \
     ${loader[@]+"${loader[@]}"} "$@"
   if is_second "$bits"; then
