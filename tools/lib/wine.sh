@@ -46,10 +46,12 @@ system_folder() {
 # The library's name stands alone, because the loader would end a path at a space, and each program takes that of its
 # own width.
 serial_line_settings() {
-  local folder=$KESP_ROOT/build/native/tests/serial_line library=kesp-serial-line.so
-  [ -e "$folder/64/$library" ] || return 0
-  printf '%s\n' "LD_PRELOAD=$library" \
-    "LD_LIBRARY_PATH=$folder/64:$folder/32${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}"
+  local folder=$KESP_ROOT/build/native/tests/serial_line library=kesp-serial-line.so width path=
+  for width in 64 $(! is_second "$1" || echo 32); do
+    [ -e "$folder/$width/$library" ] || return 0
+    path=$path$folder/$width:
+  done
+  printf '%s\n' "LD_PRELOAD=$library" "LD_LIBRARY_PATH=${path%:}${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}"
 }
 
 # in_wine <64|32> <command...>: a Linux command (wine, wineserver, wineboot) with the settings of that Wine.
@@ -57,7 +59,7 @@ serial_line_settings() {
 in_wine() {
   local bits=$1 loader
   shift
-  mapfile -t loader < <(serial_line_settings)
+  mapfile -t loader < <(serial_line_settings "$bits")
   # A home of its own too: Wine links its documents folder there, and puts menu entries there.
   set -- env LC_ALL=C.UTF-8 WINEPREFIX="$(wine_prefix "$bits")" WINEARCH="${KESP_WINE_ARCH:-win64}" WINEDEBUG=-all \
     WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=" HOME="$KESP_WINE_BASE/home" DISPLAY="$(wine_screen)" \
