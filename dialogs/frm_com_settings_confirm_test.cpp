@@ -18,7 +18,7 @@ class frmCOMSettingsConfirmTest : public frmCOMSettingsFixture {
  protected:
   // OK is refused with this one message, behind which the control's page is shown and the control focused.
   void ExpectRefused(const Control& control, const std::wstring& title, const std::wstring& text) {
-    const auto before = Settings(port_);
+    const auto before = SettingsOf(port_);
     // The page to be shown is never the one that is seen.
     form_->tabSettings.Choose(control.page() == 0 ? 2 : 0);
     record_.clear();
@@ -36,7 +36,7 @@ class frmCOMSettingsConfirmTest : public frmCOMSettingsFixture {
     EXPECT_EQ(form_->focused(), &control);
     EXPECT_TRUE(form_->is_open());
     EXPECT_FALSE(form_->bCancel());
-    EXPECT_TRUE(Settings(port_) == before);
+    EXPECT_TRUE(SettingsOf(port_) == before);
   }
 };
 

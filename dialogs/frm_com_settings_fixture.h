@@ -25,7 +25,7 @@ std::wstring Selected(const ChoiceList& list);
 // The stage: ports 1 and 3 of the machine are free, all others do not exist, and the transport allows every
 // rate and uses 9600 baud. The record has what the form shows, its controls by their names, from when it was
 // made, and "Box <title>" for each message box.
-class frmCOMSettingsFixture : public CKespCOMPort3Test {
+class frmCOMSettingsFixture : public CKespCOMPort3Fixture {
  protected:
   static constexpr std::int32_t kHelpTopic = 4711;
   static constexpr ComPortDialogOptions kNothing{.help_context = kHelpTopic};

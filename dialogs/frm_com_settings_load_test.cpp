@@ -149,9 +149,9 @@ TEST_F(frmCOMSettingsLoadTest, FirstPaint_WithoutThePages_LoadsTheFirstOneOnly) 
 
 TEST_F(frmCOMSettingsLoadTest, FirstPaint_ChangesNothingOfTheTransport) {
   SetEverything();
-  const auto before = Settings(port_);
+  const auto before = SettingsOf(port_);
   Show();
-  EXPECT_TRUE(Settings(port_) == before);
+  EXPECT_TRUE(SettingsOf(port_) == before);
   EXPECT_EQ(port_.SmartSwitch()->Style(), ESmartSwitchStyle3::ssBB8port);
 }
 

@@ -43,12 +43,12 @@ class frmCOMSettingsModemTest : public frmCOMSettingsFixture {
 TEST_F(frmCOMSettingsModemTest, NoPortSelected_IsRefused) {
   ports_.codes.clear();
   ShowWithModem();
-  const auto before = Settings(port_);
+  const auto before = SettingsOf(port_);
   user_.SetPointer(MousePointer::kBusy);
   ClickProperties();
   ExpectRemark(L"Invalid COM Port", L"Select a valid COM port to use.");
   EXPECT_TRUE(modem_dialog_.ports.empty());
-  EXPECT_TRUE(Settings(port_) == before);
+  EXPECT_TRUE(SettingsOf(port_) == before);
   EXPECT_TRUE(form_->is_open());
 }
 
@@ -74,11 +74,11 @@ TEST_F(frmCOMSettingsModemTest, NoRateSelected_IsRefusedAndWritesNothing) {
   frmCOMSettings& form = ShowWithModem(kEverything);
   Choose(form.cboMinBaudRate, L"57600");
   ASSERT_EQ(form.cboBaudRate.selected(), nullptr);
-  const auto before = Settings(port_);
+  const auto before = SettingsOf(port_);
   ClickProperties();
   ExpectRemark(L"Invalid Baud Rate", L"Select the baud rate.");
   EXPECT_TRUE(modem_dialog_.ports.empty());
-  EXPECT_TRUE(Settings(port_) == before);
+  EXPECT_TRUE(SettingsOf(port_) == before);
   EXPECT_TRUE(form.is_open());
 }
 
@@ -86,14 +86,14 @@ TEST_F(frmCOMSettingsModemTest, NoRateSelected_IsRefusedAndWritesNothing) {
 TEST_F(frmCOMSettingsModemTest, AskedAndNotAccepted_WritesAndShowsNothing) {
   for (const int answer : {kCancelAnswer, 0}) {
     Choose(ShowWithModem().icboCOMPort, L"COM3");
-    const auto before = Settings(port_);
+    const auto before = SettingsOf(port_);
     bool unchanged = false;
-    user_.on_box = [&] { unchanged = Settings(port_) == before; };
+    user_.on_box = [&] { unchanged = SettingsOf(port_) == before; };
     user_.Answer(answer);
     ClickProperties();
     EXPECT_TRUE(unchanged);
     EXPECT_EQ(user_.TakeBoxes().size(), 1u);
-    EXPECT_TRUE(Settings(port_) == before);
+    EXPECT_TRUE(SettingsOf(port_) == before);
     EXPECT_TRUE(modem_dialog_.ports.empty());
     EXPECT_TRUE(form_->is_open());
   }
@@ -122,11 +122,11 @@ TEST_F(frmCOMSettingsModemTest, Accepted_WritesNothingElse) {
   Choose(form.cboParity, L"Even");
   form.txtInstrAddress.Type(L"12");
   form.txtTimeout.Type(L"500");
-  const auto before = Settings(port_);
+  const auto before = SettingsOf(port_);
   ClickProperties();
   AllowRates(0, 13, 6);
   port_.SetUseRFModem(false);
-  EXPECT_TRUE(Settings(port_) == before);
+  EXPECT_TRUE(SettingsOf(port_) == before);
 }
 
 TEST_F(frmCOMSettingsModemTest, NewRangeBelowTheOldOne_HighestIsSetFirst) {

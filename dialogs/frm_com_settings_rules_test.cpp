@@ -48,11 +48,11 @@ TEST_F(frmCOMSettingsRulesTest, ControllerStyle_WritesNothingElse) {
   Click(form.chkUseRedirector);
   Click(form.chkStripCRLF);
   form.txtTimeout.Type(L"500");
-  auto expected = Settings(port_);
+  auto expected = SettingsOf(port_);
   Choose(form.cboControllerStyle, L"Kesp 7100/7200/7300");
   EXPECT_EQ(port_.GetSettings(), L"9600,N,8,1");
   port_.SetControllerStyle(EKespControllerStyle3::CS_OMEGA);
-  EXPECT_TRUE(Settings(port_) == expected);
+  EXPECT_TRUE(SettingsOf(port_) == expected);
   EXPECT_EQ(form.txtTimeout.text(), L"500");
 }
 

@@ -71,11 +71,11 @@ TEST_F(frmCOMSettingsWriteTest, OK_WritesEverythingAndCloses) {
 TEST_F(frmCOMSettingsWriteTest, OK_NothingChanged_LeavesEverything) {
   port_.SetUseRFModem(true);
   port_.SetInstrAddr(9);
-  const auto before = Settings(port_);
+  const auto before = SettingsOf(port_);
   Show();
   ClickOK();
   EXPECT_FALSE(form_->is_open());
-  EXPECT_TRUE(Settings(port_) == before);
+  EXPECT_TRUE(SettingsOf(port_) == before);
 }
 
 TEST_F(frmCOMSettingsWriteTest, OK_WithModem_WritesItsUseItsRateAndItsAddress) {
@@ -91,26 +91,26 @@ TEST_F(frmCOMSettingsWriteTest, OK_WithModem_WritesItsUseItsRateAndItsAddress) {
 
 TEST_F(frmCOMSettingsWriteTest, OK_NewTransport_OffersTheUnknownRateAndLeavesIt) {
   AllowNoRate();
-  const auto before = Settings(port_);
+  const auto before = SettingsOf(port_);
   const frmCOMSettings& form = Show();
   EXPECT_EQ(Described(form.cboBaudRate.entries()), Lines{L"<unknown> -1"});
   EXPECT_EQ(Selected(form.cboBaudRate), L"<unknown>");
   ClickOK();
   EXPECT_FALSE(form.is_open());
-  EXPECT_TRUE(Settings(port_) == before);
+  EXPECT_TRUE(SettingsOf(port_) == before);
 }
 
 TEST_F(frmCOMSettingsWriteTest, OK_PagesNotShown_AreNotWritten) {
   port_.SetUseIRDongle(true);
   port_.SmartSwitch()->SetStyle(ESmartSwitchStyle3::ssBB4port);
-  const auto before = Settings(port_);
+  const auto before = SettingsOf(port_);
   frmCOMSettings& form = Show(kNothing);
   form.txtTimeout.Type(L"450");
   Click(form.chkCreateLogFile);
   Click(form.chkUseSmartSwitch);
   ClickOK();
   EXPECT_FALSE(form.is_open());
-  EXPECT_TRUE(Settings(port_) == before);
+  EXPECT_TRUE(SettingsOf(port_) == before);
   EXPECT_EQ(port_.SmartSwitch()->Style(), ESmartSwitchStyle3::ssBB4port);
 }
 
@@ -120,11 +120,11 @@ TEST_F(frmCOMSettingsWriteTest, OK_ValuesThatAreNotOffered_AreLeft) {
   port_.SetDataBits(As<EKespDataBits3>(-2));
   port_.SetStopBits(As<EKespStopBits3>(7));
   port_.SmartSwitch()->SetStyle(ESmartSwitchStyle3::ssBB4port);
-  const auto before = Settings(port_);
+  const auto before = SettingsOf(port_);
   Show();
   ClickOK();
   EXPECT_FALSE(form_->is_open());
-  EXPECT_TRUE(Settings(port_) == before);
+  EXPECT_TRUE(SettingsOf(port_) == before);
   EXPECT_EQ(port_.SmartSwitch()->Style(), ESmartSwitchStyle3::ssBB4port);
 }
 
@@ -154,7 +154,7 @@ TEST_F(frmCOMSettingsWriteTest, OK_TimeoutConfirmedWithoutLeavingItsBox_IsWritte
 
 TEST_F(frmCOMSettingsWriteTest, OK_MinimumAboveTheOldMaximum_IsRefusedAtOnce) {
   AllowRates(0, 6, 6);
-  const auto before = Settings(port_);
+  const auto before = SettingsOf(port_);
   Show();
   ChangeEverything(L"19200", L"38400", L"19200");
   ClickOK();
@@ -163,7 +163,7 @@ TEST_F(frmCOMSettingsWriteTest, OK_MinimumAboveTheOldMaximum_IsRefusedAtOnce) {
                     L"(CKespCOMPort3 - MaxBaudRate)");
   EXPECT_TRUE(form_->is_open());
   EXPECT_FALSE(form_->bCancel());
-  EXPECT_TRUE(Settings(port_) == before);
+  EXPECT_TRUE(SettingsOf(port_) == before);
 }
 
 TEST_F(frmCOMSettingsWriteTest, OK_MaximumBelowTheOldMinimum_FollowsTheMinimum) {

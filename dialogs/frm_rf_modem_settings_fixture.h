@@ -9,7 +9,7 @@
 
 namespace kesp {
 
-class frmRFModemSettingsFixture : public CKespCOMPort3ModemTest {
+class frmRFModemSettingsFixture : public CKespCOMPort3ModemFixture {
  protected:
   frmRFModemSettingsFixture() { MakeForm(); }
 

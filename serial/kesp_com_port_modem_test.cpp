@@ -1,44 +1,18 @@
 // Unit tests of the serial transport's conversation with a radio modem: its command mode, settings and
 // target.
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "serial/kesp_com_port_fixture.h"
+#include "serial/kesp_com_port_modem_fixture.h"
 
 namespace kesp {
 namespace {
 
-// An open port with a style that is to come back without its preset, and a modem that answers.
-class CKespCOMPort3ModemTest : public SerialConversationFixture {
+class CKespCOMPort3ModemTest : public CKespCOMPort3ModemFixture {
  protected:
-  CKespCOMPort3ModemTest() {
-    port_.SetControllerStyle(EKespControllerStyle3::CS_OMEGA);
-    port_.SetDataBits(EKespDataBits3::DATA_8BITS);
-    port_.SetUseRFModem(true);
-    port_.SetTimeOut(300);
-    Open();
-  }
-  ~CKespCOMPort3ModemTest() override { ExpectLeftInOrder(); }
+  // What has no form shows nothing.
+  ~CKespCOMPort3ModemTest() override { EXPECT_TRUE(environment_.user.boxes().empty()); }
 
-  void ExpectLeftInOrder() {
-    EXPECT_EQ(port_.ControllerStyle(), EKespControllerStyle3::CS_OMEGA);
-    EXPECT_EQ(port_.DataBits(), EKespDataBits3::DATA_8BITS);
-    EXPECT_EQ(environment_.user.pointer(), MousePointer::kDefault);
-    EXPECT_TRUE(environment_.user.boxes().empty());
-    EXPECT_EQ(environment_.pump.count(), 0);
-  }
-
-  void Confirms(const std::vector<std::string>& commands) {
-    for (const std::string& command : commands) ports_.line.Answer(command, "OK\r");
-  }
-  void AnswersQuestions() {
-    Confirms({"+++", "ATCN\r"});
-    const std::pair<const char*, const char*> answers[] = {
-        {"ATSH\r", "13A2\r"}, {"ATSL\r", "40B0C1D2\r"}, {"ATPL\r", "4\r"}, {"ATID\r", "3332\r"},
-        {"ATCH\r", "C\r"},    {"ATMY\r", "1A\r"},       {"ATCT\r", "F\r"}};
-    for (const auto& [question, answer] : answers) ports_.line.Answer(question, answer);
-  }
   // The modem is not known to point at any instrument.
   void Forget() { environment_.settings.Put(kModemFile, L"COM1", L"InstrAddr", L"-1"); }
 
@@ -53,8 +27,6 @@ class CKespCOMPort3ModemTest : public SerialConversationFixture {
   const Lines kUntouched{L"a", L"b", L"c", L"d", L"e", L"f"};
   const Lines kRead{L"13A240B0C1D2", L"4", L"13106", L"12", L"26", L"1500"};
   RadioModemSettings settings_{L"a", L"b", L"c", L"d", L"e", L"f"};
-  const Lines questions_{L"+++",      L"ATSH<0D>", L"ATSL<0D>", L"ATPL<0D>", L"ATID<0D>",
-                         L"ATCH<0D>", L"ATMY<0D>", L"ATCT<0D>", L"ATCN<0D>"};
 };
 
 TEST_F(CKespCOMPort3ModemTest, CommandMode_ComesAfterASecondOfSilence) {
