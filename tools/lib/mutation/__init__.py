@@ -1,0 +1,1 @@
+"""Measures how many small faults of the product the tests catch; the command is tools/mutations."""
