@@ -50,7 +50,7 @@ std::wstring PlainCaption(HWND window) {
 
 // Of the visible windows on the screen or, with a parent, within it; null for none.
 HWND Find(HWND parent, const wchar_t* class_name, const std::wstring& text) {
-  for (HWND window : DescendantsOf(parent)) {
+  for (HWND window : DescendantsOf(parent != nullptr ? parent : GetDesktopWindow())) {
     if (HasClass(window, class_name) && IsWindowVisible(window) != FALSE && PlainCaption(window) == text)
       return window;
   }
