@@ -42,10 +42,9 @@ class GpibThreadDataTest : public testing::Test {
 };
 
 TEST_F(GpibThreadDataTest, EachThread_HasDataOfItsOwnAndKeepsIt) {
-  GpibThread* other = nullptr;
-  std::thread([&] { other = &threads_.Current(); }).join();
-  EXPECT_NE(other, &threads_.Current());
-  EXPECT_EQ(&threads_.Current(), &threads_.Current());
+  GpibThread* const own = &threads_.Current();
+  std::thread([&] { EXPECT_NE(&threads_.Current(), own); }).join();
+  EXPECT_EQ(&threads_.Current(), own);
 }
 
 TEST_F(GpibThreadDataTest, RegisteredThreadEnds_IsUnregisteredOnIt) {
