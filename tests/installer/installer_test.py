@@ -303,13 +303,13 @@ class PracticeInstrumentsTest(InstallerTest):
         return port, end
 
     def test_Files_AreThoseOfTheBuild(self):
-        own = DIST / f"win{sandbox.bits}" / "simulator"
+        own = DIST / f"win{sandbox.widths[0]}" / "simulator"
         for place in ("kesp-sim.exe", "description.schema.json", "examples/device.json", "gpib/README.txt"):
             self.assertTrue(filecmp.cmp(self.folder / place, own / place, shallow=False), place)
 
     def test_Drivers_AreAwayFromAllProgramsAndTheLibrary(self):
         """In the folder of a program, or of the library, they would be taken for the driver."""
-        widths = ("win32", "win64") if sandbox.bits == 64 else ("win32",)
+        widths = ("win32", "win64") if sandbox.widths[0] == 64 else ("win32",)
         drivers = sorted(sandbox.path(FOLDER).rglob("*.[dD][lL][lL]"))
         self.assertEqual(drivers, [
             *(self.folder / "gpib" / width / "Gpib-32.dll" for width in widths),
