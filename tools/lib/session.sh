@@ -11,6 +11,8 @@ session_reason="stopped early; see above" session_verdict= session_second_wine_m
 # session_begin <name>: from here on the last line says "<name>: success" or "<name>: FAILED (why)".
 session_begin() {
   session_name=$1
+  # It would send the 64-bit tests to the second Wine, where others of the same name are at work.
+  unset KESP_WINE
   trap session_end EXIT
   trap 'session_fail interrupted' INT TERM
   if ! mkdir -p "$KESP_ROOT/build" 2>/dev/null || [ ! -w "$KESP_ROOT/build" ]; then

@@ -2,6 +2,8 @@
 KESP_ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 KESP_TOOLS=$KESP_ROOT/tools
 export KESP_ROOT KESP_TOOLS
+# An ordinary user of Debian has no administrator's programs there, such as debootstrap.
+PATH=$PATH:/usr/sbin:/sbin
 # shellcheck source=tools/lib/say.sh
 . "$KESP_TOOLS/lib/say.sh"
 
