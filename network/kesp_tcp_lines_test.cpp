@@ -296,6 +296,17 @@ TEST_F(CKespTCPReadLineTest, Overrun_RaisesGetDataAtOnceAndANewConnectionReadsAg
   EXPECT_EQ(Read(), L"A");
 }
 
+// The search for the end starts at the first byte of the new connection.
+TEST_F(CKespTCPReadLineTest, PartOfAReplyThenANewConnection_AReplyAsLongIsWhole) {
+  Connect();
+  socket_->ThenReceives("ABC");
+  ExpectTimeOut();
+  EXPECT_TRUE(tcp_->Uninitialize());
+  Connect();
+  socket_->ThenReceives("12\r");
+  EXPECT_EQ(Read(), L"12");
+}
+
 TEST_F(CKespTCPReadLineTest, OtherSocketError_WaitsForTheTimeOut) {
   Connect();
   socket_->ThenFails(10054);
