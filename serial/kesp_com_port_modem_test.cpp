@@ -228,6 +228,12 @@ TEST_F(CKespCOMPort3ModemTest, Address_IsSentInHexadecimalUnlessTheModemPointsTh
   EXPECT_EQ(Remembered(), L"27");
 }
 
+TEST_F(CKespCOMPort3ModemTest, Address_NothingRemembered_TheFirstOneIsSentToo) {
+  Confirms({"+++"});
+  EXPECT_TRUE(port_.RFWriteModemInstrAddress(1));
+  EXPECT_EQ(Outputs().at(2), L"ATDL1<0D>");
+}
+
 // A handler that turns to another port does not have this port's modem noted under the other.
 TEST_F(CKespCOMPort3ModemTest, Address_IsRememberedForThePortOfTheModem) {
   ports_.line.ConfirmAddress26();
