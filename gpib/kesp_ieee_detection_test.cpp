@@ -324,6 +324,7 @@ TEST_F(CKespIEEEDetectionTest, NobodyListens_SearchesAllTheSame) {
   devices_[30] = {{"t\n)", "1"}};
   EXPECT_TRUE(Detect());
   EXPECT_EQ(ieee_.PrimaryAddress(), 30);
+  EXPECT_EQ(CountOf("AutoDetect"), 0);
 }
 
 }  // namespace
