@@ -51,6 +51,7 @@ TEST(PathsTest, FileNameOfPath_IsTheLastComponent) {
       {L"C:b.log", L"b.log"},
       {L"C:\\", L""},
       {L"C:", L""},
+      {L"\\:", L""},
       {L"\\", L""},
       {L"", L""},
       {L"C:\\a\\b", L"b"},
