@@ -95,6 +95,14 @@ TEST(MessagePumpWinTest, CharacterOutsideTheCodePage_ArrivesWhole) {
   EXPECT_EQ(characters, std::vector<WPARAM>{0x0416});
 }
 
+TEST(MessagePumpWinTest, KeyIsPressed_ArrivesAsItsCharacter) {
+  std::vector<WPARAM> characters;
+  const Window window([&](UINT, WPARAM wparam) { characters.push_back(wparam); });
+  PostMessageW(window.handle(), WM_KEYDOWN, VK_RETURN, 0x001C0001);
+  MessagePumpWin().PumpOnce();
+  EXPECT_EQ(characters, std::vector<WPARAM>{L'\r'});
+}
+
 TEST(MessagePumpWinTest, QuitWaits_IsPutBackAfterTheOtherMessages) {
   std::vector<WPARAM> handled;
   const Window window([&](UINT, WPARAM wparam) { handled.push_back(wparam); });
