@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "box_reader.h"
 #include "client_window.h"
 #include "html_help_fake.h"
@@ -112,6 +114,30 @@ TEST_F(ErrorBoxTest, ThreadHasNoActiveWindow_DisablesItsWindowsAllTheSame) {
   });
   EXPECT_FALSE(enabled);
   EXPECT_TRUE(window.is_enabled());
+}
+
+// A thread that has shown its windows without activating one has none active.
+TEST_F(ErrorBoxTest, ThreadHasWindowsButNoActiveOne_BelongsToTheForemostAndTheOthersWait) {
+  std::thread([this] {
+    HWND windows[2] = {};
+    for (HWND& window : windows) {
+      window = CreateWindowW(L"STATIC", L"client", WS_OVERLAPPEDWINDOW, 0, 0, 50, 50, nullptr, nullptr,
+                             nullptr, nullptr);
+      ShowWindow(window, SW_SHOWNOACTIVATE);
+    }
+    EXPECT_EQ(GetActiveWindow(), nullptr);
+    bool enabled[2] = {true, true};
+    const BoxContents box = Show(user, [&](HWND shown) {
+      for (const int i : {0, 1}) enabled[i] = IsWindowEnabled(windows[i]) != FALSE;
+      Press(IDOK)(shown);
+    });
+    EXPECT_TRUE(box.owner == windows[0] || box.owner == windows[1]);
+    for (const int i : {0, 1}) {
+      EXPECT_FALSE(enabled[i]) << i;
+      EXPECT_TRUE(IsWindowEnabled(windows[i])) << i;
+      DestroyWindow(windows[i]);
+    }
+  }).join();
 }
 
 TEST_F(ErrorBoxTest, UserAnswers_ReturnsTheButtonsNumber) {
