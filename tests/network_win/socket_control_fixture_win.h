@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "tests/network_win/loopback_peer_win.h"
 #include "tests/network_win/socket_listener_recorder_win.h"
@@ -45,6 +46,22 @@ class SocketControlFixture : public testing::Test {
       Pump();
     }
     return true;
+  }
+
+  // Waits until that many messages are in the queue and leaves them there; false when they do not come within
+  // 10 seconds.
+  static bool AwaitQueued(std::size_t count) {
+    std::vector<MSG> queued;
+    MSG message{};
+    for (const DWORD start = GetTickCount(); queued.size() < count && GetTickCount() - start < 10000;) {
+      if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
+        queued.push_back(message);
+      } else {
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+      }
+    }
+    for (const MSG& each : queued) PostMessageW(each.hwnd, each.message, each.wParam, each.lParam);
+    return queued.size() == count;
   }
 
   // Pumps for that long, to see that nothing more comes.

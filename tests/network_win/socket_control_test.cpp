@@ -90,6 +90,15 @@ TEST_F(SocketControlTest, Connect_BadArguments_AreRefused) {
   EXPECT_EQ(control().State(), EKespTCPState::sckClosed);
 }
 
+// No stream leads to the broadcast address, which the system knows by itself.
+TEST_F(SocketControlTest, Connect_FailsAtOnce_TheNextOneWorks) {
+  EXPECT_NE(NumberOf([&] { control().Connect(L"255.255.255.255", 80); }), 0);
+  EXPECT_EQ(control().State(), EKespTCPState::sckClosed);
+  const LoopbackPeer peer(Sending());
+  Connect(peer);
+  control().Close();
+}
+
 TEST_F(SocketControlTest, WrongState_IsRefused) {
   EXPECT_EQ(NumberOf([&] { control().SendData("x"); }), 40006);
   const LoopbackPeer peer(Sending());
@@ -114,13 +123,13 @@ TEST_F(SocketControlTest, Close_WhileConnectingOrResolving_NothingIsToldAfterwar
 TEST_F(SocketControlTest, Close_ThenConnect_OnlyTheNewConnectionIsToldOf) {
   const LoopbackPeer peer(Sending("x"), 4);
   control().Connect(kLoopback, peer.port());
-  Sleep(100);  // its notifications are in the queue now
+  EXPECT_TRUE(AwaitQueued(2)) << "connected, and bytes to read";
   control().Close();
   control().Connect(L"localhost", peer.port());
-  Sleep(100);
+  EXPECT_TRUE(AwaitQueued(1)) << "its address";
   control().Close();
   control().Connect(kLoopback, ClosedPort());
-  Sleep(100);
+  EXPECT_TRUE(AwaitQueued(1)) << "refused";
   control().Close();
   control().Connect(kLoopback, peer.port());
   ASSERT_TRUE(PumpUntil([this] { return recorder_->heard.size() >= 2; }));
@@ -248,11 +257,14 @@ TEST_F(SocketControlTest, PeerCloses_AfterItsDataWasAnnounced) {
   EXPECT_EQ(control().State(), EKespTCPState::sckClosed);
 }
 
-// Everything waits in the queue when the first pump runs.
+// All of it is there when the first pump runs.
 TEST_F(SocketControlTest, PeerCloses_BeforeAnythingWasPumped_DataComesFirst) {
-  const LoopbackPeer peer([](SOCKET connection) { SendAll(connection, "ABC"); });
-  control().Connect(kLoopback, peer.port());
-  Sleep(200);
+  {
+    const LoopbackPeer peer([](SOCKET connection) { SendAll(connection, "ABC"); });
+    control().Connect(kLoopback, peer.port());
+    // Some systems tell of the end only when the bytes have been taken.
+    EXPECT_TRUE(AwaitQueued(2)) << "connected, and bytes to read";
+  }
   ASSERT_TRUE(PumpUntil([this] { return recorder_->Heard("Close()"); }));
   EXPECT_THAT(recorder_->heard, ElementsAre("Connect()", "DataArrival(3)", "Close()"));
   EXPECT_EQ(control().GetData(), "ABC");

@@ -20,7 +20,7 @@ TEST_F(SocketThreadsTest, EndedElsewhere_WhatIsQueuedReachesNobodyAndTheWindowGo
     const LoopbackPeer peer(Sending("ABC"));
     recorder_ = Recorder::Make();
     control().Connect(kLoopback, peer.port());
-    Sleep(50);  // its notifications are in the queue now
+    EXPECT_TRUE(AwaitQueued(2)) << "connected, and bytes to read";
     EndElsewhere();
     EXPECT_TRUE(WindowClassExists());
     PumpFor(20);
