@@ -172,6 +172,33 @@ TEST_F(SerialControlTest, LineThatTakesNothing_OutputCanBeClearedAndThePortClose
   EXPECT_FALSE(control_.PortOpen());
 }
 
+// Has the driver give up every write to the port that this process has open.
+void CutWritesShort() {
+  constexpr std::uintptr_t kPastAllHandles = 0x4000;
+  for (std::uintptr_t value = 4; value < kPastAllHandles; value += 4) {
+    const auto handle = reinterpret_cast<HANDLE>(value);
+    DCB state{};
+    state.DCBlength = sizeof state;
+    if (GetFileType(handle) == FILE_TYPE_CHAR && GetCommState(handle, &state)) CancelIoEx(handle, nullptr);
+  }
+}
+
+TEST_F(SerialControlTest, PendingWriteIsCutShort_IsAFailureOnce) {
+  OpenAndFill();
+  CutWritesShort();
+  EXPECT_TRUE(Eventually([&] { return NumberOf([&] { control_.OutBufferCount(); }) == 8012; }));
+  EXPECT_EQ(NumberOf([&] { control_.OutBufferCount(); }), 0);
+}
+
+TEST_F(SerialControlTest, PendingWriteIsCutShortBeforeClosing_IsNoFailureOfTheNextOpening) {
+  OpenAndFill();
+  CutWritesShort();
+  control_.Output("x");
+  control_.Close();
+  control_.Open();
+  EXPECT_EQ(NumberOf([&] { control_.OutBufferCount(); }), 0);
+}
+
 // Adapters are fed by these lines: both are up before a byte can leave, and opening does not pulse them.
 TEST_F(SerialControlTest, Opened_BothControlLinesRiseOnce) {
   const std::size_t before = LineChanges().size();
