@@ -7,6 +7,18 @@
 
 namespace kesp::clients {
 
+Value OfType(VARTYPE type) {
+  Value value;
+  V_VT(value.get()) = type;
+  return value;
+}
+
+Value Real(double number) {
+  Value value = OfType(VT_R8);
+  V_R8(value.get()) = number;
+  return value;
+}
+
 std::string BytesOf(const VARIANT& value) {
   EXPECT_EQ(V_VT(&value), VT_ARRAY | VT_UI1);
   if (V_VT(&value) != (VT_ARRAY | VT_UI1)) return {};

@@ -75,6 +75,10 @@ class Value {
   VARIANT value_;
 };
 
+// A value of that type that is zero, or null.
+Value OfType(VARTYPE type);
+Value Real(double number);
+
 // A pointer that owns the one reference of a new object. (MinGW's ComPtr::Attach takes another one.)
 template <class Interface>
 ComPtr<Interface> Adopt(Interface* made) {

@@ -51,18 +51,6 @@ class InstrumentsTest : public testing::Test {
   ComPtr<_CInstrument> item_;
 };
 
-Value OfType(VARTYPE type) {
-  Value value;
-  V_VT(value.get()) = type;
-  return value;
-}
-
-Value Real(double number) {
-  Value value = OfType(VT_R8);
-  V_R8(value.get()) = number;
-  return value;
-}
-
 TEST_F(InstrumentsTest, Indexes_AreNumbersOfAnyTypeOrTextsThatAreKeys) {
   const auto first = Add(L"A");
   const auto second = Add(L"B", L"Bench");

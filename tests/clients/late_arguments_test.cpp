@@ -35,12 +35,6 @@ void PrintTo(const Content& content, std::ostream* out) {
   *out << content.name;
 }
 
-Value OfType(VARTYPE type) {
-  Value value;
-  V_VT(value.get()) = type;
-  return value;
-}
-
 Value BytesValue(SAFEARRAY* bytes) {
   Value value = OfType(VT_ARRAY | VT_UI1);
   V_ARRAY(value.get()) = bytes;

@@ -159,18 +159,6 @@ TEST_F(LateBoundTest, TooManyOrMissingArguments_AreRefused) {
   EXPECT_NE(comm_.Invoke(comm_.IdOf(L"AutoClose"), DISPATCH_PROPERTYPUT, {}).result, S_OK);
 }
 
-Value OfType(VARTYPE type) {
-  Value value;
-  V_VT(value.get()) = type;
-  return value;
-}
-
-Value Real(double number) {
-  Value value = OfType(VT_R8);
-  V_R8(value.get()) = number;
-  return value;
-}
-
 // Enumerations take any number, and text that is one. A property that takes its value by reference only reads
 // the variable.
 TEST_F(LateBoundTest, PutByReference_VariableStaysAsItIs) {
