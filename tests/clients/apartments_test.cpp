@@ -133,16 +133,32 @@ class UnmarshaledApartmentsTest : public TcpFixture {
     }).join();
   }
 
-  // How many of the library's hidden windows this process has.
-  static int HiddenWindows() {
-    int count = 0;
+  // The library's hidden windows of this process.
+  static std::vector<HWND> HiddenWindows() {
+    std::vector<HWND> windows;
     for (HWND window = nullptr;
          (window = FindWindowExW(HWND_MESSAGE, window, L"KespMessageWindow", nullptr)) != nullptr;) {
       DWORD process = 0;
       GetWindowThreadProcessId(window, &process);
-      if (process == GetCurrentProcessId()) ++count;
+      if (process == GetCurrentProcessId()) windows.push_back(window);
     }
-    return count;
+    return windows;
+  }
+
+  // Has the instrument answer until an arrival waits in the queue of the window. The call that sends a
+  // command may already have worked off the arrival of the reply to it.
+  bool LetAnArrivalWait(HWND window) {
+    const DWORD start = GetTickCount();
+    while (GetTickCount() - start < 10000) {
+      EXPECT_EQ(WriteLine(L"*IDN?"), S_OK);
+      const DWORD sent = GetTickCount();
+      while (GetTickCount() - sent < 500) {
+        MSG message{};
+        if (PeekMessageW(&message, window, 0, 0, PM_NOREMOVE) != FALSE) return true;
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+      }
+    }
+    return false;
   }
 
   // The code that a window left behind still needs.
@@ -154,11 +170,11 @@ TEST_F(UnmarshaledApartmentsTest, LastReleaseThere_TheMessagesHereReachNobodyAnd
     tcp_ = Create<_CKespTCP>(__uuidof(CKespTCP));
     SetTarget(tcp_.Get());
     EXPECT_TRUE(Initialize());
-    EXPECT_EQ(HiddenWindows(), 1);
-    EXPECT_EQ(WriteLine(L"*IDN?"), S_OK);
-    Sleep(50);  // the arrival is in the queue now
+    const std::vector<HWND> windows = HiddenWindows();
+    ASSERT_EQ(windows.size(), 1U);
+    EXPECT_TRUE(LetAnArrivalWait(windows[0]));
     RunOnAThread([&] { tcp_.Reset(); });
-    EXPECT_TRUE(PumpUntil([] { return HiddenWindows() == 0; }));
+    EXPECT_TRUE(PumpUntil([] { return HiddenWindows().empty(); }));
   }
 }
 
