@@ -39,7 +39,7 @@ HBRUSH PaintedBrush(HWND page) {
 }  // namespace
 
 TabPage::~TabPage() {
-  Forget();
+  if (brush_ != nullptr) DeleteObject(brush_);
 }
 
 HBRUSH TabPage::BrushFor(HWND page, HWND window, HDC device) {
@@ -54,11 +54,6 @@ HBRUSH TabPage::BrushFor(HWND page, HWND window, HDC device) {
   SetBkMode(device, TRANSPARENT);
   SetTextColor(device, GetSysColor(COLOR_WINDOWTEXT));
   return brush_;
-}
-
-void TabPage::Forget() {
-  if (brush_ != nullptr) DeleteObject(brush_);
-  brush_ = nullptr;
 }
 
 }  // namespace kesp

@@ -278,6 +278,22 @@ TEST_F(DialogLooksTest, ColoursChange_PagesAndControlsAreToldToo) {
   });
 }
 
+TEST_F(DialogLooksTest, ColoursOrThemeChange_APageIsPaintedAnew) {
+  if (IsAppThemed() == FALSE) GTEST_SKIP() << "pages have the system's ground";
+  Look([](DialogUser& user) {
+    HWND page = GetParent(user.Control(ID_LBL_BAUD_RATE));
+    const HDC device = GetDC(page);
+    for (const UINT change : {WM_SYSCOLORCHANGE, WM_THEMECHANGED}) {
+      const auto brush = reinterpret_cast<HGDIOBJ>(
+          Ask(page, WM_CTLCOLORDLG, reinterpret_cast<WPARAM>(device), reinterpret_cast<LPARAM>(page)));
+      EXPECT_EQ(GetObjectType(brush), DWORD{OBJ_BRUSH}) << change;
+      Ask(page, change);
+      EXPECT_EQ(GetObjectType(brush), 0U) << change;
+    }
+    ReleaseDC(page, device);
+  });
+}
+
 class DialogLeavingsTest : public ComDialogFixture {
  protected:
   void OpenEach() {
