@@ -59,8 +59,8 @@ def end_session(leader):
                     os.kill(int(name), signal.SIGKILL)
 
 
-def run_command(command, limit, environment):
-    """The exit code and the output; None for the code where the time was up."""
+def run_command(command, limit, environment, prepare=None):
+    """The exit code and the output so far; None for the code where the time was up. `prepare` runs in the new process."""
     process = subprocess.Popen(
         command,
         stdin=subprocess.DEVNULL,
@@ -68,15 +68,17 @@ def run_command(command, limit, environment):
         stderr=subprocess.STDOUT,
         env=dict(os.environ, **environment),
         start_new_session=True,
+        preexec_fn=prepare,
     )
     try:
         output = process.communicate(timeout=limit)[0]
         return process.returncode, output.decode(errors="replace")
     except subprocess.TimeoutExpired:
         end_session(process.pid)
+        output = b""
         with contextlib.suppress(subprocess.TimeoutExpired):
-            process.communicate(timeout=10)
-        return None, ""
+            output = process.communicate(timeout=10)[0]
+        return None, output.decode(errors="replace")
 
 
 class Entry:

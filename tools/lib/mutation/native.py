@@ -1,14 +1,11 @@
 """The native stage: which unit test program catches a mutation."""
 
 import concurrent.futures
-import os
 import re
 import resource
-import signal
-import subprocess
 import time
 
-from .entries import labelled_tests
+from .entries import labelled_tests, run_command
 from .progress import Progress
 
 # A mutation hangs when a program takes its usual time so often, and at least so many seconds.
@@ -17,6 +14,10 @@ PATIENCE, LEAST_SECONDS = 5, 20
 MOST_MEMORY = 4 << 30
 FAILED_CASE = re.compile(r"^\[  FAILED  \] ([\w./]+)", re.M)
 LAST_CASE = re.compile(r"^\[ RUN      \] ([\w./]+)", re.M)
+
+
+def bound_memory():
+    resource.setrlimit(resource.RLIMIT_AS, (MOST_MEMORY, MOST_MEMORY))
 
 
 class Program:
@@ -30,26 +31,14 @@ class Program:
         """None where it passes, else the first case that failed, or how it ended."""
         command = [argument for argument in self.command if argument != "--gtest_brief=1"] + ["--gtest_fail_fast"]
         start = time.monotonic()
-        process = subprocess.Popen(
-            command,
-            stdin=subprocess.DEVNULL,
-            stdout=subprocess.PIPE,
-            stderr=subprocess.STDOUT,
-            env=dict(os.environ, **environment),
-            start_new_session=True,
-            preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (MOST_MEMORY, MOST_MEMORY)),
-        )
-        try:
-            output = process.communicate(timeout=limit)[0].decode(errors="replace")
-        except subprocess.TimeoutExpired:
-            os.killpg(process.pid, signal.SIGKILL)
-            output = process.communicate()[0].decode(errors="replace")
+        code, output = run_command(command, limit, environment, bound_memory)
+        if code is None:
             return f"hangs in {last(LAST_CASE, output)}"
         self.latest = time.monotonic() - start
-        if process.returncode == 0:
+        if code == 0:
             return None
         failed = FAILED_CASE.search(output)
-        return failed.group(1) if failed else f"ends with {process.returncode} in {last(LAST_CASE, output)}"
+        return failed.group(1) if failed else f"ends with {code} in {last(LAST_CASE, output)}"
 
     def learn(self, folder):
         """Runs without a mutation; remembers what it comes by."""
