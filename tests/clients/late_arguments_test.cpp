@@ -179,6 +179,31 @@ TEST_F(LateArgumentsTest, LockedBytes_AreLeftAloneAndTheCallIsRefused) {
   EXPECT_EQ(BytesOf(*BytesValue(bytes).get()), "before");
 }
 
+// How much memory the process has for itself.
+std::size_t BytesCommitted() {
+  std::size_t bytes = 0;
+  MEMORY_BASIC_INFORMATION region{};
+  for (const char* at = nullptr; VirtualQuery(at, &region, sizeof region) != 0;) {
+    if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE) bytes += region.RegionSize;
+    at = static_cast<const char*>(region.BaseAddress) + region.RegionSize;
+  }
+  return bytes;
+}
+
+TEST_F(LateArgumentsTest, LockedBytes_RepliesWithoutAPlaceAreFreed) {
+  constexpr std::size_t kReplyBytes = std::size_t{1} << 20;
+  constexpr int kReplies = 8;
+  SAFEARRAY* bytes = NewByteArray("before");
+  SafeArrayLock(bytes);
+  const auto query = [&] { EXPECT_EQ(QueryBinary(Reference(&bytes), L"BIG?").result, DISP_E_EXCEPTION); };
+  query();
+  const std::size_t before = BytesCommitted();
+  for (int i = 0; i < kReplies; ++i) query();
+  EXPECT_LT(BytesCommitted(), before + kReplies * kReplyBytes / 2);
+  SafeArrayUnlock(bytes);
+  SafeArrayDestroy(bytes);
+}
+
 TEST_F(LateArgumentsTest, QueryFailsOrRaises_VariableKeepsItsValue) {
   Write(tcp_, &_CKespTCP::put_IPAddress, L"0.0.0.0");
   Value variable(L"before");
