@@ -60,8 +60,8 @@ class SecondStartTest(unittest.TestCase):
                 self.assertRegex(self.noted(), f"^{NOTE}$")
 
     def test_another_end_is_the_verdict_and_not_noted(self):
-        rows = (("a_test.exe", "5 a case failed", 5), ("a_test.exe", "124", 124), ("a_test.exe", "0", 0),
-                ("a.vbs", "5", 5))
+        rows = (("a_test.exe", "5 a case failed", 5), ("a_test.exe", "124", 124), ("a_test.exe", "137", 137),
+                ("a_test.exe", "0", 1), ("a.exe", "0", 0), ("a.vbs", "5", 5))
         for program, start, code in rows:
             with self.subTest(program=program, start=start):
                 result = self.run_tool([start, "0 a second start"], "tools/wine-test", program)
@@ -69,14 +69,21 @@ class SecondStartTest(unittest.TestCase):
                 self.assertNotIn("a second start", result.stdout)
                 self.assertEqual(self.noted(), "")
 
+    def test_program_of_tests_passes_only_when_it_says_so(self):
+        for said, code in (("[  PASSED  ] 3 tests.", 0), ("[==========] Running 3 tests", 1),
+                           ("[==========] 0 tests from 0 test suites ran.", 1), ("[  PASSED  ] 0 tests.", 77)):
+            with self.subTest(said=said):
+                result = self.run_tool(["0 " + said], "tools/wine-test", "a_test.exe")
+                self.assertEqual(result.returncode, code, result.stderr)
+
     def test_session_tells_its_own_at_its_end_whatever_that_is(self):
-        for second, end in (("0 done", "trial: success"), ("1 a case failed", "trial: FAILED (a test failed)")):
+        for second, end in (("0 [  PASSED  ] 1 test.", "trial: success"), ("1 a case failed", "trial: FAILED (a test failed)")):
             with self.subTest(second=second):
                 result = self.run_tool(["5", second], "trial")
                 told = r"-- programs that Wine had to start a second time: 1\n--   " + NOTE + re.escape(end) + r"\n$"
                 self.assertRegex(result.stdout, told)
-        result = self.run_tool(["0 done"], "trial")
-        self.assertEqual(result.stdout, "done\ntrial: success\n")
+        result = self.run_tool(["0 [  PASSED  ] 1 test."], "trial")
+        self.assertEqual(result.stdout, "[  PASSED  ] 1 test.\ntrial: success\n")
 
 
 if __name__ == "__main__":
