@@ -1,14 +1,13 @@
 #!/usr/bin/env python3
 """Lets tools/wine-test run programs of which some say nothing, without Wine, and looks at what is noted."""
 
-import pathlib
 import re
-import shutil
-import subprocess
-import tempfile
+import sys
 import unittest
 
-TOOLS = pathlib.Path(__file__).resolve().parents[2] / "tools"
+sys.dont_write_bytecode = True  # the tree stays as it is
+from trial_tree import TrialTreeTest  # noqa: E402
+
 # In Wine's place: for each start a line of the file, the code and what is said.
 RUN = """#!/bin/sh
 read -r code said <"$0.starts"
@@ -16,35 +15,20 @@ sed -i 1d "$0.starts"
 [ -z "$said" ] || echo "$said"
 exit "$code"
 """
-SESSION = """#!/bin/bash
-set -euo pipefail
-. "$(dirname "$0")/tools/lib/session.sh"
-session_begin trial
-session_step "a test failed" "$KESP_TOOLS/wine-test" a_test.exe --brief
-session_succeed
-"""
 NOTE = r"20\d\d-\d\d-\d\dT\d\d:\d\d:\d\dZ: said nothing and ended with 5: a_test\.exe --brief\n"
 
 
-class SecondStartTest(unittest.TestCase):
+class SecondStartTest(TrialTreeTest):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.tree = pathlib.Path(folder.name)
-        (self.tree / "tools" / "lib").mkdir(parents=True)
-        for file in ("wine-test", "lib/tree.sh", "lib/say.sh", "lib/wine.sh", "lib/session.sh", "lib/second_starts.sh"):
-            shutil.copy(TOOLS / file, self.tree / "tools" / file)
-        for file, text in (("tools/wine-run", RUN), ("tools/wine-prefix", "#!/bin/sh\n"),
-                           ("tools/lib/screen", "#!/bin/sh\n"), ("trial", SESSION)):
-            (self.tree / file).write_text(text, encoding="utf-8")
-            (self.tree / file).chmod(0o755)
+        super().setUp()
+        self.write_tool("tools/wine-run", RUN)
+        self.write_session('session_step "a test failed" "$KESP_TOOLS/wine-test" a_test.exe --brief\n')
         self.log = self.tree / "build" / "logs" / "second-starts.log"
 
     def run_tool(self, starts, *command):
         lines = "".join(start + "\n" for start in starts)
         (self.tree / "tools" / "wine-run.starts").write_text(lines, encoding="utf-8")
-        return subprocess.run([self.tree / command[0], *command[1:]], text=True, capture_output=True, check=False,
-                              timeout=30)
+        return self.run_in_tree(*command)
 
     def noted(self):
         return self.log.read_text(encoding="utf-8") if self.log.exists() else ""
