@@ -579,11 +579,11 @@ def main():
     if not delivered:
         sys.exit("dist holds no setup program; tools/build makes it")
     version = delivered[0].name.split("-")[1]
-    reason = sandbox.start()
-    if reason:
-        print(f"skipped: {reason}")
-        sys.exit(SKIPPED)
     try:
+        reason = sandbox.start()
+        if reason:
+            print(f"skipped: {reason}")
+            sys.exit(SKIPPED)
         with tempfile.TemporaryDirectory(dir=ROOT / "build" / "installer") as folder:
             work = pathlib.Path(folder)
             setup = delivered[0] if sandbox.bits == 32 else make_setup(DIST, "setup.exe")
