@@ -23,7 +23,8 @@
 #   LOCALE      runs in a Windows of that language, such as ja_JP.UTF-8, and alone, because Wine notes the language down
 #   STANDALONE  does not need the library registered
 #   SCREEN      opens windows, and runs while no other such test does: they would take the focus from one another
-#   ALL_PORTS   opens every COM port there is, and runs alone, because the ports of other tests are among them
+#   ALL_PORTS   opens every COM port there is, and runs before all tests that have one in the same Windows; such a test
+#               is named by KESP_ALL_PORTS_TEST below
 #   CHANGES_REGISTRY  runs alone and must leave the library registered; that of the other width is not registered meanwhile
 #   SHARDS      shares the program's cases out to that many tests, named <name>.1 and so on, which run side by side; with
 #               SERIAL each has a port of its own, the numbers behind that one
@@ -36,6 +37,15 @@ set(KESP_ONLY_EDITION "${CMAKE_SOURCE_DIR}/tests/both_widths/only_edition")
 set(KESP_SKIPPED 77)
 set(KESP_WINE_TEST_OPTIONS STANDALONE CHANGES_REGISTRY WIRE SCREEN ALL_PORTS)
 set(KESP_WINE_TEST_VALUES INSTRUMENT SERIAL HOSTS DRIVER LOCALE TIMEOUT SHARDS)
+
+# kesp_after_all_ports(<test> <label of the tests>): for a test that has a COM port of its own. It is an order and no lock,
+# since tests with ports of their own run side by side; and the first is the better place for a test that takes long.
+set(KESP_ALL_PORTS_TEST clients.editing)
+function(kesp_after_all_ports name windows)
+  # Both widths of the second Wine have the same ports.
+  string(REPLACE wine10 wine32 windows ${windows})
+  set_tests_properties(${name} PROPERTIES DEPENDS ${windows}.${KESP_ALL_PORTS_TEST})
+endfunction()
 
 # Registering is a test of its own; those that need the library depend on it.
 #   kesp_wine_registration(<label of the tests> <arguments of wine-register>)
@@ -75,6 +85,9 @@ function(kesp_wine_test)
   endif()
   if(TEST_HOSTS AND (TEST_INSTRUMENT OR TEST_SERIAL))
     message(FATAL_ERROR "kesp_wine_test: HOSTS goes without INSTRUMENT and SERIAL")
+  endif()
+  if(TEST_ALL_PORTS AND NOT TEST_NAME STREQUAL KESP_ALL_PORTS_TEST)
+    message(FATAL_ERROR "kesp_wine_test: ALL_PORTS is for ${KESP_ALL_PORTS_TEST} alone, which other tests wait for")
   endif()
   foreach(bits IN LISTS TEST_BITS)
     kesp_add_wine_tests(wine${bits} --bits ${bits})
@@ -176,7 +189,10 @@ macro(kesp_add_wine_test windows)
     string(REPLACE wine registered fixture ${windows})
     set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED ${fixture})
   endif()
-  if(TEST_CHANGES_REGISTRY OR TEST_ALL_PORTS OR TEST_LOCALE)
+  if(TEST_SERIAL AND NOT TEST_ALL_PORTS)
+    kesp_after_all_ports(${name} ${windows})
+  endif()
+  if(TEST_CHANGES_REGISTRY OR TEST_LOCALE)
     set_tests_properties(${name} PROPERTIES RUN_SERIAL TRUE)
   endif()
   set(locks "")
