@@ -27,7 +27,7 @@ session_begin() {
   session_has_tree=yes
   forget_second_starts
   # Here, where sudo can ask for a password: the steps have no terminal.
-  can_be_root || say "neither root nor sudo: what takes one of them is left out"
+  can_be_root || true
 }
 
 # session_leave_out <what>: the verdict is to name it, since nobody looked at it.
@@ -102,6 +102,8 @@ session_end_second_wine_maker() {
   [ -n "$session_second_wine_maker" ] && kill -0 "$session_second_wine_maker" 2>/dev/null || return 0
   say "the second Wine is not finished; the next run makes it"
   mapfile -t processes < <(process_and_children "$session_second_wine_maker")
+  # Ours, and those that are root's.
+  kill -TERM "${processes[@]}" 2>/dev/null || true
   as_root kill -TERM "${processes[@]}" 2>/dev/null || true
   session_await_second_wine >/dev/null || true
 }
