@@ -46,8 +46,13 @@ class Planner {
   void operator()(const SendRepeated& repeated) {
     std::string block = BlockOf(repeated.pattern, repeated.total);
     // The last block takes the end along, so that the end is not a piece of its own.
-    const std::size_t times = repeated.total == 0 ? 0 : (repeated.total - 1) / block.size();
+    std::size_t times = repeated.total == 0 ? 0 : (repeated.total - 1) / block.size();
     std::string last = block.substr(0, repeated.total - times * block.size()) + repeated.end;
+    // What is held back goes with the first block only.
+    if (times > 0 && !held_.empty()) {
+      Put(block, false);
+      --times;
+    }
     if (times > 0) {
       Put(std::move(block), false);
       steps_.back().times = times;
