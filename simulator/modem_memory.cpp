@@ -12,7 +12,12 @@ namespace kesp::simulator {
 
 ModemRegisters ModemMemory::Load() const {
   ModemRegisters registers;
+  std::error_code error;
+  if (std::filesystem::status(file_, error).type() == std::filesystem::file_type::not_found) return registers;
   std::ifstream stream(file_);
+  // A folder opens like a file.
+  if (!stream || std::filesystem::is_directory(file_, error))
+    throw DescriptionError(file_.string() + ": cannot be read");
   for (std::string line; std::getline(stream, line);) {
     const std::size_t sign = line.find('=');
     const std::optional<std::uint32_t> value =

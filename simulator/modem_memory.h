@@ -12,8 +12,8 @@ class ModemMemory {
  public:
   explicit ModemMemory(std::filesystem::path file) : file_(std::move(file)) {}
 
-  // What was saved last; nothing when nothing ever was. Throws DescriptionError, with the file's name, for
-  // contents that were not saved here.
+  // What was saved last; nothing when there is no file. Throws DescriptionError, with the file's name, for
+  // contents that were not saved here or cannot be read.
   ModemRegisters Load() const;
 
   // Replaces what was saved. Throws std::system_error when the file cannot be written.

@@ -1,6 +1,7 @@
 // A radio modem: a serial line to whichever instrument its destination address names.
 #include "simulator/radio_modem.h"
 
+#include <system_error>
 #include <utility>
 
 #include "simulator/bytes_text.h"
@@ -49,7 +50,7 @@ void RadioModem::PassTime(Moment now) {
     last_command_ = now;
     deeds_.push_back({"command mode begins", {}});
     Answer(kOk);
-  } else if (pluses_ > 0 && now >= *last_byte_ + setup_.guard) {
+  } else if (pluses_ > 0 && pluses_ < kSequence && now >= *last_byte_ + setup_.guard) {
     PassOn(std::string(std::exchange(pluses_, 0), '+'), now);
   }
 }
@@ -86,12 +87,19 @@ void RadioModem::TakeCommandByte(char byte, Moment now) {
 }
 
 std::string RadioModem::Execute(const std::string& command) {
-  if (command == "ATWR") {
-    setup_.write(setup_.registers);
-    return kOk;
-  }
+  if (command == "ATWR") return WriteRegisters();
   if (command.size() < kCommandLength || command.rfind("AT", 0) != 0) return kError;
   return UseRegister(command.substr(2, 2), command.substr(kCommandLength));
+}
+
+std::string RadioModem::WriteRegisters() {
+  try {
+    setup_.write(setup_.registers);
+  } catch (const std::system_error& error) {
+    deeds_.push_back({std::string("registers not written: ") + error.what(), {}});
+    return kError;
+  }
+  return kOk;
 }
 
 std::string RadioModem::UseRegister(const std::string& name, const std::string& value) {

@@ -22,7 +22,8 @@ struct RadioModemSetup {
   ModemAnswers answers = ModemAnswers::kWhole;
   // By their names of two letters; those that are not given have the values of a new modem.
   ModemRegisters registers;
-  // Called by the command that writes all registers to the memory that outlasts a loss of power.
+  // Called by the command that writes all registers to the memory that outlasts a loss of power. What it
+  // throws as std::system_error is the modem's ERROR.
   std::function<void(const ModemRegisters&)> write = [](const ModemRegisters&) {};
   std::map<std::uint32_t, std::unique_ptr<Device>> behind;
   std::optional<LineRule> line;
@@ -47,6 +48,7 @@ class RadioModem : public Device {
   void TakeByte(char byte, Moment now);
   void TakeCommandByte(char byte, Moment now);
   std::string Execute(const std::string& command);
+  std::string WriteRegisters();
   std::string UseRegister(const std::string& name, const std::string& value);
   void Answer(const std::string& text);
   void LeaveCommandMode(const std::string& why);

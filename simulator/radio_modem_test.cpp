@@ -36,7 +36,7 @@ TEST(RadioModem, Pluses_StartCommandModeBetweenSilencesOnly) {
       {{0, "++", ""}, {1000, "", ""}, {1001, "\r", "", "address 0: command \"++\""}},
   };
   for (const Scenes& scenes : cases) Perform(Modem(), scenes);
-  Perform(Modem(kQuick), {{0, "x", ""}, {10, "+++", ""}, {60, "", "OK\r"}});
+  Perform(Modem(kQuick), {{0, "x", ""}, {10, "+++", ""}, {30, "", ""}, {60, "", "OK\r"}});
 }
 
 TEST(RadioModem, Due_IsTheNextMomentAtWhichSomethingChanges) {
@@ -90,6 +90,14 @@ TEST(RadioModem, CommandMode_EndsByItselfAndHoldsRepliesBack) {
            {60, "", "OK\r"},
            {600, "ATMY\r", "0\r"},
            {601, "ATCN\r", "OK\rslow\r", "modem command \"ATCN\"; command mode ends: as told"}});
+}
+
+TEST(RadioModem, RegistersThatCannotBeWritten_AreAnError) {
+  Perform(Modem(R"(, "nonvolatile": "/nowhere/registers")"),
+          {{0, "+++", ""},
+           {50, "ATWR\rATMY\r", "OK\rERROR\r0\r",
+            "command mode begins; modem command \"ATWR\"; registers not written: /nowhere/registers: "
+            "Input/output error; modem command \"ATMY\""}});
 }
 
 TEST(RadioModem, FaultyAnswers_AreAsAsked) {
