@@ -73,8 +73,10 @@ std::string OmegaController::Read(const std::string& command) const {
 
 std::string OmegaController::Write(const std::string& block, char check) {
   if (BlockCheck(block) != check) return kNak + std::string(kEnd);
-  for (auto& [command, value] : values_) {
-    if (block.compare(0, command.size(), command) != 0) continue;
+  // Of names that begin alike the longest comes last, and counts.
+  for (auto named = values_.rbegin(); named != values_.rend(); ++named) {
+    auto& [command, value] = *named;
+    if (!block.starts_with(command)) continue;
     value = block.substr(command.size(), block.size() - command.size() - 1);
     return kAck + std::string(kEnd);
   }

@@ -25,8 +25,8 @@ class OmegaController : public Device {
   // Whether the block checks of its replies are right, or spoilt as on a noisy line.
   enum class Checks { kRight, kWrong };
 
-  // address: digits. values: by the command that reads and writes them; no command begins with another one's
-  // name.
+  // address: digits. values: by the command that reads and writes them; in a write, the longest command with
+  // which the block begins counts.
   OmegaController(std::string_view address, Values values, LineRule line, Checks checks = Checks::kRight);
 
   void Take(std::string_view bytes, Moment now) override;

@@ -70,6 +70,13 @@ TEST(OmegaController, CheckThatLooksLikeAControlByte_IsACheck) {
   }
 }
 
+TEST(OmegaController, LongestOfTheNamesThatBeginAlike_Counts) {
+  Perform(R"({"device": "omega", "address": "12", "values": {"S": "1", "SL": "100", "SLX": "5"}})",
+          {{0, Write("1122", "SL7") + Write("1122", "S8"), "\x06\r\n\x06\r\n"},
+           {0, Read("1122", "SL") + Read("1122", "S") + Read("1122", "SLX"),
+            Value("SL7") + Value("S8") + Value("SLX5")}});
+}
+
 TEST(OmegaController, WrongChecks_AreThoseOfItsRepliesOnly) {
   std::string spoilt = Value("SL100");
   spoilt[spoilt.size() - 3] = static_cast<char>(spoilt[spoilt.size() - 3] ^ 1);
