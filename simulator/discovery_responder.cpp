@@ -7,6 +7,7 @@
 #include <asio/detached.hpp>
 #include <asio/this_coro.hpp>
 #include <chrono>
+#include <span>
 #include <variant>
 
 #include "simulator/bytes_text.h"
@@ -28,6 +29,45 @@ Batch BatchFor(unsigned rate) {
   const std::size_t datagrams = std::max(1U, rate / 100);
   return Batch{datagrams, milliseconds((datagrams * 1000 + rate - 1) / rate)};
 }
+
+// The answer to one request, datagram by datagram.
+class Reply {
+ public:
+  Reply(DatagramPort& port, EventLog& log, const AnswerManner& manner, const asio::ip::udp::endpoint& to)
+      : port_(port), log_(log), manner_(manner), to_(to), batch_(BatchFor(manner.rate)) {}
+
+  asio::awaitable<void> Do(const Datagram& datagram) {
+    co_await SendMany(std::span(&datagram, 1), manner_.from ? manner_.from->size() : 1);
+  }
+  asio::awaitable<void> Do(const Storm& storm) { co_await SendMany(storm.datagrams, storm.count); }
+  asio::awaitable<void> Do(const Wait& wait) { co_await port_.Pause(wait.length); }
+
+ private:
+  asio::awaitable<void> SendMany(std::span<const Datagram> datagrams, std::size_t count) {
+    DiscoveryLog lines(log_, to_, manner_.from, count);
+    for (std::size_t i = 0; i < count; ++i) {
+      if (sent_ > 0 && sent_ % batch_.datagrams == 0) co_await port_.Pause(batch_.pause);
+      ++sent_;
+      const std::string_view bytes = datagrams[i % datagrams.size()].bytes;
+      const std::optional<asio::ip::address_v4> from =
+          manner_.from ? std::optional(manner_.from->At(i)) : std::nullopt;
+      const std::error_code error = co_await port_.Send(bytes, to_, from);
+      if (error) {
+        lines.Failed(from, error);
+      } else {
+        lines.Sent(from, bytes.size());
+      }
+    }
+    lines.Finish();
+  }
+
+  DatagramPort& port_;
+  EventLog& log_;
+  const AnswerManner& manner_;
+  const asio::ip::udp::endpoint to_;
+  const Batch batch_;
+  std::size_t sent_ = 0;
+};
 
 }  // namespace
 
@@ -53,40 +93,9 @@ asio::awaitable<void> DiscoveryResponder::Run() {
 }
 
 asio::awaitable<void> DiscoveryResponder::Answer(const DiscoveryList& actions, Endpoint to) {
+  Reply reply(port_, log_, manner_, to);
   for (const DiscoveryAction& action : actions)
-    co_await std::visit([this, to](const auto& kind) { return Do(kind, to); }, action);
-}
-
-asio::awaitable<void> DiscoveryResponder::Do(const Datagram& datagram, Endpoint to) {
-  const std::size_t count = manner_.from ? manner_.from->size() : 1;
-  co_await SendMany(std::span(&datagram, 1), count, to);
-}
-
-asio::awaitable<void> DiscoveryResponder::Do(const Storm& storm, Endpoint to) {
-  co_await SendMany(storm.datagrams, storm.count, to);
-}
-
-asio::awaitable<void> DiscoveryResponder::Do(const Wait& wait, Endpoint /*to*/) {
-  co_await port_.Pause(wait.length);
-}
-
-asio::awaitable<void> DiscoveryResponder::SendMany(std::span<const Datagram> datagrams, std::size_t count,
-                                                   Endpoint to) {
-  DiscoveryLog lines(log_, to, manner_.from, count);
-  const Batch batch = BatchFor(manner_.rate);
-  for (std::size_t i = 0; i < count; ++i) {
-    if (i > 0 && i % batch.datagrams == 0) co_await port_.Pause(batch.pause);
-    const std::string_view bytes = datagrams[i % datagrams.size()].bytes;
-    const std::optional<asio::ip::address_v4> from =
-        manner_.from ? std::optional(manner_.from->At(i)) : std::nullopt;
-    const std::error_code error = co_await port_.Send(bytes, to, from);
-    if (error) {
-      lines.Failed(from, error);
-    } else {
-      lines.Sent(from, bytes.size());
-    }
-  }
-  lines.Finish();
+    co_await std::visit([&reply](const auto& kind) { return reply.Do(kind); }, action);
 }
 
 }  // namespace kesp::simulator

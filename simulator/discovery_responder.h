@@ -4,7 +4,6 @@
 #include <asio/awaitable.hpp>
 #include <asio/ip/udp.hpp>
 #include <optional>
-#include <span>
 #include <string_view>
 
 #include "simulator/address_range.h"
@@ -39,10 +38,6 @@ class DiscoveryResponder {
   using Endpoint = asio::ip::udp::endpoint;
 
   asio::awaitable<void> Answer(const DiscoveryList& actions, Endpoint to);
-  asio::awaitable<void> Do(const Datagram& datagram, Endpoint to);
-  asio::awaitable<void> Do(const Storm& storm, Endpoint to);
-  asio::awaitable<void> Do(const Wait& wait, Endpoint to);
-  asio::awaitable<void> SendMany(std::span<const Datagram> datagrams, std::size_t count, Endpoint to);
 
   DatagramPort& port_;
   Instrument& instrument_;

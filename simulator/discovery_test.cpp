@@ -88,6 +88,11 @@ TEST_F(DiscoveryTest, EachAnswer_IsWhatItSays) {
        "",
        {kRequest},
        3},
+      {R"([{"send": "A"}, {"storm": [{"send": "B"}], "datagrams": 2}])",
+       R"(- "A"; pause 334; - "B"; pause 334; - "B")",
+       "",
+       {kRequest},
+       3},
   };
   for (const auto& [discovery, sent, from, datagrams, rate] : cases) {
     Answer(discovery, datagrams, from, rate);
