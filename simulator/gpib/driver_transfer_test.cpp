@@ -1,6 +1,7 @@
 // Commands, replies and faults of devices on the simulated bus, through the driver's calls.
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <functional>
 #include <string>
 #include <utility>
@@ -15,6 +16,16 @@ constexpr char kCommands[] = R"("commands": {"A?": "one", "B?": "two", "LONG?": 
 
 std::string Device(const std::string& members) {
   return R"({"gpib": {"primary": 5}, )" + members + "}";
+}
+
+// How many pages of memory the process uses.
+std::size_t ResidentPages() {
+  std::ifstream statistics("/proc/self/statm");
+  std::size_t all = 0;
+  std::size_t resident = 0;
+  statistics >> all >> resident;
+  EXPECT_GT(resident, 0U);
+  return resident;
 }
 
 class TransferTest : public DriverFixture {
@@ -100,6 +111,20 @@ TEST_F(TransferTest, EachDeviceAndFault_AnswersAsDescribed) {
   };
   for (const auto& [device, script, heard, sends_end] : cases)
     EXPECT_EQ(Talk(device, script, sends_end), heard) << device << " " << testing::PrintToString(script);
+}
+
+TEST_F(TransferTest, RepeatedReply_IsNotKeptInFull) {
+  Load(R"({"devices": [{"gpib": {"primary": 5}, "commands": {
+    "A?": [{"repeat": "0123456789", "bytes": 600000}], "B?": [{"repeat": "x", "bytes": 1073741824}]}}]})");
+  const std::int32_t device = Open(5);
+  Write(device, "A?\n");
+  std::string whole;
+  while (whole.size() < 600'000) whole += "0123456789";
+  EXPECT_TRUE(Read(device, 700'000) == whole + "\n");
+  EXPECT_NE(status_ & kEnd, 0);
+  const std::size_t before = ResidentPages();
+  Write(device, "B?\n");
+  EXPECT_LT(ResidentPages() - before, 4096U);
 }
 
 TEST_F(TransferTest, StatusByte_IsPolledAndAsksForServiceOnce) {

@@ -60,7 +60,8 @@ std::optional<SimulatedDevice::Sent> SimulatedDevice::Send(std::int64_t now) {
   const char byte = reply.bytes[reply.sent++];
   const bool is_last = reply.sent == reply.bytes.size();
   const bool has_end = is_last && reply.is_whole && end_;
-  if (is_last) replies_.pop_front();
+  if (is_last) reply.sent = 0;
+  if (is_last && --reply.times == 0) replies_.pop_front();
   return Sent{byte, has_end};
 }
 
@@ -76,9 +77,11 @@ void SimulatedDevice::Complete(std::int64_t now) {
   std::int64_t begins = now + delay_;
   for (const Step& step : StepsOf(instrument_.Command(name), name)) {
     begins += std::chrono::microseconds(step.pause).count();
-    if (step.bytes.empty()) later_.push_back({begins, step});
-    for (std::size_t i = 0; i < step.times && !step.bytes.empty(); ++i)
-      replies_.push_back({step.bytes, begins, step.is_whole});
+    if (step.bytes.empty()) {
+      later_.push_back({begins, step});
+    } else {
+      replies_.push_back({step.bytes, begins, step.is_whole, step.times});
+    }
   }
 }
 

@@ -51,7 +51,8 @@ class SimulatedDevice {
   struct Reply {
     std::string bytes;
     std::int64_t begins;
-    bool is_whole;  // nothing of the same message follows
+    bool is_whole;      // nothing of the same message follows
+    std::size_t times;  // how often it is still to be sent
     std::size_t sent = 0;
   };
 
