@@ -33,7 +33,7 @@ const Answer& Instrument::Find(std::string_view command) const {
   }
   if (longest != nullptr) return *longest;
   const bool query = !command.empty() && command.back() == '?';
-  return query ? personality_.unknown_query : personality_.unknown;
+  return query && personality_.unknown_query ? *personality_.unknown_query : personality_.unknown;
 }
 
 }  // namespace kesp::simulator

@@ -29,8 +29,8 @@ struct Personality {
   AnswersByName commands;
   // Answers to commands that begin so; the longest such name counts.
   AnswersByName prefixes;
-  // For commands not named above: those that end in "?", and the others.
-  Answer unknown_query;
+  // For commands not named above: those that end in "?", when there is one for them, and the others.
+  std::optional<Answer> unknown_query;
   Answer unknown;
 
   // On a bus.

@@ -78,8 +78,9 @@ Personality ReadPersonality(const Entry& entry, Place place) {
   const std::string usual = personality.address ? "\n" : "\r";
   personality.terminator = fields.TextOr("terminator", usual);
   const std::optional<Entry> terminator = fields.Find("terminator");
-  if (terminator && terminator->IsText("") && !personality.address) terminator->Wrong("must not be empty");
   if (personality.address && place == Place::kOwnLine) place = Place::kBus;
+  if (terminator && terminator->IsText("") && (!personality.address || place != Place::kBus))
+    terminator->Wrong("must not be empty");
   const AnswerForm form{fields.TextOr("reply_terminator", usual), place};
   if (!personality.address) RefuseThoseOfABus(fields);
   personality.end = fields.YesOrNoOr("end", personality.end);
@@ -89,13 +90,12 @@ Personality ReadPersonality(const Entry& entry, Place place) {
   if (const std::optional<Entry> answer = fields.Find("discovery"))
     personality.discovery = ReadDiscoveryAnswer(*answer);
 
-  const auto answer = [&](const char* name, const Answer& otherwise) {
-    const std::optional<Entry> found = fields.Find(name);
-    return found ? ReadAnswer(*found, form) : otherwise;
-  };
-  personality.on_connect = answer("on_connect", personality.on_connect);
-  personality.unknown = answer("default", personality.unknown);
-  personality.unknown_query = answer("default_query", personality.unknown);
+  if (const std::optional<Entry> answer = fields.Find("on_connect"))
+    personality.on_connect = ReadAnswer(*answer, form);
+  if (const std::optional<Entry> answer = fields.Find("default"))
+    personality.unknown = ReadAnswer(*answer, form);
+  if (const std::optional<Entry> answer = fields.Find("default_query"))
+    personality.unknown_query = ReadAnswer(*answer, form);
   if (const std::optional<Entry> commands = fields.Find("commands"))
     ReadCommands(*commands, form, personality);
   fields.Finish();

@@ -24,6 +24,7 @@ TEST(PlayedDevice, EachMemberAndAction_DoesWhatItSays) {
       {R"({"commands": {"A?": "1", "": "empty", "\u00B5?": null, "B": []}, "default": "no"})",
        {{0, "A?\r\r\xB5?\rB\ra?\r", "1\rempty\rno\r"}}},
       {R"({"default_query": "what?", "default": "what!"})", {{0, "A?\rA\r?\r", "what?\rwhat!\rwhat?\r"}}},
+      {R"({"default": {"cycle": ["1", "2"]}})", {{0, "A?\rA\rA?\r", "1\r2\r1\r"}}},
       {R"({"terminator": "<>", "reply_terminator": "\r\n", "commands": {"A": "\u0081"}})",
        {{0, "A<", ""}, {1, ">A<>", "\x81\r\n\x81\r\n"}}},
       {R"({"reply_terminator": "", "on_connect": "hello", "default": "x"})",
@@ -57,6 +58,8 @@ TEST(PlayedDevice, EachMemberAndAction_DoesWhatItSays) {
         {1, "B\r", "1\r%2"},
         {9, "", "3"},
         {19, "", "\r"}}},
+      {Commands(R"("A": [{"merge_next": true}, {"send": "1"}], "B": [{"repeat": "x", "bytes": 600000}])"),
+       {{0, "A\r", ""}, {1, "B\r", "1\r" + std::string(600'000, 'x') + "\r"}}},
       // A description that is for the bus as well is played at a line, too.
       {R"({"gpib": {"primary": 5}, "commands": {"A": [{"status_byte": 80}, {"send": "1"}]}})",
        {{0, "A\n", "1\n"}}},
