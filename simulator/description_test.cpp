@@ -53,6 +53,8 @@ TEST(Description, EachMistake_IsToldWithItsPlace) {
       {R"({"comands": {}})", "/comands: is not a known member"},
       {R"({"description": ["a", 5]})", "/description: must be a text or a list of texts"},
       {R"({"terminator": ""})", "/terminator: must not be empty"},
+      {R"({"device": "radio_modem", "behind": {"1": {"gpib": {"primary": 5}, "terminator": ""}}})",
+       "/behind/1/terminator: must not be empty"},
       {R"({"terminator": 13})", "/terminator: must be a text"},
       {R"({"commands": []})", "/commands: must be an object"},
       {R"({"commands": {"A?": 1}})", "/commands/A?: " + answer},
@@ -92,6 +94,7 @@ TEST(Description, EachMistake_IsToldWithItsPlace) {
       {R"({"line": {"baud": 50, "data_bits": 9}})", "/line/data_bits: " + whole("5", "8")},
       {R"({"line": {"baud": 50, "stop_bits": 3}})", "/line/stop_bits: " + whole("1", "2")},
       {R"({"discovery": [{"close": true}]})", "/discovery/0: " + datagram},
+      {R"({"discovery": [{"wait_ms": 5, "random": 3}]})", "/discovery/0/random: is not a known member"},
       {R"({"discovery": [{"repeat": "x", "bytes": 65508}]})",
        "/discovery/0: makes a datagram of 65508 bytes; 65507 is the most"},
       {R"({"discovery": [{"storm": [], "datagrams": 1}]})",
@@ -113,6 +116,9 @@ TEST(Description, EachMistake_IsToldWithItsPlace) {
        "/registers/XX: is not a known member"},
       {R"({"device": "radio_modem", "behind": {}, "registers": {"DL": "123456789"}})",
        "/registers/DL: must be a hexadecimal number of at most 8 digits"},
+      {R"({"device": "radio_modem", "behind": {"1": {}, "01": {}}})",
+       "/behind/01: has the address of another device"},
+      {R"({"device": "radio_modem", "behind": {}, "nonvolatile": "/"})", "/nonvolatile: /: cannot be read"},
       {R"({"device": "radio_modem", "behind": {}, "answers": "some"})",
        "/answers: must be \"whole\", \"none\", \"half_ok\" or \"no_cr\""},
       {behind + R"("reset": true}]}}})", "/behind/1/default/0: would end the line of the device before it"},
@@ -135,6 +141,8 @@ TEST(Description, EachMistake_IsToldWithItsPlace) {
        "/ports/ABC: must have a name of one or two characters"},
       {R"({"device": "port_switch", "model": 4, "ports": {"A": {}, "B": {}, "C": {}, "D": {}, "E": {}}})",
        "/ports: has more ports than the model"},
+      {R"({"device": "port_switch", "model": 6, "ports": {"A": {}, "0A": {}}})",
+       "/ports/0A: has the name of another port"},
       {R"({"device": "port_switch", "model": 4, "ports": {"A": "/nowhere.json"}})",
        "/ports/A: /nowhere.json: cannot be read"},
       {R"({"devices": {}})", "/devices: must be a list"},
@@ -203,13 +211,17 @@ class DescriptionFiles : public testing::Test {
 
 TEST_F(DescriptionFiles, MistakesInFilesThatOthersName_AreToldWithTheirNames) {
   const std::string inner = Write("inner.json", "{\n\"bogus\": 1}");
+  const std::string itself = Write("itself.json", "\"itself.json\"");
   Write("modem.json", R"({"device": "radio_modem", "behind": {}})");
-  EXPECT_EQ(
-      MistakesIn(R"({"device": "port_switch", "model": 4, "ports": {"A": "inner.json", "B": "modem.json"}})",
-                 folder_),
-      inner +
-          ":2: /bogus: is not a known member\n"
-          "d:1: /ports/B: names a device; write it here instead");
+  EXPECT_EQ(MistakesIn(R"({"device": "port_switch", "model": 4, "ports": {
+  "A": "inner.json", "B": "modem.json", "C": "itself.json"}, "line": {}, "x": 1})",
+                       folder_),
+            inner +
+                ":2: /bogus: is not a known member\n"
+                "d:2: /ports/B: names a device; write it here instead\n"
+                "d:2: /line/baud: is missing\n"
+                "d:2: /x: is not a known member\n" +
+                itself + ":1: /: must be an object");
 }
 
 // A description that is read in all its parts is played in played_device_test.cpp and its like.
@@ -235,11 +247,12 @@ TEST(Description, LineAndBus_AreRead) {
 }
 
 TEST_F(DescriptionFiles, FilesThatAreNamed_AreLookedForBesideTheFile) {
-  Write("scale.json", R"({"commands": {"W?": "12.0"}})");
-  Write("registers", "DL=A\n");
-  Perform(*DeviceOf(ReadDescription(
-              R"({"device": "radio_modem", "behind": {"A": "scale.json"}, "nonvolatile": "registers"})", "d",
-              folder_)),
+  Write("B\u00E4r \u03A9.json", R"({"commands": {"W?": "12.0"}})");
+  Write("r\u00E9gistres", "DL=A\n");
+  Perform(*DeviceOf(
+              ReadDescription("{\"device\": \"radio_modem\", \"behind\": {\"A\": \"B\u00E4r \\u03A9.json\"}, "
+                              "\"nonvolatile\": \"r\u00E9gistres\"}",
+                              "d", folder_)),
           {{0, "W?\r", "12.0\r"}});
 }
 

@@ -1,6 +1,7 @@
 // Reads the devices that are more than a list of answers.
 #include "simulator/device_reader.h"
 
+#include <algorithm>
 #include <iterator>
 #include <string_view>
 #include <utility>
@@ -35,21 +36,23 @@ fs::path PathIn(const fs::path& folder, const std::string& utf8) {
   return folder / fs::path(std::u8string(utf8.begin(), utf8.end()));
 }
 
+// An instrument that stands at another device's line.
+std::unique_ptr<Device> ReadBehind(const Entry& entry) {
+  return std::make_unique<PlayedDevice>(
+      std::make_shared<Instrument>(ReadPersonality(entry, Place::kBehindAnother)), Place::kBehindAnother);
+}
+
 // A device, or an instrument that stands at another device's line: an object, or the name of its file.
 std::unique_ptr<Device> ReadAttached(const Entry& entry, const fs::path& folder) {
-  if (!entry.Is(Value::Kind::kText)) {
-    if (IsDevice(entry)) return ReadDevice(entry, folder);
-    return std::make_unique<PlayedDevice>(
-        std::make_shared<Instrument>(ReadPersonality(entry, Place::kBehindAnother)), Place::kBehindAnother);
-  }
-  const fs::path path = PathIn(folder, entry.Text());
+  if (!entry.Is(Value::Kind::kText)) return IsDevice(entry) ? ReadDevice(entry, folder) : ReadBehind(entry);
+  const fs::path path = PathIn(folder, entry.Utf8Text());
   const std::string file = path.string();
   try {
     const std::optional<Value> value = ParseJson(ContentsOf(path), file, entry.problems());
     if (!value) return nullptr;
     const Entry whole(*value, "", file, entry.problems());
-    // Files could name each other in a circle.
-    if (!IsDevice(whole)) return ReadAttached(whole, folder);
+    // An instrument names no further files, so that no circle comes of it.
+    if (!IsDevice(whole)) return ReadBehind(whole);
     entry.Wrong("names a device; write it here instead");
   } catch (const DescriptionError& error) {
     entry.Wrong(error.what());
@@ -122,7 +125,7 @@ std::unique_ptr<Device> ReadModem(Fields& fields, const fs::path& folder) {
   if (const std::optional<Entry> registers = fields.Find("registers"))
     setup.registers = ReadRegisters(*registers);
   if (const std::optional<Entry> file = fields.Find("nonvolatile")) {
-    const ModemMemory memory(PathIn(folder, file->Text()));
+    const ModemMemory memory(PathIn(folder, file->Utf8Text()));
     try {
       for (const auto& [name, value] : memory.Load()) setup.registers[name] = value;
     } catch (const DescriptionError& error) {
@@ -132,8 +135,10 @@ std::unique_ptr<Device> ReadModem(Fields& fields, const fs::path& folder) {
   }
   if (const std::optional<Entry> behind = fields.Need("behind")) {
     const Fields must_be_an_object(*behind);
-    for (const auto& [name, device] : behind->Members())
-      setup.behind[HexadecimalAt(name, device)] = ReadAttached(device, folder);
+    for (const auto& [name, device] : behind->Members()) {
+      if (!setup.behind.emplace(HexadecimalAt(name, device), ReadAttached(device, folder)).second)
+        device.Wrong("has the address of another device");
+    }
   }
   return std::make_unique<RadioModem>(std::move(setup));
 }
@@ -144,16 +149,20 @@ std::unique_ptr<Device> ReadSwitch(Fields& fields, const fs::path& folder) {
     model = number->Whole({4, 8});
     if (model % 2 != 0) number->Wrong("must be 4, 6 or 8");
   }
+  const PortNames names = model == kPlainModel ? PortNames::kPlain : PortNames::kTwoDigits;
   PortSwitch::Ports ports;
   if (const std::optional<Entry> named = fields.Need("ports")) {
     const Fields must_be_an_object(*named);
     for (const auto& [name, device] : named->Members()) {
       if (name.empty() || name.size() > 2) device.Wrong("must have a name of one or two characters");
+      const auto is_the_same = [&](const auto& port) {
+        return Written(names, port.first) == Written(names, name);
+      };
+      if (std::any_of(ports.begin(), ports.end(), is_the_same)) device.Wrong("has the name of another port");
       ports[name] = ReadAttached(device, folder);
     }
     if (ports.size() > static_cast<std::size_t>(model)) named->Wrong("has more ports than the model");
   }
-  const PortNames names = model == kPlainModel ? PortNames::kPlain : PortNames::kTwoDigits;
   return std::make_unique<PortSwitch>(names, std::move(ports), LineOf(fields));
 }
 

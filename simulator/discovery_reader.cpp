@@ -18,18 +18,20 @@ bool IsDatagram(const Entry& entry) {
                      [&entry](std::string_view name) { return entry.Member(name).has_value(); });
 }
 
-// What is a datagram by IsDatagram is one of two actions.
+// What is a datagram by IsDatagram is one of two actions, or has members of two, which is noted already.
 Datagram ReadDatagram(const Entry& entry) {
   const Action action = ReadAction(entry, AnswerForm{"", Place::kOwnLine});
   const auto* repeated = std::get_if<SendRepeated>(&action);
+  const auto* sent = std::get_if<Send>(&action);
+  if (repeated == nullptr && sent == nullptr) return {};
   const std::size_t length =
-      repeated != nullptr ? repeated->total + repeated->end.size() : std::get<Send>(action).bytes.size();
+      repeated != nullptr ? repeated->total + repeated->end.size() : sent->bytes.size();
   if (length > kLongestDatagram) {
     entry.Wrong("makes a datagram of " + std::to_string(length) + " bytes; " +
                 std::to_string(kLongestDatagram) + " is the most");
     return {};
   }
-  if (repeated == nullptr) return Datagram{std::get<Send>(action).bytes};
+  if (repeated == nullptr) return Datagram{sent->bytes};
   std::string bytes;
   while (!repeated->pattern.empty() && bytes.size() < repeated->total) bytes += repeated->pattern;
   bytes.resize(repeated->total);

@@ -25,12 +25,13 @@ void Entry::Missing(std::string_view name) const {
   problems_->Add(*file_, value_->line, place_ + "/" + std::string(name), "is missing");
 }
 
+std::string Entry::Utf8Text() const {
+  if (!Is(Kind::kText)) Wrong("must be a text");
+  return value_->text;
+}
+
 std::string Entry::Text() const {
-  if (!Is(Kind::kText)) {
-    Wrong("must be a text");
-    return {};
-  }
-  const std::optional<std::string> bytes = BytesFromText(value_->text);
+  const std::optional<std::string> bytes = BytesFromText(Utf8Text());
   if (!bytes) Wrong(kBytesOnly);
   return bytes.value_or("");
 }

@@ -35,6 +35,8 @@ class Entry {
   // Notes a mistake that only later shows where this value would have to be.
   void Missing(std::string_view name) const;
 
+  // A text as it is, for names of files.
+  std::string Utf8Text() const;
   // The bytes meant by a text, one for each character.
   std::string Text() const;
   // The bytes meant by a text of hexadecimal pairs.

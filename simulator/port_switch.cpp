@@ -15,6 +15,11 @@ constexpr std::size_t kLongestCommand = 16;
 
 }  // namespace
 
+std::string Written(PortNames names, const std::string& name) {
+  if (names == PortNames::kPlain || name.size() >= 2) return name;
+  return "0" + name;
+}
+
 PortSwitch::PortSwitch(PortNames names, Ports ports, std::optional<LineRule> line)
     : names_(names), line_(line), ports_(std::move(ports)), selected_(ports_.end()) {}
 
@@ -65,7 +70,7 @@ void PortSwitch::Obey() {
     return;
   }
   for (auto port = ports_.begin(); port != ports_.end(); ++port) {
-    if (text != Written(port->first) + "\r") continue;
+    if (text != Written(names_, port->first) + "\r") continue;
     selected_ = port;
     deeds_.push_back({"selected " + port->first, {}});
     return;
@@ -80,11 +85,6 @@ void PortSwitch::PassOn(std::string_view bytes, Moment now) {
   }
   selected_->second->Take(bytes, now);
   Hear(now);
-}
-
-std::string PortSwitch::Written(const std::string& name) const {
-  if (names_ == PortNames::kPlain || name.size() >= 2) return name;
-  return "0" + name;
 }
 
 }  // namespace kesp::simulator

@@ -16,6 +16,9 @@ enum class PortNames {
   kTwoDigits,  // six or eight: the name in two characters ("0A"), released by ESC STX STX EOT
 };
 
+// How the name of a port is written in a command.
+std::string Written(PortNames names, const std::string& name);
+
 // Takes ESC STX name CR, which selects a port, and the release; a name that it has not changes nothing. All
 // other bytes go to the instrument at the selected port and come from there; without one they are lost.
 class PortSwitch : public Device {
@@ -36,7 +39,6 @@ class PortSwitch : public Device {
   void PassOn(std::string_view bytes, Moment now);
   // Takes what the instruments do; what comes from a port that is not selected is lost.
   void Hear(Moment now);
-  std::string Written(const std::string& name) const;
 
   const PortNames names_;
   const std::optional<LineRule> line_;
