@@ -15,6 +15,10 @@ std::vector<std::string> BeginProgram(int argc, char** argv) {
 void AddEndingSignals(asio::signal_set& signals) {
   signals.add(SIGINT);
   signals.add(SIGTERM);
+  // The terminal that is closed; nohup has it ignored, which stays so.
+  struct sigaction before {};
+  sigaction(SIGHUP, nullptr, &before);
+  if (before.sa_handler != SIG_IGN) signals.add(SIGHUP);
 }
 
 const int kAddressNotAvailable = EADDRNOTAVAIL;
