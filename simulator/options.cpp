@@ -40,11 +40,6 @@ constexpr char kMoreOfServe[] =
     "end\n"
     "with a carriage return.\n";
 
-constexpr char kAboutCheck[] =
-    "Tells every mistake of a description as \"FILE:LINE: MEMBER: what is wrong\".";
-
-constexpr char kAboutExample[] = "Writes a commented description to start from.";
-
 constexpr char kMoreOfWire[] =
     "It prints \"listening on ADDRESS:PORT\". For each client it makes a serial line, linked under the path, "
     "sends\n"
