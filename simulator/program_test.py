@@ -14,7 +14,7 @@ import termios
 import time
 import unittest
 
-from program_tester import (EXAMPLES, LIMIT_SECONDS, ROOT, SKIPPED, TOOLS, Line, Program, Seeker, com_port_link,
+from program_tester import (EXAMPLES, LIMIT_SECONDS, NATIVE, ROOT, SKIPPED, TOOLS, Line, Program, Seeker, com_port_link,
                             serial_line, set_line, start_wine, tcp_line)
 
 BITS = None  # of Wine
@@ -220,6 +220,16 @@ class ProgramTest(unittest.TestCase):
         self.assertLess(time.monotonic() - begin, 6)  # one after the other: eight seconds
         program.interrupt()  # with clients in every state
         self.assertEqual(program.end()[0], 0)
+
+    @unittest.skipUnless(len(sys.argv) > 1 and sys.argv[1] == "native", "Linux alone can be told which ports to deny")
+    def test_free_port_is_looked_for_past_those_that_are_denied(self):
+        own_network = ["unshare", "--map-root-user", "--net", "sh", "-c",
+                       "ip link set lo up && sysctl -qw net.ipv4.ip_unprivileged_port_start=32000 && "
+                       'exec setpriv --bounding-set=-net_bind_service --inh-caps=-net_bind_service "$0" --quiet']
+        if subprocess.run([*own_network[:3], "true"], capture_output=True, check=False).returncode:
+            self.skipTest("this machine makes no networks of a test's own")
+        with Program(command=[*own_network, NATIVE]) as program:
+            self.assertEqual(program.port(), 32000)
 
     def test_close_delivers_the_reply_also_when_more_input_waits(self):
         program = self.start("--quiet", self.write("""{"commands": {

@@ -46,7 +46,8 @@ tcp::acceptor Listen(asio::io_context& io, const std::string& address, std::uint
     const auto picked = static_cast<std::uint16_t>(kFirstPickedPort + (start + i) % kCount);
     tcp::acceptor acceptor = ListenOn(io, tcp::endpoint(ip, picked), error);
     if (!error) return acceptor;
-    if (error != asio::error::address_in_use) break;
+    // Windows keeps some ranges of ports for itself, and denies them.
+    if (error != asio::error::address_in_use && error != asio::error::access_denied) break;
   }
   throw asio::system_error(error);
 }
