@@ -265,7 +265,7 @@ class ProgramTest(unittest.TestCase):
                                 r'[^#]*#1 reply "21.5\\r" \(5 bytes, 1 piece\)\n[^#]*#1 closed by the client\n')
 
     def test_signals_end_it(self):
-        for number in (signal.SIGINT,) if BITS else (signal.SIGINT, signal.SIGTERM):
+        for number in (signal.SIGINT,) if BITS else (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             program = self.start("--quiet", "--bind", "127.0.0.1")
             with tcp_line(program.port()) as line:
                 self.assertEqual(line.ask("*VER"), "1.0")
