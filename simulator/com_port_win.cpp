@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <system_error>
 
 namespace kesp::simulator {
@@ -71,6 +72,17 @@ void ComPortCarrier::End(Ending /*ending*/) {
 std::optional<LineSettings> ComPortCarrier::Line() const {
   if (!stream_.is_open()) return std::nullopt;
   return settings_;
+}
+
+// A read that is under way takes what comes; only without one there is something left.
+std::string ComPortCarrier::Rest() {
+  COMSTAT status{};
+  DWORD faults = 0;
+  if (!stream_.is_open() || !ClearCommError(stream_.native_handle(), &faults, &status)) return {};
+  std::string rest(std::min<std::size_t>(status.cbInQue, kInputLength), '\0');
+  asio::error_code error;
+  if (!rest.empty()) rest.resize(stream_.read_some(asio::buffer(rest), error));
+  return rest;
 }
 
 }  // namespace kesp::simulator

@@ -23,6 +23,7 @@ class ComPortCarrier : public StreamCarrier<asio::serial_port> {
   void End(Ending ending) override;
   // How the port is set; of the client's end nothing can be known.
   std::optional<LineSettings> Line() const override;
+  std::string Rest() override;
 
  private:
   const std::string name_;
