@@ -58,6 +58,19 @@ class SchemaTest(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             path = pathlib.Path(folder) / "mistake.json"
             for mistake in MISTAKES:
+    def test_what_is_unusual_passes_both(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = pathlib.Path(folder) / "unusual.json"
+            (pathlib.Path(folder) / "\u03a9.json").write_text("{}")
+            for unusual in ({"device": "radio_modem", "behind": {"1": "\u03a9.json"}, "nonvolatile": "\u03a8",
+                             "registers": {"description": "a text", "DL": "1"}},
+                            {"device": "port_switch", "model": 4, "ports": {"A": "\u03a9.json"}}):
+                with self.subTest(unusual=unusual):
+                    self.assertEqual([error.message for error in self.schema.iter_errors(unusual)], [])
+                    path.write_text(json.dumps(unusual))
+                    said = self.check(path)
+                    self.assertEqual((said.returncode, said.stderr), (0, ""))
+
                 with self.subTest(mistake=mistake):
                     self.assertFalse(self.schema.is_valid(mistake))
                     path.write_text(json.dumps(mistake))
