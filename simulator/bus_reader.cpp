@@ -24,13 +24,6 @@ std::optional<std::int32_t> Number(Fields& fields, std::string_view name, Range 
   return static_cast<std::int32_t>(*number);
 }
 
-// The items of a list that may be left out.
-std::vector<Entry> ListOf(Fields& fields, std::string_view name) {
-  const std::optional<Entry> list = fields.Find(name);
-  if (list && !list->Is(Value::Kind::kList)) list->Wrong("must be a list");
-  return list ? list->Items() : std::vector<Entry>();
-}
-
 std::optional<gpib::CallName> ReadCallName(Fields& fields) {
   const std::optional<Entry> call = fields.Need("call");
   const std::string name = call ? call->Text() : "*";
@@ -53,7 +46,7 @@ gpib::Failure ReadFailure(const Entry& entry) {
 }
 
 void ReadDevices(Fields& fields, gpib::BusDescription& bus) {
-  for (const Entry& entry : ListOf(fields, "devices")) {
+  for (const Entry& entry : fields.List("devices")) {
     if (entry.Member("device")) {
       entry.Wrong("is a device at a serial line; on a bus there are instruments only");
       continue;
@@ -78,8 +71,8 @@ gpib::BusDescription ReadBus(const Entry& entry) {
   Fields fields(entry);
   gpib::BusDescription bus;
   ReadDevices(fields, bus);
-  for (const Entry& failure : ListOf(fields, "failures")) bus.failures.push_back(ReadFailure(failure));
-  for (const Entry& result : ListOf(fields, "registration"))
+  for (const Entry& failure : fields.List("failures")) bus.failures.push_back(ReadFailure(failure));
+  for (const Entry& result : fields.List("registration"))
     bus.registration.push_back(static_cast<std::int32_t>(result.Whole(kResult)));
   bus.secondary_offset_required = fields.YesOrNoOr("secondary_offset_required", false);
   bus.record = fields.YesOrNoOr("record", true);

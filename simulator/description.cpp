@@ -8,6 +8,7 @@
 #include "simulator/bus_reader.h"
 #include "simulator/description_error.h"
 #include "simulator/device_reader.h"
+#include "simulator/network_reader.h"
 #include "simulator/personality_reader.h"
 
 namespace kesp::simulator {
@@ -44,6 +45,7 @@ Description ReadDescription(const std::string& json, const std::string& name,
                             const std::filesystem::path& folder) {
   return Reading(json, name, [&folder](const Entry& entry) -> Description {
     if (IsDevice(entry)) return ReadDevice(entry, folder);
+    if (IsNetwork(entry)) return ReadNetwork(entry);
     if (IsBus(entry)) return ReadBus(entry);
     return ReadPersonality(entry, Place::kOwnLine);
   });

@@ -8,13 +8,15 @@
 
 #include "simulator/device.h"
 #include "simulator/gpib/bus_description.h"
+#include "simulator/network_description.h"
 #include "simulator/personality.h"
 
 namespace kesp::simulator {
 
-// An instrument, a device that is more than a list of answers, or a bus. All functions here throw
+// An instrument, a device that is more than a list of answers, a bus, or a network. All functions here throw
 // DescriptionError, with every mistake there is.
-using Description = std::variant<Personality, std::unique_ptr<Device>, gpib::BusDescription>;
+using Description =
+    std::variant<Personality, std::unique_ptr<Device>, gpib::BusDescription, NetworkDescription>;
 
 Description LoadDescription(const std::filesystem::path& file);
 

@@ -48,6 +48,8 @@ TEST(Description, EachMistake_IsToldWithItsPlace) {
   const auto device = [](const std::string& members) {
     return R"({"devices": [{"gpib": {"primary": 5}, )" + members + "}]}";
   };
+  const std::string host = "must be an IPv4 address such as 127.0.0.2";
+  const auto network = [](const std::string& devices) { return R"({"devices": [)" + devices + "]}"; };
   const Mistake mistakes[] = {
       {"[]", "/: must be an object"},
       {R"({"comands": {}})", "/comands: is not a known member"},
@@ -145,6 +147,22 @@ TEST(Description, EachMistake_IsToldWithItsPlace) {
        "/ports/0A: has the name of another port"},
       {R"({"device": "port_switch", "model": 4, "ports": {"A": "/nowhere.json"}})",
        "/ports/A: /nowhere.json: cannot be read"},
+      {network(R"({"tcp": {"port": 1}}, {})"), "/devices/1/tcp: is missing"},
+      {network(R"({"tcp": {}})"), "/devices/0/tcp/port: is missing"},
+      {network(R"({"tcp": {"port": 0}})"), "/devices/0/tcp/port: " + whole("1", "65535")},
+      {network(R"({"tcp": {"port": 1, "host": "127.0.0.256"}})"), "/devices/0/tcp/host: " + host},
+      {network(R"({"tcp": {"port": 1, "host": "127.0.0.01"}})"), "/devices/0/tcp/host: " + host},
+      {network(R"({"tcp": {"port": 1, "host": "127.0.0.1.1"}})"), "/devices/0/tcp/host: " + host},
+      {network(R"({"tcp": {"port": 1, "hots": "127.0.0.1"}})"), "/devices/0/tcp/hots: is not a known member"},
+      {network(R"({"tcp": {"port": 1}}, {"tcp": {"host": "127.0.0.1", "port": 1}})"),
+       "/devices/1: has the address of another device"},
+      {network(R"({"tcp": {"port": 1}, "terminator": ""})"), "/devices/0/terminator: must not be empty"},
+      {network(R"({"tcp": {"port": 1}, "gpib": {"primary": 5}})"),
+       "/devices/0/gpib: is an address on a bus, which goes without \"tcp\""},
+      {network(R"({"tcp": {"port": 1}}, {"device": "omega"})"),
+       "/devices/1: is a device at a serial line; on a network there are instruments only"},
+      {R"({"devices": [{"tcp": {"port": 1}}], "failures": []})", "/failures: is not a known member"},
+      {R"({"tcp": {"port": 1}})", "/tcp: is not a known member"},
       {R"({"devices": {}})", "/devices: must be a list"},
       {R"({"devices": [{}]})", "/devices/0/gpib: is missing"},
       {R"({"devices": [{"gpib": {}}]})", "/devices/0/gpib/primary: is missing"},
@@ -246,6 +264,17 @@ TEST(Description, LineAndBus_AreRead) {
             (gpib::Address{30, 30}));
 }
 
+TEST(Description, Network_HasAddressesAndAnswersToDiscoveryWhereGiven) {
+  const auto network = std::get<NetworkDescription>(ReadDescription(
+      R"({"devices": [{"tcp": {"port": 10001}, "discovery": "x"}, {"tcp": {"host": "0.0.0.0", "port": 65535}}]})",
+      "d"));
+  ASSERT_EQ(network.devices.size(), 2U);
+  EXPECT_EQ(network.devices[0].address, (TcpAddress{"127.0.0.1", 10001}));
+  EXPECT_EQ(network.devices[1].address, (TcpAddress{"0.0.0.0", 65535}));
+  EXPECT_EQ(network.devices[0].personality.discovery.turns.at(0).size(), 1U);
+  EXPECT_TRUE(network.devices[1].personality.discovery.turns.at(0).empty());
+}
+
 TEST_F(DescriptionFiles, FilesThatAreNamed_AreLookedForBesideTheFile) {
   Write("B\u00E4r \u03A9.json", R"({"commands": {"W?": "12.0"}})");
   Write("r\u00E9gistres", "DL=A\n");
@@ -259,7 +288,7 @@ TEST_F(DescriptionFiles, FilesThatAreNamed_AreLookedForBesideTheFile) {
 TEST(Examples, AllAreDescriptionsThatStandAlone) {
   for (const Example& example : Examples())
     EXPECT_EQ(MistakesIn(std::string(example.text), "/nowhere"), "") << example.kind;
-  EXPECT_EQ(Examples().size(), 5U);
+  EXPECT_EQ(Examples().size(), 6U);
 }
 
 TEST(Examples, FilesForLines_AnswerAsTheySay) {

@@ -1,4 +1,4 @@
-// Answers discovery datagrams as the instrument's personality says.
+// Answers discovery datagrams as the personalities of the instruments say.
 #include "simulator/discovery_responder.h"
 
 #include <algorithm>
@@ -8,6 +8,7 @@
 #include <asio/this_coro.hpp>
 #include <chrono>
 #include <span>
+#include <utility>
 #include <variant>
 
 #include "simulator/bytes_text.h"
@@ -71,9 +72,8 @@ class Reply {
 
 }  // namespace
 
-DiscoveryResponder::DiscoveryResponder(DatagramPort& port, Instrument& instrument, EventLog& log,
-                                       const AnswerManner& manner)
-    : port_(port), instrument_(instrument), log_(log), manner_(manner) {}
+DiscoveryResponder::DiscoveryResponder(DatagramPort& port, std::vector<Answerer> answerers, EventLog& log)
+    : port_(port), answerers_(std::move(answerers)), log_(log) {}
 
 asio::awaitable<void> DiscoveryResponder::Run() {
   const asio::any_io_executor executor = co_await asio::this_coro::executor;
@@ -84,7 +84,8 @@ asio::awaitable<void> DiscoveryResponder::Run() {
       co_await port_.Pause(milliseconds(50));
     } else if (received.bytes == kDiscoveryRequest) {
       log_.Line(0, "discovery from " + TextOf(received.from));
-      asio::co_spawn(executor, Answer(instrument_.Discovered(), received.from), asio::detached);
+      for (const Answerer& answerer : answerers_)
+        asio::co_spawn(executor, Answer(answerer, received.from), asio::detached);
     } else {
       log_.Line(0, "no discovery from " + TextOf(received.from) + ": " + Quoted(received.bytes) + " (" +
                        Counted(received.bytes.size(), "byte") + ")");
@@ -92,9 +93,9 @@ asio::awaitable<void> DiscoveryResponder::Run() {
   }
 }
 
-asio::awaitable<void> DiscoveryResponder::Answer(const DiscoveryList& actions, Endpoint to) {
-  Reply reply(port_, log_, manner_, to);
-  for (const DiscoveryAction& action : actions)
+asio::awaitable<void> DiscoveryResponder::Answer(const Answerer& answerer, Endpoint to) {
+  Reply reply(port_, log_, answerer.manner, to);
+  for (const DiscoveryAction& action : answerer.instrument.Discovered())
     co_await std::visit([&reply](const auto& kind) { return reply.Do(kind); }, action);
 }
 

@@ -1,10 +1,11 @@
-// Answers discovery datagrams as the instrument's personality says.
+// Answers discovery datagrams as the personalities of the instruments say.
 #pragma once
 
 #include <asio/awaitable.hpp>
 #include <asio/ip/udp.hpp>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "simulator/address_range.h"
 #include "simulator/datagram_port.h"
@@ -25,11 +26,18 @@ struct AnswerManner {
   unsigned rate = 0;
 };
 
-// Answers each request in its own time, so that a late answer does not hold up the next request, and logs
-// requests and answers. All that is handed in must outlive it, and it must outlive the run of the io_context.
+// An instrument that answers. It must live as long as the responder.
+struct Answerer {
+  Instrument& instrument;
+  AnswerManner manner;
+};
+
+// Has each instrument answer each request in its own time, so that a late answer does not hold up the others
+// or the next request, and logs requests and answers. All that is handed in must outlive it, and it must
+// outlive the run of the io_context.
 class DiscoveryResponder {
  public:
-  DiscoveryResponder(DatagramPort& port, Instrument& instrument, EventLog& log, const AnswerManner& manner);
+  DiscoveryResponder(DatagramPort& port, std::vector<Answerer> answerers, EventLog& log);
 
   // Never ends by itself.
   asio::awaitable<void> Run();
@@ -37,12 +45,11 @@ class DiscoveryResponder {
  private:
   using Endpoint = asio::ip::udp::endpoint;
 
-  asio::awaitable<void> Answer(const DiscoveryList& actions, Endpoint to);
+  asio::awaitable<void> Answer(const Answerer& answerer, Endpoint to);
 
   DatagramPort& port_;
-  Instrument& instrument_;
+  const std::vector<Answerer> answerers_;
   EventLog& log_;
-  const AnswerManner manner_;
 };
 
 }  // namespace kesp::simulator

@@ -32,7 +32,7 @@ class DiscoveryTest : public testing::Test {
     std::ostringstream lines;
     EventLog log({&lines}, [] { return std::string("-"); });
     for (const std::string& bytes : datagrams) port_.input.push_back(ReceivedDatagram{bytes, kClient, {}});
-    DiscoveryResponder responder(port_, instrument, log, AnswerManner{ReadAddressRange(from), rate});
+    DiscoveryResponder responder(port_, {{instrument, {ReadAddressRange(from), rate}}}, log);
     asio::io_context io;
     asio::co_spawn(io, responder.Run(), asio::detached);
     io.poll();
@@ -113,6 +113,23 @@ TEST_F(DiscoveryTest, Log_HasRequestsAndAnswers) {
             "failed\n");
   EXPECT_EQ(port_.record.back(), "10.88.7.232 \"0123456789\"");
   EXPECT_EQ(Count("pause 0"), 15U) << "others have their turn";
+}
+
+TEST_F(DiscoveryTest, SeveralInstruments_AnswerEachForItself) {
+  Instrument first(ReadInstrument(R"({"discovery": {"cycle": ["A", "a"]}})"));
+  Instrument silent(ReadInstrument(R"({"discovery": null})"));
+  Instrument second(ReadInstrument(R"({"discovery": [{"send": "B"}, {"send": "b"}]})"));
+  EventLog log({}, [] { return std::string(); });
+  for (int i = 0; i < 2; ++i) port_.input.push_back(ReceivedDatagram{kRequest, kClient, {}});
+  DiscoveryResponder responder(
+      port_,
+      {{first, {ReadAddressRange("10.0.0.1"), 1}}, {silent, {}}, {second, {ReadAddressRange("10.0.0.2"), 1}}},
+      log);
+  asio::io_context io;
+  asio::co_spawn(io, responder.Run(), asio::detached);
+  io.poll();
+  EXPECT_EQ(Sent(), R"(10.0.0.1 "A"; 10.0.0.2 "B"; pause 1000; 10.0.0.2 "b"; 10.0.0.1 "a"; )"
+                    R"(10.0.0.2 "B"; pause 1000; 10.0.0.2 "b")");
 }
 
 TEST_F(DiscoveryTest, Failures_AreLoggedAndTheOthersGo) {

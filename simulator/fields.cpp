@@ -100,6 +100,12 @@ std::optional<Entry> Fields::Need(std::string_view name) {
   return found;
 }
 
+std::vector<Entry> Fields::List(std::string_view name) {
+  const std::optional<Entry> list = Find(name);
+  if (list && !list->Is(Kind::kList)) list->Wrong("must be a list");
+  return list ? list->Items() : std::vector<Entry>();
+}
+
 std::string Fields::TextOr(std::string_view name, const std::string& otherwise) {
   const std::optional<Entry> found = Find(name);
   return found ? found->Text() : otherwise;

@@ -79,6 +79,9 @@ class Fields {
   // The same, where its absence is noted.
   std::optional<Entry> Need(std::string_view name);
 
+  // The items of a list that may be left out.
+  std::vector<Entry> List(std::string_view name);
+
   std::string TextOr(std::string_view name, const std::string& otherwise);
   std::int64_t WholeOr(std::string_view name, Range range, std::int64_t otherwise);
   std::optional<std::int64_t> Whole(std::string_view name, Range range);

@@ -6,7 +6,6 @@
 #include <iostream>
 #include <memory>
 #include <string>
-#include <utility>
 #include <variant>
 #include <vector>
 
@@ -26,20 +25,6 @@
 namespace kesp::simulator {
 namespace {
 
-void ServeInstrument(const Options& options, Personality personality, EventLog& log) {
-  const auto instrument = std::make_shared<Instrument>(std::move(personality));
-  if (options.serial.empty()) return ServeTcp(options, instrument, log);
-  PlayedDevice device(instrument, Place::kOwnLine);
-  ServeSerial(options.serial, device, log);
-}
-
-// A device has one line and one client.
-void ServeDevice(const Options& options, Device& device, EventLog& log) {
-  if (options.serial.empty())
-    throw DescriptionError(options.file + ": is a device at a serial line, which goes with --serial");
-  ServeSerial(options.serial, device, log);
-}
-
 std::filesystem::path PathOf(const std::string& utf8) {
   return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
 }
@@ -49,13 +34,50 @@ Description DescriptionOf(const Options& options) {
   return LoadDescription(PathOf(options.file));
 }
 
-void Serve(const Options& options, Description description, EventLog& log) {
-  if (const auto* device = std::get_if<std::unique_ptr<Device>>(&description))
-    return ServeDevice(options, **device, log);
-  if (auto* personality = std::get_if<Personality>(&description))
-    return ServeInstrument(options, std::move(*personality), log);
-  throw DescriptionError(options.file + ": is a bus, which the simulated GPIB driver plays (Gpib-32.json)");
-}
+// Why a description cannot be served as the options ask; empty when it can.
+struct Objection {
+  const Options& options;
+
+  std::string operator()(const Personality& personality) const {
+    return personality.terminator.empty() ? "has an empty terminator, which goes on a bus only" : "";
+  }
+  std::string operator()(const std::unique_ptr<Device>& /*device*/) const {
+    return options.serial.empty() ? "is a device at a serial line, which goes with --serial" : "";
+  }
+  std::string operator()(const gpib::BusDescription& /*bus*/) const {
+    return "is a bus, which the simulated GPIB driver plays (Gpib-32.json)";
+  }
+  std::string operator()(const NetworkDescription& /*network*/) const {
+    const Options usual;
+    const bool has_an_address = !options.serial.empty() || options.port != usual.port ||
+                                options.bind != usual.bind || options.discovery_from;
+    return has_an_address
+               ? "is a network with addresses of its own, which goes without --port, --bind, --serial "
+                 "and --discovery-from"
+               : "";
+  }
+};
+
+// Serves what there is no objection to.
+struct Serve {
+  const Options& options;
+  EventLog& log;
+
+  void operator()(const Personality& personality) const {
+    const auto instrument = std::make_shared<Instrument>(personality);
+    if (options.serial.empty()) return ServeTcp(options, {{{options.bind, options.port}, instrument}}, log);
+    PlayedDevice device(instrument, Place::kOwnLine);
+    ServeSerial(options.serial, device, log);
+  }
+  void operator()(const std::unique_ptr<Device>& device) const { ServeSerial(options.serial, *device, log); }
+  void operator()(const gpib::BusDescription& /*bus*/) const {}
+  void operator()(const NetworkDescription& network) const {
+    std::vector<Station> stations;
+    for (const auto& [address, personality] : network.devices)
+      stations.push_back({address, std::make_shared<Instrument>(personality)});
+    ServeTcp(options, stations, log);
+  }
+};
 
 // "an instrument", for what was read without a mistake.
 struct KindOf {
@@ -68,6 +90,9 @@ struct KindOf {
   }
   std::string operator()(const gpib::BusDescription& bus) const {
     return "a bus with " + Counted(bus.devices.size(), "device");
+  }
+  std::string operator()(const NetworkDescription& network) const {
+    return "a network with " + Counted(network.devices.size(), "device");
   }
 };
 
@@ -91,7 +116,9 @@ void WriteExample(const Options& options) {
 
 void ServeWithLog(const Options& options) {
   // First, so that a mistake in it leaves no log behind.
-  Description description = DescriptionOf(options);
+  const Description description = DescriptionOf(options);
+  const std::string objection = std::visit(Objection{options}, description);
+  if (!objection.empty()) throw DescriptionError(options.file + ": " + objection);
   std::vector<std::ostream*> sinks;
   if (!options.quiet) sinks.push_back(&std::cerr);
   std::ofstream log_file;
@@ -103,7 +130,7 @@ void ServeWithLog(const Options& options) {
     sinks.push_back(&log_file);
   }
   EventLog log(sinks, TimeOfDay);
-  Serve(options, std::move(description), log);
+  std::visit(Serve{options, log}, description);
 }
 
 void Do(const Options& options) {

@@ -34,11 +34,10 @@ constexpr char kMore[] =
     "README.md tells how to describe an instrument.\n";
 
 constexpr char kMoreOfServe[] =
-    "When it is ready it prints \"listening on ADDRESS:PORT\" (and, with --discovery, \"discovery on "
-    "ADDRESS:PORT\")\n"
-    "or \"serving LINE\". The built-in instrument answers *IDN?, *VER, t and MEAS?; its commands and replies "
-    "end\n"
-    "with a carriage return.\n";
+    "When it is ready it prints \"listening on ADDRESS:PORT\", with all addresses of a network (and, with\n"
+    "--discovery, \"discovery on ADDRESS:PORT\"), or \"serving LINE\". The built-in instrument answers "
+    "*IDN?, *VER, t\n"
+    "and MEAS?; its commands and replies end with a carriage return.\n";
 
 constexpr char kMoreOfWire[] =
     "It prints \"listening on ADDRESS:PORT\". For each client it makes a serial line, linked under the path, "
@@ -91,7 +90,7 @@ void DescribeListening(CLI::App& app, Options& options) {
 }
 
 void DescribeServe(CLI::App& app, Options& options) {
-  app.add_option("FILE", options.file, "The description of the device (JSON)")
+  app.add_option("FILE", options.file, "The description of the device or network (JSON)")
       ->type_name("")
       ->check(CheckPath);
   DescribeListening(app, options);

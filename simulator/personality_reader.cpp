@@ -73,6 +73,12 @@ LineRule ReadLineRule(const Entry& entry) {
 
 Personality ReadPersonality(const Entry& entry, Place place) {
   Fields fields(entry);
+  Personality personality = ReadPersonality(fields, place);
+  fields.Finish();
+  return personality;
+}
+
+Personality ReadPersonality(Fields& fields, Place place) {
   Personality personality;
   if (const std::optional<Entry> address = fields.Find("gpib")) personality.address = ReadAddress(*address);
   const std::string usual = personality.address ? "\n" : "\r";
@@ -98,7 +104,6 @@ Personality ReadPersonality(const Entry& entry, Place place) {
     personality.unknown_query = ReadAnswer(*answer, form);
   if (const std::optional<Entry> commands = fields.Find("commands"))
     ReadCommands(*commands, form, personality);
-  fields.Finish();
   return personality;
 }
 

@@ -272,17 +272,63 @@ class ProgramTest(unittest.TestCase):
                 program.interrupt(number)
                 self.assertEqual(program.end(), (0, "", ""))
 
+    def test_what_came_while_the_device_was_busy_is_logged(self):
+        program, line = self.serial(self.write('{"commands": {"W": [{"send": "w"}, {"wait_ms": 3600000}]}}'))
+        line.send(b"W\r")
+        self.assertEqual(line.read(b"\r"), b"w\r")
+        line.send(b"in vain")
+        time.sleep(0.3)
+        program.interrupt()
+        self.assertIn(' #1 received "in vain"\n', program.end()[2])
+
+    def network(self):
+        """The description of three devices, and the port that is free at the address of each."""
+        with socket.create_server(("127.0.0.1", 0)) as free:
+            port = free.getsockname()[1]
+        return port, self.write(f"""{{"devices": [
+            {{"tcp": {{"port": {port}}}, "default": "first", "discovery": [{{"wait_ms": 100}}, {{"send": "1"}}]}},
+            {{"tcp": {{"host": "127.0.0.2", "port": {port}}}, "default": "second", "discovery": "2"}},
+            {{"tcp": {{"host": "127.0.0.3", "port": {port}}}, "default": "third"}}]}}""")
+
+    def test_network_listens_at_all_its_addresses_and_is_found(self):
+        port, file = self.network()
+        program = self.start(file, "--discovery", "--discovery-port", "0")
+        hosts = [f"127.0.0.{i}" for i in (1, 2, 3)]
+        self.assertEqual(program.line(), "listening on " + ", ".join(f"{host}:{port}" for host in hosts))
+        seekers = int(program.line().rpartition(":")[2])
+        with Seeker() as seeker:
+            seeker.discover(seekers)
+            self.assertEqual([seeker.heard() for _ in range(2)],
+                             [(b"2", (SENDS_FROM or "127.0.0.2", seekers)), (b"1", ("127.0.0.1", seekers))])
+            self.assertIsNone(seeker.heard(0.05))
+        for host, name in zip(hosts, ("first", "second", "third")):
+            with tcp_line(port, host) as line:
+                self.assertEqual(line.ask("WHO?"), name)
+        program.interrupt()
+        code, output, log = program.end()
+        self.assertEqual((code, output), (0, ""))
+        for number, host in enumerate(hosts, 1):
+            self.assertRegex(log, rf" #{number} connected from 127.0.0.1:\d+ to {host}:{port}\n")
+
+    def test_network_ends_with_the_only_client_that_it_is_to_have(self):
+        port, file = self.network()
+        program = self.start(file, "--once", "--quiet")
+        program.line()
+        with tcp_line(port, "127.0.0.2") as line:
+            self.assertEqual(line.ask("WHO?"), "second")
+            for host in ("127.0.0.1", "127.0.0.2", "127.0.0.3"):
+                with self.assertRaises(OSError):
+                    socket.create_connection((host, port), 5)
+        self.assertEqual(program.end(), (0, "", ""))
+
     def test_check_and_example_and_help(self):
         for kind, said in (("device", "an instrument with 10 commands"), ("bus", "a bus with 2 devices"),
-                           ("radio-modem", "a device at a serial line")):
+                           ("network", "a network with 3 devices"), ("radio-modem", "a device at a serial line")):
             with self.subTest(kind=kind):
                 file = self.folder / f"{kind}.json"
                 self.assertEqual(self.start("example", kind, file).end(), (0, "", ""))
                 text = file.read_text()
-                if kind == "radio-modem":
-                    continue
-                code, output, error = self.start("check", file).end()
-                self.assertEqual((code, output.split(": ")[-1], error), (0, said + "\n", ""))
+                self.assertEqual(self.start("check", file).end(), (0, f"{file}: {said}\n", ""))
                 self.assertEqual(self.start("example", kind).end(), (0, text, ""))
         marked = self.write("\N{ZERO WIDTH NO-BREAK SPACE}{\r\n}\r\n", "marked.json")
         self.assertEqual(self.start("check", marked).end(), (0, f"{marked}: an instrument with 0 commands\n", ""))
@@ -299,6 +345,10 @@ class ProgramTest(unittest.TestCase):
         port, seekers = taken.getsockname()[1], taken_for_discovery.getsockname()[1]
         bad = self.write('{\n"a": 1,\n"terminator": 2}', "bad.json")
         precious = self.write("precious", "precious.json")
+        endless = self.write('{"gpib": {"primary": 5}, "terminator": ""}', "endless.json")
+        network = self.write(f'{{"devices": [{{"tcp": {{"host": "127.0.0.4", "port": {port}}}}}, {{"tcp": {{"port": {port}}}}}]}}',
+                             "network.json")
+        own = "is a network with addresses of its own, which goes without --port, --bind, --serial and --discovery-from"
         bus, modem = EXAMPLES / "bus.json", EXAMPLES / "radio-modem.json"
         both = f"{bad}:2: /a: is not a known member\n{bad}:3: /terminator: must be a text\n"
         log = self.folder / "talk.log"
@@ -312,7 +362,11 @@ class ProgramTest(unittest.TestCase):
             (2, both, bad, "--log", log), (2, both, "check", bad),
             (2, f"{self.folder}: cannot be read\n", self.folder),
             (2, f"{self.folder}/none.json: cannot be read\n", self.folder / "none.json"),
-            (2, f"{bus}: is a bus, which the simulated GPIB driver plays (Gpib-32.json)\n", bus),
+            (1, f"kesp-sim: cannot listen on 127.0.0.1 port {port}: the port is in use\n", network),
+            *((2, f"{network}: {own}\n", network, *options) for options in
+              (("--port", 5), ("--bind", "::1"), ("--serial", "x"), ("--discovery", "--discovery-from", "127.0.0.9"))),
+            (2, f"{endless}: has an empty terminator, which goes on a bus only\n", endless),
+            (2, f"{bus}: is a bus, which the simulated GPIB driver plays (Gpib-32.json)\n", bus, "--log", log),
             (2, f"{modem}: is a device at a serial line, which goes with --serial\n", modem),
             (2, f"{self.folder}/none/at.log: cannot be written\n", "--log", self.folder / "none" / "at.log"),
             (2, f"{precious}: is there already\n", "example", "bus", precious),

@@ -5,7 +5,6 @@
 #include <asio/detached.hpp>
 #include <asio/io_context.hpp>
 #include <asio/signal_set.hpp>
-#include <exception>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -26,51 +25,67 @@ void OnEndingSignal(asio::signal_set& signals, const std::function<void()>& end)
   signals.async_wait([end](const asio::error_code& /*error*/, int /*signal*/) { end(); });
 }
 
-// The UDP side of an instrument that answers discovery.
+// Answers leave from the addresses that were asked for, or from that of the instrument.
+Answerer AnswererAt(const Station& station, const Options& options) {
+  AnswerManner manner{options.discovery_from, options.discovery_rate};
+  const asio::ip::address_v4 host = asio::ip::make_address_v4(station.address.host);
+  if (!manner.from && !host.is_unspecified()) manner.from = AddressRange{host, host};
+  return {*station.instrument, manner};
+}
+
+// The UDP side of instruments that answer discovery.
 class Discovery {
  public:
-  Discovery(asio::io_context& io, const Options& options, Instrument& instrument, EventLog& log)
-      : port_(io, options.discovery_port), responder_(port_, instrument, log, MannerOf(options)) {
+  Discovery(asio::io_context& io, const Options& options, const std::vector<Station>& stations, EventLog& log)
+      : port_(io, options.discovery_port), responder_(port_, AnswerersAt(stations, options), log) {
     asio::co_spawn(io, responder_.Run(), asio::detached);
   }
 
   asio::ip::udp::endpoint endpoint() const { return port_.endpoint(); }
 
  private:
-  static AnswerManner MannerOf(const Options& options) {
-    AnswerManner manner{options.discovery_from, options.discovery_rate};
-    const asio::ip::address_v4 bind = asio::ip::make_address_v4(options.bind);
-    if (!manner.from && !bind.is_unspecified()) manner.from = AddressRange{bind, bind};
-    return manner;
+  static std::vector<Answerer> AnswerersAt(const std::vector<Station>& stations, const Options& options) {
+    std::vector<Answerer> answerers;
+    for (const Station& station : stations) answerers.push_back(AnswererAt(station, options));
+    return answerers;
   }
 
   UdpPort port_;
   DiscoveryResponder responder_;
 };
 
-std::unique_ptr<Discovery> MakeDiscovery(asio::io_context& io, const Options& options, Instrument& instrument,
-                                         EventLog& log) {
+std::unique_ptr<Discovery> MakeDiscovery(asio::io_context& io, const Options& options,
+                                         const std::vector<Station>& stations, EventLog& log) {
   if (!options.discovery) return nullptr;
   return Making("listen for discovery on port " + std::to_string(options.discovery_port),
-                [&] { return std::make_unique<Discovery>(io, options, instrument, log); });
+                [&] { return std::make_unique<Discovery>(io, options, stations, log); });
+}
+
+std::vector<Door> OpenDoors(asio::io_context& io, const std::vector<Station>& stations) {
+  std::vector<Door> doors;
+  for (const auto& [address, instrument] : stations) {
+    const std::string& host = address.host;
+    const std::uint16_t port = address.port;
+    doors.push_back({Making("listen on " + host + " port " + std::to_string(port),
+                            [&io, &host, port] { return Listen(io, host, port); }),
+                     instrument});
+  }
+  return doors;
 }
 
 }  // namespace
 
-void ServeTcp(const Options& options, const std::shared_ptr<Instrument>& instrument, EventLog& log) {
+void ServeTcp(const Options& options, const std::vector<Station>& stations, EventLog& log) {
   asio::io_context io(1);
-  TcpServer server(Making("listen on " + options.bind + " port " + std::to_string(options.port),
-                          [&] { return Listen(io, options.bind, options.port); }),
-                   instrument, log);
-  const std::unique_ptr<Discovery> discovery = MakeDiscovery(io, options, *instrument, log);
+  TcpServer server(OpenDoors(io, stations), log);
+  const std::unique_ptr<Discovery> discovery = MakeDiscovery(io, options, stations, log);
   asio::signal_set signals(io);
   OnEndingSignal(signals, [&] {
     server.AbandonClients();
     io.stop();
   });
-  asio::co_spawn(io, server.Run(options.once ? Clients::kOne : Clients::kMany),
-                 [&io](const std::exception_ptr& /*failure*/) { io.stop(); });
-  std::cout << "listening on " << server.endpoint() << std::endl;
+  server.Start(options.once ? Clients::kOne : Clients::kMany, [&io] { io.stop(); });
+  std::cout << "listening on " << server.Endpoints() << std::endl;
   if (discovery != nullptr) std::cout << "discovery on " << discovery->endpoint() << std::endl;
   io.run();
 }

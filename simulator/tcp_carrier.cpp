@@ -12,25 +12,27 @@ constexpr std::size_t kInputLength = std::size_t{64} * 1024;
 // ever.
 constexpr std::size_t kDropLimit = std::size_t{16} * 1024 * 1024;
 
-std::string PeerOf(const asio::ip::tcp::socket& socket) {
+std::string EndsOf(const asio::ip::tcp::socket& socket, Tells tells) {
   asio::error_code error;
   const asio::ip::tcp::endpoint peer = socket.remote_endpoint(error);
+  const asio::ip::tcp::endpoint own = error ? peer : socket.local_endpoint(error);
   if (error) return "a client that is gone";
   std::ostringstream text;
   text << peer;
+  if (tells == Tells::kBothEnds) text << " to " << own;
   return text.str();
 }
 
 }  // namespace
 
-TcpCarrier::TcpCarrier(asio::ip::tcp::socket socket)
-    : StreamCarrier(std::move(socket), kInputLength), peer_(PeerOf(stream_)) {
+TcpCarrier::TcpCarrier(asio::ip::tcp::socket socket, Tells tells)
+    : StreamCarrier(std::move(socket), kInputLength), ends_(EndsOf(stream_, tells)) {
   asio::error_code ignored;  // a client that is gone already shows at the first operation
   stream_.set_option(asio::ip::tcp::no_delay(true), ignored);
 }
 
 std::string TcpCarrier::Opening() const {
-  return "connected from " + peer_;
+  return "connected from " + ends_;
 }
 
 void TcpCarrier::End(Ending ending) {

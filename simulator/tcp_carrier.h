@@ -8,10 +8,13 @@
 
 namespace kesp::simulator {
 
+// What the log is told of a connection: from where the client came, or also to which address.
+enum class Tells { kPeer, kBothEnds };
+
 // Owns the connection. Small pieces go out as they are (no Nagle delay).
 class TcpCarrier : public StreamCarrier<asio::ip::tcp::socket> {
  public:
-  explicit TcpCarrier(asio::ip::tcp::socket socket);
+  TcpCarrier(asio::ip::tcp::socket socket, Tells tells);
 
   std::string Opening() const override;
   void End(Ending ending) override;
@@ -22,7 +25,7 @@ class TcpCarrier : public StreamCarrier<asio::ip::tcp::socket> {
  private:
   void DropInput();
 
-  const std::string peer_;
+  const std::string ends_;
 };
 
 }  // namespace kesp::simulator

@@ -1,4 +1,4 @@
-// Listens for clients over TCP and gives each a talk with the instrument.
+// Listens for clients over TCP and gives each a talk with an instrument.
 #include "simulator/tcp_server.h"
 
 #include <asio/co_spawn.hpp>
@@ -8,7 +8,9 @@
 #include <asio/steady_timer.hpp>
 #include <asio/use_awaitable.hpp>
 #include <chrono>
+#include <exception>
 #include <random>
+#include <sstream>
 #include <utility>
 
 #include "simulator/platform.h"
@@ -52,19 +54,22 @@ tcp::acceptor Listen(asio::io_context& io, const std::string& address, std::uint
   throw asio::system_error(error);
 }
 
-TcpServer::TcpServer(tcp::acceptor acceptor, std::shared_ptr<Instrument> instrument, EventLog& log)
-    : acceptor_(std::move(acceptor)), instrument_(std::move(instrument)), log_(log) {}
+TcpServer::TcpServer(std::vector<Door> doors, EventLog& log) : doors_(std::move(doors)), log_(log) {}
 
-asio::awaitable<void> TcpServer::Run(Clients clients) {
-  if (clients == Clients::kOne) {
-    tcp::socket only = co_await Accept();
-    acceptor_.close();
-    co_await Serve(std::move(only), 1);
-    co_return;
-  }
-  for (unsigned number = 1;; ++number) {
-    tcp::socket socket = co_await Accept();
-    asio::co_spawn(acceptor_.get_executor(), Serve(std::move(socket), number), asio::detached);
+std::string TcpServer::Endpoints() const {
+  std::ostringstream text;
+  for (const Door& door : doors_)
+    text << (&door == doors_.data() ? "" : ", ") << door.acceptor.local_endpoint();
+  return text.str();
+}
+
+void TcpServer::Start(Clients clients, const std::function<void()>& end) {
+  end_ = end;
+  for (Door& door : doors_) {
+    asio::co_spawn(door.acceptor.get_executor(), Watch(door, clients),
+                   [this](const std::exception_ptr& failure) {
+                     if (failure) end_();
+                   });
   }
 }
 
@@ -72,21 +77,41 @@ void TcpServer::AbandonClients() {
   for (TcpCarrier* carrier : carriers_) carrier->Abandon();
 }
 
-asio::awaitable<tcp::socket> TcpServer::Accept() {
+asio::awaitable<void> TcpServer::Watch(Door& door, Clients clients) {
+  for (;;) {
+    std::optional<tcp::socket> socket = co_await Accept(door);
+    // Another door may have had a client at the same moment.
+    if (!socket || (clients == Clients::kOne && clients_ > 0)) co_return;
+    const unsigned number = ++clients_;
+    if (clients == Clients::kOne) {
+      for (Door& each : doors_) each.acceptor.close();
+      co_await Serve(std::move(*socket), door.instrument, number);
+      end_();
+      co_return;
+    }
+    asio::co_spawn(door.acceptor.get_executor(), Serve(std::move(*socket), door.instrument, number),
+                   asio::detached);
+  }
+}
+
+asio::awaitable<std::optional<tcp::socket>> TcpServer::Accept(Door& door) {
   for (;;) {
     asio::error_code error;
-    tcp::socket socket = co_await acceptor_.async_accept(asio::redirect_error(asio::use_awaitable, error));
+    tcp::socket socket =
+        co_await door.acceptor.async_accept(asio::redirect_error(asio::use_awaitable, error));
     if (!error) co_return socket;
+    if (!door.acceptor.is_open()) co_return std::nullopt;
     // No file descriptors left, or a client that was gone again before it was accepted: neither is the end.
     log_.Line(0, "cannot accept a client: " + error.message());
-    asio::steady_timer pause(acceptor_.get_executor(), std::chrono::milliseconds(50));
+    asio::steady_timer pause(door.acceptor.get_executor(), std::chrono::milliseconds(50));
     co_await pause.async_wait(asio::use_awaitable);
   }
 }
 
-asio::awaitable<void> TcpServer::Serve(tcp::socket socket, unsigned number) {
-  TcpCarrier carrier(std::move(socket));
-  PlayedDevice device(instrument_, Place::kOwnLine);
+asio::awaitable<void> TcpServer::Serve(tcp::socket socket, std::shared_ptr<Instrument> instrument,
+                                       unsigned number) {
+  TcpCarrier carrier(std::move(socket), doors_.size() > 1 ? Tells::kBothEnds : Tells::kPeer);
+  PlayedDevice device(std::move(instrument), Place::kOwnLine);
   Talk talk(carrier, device, log_, number);
   carriers_.insert(&carrier);
   co_await talk.Run();

@@ -4,6 +4,7 @@
 import os
 import pathlib
 import signal
+import socket
 import tempfile
 import time
 import unittest
@@ -35,7 +36,13 @@ class WithInstrumentTest(unittest.TestCase):
             time.sleep(0.01)
 
     def test_command_finds_the_instrument(self):
-        for options, expected in ((["--quiet"], "127.0.0.1 1.0\n"),
+        network = self.place.with_name("network.json")
+        with socket.create_server(("127.0.3.1", 0)) as free:
+            tcp = f'"port": {free.getsockname()[1]}'
+        network.write_text(f'{{"devices": [{{"tcp": {{"host": "127.0.3.1", {tcp}}}, "default": "first"}}, '
+                           f'{{"tcp": {{"host": "127.0.3.2", {tcp}}}}}]}}')
+        for options, expected in (([network, "--quiet"], "127.0.3.1 first\n"),
+                                  (["--quiet"], "127.0.0.1 1.0\n"),
                                   (["--quiet", "--discovery", "--discovery-port", "0", "--bind", "127.0.2.1"],
                                    "127.0.2.1 1.0\n")):
             script = self.start(*options, shell=CONNECT + r"printf '*VER\r' >&3; read -r -d $'\r' -t 10 -u 3 reply; "
