@@ -346,8 +346,8 @@ class ProgramTest(unittest.TestCase):
         bad = self.write('{\n"a": 1,\n"terminator": 2}', "bad.json")
         precious = self.write("precious", "precious.json")
         endless = self.write('{"gpib": {"primary": 5}, "terminator": ""}', "endless.json")
-        network = self.write(f'{{"devices": [{{"tcp": {{"host": "127.0.0.4", "port": {port}}}}}, {{"tcp": {{"port": {port}}}}}]}}',
-                             "network.json")
+        network = self.write(f"""{{"devices": [{{"tcp": {{"host": "127.0.0.4", "port": {port}}}}},
+            {{"tcp": {{"port": {port}}}}}]}}""", "network.json")
         own = "is a network with addresses of its own, which goes without --port, --bind, --serial and --discovery-from"
         bus, modem = EXAMPLES / "bus.json", EXAMPLES / "radio-modem.json"
         both = f"{bad}:2: /a: is not a known member\n{bad}:3: /terminator: must be a text\n"
