@@ -20,6 +20,8 @@ ROOMS = {
     "server": {"support", "commobj", "dialogs"} | TRANSPORTS,
     # Stands beside the library and knows nothing of it.
     "simulator": set(),
+    # Stands beside the library, too, and uses it as a client does.
+    "console": set(),
 }
 
 # Folders that stand outside the rooms and may use all of them; no room may include from them.
@@ -83,7 +85,8 @@ def is_com(header):
 
 def may_use_com(path):
     room = room_of(path)
-    return room == "server" or room in CLIENTS or (room == "dialogs" and stem_of(path).endswith("_win"))
+    return room == "server" or room in CLIENTS or (
+        room in {"console", "dialogs"} and stem_of(path).endswith("_win"))
 
 
 def may_use_windows(path):

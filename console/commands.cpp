@@ -1,0 +1,39 @@
+// From a failure to its message and exit code.
+#include "console/commands.h"
+
+#include <exception>
+
+#include "console/usage_error.h"
+
+namespace kesp::console {
+namespace {
+
+std::string Described(const LibraryError& error) {
+  std::string text = std::string(error.what()) + " (" + error.status();
+  if (!error.source().empty()) text += ", " + error.source();
+  return text + ")";
+}
+
+int Fail(Console& console, const std::string& text, int code) {
+  console.ShowProgress("");
+  console.WriteError("kesp: " + text + "\n");
+  return code;
+}
+
+}  // namespace
+
+int RunCommand(const Options& options, Surroundings& around) {
+  try {
+    return std::visit([&around](const auto& command) { return Run(command, around); }, options.command);
+  } catch (const LibraryError& error) {
+    return Fail(around.console, Described(error), kExitFailed);
+  } catch (const AddressError& error) {
+    return Fail(around.console, std::string("a mistake in the address\n") + error.what(), kExitUsage);
+  } catch (const UsageError& error) {
+    return Fail(around.console, error.what(), kExitUsage);
+  } catch (const std::exception& error) {
+    return Fail(around.console, error.what(), kExitFailed);
+  }
+}
+
+}  // namespace kesp::console

@@ -1,0 +1,271 @@
+// The command line of kesp.
+#include "console/options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <sstream>
+#include <utility>
+
+#include "console/duration.h"
+#include "console/snippet_languages.h"
+
+namespace kesp::console {
+namespace {
+
+constexpr char kAbout[] =
+    "Talks to instruments over TCP/IP, at COM ports and on a GPIB, with the Kesp Communication "
+    "Object Library.\n";
+
+constexpr char kMore[] =
+    "Addresses:\n"
+    "  tcp:192.168.0.10:10001     over the network; the port is 10001 where none is given\n"
+    "  com3                       at COM3, as the library is set at first (57600 baud)\n"
+    "  com3@9600,8N1              with this rate, data bits, parity and stop bits\n"
+    "  com3@19200,7E1,omega=01    an Omega controller with the address 01\n"
+    "  com3,cr                    behind a COM port redirector: a lone CR ends a reply\n"
+    "  usb:A50285BI@9600          the COM port of the adapter with this serial number\n"
+    "  gpib:5                     the device with the primary address 5 on the GPIB\n"
+    "  gpib:5,eos=13              where a carriage return ends a command (10, a line feed, if not said)\n"
+    "docs/kesp.md tells the rest of them.\n"
+    "\n"
+    "Examples:\n"
+    "  kesp query tcp:192.168.0.10 \"*IDN?\"\n"
+    "  kesp discover\n"
+    "  kesp ports\n"
+    "  kesp detect com3\n"
+    "  kesp query com3@9600 \"MEAS?\" --repeat 60 --every 1s --csv > measured.csv\n"
+    "  kesp terminal gpib:5\n"
+    "  kesp log commobjout.log --errors\n"
+    "  kesp doctor\n"
+    "\n"
+    "\"kesp query --help\" and so on list the options of a command. Times are milliseconds, or have a unit:\n"
+    "500ms, 2s, 1min, 1h.\n"
+    "Exit codes: 0 done, 1 the instrument or the library failed, 2 a mistake in the command line or an "
+    "address,\n"
+    "3 ended by Ctrl-C; of \"doctor\" the number of FAILs.\n";
+
+constexpr char kMoreOfQuery[] =
+    "Standard output holds the reply alone. A reply over TCP/IP or from a COM port comes without its line "
+    "ends.\n";
+
+constexpr char kMoreOfTerminal[] =
+    "What you type is sent; what is answered is shown with the time and the duration. A line that begins "
+    "with a\n"
+    "colon is for the terminal: \":help\" lists these. Ctrl-C ends it.\n";
+
+constexpr char kMoreOfDiscover[] = "Sends one broadcast and asks everyone who answers who it is.\n";
+
+constexpr char kMoreOfLog[] =
+    "The trace is the file that DebugFilename names while Debugging is True, or that --trace wrote.\n"
+    "--as-device writes a description from which kesp-sim plays the instrument, with the delays that it "
+    "had.\n";
+
+// CLI11 names the option in front.
+CLI::Option* AddDuration(CLI::App& app, const char* name, const char* about, std::function<void(int)> store) {
+  return app
+      .add_option_function<std::string>(
+          name, [store = std::move(store)](const std::string& text) { store(*ReadDuration(text)); }, about)
+      ->type_name("TIME")
+      ->check([](const std::string& text) {
+        return ReadDuration(text) ? std::string()
+                                  : "\"" + text + "\" is not a time such as 500ms, 2s or 1min";
+      });
+}
+
+void DescribeTalk(CLI::App& app, TalkOptions& talk) {
+  app.add_option("ADDRESS", talk.address, "Where the instrument is")->type_name("")->required();
+  AddDuration(app, "--timeout", "How long to wait for the connection and for a reply",
+              [&talk](int milliseconds) { talk.timeout_ms = milliseconds; });
+  app.add_option("--trace", talk.trace, "Write each step into this file, for \"kesp log\"")
+      ->type_name("FILE");
+}
+
+void DescribeCommands(CLI::App& app, std::vector<std::string>& commands) {
+  app.add_option("CMD", commands, "What is sent, one after the other")->type_name("")->required();
+}
+
+void DescribeQuery(CLI::App& app, QueryOptions& options) {
+  app.footer(kMoreOfQuery);
+  DescribeTalk(app, options.talk);
+  DescribeCommands(app, options.commands);
+  auto* binary =
+      app.add_option("--binary", options.binary, "Read bytes in place of text, and write them into this file")
+          ->type_name("FILE");
+  auto* hex = app.add_flag("--hex", options.hex, "Read bytes in place of text, and show them in hexadecimal");
+  auto* json = app.add_flag("--json", options.json, "One JSON object for each reply");
+  auto* csv = app.add_flag("--csv", options.csv, "Comma-separated values, a line for each round");
+  binary->excludes(hex)->excludes(csv);
+  json->excludes(csv);
+  auto* repeat = app.add_option("--repeat", options.repeat,
+                                "Do it so many times, with the time in front; 0: until Ctrl-C")
+                     ->type_name("N")
+                     ->check(CLI::Range(0, 1'000'000'000));
+  repeat->excludes(binary);
+  AddDuration(app, "--every", "The time from the beginning of one round to that of the next",
+              [&options](int milliseconds) { options.every_ms = milliseconds; })
+      ->needs(repeat);
+  app.add_flag("--crlf-as-is", options.crlf_as_is, "Leave the line ends in the reply")
+      ->excludes(hex)
+      ->excludes(binary);
+}
+
+void DescribeLevel(CLI::App& app, DetectOptions& options) {
+  const std::vector<std::pair<std::string, int>> levels = {{"scpi", 1}, {"common", 2}, {"all", 3}};
+  app.add_option("--level", options.level, "Which commands are tried: *IDN?, also *VER, also t (all)")
+      ->type_name("scpi|common|all")
+      ->transform(CLI::CheckedTransformer(levels, CLI::ignore_case));
+}
+
+void Describe(CLI::App& app, DetectOptions& options) {
+  app.footer(
+      "At a COM port it looks for the bit rate, on the GPIB (\"gpib:\") for the first device, over TCP/IP "
+      "for\n"
+      "an answer. What it prints is the address that works, and the answer.\n");
+  DescribeTalk(app, options.talk);
+  DescribeLevel(app, options);
+  app.add_flag("--json", options.json, "As JSON");
+}
+
+void Describe(CLI::App& app, DiscoverOptions& options) {
+  app.footer(kMoreOfDiscover);
+  AddDuration(app, "--timeout", "Ask nobody any more after this time",
+              [&options](int milliseconds) { options.timeout_ms = milliseconds; });
+  app.add_option("--trace", options.trace, "Write each step into this file")->type_name("FILE");
+  app.add_flag("--json", options.json, "As JSON");
+}
+
+void Describe(CLI::App& app, QueryOptions& options) {
+  DescribeQuery(app, options);
+}
+
+void Describe(CLI::App& app, SendOptions& options) {
+  DescribeTalk(app, options.talk);
+  DescribeCommands(app, options.commands);
+}
+
+void Describe(CLI::App& app, TerminalOptions& options) {
+  app.footer(kMoreOfTerminal);
+  DescribeTalk(app, options.talk);
+}
+
+void Describe(CLI::App& app, PortsOptions& options) {
+  app.add_flag("--probe", options.probe, "Open each port, to see whether it is in use");
+  app.add_flag("--json", options.json, "As JSON");
+}
+
+void Describe(CLI::App& app, DownloadOptions& options) {
+  app.footer("The transfer ends when the line has been silent for the timeout (3 s if not said).\n");
+  DescribeTalk(app, options.talk);
+  app.add_option("FILE", options.file, "Where to write it")->type_name("")->required();
+  app.add_option("--command", options.command, "Send this first")->type_name("CMD");
+}
+
+void Describe(CLI::App& app, EditOptions& options) {
+  app.footer("What it prints is the address with the settings that were confirmed.\n");
+  DescribeTalk(app, options.talk);
+}
+
+void Describe(CLI::App& app, LogOptions& options) {
+  app.footer(kMoreOfLog);
+  app.add_option("FILE", options.file, "The trace")->type_name("")->required();
+  app.add_flag("--errors", options.errors, "Only what failed");
+  app.add_option("--since", options.since,
+                 "Only what began then or later: 14:05, \"2026-11-22 14:05:09\", or 10min ago")
+      ->type_name("WHEN");
+  auto* follow = app.add_flag("--follow", options.follow, "Go on with what is appended, until Ctrl-C");
+  app.add_flag("--csv", options.csv, "Comma-separated values");
+  app.add_option("--as-device", options.as_device,
+                 "Write a description for kesp-sim; the file must not be there yet")
+      ->type_name("OUT.json")
+      ->excludes(follow);
+}
+
+void Describe(CLI::App& app, SnippetOptions& options) {
+  app.add_option("LANGUAGE", options.language, "What it is written in")
+      ->type_name("")
+      ->required()
+      ->transform(CLI::IsMember(SnippetLanguages(), CLI::ignore_case));
+  app.add_option("ADDRESS", options.address, "Where the instrument is")->type_name("")->required();
+}
+
+void Describe(CLI::App& app, DoctorOptions& options) {
+  app.footer("Each line is OK, WARN or FAIL; the exit code is the number of FAILs.\n");
+  app.add_flag("--json", options.json, "As JSON");
+  app.add_flag("--this-width-only", options.this_width_only, "Do not ask the kesp.exe of the other width");
+}
+
+template <class Command>
+void Add(CLI::App& app, Options& options, const char* name, const char* about) {
+  CLI::App& added = *app.add_subcommand(name, about);
+  added.set_help_flag("-h,--help", "Print this text and end");
+  added.fallthrough();
+  // Where the parser stores them, until this command is the one.
+  auto own = std::make_shared<Command>();
+  Describe(added, *own);
+  added.callback([&options, own] { options.command = *own; });
+}
+
+void DescribeAll(CLI::App& app, Options& options) {
+  app.allow_windows_style_options(false);
+  app.footer(kMore);
+  app.set_help_flag("-h,--help", "Print this text and end");
+  app.set_version_flag("--version", "kesp " KESP_VERSION, "Print the version and end");
+  app.get_formatter()->column_width(24);
+  app.require_subcommand(1);
+  app.add_flag("--registered", options.registered,
+               "Use the registered library, not the one beside this program");
+  Add<QueryOptions>(app, options, "query", "Sends commands and prints the replies");
+  Add<SendOptions>(app, options, "send", "Sends commands and reads nothing");
+  Add<TerminalOptions>(app, options, "terminal", "A conversation, line by line");
+  Add<DetectOptions>(app, options, "detect", "Looks for the instrument at a port, an address or the GPIB");
+  Add<DiscoverOptions>(app, options, "discover", "Lists the instruments on the local network");
+  Add<PortsOptions>(app, options, "ports", "Lists the COM ports with their adapters");
+  Add<DownloadOptions>(app, options, "download", "Receives a long transfer at a COM port");
+  Add<EditOptions>(app, options, "edit", "Shows the settings dialog and prints the settings as an address");
+  Add<LogOptions>(app, options, "log", "Makes a trace readable, or makes a simulated device of it");
+  Add<SnippetOptions>(app, options, "snippet", "Prints a program that talks to an address");
+  Add<DoctorOptions>(app, options, "doctor", "Looks for all that keeps the library from working here");
+}
+
+// The word that stands where the command should, and is none; otherwise null.
+const std::string* NoCommand(const CLI::App& app, const std::vector<std::string>& arguments) {
+  const auto word = std::find_if(arguments.begin(), arguments.end(),
+                                 [](const std::string& each) { return !each.starts_with("-"); });
+  if (word == arguments.end()) return nullptr;
+  const auto named = app.get_subcommands([&word](const CLI::App* each) { return each->get_name() == *word; });
+  return named.empty() ? &*word : nullptr;
+}
+
+ParsedOptions Refused(std::string message) {
+  ParsedOptions parsed;
+  parsed.exit_code = kExitUsage;
+  parsed.error = std::move(message);
+  return parsed;
+}
+
+}  // namespace
+
+ParsedOptions ParseOptions(std::vector<std::string> arguments) {
+  ParsedOptions parsed;
+  Options options;
+  CLI::App app(kAbout, "kesp");
+  DescribeAll(app, options);
+  if (arguments.empty()) return Refused(app.help());
+  if (const std::string* word = NoCommand(app, arguments))
+    return Refused("\"" + *word + "\" is not a command; \"kesp --help\" lists them\n");
+  // The parser takes its arguments from the back.
+  std::reverse(arguments.begin(), arguments.end());
+  try {
+    app.parse(arguments);
+    parsed.options = options;
+  } catch (const CLI::ParseError& stop) {
+    std::ostringstream output;
+    std::ostringstream error;
+    parsed.exit_code = app.exit(stop, output, error) == 0 ? kExitDone : kExitUsage;
+    parsed.output = output.str();
+    parsed.error = error.str();
+  }
+  return parsed;
+}
+
+}  // namespace kesp::console

@@ -1,0 +1,95 @@
+// The command line.
+#include "console/options.h"
+
+#include <gtest/gtest.h>
+
+namespace kesp::console {
+namespace {
+
+template <class Command>
+Command Parsed(const std::vector<std::string>& arguments) {
+  const ParsedOptions parsed = ParseOptions(arguments);
+  EXPECT_TRUE(parsed.options) << parsed.error;
+  if (!parsed.options) return {};
+  EXPECT_TRUE(std::holds_alternative<Command>(parsed.options->command));
+  return std::get<Command>(parsed.options->command);
+}
+
+TEST(ParseOptions, Query_TakesWhatIsSaid) {
+  const auto query = Parsed<QueryOptions>({"query", "com3", "*IDN?", "t", "--timeout", "2s", "--repeat", "3",
+                                           "--every", "250ms", "--csv", "--trace", "t.log"});
+  EXPECT_EQ(query.talk.address, "com3");
+  EXPECT_EQ(query.commands, (std::vector<std::string>{"*IDN?", "t"}));
+  EXPECT_EQ(query.talk.timeout_ms, 2000);
+  EXPECT_EQ(query.talk.trace, "t.log");
+  EXPECT_EQ(query.repeat, 3);
+  EXPECT_EQ(query.every_ms, 250);
+  EXPECT_TRUE(query.csv);
+  EXPECT_FALSE(query.json || query.hex || query.crlf_as_is);
+}
+
+TEST(ParseOptions, Registered_StandsBeforeAndBehindTheCommand) {
+  EXPECT_TRUE(ParseOptions({"--registered", "discover"}).options->registered);
+  EXPECT_TRUE(ParseOptions({"discover", "--registered"}).options->registered);
+  EXPECT_FALSE(ParseOptions({"discover"}).options->registered);
+}
+
+TEST(ParseOptions, NamesOfValues_AreTakenInAnyCase) {
+  EXPECT_EQ(Parsed<DetectOptions>({"detect", "com3", "--level", "SCPI"}).level, 1);
+  EXPECT_EQ(Parsed<DetectOptions>({"detect", "com3"}).level, 3);
+  EXPECT_EQ(Parsed<SnippetOptions>({"snippet", "PowerShell", "com3"}).language, "powershell");
+}
+
+TEST(ParseOptions, OtherCommands_HaveTheirOptions) {
+  EXPECT_EQ(Parsed<SendOptions>({"send", "gpib:5", "*RST"}).commands, std::vector<std::string>{"*RST"});
+  EXPECT_EQ(Parsed<TerminalOptions>({"terminal", "gpib:5"}).talk.address, "gpib:5");
+  EXPECT_EQ(Parsed<DiscoverOptions>({"discover", "--timeout", "1min"}).timeout_ms, 60'000);
+  EXPECT_TRUE(Parsed<PortsOptions>({"ports", "--probe"}).probe);
+  EXPECT_EQ(Parsed<DownloadOptions>({"download", "com3", "f.bin", "--command", "DUMP"}).command, "DUMP");
+  EXPECT_EQ(Parsed<EditOptions>({"edit", "com3"}).talk.address, "com3");
+  EXPECT_EQ(Parsed<LogOptions>({"log", "t.log", "--since", "10min", "--as-device", "o.json"}).as_device,
+            "o.json");
+  EXPECT_TRUE(Parsed<DoctorOptions>({"doctor", "--json"}).json);
+}
+
+TEST(ParseOptions, HelpAndVersion_SucceedWithAText) {
+  const std::pair<std::vector<std::string>, std::vector<std::string>> cases[] = {
+      {{"--help"},
+       {"Addresses:", "Examples:", "query", "send", "terminal", "detect", "discover", "ports", "download",
+        "edit", "log", "snippet", "doctor"}},
+      {{"--version"}, {"kesp " KESP_VERSION "\n"}},
+      {{"query", "--help"},
+       {"--timeout", "--binary", "--hex", "--json", "--csv", "--repeat", "--every", "--crlf-as-is"}},
+      {{"log", "--help"}, {"--errors", "--since", "--follow", "--csv", "--as-device"}},
+  };
+  for (const auto& [arguments, texts] : cases) {
+    const ParsedOptions parsed = ParseOptions(arguments);
+    EXPECT_FALSE(parsed.options);
+    EXPECT_EQ(parsed.exit_code, kExitDone);
+    for (const std::string& text : texts) EXPECT_NE(parsed.output.find(text), std::string::npos) << text;
+  }
+}
+
+TEST(ParseOptions, Mistakes_AreRefusedWithAMessage) {
+  const std::pair<std::vector<std::string>, std::string> cases[] = {
+      {{}, "Examples:"},
+      {{"qery", "com3", "*IDN?"}, "\"qery\" is not a command"},
+      {{"query", "com3"}, "CMD"},
+      {{"query", "com3", "t", "--timeout", "soon"}, "\"soon\" is not a time"},
+      {{"query", "com3", "t", "--every", "1s"}, "--repeat"},
+      {{"query", "com3", "t", "--json", "--csv"}, "--csv"},
+      {{"query", "com3", "t", "--repeat", "-1"}, "-1"},
+      {{"detect", "com3", "--level", "4x"}, "4x"},
+      {{"snippet", "cobol", "com3"}, "cobol"},
+      {{"log", "t.log", "--follow", "--as-device", "o.json"}, "--follow"},
+  };
+  for (const auto& [arguments, text] : cases) {
+    const ParsedOptions parsed = ParseOptions(arguments);
+    EXPECT_FALSE(parsed.options);
+    EXPECT_EQ(parsed.exit_code, kExitUsage);
+    EXPECT_NE(parsed.error.find(text), std::string::npos) << parsed.error;
+  }
+}
+
+}  // namespace
+}  // namespace kesp::console

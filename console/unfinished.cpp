@@ -1,0 +1,41 @@
+// Commands that are not written yet.
+#include "console/commands.h"
+#include "console/usage_error.h"
+
+namespace kesp::console {
+
+int Run(const QueryOptions&, Surroundings&) {
+  throw UsageError("not written yet");
+}
+int Run(const SendOptions&, Surroundings&) {
+  throw UsageError("not written yet");
+}
+int Run(const TerminalOptions&, Surroundings&) {
+  throw UsageError("not written yet");
+}
+int Run(const DetectOptions&, Surroundings&) {
+  throw UsageError("not written yet");
+}
+int Run(const DiscoverOptions&, Surroundings&) {
+  throw UsageError("not written yet");
+}
+int Run(const PortsOptions&, Surroundings&) {
+  throw UsageError("not written yet");
+}
+int Run(const DownloadOptions&, Surroundings&) {
+  throw UsageError("not written yet");
+}
+int Run(const EditOptions&, Surroundings&) {
+  throw UsageError("not written yet");
+}
+int Run(const LogOptions&, Surroundings&) {
+  throw UsageError("not written yet");
+}
+int Run(const SnippetOptions&, Surroundings&) {
+  throw UsageError("not written yet");
+}
+int Run(const DoctorOptions&, Surroundings&) {
+  throw UsageError("not written yet");
+}
+
+}  // namespace kesp::console
