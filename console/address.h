@@ -17,48 +17,49 @@ using CharacterCodes = std::vector<unsigned char>;
 // "tcp:HOST[:PORT][,eos=CODE[+CODE]][,any]"
 struct TcpAddress {
   std::string host;
-  int port = 10001;    // 1 to 32767, as the library takes it
-  CharacterCodes eos;  // what ends a reply; empty: a carriage return
-  bool any = false;    // any arrival ends a reply
+  int port = 10001;      // 1 to 32767, as the library takes it
+  CharacterCodes eos{};  // what ends a reply; empty: a carriage return
+  bool any = false;      // any arrival ends a reply
   bool operator==(const TcpAddress&) const = default;
 };
 
 // What can stand behind "com3" and "usb:SERIAL": "@BAUD,8N1" and more.
 struct LineOptions {
-  std::optional<int> baud;           // bits per second; nothing: not said
-  int data_bits = 8;                 // 4 to 8
-  char parity = 'N';                 // N, E, O, M, S
-  std::string stop_bits = "1";       // "1", "1.5", "2"
-  bool frame_said = false;           // otherwise the kind of controller decides about the three above
-  std::optional<std::string> omega;  // the address of an Omega controller: CS_OMEGA
-  bool precidia = false;             // CS_PRECIDIA
-  std::optional<int> modem;  // the instrument behind a radio modem: CS_MAXSTREAM, UseRFModem, InstrAddr
+  std::optional<int> baud;                 // bits per second; nothing: not said
+  int data_bits = 8;                       // 4 to 8
+  char parity = 'N';                       // N, E, O, M, S
+  std::string stop_bits = "1";             // "1", "1.5", "2"
+  bool frame_said = false;                 // otherwise the kind of controller decides about the three above
+  std::optional<std::string> omega;        // the address of an Omega controller: CS_OMEGA
+  bool precidia = false;                   // CS_PRECIDIA
+  std::optional<int> modem;                // the instrument behind a radio modem: UseRFModem, InstrAddr
   std::optional<std::string> port_switch;  // the port of the switch: UseSmartSwitch, SSPort
+  int switch_ports = 6;                    // how many it has, 4, 6 or 8: Style
   bool infrared = false;                   // UseIRDongle
   bool cr = false;                         // a lone CR ends a reply: UseRedirector
   bool operator==(const LineOptions&) const = default;
 };
 
-// "com3[@BAUD][,8N1][,omega=01][,precidia][,modem=5][,switch=2][,ir][,cr]"
+// "com3[@BAUD][,8N1][,omega=01][,precidia][,modem=5][,switch=B[/4]][,ir][,cr]"
 struct ComAddress {
   int port = 1;  // 1 to 256
-  LineOptions line;
+  LineOptions line{};
   bool operator==(const ComAddress&) const = default;
 };
 
 // "usb:SERIAL[...]": the COM port of the adapter with that serial number.
 struct UsbAddress {
   std::string serial;
-  LineOptions line;
+  LineOptions line{};
   bool operator==(const UsbAddress&) const = default;
 };
 
-// "gpib:PRIMARY[/SECONDARY][,eos=CODE][,noclear]"; "gpib:" alone for a search.
+// "gpib:[PRIMARY[/SECONDARY]][,eos=CODE][,noclear]"; without a primary address for a search.
 struct GpibAddress {
-  std::optional<int> primary;  // 1 to 30
-  int secondary = 0;           // 0 (none) to 30
-  int eos = 10;                // the code of the character behind a command
-  bool clear = true;           // the device is cleared when it is opened
+  std::optional<int> primary{};  // 1 to 30
+  int secondary = 0;             // 0 (none) to 30
+  int eos = 10;                  // the code of the character behind a command
+  bool clear = true;             // the device is cleared when it is opened
   bool operator==(const GpibAddress&) const = default;
 };
 
