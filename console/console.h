@@ -25,8 +25,14 @@ class Console {
   // end of the input and after Ctrl-C. The prompt is shown only where a person types.
   virtual std::optional<std::string> ReadLine(const std::string& prompt) = 0;
 
-  // Whether Ctrl-C was pressed. While this lives the program is not ended by it.
+  // Whether Ctrl-C was pressed. The first one does not end the program, the second one does.
   virtual bool Interrupted() const = 0;
+  // From now on: kNote as at first, or the first one ends the program at once with kExitInterrupted.
+  enum class OnInterrupt { kNote, kEnd };
+  virtual void SetOnInterrupt(OnInterrupt what) = 0;
+
+  // Whether a person types what ReadLine reads, in place of a file or another program.
+  virtual bool IsTypedAt() const = 0;
 
   // Columns of the window; 0 where the output is no console.
   virtual int Width() const = 0;

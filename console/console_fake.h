@@ -17,6 +17,8 @@ class ConsoleFake : public Console {
   void ShowProgress(const std::string& line) override { progress.push_back(line); }
   std::optional<std::string> ReadLine(const std::string& prompt) override;
   bool Interrupted() const override;
+  void SetOnInterrupt(OnInterrupt what) override { on_interrupt = what; }
+  bool IsTypedAt() const override { return typed_at; }
   int Width() const override { return width; }
 
   // Ctrl-C is pressed at once, or when Interrupted has been asked that many times with false.
@@ -31,6 +33,8 @@ class ConsoleFake : public Console {
   std::function<void()> on_read;  // before each line: to press Ctrl-C, for example
   bool full = false;              // Write throws std::system_error
   int width = 0;
+  bool typed_at = true;  // by a person
+  OnInterrupt on_interrupt = OnInterrupt::kNote;
 
  private:
   mutable int interrupt_after_ = -1;  // negative: nobody presses it

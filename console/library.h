@@ -50,6 +50,13 @@ using OnDetectionStep = std::function<bool(const DetectionStep&)>;
 // So many characters have been received. Returns false to set Abort.
 using OnTransfer = std::function<bool(std::int64_t received)>;
 
+// A long transfer, to its end or as far as it came.
+struct Transfer {
+  std::string bytes;
+  bool aborted = false;                 // a step was answered with false
+  std::optional<LibraryError> failure;  // the port failed in the middle
+};
+
 enum class DetectLevel { kScpi = 1, kCommon = 2, kAll = 3 };
 
 // An instrument at an address. Texts are UTF-8. Members throw LibraryError.
@@ -61,8 +68,8 @@ class Instrument {
   virtual void Update(const std::string& cmd) = 0;
   // The answer; nothing when nobody answered or a step was answered with false.
   virtual std::optional<std::string> Detect(DetectLevel level, const OnDetectionStep& on_step) = 0;
-  // COM ports only: the bytes of a long transfer, begun by `cmd` unless that is empty. Nothing when aborted.
-  virtual std::optional<std::string> Download(const std::string& cmd, const OnTransfer& on_transfer) = 0;
+  // COM ports only: a long transfer, begun by `cmd` unless that is empty. Throws where nothing came.
+  virtual Transfer Download(const std::string& cmd, const OnTransfer& on_transfer) = 0;
   // The settings dialog: true when it was confirmed. Not with the GPIB, which has none.
   virtual bool Edit() = 0;
   // The settings as they are now, after a detection or the dialog too.
@@ -81,7 +88,8 @@ class Library {
   virtual ~Library() = default;
   // An address of the form "usb:..." has been replaced by its COM port. Opens nothing yet.
   virtual std::unique_ptr<Instrument> At(const Address& address, const Tuning& tuning) = 0;
-  // All instruments on the local network; a step tells which one is asked.
+  // All instruments on the local network; a step tells which one is asked. After a step that was answered with
+  // false nobody further is asked: those who were not have an address only.
   virtual std::vector<FoundInstrument> Discover(const std::string& trace, const OnDetectionStep& on_step) = 0;
 };
 

@@ -26,12 +26,12 @@ class InstrumentFake : public Instrument {
     return library_.detected;
   }
 
-  std::optional<std::string> Download(const std::string& cmd, const OnTransfer& on_transfer) override {
+  Transfer Download(const std::string& cmd, const OnTransfer& on_transfer) override {
     library_.calls.push_back("Download " + cmd);
     for (const std::int64_t received : library_.transfer_steps)
-      if (Aborted(on_transfer(received))) return std::nullopt;
-    if (library_.transfer_fails) throw LibraryError(*library_.transfer_fails);
-    return library_.transfer;
+      if (Aborted(on_transfer(received))) return {library_.transfer, true, std::nullopt};
+    if (library_.transfer_fails && library_.transfer.empty()) throw LibraryError(*library_.transfer_fails);
+    return {library_.transfer, false, library_.transfer_fails};
   }
 
   bool Edit() override {

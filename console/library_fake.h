@@ -38,8 +38,8 @@ class LibraryFake : public Library {
   std::vector<FoundInstrument> found;
 
   std::vector<std::int64_t> transfer_steps;
-  std::string transfer;                        // the bytes of Download
-  std::optional<LibraryError> transfer_fails;  // after the steps
+  std::string transfer;                        // the bytes of Download, also when it is aborted or fails
+  std::optional<LibraryError> transfer_fails;  // after the steps; thrown when there are no bytes
   bool confirmed = true;                       // what Edit returns
   bool aborted = false;                        // a step was answered with false
 
