@@ -3,16 +3,11 @@
 
 #include <exception>
 
+#include "console/failure_text.h"
 #include "console/usage_error.h"
 
 namespace kesp::console {
 namespace {
-
-std::string Described(const LibraryError& error) {
-  std::string text = std::string(error.what()) + " (" + error.status();
-  if (!error.source().empty()) text += ", " + error.source();
-  return text + ")";
-}
 
 int Fail(Console& console, const std::string& text, int code) {
   console.ShowProgress("");
@@ -26,7 +21,7 @@ int RunCommand(const Options& options, Surroundings& around) {
   try {
     return std::visit([&around](const auto& command) { return Run(command, around); }, options.command);
   } catch (const LibraryError& error) {
-    return Fail(around.console, Described(error), kExitFailed);
+    return Fail(around.console, FailureText(error), kExitFailed);
   } catch (const AddressError& error) {
     return Fail(around.console, std::string("a mistake in the address\n") + error.what(), kExitUsage);
   } catch (const UsageError& error) {

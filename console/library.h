@@ -88,8 +88,8 @@ class Library {
   virtual ~Library() = default;
   // An address of the form "usb:..." has been replaced by its COM port. Opens nothing yet.
   virtual std::unique_ptr<Instrument> At(const Address& address, const Tuning& tuning) = 0;
-  // All instruments on the local network; a step tells which one is asked. After a step that was answered with
-  // false nobody further is asked: those who were not have an address only.
+  // All instruments on the local network; a step tells which one is asked. After a step that was answered
+  // with false nobody further is asked: those who were not have an address only.
   virtual std::vector<FoundInstrument> Discover(const std::string& trace, const OnDetectionStep& on_step) = 0;
 };
 

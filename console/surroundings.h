@@ -1,6 +1,7 @@
 // All that a command needs of the world around it.
 #pragma once
 
+#include "console/broadcast_adapter.h"
 #include "console/clock.h"
 #include "console/console.h"
 #include "console/library.h"
@@ -15,6 +16,10 @@ struct Surroundings {
   Machine& machine;
   // Loads the DLL at the first call. Throws LibraryError when it cannot be had.
   std::function<Library&()> library;
+  // By which the broadcast of a discovery leaves; nothing where the system does not tell.
+  std::function<std::optional<BroadcastAdapter>()> broadcast_adapter = [] {
+    return std::optional<BroadcastAdapter>();
+  };
 };
 
 }  // namespace kesp::console

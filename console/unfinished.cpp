@@ -10,22 +10,7 @@ int Run(const QueryOptions&, Surroundings&) {
 int Run(const SendOptions&, Surroundings&) {
   throw UsageError("not written yet");
 }
-int Run(const TerminalOptions&, Surroundings&) {
-  throw UsageError("not written yet");
-}
-int Run(const DetectOptions&, Surroundings&) {
-  throw UsageError("not written yet");
-}
-int Run(const DiscoverOptions&, Surroundings&) {
-  throw UsageError("not written yet");
-}
 int Run(const PortsOptions&, Surroundings&) {
-  throw UsageError("not written yet");
-}
-int Run(const DownloadOptions&, Surroundings&) {
-  throw UsageError("not written yet");
-}
-int Run(const EditOptions&, Surroundings&) {
   throw UsageError("not written yet");
 }
 int Run(const LogOptions&, Surroundings&) {

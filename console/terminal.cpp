@@ -1,0 +1,170 @@
+// The loop of a conversation.
+#include "console/terminal.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "console/duration.h"
+#include "console/failure_text.h"
+#include "console/hexadecimal.h"
+#include "console/instrument_at.h"
+
+namespace kesp::console {
+namespace {
+
+using Kind = TerminalLine::Kind;
+using OnInterrupt = Console::OnInterrupt;
+
+constexpr char kHelp[] =
+    "*IDN?          sends *IDN? and shows the reply\n"
+    "::MEAS?        sends :MEAS?, since one colon is for the words below\n"
+    ":send *RST     sends *RST, which is not answered\n"
+    ":hex           shows replies as bytes, and again as text\n"
+    ":timeout 5s    waits so long for a reply\n"
+    ":log FILE      writes what is said into a file, too; :log alone ends that\n"
+    ":quit          leaves, as Ctrl-C does\n";
+
+// Ctrl-C ends the program while this lives: the library cannot be called back from a wait for a reply.
+class EndsAtOnce {
+ public:
+  explicit EndsAtOnce(Console& console) : console_(console) { console_.SetOnInterrupt(OnInterrupt::kEnd); }
+  ~EndsAtOnce() { console_.SetOnInterrupt(OnInterrupt::kNote); }
+  EndsAtOnce(const EndsAtOnce&) = delete;
+  EndsAtOnce& operator=(const EndsAtOnce&) = delete;
+
+ private:
+  Console& console_;
+};
+
+// "14:05:09.123" of "2026-11-22T14:05:09.123"
+std::string TimeOfDay(const std::string& time) {
+  return time.substr(time.find('T') + 1);
+}
+
+std::string InMilliseconds(std::chrono::microseconds duration) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%8.1f ms", static_cast<double>(duration.count()) / 1000);
+  return text;
+}
+
+// A reply that did not come, or was garbled, says nothing against the port.
+bool IsOfTheReply(const LibraryError& error) {
+  return error.status() == "cfrTimeout" || error.status() == "cfrInvalidData";
+}
+
+}  // namespace
+
+Terminal::Terminal(TalkOptions talk, Surroundings& around)
+    : talk_(std::move(talk)), around_(around), prompt_(TextOf(ParseAddress(talk_.address)) + "> ") {}
+
+bool Terminal::Run() {
+  if (around_.console.IsTypedAt())
+    around_.console.WriteError(":help lists the words of the terminal, :quit leaves\n");
+  while (const auto text = around_.console.ReadLine(prompt_)) {
+    const TerminalLine line = ReadTerminalLine(*text);
+    if (line.kind == Kind::kQuit) break;
+    try {
+      Obey(line);
+    } catch (const std::runtime_error& error) {
+      Fail(error.what());
+    }
+  }
+  return !failed_;
+}
+
+void Terminal::Obey(const TerminalLine& line) {
+  switch (line.kind) {
+    case Kind::kNothing:
+    case Kind::kQuit:
+      break;
+    case Kind::kQuery:
+    case Kind::kSend:
+      return Exchange(line);
+    case Kind::kHex:
+      hex_ = !hex_;
+      around_.console.WriteError(hex_ ? "replies are shown as bytes\n" : "replies are shown as text\n");
+      break;
+    case Kind::kTimeout:
+      return SetTimeout(line.text);
+    case Kind::kLog:
+      return SetLog(line.text);
+    case Kind::kHelp:
+      return around_.console.WriteError(kHelp);
+    case Kind::kUnknown:
+      Fail("\"" + line.text +
+           "\" is not a word of the terminal, which :help lists; to send it, write \":" + line.text + "\"");
+  }
+}
+
+void Terminal::Exchange(const TerminalLine& line) {
+  Note(around_.clock.LocalTime(), '>', line.text);
+  const auto start = around_.clock.Now();
+  std::string said;
+  std::string failure;
+  try {
+    said = Said(line);
+  } catch (const LibraryError& error) {
+    failure = FailureText(error);
+    if (!IsOfTheReply(error)) instrument_.reset();
+  }
+  const std::string duration = InMilliseconds(around_.clock.Now() - start);
+  const std::string time = around_.clock.LocalTime();
+  const std::string stamp = TimeOfDay(time) + "  " + duration + "  ";
+  if (failure.empty()) {
+    around_.console.Write(stamp + said + "\n");
+  } else {
+    Fail(stamp + failure);
+  }
+  Note(time, failure.empty() ? '<' : '!', failure.empty() ? said : failure);
+}
+
+std::string Terminal::Said(const TerminalLine& line) {
+  const EndsAtOnce ends(around_.console);
+  Instrument& instrument = Opened();
+  if (line.kind == Kind::kSend) {
+    instrument.Update(line.text);
+    return "sent";
+  }
+  if (hex_) return HexadecimalOf(instrument.QueryBinary(line.text));
+  std::string reply = instrument.Query(line.text);
+  // Those of the GPIB come with their line end.
+  reply.erase(reply.find_last_not_of("\r\n") + 1);
+  return reply;
+}
+
+void Terminal::SetTimeout(const std::string& duration) {
+  const auto milliseconds = ReadDuration(duration);
+  if (!milliseconds) return Fail("\"" + duration + "\" is not a time such as 500ms, 5000 or 2s");
+  // Counts for the instrument that is opened next, too.
+  talk_.timeout_ms = milliseconds;
+  if (instrument_) instrument_->SetTimeout(*milliseconds);
+}
+
+void Terminal::SetLog(const std::string& name) {
+  name.empty() ? log_.End() : log_.Begin(name);
+}
+
+void Terminal::Note(const std::string& time, char sign, const std::string& text) {
+  try {
+    log_.Note(time, sign, text);
+  } catch (const std::runtime_error& error) {
+    Fail(error.what());
+  }
+}
+
+void Terminal::Fail(const std::string& text) {
+  failed_ = true;
+  around_.console.WriteError(text + "\n");
+}
+
+Instrument& Terminal::Opened() {
+  if (!instrument_) {
+    Tuning tuning;
+    // An instrument that resets itself when its port is opened keeps its state from line to line.
+    tuning.keep_open = true;
+    instrument_ = InstrumentAt(talk_, around_, tuning);
+  }
+  return *instrument_;
+}
+
+}  // namespace kesp::console

@@ -1,0 +1,45 @@
+// A conversation with one instrument, line by line.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "console/conversation_log.h"
+#include "console/options.h"
+#include "console/surroundings.h"
+#include "console/terminal_line.h"
+
+namespace kesp::console {
+
+class Terminal {
+ public:
+  Terminal(TalkOptions talk, Surroundings& around);
+
+  // Until ":quit", the end of the input or Ctrl-C. False when something failed on the way.
+  bool Run();
+
+ private:
+  void Obey(const TerminalLine& line);
+  // One command: what was said is shown and noted with its time and duration.
+  void Exchange(const TerminalLine& line);
+  // The reply of a query, as it is shown; "sent" where nothing is awaited.
+  std::string Said(const TerminalLine& line);
+  void SetTimeout(const std::string& duration);
+  void SetLog(const std::string& name);
+  // Into the log, where there is one.
+  void Note(const std::string& time, char sign, const std::string& text);
+  // Tells a failure; the conversation goes on.
+  void Fail(const std::string& text);
+  // The instrument, opened anew after a failure of its port.
+  Instrument& Opened();
+
+  TalkOptions talk_;
+  Surroundings& around_;
+  std::string prompt_;
+  std::unique_ptr<Instrument> instrument_;
+  ConversationLog log_;
+  bool hex_ = false;
+  bool failed_ = false;
+};
+
+}  // namespace kesp::console

@@ -1,0 +1,133 @@
+// "kesp terminal": what is said, failures that it goes on after, and its own words.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "console/command_fixture.h"
+
+namespace kesp::console {
+namespace {
+
+class TerminalCommandTest : public CommandFixture {
+ protected:
+  TerminalCommandTest() {
+    options_.talk.address = "com3";
+    library_.Answer("*IDN?", "KESP,7100\r\n");
+    library_.on_exchange = [this] { clock_.Advance(std::chrono::microseconds(12'340)); };
+  }
+
+  int Talk(std::deque<std::string> lines) {
+    console_.typed = std::move(lines);
+    return Run(options_);
+  }
+  int TalkFromAFile(std::deque<std::string> lines) {
+    console_.typed_at = false;
+    return Talk(std::move(lines));
+  }
+
+  TerminalOptions options_;
+};
+
+TEST_F(TerminalCommandTest, Reply_WithTheTimeAndTheDuration) {
+  EXPECT_EQ(Talk({"*IDN?", "", ":send *RST"}), kExitDone);
+  EXPECT_EQ(console_.output,
+            "14:05:09.012      12.3 ms  KESP,7100\n"
+            "14:05:09.024      12.3 ms  sent\n");
+  EXPECT_EQ(library_.calls, (std::vector<std::string>{"At com3", "Query *IDN?", "Update *RST"}));
+  EXPECT_TRUE(library_.tunings.front().keep_open);
+  EXPECT_EQ(console_.prompts.front(), "com3> ");
+  EXPECT_EQ(console_.error, ":help lists the words of the terminal, :quit leaves\n");
+}
+
+TEST_F(TerminalCommandTest, FromAFile_NoGreeting) {
+  EXPECT_EQ(TalkFromAFile({"*IDN?"}), kExitDone);
+  EXPECT_EQ(console_.error, "");
+}
+
+TEST_F(TerminalCommandTest, Quit_LeavesTheRest) {
+  EXPECT_EQ(Talk({":QUIT", "*IDN?"}), kExitDone);
+  EXPECT_TRUE(library_.calls.empty());
+}
+
+TEST_F(TerminalCommandTest, QueryFails_ToldAndTheTerminalGoesOn) {
+  EXPECT_EQ(TalkFromAFile({"NO?", "*IDN?"}), kExitFailed);
+  EXPECT_NE(console_.error.find("14:05:09.012      12.3 ms  Timeout (cfrTimeout, [CKespTCP - ReadLine()])"),
+            std::string::npos);
+  EXPECT_EQ(console_.output, "14:05:09.024      12.3 ms  KESP,7100\n");
+  EXPECT_EQ(library_.calls, (std::vector<std::string>{"At com3", "Query NO?", "Query *IDN?"}));
+}
+
+TEST_F(TerminalCommandTest, QueryFailsWhereAPersonTypes_TheExitCodeSaysNothing) {
+  EXPECT_EQ(Talk({"NO?"}), kExitDone);
+}
+
+TEST_F(TerminalCommandTest, ThePortFails_ItIsOpenedAnewWithTheTimeoutThatWasSet) {
+  library_.Fail("A?", LibraryError("cfrReadFailed", "CKespCOMPort3 - ReadLine() [commCOMControl]",
+                                   "Error reading comm device"));
+  Talk({"*IDN?", ":timeout 5s", "A?", "*IDN?"});
+  EXPECT_EQ(library_.calls, (std::vector<std::string>{"At com3", "Query *IDN?", "SetTimeout 5000", "Query A?",
+                                                      "At com3", "Query *IDN?"}));
+  EXPECT_EQ(library_.tunings.back().timeout_ms, 5000);
+}
+
+TEST_F(TerminalCommandTest, Hex_ShowsBytesUntilItIsSaidAgain) {
+  library_.Answer("D?", std::string("\0\x0D\xFF", 3));
+  Talk({":hex", "D?", ":hex", "*IDN?"});
+  EXPECT_EQ(console_.output,
+            "14:05:09.012      12.3 ms  00 0D FF\n"
+            "14:05:09.024      12.3 ms  KESP,7100\n");
+  EXPECT_EQ(library_.calls[1], "QueryBinary D?");
+}
+
+TEST_F(TerminalCommandTest, Log_HasWhatIsSaidFromThenOn) {
+  const std::filesystem::path file = std::filesystem::path(testing::TempDir()) / "kesp-conversation.txt";
+  std::filesystem::remove(file);
+  Talk({"*IDN?", ":log " + file.string(), "*IDN?", "NO?", ":log", "*IDN?"});
+  std::ifstream stream(file);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(stream), {}),
+            "2026-11-22T14:05:09.012 > *IDN?\n"
+            "2026-11-22T14:05:09.024 < KESP,7100\n"
+            "2026-11-22T14:05:09.024 > NO?\n"
+            "2026-11-22T14:05:09.037 ! Timeout (cfrTimeout, [CKespTCP - ReadLine()])\n");
+  std::filesystem::remove(file);
+}
+
+TEST_F(TerminalCommandTest, LogThatCannotBeWritten_ToldAndTheTerminalGoesOn) {
+  EXPECT_EQ(TalkFromAFile({":log /no/such/folder", "*IDN?", ":log /dev/full", "*IDN?", "*IDN?"}),
+            kExitFailed);
+  EXPECT_EQ(console_.error,
+            "/no/such/folder cannot be written\n"
+            "/dev/full cannot be written any more; the log ends here\n");
+  EXPECT_EQ(library_.calls.size(), 4U);
+}
+
+TEST_F(TerminalCommandTest, WordsThatAreNone_AreToldAndNothingIsSent) {
+  EXPECT_EQ(TalkFromAFile({":MEAS?", ":timeout soon"}), kExitFailed);
+  EXPECT_EQ(console_.error,
+            "\":MEAS?\" is not a word of the terminal, which :help lists; to send it, write \"::MEAS?\"\n"
+            "\"soon\" is not a time such as 500ms, 5000 or 2s\n");
+  EXPECT_TRUE(library_.calls.empty());
+}
+
+TEST_F(TerminalCommandTest, CtrlC_LeavesAtThePromptAndEndsAWaitAtOnce) {
+  std::vector<Console::OnInterrupt> seen;
+  library_.on_exchange = [&] { seen.push_back(console_.on_interrupt); };
+  console_.on_read = [&] {
+    seen.push_back(console_.on_interrupt);
+    if (console_.prompts.size() == 3) console_.Interrupt();
+  };
+  EXPECT_EQ(Talk({"*IDN?", "NO?", "*IDN?"}), kExitDone);
+  using enum Console::OnInterrupt;
+  EXPECT_EQ(seen, (std::vector<Console::OnInterrupt>{kNote, kEnd, kNote, kEnd, kNote}));
+}
+
+TEST_F(TerminalCommandTest, MistakeInTheAddress_ToldBeforeAnythingIsTyped) {
+  options_.talk.address = "com0";
+  EXPECT_EQ(Talk({"*IDN?"}), kExitUsage);
+  EXPECT_TRUE(console_.prompts.empty());
+}
+
+}  // namespace
+}  // namespace kesp::console
