@@ -20,6 +20,8 @@ int Fail(Console& console, const std::string& text, int code) {
 int RunCommand(const Options& options, Surroundings& around) {
   try {
     return std::visit([&around](const auto& command) { return Run(command, around); }, options.command);
+  } catch (const NoLibrary& error) {
+    return Fail(around.console, error.what(), kExitNoLibrary);
   } catch (const LibraryError& error) {
     return Fail(around.console, FailureText(error), kExitFailed);
   } catch (const AddressError& error) {

@@ -29,6 +29,12 @@ class LibraryError : public std::runtime_error {
   std::string source_;
 };
 
+// The library cannot be had at all. what() tells why, and what helps: the exit code is kExitNoLibrary.
+class NoLibrary : public LibraryError {
+ public:
+  explicit NoLibrary(const std::string& why) : LibraryError("", "", why) {}
+};
+
 // What all commands that talk may ask for besides the address.
 struct Tuning {
   std::optional<int>

@@ -42,7 +42,7 @@ constexpr char kMore[] =
     "500ms, 2s, 1min, 1h.\n"
     "Exit codes: 0 done, 1 the instrument or the library failed, 2 a mistake in the command line or an "
     "address,\n"
-    "3 ended by Ctrl-C; of \"doctor\" the number of FAILs.\n";
+    "3 the library cannot be loaded, 4 ended by Ctrl-C; of \"doctor\" the number of FAILs.\n";
 
 constexpr char kMoreOfQuery[] =
     "Standard output holds the reply alone. A reply over TCP/IP or from a COM port comes without its line "

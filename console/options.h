@@ -12,7 +12,8 @@ namespace kesp::console {
 inline constexpr int kExitDone = 0;
 inline constexpr int kExitFailed = 1;       // no reply, nothing found, a file that cannot be written
 inline constexpr int kExitUsage = 2;        // a mistake in the command line or an address
-inline constexpr int kExitInterrupted = 3;  // by Ctrl-C, before there was a result
+inline constexpr int kExitNoLibrary = 3;    // the DLL is not there, or not registered
+inline constexpr int kExitInterrupted = 4;  // by Ctrl-C, before it was done
 
 // What the commands that talk have in common.
 struct TalkOptions {

@@ -14,7 +14,7 @@ struct Surroundings {
   Console& console;
   Clock& clock;
   Machine& machine;
-  // Loads the DLL at the first call. Throws LibraryError when it cannot be had.
+  // Loads the DLL at the first call. Throws NoLibrary when it cannot be had.
   std::function<Library&()> library;
   // By which the broadcast of a discovery leaves; nothing where the system does not tell.
   std::function<std::optional<BroadcastAdapter>()> broadcast_adapter = [] {

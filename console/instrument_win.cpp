@@ -1,0 +1,104 @@
+// Commands and replies through the communication object.
+#include "console/instrument_win.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include "console/error_names_win.h"
+#include "console/utf8_path.h"
+#include "console/wide_text_win.h"
+
+namespace kesp::console {
+namespace {
+
+// A value that the library fills in.
+class ComValue {
+ public:
+  ComValue() { VariantInit(&value_); }
+  ~ComValue() { VariantClear(&value_); }
+  ComValue(const ComValue&) = delete;
+  ComValue& operator=(const ComValue&) = delete;
+  VARIANT* out() { return &value_; }
+
+  // Of an array of bytes; nothing of anything else.
+  std::string Bytes() const {
+    if (V_VT(&value_) != (VT_ARRAY | VT_UI1)) return {};
+    LONG last = -1;
+    Check(SafeArrayGetUBound(V_ARRAY(&value_), 1, &last));
+    void* data = nullptr;
+    Check(SafeArrayAccessData(V_ARRAY(&value_), &data));
+    std::string bytes(static_cast<const char*>(data), static_cast<std::size_t>(last + 1));
+    SafeArrayUnaccessData(V_ARRAY(&value_));
+    return bytes;
+  }
+
+ private:
+  VARIANT value_;
+};
+
+std::unique_ptr<TransportSettings> Apply(_CKespCommObj* comm, const Address& address) {
+  if (const auto* tcp = std::get_if<TcpAddress>(&address)) return ApplyTcp(comm, *tcp);
+  if (const auto* gpib = std::get_if<GpibAddress>(&address)) return ApplyGpib(comm, *gpib);
+  return ApplyCom(comm, std::get<ComAddress>(address));
+}
+
+}  // namespace
+
+InstrumentWin::InstrumentWin(ComPtr<_CKespCommObj> comm, const Address& address, const Tuning& tuning)
+    : comm_(std::move(comm)), settings_(Apply(comm_.Get(), address)) {
+  if (tuning.timeout_ms) settings_->SetTimeout(*tuning.timeout_ms);
+  if (tuning.crlf_as_is) settings_->LeaveLineEnds();
+  if (const auto* com = std::get_if<ComAddress>(&address)) {
+    omega_ = com->line.omega.value_or("");
+    closes_after_failure_ = tuning.keep_open;
+    Write(comm_.Get(), &_CKespCommObj::put_AutoClose, !tuning.keep_open);
+    Check(comm_->SetInputMode(imBinary));
+  }
+  StartTrace(comm_.Get(), tuning.trace);
+}
+
+std::string InstrumentWin::Query(const std::string& cmd) {
+  ComText reply;
+  VARIANT_BOOL succeeded = VARIANT_FALSE;
+  const HRESULT result =
+      comm_->Query(reply.out(), ComText(cmd).get(), ComText(omega_).get(), nullptr, &succeeded);
+  Judge(result, succeeded);
+  return reply.str();
+}
+
+std::string InstrumentWin::QueryBinary(const std::string& cmd) {
+  ComValue reply;
+  VARIANT_BOOL succeeded = VARIANT_FALSE;
+  const HRESULT result =
+      comm_->QueryBinary(reply.out(), ComText(cmd).get(), ComText(omega_).get(), nullptr, &succeeded);
+  Judge(result, succeeded);
+  return reply.Bytes();
+}
+
+void InstrumentWin::Update(const std::string& cmd) {
+  VARIANT_BOOL succeeded = VARIANT_FALSE;
+  const HRESULT result = comm_->Update(ComText(cmd).get(), ComText(omega_).get(), nullptr, &succeeded);
+  Judge(result, succeeded);
+}
+
+void InstrumentWin::Judge(HRESULT result, VARIANT_BOOL succeeded) {
+  Check(result);
+  if (succeeded != VARIANT_FALSE) return;
+  const LibraryError error(StatusName(Read(comm_.Get(), &_CKespCommObj::get_CommError)),
+                           Read(comm_.Get(), &_CKespCommObj::get_CommErrorSource),
+                           Read(comm_.Get(), &_CKespCommObj::get_CommErrorDescr));
+  // A port that was pulled out would stay open and fail for ever: choosing the transport again closes it.
+  if (closes_after_failure_) Write(comm_.Get(), &_CKespCommObj::put_CommStyle, csRS232);
+  throw error;
+}
+
+void StartTrace(_CKespCommObj* comm, const std::string& file) {
+  if (file.empty()) return;
+  const std::filesystem::path path = absolute(PathOf(file));
+  // The library does not tell when it cannot write.
+  if (!std::ofstream(path, std::ios::app)) throw std::runtime_error(file + " cannot be written");
+  Write(comm, &_CKespCommObj::put_DebugFilename, ToUtf8(path.native()));
+  Write(comm, &_CKespCommObj::put_Debugging, true);
+}
+
+}  // namespace kesp::console

@@ -1,0 +1,38 @@
+// An instrument through the library's communication object.
+#pragma once
+
+#include "KespCommObj.h"
+#include "console/library.h"
+#include "console/transport_settings_win.h"
+
+namespace kesp::console {
+
+// Lives on the thread that made it, which is an apartment.
+class InstrumentWin : public Instrument {
+ public:
+  InstrumentWin(ComPtr<_CKespCommObj> comm, const Address& address, const Tuning& tuning);
+
+  std::string Query(const std::string& cmd) override;
+  std::string QueryBinary(const std::string& cmd) override;
+  void Update(const std::string& cmd) override;
+  std::optional<std::string> Detect(DetectLevel level, const OnDetectionStep& on_step) override;
+  Transfer Download(const std::string& cmd, const OnTransfer& on_transfer) override;
+  bool Edit() override;
+  Address address() override { return settings_->Read(); }
+  void SetTimeout(int milliseconds) override { settings_->SetTimeout(milliseconds); }
+
+ private:
+  // Throws what the operation has left as its status, unless it returned True.
+  void Judge(HRESULT result, VARIANT_BOOL succeeded);
+
+  ComPtr<_CKespCommObj> comm_;
+  std::unique_ptr<TransportSettings> settings_;
+  std::string omega_;  // the address of an Omega controller, which goes with each command
+  bool closes_after_failure_ = false;
+};
+
+// Has the communication object write its trace into that file; nothing for an empty name. Throws
+// std::runtime_error where it cannot be written.
+void StartTrace(_CKespCommObj* comm, const std::string& file);
+
+}  // namespace kesp::console
