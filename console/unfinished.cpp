@@ -4,12 +4,6 @@
 
 namespace kesp::console {
 
-int Run(const QueryOptions&, Surroundings&) {
-  throw UsageError("not written yet");
-}
-int Run(const SendOptions&, Surroundings&) {
-  throw UsageError("not written yet");
-}
 int Run(const PortsOptions&, Surroundings&) {
   throw UsageError("not written yet");
 }
