@@ -4,7 +4,10 @@
 #include <filesystem>
 #include <fstream>
 
+#include "console/detection_win.h"
+#include "console/editing_win.h"
 #include "console/error_names_win.h"
+#include "console/transfers_win.h"
 #include "console/utf8_path.h"
 #include "console/wide_text_win.h"
 
@@ -45,7 +48,7 @@ std::unique_ptr<TransportSettings> Apply(_CKespCommObj* comm, const Address& add
 }  // namespace
 
 InstrumentWin::InstrumentWin(ComPtr<_CKespCommObj> comm, const Address& address, const Tuning& tuning)
-    : comm_(std::move(comm)), settings_(Apply(comm_.Get(), address)) {
+    : comm_(std::move(comm)), asked_(address), settings_(Apply(comm_.Get(), address)) {
   if (tuning.timeout_ms) settings_->SetTimeout(*tuning.timeout_ms);
   if (tuning.crlf_as_is) settings_->LeaveLineEnds();
   if (const auto* com = std::get_if<ComAddress>(&address)) {
@@ -79,6 +82,30 @@ void InstrumentWin::Update(const std::string& cmd) {
   VARIANT_BOOL succeeded = VARIANT_FALSE;
   const HRESULT result = comm_->Update(ComText(cmd).get(), ComText(omega_).get(), nullptr, &succeeded);
   Judge(result, succeeded);
+}
+
+template <class Transport>
+ComPtr<Transport> InstrumentWin::InUse() {
+  ComPtr<IDispatch> object;
+  Check(comm_->get_CommObject(&object));
+  ComPtr<Transport> transport;
+  Check(object.As(&transport));
+  return transport;
+}
+
+std::optional<std::string> InstrumentWin::Detect(DetectLevel level, const OnDetectionStep& on_step) {
+  if (std::holds_alternative<TcpAddress>(asked_)) return DetectAt(InUse<_CKespTCP>().Get(), level, on_step);
+  if (const auto* gpib = std::get_if<GpibAddress>(&asked_))
+    return DetectAt(InUse<_CKespIEEE>().Get(), gpib->primary, level, on_step);
+  return DetectAt(InUse<_CKespCOMPort3>().Get(), omega_, level, on_step);
+}
+
+Transfer InstrumentWin::Download(const std::string& cmd, const OnTransfer& on_transfer) {
+  return DownloadFrom(InUse<_CKespCOMPort3>().Get(), cmd, omega_, on_transfer);
+}
+
+bool InstrumentWin::Edit() {
+  return EditSettings(comm_.Get());
 }
 
 void InstrumentWin::Judge(HRESULT result, VARIANT_BOOL succeeded) {

@@ -22,10 +22,14 @@ class InstrumentWin : public Instrument {
   void SetTimeout(int milliseconds) override { settings_->SetTimeout(milliseconds); }
 
  private:
+  // The transport in use.
+  template <class Transport>
+  ComPtr<Transport> InUse();
   // Throws what the operation has left as its status, unless it returned True.
   void Judge(HRESULT result, VARIANT_BOOL succeeded);
 
   ComPtr<_CKespCommObj> comm_;
+  Address asked_;  // as it was given
   std::unique_ptr<TransportSettings> settings_;
   std::string omega_;  // the address of an Omega controller, which goes with each command
   bool closes_after_failure_ = false;
