@@ -35,17 +35,13 @@ class ComText {
 // Throws LibraryError with what the call has left as error information; nothing after a success.
 void Check(HRESULT result);
 
-// The value of a property, a text as UTF-8.
+// The value of a property, a text as UTF-8. A truth value is a short integer to C++, not 0 where it is true.
 template <class Interface, class Value>
 auto Read(Interface* object, HRESULT (STDMETHODCALLTYPE Interface::*getter)(Value*)) {
   if constexpr (std::is_same_v<Value, BSTR>) {
     ComText text;
     Check((object->*getter)(text.out()));
     return text.str();
-  } else if constexpr (std::is_same_v<Value, VARIANT_BOOL>) {
-    VARIANT_BOOL value = VARIANT_FALSE;
-    Check((object->*getter)(&value));
-    return value != VARIANT_FALSE;
   } else {
     Value value{};
     Check((object->*getter)(&value));
