@@ -1,0 +1,23 @@
+// Windows, the processor, and what else is installed.
+#pragma once
+
+#include <string>
+
+namespace kesp::console {
+
+struct SystemFacts {
+  std::string windows;       // "Windows 11 Pro 24H2, build 26100"
+  std::string processor;     // "AMD Ryzen 5 5600G"
+  std::string architecture;  // "x64", "x86", "ARM64"
+  int windows_bits = 64;     // 32: no 64-bit programs run here
+  int program_bits = 64;     // of this kesp.exe
+  bool elevated = false;     // this program runs as administrator
+  std::string user_folder;   // %USERPROFILE%; empty: not known
+};
+
+struct Office {
+  std::string version;  // "16.0"
+  int bits = 0;
+};
+
+}  // namespace kesp::console
