@@ -10,8 +10,5 @@ int Run(const LogOptions&, Surroundings&) {
 int Run(const SnippetOptions&, Surroundings&) {
   throw UsageError("not written yet");
 }
-int Run(const DoctorOptions&, Surroundings&) {
-  throw UsageError("not written yet");
-}
 
 }  // namespace kesp::console
