@@ -38,7 +38,7 @@ Findings ThisWidth(Machine& machine) {
 
 Findings OtherWidth(Machine& machine) {
   const SystemFacts system = machine.System();
-  if (system.windows_bits == 32) return {};
+  if (!system.both_widths) return {};
   const OtherProgram other = machine.AskOther();
   if (auto findings = FindingsOf(other.output)) return *findings;
   const int bits = 96 - system.program_bits;

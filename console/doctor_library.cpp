@@ -40,7 +40,7 @@ Findings ByRegistration(Machine& machine, int bits) {
   const Client client = system.elevated ? Client::kElevated : Client::kOrdinary;
   const ServedLibrary served = LibraryFor(client, machine.RegistrationsFor(bits));
   if (served.IsNone()) return {};
-  return Of(WidthText(bits) + " registered library", machine.ExamineRegistered(),
+  return Of(WidthText(bits) + " registered library", machine.ExamineRegistered(served.libraries.front()),
             RegisterCommand(system, bits, served.hive, served.libraries.front()));
 }
 

@@ -45,8 +45,8 @@ class Registered {
 
   Finding NotRegistered() const {
     const int other = 96 - bits_;
-    const bool has_other = system_.windows_bits == 64 &&
-                           !LibraryFor(Client::kOrdinary, machine_.RegistrationsFor(other)).IsNone();
+    const bool has_other =
+        system_.both_widths && !LibraryFor(Client::kOrdinary, machine_.RegistrationsFor(other)).IsNone();
     const std::string text =
         "get \"class not registered\" (80040154; 429 in Visual Basic): no " + WidthText(bits_) +
         " library is registered" +

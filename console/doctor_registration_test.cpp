@@ -119,6 +119,7 @@ TEST_F(DoctorRegistrationTest, TypeLibrary_IsRegisteredFromTheSameFile) {
 
 TEST_F(DoctorRegistrationTest, WindowsOf32Bit_HasOneSystemFolder) {
   machine_.system.windows_bits = 32;
+  machine_.system.both_widths = false;
   machine_.Register(64, Hive::kAllUsers, kBeside);  // is not looked at
   EXPECT_THAT(Of(32),
               ElementsAre(HasSubstr(R"(no 32-bit library is registered -> %SystemRoot%\System32\regsvr32)")));

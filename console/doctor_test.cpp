@@ -58,6 +58,13 @@ TEST_F(DoctorTest, Gpib_FileOfTheOtherWidthOrWithoutAnEntryPoint_IsAFault) {
       ElementsAre(StartsWith("FAIL 64-bit GPIB driver: C:\\a\\Gpib-32.dll 1.0 lacks ibeos, ibrd -> ")));
 }
 
+TEST_F(DoctorTest, Gpib_FileThatIsNoProgram) {
+  const GpibFile file = GpibFileOf("C:\\a\\Gpib-32.dll", "text");
+  EXPECT_EQ(file.bits, 0);
+  machine_.gpib_files[32] = {file};
+  EXPECT_THAT(Of(GpibFindings(machine_, 32)), ElementsAre(HasSubstr("is no 32-bit library")));
+}
+
 TEST_F(DoctorTest, Ports_LongLatencyIsPointedOut) {
   machine_.ports = SomePorts();
   const auto lines = Of(PortFindings(machine_));
@@ -67,7 +74,7 @@ TEST_F(DoctorTest, Ports_LongLatencyIsPointedOut) {
                                     "the adapter holds back the end of each reply for up to 16 ms -> ")));
   EXPECT_THAT(lines, testing::Contains(
                          HasSubstr(R"(Enum\FTDIBUS\VID_0403+PID_6001+A50285BIA\0000\Device Parameters")")));
-  EXPECT_THAT(lines, testing::Contains(StartsWith("OK COM7: not plugged in, ")));
+  EXPECT_THAT(lines, testing::Contains(StartsWith("OK COM7: not there, ")));
   machine_.ports[0].latency_ms = 1;
   EXPECT_EQ(Count(PortFindings(machine_), Level::kWarn), 0);
 }
@@ -128,6 +135,11 @@ TEST_F(DoctorTest, System_IsTold) {
                           "OK This program: 64-bit, runs with the rights of an ordinary user"));
 }
 
+TEST_F(DoctorTest, System_Windows11IsTenInTheRegistry) {
+  EXPECT_EQ(WindowsName("Windows 10 Pro", "24H2", 26100), "Windows 11 Pro 24H2, build 26100");
+  EXPECT_EQ(WindowsName("Windows 10 Pro", "", 19045), "Windows 10 Pro, build 19045");
+}
+
 TEST_F(DoctorTest, VbScript_MayBeMissing) {
   machine_.vbscript = {64};
   EXPECT_THAT(Of(ScriptFindings(machine_, 64)), ElementsAre("OK 64-bit VBScript: is installed"));
@@ -169,8 +181,8 @@ TEST_F(DoctorTest, OtherWidth_WithoutItsProgramTellsWhatIsSeenFromHere) {
                         R"("C:\kesp\win32\kesp.exe" doctor --this-width-only)"));
 }
 
-TEST_F(DoctorTest, OtherWidth_WindowsOf32BitHasNone) {
-  machine_.system.windows_bits = 32;
+TEST_F(DoctorTest, OtherWidth_WindowsOfOneWidthHasNone) {
+  machine_.system.both_widths = false;
   EXPECT_EQ(OtherWidth(machine_), Findings());
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kesp::console {
@@ -15,6 +16,9 @@ struct GpibFile {
 
 // What the library looks for in the driver.
 const std::vector<std::string>& NeededGpibEntryPoints();
+
+// bytes: the whole file.
+GpibFile GpibFileOf(const std::string& path, std::string_view bytes);
 
 // The driver's file names for programs of that width, the first one first.
 std::vector<std::string> GpibFileNames(int bits);

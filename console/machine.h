@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "console/file_facts.h"
 #include "console/gpib_file.h"
 #include "console/library_report.h"
 #include "console/network_adapter.h"
@@ -45,8 +46,9 @@ class Machine {
 
   // Creates the classes of the library in that file; they are those of this program's own width.
   virtual LibraryReport Examine(const std::string& path) = 0;
-  // Creates the registered classes, as any client of this program's width does.
-  virtual LibraryReport ExamineRegistered() = 0;
+  // Creates the registered classes, as any client of this program's width does. library: the file that the
+  // registry names for them.
+  virtual LibraryReport ExamineRegistered(const std::string& library) = 0;
 
   // Starts the kesp.exe of the other width with "doctor --json --this-width-only".
   virtual OtherProgram AskOther() = 0;

@@ -22,7 +22,7 @@ class MachineFake : public Machine {
   bool CanWriteBeside(const std::string&) override { return can_write; }
   std::vector<GpibFile> GpibFiles(int bits) override { return gpib_files[bits]; }
   LibraryReport Examine(const std::string& path) override;
-  LibraryReport ExamineRegistered() override { return registered; }
+  LibraryReport ExamineRegistered(const std::string&) override { return registered; }
   OtherProgram AskOther() override { return other; }
 
   // Registers all classes, and the type library.

@@ -47,7 +47,7 @@ std::vector<PortDevice> InNaturalOrder(std::vector<PortDevice> ports) {
 }
 
 std::string StateOf(const ListedPort& port) {
-  if (!port.device.present) return "not plugged in";
+  if (!port.device.present) return "not there";
   switch (port.use) {
     case PortUse::kFree:
       return "free";

@@ -20,7 +20,7 @@ std::vector<PortDevice> InNaturalOrder(std::vector<PortDevice> ports);
 // The number of "COM3"; 0 for another name.
 int PortNumber(std::string_view name);
 
-// "here", "in use", "free", "cannot be opened", "not plugged in".
+// "here", "in use", "free", "cannot be opened", "not there".
 std::string StateOf(const ListedPort& port);
 
 // Columns with a heading.

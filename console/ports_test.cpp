@@ -103,14 +103,14 @@ TEST(StateOf, EachOutcome_HasItsWord) {
   EXPECT_EQ(StateOf({here, PortUse::kFree}), "free");
   EXPECT_EQ(StateOf({here, PortUse::kInUse}), "in use");
   EXPECT_EQ(StateOf({here, PortUse::kCannotBeOpened}), "cannot be opened");
-  EXPECT_EQ(StateOf({PortDevice(), PortUse::kNotTried}), "not plugged in");
+  EXPECT_EQ(StateOf({PortDevice(), PortUse::kNotTried}), "not there");
 }
 
 TEST(PortTable, EachPort_HasALine) {
   const std::string table = PortTable(Listed());
   EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), 8);
-  EXPECT_NE(table.find("COM10  here            USB Serial Port (COM10)"), std::string::npos) << table;
-  EXPECT_NE(table.find("COM7   not plugged in  "), std::string::npos) << table;
+  EXPECT_NE(table.find("COM10  here       USB Serial Port (COM10)"), std::string::npos) << table;
+  EXPECT_NE(table.find("COM7   not there  USB"), std::string::npos) << table;
   EXPECT_EQ(PortTable({}), "");
 }
 

@@ -21,12 +21,6 @@ struct Registrations {
   std::string type_library;
 };
 
-struct FileFacts {
-  int bits = 0;         // 64 or 32; 0: no program file of either
-  std::string version;  // empty: it has none
-  std::string content;  // a number that other files with the same bytes have, too
-};
-
 // The classes that clients can create.
 const std::vector<std::string>& PublicClasses();
 

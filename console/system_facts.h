@@ -10,6 +10,7 @@ struct SystemFacts {
   std::string processor;     // "AMD Ryzen 5 5600G"
   std::string architecture;  // "x64", "x86", "ARM64"
   int windows_bits = 64;     // 32: no 64-bit programs run here
+  bool both_widths = true;   // programs of both widths run here
   int program_bits = 64;     // of this kesp.exe
   bool elevated = false;     // this program runs as administrator
   std::string user_folder;   // %USERPROFILE%; empty: not known
@@ -19,5 +20,8 @@ struct Office {
   std::string version;  // "16.0"
   int bits = 0;
 };
+
+// product: as the registry has it, where Windows 11 is called 10. release: "24H2", or empty.
+std::string WindowsName(std::string product, const std::string& release, int build);
 
 }  // namespace kesp::console
