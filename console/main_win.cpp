@@ -7,6 +7,7 @@
 #include "console/commands.h"
 #include "console/console_win.h"
 #include "console/library_win.h"
+#include "console/machine_win.h"
 #include "console/wide_text_win.h"
 
 namespace kesp::console {
@@ -36,8 +37,8 @@ int RunWith(const Options& options, Console& console, Interruption& interruption
                                                                 : ObjectSource::Beside());
     return *library;
   };
-  char no_machine = 0;
-  Surroundings around{console, clock, reinterpret_cast<Machine&>(no_machine), loaded};
+  MachineWin machine;
+  Surroundings around{console, clock, machine, loaded};
   return RunCommand(options, around);
 }
 

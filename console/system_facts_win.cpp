@@ -1,0 +1,111 @@
+// What the registry tells about Windows, the processor and installed programs.
+#include "console/system_facts_win.h"
+
+#include <windows.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "console/program_folders_win.h"
+#include "console/registry_win.h"
+#include "console/wide_text_win.h"
+
+namespace kesp::console {
+namespace {
+
+constexpr const char* kOffice = "SOFTWARE\\Microsoft\\Office\\";
+
+REGSAM ViewOf(int bits) {
+  return bits == 64 ? KEY_WOW64_64KEY : KEY_WOW64_32KEY;
+}
+
+// Windows programs run in Wine, too, which then says so.
+std::string Emulator() {
+  const FARPROC found = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version");
+  if (found == nullptr) return "";
+  const auto version = reinterpret_cast<const char* (*)()>(reinterpret_cast<void*>(found));
+  return std::string(" (Wine ") + version() + ")";
+}
+
+std::string Windows() {
+  const RegistryKeyWin key(HKEY_LOCAL_MACHINE, "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion",
+                           WindowsBits() == 64 ? KEY_WOW64_64KEY : 0);
+  return WindowsName(key.Text("ProductName"), key.Text("DisplayVersion"),
+                     std::atoi(key.Text("CurrentBuildNumber").c_str())) +
+         Emulator();
+}
+
+std::string Architecture() {
+  SYSTEM_INFO info{};
+  GetNativeSystemInfo(&info);
+  constexpr WORD kArm64 = 12;
+  if (info.wProcessorArchitecture == kArm64) return "ARM64";
+  return info.wProcessorArchitecture == PROCESSOR_ARCHITECTURE_AMD64 ? "x64" : "x86";
+}
+
+bool IsElevated() {
+  HANDLE token = nullptr;
+  if (OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token) == FALSE) return false;
+  TOKEN_ELEVATION elevation{};
+  DWORD size = 0;
+  const bool known = GetTokenInformation(token, TokenElevation, &elevation, sizeof elevation, &size) != FALSE;
+  CloseHandle(token);
+  return known && elevation.TokenIsElevated != 0;
+}
+
+std::string UserFolder() {
+  std::wstring folder(32767, L'\0');
+  folder.resize(GetEnvironmentVariableW(L"USERPROFILE", folder.data(), static_cast<DWORD>(folder.size())));
+  return ToUtf8(folder);
+}
+
+std::optional<Office> ClickToRunOffice() {
+  const RegistryKeyWin key(HKEY_LOCAL_MACHINE, kOffice + std::string("ClickToRun\\Configuration"),
+                           ViewOf(WindowsBits()));
+  const std::string platform = key.Text("Platform");
+  if (platform.empty()) return std::nullopt;
+  return Office{key.Text("VersionToReport"), platform == "x64" ? 64 : 32};
+}
+
+// As the installer of Windows leaves it.
+std::optional<Office> InstalledOffice() {
+  for (const char* version : {"16.0", "15.0", "14.0", "12.0"}) {
+    for (const int bits : {64, 32}) {
+      if (bits == 64 && WindowsBits() == 32) continue;
+      const RegistryKeyWin key(HKEY_LOCAL_MACHINE, kOffice + std::string(version) + "\\Excel\\InstallRoot",
+                               WindowsBits() == 32 ? 0 : ViewOf(bits));
+      if (!key.Text("Path").empty()) return Office{version, bits};
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+SystemFacts ReadSystemFacts() {
+  SystemFacts facts;
+  facts.windows = Windows();
+  facts.processor = RegistryKeyWin(HKEY_LOCAL_MACHINE, "HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0")
+                        .Text("ProcessorNameString");
+  facts.architecture = Architecture();
+  facts.windows_bits = WindowsBits();
+  facts.both_widths = RunsBothWidths();
+  facts.program_bits = kProgramBits;
+  facts.elevated = IsElevated();
+  facts.user_folder = UserFolder();
+  return facts;
+}
+
+std::optional<Office> FindOffice() {
+  if (auto office = ClickToRunOffice()) return office;
+  return InstalledOffice();
+}
+
+bool FindVbScript(int bits) {
+  const RegistryKeyWin key(HKEY_LOCAL_MACHINE,
+                           "SOFTWARE\\Classes\\CLSID\\{B54F3741-5B07-11CF-A4B0-00AA004A55E8}\\InprocServer32",
+                           WindowsBits() == 32 ? 0 : ViewOf(bits));
+  return key.Exists() && IsFile(SystemFolder(bits) + "vbscript.dll");
+}
+
+}  // namespace kesp::console
