@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "console/box_catcher_win.h"
 #include "console/detection_win.h"
 #include "console/editing_win.h"
 #include "console/error_names_win.h"
@@ -72,8 +73,11 @@ std::string InstrumentWin::Query(const std::string& cmd) {
 std::string InstrumentWin::QueryBinary(const std::string& cmd) {
   ComValue reply;
   VARIANT_BOOL succeeded = VARIANT_FALSE;
+  // A COM port that fails in the middle is told in a box, and not by the status.
+  const BoxCatcher boxes;
   const HRESULT result =
       comm_->QueryBinary(reply.out(), ComText(cmd).get(), ComText(omega_).get(), nullptr, &succeeded);
+  if (boxes.caught()) Forsake(*boxes.caught());
   Judge(result, succeeded);
   return reply.Bytes();
 }
@@ -111,12 +115,18 @@ bool InstrumentWin::Edit() {
 void InstrumentWin::Judge(HRESULT result, VARIANT_BOOL succeeded) {
   Check(result);
   if (succeeded != VARIANT_FALSE) return;
-  const LibraryError error(StatusName(Read(comm_.Get(), &_CKespCommObj::get_CommError)),
-                           Read(comm_.Get(), &_CKespCommObj::get_CommErrorSource),
+  const ECommError status = Read(comm_.Get(), &_CKespCommObj::get_CommError);
+  const LibraryError error(StatusName(status), Read(comm_.Get(), &_CKespCommObj::get_CommErrorSource),
                            Read(comm_.Get(), &_CKespCommObj::get_CommErrorDescr));
-  // A port that was pulled out would stay open and fail for ever: choosing the transport again closes it.
+  // A reply that did not come, or was garbled, says nothing against the port.
+  const bool is_of_the_reply = status == cfrTimeout || status == cfrInvalidData;
+  if (is_of_the_reply) throw error;
+  Forsake(error);
+}
+
+void InstrumentWin::Forsake(const LibraryError& error) {
   if (closes_after_failure_) Write(comm_.Get(), &_CKespCommObj::put_CommStyle, csRS232);
-  throw error;
+  throw LibraryError(error);
 }
 
 void StartTrace(_CKespCommObj* comm, const std::string& file) {

@@ -27,6 +27,9 @@ class InstrumentWin : public Instrument {
   ComPtr<Transport> InUse();
   // Throws what the operation has left as its status, unless it returned True.
   void Judge(HRESULT result, VARIANT_BOOL succeeded);
+  // Throws that failure of the port. One that was pulled out would stay open and fail for ever, so it is
+  // closed, by choosing the transport again.
+  [[noreturn]] void Forsake(const LibraryError& error);
 
   ComPtr<_CKespCommObj> comm_;
   Address asked_;  // as it was given

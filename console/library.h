@@ -40,7 +40,7 @@ struct Tuning {
   std::optional<int>
       timeout_ms;  // TimeOutmSecs, TimeOut, or the next longer TimeOutSecs; nothing: as the library has it
   bool crlf_as_is = false;  // StripCRLF False
-  bool keep_open = false;   // AutoClose False
+  bool keep_open = false;   // AutoClose False; a port that has failed is opened anew
   std::string trace;        // DebugFilename with Debugging True; empty: none
 };
 

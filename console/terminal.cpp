@@ -4,10 +4,12 @@
 #include <cstdio>
 #include <utility>
 
+#include "console/device_address.h"
 #include "console/duration.h"
 #include "console/failure_text.h"
 #include "console/hexadecimal.h"
 #include "console/instrument_at.h"
+#include "console/port_hint.h"
 
 namespace kesp::console {
 namespace {
@@ -47,15 +49,10 @@ std::string InMilliseconds(std::chrono::microseconds duration) {
   return text;
 }
 
-// A reply that did not come, or was garbled, says nothing against the port.
-bool IsOfTheReply(const LibraryError& error) {
-  return error.status() == "cfrTimeout" || error.status() == "cfrInvalidData";
-}
-
 }  // namespace
 
 Terminal::Terminal(TalkOptions talk, Surroundings& around)
-    : talk_(std::move(talk)), around_(around), prompt_(TextOf(ParseAddress(talk_.address)) + "> ") {}
+    : talk_(std::move(talk)), around_(around), prompt_(TextOf(ParseDeviceAddress(talk_.address)) + "> ") {}
 
 bool Terminal::Run() {
   if (around_.console.IsTypedAt())
@@ -101,11 +98,12 @@ void Terminal::Exchange(const TerminalLine& line) {
   const auto start = around_.clock.Now();
   std::string said;
   std::string failure;
+  std::string hint;
   try {
     said = Said(line);
   } catch (const LibraryError& error) {
     failure = FailureText(error);
-    if (!IsOfTheReply(error)) instrument_.reset();
+    hint = PortHint(error);
   }
   const std::string duration = InMilliseconds(around_.clock.Now() - start);
   const std::string time = around_.clock.LocalTime();
@@ -113,7 +111,7 @@ void Terminal::Exchange(const TerminalLine& line) {
   if (failure.empty()) {
     around_.console.Write(stamp + said + "\n");
   } else {
-    Fail(stamp + failure);
+    Fail(stamp + failure + (hint.empty() ? "" : "\n  " + hint));
   }
   Note(time, failure.empty() ? '<' : '!', failure.empty() ? said : failure);
 }

@@ -30,7 +30,7 @@ class Terminal {
   void Note(const std::string& time, char sign, const std::string& text);
   // Tells a failure; the conversation goes on.
   void Fail(const std::string& text);
-  // The instrument, opened anew after a failure of its port.
+  // The instrument, whose port stays open from line to line, and is opened anew after it has failed.
   Instrument& Opened();
 
   TalkOptions talk_;

@@ -63,12 +63,19 @@ TEST_F(TerminalCommandTest, QueryFailsWhereAPersonTypes_TheExitCodeSaysNothing) 
   EXPECT_EQ(Talk({"NO?"}), kExitDone);
 }
 
-TEST_F(TerminalCommandTest, ThePortFails_ItIsOpenedAnewWithTheTimeoutThatWasSet) {
+TEST_F(TerminalCommandTest, ThePortFails_ToldWithWhatHelpsAndTheTerminalGoesOn) {
   library_.Fail("A?", LibraryError("cfrReadFailed", "CKespCOMPort3 - ReadLine() [commCOMControl]",
                                    "Error reading comm device"));
   Talk({"*IDN?", ":timeout 5s", "A?", "*IDN?"});
   EXPECT_EQ(library_.calls, (std::vector<std::string>{"At com3", "Query *IDN?", "SetTimeout 5000", "Query A?",
-                                                      "At com3", "Query *IDN?"}));
+                                                      "Query *IDN?"}));
+  EXPECT_NE(console_.error.find(
+                "[commCOMControl])\n  The port gives nothing any more: plug the adapter in again, and"),
+            std::string::npos);
+}
+
+TEST_F(TerminalCommandTest, TimeoutBeforeTheFirstCommand_Counts) {
+  Talk({":timeout 5s", "*IDN?"});
   EXPECT_EQ(library_.tunings.back().timeout_ms, 5000);
 }
 

@@ -1,0 +1,33 @@
+// Failures of the port by their descriptions, since the status of an operation tells only at which step it
+// failed.
+#include "console/port_hint.h"
+
+#include <string_view>
+
+namespace kesp::console {
+namespace {
+
+struct Hint {
+  std::string_view description;
+  const char* text;
+};
+
+constexpr Hint kHints[] = {
+    {"Error reading comm device",
+     "The port gives nothing any more: plug the adapter in again, and send the command again."},
+    {"The device is not open",
+     "The port takes nothing any more: plug the adapter in again, and send the command again."},
+    {"Invalid port number",
+     "There is no such port now: plug the adapter in again; \"kesp ports\" lists those that there are."},
+    {"Port already open", "Another program holds the port: close it there."},
+};
+
+}  // namespace
+
+std::string PortHint(const LibraryError& error) {
+  for (const Hint& hint : kHints)
+    if (hint.description == error.what()) return hint.text;
+  return "";
+}
+
+}  // namespace kesp::console
