@@ -12,9 +12,9 @@ kesp_tree_check(style.mutations style "${CMAKE_SOURCE_DIR}/tools/mutations_test.
 foreach(bits IN ITEMS 64 32)
   kesp_tree_check(image.win${bits} image
     "${CMAKE_SOURCE_DIR}/tools/check-image" ${bits} "${CMAKE_SOURCE_DIR}/dist/win${bits}/KespCommObj.dll")
-  foreach(file IN ITEMS kesp-sim.exe gpib/Gpib-32.dll)
+  foreach(file IN ITEMS kesp.exe simulator/kesp-sim.exe simulator/gpib/Gpib-32.dll)
     cmake_path(GET file FILENAME name)
     kesp_tree_check(image.win${bits}.${name} image
-      "${CMAKE_SOURCE_DIR}/tools/check-image" ${bits} "${CMAKE_SOURCE_DIR}/dist/win${bits}/simulator/${file}")
+      "${CMAKE_SOURCE_DIR}/tools/check-image" ${bits} "${CMAKE_SOURCE_DIR}/dist/win${bits}/${file}")
   endforeach()
 endforeach()
