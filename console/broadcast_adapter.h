@@ -3,6 +3,9 @@
 
 #include <optional>
 #include <string>
+#include <vector>
+
+#include "console/network_adapter.h"
 
 namespace kesp::console {
 
@@ -12,6 +15,6 @@ struct BroadcastAdapter {
 };
 
 // The one that the system takes for 255.255.255.255; nothing where it has none, or does not tell.
-std::optional<BroadcastAdapter> FindBroadcastAdapter();
+std::optional<BroadcastAdapter> BroadcastAdapterAmong(const std::vector<NetworkAdapter>& adapters);
 
 }  // namespace kesp::console

@@ -1,4 +1,5 @@
 // The doctor's rules about all that is not the library.
+#include "console/broadcast_adapter.h"
 #include "console/doctor_fixture.h"
 #include "console/finding_text.h"
 
@@ -124,6 +125,15 @@ TEST_F(DoctorTest, Network_SeveralAdaptersOrNone) {
   machine_.adapters.clear();
   EXPECT_THAT(Of(NetworkFindings(machine_)),
               ElementsAre(StartsWith("WARN Broadcast: no network adapter takes it")));
+}
+
+TEST_F(DoctorTest, BroadcastAdapterAmong_TheOneThatTakesIt) {
+  std::vector<NetworkAdapter> adapters = {Adapter("Ethernet"), Adapter("Wi-Fi")};
+  EXPECT_FALSE(BroadcastAdapterAmong(adapters));
+  adapters[1].takes_broadcast = true;
+  ASSERT_TRUE(BroadcastAdapterAmong(adapters));
+  EXPECT_EQ(BroadcastAdapterAmong(adapters)->name, "Wi-Fi");
+  EXPECT_EQ(BroadcastAdapterAmong(adapters)->address, "192.168.0.10");
 }
 
 TEST_F(DoctorTest, System_IsTold) {

@@ -38,7 +38,8 @@ int RunWith(const Options& options, Console& console, Interruption& interruption
     return *library;
   };
   MachineWin machine;
-  Surroundings around{console, clock, machine, loaded};
+  const auto broadcast_adapter = [&machine] { return BroadcastAdapterAmong(machine.NetworkAdapters()); };
+  Surroundings around{console, clock, machine, loaded, broadcast_adapter};
   return RunCommand(options, around);
 }
 
