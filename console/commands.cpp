@@ -23,7 +23,8 @@ int RunCommand(const Options& options, Surroundings& around) {
   } catch (const NoLibrary& error) {
     return Fail(around.console, error.what(), kExitNoLibrary);
   } catch (const LibraryError& error) {
-    return Fail(around.console, FailureText(error), kExitFailed);
+    const std::string hint = error.hint.empty() ? "" : "\n  " + error.hint;
+    return Fail(around.console, FailureText(error) + hint, kExitFailed);
   } catch (const AddressError& error) {
     return Fail(around.console, std::string("a mistake in the address\n") + error.what(), kExitUsage);
   } catch (const UsageError& error) {

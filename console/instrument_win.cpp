@@ -1,6 +1,7 @@
 // Commands and replies through the communication object.
 #include "console/instrument_win.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -8,12 +9,19 @@
 #include "console/detection_win.h"
 #include "console/editing_win.h"
 #include "console/error_names_win.h"
+#include "console/hexadecimal.h"
+#include "console/received_bytes_win.h"
 #include "console/transfers_win.h"
 #include "console/utf8_path.h"
 #include "console/wide_text_win.h"
 
 namespace kesp::console {
 namespace {
+
+// Of the events of CKespTCP.
+constexpr DISPID kDataArrivalBegin = 7;
+// How many of the last bytes of an unfinished reply a hint shows.
+constexpr std::size_t kLastShown = 4;
 
 // A value that the library fills in.
 class ComValue {
@@ -64,10 +72,34 @@ InstrumentWin::InstrumentWin(ComPtr<_CKespCommObj> comm, const Address& address,
 std::string InstrumentWin::Query(const std::string& cmd) {
   ComText reply;
   VARIANT_BOOL succeeded = VARIANT_FALSE;
+  std::int64_t arrived = 0;
+  const auto arrivals = CountArrivals(arrived);
   const HRESULT result =
       comm_->Query(reply.out(), ComText(cmd).get(), ComText(omega_).get(), nullptr, &succeeded);
-  Judge(result, succeeded);
+  try {
+    Judge(result, succeeded);
+  } catch (LibraryError& error) {
+    NoteReceived(error, arrived, reply);
+    throw;
+  }
   return reply.str();
+}
+
+std::unique_ptr<EventConnection> InstrumentWin::CountArrivals(std::int64_t& arrived) {
+  if (!std::holds_alternative<TcpAddress>(asked_)) return nullptr;
+  return std::make_unique<EventConnection>(InUse<_CKespTCP>().Get(), __uuidof(__CKespTCP),
+                                           [&arrived](DISPID event, EventArguments arguments) {
+                                             if (event == kDataArrivalBegin) arrived = arguments.Number(0);
+                                           });
+}
+
+// At a COM port the library leaves what came in place of the reply.
+void InstrumentWin::NoteReceived(LibraryError& error, std::int64_t arrived, const ComText& reply) const {
+  if (std::holds_alternative<TcpAddress>(asked_)) error.received = arrived;
+  if (!std::holds_alternative<ComAddress>(asked_)) return;
+  const std::string bytes = ReceivedBytes({reply.get(), SysStringLen(reply.get())});
+  error.received = static_cast<std::int64_t>(bytes.size());
+  error.last_received = HexadecimalOf(bytes.substr(bytes.size() - std::min(bytes.size(), kLastShown)));
 }
 
 std::string InstrumentWin::QueryBinary(const std::string& cmd) {

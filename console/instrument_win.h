@@ -2,6 +2,7 @@
 #pragma once
 
 #include "KespCommObj.h"
+#include "console/event_sink_win.h"
 #include "console/library.h"
 #include "console/transport_settings_win.h"
 
@@ -25,6 +26,9 @@ class InstrumentWin : public Instrument {
   // The transport in use.
   template <class Transport>
   ComPtr<Transport> InUse();
+  // Counts the bytes of a reply over TCP/IP while the result lives; null with the other transports.
+  std::unique_ptr<EventConnection> CountArrivals(std::int64_t& arrived);
+  void NoteReceived(LibraryError& error, std::int64_t arrived, const ComText& reply) const;
   // Throws what the operation has left as its status, unless it returned True.
   void Judge(HRESULT result, VARIANT_BOOL succeeded);
   // Throws that failure of the port. One that was pulled out would stay open and fail for ever, so it is

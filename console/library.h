@@ -24,6 +24,13 @@ class LibraryError : public std::runtime_error {
   const std::string& status() const { return status_; }
   const std::string& source() const { return source_; }
 
+  // How many bytes of a reply had come; nothing where that is not known.
+  std::optional<std::int64_t> received;
+  // The last ones of them in hexadecimal, where they are known.
+  std::string last_received;
+  // What helps, in one sentence; empty where that is not known.
+  std::string hint;
+
  private:
   std::string status_;
   std::string source_;

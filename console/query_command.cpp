@@ -6,6 +6,7 @@
 #include "console/device_address.h"
 #include "console/failure_text.h"
 #include "console/hexadecimal.h"
+#include "console/hint.h"
 #include "console/instrument_at.h"
 #include "console/part_file.h"
 #include "console/query_output.h"
@@ -25,7 +26,8 @@ class Querying {
       : options_(options),
         console_(around.console),
         clock_(around.clock),
-        on_gpib_(std::holds_alternative<GpibAddress>(ParseDeviceAddress(options.talk.address))) {
+        address_(ParseDeviceAddress(options.talk.address)),
+        on_gpib_(std::holds_alternative<GpibAddress>(address_)) {
     if (on_gpib_ && (options.hex || !options.binary.empty()))
       throw UsageError("on the GPIB the library reads text only: leave out --hex and --binary");
     Tuning tuning;
@@ -43,6 +45,7 @@ class Querying {
       const Reply reply = Ask(command, time);
       output->Add(reply);
       if (reply.failure) throw LibraryError(*reply.failure);
+      if (!options_.hex) TellOfLoneReturn(reply);
     }
     output->EndRound();
     return kExitDone;
@@ -88,6 +91,7 @@ class Querying {
           options_.hex ? HexadecimalOf(instrument_->QueryBinary(command)) : instrument_->Query(command);
     } catch (const LibraryError& error) {
       reply.failure = error;
+      reply.failure->hint = HintFor(error, address_);
     }
     reply.seconds = std::chrono::duration<double>(clock_.Now() - begin).count();
     if (on_gpib_) WarnOfCut(reply.text);
@@ -119,6 +123,12 @@ class Querying {
     console_.WriteError("kesp: the library reads 50 characters of a reply on the GPIB; there may be more\n");
   }
 
+  // The library waits for a line feed that does not come, and takes what is there when the time is up.
+  void TellOfLoneReturn(const Reply& reply) {
+    const std::string hint = LoneReturnHint(address_, options_.talk.timeout_ms, reply.seconds);
+    if (!hint.empty()) console_.WriteError("kesp: " + hint + "\n");
+  }
+
   std::string Saved(std::size_t size) const {
     nlohmann::ordered_json object = {{"address", options_.talk.address},
                                      {"commands", options_.commands},
@@ -130,6 +140,7 @@ class Querying {
   const QueryOptions& options_;
   Console& console_;
   Clock& clock_;
+  Address address_;
   bool on_gpib_;
   std::unique_ptr<Instrument> instrument_;
   int failed_ = 0;

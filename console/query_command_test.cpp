@@ -55,6 +55,33 @@ TEST_F(QueryCommand, Failure_IsToldAndEndsIt) {
   EXPECT_THAT(library_.calls, ElementsAre("At tcp:a", "Query *IDN?", "Query X?"));
 }
 
+TEST_F(QueryCommand, FailureOfAKnownKind_ComesWithAHint) {
+  LibraryError silence("cfrTimeout", "[CKespTCP - ReadLine()]", "Timeout");
+  silence.received = 3;
+  library_.Fail("S?", silence);
+  options_.commands = {"S?"};
+  EXPECT_EQ(Query(), kExitFailed);
+  EXPECT_EQ(
+      console_.error,
+      "kesp: Timeout (cfrTimeout, [CKespTCP - ReadLine()])\n"
+      "  3 bytes came without the end character 13: \",eos=CODE\" behind the address names another one, "
+      "\",any\" takes what comes.\n");
+  options_.json = true;
+  EXPECT_EQ(Query(), kExitFailed);
+  EXPECT_THAT(console_.output, testing::HasSubstr(R"("hint":"3 bytes came)"));
+}
+
+TEST_F(QueryCommand, ReplyThatALoneReturnEnded_ComesWithAHint) {
+  options_.talk.address = "com3";
+  library_.on_exchange = [this] { clock_.Advance(milliseconds(3001)); };
+  EXPECT_EQ(Query(), kExitDone);
+  EXPECT_EQ(console_.output, "KESP,7100,SIM00001,1.0\n");
+  EXPECT_EQ(console_.error,
+            "kesp: no line feed came, a lone carriage return ended the data when the time was up: add "
+            "\",cr\" to the "
+            "address\n");
+}
+
 TEST_F(QueryCommand, MistakeInTheAddress_IsShownWithItsPlace) {
   options_.talk.address = "com3@9601";
   EXPECT_EQ(Query(), kExitUsage);

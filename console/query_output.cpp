@@ -70,9 +70,7 @@ class JsonOutput : public QueryOutput {
   void Add(const Reply& reply) override {
     nlohmann::ordered_json object = {{"time", reply.time}, {"address", address_}, {"command", reply.command}};
     if (reply.failure)
-      object["error"] = {{"description", reply.failure->what()},
-                         {"status", reply.failure->status()},
-                         {"source", reply.failure->source()}};
+      object["error"] = ErrorOf(*reply.failure);
     else
       object[kind_] = reply.text;
     object["seconds"] = std::round(reply.seconds * 1e6) / 1e6;
@@ -80,6 +78,13 @@ class JsonOutput : public QueryOutput {
   }
 
  private:
+  static nlohmann::ordered_json ErrorOf(const LibraryError& failure) {
+    nlohmann::ordered_json error = {
+        {"description", failure.what()}, {"status", failure.status()}, {"source", failure.source()}};
+    if (!failure.hint.empty()) error["hint"] = failure.hint;
+    return error;
+  }
+
   Console& console_;
   std::string address_;
   const char* kind_;

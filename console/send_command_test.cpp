@@ -34,6 +34,13 @@ TEST_F(SendCommand, FirstFailure_EndsIt) {
   EXPECT_EQ(console_.error, "kesp: Not sent (cfrWriteFailed, CKespCOMPort3 - WriteLine())\n");
 }
 
+TEST_F(SendCommand, FailureOfAKnownKind_ComesWithAHint) {
+  library_.Fail("*RST", LibraryError("cfrTimeout", "", "Port already open"));
+  EXPECT_EQ(Run(options_), kExitFailed);
+  EXPECT_EQ(console_.error,
+            "kesp: Port already open (cfrTimeout)\n  Another program holds the port: close it there.\n");
+}
+
 TEST_F(SendCommand, SearchOnTheGpib_IsRefused) {
   options_.talk.address = "gpib:";
   EXPECT_EQ(Run(options_), kExitUsage);

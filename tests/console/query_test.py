@@ -64,7 +64,9 @@ class ReplyTest(NetworkCase):
 
     def test_other_end_of_a_reply(self):
         address = self.tcp_instrument(self.write('{"reply_terminator": ";", "commands": {"t": "21.5"}}'))
-        self.assertEqual(self.kesp("query", address, "t", "--timeout", "500ms")[:2], (FAILED, ""))
+        self.fails(FAILED, "Timeout (cfrTimeout, [CKespTCP - ReadLine()])\n  5 bytes came without the end character 13: "
+                   '",eos=CODE" behind the address names another one, ",any" takes what comes.',
+                   "query", address, "t", "--timeout", "500ms")
         self.assertEqual(self.kesp("query", address + ",eos=59", "t"), (DONE, "21.5;\n", ""))
         self.assertEqual(self.kesp("query", address + ",any", "t", "--hex"), (DONE, "32 31 2E 35 3B\n", ""))
 
@@ -82,12 +84,14 @@ class ReplyTest(NetworkCase):
 class FailureTest(NetworkCase):
     def test_nothing_comes(self):
         begin = time.monotonic()
-        self.fails(FAILED, "Timeout (cfrTimeout, [CKespTCP - ReadLine()])",
+        self.fails(FAILED, "Timeout (cfrTimeout, [CKespTCP - ReadLine()])\n  Nothing was received: the instrument may not "
+                   "know the command, or take longer (--timeout).",
                    "query", self.address, "SILENT?", "*IDN?", "--timeout", "1s")
         self.assertLess(time.monotonic() - begin, 6)
 
     def test_connection_is_refused(self):
-        self.fails(FAILED, "Timeout - unable to establish connection (cfrInitializeFailed, [CKespTCP - Initialize()])",
+        self.fails(FAILED, "Timeout - unable to establish connection (cfrInitializeFailed, [CKespTCP - Initialize()])\n"
+                   "  Nobody listens at that address and port, or a firewall is between: \"kesp discover\" lists who answers.",
                    "query", "tcp:127.0.0.1:9", "*IDN?", "--timeout", "1s")
 
     def test_reply_with_other_characters(self):
@@ -106,7 +110,8 @@ class FailureTest(NetworkCase):
             self.assertNotEqual(error, "")
 
     def test_no_such_port(self):
-        self.fails(FAILED, "Invalid port number (cfrOtherError, CKespCOMPort3 - OpenPort() [commCOMControl])",
+        self.fails(FAILED, "Invalid port number (cfrOtherError, CKespCOMPort3 - OpenPort() [commCOMControl])\n"
+                   "  There is no such port now: plug the adapter in again; \"kesp ports\" lists those that there are.",
                    "query", "com250", "*IDN?")
 
     def test_no_driver(self):
@@ -223,7 +228,18 @@ class SerialTest(KespCase):
         code, output, error = self.kesp("query", f"com{COM}@9600", "SET 1", "--timeout", "300ms")
         self.assertEqual((code, output), (FAILED, ""))
         self.assertEqual(error, f"kesp: Timeout waiting for instrument to respond to command on COM{COM}. "
-                         "(cfrTimeout, CKespCOMPort3 - ReadLine())\n")
+                         f'(cfrTimeout, CKespCOMPort3 - ReadLine())\n  Nothing was received: "kesp detect com{COM}" looks '
+                         "for the bit rate.\n")
+
+    def test_replies_without_a_line_feed(self):
+        device = self.write('{"reply_terminator": "", "commands": {"t": "21.5", "CR": [{"send": "21.6", "end": "\\r"}]}}')
+        self.serial_instrument(COM, "--quiet", device)
+        code, output, error = self.kesp("query", f"com{COM}", "t", "--timeout", "300ms")
+        self.assertEqual((code, output), (FAILED, ""))
+        self.assertIn("\n  4 bytes came without a line feed, the last were 32 31 2E 35: ", error)
+        self.assertEqual(self.kesp("query", f"com{COM}", "CR", "--timeout", "300ms"),
+                         (DONE, "21.6\n", "kesp: no line feed came, a lone carriage return ended the data when the time was "
+                          'up: add ",cr" to the address\n'))
 
     def test_a_port_that_is_pulled_and_plugged_in_again(self):
         # Rounds go on when it is back.
