@@ -17,6 +17,7 @@ from program_tester import EXAMPLES, SKIPPED, Program, start_wine
 
 COM = 76
 IDENTITY = "KESP,TORTURE,SIM00666,1.0"
+SILENCE = "Timeout (cfrTimeout, [CKespTCP - ReadLine()])\n"
 TIME = r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}"
 ALL_BYTES = bytes(byte for byte in range(256) if byte != 13) + b"\r"
 
@@ -64,8 +65,8 @@ class ReplyTest(NetworkCase):
 
     def test_other_end_of_a_reply(self):
         address = self.tcp_instrument(self.write('{"reply_terminator": ";", "commands": {"t": "21.5"}}'))
-        self.fails(FAILED, "Timeout (cfrTimeout, [CKespTCP - ReadLine()])\n  5 bytes came without the end character 13: "
-                   '",eos=CODE" behind the address names another one, ",any" takes what comes.',
+        self.fails(FAILED, f'{SILENCE}  5 bytes came without the end character 13: ",eos=CODE" behind the address names '
+                   'another one, ",any" takes what comes.',
                    "query", address, "t", "--timeout", "500ms")
         self.assertEqual(self.kesp("query", address + ",eos=59", "t"), (DONE, "21.5;\n", ""))
         self.assertEqual(self.kesp("query", address + ",any", "t", "--hex"), (DONE, "32 31 2E 35 3B\n", ""))
@@ -84,18 +85,20 @@ class ReplyTest(NetworkCase):
 class FailureTest(NetworkCase):
     def test_nothing_comes(self):
         begin = time.monotonic()
-        self.fails(FAILED, "Timeout (cfrTimeout, [CKespTCP - ReadLine()])\n  Nothing was received: the instrument may not "
-                   "know the command, or take longer (--timeout).",
+        self.fails(FAILED, f"{SILENCE}  Nothing was received: the instrument may not know the command, or take longer "
+                   "(--timeout).",
                    "query", self.address, "SILENT?", "*IDN?", "--timeout", "1s")
         self.assertLess(time.monotonic() - begin, 6)
 
     def test_connection_is_refused(self):
         self.fails(FAILED, "Timeout - unable to establish connection (cfrInitializeFailed, [CKespTCP - Initialize()])\n"
-                   "  Nobody listens at that address and port, or a firewall is between: \"kesp discover\" lists who answers.",
+                   "  Nobody listens at that address and port, or a firewall is between: \"kesp discover\" lists who "
+                   "answers.",
                    "query", "tcp:127.0.0.1:9", "*IDN?", "--timeout", "1s")
 
     def test_reply_with_other_characters(self):
-        self.fails(FAILED, "Invalid characters received on IP address 127.0.0.1. (cfrReadFailed, CKespTCP - ReadLine())",
+        self.fails(FAILED, "Invalid characters received on IP address 127.0.0.1. "
+                   "(cfrReadFailed, CKespTCP - ReadLine())",
                    "query", self.address, "NONASCII?")
 
     def test_mistakes(self):
@@ -139,7 +142,9 @@ class OutputTest(NetworkCase):
         file = self.folder / "m\u00fcller.bin"
         self.assertEqual(self.kesp("query", self.address, "ALLBYTES?", "--binary", file), (DONE, "", ""))
         self.assertEqual(file.read_bytes(), ALL_BYTES)
-        self.assertEqual(self.kesp("query", self.address, "SILENT?", "--binary", file, "--timeout", "500ms")[0], FAILED)
+        code, output, error = self.kesp("query", self.address, "SILENT?", "--binary", file, "--timeout", "500ms")
+        self.assertEqual((code, output), (FAILED, ""))
+        self.assertNotEqual(error, "")
         self.assertEqual(file.read_bytes(), ALL_BYTES)
         self.assertEqual([entry.name for entry in self.folder.iterdir()], [file.name])
 
@@ -213,6 +218,17 @@ class RepeatTest(NetworkCase):
         self.assertEqual(program.end(), (INTERRUPTED, IDENTITY + "\n", ""))
         self.assertLess(time.monotonic() - begin, 10)
 
+    def test_second_ctrl_c(self):
+        program = Kesp(self.bits, "query", self.address, "*IDN?", "SILENT?", "--repeat", "0", "--timeout", "30s")
+        program.wait_for(IDENTITY)
+        begin = time.monotonic()
+        program.press_ctrl_c()
+        time.sleep(0.5)
+        self.assertIsNone(program.process.poll())  # the first one lets the round end
+        program.press_ctrl_c()
+        self.assertEqual(program.end()[0], INTERRUPTED)
+        self.assertLess(time.monotonic() - begin, 10)
+
 
 class SerialTest(KespCase):
     def test_replies_and_bytes_on_a_port_that_stays_open(self):
@@ -228,23 +244,25 @@ class SerialTest(KespCase):
         code, output, error = self.kesp("query", f"com{COM}@9600", "SET 1", "--timeout", "300ms")
         self.assertEqual((code, output), (FAILED, ""))
         self.assertEqual(error, f"kesp: Timeout waiting for instrument to respond to command on COM{COM}. "
-                         f'(cfrTimeout, CKespCOMPort3 - ReadLine())\n  Nothing was received: "kesp detect com{COM}" looks '
-                         "for the bit rate.\n")
+                         "(cfrTimeout, CKespCOMPort3 - ReadLine())\n"
+                         f'  Nothing was received: "kesp detect com{COM}" looks for the bit rate.\n')
 
     def test_replies_without_a_line_feed(self):
-        device = self.write('{"reply_terminator": "", "commands": {"t": "21.5", "CR": [{"send": "21.6", "end": "\\r"}]}}')
+        device = self.write(json.dumps({"reply_terminator": "", "commands": {
+            "t": "21.5", "CR": [{"send": "21.6", "end": "\r"}]}}))
         self.serial_instrument(COM, "--quiet", device)
         code, output, error = self.kesp("query", f"com{COM}", "t", "--timeout", "300ms")
         self.assertEqual((code, output), (FAILED, ""))
         self.assertIn("\n  4 bytes came without a line feed, the last were 32 31 2E 35: ", error)
         self.assertEqual(self.kesp("query", f"com{COM}", "CR", "--timeout", "300ms"),
-                         (DONE, "21.6\n", "kesp: no line feed came, a lone carriage return ended the data when the time was "
-                          'up: add ",cr" to the address\n'))
+                         (DONE, "21.6\n", "kesp: no line feed came, a lone carriage return ended the data when the time "
+                          'was up: add ",cr" to the address\n'))
 
     def test_a_port_that_is_pulled_and_plugged_in_again(self):
         # Rounds go on when it is back.
         instrument = self.serial_instrument(COM, "--quiet", EXAMPLES / "serial-controller.json")
-        program = Kesp(self.bits, "query", f"com{COM}@9600", "t", "--repeat", "0", "--every", "100ms", "--timeout", "300ms")
+        program = Kesp(self.bits, "query", f"com{COM}@9600", "t", "--repeat", "0", "--every", "100ms",
+                       "--timeout", "300ms")
         program.wait_for("+021.5")
         self.pull(instrument)
         program.wait_for("kesp: ")
@@ -282,7 +300,8 @@ class GpibTest(KespCase):
         return Kesp(self.bits, *arguments, program=self.program).end()
 
     def test_replies(self):
-        self.assertEqual(self.kesp("query", "gpib:5", "*IDN?", "SETP?"), (DONE, "KESP,GP488,SIM48805,1.0\n+022.00\n", ""))
+        self.assertEqual(self.kesp("query", "gpib:5", "*IDN?", "SETP?"),
+                         (DONE, "KESP,GP488,SIM48805,1.0\n+022.00\n", ""))
         self.assertEqual(self.kesp("send", "gpib:5", "SETP 25"), (DONE, "", ""))
 
     def test_failures(self):
