@@ -72,7 +72,7 @@ class Querying {
     PartFile file(options_.binary);
     std::string bytes;
     for (const std::string& command : options_.commands) {
-      bytes += instrument_->QueryBinary(command);
+      bytes += BytesOf(command);
       if (console_.Interrupted() && &command != &options_.commands.back()) return kExitInterrupted;
     }
     file.Complete(bytes);
@@ -81,6 +81,15 @@ class Querying {
   }
 
  private:
+  std::string BytesOf(const std::string& command) {
+    try {
+      return instrument_->QueryBinary(command);
+    } catch (LibraryError& error) {
+      error.hint = HintFor(error, address_);
+      throw;
+    }
+  }
+
   Reply Ask(const std::string& command, const std::string& time) {
     Reply reply;
     reply.time = time;

@@ -65,8 +65,8 @@ class ReplyTest(NetworkCase):
 
     def test_other_end_of_a_reply(self):
         address = self.tcp_instrument(self.write('{"reply_terminator": ";", "commands": {"t": "21.5"}}'))
-        self.fails(FAILED, f'{SILENCE}  5 bytes came without the end character 13: ",eos=CODE" behind the address names '
-                   'another one, ",any" takes what comes.',
+        self.fails(FAILED, f'{SILENCE}  5 bytes came without the end character 13: ",eos=CODE" behind the address '
+                   'names another one, ",any" takes what comes.',
                    "query", address, "t", "--timeout", "500ms")
         self.assertEqual(self.kesp("query", address + ",eos=59", "t"), (DONE, "21.5;\n", ""))
         self.assertEqual(self.kesp("query", address + ",any", "t", "--hex"), (DONE, "32 31 2E 35 3B\n", ""))
@@ -126,8 +126,8 @@ class FailureTest(NetworkCase):
         lonely = pathlib.Path(shutil.copy(ROOT / "dist" / f"win{self.bits}" / "kesp.exe", self.folder))
         library = self.windows(self.folder / "KespCommObj.dll")
         self.assertEqual(Kesp(self.bits, "query", self.address, "*IDN?", program=lonely).end(),
-                         (NO_LIBRARY, "", f"kesp: {library} is not there: put it beside kesp.exe, or use the registered "
-                          "library with --registered\n"))
+                         (NO_LIBRARY, "", f"kesp: {library} is not there: put it beside kesp.exe, or use the "
+                          "registered library with --registered\n"))
         self.assertEqual(Kesp(self.bits, "query", self.address, "*IDN?", "--registered", program=lonely).end(),
                          (DONE, IDENTITY + "\n", ""))
         other = {"64": "32", "32": "64"}[self.bits]
@@ -255,8 +255,8 @@ class SerialTest(KespCase):
         self.assertEqual((code, output), (FAILED, ""))
         self.assertIn("\n  4 bytes came without a line feed, the last were 32 31 2E 35: ", error)
         self.assertEqual(self.kesp("query", f"com{COM}", "CR", "--timeout", "300ms"),
-                         (DONE, "21.6\n", "kesp: no line feed came, a lone carriage return ended the data when the time "
-                          'was up: add ",cr" to the address\n'))
+                         (DONE, "21.6\n", "kesp: no line feed came, a lone carriage return ended the data when the "
+                          'time was up: add ",cr" to the address\n'))
 
     def test_a_port_that_is_pulled_and_plugged_in_again(self):
         # Rounds go on when it is back.
