@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "console/duration.h"
+#include "console/help_texts.h"
 #include "console/snippet_languages.h"
 
 namespace kesp::console {
@@ -48,13 +49,6 @@ constexpr char kMoreOfQuery[] =
     "Standard output holds the reply alone. A reply over TCP/IP or from a COM port comes without its line "
     "ends.\n";
 
-constexpr char kMoreOfTerminal[] =
-    "What you type is sent; what is answered is shown with the time and the duration. A line that begins "
-    "with a\n"
-    "colon is for the terminal: \":help\" lists these. Ctrl-C ends it.\n";
-
-constexpr char kMoreOfDiscover[] = "Sends one broadcast and asks everyone who answers who it is.\n";
-
 constexpr char kMoreOfLog[] =
     "The trace is the file that DebugFilename names while Debugging is True, or that --trace wrote.\n"
     "--as-device writes a description from which kesp-sim plays the instrument, with the delays that it "
@@ -72,10 +66,11 @@ CLI::Option* AddDuration(CLI::App& app, const char* name, const char* about, std
       });
 }
 
-void DescribeTalk(CLI::App& app, TalkOptions& talk) {
+constexpr char kOfAReply[] = "How long to wait for the connection and for a reply";
+
+void DescribeTalk(CLI::App& app, TalkOptions& talk, const char* timeout = kOfAReply) {
   app.add_option("ADDRESS", talk.address, "Where the instrument is")->type_name("")->required();
-  AddDuration(app, "--timeout", "How long to wait for the connection and for a reply",
-              [&talk](int milliseconds) { talk.timeout_ms = milliseconds; });
+  AddDuration(app, "--timeout", timeout, [&talk](int milliseconds) { talk.timeout_ms = milliseconds; });
   app.add_option("--trace", talk.trace, "Write each step into this file, for \"kesp log\"")
       ->type_name("FILE");
 }
@@ -117,11 +112,8 @@ void DescribeLevel(CLI::App& app, DetectOptions& options) {
 }
 
 void Describe(CLI::App& app, DetectOptions& options) {
-  app.footer(
-      "At a COM port it looks for the bit rate, on the GPIB (\"gpib:\") for the first device, over TCP/IP "
-      "for\n"
-      "an answer. What it prints is the address that works, and the answer.\n");
-  DescribeTalk(app, options.talk);
+  app.footer(kMoreOfDetect);
+  DescribeTalk(app, options.talk, "Try nothing any more after this time");
   DescribeLevel(app, options);
   app.add_flag("--json", options.json, "As JSON");
 }
@@ -154,14 +146,14 @@ void Describe(CLI::App& app, PortsOptions& options) {
 }
 
 void Describe(CLI::App& app, DownloadOptions& options) {
-  app.footer("The transfer ends when the line has been silent for the timeout (3 s if not said).\n");
-  DescribeTalk(app, options.talk);
+  app.footer(kMoreOfDownload);
+  DescribeTalk(app, options.talk, "How long the line is silent at the end of the transfer");
   app.add_option("FILE", options.file, "Where to write it")->type_name("")->required();
   app.add_option("--command", options.command, "Send this first")->type_name("CMD");
 }
 
 void Describe(CLI::App& app, EditOptions& options) {
-  app.footer("What it prints is the address with the settings that were confirmed.\n");
+  app.footer(kMoreOfEdit);
   DescribeTalk(app, options.talk);
 }
 
