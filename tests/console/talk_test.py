@@ -30,7 +30,8 @@ class DetectTest(KespCase):
         self.assertEqual(json.loads(output), {"address": address, "answer": "KESP,7100,SIM00001,1.0"})
 
     def test_nobody_listens(self):
-        self.assertEqual(self.kesp("detect", "tcp:127.0.0.1:1"), (FAILED, "", "kesp: no connection to tcp:127.0.0.1:1\n"))
+        self.assertEqual(self.kesp("detect", "tcp:127.0.0.1:1"),
+                         (FAILED, "", "kesp: no connection to tcp:127.0.0.1:1\n"))
 
     def test_the_bit_rate_is_found(self):
         device = self.write('{"line": {"baud": 9600}, "commands": {"*VER": "1.0"}, "reply_terminator": "\\r\\n"}')
@@ -105,7 +106,8 @@ class TerminalTest(KespCase):
         code, output, error = self.kesp("terminal", address, input=":timeout 500\nNO?\n:nonsense\n*IDN?\n:quit\nNO?\n")
         self.assertEqual(code, FAILED)
         self.assertRegex(output, f"^{SAID}KESP,7100\n$")
-        self.assertRegex(error, rf"^{SAID}Timeout \(cfrTimeout, \[CKespTCP - ReadLine\(\)\]\)[^\"]*\":nonsense\" is not a word")
+        self.assertRegex(error, rf"^{SAID}Timeout \(cfrTimeout, \[CKespTCP - ReadLine\(\)\]\)")
+        self.assertIn('":nonsense" is not a word of the terminal', error)
 
     def test_a_port_that_is_pulled_and_comes_back(self):
         instrument = self.serial_instrument(COM, "--quiet", self.device)
@@ -160,13 +162,15 @@ class DownloadTest(KespCase):
         self.part = self.folder / "data.bin.part"
 
     def device(self, steps):
-        self.serial_instrument(COM, "--quiet", self.write('{"commands": {"DUMP?": [%s]}}' % steps))
+        self.log = self.folder / "log"
+        self.serial_instrument(COM, "--quiet", "--log", self.log, self.write('{"commands": {"DUMP?": [%s]}}' % steps))
 
     def download(self, *options):
         return Kesp(self.bits, "download", f"com{COM}@57600", self.windows(self.file), "--command", "DUMP?", *options)
 
     def test_every_byte_as_it_came(self):
-        self.device(f'{{"send_hex": "{ALL_BYTES.hex(" ")}"}}, {{"wait_ms": 700}}, {{"send_hex": "{ALL_BYTES.hex(" ")}"}}')
+        piece = f'{{"send_hex": "{ALL_BYTES.hex(" ")}"}}'
+        self.device(f'{piece}, {{"wait_ms": 700}}, {piece}')
         code, output, error = self.download("--timeout", "1500").end()
         self.assertEqual((code, error), (DONE, ""))
         self.assertRegex(output, r"data\.bin: 512 bytes, \d+ bytes/s, \d\.\d s\n$")
@@ -177,7 +181,8 @@ class DownloadTest(KespCase):
         self.device("")
         code, output, error = self.download("--timeout", "300ms").end()
         self.assertEqual((code, output), (FAILED, ""))
-        self.assertIn(f"Timeout while downloading from COM{COM}. (ERR_DOWNLOAD_TIMEOUT, CKespCOMPort3 - Download())", error)
+        self.assertIn(f"Timeout while downloading from COM{COM}. (ERR_DOWNLOAD_TIMEOUT, CKespCOMPort3 - Download())",
+                      error)
         self.assertFalse(self.file.exists() or self.part.exists())
 
     def test_ctrl_c_keeps_what_came(self):
@@ -185,9 +190,7 @@ class DownloadTest(KespCase):
         self.device(", ".join([piece] * 400))
         self.file.write_text("an older one")
         program = self.download()
-        time.sleep(0.5)
-        wait_until(lambda: any(program.numbers()), lambda: "the program")
-        time.sleep(2)
+        wait_until(lambda: '"DUMP?"' in self.log.read_text(), self.log.read_text)
         program.press_ctrl_c()
         code, output, error = program.end()
         self.assertEqual((code, output), (INTERRUPTED, ""))
@@ -200,7 +203,8 @@ class DownloadTest(KespCase):
         self.device('{"send": "data"}, {"wait_ms": 1500}, {"close": true}')
         code, output, error = self.download("--timeout", "30s").end()
         self.assertEqual((code, output), (FAILED, ""))
-        self.assertRegex(error, r"^kesp: Error reading comm device \(8020, commCOMControl\)\n  the 5 bytes that had come")
+        self.assertIn("kesp: Error reading comm device (8020, commCOMControl)\n", error)
+        self.assertIn("  the 5 bytes that had come are in ", error)
         self.assertEqual(self.part.read_bytes(), b"data\r")
 
     def test_the_file_cannot_be_written(self):
