@@ -106,7 +106,8 @@ class KespCase(unittest.TestCase):
         (self.folder / name).write_text(text)
         return self.folder / name
 
-    def windows(self, path):
+    @staticmethod
+    def windows(path):
         return "Z:" + str(path).replace("/", "\\")
 
     def tcp_instrument(self, *options):

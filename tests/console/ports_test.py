@@ -4,13 +4,14 @@
 Ends with 77 where the machine has no Wine of that width.
 """
 
+import fcntl
 import json
 import sys
 import unittest
 
 import device_list
 from kesp_program import DONE, FAILED, KespCase
-from program_tester import SKIPPED, start_wine
+from program_tester import SKIPPED, com_port_link, start_wine
 
 COM = 202
 
@@ -59,6 +60,11 @@ class PortsTest(KespCase):
         self.assertEqual(ports["COM202"]["state"], "free")
         self.assertEqual(ports["COM209"]["state"], "cannot be opened")
         self.assertEqual(ports["COM207"]["state"], "not there")
+        # Of a terminal that somebody has locked, Windows' error is that of a port in use.
+        with open(com_port_link(self.bits, COM), "rb", buffering=0) as line:
+            fcntl.flock(line, fcntl.LOCK_EX)
+            self.assertEqual(self.ours("--probe")["COM202"]["state"], "in use")
+            self.assertEqual(self.ours()["COM202"]["state"], "here")
 
     def test_address_by_serial_number(self):
         self.serial_instrument(211, "--quiet", self.write('{"commands": {"*IDN?": "behind the adapter"}}'))
