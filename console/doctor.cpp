@@ -17,10 +17,11 @@ Findings FromOutside(Machine& machine, int bits) {
 
 Finding NotAsked(const OtherProgram& other, int bits) {
   const std::string subject = WidthText(bits) + " kesp";
-  if (!other.found)
+  if (!other.found) {
     return Warning(subject,
                    other.path + " is not there: the " + WidthText(bits) + " library was not tried out",
                    "keep the folders win64 and win32 side by side, as they were delivered");
+  }
   return Warning(subject,
                  other.path + " did not answer: the " + WidthText(bits) + " library was not tried out",
                  "run it by hand: \"" + other.path + "\" doctor --this-width-only");

@@ -37,13 +37,15 @@ Findings GpibFindings(Machine& machine, int bits) {
   if (files.empty()) return {None(subject, bits)};
   const GpibFile& taken = files.front();
   const std::string others = Others(files);
-  if (taken.bits != bits)
+  if (taken.bits != bits) {
     return {Fault(subject, taken.path + " is no " + WidthText(bits) + " library" + others,
                   "install the driver of the board's maker for " + WidthText(bits) +
                       " programs in place of that file")};
-  if (!taken.missing.empty())
+  }
+  if (!taken.missing.empty()) {
     return {Fault(subject, Described(taken) + " lacks " + Joined(taken.missing, ", ") + others,
                   "install a newer driver of the board's maker, or one with the interface of NI-488.2")};
+  }
   return {Well(subject, Described(taken) + " has each of the " +
                             std::to_string(NeededGpibEntryPoints().size()) + " entry points" + others)};
 }

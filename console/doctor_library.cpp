@@ -15,12 +15,14 @@ Finding Of(const std::string& subject, const Trial& trial, const std::string& go
 Findings Of(const std::string& subject, const LibraryReport& report, const std::string& remedy) {
   if (!report.error.empty()) return {Fault(subject, "cannot be loaded: " + report.error, remedy)};
   Findings findings;
-  for (const Trial& trial : report.classes)
+  for (const Trial& trial : report.classes) {
     if (!trial.error.empty())
       findings.push_back(Fault(subject, trial.what + " cannot be created: " + trial.error, remedy));
-  if (findings.empty())
+  }
+  if (findings.empty()) {
     findings.push_back(
         Well(subject, "each of its " + std::to_string(report.classes.size()) + " classes was created"));
+  }
   findings.push_back(Of(subject, report.type_library, "its type library was loaded, and is its own", remedy));
   findings.push_back(Of(subject, report.event, "events were connected", remedy));
   return findings;
@@ -29,9 +31,10 @@ Findings Of(const std::string& subject, const LibraryReport& report, const std::
 Findings Delivered(Machine& machine, int bits) {
   const std::string subject = WidthText(bits) + " library beside kesp";
   const std::string library = machine.DeliveredLibrary(bits);
-  if (library.empty())
+  if (library.empty()) {
     return {Fault(subject, "KespCommObj.dll is not beside kesp.exe",
                   "copy the whole folder that was delivered, or use --registered")};
+  }
   return Of(subject, machine.Examine(library), "copy " + library + " anew from what was delivered");
 }
 

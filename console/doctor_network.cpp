@@ -35,9 +35,10 @@ Finding Of(const NetworkAdapter& adapter) {
 Findings Choice(const std::vector<NetworkAdapter>& adapters) {
   const auto takes = std::find_if(adapters.begin(), adapters.end(),
                                   [](const NetworkAdapter& each) { return each.takes_broadcast; });
-  if (takes == adapters.end())
+  if (takes == adapters.end()) {
     return {Warning("Broadcast", "no network adapter takes it: no instruments can be found",
                     "connect this machine to the instruments' network; addresses can be used without that")};
+  }
   if (adapters.size() == 1) return {};
   return {Warning(
       "Broadcast",

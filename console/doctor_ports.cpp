@@ -26,14 +26,16 @@ std::string ShorterLatency(const PortDevice& port) {
 Finding Of(const PortDevice& port) {
   const std::string text = Described(port);
   if (!port.present) return Well(port.name, text);
-  if (PortNumber(port.name) > kHighestPort)
+  if (PortNumber(port.name) > kHighestPort) {
     return Warning(port.name, text + "; the library takes COM1 to COM256",
                    "Device Manager, the port's Port Settings, Advanced, COM Port Number: one up to COM256");
-  if (port.latency_ms.value_or(0) > kShortLatency)
+  }
+  if (port.latency_ms.value_or(0) > kShortLatency) {
     return Warning(port.name,
                    text + "; the adapter holds back the end of each reply for up to " +
                        std::to_string(*port.latency_ms) + " ms",
                    ShorterLatency(port));
+  }
   return Well(port.name, text);
 }
 

@@ -56,18 +56,21 @@ class Registered {
 
   Finding Of(const std::string& subject, const ServedLibrary& served) const {
     const std::string& library = served.libraries.front();
-    if (served.libraries.size() > 1)
+    if (served.libraries.size() > 1) {
       return Fault(subject, "get their classes from several files: " + Joined(served.libraries),
                    Register(served.hive));
-    if (!served.missing.empty())
+    }
+    if (!served.missing.empty()) {
       return Fault(subject, library + " is registered in part; missing: " + Joined(served.missing),
                    Register(served.hive));
+    }
     const auto facts = machine_.FactsOf(library);
     if (!facts)
       return Fault(subject, library + " is registered, but there is no such file", Register(served.hive));
-    if (facts->bits != bits_)
+    if (facts->bits != bits_) {
       return Fault(subject, library + " is registered, but is no " + WidthText(bits_) + " library",
                    Register(served.hive));
+    }
     return Compared(subject, served, *facts);
   }
 
@@ -86,24 +89,27 @@ class Registered {
 
   Finding Elevated(const ServedLibrary& ordinary, const ServedLibrary& elevated) const {
     const std::string subject = Subject() + " as administrator";
-    if (elevated.IsNone())
+    if (elevated.IsNone()) {
       return Warning(
           subject,
           "get \"class not registered\" (80040154): what is registered for one user does not exist for them",
           Register());
-    if (!IsSamePath(elevated.libraries.front(), ordinary.libraries.front()))
+    }
+    if (!IsSamePath(elevated.libraries.front(), ordinary.libraries.front())) {
       return Warning(subject,
                      "load another library: " + elevated.libraries.front() + ", registered for all users",
                      Register());
+    }
     if (ordinary.hive == Hive::kThisUser) return Of(subject, elevated);
     return Well(subject, "load the same");
   }
 
   Finding TypeLibrary(const std::string& library) const {
     const std::string subject = WidthText(bits_) + " type library";
-    if (entries_.type_library.empty())
+    if (entries_.type_library.empty()) {
       return Fault(subject, "is not registered: calls between threads and into other programs fail",
                    Register());
+    }
     if (!IsSamePath(entries_.type_library, library))
       return Warning(subject, "is registered from another file: " + entries_.type_library, Register());
     return Well(subject, "is registered from the same file");

@@ -100,9 +100,10 @@ class Image {
 
   // From an address in memory to a place in the file.
   std::size_t PlaceOf(std::uint32_t address) const {
-    for (const Section& section : sections_)
+    for (const Section& section : sections_) {
       if (address >= section.address && address - section.address < section.size)
         return section.place + (address - section.address);
+    }
     throw std::out_of_range("an address outside the sections");
   }
 

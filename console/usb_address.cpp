@@ -55,9 +55,10 @@ ComAddress ComAddressOf(const UsbAddress& address, const std::vector<PortDevice>
   const auto known = WithSerial(InNaturalOrder(ports), address.serial);
   const auto found = OnlyThosePresent(known);
   if (found.empty()) throw std::runtime_error(Reason(address.serial, InNaturalOrder(ports), known));
-  if (found.size() > 1)
+  if (found.size() > 1) {
     throw std::runtime_error("several ports have the serial number " + address.serial + ": " + Listed(found) +
                              "; name one of them");
+  }
   ComAddress com;
   com.port = PortNumber(found.front().name);
   com.line = address.line;
