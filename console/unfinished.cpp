@@ -4,9 +4,6 @@
 
 namespace kesp::console {
 
-int Run(const LogOptions&, Surroundings&) {
-  throw UsageError("not written yet");
-}
 int Run(const SnippetOptions&, Surroundings&) {
   throw UsageError("not written yet");
 }
