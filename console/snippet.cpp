@@ -35,7 +35,7 @@ std::string Snippet(const std::string& language, const Address& address, const s
   const Dialect* dialect = FindDialect(language);
   if (dialect == nullptr) throw std::invalid_argument("no such language: " + language);
   const SnippetSettings settings = SettingsFor(address);
-  std::string program = dialect->program;
+  std::string program = SnippetProgram(language);
   Replace(program, "@SETTINGS@", Assignments(*dialect, settings, IndentationOf(program, "@SETTINGS@")));
   Replace(program, "@STYLE@", dialect->assign(*dialect, {"CommStyle", settings.style, true}));
   Replace(program, "@TRANSPORT@", settings.transport);
