@@ -1,11 +1,13 @@
 // "kesp snippet": prints a program that talks to an address.
 #include "console/commands.h"
 #include "console/snippet.h"
+#include "console/usb_address.h"
 
 namespace kesp::console {
 
 int Run(const SnippetOptions& options, Surroundings& around) {
-  around.console.Write(Snippet(options.language, ParseAddress(options.address), options.address));
+  around.console.Write(
+      Snippet(options.language, WithPort(ParseAddress(options.address), around.machine), options.address));
   return kExitDone;
 }
 

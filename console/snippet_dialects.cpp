@@ -1,6 +1,7 @@
 // The languages of "kesp snippet": their literals and assignments.
 #include <algorithm>
 #include <cctype>
+#include <string_view>
 #include <type_traits>
 
 #include "console/snippet_dialect.h"
@@ -126,10 +127,10 @@ std::string CppValue(const Dialect& dialect, const Assignment& assignment) {
 // What is put by reference needs a variable.
 std::string CppAssign(const Dialect& dialect, const Assignment& assignment) {
   const std::string value = CppValue(dialect, assignment);
-  if (assignment.property == "SmartSwitch.SSPort")
-    return "Ptr<_CKespSmartSwitch3> "
-           "box;\nCheck(transport->get_SmartSwitch(&box.p));\nCheck(box->put_SSPort(" +
-           value + "));";
+  constexpr std::string_view kSwitch = "SmartSwitch.";
+  if (assignment.property.starts_with(kSwitch))
+    return "Check(SwitchOf(transport.p)->put_" + assignment.property.substr(kSwitch.size()) + "(" + value +
+           "));";
   const std::string object = assignment.property == "CommStyle" ? "comm" : "transport";
   if (!assignment.by_reference)
     return "Check(" + object + "->put_" + assignment.property + "(" + value + "));";

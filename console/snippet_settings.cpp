@@ -1,17 +1,24 @@
 // What a program has to set for an address, in whichever language.
 #include "console/snippet_settings.h"
 
+#include <algorithm>
+#include <iterator>
+
+#include "console/baud_rates.h"
 #include "console/usage_error.h"
 
 namespace kesp::console {
 namespace {
 
 Enumerator RateOf(int baud) {
-  constexpr int kRates[] = {150,   300,   600,   1200,   2400,   4800,   9600,
-                            19200, 38400, 57600, 115200, 230400, 460800, 921600};
-  int value = 0;
-  while (kRates[value] != baud) ++value;
-  return {"br" + std::to_string(baud), value};
+  const auto* found = std::find(std::begin(kBaudRates), std::end(kBaudRates), baud);
+  return {"br" + std::to_string(baud), static_cast<int>(found - std::begin(kBaudRates))};
+}
+
+Enumerator SwitchOf(int ports) {
+  if (ports == 4) return {"ssBB4port", 0};
+  if (ports == 8) return {"ssBB8port", 1};
+  return {"ssBB6port", 2};
 }
 
 Enumerator ParityOf(char letter) {
@@ -63,7 +70,6 @@ SnippetSettings Of(const ComAddress& com) {
   list.push_back({"Port", com.port});
   if (line.omega) list.push_back({"ControllerStyle", Enumerator{"CS_OMEGA", 1}});
   if (line.precidia) list.push_back({"ControllerStyle", Enumerator{"CS_PRECIDIA", 2}});
-  if (line.modem) list.push_back({"ControllerStyle", Enumerator{"CS_MAXSTREAM", 3}});
   if (line.baud) {
     list.push_back({"MaxBaudRate", RateOf(921600)});
     list.push_back({"MinBaudRate", RateOf(150)});
@@ -78,6 +84,7 @@ SnippetSettings Of(const ComAddress& com) {
   if (line.cr) list.push_back({"UseRedirector", true});
   if (line.port_switch) {
     list.push_back({"UseSmartSwitch", true});
+    list.push_back({"SmartSwitch.Style", SwitchOf(line.switch_ports)});
     list.push_back({"SmartSwitch.SSPort", *line.port_switch});
   }
   return settings;

@@ -86,6 +86,14 @@ TEST(SnippetTest, Gpib_EndsCommandsAndLeavesTheEndOfReplies) {
                 "transport.EOSChar = \"10\"\ntransport.SetEOS = False\ntransport.ClearDevice = False\n"));
 }
 
+TEST(SnippetTest, PortSwitch_HasItsSizeAndPort) {
+  EXPECT_THAT(SnippetFor("vbscript", "com3,switch=B/8"),
+              HasSubstr("transport.UseSmartSwitch = True\ntransport.SmartSwitch.Style = 1  ' ssBB8port\n"
+                        "transport.SmartSwitch.SSPort = \"B\"\n"));
+  EXPECT_THAT(SnippetFor("cpp", "com3,switch=B"),
+              HasSubstr("Check(SwitchOf(transport.p)->put_Style(ssBB6port));"));
+}
+
 TEST(SnippetTest, ADeviceWithoutNumber_IsRefused) {
   EXPECT_THROW(SnippetFor("vbscript", "gpib:"), UsageError);
 }
