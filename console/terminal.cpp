@@ -8,8 +8,8 @@
 #include "console/duration.h"
 #include "console/failure_text.h"
 #include "console/hexadecimal.h"
+#include "console/hint.h"
 #include "console/instrument_at.h"
-#include "console/port_hint.h"
 
 namespace kesp::console {
 namespace {
@@ -52,7 +52,10 @@ std::string InMilliseconds(std::chrono::microseconds duration) {
 }  // namespace
 
 Terminal::Terminal(TalkOptions talk, Surroundings& around)
-    : talk_(std::move(talk)), around_(around), prompt_(TextOf(ParseDeviceAddress(talk_.address)) + "> ") {}
+    : talk_(std::move(talk)),
+      around_(around),
+      address_(ParseDeviceAddress(talk_.address)),
+      prompt_(TextOf(address_) + "> ") {}
 
 bool Terminal::Run() {
   if (around_.console.IsTypedAt())
@@ -103,7 +106,7 @@ void Terminal::Exchange(const TerminalLine& line) {
     said = Said(line);
   } catch (const LibraryError& error) {
     failure = FailureText(error);
-    hint = PortHint(error);
+    hint = HintFor(error, address_);
   }
   const std::string duration = InMilliseconds(around_.clock.Now() - start);
   const std::string time = around_.clock.LocalTime();

@@ -35,6 +35,7 @@ class Terminal {
 
   TalkOptions talk_;
   Surroundings& around_;
+  Address address_;
   std::string prompt_;
   std::unique_ptr<Instrument> instrument_;
   ConversationLog log_;

@@ -74,6 +74,17 @@ TEST_F(TerminalCommandTest, ThePortFails_ToldWithWhatHelpsAndTheTerminalGoesOn) 
             std::string::npos);
 }
 
+TEST_F(TerminalCommandTest, NothingComes_ToldWhatHelps) {
+  LibraryError silence("cfrTimeout", "CKespCOMPort3 - ReadLine()", "Timeout");
+  silence.received = 0;
+  library_.Fail("A?", silence);
+  Talk({"A?"});
+  EXPECT_NE(console_.error.find(
+                "ReadLine())\n  Nothing was received: \"kesp detect com3\" looks for the bit rate."),
+            std::string::npos)
+      << console_.error;
+}
+
 TEST_F(TerminalCommandTest, TimeoutBeforeTheFirstCommand_Counts) {
   Talk({":timeout 5s", "*IDN?"});
   EXPECT_EQ(library_.tunings.back().timeout_ms, 5000);
