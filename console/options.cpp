@@ -13,47 +13,6 @@
 namespace kesp::console {
 namespace {
 
-constexpr char kAbout[] =
-    "Talks to instruments over TCP/IP, at COM ports and on a GPIB, with the Kesp Communication "
-    "Object Library.\n";
-
-constexpr char kMore[] =
-    "Addresses:\n"
-    "  tcp:192.168.0.10:10001     over the network; the port is 10001 where none is given\n"
-    "  com3                       at COM3, as the library is set at first (57600 baud)\n"
-    "  com3@9600,8N1              with this rate, data bits, parity and stop bits\n"
-    "  com3@19200,7E1,omega=01    an Omega controller with the address 01\n"
-    "  com3,cr                    behind a COM port redirector: a lone CR ends a reply\n"
-    "  usb:A50285BI@9600          the COM port of the adapter with this serial number\n"
-    "  gpib:5                     the device with the primary address 5 on the GPIB\n"
-    "  gpib:5,eos=13              where a carriage return ends a command (10, a line feed, if not said)\n"
-    "docs/kesp.md tells the rest of them.\n"
-    "\n"
-    "Examples:\n"
-    "  kesp query tcp:192.168.0.10 \"*IDN?\"\n"
-    "  kesp discover\n"
-    "  kesp ports\n"
-    "  kesp detect com3\n"
-    "  kesp query com3@9600 \"MEAS?\" --repeat 60 --every 1s --csv > measured.csv\n"
-    "  kesp terminal gpib:5\n"
-    "  kesp log commobjout.log --errors\n"
-    "  kesp doctor\n"
-    "\n"
-    "\"kesp query --help\" and so on list the options of a command. Times are milliseconds, or have a unit:\n"
-    "500ms, 2s, 1min, 1h.\n"
-    "Exit codes: 0 done, 1 the instrument or the library failed, 2 a mistake in the command line or an "
-    "address,\n"
-    "3 the library cannot be loaded, 4 ended by Ctrl-C; of \"doctor\" the number of FAILs.\n";
-
-constexpr char kMoreOfQuery[] =
-    "Standard output holds the reply alone. A reply over TCP/IP or from a COM port comes without its line "
-    "ends.\n";
-
-constexpr char kMoreOfLog[] =
-    "The trace is the file that DebugFilename names while Debugging is True, or that --trace wrote.\n"
-    "--as-device writes a description from which kesp-sim plays the instrument, with the delays that it "
-    "had.\n";
-
 // CLI11 names the option in front.
 CLI::Option* AddDuration(CLI::App& app, const char* name, const char* about, std::function<void(int)> store) {
   return app
@@ -131,6 +90,7 @@ void Describe(CLI::App& app, QueryOptions& options) {
 }
 
 void Describe(CLI::App& app, SendOptions& options) {
+  app.footer(kMoreOfSend);
   DescribeTalk(app, options.talk);
   DescribeCommands(app, options.commands);
 }
@@ -141,6 +101,7 @@ void Describe(CLI::App& app, TerminalOptions& options) {
 }
 
 void Describe(CLI::App& app, PortsOptions& options) {
+  app.footer(kMoreOfPorts);
   app.add_flag("--probe", options.probe, "Open each port, to see whether it is in use");
   app.add_flag("--json", options.json, "As JSON");
 }
@@ -173,6 +134,7 @@ void Describe(CLI::App& app, LogOptions& options) {
 }
 
 void Describe(CLI::App& app, SnippetOptions& options) {
+  app.footer(kMoreOfSnippet);
   app.add_option("LANGUAGE", options.language, "What it is written in")
       ->type_name("")
       ->required()
@@ -181,7 +143,7 @@ void Describe(CLI::App& app, SnippetOptions& options) {
 }
 
 void Describe(CLI::App& app, DoctorOptions& options) {
-  app.footer("Each line is OK, WARN or FAIL; the exit code is the number of FAILs.\n");
+  app.footer(kMoreOfDoctor);
   app.add_flag("--json", options.json, "As JSON");
   app.add_flag("--this-width-only", options.this_width_only, "Do not ask the kesp.exe of the other width");
 }
