@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <array>
 
+#include "console/port_identity.h"
+#include "console/ports.h"
 #include "console/registry_win.h"
 #include "console/wide_text_win.h"
 
@@ -20,6 +22,8 @@ constexpr DEVPROPKEY kReportedName = {
     {0x540B947E, 0x8B40, 0x45BC, {0xA8, 0xA2, 0x6A, 0x0B, 0x89, 0x4C, 0xBD, 0xA2}}, 4};
 // The number that all functions of one device share: SPDRP_BASE_CONTAINERID, which older headers lack.
 constexpr DWORD kContainer = 0x24;
+// That of the computer itself, with all that is built in.
+constexpr const char* kComputer = "{00000000-0000-0000-FFFF-FFFFFFFFFFFF}";
 
 // Devices of a class or of a bus.
 class DeviceSet {
@@ -65,11 +69,7 @@ class DeviceSet {
   SP_DEVINFO_DATA device_{};
 };
 
-bool IsFunction(const std::string& instance) {
-  return instance.find("&MI_") != std::string::npos;
-}
-
-// Whole USB devices, to find that of a function by its container.
+// USB devices, among them the whole one that has a function: it is in the same container.
 struct UsbDevice {
   std::string container;
   std::string instance;
@@ -80,8 +80,7 @@ std::vector<UsbDevice> UsbDevices() {
   std::vector<UsbDevice> devices;
   DeviceSet set(nullptr, L"USB", DIGCF_ALLCLASSES);
   for (DWORD i = 0; set.Select(i); ++i)
-    if (const std::string instance = set.Instance(); !IsFunction(instance))
-      devices.push_back({set.Property(kContainer), instance, set.ReportedName()});
+    devices.push_back({set.Property(kContainer), set.Instance(), set.ReportedName()});
   return devices;
 }
 
@@ -110,9 +109,11 @@ std::vector<std::string> PresentInstances() {
 }
 
 void AddWholeDevice(const std::vector<UsbDevice>& devices, const std::string& container, PortDevice& port) {
-  const auto whole = std::find_if(devices.begin(), devices.end(),
-                                  [&](const UsbDevice& each) { return each.container == container; });
-  if (container.empty() || whole == devices.end()) return;
+  if (container.empty() || lstrcmpiA(container.c_str(), kComputer) == 0) return;
+  const auto whole = std::find_if(devices.begin(), devices.end(), [&](const UsbDevice& each) {
+    return each.container == container && IsFunctionOf(port.instance, each.instance);
+  });
+  if (whole == devices.end()) return;
   port.usb_instance = whole->instance;
   if (port.reported_name.empty()) port.reported_name = whole->reported_name;
 }
@@ -135,19 +136,6 @@ bool Holds(const List& list, const std::string& text) {
   return std::find(list.begin(), list.end(), text) != list.end();
 }
 
-// Ports of drivers that have no device in the list, such as those of a remote desktop.
-void AddOthers(const WorkingPorts& working, std::vector<PortDevice>& ports) {
-  for (const std::string& name : working.names()) {
-    const bool known =
-        std::any_of(ports.begin(), ports.end(), [&](const PortDevice& port) { return port.name == name; });
-    if (known || !name.starts_with("COM")) continue;
-    PortDevice port;
-    port.name = name;
-    port.present = true;
-    ports.push_back(port);
-  }
-}
-
 }  // namespace
 
 std::vector<PortDevice> ListPorts() {
@@ -163,7 +151,7 @@ std::vector<PortDevice> ListPorts() {
     port.present = Holds(present, port.instance) && working.Has(port.name);
     ports.push_back(std::move(port));
   }
-  AddOthers(working, ports);
+  AddPortsWithoutDevice(working.names(), ports);
   return ports;
 }
 

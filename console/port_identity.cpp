@@ -102,6 +102,13 @@ bool IsFtdi(const PortDevice& port) {
   return UpperCase(port.instance).starts_with("FTDIBUS\\");
 }
 
+bool IsFunctionOf(const std::string& function, const std::string& device) {
+  const std::string upper = UpperCase(function);
+  const auto interface_number = upper.find("&MI_");
+  return upper.starts_with("USB\\") && interface_number != std::string::npos &&
+         UpperCase(device).starts_with(upper.substr(0, interface_number) + "\\");
+}
+
 PortIdentity IdentityOf(const PortDevice& port) {
   PortIdentity identity;
   const auto parts = Parts(UpperCase(port.instance), '\\');

@@ -24,6 +24,10 @@ PortIdentity IdentityOf(const PortDevice& port);
 // Whether it is an adapter of FTDI's, with FTDI's own driver.
 bool IsFtdi(const PortDevice& port);
 
+// Whether the first is the instance of a function of a USB device, "USB\VID_10C4&PID_EA70&MI_00\...", and the
+// second may be that device, "USB\VID_10C4&PID_EA70\0123AB".
+bool IsFunctionOf(const std::string& function, const std::string& device);
+
 // Whether the text is the serial number of that port's adapter: with the channel's letter behind it or
 // without, in any case.
 bool HasSerial(const PortIdentity& identity, std::string_view serial);

@@ -46,6 +46,18 @@ std::vector<PortDevice> InNaturalOrder(std::vector<PortDevice> ports) {
   return ports;
 }
 
+void AddPortsWithoutDevice(const std::vector<std::string>& working, std::vector<PortDevice>& ports) {
+  for (const std::string& name : working) {
+    const bool known = std::any_of(ports.begin(), ports.end(),
+                                   [&](const PortDevice& port) { return port.present && port.name == name; });
+    if (known || !name.starts_with("COM")) continue;
+    PortDevice port;
+    port.name = name;
+    port.present = true;
+    ports.push_back(port);
+  }
+}
+
 std::string StateOf(const ListedPort& port) {
   if (!port.device.present) return "not there";
   switch (port.use) {

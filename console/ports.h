@@ -17,6 +17,9 @@ struct ListedPort {
 // COM2 before COM10, and one that is there before one of the same name that is not.
 std::vector<PortDevice> InNaturalOrder(std::vector<PortDevice> ports);
 
+// Adds those of the working ports' names that no present device has, such as the ports of a remote desktop.
+void AddPortsWithoutDevice(const std::vector<std::string>& working, std::vector<PortDevice>& ports);
+
 // The number of "COM3"; 0 for another name.
 int PortNumber(std::string_view name);
 

@@ -49,6 +49,25 @@ TEST(IdentityOf, FunctionOfADevice_HasTheSerialNumberOfTheWhole) {
             (PortIdentity{"USB", "Silicon Labs", "CP2105", "10C4:EA70", "0123AB", ""}));
 }
 
+TEST(IsFunctionOf, TheSameVendorAndProduct_AndNoBusButUsb) {
+  const std::string device = R"(USB\VID_10C4&PID_EA70\0123ab)";
+  EXPECT_TRUE(IsFunctionOf(R"(USB\vid_10c4&PID_EA70&MI_00\6&3A2B3C&0&0000)", device));
+  EXPECT_FALSE(
+      IsFunctionOf(R"(USB\VID_10C4&PID_EA70&MI_00\6&3A2B3C&0&0000)", R"(USB\VID_0424&PID_2514\HUB)"));
+  EXPECT_FALSE(IsFunctionOf(device, device));
+  EXPECT_FALSE(IsFunctionOf(R"(ACPI\PNP0501\1)", device));
+  EXPECT_FALSE(IsFunctionOf("", device));
+}
+
+TEST(AddPortsWithoutDevice, PortThatOnlyARememberedDeviceHad_IsAdded) {
+  std::vector<PortDevice> ports = {Named("COM10"), Named("COM7")};
+  AddPortsWithoutDevice({"COM10", "COM7", "COM33", "LPT1"}, ports);
+  ASSERT_EQ(ports.size(), 4U);
+  EXPECT_EQ(ports[2].name, "COM7");
+  EXPECT_TRUE(ports[2].present);
+  EXPECT_EQ(ports[3].name, "COM33");
+}
+
 TEST(IdentityOf, Bluetooth_HasItsAddressUnlessOthersCall) {
   EXPECT_EQ(IdentityOf(Named("COM12")), (PortIdentity{"Bluetooth", "", "Standard Serial over Bluetooth link",
                                                       "", "00:11:22:33:44:55", ""}));

@@ -30,7 +30,7 @@ class PortsTest(KespCase):
 
     def test_each_adapter_is_known(self):
         ports = self.ours()
-        self.assertEqual(list(ports), ["COM202", "COM207", "COM209", "COM210", "COM211", "COM212"])
+        self.assertEqual(list(ports), ["COM202", "COM207", "COM209", "COM210", "COM211", "COM212", "COM213"])
         facts = ("present", "bus", "vendor", "product", "usb_id", "serial")
         self.assertEqual(
             {name: tuple(port[fact] for fact in facts) for name, port in ports.items()},
@@ -39,7 +39,8 @@ class PortsTest(KespCase):
              "COM209": (True, "USB", "WCH", "CH340", "1A86:7523", ""),
              "COM210": (True, "USB", "FTDI", "FT232R", "0403:6001", "A50285BI"),
              "COM211": (True, "USB", "Silicon Labs", "CP2105", "10C4:EA70", "0123AB"),
-             "COM212": (True, "Bluetooth", "", "Standard Serial over Bluetooth link", "", "00:11:22:33:44:55")})
+             "COM212": (True, "Bluetooth", "", "Standard Serial over Bluetooth link", "", "00:11:22:33:44:55"),
+             "COM213": (True, "ACPI", "", "Communications Port", "", "")})
         self.assertEqual(ports["COM210"]["latency_ms"], 16)
 
     def test_the_table_is_in_natural_order(self):
