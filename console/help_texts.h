@@ -53,7 +53,7 @@ inline constexpr char kMoreOfSend[] =
     "  kesp send gpib:5 *RST \"SETP 25\"\n";
 
 inline constexpr char kMoreOfPorts[] =
-    "The list is the system's; no port is opened without --probe.\n"
+    "The list is the system's own, and no port is opened for it: only --probe tells whether one is in use.\n"
     "\n"
     "Examples:\n"
     "  kesp ports\n"
@@ -68,11 +68,12 @@ inline constexpr char kMoreOfLog[] =
     "  kesp log trace.log --as-device mine.json     and then: kesp-sim mine.json --port 10001\n";
 
 inline constexpr char kMoreOfSnippet[] =
-    "The program asks *IDN? and prints the reply; it uses the registered library.\n"
+    "The program asks *IDN? and prints the reply; it uses the registered library. Windows PowerShell writes\n"
+    "what \">\" redirects as UTF-16, which not every language reads; --output writes UTF-8.\n"
     "\n"
     "Examples:\n"
-    "  kesp snippet vbscript tcp:192.168.0.10 > ask.vbs\n"
-    "  kesp snippet python com3@9600 > ask.py\n";
+    "  kesp snippet python tcp:192.168.0.10\n"
+    "  kesp snippet vbscript com3@9600 --output ask.vbs\n";
 
 inline constexpr char kMoreOfDoctor[] =
     "Each line is OK, WARN or FAIL; the exit code is the number of FAILs.\n"

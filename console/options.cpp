@@ -140,6 +140,8 @@ void Describe(CLI::App& app, SnippetOptions& options) {
       ->required()
       ->transform(CLI::IsMember(SnippetLanguages(), CLI::ignore_case));
   app.add_option("ADDRESS", options.address, "Where the instrument is")->type_name("")->required();
+  app.add_option("--output", options.output, "Write it into this file, which must not be there yet")
+      ->type_name("FILE");
 }
 
 void Describe(CLI::App& app, DoctorOptions& options) {

@@ -82,6 +82,7 @@ struct LogOptions {
 struct SnippetOptions {
   std::string language;
   std::string address;
+  std::string output;  // the file to write; empty: standard output
 };
 
 struct DoctorOptions {

@@ -60,7 +60,10 @@ TEST(ParseOptions, HelpAndVersion_SucceedWithAText) {
       {{"--version"}, {"kesp " KESP_VERSION "\n"}},
       {{"query", "--help"},
        {"--timeout", "--binary", "--hex", "--json", "--csv", "--repeat", "--every", "--crlf-as-is"}},
-      {{"log", "--help"}, {"--errors", "--since", "--follow", "--csv", "--as-device"}},
+      {{"log", "--help"}, {"--errors", "--since", "--follow", "--csv", "--as-device", "\n  kesp log "}},
+      {{"ports", "--help"}, {"only --probe tells", "\n  kesp ports\n"}},
+      {{"snippet", "--help"}, {"--output", "UTF-16", "\n  kesp snippet "}},
+      {{"doctor", "--help"}, {"--json", "\n  kesp doctor\n"}},
   };
   for (const auto& [arguments, texts] : cases) {
     const ParsedOptions parsed = ParseOptions(arguments);

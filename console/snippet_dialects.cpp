@@ -6,13 +6,29 @@
 
 #include "console/snippet_dialect.h"
 #include "console/snippet_languages.h"
+#include "console/utf8_character.h"
 
 namespace kesp::console {
 namespace {
 
+std::vector<char32_t> CodesOf(std::string_view utf8) {
+  std::vector<char32_t> codes;
+  while (!utf8.empty()) {
+    const Character character = CharacterAt(utf8);
+    codes.push_back(character.length == 0 ? static_cast<unsigned char>(utf8[0]) : character.code);
+    utf8.remove_prefix(std::max<std::size_t>(character.length, 1));
+  }
+  return codes;
+}
+
+// Of ASCII and with a look: in whichever encoding the program is saved, it is the same.
+bool IsPlain(char32_t code) {
+  return code >= ' ' && code < 0x7F;
+}
+
 bool IsPlain(const std::string& value) {
   return std::all_of(value.begin(), value.end(),
-                     [](char each) { return static_cast<unsigned char>(each) >= ' '; });
+                     [](char each) { return IsPlain(static_cast<unsigned char>(each)); });
 }
 
 // "abc", with a quotation mark inside written as `escaped`.
@@ -26,15 +42,22 @@ std::string Quoted(const std::string& value, char mark, const std::string& escap
 std::string ByCodes(const std::string& value, const std::string& before, const std::string& between,
                     const std::string& after) {
   std::string text;
-  for (const char each : value) {
+  for (const char32_t code : CodesOf(value)) {
     if (!text.empty()) text += between;
-    text += before + std::to_string(static_cast<unsigned char>(each)) + after;
+    text += before + std::to_string(code) + after;
   }
   return text;
 }
 
+// Chr takes codes of the system's code page, as the library does.
 std::string BasicText(const std::string& value) {
-  return IsPlain(value) ? Quoted(value, '"', "\"\"") : ByCodes(value, "Chr(", " & ", ")");
+  if (IsPlain(value)) return Quoted(value, '"', "\"\"");
+  std::string text;
+  for (const char32_t code : CodesOf(value)) {
+    if (!text.empty()) text += " & ";
+    text += (code < 0x100 ? "Chr(" : "ChrW(") + std::to_string(code) + ")";
+  }
+  return text;
 }
 
 std::string PowerShellText(const std::string& value) {
@@ -45,28 +68,41 @@ std::string MatlabText(const std::string& value) {
   return IsPlain(value) ? Quoted(value, '\'', "''") : "char([" + ByCodes(value, "", " ", "") + "])";
 }
 
-// As C, C#, Python and JScript have it.
-std::string EscapedText(const std::string& value) {
-  constexpr char kDigits[] = "0123456789abcdef";
+// In quotation marks, with those characters by their codes that are not plain.
+std::string EscapedText(const std::string& value, std::string (*by_code)(char32_t)) {
   std::string text = "\"";
-  for (const char each : value) {
-    const auto code = static_cast<unsigned char>(each);
-    if (each == '"' || each == '\\') text += '\\';
-    if (each == '\r') {
+  for (const char32_t code : CodesOf(value)) {
+    if (code == '\r') {
       text += "\\r";
-    } else if (each == '\n') {
+    } else if (code == '\n') {
       text += "\\n";
-    } else if (code < ' ') {
-      text += std::string("\\u00") + kDigits[code / 16] + kDigits[code % 16];
+    } else if (!IsPlain(code)) {
+      text += by_code(code);
     } else {
-      text += each;
+      if (code == '"' || code == '\\') text += '\\';
+      text += static_cast<char>(code);
     }
   }
   return text + "\"";
 }
 
+// The last digits of the code, each of so many bits.
+std::string Digits(char32_t code, int count, unsigned bits) {
+  std::string text;
+  for (int i = count - 1; i >= 0; --i) text += "0123456789abcdef"[code >> (i * bits) & ((1U << bits) - 1)];
+  return text;
+}
+
+// As C#, Python and JScript have it.
+std::string UnicodeText(const std::string& value) {
+  return EscapedText(value, [](char32_t code) { return "\\u" + Digits(code, 4, 4); });
+}
+
+// Older compilers take no "\u0000", and a hexadecimal number would go on with the next letter.
 std::string WideText(const std::string& value) {
-  return "L" + EscapedText(value);
+  return "L" + EscapedText(value, [](char32_t code) {
+           return code < 0x100 ? "\\" + Digits(code, 3, 3) : "\\u" + Digits(code, 4, 4);
+         });
 }
 
 // The value, and as a comment what it means.
@@ -158,11 +194,11 @@ constexpr Dialect kDialects[] = {
     {"vbscript", AssignAs<Plain>, "True", "False", "'", BasicText, FewArguments},
     {"vba", AssignAs<Plain>, "True", "False", "'", BasicText, FewArguments},
     {"powershell", AssignAs<WithDollar>, "$true", "$false", "#", PowerShellText, FewArguments},
-    {"python", AssignAs<Plain>, "True", "False", "#", EscapedText, FewArguments},
-    {"csharp", AssignAs<WithSemicolon>, "true", "false", "//", EscapedText, FewArguments},
+    {"python", AssignAs<Plain>, "True", "False", "#", UnicodeText, FewArguments},
+    {"csharp", AssignAs<WithSemicolon>, "true", "false", "//", UnicodeText, FewArguments},
     {"cpp", CppAssign, "VARIANT_TRUE", "VARIANT_FALSE", "//", WideText, CppArguments},
     {"matlab", AssignAs<WithSemicolon>, "true", "false", "%", MatlabText, FewArguments},
-    {"jscript", AssignAs<WithSemicolon>, "true", "false", "//", EscapedText, AllArguments},
+    {"jscript", AssignAs<WithSemicolon>, "true", "false", "//", UnicodeText, AllArguments},
 };
 
 }  // namespace

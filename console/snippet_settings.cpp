@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "console/baud_rates.h"
+#include "console/trace_bytes.h"
 #include "console/usage_error.h"
 
 namespace kesp::console {
@@ -43,7 +44,7 @@ Enumerator StopBitsOf(const std::string& text) {
 }
 
 std::string Characters(const CharacterCodes& codes) {
-  return {codes.begin(), codes.end()};
+  return TextOfBytes(std::string(codes.begin(), codes.end()));
 }
 
 SnippetSettings Of(const TcpAddress& tcp) {

@@ -18,6 +18,7 @@ struct Enumerator {
 // One property of a transport.
 struct Assignment {
   std::string property;
+  // A text is UTF-8; a character below U+0100 stands for the byte with that code.
   std::variant<bool, int, std::string, Enumerator> value;
   bool by_reference = false;  // compiled programs pass the address of a variable
 };

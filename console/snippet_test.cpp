@@ -18,6 +18,7 @@ std::string SnippetFor(const std::string& language, const std::string& address) 
 TEST(SnippetTest, Vbscript_IsAWholeProgram) {
   EXPECT_EQ(SnippetFor("vbscript", "tcp:192.168.0.10"),
             R"code(' Asks the instrument at tcp:192.168.0.10 who it is.    cscript //nologo ask.vbs
+' C:\Windows\System32\cscript.exe uses the 64-bit library, C:\Windows\SysWOW64\cscript.exe the 32-bit one.
 Option Explicit
 Dim comm, transport, reply
 Set comm = CreateObject("KespCommObj.CKespCommObj")
@@ -75,6 +76,31 @@ TEST(SnippetTest, CharactersWithoutALook_AreWrittenByTheirCodes) {
   };
   for (const auto& [language, line] : cases)
     EXPECT_THAT(SnippetFor(language, "tcp:host,eos=13+10"), HasSubstr(line)) << language;
+}
+
+TEST(SnippetTest, CharactersPastAscii_AreWrittenByTheirCodes_WhateverTheFilesEncoding) {
+  const std::pair<const char*, std::string> cases[] = {
+      {"vba", "EOSChar = Chr(127) & Chr(200)\n"},
+      {"powershell", "EOSChar = ([string][char]127 + [string][char]200)\n"},
+      {"matlab", "EOSChar = char([127 200]);\n"},
+      {"csharp", "EOSChar = \"\\u007f\\u00c8\";\n"},
+      {"cpp", "put_EOSChar(Text(L\"\\177\\310\").bstr)"},
+  };
+  for (const auto& [language, line] : cases)
+    EXPECT_THAT(SnippetFor(language, "tcp:host,eos=127+200"), HasSubstr(line)) << language;
+  EXPECT_THAT(SnippetFor("vbscript", "tcp:\xC4\xB1"), HasSubstr("IPAddress = ChrW(305)\n"));
+  EXPECT_THAT(SnippetFor("cpp", "tcp:host,eos=0"), HasSubstr("put_EOSChar(Text(L\"\\000\").bstr)"));
+}
+
+TEST(SnippetTest, Cpp_KeepsOneReferenceAndTheWholeText) {
+  const std::string program = SnippetFor("cpp", "com3,switch=B");
+  EXPECT_THAT(program, HasSubstr("Ptr(const Ptr&) = delete;"));
+  EXPECT_THAT(program, HasSubstr("SysAllocStringLen(text, size - 1)"));
+  EXPECT_THAT(program, HasSubstr("std::setlocale(LC_ALL, \"\");"));
+}
+
+TEST(SnippetTest, Vba_CanBePastedBehindOptionExplicit) {
+  EXPECT_EQ(SnippetFor("vba", "com3").find("Option Explicit"), std::string::npos);
 }
 
 TEST(SnippetTest, Gpib_EndsCommandsAndLeavesTheEndOfReplies) {

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <iterator>
 
+#include "console/utf8_character.h"
+
 namespace kesp::console {
 namespace {
 
@@ -16,28 +18,6 @@ constexpr std::array<char32_t, 32> kWindows1252 = {
     0x20AC, 0x81,   0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x8D,   0x017D, 0x8F,   0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x9D,   0x017E, 0x0178};
-
-struct Character {
-  char32_t code = 0;
-  std::size_t length = 0;  // 0: not UTF-8
-};
-
-Character CharacterAt(std::string_view text) {
-  const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
-  const std::uint8_t lead = byte(0);
-  if (lead < 0x80) return {lead, 1};
-  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return {};
-  char32_t code = lead & (0x7FU >> length);
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xC0U) != 0x80U) return {};
-    code = code << 6U | (byte(i) & 0x3FU);
-  }
-  constexpr std::array<char32_t, 5> kLeast = {0, 0, 0x80, 0x800, 0x10000};
-  const bool is_surrogate = code >= 0xD800 && code <= 0xDFFF;
-  if (code < kLeast[length] || code > 0x10FFFF || is_surrogate) return {};
-  return {code, length};
-}
 
 std::optional<char> ByteOf(char32_t code) {
   if (code < 0x80 || (code >= 0xA0 && code <= 0xFF)) return static_cast<char>(code);

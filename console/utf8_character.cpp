@@ -1,0 +1,26 @@
+// Reads one character of UTF-8, as RFC 3629 has it.
+#include "console/utf8_character.h"
+
+#include <array>
+#include <cstdint>
+
+namespace kesp::console {
+
+Character CharacterAt(std::string_view text) {
+  const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
+  const std::uint8_t lead = byte(0);
+  if (lead < 0x80) return {lead, 1};
+  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return {};
+  char32_t code = lead & (0x7FU >> length);
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((byte(i) & 0xC0U) != 0x80U) return {};
+    code = code << 6U | (byte(i) & 0x3FU);
+  }
+  constexpr std::array<char32_t, 5> kLeast = {0, 0, 0x80, 0x800, 0x10000};
+  const bool is_surrogate = code >= 0xD800 && code <= 0xDFFF;
+  if (code < kLeast[length] || code > 0x10FFFF || is_surrogate) return {};
+  return {code, length};
+}
+
+}  // namespace kesp::console
