@@ -19,7 +19,8 @@ Finding NotAsked(const OtherProgram& other, int bits) {
   const std::string subject = WidthText(bits) + " kesp";
   if (!other.found) {
     return Warning(subject,
-                   other.path + " is not there: the " + WidthText(bits) + " library was not tried out",
+                   (other.path.empty() ? "kesp.exe" : other.path) + " is not there: the " + WidthText(bits) +
+                       " library was not tried out",
                    "keep the folders win64 and win32 side by side, as they were delivered");
   }
   return Warning(subject,

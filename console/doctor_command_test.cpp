@@ -43,11 +43,12 @@ TEST_F(DoctorCommandTest, ThisWidthOnly_IsSilentAboutTheOther) {
 }
 
 TEST_F(DoctorCommandTest, NameOfTheUser_IsNotShown) {
-  machine_.system.user_folder = R"(C:\Users\Jo)";
-  machine_.delivered[64] = R"(C:\Users\Jo\kesp\KespCommObj.dll)";
+  machine_.system.user_folders = {R"(C:\Users\Jo)"};
+  machine_.Register(64, Hive::kThisUser, R"(C:\Users\Jo\kesp\KespCommObj.dll)");
   Run({});
-  EXPECT_EQ(console_.output.find("Jo\\"), std::string::npos) << console_.output;
-  EXPECT_NE(console_.output.find(R"(%USERPROFILE%\kesp\KespCommObj.dll)"), std::string::npos);
+  EXPECT_EQ(console_.output.find("load C:\\Users\\Jo\\"), std::string::npos) << console_.output;
+  EXPECT_NE(console_.output.find(R"(%USERPROFILE%\kesp\KespCommObj.dll)"), std::string::npos)
+      << console_.output;
 }
 
 }  // namespace

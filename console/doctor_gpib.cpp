@@ -5,12 +5,6 @@
 namespace kesp::console {
 namespace {
 
-std::string Joined(const std::vector<std::string>& names, const char* between) {
-  std::string text;
-  for (const std::string& name : names) text += (text.empty() ? "" : between) + name;
-  return text;
-}
-
 std::string Described(const GpibFile& file) {
   return file.path + (file.version.empty() ? "" : " " + file.version);
 }
@@ -43,7 +37,7 @@ Findings GpibFindings(Machine& machine, int bits) {
                       " programs in place of that file")};
   }
   if (!taken.missing.empty()) {
-    return {Fault(subject, Described(taken) + " lacks " + Joined(taken.missing, ", ") + others,
+    return {Fault(subject, Described(taken) + " lacks " + Joined(taken.missing) + others,
                   "install a newer driver of the board's maker, or one with the interface of NI-488.2")};
   }
   return {Well(subject, Described(taken) + " has each of the " +

@@ -44,7 +44,7 @@ Findings ByRegistration(Machine& machine, int bits) {
   const ServedLibrary served = LibraryFor(client, machine.RegistrationsFor(bits));
   if (served.IsNone()) return {};
   return Of(WidthText(bits) + " registered library", machine.ExamineRegistered(served.libraries.front()),
-            RegisterCommand(system, bits, served.hive, served.libraries.front()));
+            RegisterRemedy(system, bits, served.hive, served.libraries.front()));
 }
 
 std::string FolderOf(const std::string& path) {
@@ -66,7 +66,7 @@ Findings TraceFindings(Machine& machine, int bits) {
   if (library.empty()) return {};
   const std::string subject = WidthText(bits) + " default trace";
   const std::string file = FolderOf(library) + "commobjout.log";
-  if (machine.CanWriteBeside(library)) return {Well(subject, file + " can be written by this user")};
+  if (machine.CanAppendTo(file)) return {Well(subject, file + " can be written by this user")};
   return {Warning(subject, file + " cannot be written by this user",
                   "set DebugFilename to a file in a folder of your own; with kesp, --trace FILE")};
 }

@@ -6,14 +6,6 @@
 namespace kesp::console {
 namespace {
 
-constexpr const char* kInstall = "install the library with its setup program";
-
-std::string Joined(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
-  return text;
-}
-
 // One width as its clients see it.
 class Registered {
  public:
@@ -31,7 +23,7 @@ class Registered {
     const ServedLibrary elevated = LibraryFor(Client::kElevated, entries_);
     if (!ordinary.IsNone()) {
       findings.push_back(Elevated(ordinary, elevated));
-      findings.push_back(TypeLibrary(ordinary.libraries.front()));
+      findings.push_back(TypeLibrary(ordinary));
     }
     return findings;
   }
@@ -40,7 +32,7 @@ class Registered {
   std::string Subject() const { return WidthText(bits_) + " clients"; }
 
   std::string Register(Hive hive = Hive::kAllUsers) const {
-    return delivered_.empty() ? kInstall : RegisterCommand(system_, bits_, hive, delivered_);
+    return RegisterRemedy(system_, bits_, hive, delivered_);
   }
 
   Finding NotRegistered() const {
@@ -84,7 +76,10 @@ class Registered {
     if (IsSamePath(library, delivered_)) return Well(subject, text + "; it was delivered with this kesp");
     if (own->content == facts.content) return Well(subject, text + "; the same as delivered with this kesp");
     return Warning(subject, text + "; not the one delivered with this kesp, " + own->version,
-                   Register(served.hive));
+                   IsNewer(own->version, facts.version)
+                       ? Register(served.hive)
+                       : "to try what clients get, use the kesp.exe beside that library, or this one with "
+                         "--registered");
   }
 
   Finding Elevated(const ServedLibrary& ordinary, const ServedLibrary& elevated) const {
@@ -104,14 +99,18 @@ class Registered {
     return Well(subject, "load the same");
   }
 
-  Finding TypeLibrary(const std::string& library) const {
+  // It goes with the library that clients load.
+  Finding TypeLibrary(const ServedLibrary& served) const {
     const std::string subject = WidthText(bits_) + " type library";
-    if (entries_.type_library.empty()) {
-      return Fault(subject, "is not registered: calls between threads and into other programs fail",
-                   Register());
-    }
+    const std::string& library = served.libraries.front();
+    const auto facts = machine_.FactsOf(library);
+    const std::string remedy = facts && facts->bits == bits_
+                                   ? RegisterRemedy(system_, bits_, served.hive, library)
+                                   : Register(served.hive);
+    if (entries_.type_library.empty())
+      return Fault(subject, "is not registered: calls between threads and into other programs fail", remedy);
     if (!IsSamePath(entries_.type_library, library))
-      return Warning(subject, "is registered from another file: " + entries_.type_library, Register());
+      return Warning(subject, "is registered from another file: " + entries_.type_library, remedy);
     return Well(subject, "is registered from the same file");
   }
 

@@ -18,7 +18,8 @@ Findings ScriptFindings(Machine& machine, int bits) {
   const std::string subject = WidthText(bits) + " VBScript";
   if (machine.HasVbScript(bits)) return {Well(subject, "is installed")};
   return {Warning(subject, "is not installed: .vbs files do not run",
-                  "as administrator: DISM /Online /Add-Capability /CapabilityName:VBSCRIPT~~~~")};
+                  "Windows 11 24H2 and later, as administrator: DISM /Online /Add-Capability "
+                  "/CapabilityName:VBSCRIPT~~~~; an earlier Windows has it unless somebody took it out")};
 }
 
 Findings OfficeFindings(Machine& machine) {
@@ -28,11 +29,10 @@ Findings OfficeFindings(Machine& machine) {
   const ServedLibrary served = LibraryFor(Client::kOrdinary, machine.RegistrationsFor(office->bits));
   if (!served.IsNone())
     return {Well("Office", text + "; its VBA uses the " + WidthText(office->bits) + " library")};
-  const std::string library = machine.DeliveredLibrary(office->bits);
   return {Warning(
       "Office", text + "; its VBA needs the " + WidthText(office->bits) + " library, which is not registered",
-      library.empty() ? "install the library with its setup program"
-                      : RegisterCommand(machine.System(), office->bits, Hive::kAllUsers, library))};
+      RegisterRemedy(machine.System(), office->bits, Hive::kAllUsers,
+                     machine.DeliveredLibrary(office->bits)))};
 }
 
 }  // namespace kesp::console

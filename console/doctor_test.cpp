@@ -153,8 +153,10 @@ TEST_F(DoctorTest, System_Windows11IsTenInTheRegistry) {
 TEST_F(DoctorTest, VbScript_MayBeMissing) {
   machine_.vbscript = {64};
   EXPECT_THAT(Of(ScriptFindings(machine_, 64)), ElementsAre("OK 64-bit VBScript: is installed"));
-  EXPECT_THAT(Of(ScriptFindings(machine_, 32)),
-              ElementsAre(HasSubstr("WARN 32-bit VBScript: is not installed")));
+  EXPECT_THAT(
+      Of(ScriptFindings(machine_, 32)),
+      ElementsAre(HasSubstr(
+          "WARN 32-bit VBScript: is not installed: .vbs files do not run -> Windows 11 24H2 and later, ")));
 }
 
 TEST_F(DoctorTest, Office_NeedsTheLibraryOfItsWidth) {
@@ -164,7 +166,7 @@ TEST_F(DoctorTest, Office_NeedsTheLibraryOfItsWidth) {
   EXPECT_THAT(
       Of(OfficeFindings(machine_)),
       ElementsAre(StartsWith("WARN Office: 16.0, 32-bit; its VBA needs the 32-bit library, which is not "
-                             R"(registered -> %SystemRoot%\SysWOW64\regsvr32.exe)")));
+                             R"(registered -> as administrator: C:\Windows\SysWOW64\regsvr32.exe)")));
   machine_.delivered[32] = "";
   EXPECT_THAT(Of(OfficeFindings(machine_)), ElementsAre(HasSubstr("-> install the library")));
   machine_.Register(32, Hive::kAllUsers, "C:\\x.dll");

@@ -1,9 +1,12 @@
 // Telling files from one another.
 #include "console/file_facts.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <vector>
 
 #include "console/program_file.h"
+#include "console/text_pieces.h"
 
 namespace kesp::console {
 namespace {
@@ -15,7 +18,21 @@ std::string NumberOf(std::string_view bytes) {
   return std::to_string(bytes.size()) + "-" + std::to_string(hash);
 }
 
+// Its numbers.
+std::vector<long long> PartsOf(std::string_view version) {
+  std::vector<long long> parts;
+  while (const auto number = LeadingNumber(version)) {
+    parts.push_back(*number);
+    version.remove_prefix(std::min(version.find('.'), version.size() - 1) + 1);
+  }
+  return parts;
+}
+
 }  // namespace
+
+bool IsNewer(const std::string& one, const std::string& other) {
+  return PartsOf(one) > PartsOf(other);
+}
 
 FileFacts FileFactsOf(std::string_view bytes) {
   FileFacts facts;

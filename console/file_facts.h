@@ -12,6 +12,9 @@ struct FileFacts {
   std::string content;  // a number that only files with the same bytes share, but for chance
 };
 
+// Of versions such as "1.10.0", whether the first is after the second.
+bool IsNewer(const std::string& one, const std::string& other);
+
 // bytes: the whole file.
 FileFacts FileFactsOf(std::string_view bytes);
 

@@ -2,15 +2,28 @@
 #include "console/finding.h"
 
 #include <algorithm>
+#include <cctype>
+#include <cstddef>
 #include <iterator>
 #include <utility>
 
 namespace kesp::console {
 namespace {
 
+bool IsSameLetter(char one, char other) {
+  return std::tolower(static_cast<unsigned char>(one)) == std::tolower(static_cast<unsigned char>(other));
+}
+
 void Replace(std::string& text, const std::string& folder) {
-  for (auto place = text.find(folder); place != std::string::npos; place = text.find(folder, place))
-    text.replace(place, folder.size(), "%USERPROFILE%\\");
+  const std::string variable = "%USERPROFILE%\\";
+  for (std::size_t from = 0;;) {
+    const auto begin = text.begin() + static_cast<std::ptrdiff_t>(from);
+    const auto found = std::search(begin, text.end(), folder.begin(), folder.end(), IsSameLetter);
+    if (found == text.end()) return;
+    from = static_cast<std::size_t>(found - text.begin());
+    text.replace(from, folder.size(), variable);
+    from += variable.size();
+  }
 }
 
 }  // namespace
@@ -31,12 +44,9 @@ void Append(Findings& findings, Findings more) {
   std::move(more.begin(), more.end(), std::back_inserter(findings));
 }
 
-void HideUser(Findings& findings, const std::string& user_folder) {
-  if (user_folder.empty()) return;
-  for (Finding& each : findings) {
-    Replace(each.text, user_folder + "\\");
-    Replace(each.remedy, user_folder + "\\");
-  }
+void HideUser(Findings& findings, const std::vector<std::string>& user_folders) {
+  for (Finding& each : findings)
+    for (const std::string& folder : user_folders) Replace(each.text, folder + "\\");
 }
 
 int Count(const Findings& findings, Level level) {

@@ -24,8 +24,9 @@ Finding Fault(std::string subject, std::string text, std::string remedy);
 
 void Append(Findings& findings, Findings more);
 
-// Writes %USERPROFILE% for the user's own folder, in which the user's name stands.
-void HideUser(Findings& findings, const std::string& user_folder);
+// Writes %USERPROFILE% for the user's own folder, in which the user's name stands. Remedies keep it: an
+// administrator who runs one may be another user.
+void HideUser(Findings& findings, const std::vector<std::string>& user_folders);
 
 // How many are of that level.
 int Count(const Findings& findings, Level level);

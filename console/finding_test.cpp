@@ -40,12 +40,18 @@ TEST(FindingsOf, AnotherText_GivesNothing) {
 TEST(HideUser, FolderOfTheUser_IsNamedByItsVariable) {
   Findings findings = {Warning("a", R"(C:\Users\Jo\x.dll, C:\Users\Jo\y.dll, C:\Users\Joe\z.dll)",
                                R"(regsvr32 "C:\Users\Jo\x.dll")")};
-  HideUser(findings, R"(C:\Users\Jo)");
+  HideUser(findings, {R"(C:\Users\Jo)"});
   EXPECT_EQ(findings[0].text, R"(%USERPROFILE%\x.dll, %USERPROFILE%\y.dll, C:\Users\Joe\z.dll)");
-  EXPECT_EQ(findings[0].remedy, R"(regsvr32 "%USERPROFILE%\x.dll")");
+  EXPECT_EQ(findings[0].remedy, R"(regsvr32 "C:\Users\Jo\x.dll")") << "another account has another folder";
   const Findings before = findings;
-  HideUser(findings, "");
+  HideUser(findings, {});
   EXPECT_EQ(findings, before);
+}
+
+TEST(HideUser, AnyCase_AndTheShortName) {
+  Findings findings = {Well("a", R"(c:\users\JOHANNES\x.dll, C:\Users\JOHANN~1\y.dll)")};
+  HideUser(findings, {R"(C:\Users\Johannes)", R"(C:\Users\JOHANN~1)"});
+  EXPECT_EQ(findings[0].text, R"(%USERPROFILE%\x.dll, %USERPROFILE%\y.dll)");
 }
 
 }  // namespace

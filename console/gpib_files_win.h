@@ -7,8 +7,8 @@
 
 namespace kesp::console {
 
-// Those that are there, in the order in which the library looks when kesp of that width is its host. Folders
-// that a program names itself are not known here.
+// Those that are there, in the order in which the library looks when kesp of that width is its host; last
+// those beside the library that clients get. Folders that a program names itself are not known here.
 std::vector<GpibFile> FindGpibFiles(int bits);
 
 }  // namespace kesp::console

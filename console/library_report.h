@@ -20,7 +20,7 @@ struct LibraryReport {
 
 // The answer of the kesp.exe of the other width.
 struct OtherProgram {
-  std::string path;    // where it is, or should be; empty: this Windows runs programs of one width only
+  std::string path;    // where it is, or should be; empty: there is no place for one
   bool found = false;  // the file is there
   std::string output;  // empty: it could not be started, or did not answer
 };

@@ -38,8 +38,8 @@ class Machine {
   virtual std::string DeliveredLibrary(int bits) = 0;
   // Nothing where there is no such file.
   virtual std::optional<FileFacts> FactsOf(const std::string& path) = 0;
-  // Whether this user can make a file in the folder of that file.
-  virtual bool CanWriteBeside(const std::string& path) = 0;
+  // Whether this user can append to that file, or make it where it is not there.
+  virtual bool CanAppendTo(const std::string& path) = 0;
 
   // Files of the names that a driver has for that width, in the order in which the library looks.
   virtual std::vector<GpibFile> GpibFiles(int bits) = 0;

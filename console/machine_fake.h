@@ -19,7 +19,7 @@ class MachineFake : public Machine {
   Registrations RegistrationsFor(int bits) override { return registrations[bits]; }
   std::string DeliveredLibrary(int bits) override { return delivered[bits]; }
   std::optional<FileFacts> FactsOf(const std::string& path) override;
-  bool CanWriteBeside(const std::string&) override { return can_write; }
+  bool CanAppendTo(const std::string&) override { return can_write; }
   std::vector<GpibFile> GpibFiles(int bits) override { return gpib_files[bits]; }
   LibraryReport Examine(const std::string& path) override;
   LibraryReport ExamineRegistered(const std::string&) override { return registered; }

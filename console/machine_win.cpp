@@ -35,15 +35,16 @@ Registrations MachineWin::RegistrationsFor(int bits) {
   return ReadRegistrations(bits);
 }
 std::string MachineWin::DeliveredLibrary(int bits) {
-  const std::string file = (bits == kProgramBits ? OwnFolder() : OtherFolder()) + "KespCommObj.dll";
-  return IsFile(file) ? file : "";
+  const std::string folder = bits == kProgramBits ? OwnFolder() : OtherFolder();
+  const std::string file = folder + "KespCommObj.dll";
+  return !folder.empty() && IsFile(file) ? file : "";
 }
 std::optional<FileFacts> MachineWin::FactsOf(const std::string& path) {
   const auto bytes = BytesOf(path);
   return bytes ? std::optional(FileFactsOf(*bytes)) : std::nullopt;
 }
-bool MachineWin::CanWriteBeside(const std::string& path) {
-  return CanMakeFileIn(path.substr(0, path.rfind('\\') + 1));
+bool MachineWin::CanAppendTo(const std::string& path) {
+  return console::CanAppendTo(path);
 }
 std::vector<GpibFile> MachineWin::GpibFiles(int bits) {
   return FindGpibFiles(bits);

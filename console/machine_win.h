@@ -17,7 +17,7 @@ class MachineWin : public Machine {
   Registrations RegistrationsFor(int bits) override;
   std::string DeliveredLibrary(int bits) override;
   std::optional<FileFacts> FactsOf(const std::string& path) override;
-  bool CanWriteBeside(const std::string& path) override;
+  bool CanAppendTo(const std::string& path) override;
   std::vector<GpibFile> GpibFiles(int bits) override;
   LibraryReport Examine(const std::string& path) override;
   LibraryReport ExamineRegistered(const std::string& library) override;

@@ -77,8 +77,9 @@ std::string OutputOf(const std::string& path, const std::string& arguments) {
 
 OtherProgram AskOtherProgram() {
   OtherProgram other;
-  if (!RunsBothWidths()) return other;
-  other.path = OtherFolder() + "kesp.exe";
+  const std::string folder = OtherFolder();
+  if (!RunsBothWidths() || folder.empty()) return other;
+  other.path = folder + "kesp.exe";
   other.found = IsFile(other.path);
   if (other.found) other.output = OutputOf(other.path, "doctor --json --this-width-only");
   return other;

@@ -9,6 +9,7 @@
 #include <iterator>
 
 #include "console/wide_text_win.h"
+#include "console/width_text.h"
 
 namespace kesp::console {
 namespace {
@@ -33,10 +34,6 @@ std::string FolderBy(UINT(WINAPI* function)(LPWSTR, UINT)) {
   return function(folder.data(), MAX_PATH) == 0 ? "" : ToUtf8(folder.data()) + "\\";
 }
 
-std::string WindowsFolder() {
-  return FolderBy(GetSystemWindowsDirectoryW);
-}
-
 DWORD AttributesOf(const std::string& path) {
   const PlainFileNames plain;
   return GetFileAttributesW(ToWide(path).c_str());
@@ -51,9 +48,11 @@ std::string OwnFolder() {
 }
 
 std::string OtherFolder() {
-  std::string folder = OwnFolder();
-  folder.pop_back();
-  return folder.substr(0, folder.rfind('\\') + 1) + (kProgramBits == 64 ? "win32\\" : "win64\\");
+  return FolderBeside(OwnFolder(), kProgramBits == 64 ? "win32" : "win64");
+}
+
+std::string WindowsFolder() {
+  return FolderBy(GetSystemWindowsDirectoryW);
 }
 
 std::string SystemFolder(int bits) {
@@ -84,12 +83,17 @@ bool IsFile(const std::string& path) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
-bool CanMakeFileIn(const std::string& folder) {
+bool CanAppendTo(const std::string& path) {
+  const bool is_there = AttributesOf(path) != INVALID_FILE_ATTRIBUTES;
   const PlainFileNames plain;
-  const std::wstring path = ToWide(folder) + L"kesp-" + std::to_wstring(GetCurrentProcessId()) + L".tmp";
-  HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW,
-                            FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return false;
+  HANDLE file = is_there
+                    ? CreateFileW(ToWide(path).c_str(), FILE_APPEND_DATA,
+                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                  OPEN_EXISTING, 0, nullptr)
+                    : CreateFileW(ToWide(path).c_str(), FILE_APPEND_DATA | DELETE, 0, nullptr, CREATE_NEW,
+                                  FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+  // A program that writes into it now can.
+  if (file == INVALID_HANDLE_VALUE) return GetLastError() == ERROR_SHARING_VIOLATION;
   CloseHandle(file);
   return true;
 }

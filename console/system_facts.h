@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace kesp::console {
 
@@ -13,7 +14,8 @@ struct SystemFacts {
   bool both_widths = true;   // programs of both widths run here
   int program_bits = 64;     // of this kesp.exe
   bool elevated = false;     // this program runs as administrator
-  std::string user_folder;   // %USERPROFILE%; empty: not known
+  std::string windows_folder = "C:\\Windows\\";
+  std::vector<std::string> user_folders;  // that of this user, by its long and its short name
 };
 
 struct Office {

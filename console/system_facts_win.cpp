@@ -53,10 +53,19 @@ bool IsElevated() {
   return known && elevation.TokenIsElevated != 0;
 }
 
-std::string UserFolder() {
-  std::wstring folder(32767, L'\0');
-  folder.resize(GetEnvironmentVariableW(L"USERPROFILE", folder.data(), static_cast<DWORD>(folder.size())));
-  return ToUtf8(folder);
+// As programs may name it: by its long name and by its short one.
+std::vector<std::string> UserFolders() {
+  constexpr DWORD kLongest = 32767;
+  std::wstring folder(kLongest, L'\0');
+  folder.resize(GetEnvironmentVariableW(L"USERPROFILE", folder.data(), kLongest));
+  if (folder.empty()) return {};
+  std::vector<std::string> folders = {ToUtf8(folder)};
+  for (const auto function : {GetLongPathNameW, GetShortPathNameW}) {
+    std::wstring other(kLongest, L'\0');
+    other.resize(function(folder.c_str(), other.data(), kLongest));
+    if (!other.empty()) folders.push_back(ToUtf8(other));
+  }
+  return folders;
 }
 
 std::optional<Office> ClickToRunOffice() {
@@ -92,7 +101,8 @@ SystemFacts ReadSystemFacts() {
   facts.both_widths = RunsBothWidths();
   facts.program_bits = kProgramBits;
   facts.elevated = IsElevated();
-  facts.user_folder = UserFolder();
+  facts.windows_folder = WindowsFolder();
+  facts.user_folders = UserFolders();
   return facts;
 }
 

@@ -88,7 +88,8 @@ class RegistrationTest(DoctorCase):
             for width in WIDTHS:
                 system = {"64": "System32", "32": "SysWOW64"}[width]
                 self.assert_finding(findings, "FAIL", f"{width}-bit clients", 'get "class not registered" (80040154',
-                                    f'%SystemRoot%\\{system}\\regsvr32.exe "{self.windows(self.file(width))}"')
+                                    "as administrator: C:\\windows\\"
+                                    f'{system}\\regsvr32.exe "{self.windows(self.file(width))}"')
                 for text in ("each of its 6 classes was created", "its type library was loaded, and is its own",
                              "events were connected"):
                     self.assert_finding(findings, "OK", f"{width}-bit library beside kesp", text)
@@ -100,8 +101,8 @@ class RegistrationTest(DoctorCase):
         for finding in self.doctor():
             if finding["level"] == "FAIL":
                 self.addCleanup(self.remove, finding["subject"][:2])
-                system, library = re.match(r'%SystemRoot%\\(\w+)\\regsvr32.exe "(.*)"', finding["remedy"]).groups()
-                self.in_windows("64", "cmd", "/c", f"C:\\windows\\{system}\\regsvr32.exe /s {library}")
+                command = finding["remedy"].removeprefix("as administrator: ").replace('"', "")
+                self.in_windows("64", "cmd", "/c", command.replace("regsvr32.exe ", "regsvr32.exe /s "))
         for bits in WIDTHS:
             findings = self.doctor(bits)
             self.assertEqual([each for each in findings if each["level"] == "FAIL"], [])
@@ -121,7 +122,7 @@ class RegistrationTest(DoctorCase):
         self.assert_finding(self.doctor(), "OK", "64-bit clients", "; the same as delivered with this kesp")
         copy.write_bytes(copy.read_bytes() + b"\0")
         self.assert_finding(self.doctor(), "WARN", "64-bit clients", "; not the one delivered with this kesp, 1.0.0",
-                            "regsvr32")
+                            "--registered")
         copy.unlink()
         findings = self.doctor()
         self.assert_finding(findings, "FAIL", "64-bit clients", "is registered, but there is no such file")
@@ -148,7 +149,7 @@ class RegistrationTest(DoctorCase):
         findings = self.doctor()
         self.assert_finding(findings, "OK", "64-bit clients", "registered for this user; it was delivered")
         self.assert_finding(findings, "WARN", "64-bit clients as administrator",
-                            "what is registered for one user does not exist for them", "(as administrator)")
+                            "what is registered for one user does not exist for them", "as administrator: ")
 
 
 class GpibTest(DoctorCase):
@@ -170,6 +171,18 @@ class GpibTest(DoctorCase):
                 driver = self.windows(self.file(width, "Gpib-32.dll"))
                 self.assert_finding(findings, "OK", f"{width}-bit GPIB driver", driver)
                 self.assert_finding(findings, "OK", f"{width}-bit GPIB driver", "has each of the 8 entry points")
+
+    def test_a_driver_beside_the_registered_library(self):
+        served = self.folder / "served" / "KespCommObj.dll"
+        served.parent.mkdir()
+        shutil.copy(self.file("64"), served)
+        shutil.copy(ROOT / "dist" / "win64" / "simulator" / "gpib" / "Gpib-32.dll", served.parent)
+        self.register("64", served)
+        driver = self.windows(served.parent / "Gpib-32.dll")
+        for bits in WIDTHS:
+            self.assert_finding(self.doctor(bits), "OK", "64-bit GPIB driver", driver)
+        self.put("64", "64")
+        self.assert_finding(self.doctor(), "OK", "64-bit GPIB driver", f"; not taken: {driver}")
 
     def test_a_driver_of_the_other_width(self):
         self.put("32", "64")
@@ -228,6 +241,15 @@ class SurroundingsTest(DoctorCase):
                               device_list.key(path, Platform=platform, VersionToReport="16.0.1"))
             for width in WIDTHS:
                 self.assert_finding(self.doctor(width), level, "Office", f"16.0.1, {bits}-bit; its VBA ")
+
+    def test_a_trace_that_is_there_and_cannot_be_written(self):
+        self.file("64", "commobjout.log").mkdir()
+        self.assert_finding(self.doctor(), "WARN", "64-bit default trace", "cannot be written by this user",
+                            "DebugFilename")
+        self.file("64", "commobjout.log").rmdir()
+        self.file("64", "commobjout.log").write_text("kept")
+        self.assert_finding(self.doctor(), "OK", "64-bit default trace", "can be written by this user")
+        self.assertEqual(self.file("64", "commobjout.log").read_text(), "kept")
 
     def test_the_page_can_be_pasted(self):
         program = Kesp("64", "doctor", program=self.file("64", "kesp.exe"))
