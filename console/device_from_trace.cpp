@@ -39,6 +39,10 @@ void DeviceFromTrace::Add(const Exchange& exchange) {
     ++without_command_;
     return;
   }
+  if (exchange.is_unfinished) {
+    ++unfinished_;
+    return;
+  }
   HeardInstrument& instrument = instruments_[exchange.place + "@" + exchange.settings];
   instrument.place = exchange.place;
   instrument.settings = exchange.settings;
@@ -75,6 +79,10 @@ DeviceFromTrace::Made DeviceFromTrace::Make() const {
   if (without_command_ > 0) {
     made.remarks.push_back("left out: " + Counted(without_command_, "exchange") +
                            " of which the trace does not tell the command");
+  }
+  if (unfinished_ > 0) {
+    made.remarks.push_back("left out: " + Counted(unfinished_, "exchange") +
+                           " of which the trace does not tell the end");
   }
   if (behind_omega_ > 0) {
     made.remarks.push_back("left out: " + Counted(behind_omega_, "exchange") + " with block checks");

@@ -35,6 +35,7 @@ class DeviceFromTrace {
  private:
   std::map<std::string, HeardInstrument> instruments_;  // by place and settings
   std::size_t without_command_ = 0;
+  std::size_t unfinished_ = 0;
   std::size_t behind_omega_ = 0;
   std::size_t too_many_ = 0;
 };

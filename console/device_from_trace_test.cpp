@@ -95,6 +95,7 @@ TEST(DeviceFromTrace, GpibTrace_GivesADeviceOnABus) {
   ExpectAnswers(device["commands"], kTemperatures);
   ASSERT_EQ(made.remarks.size(), 1U);
   EXPECT_NE(made.remarks[0].find("primary address"), std::string::npos);
+  EXPECT_NE(made.remarks[0].find("nor the end of a command: 5 and a line feed"), std::string::npos);
 }
 
 Exchange Heard(const std::string& command, const std::string& received, std::uint32_t delay_ms) {
@@ -166,6 +167,26 @@ TEST(DeviceFromTrace, Update_TellsNothingOfTheAnswer) {
   update.received.reset();
   EXPECT_TRUE(CommandsOf({update})["A"].is_null());
   EXPECT_EQ(CommandsOf({update, Heard("A", "1\r", 0), update})["A"], "1");
+}
+
+TEST(DeviceFromTrace, QueryWhoseEndIsNotTold_IsLeftOut) {
+  Exchange unfinished = Heard("A", "", 0);
+  unfinished.received.reset();
+  unfinished.is_unfinished = unfinished.has_failed = true;
+  DeviceFromTrace device;
+  for (const Exchange& exchange : {Heard("A", "1\r", 0), unfinished}) device.Add(exchange);
+  const DeviceFromTrace::Made made = device.Make();
+  EXPECT_EQ(json::parse(made.json)["commands"]["A"], "1");
+  EXPECT_EQ(made.remarks,
+            std::vector<std::string>{"left out: 1 exchange of which the trace does not tell the end"});
+}
+
+TEST(DeviceFromTrace, CommandThatEndsInAStar_IsRemarkedOn) {
+  DeviceFromTrace device;
+  device.Add(Heard("A*", "1\r", 0));
+  device.Add(Heard("*IDN?", "1\r", 0));
+  EXPECT_EQ(device.Make().remarks,
+            std::vector<std::string>{"\"A*\" ends in \"*\", so it stands for all commands that begin so"});
 }
 
 TEST(DeviceFromTrace, SeveralInstruments_TheOneWithMostExchangesIsTaken) {

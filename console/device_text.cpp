@@ -106,14 +106,20 @@ void AddRemarks(const HeardInstrument& instrument, std::vector<std::string>& rem
     remarks.push_back("left out: " + std::to_string(left_out) + " answers, of each command those past 1000");
   if (HasPart(instrument))
     remarks.push_back("of some replies the trace tells only a part, or no end; they stand as they are");
+  for (const std::string& command : instrument.commands) {
+    if (command.ends_with('*')) {
+      remarks.push_back("\"" + Readable(command) +
+                        "\" ends in \"*\", so it stands for all commands that begin so");
+    }
+  }
   if (instrument.place.starts_with("com")) {
     remarks.push_back(
         "at a COM port, the delay of a reply without a line feed at its end is not told, so it has none");
   }
   if (instrument.place == "gpib") {
     remarks.push_back(
-        "the trace does not tell the primary address: 5 stands in its place; of a reply it holds 50 "
-        "characters");
+        "the trace does not tell the primary address, nor the end of a command: 5 and a line feed stand in "
+        "their place; of a reply it holds 50 characters");
   }
 }
 

@@ -37,6 +37,7 @@ struct Exchange {
   std::optional<std::uint32_t> delay_ms;
   bool was_closed = false;  // by the instrument, after the command
 
+  bool is_unfinished = false;  // a query of which the trace does not tell what came of it
   bool has_failed = false;
   std::string source;       // of the failure
   std::string description;  // of the failure

@@ -47,8 +47,10 @@ void Exchanges::Add(const TraceLine& line) {
 }
 
 void Exchanges::Pause() {
-  const bool is_answered = open_ && (open_->reply || open_->received || open_->has_failed);
-  if (is_answered && !has_ending_) Finish();
+  if (!open_ || has_ending_) return;
+  // Over the network the rest of a reply may come after any time.
+  const bool is_received = open_->received ? open_->is_whole || open_->was_closed : open_->reply.has_value();
+  if (is_received || open_->has_failed) Finish();
 }
 
 void Exchanges::End() {
@@ -64,6 +66,7 @@ void Exchanges::Start(Kind kind, std::optional<std::string> command) {
   open_->command = std::move(command);
   of_object_ = false;
   has_ending_ = false;
+  has_ended_ = false;
   known_ = false;
   sent_at_ = arrived_at_ = now_;
 }
@@ -73,8 +76,11 @@ void Exchanges::Finish() {
   Exchange exchange = *std::exchange(open_, std::nullopt);
   has_ending_ = false;
   if (exchange.kind == Kind::kOpening && !exchange.has_failed) return;
-  exchange.is_whole = known_ && (exchange.is_whole || !exchange.has_failed);
   const bool is_answered = exchange.reply || exchange.received;
+  const bool is_query = exchange.kind == Kind::kQuery || exchange.kind == Kind::kBinaryQuery;
+  const bool has_end = has_ended_ || exchange.is_whole || exchange.was_closed;
+  exchange.is_unfinished = is_query && !exchange.has_failed && !(is_answered && has_end);
+  exchange.is_whole = known_ && (exchange.is_whole || !exchange.has_failed);
   if (!exchange.has_failed && !is_answered) {
     exchange.description = MissingReply(exchange);
     exchange.has_failed = !exchange.description.empty();
@@ -114,6 +120,7 @@ bool Exchanges::AddOfObject(std::string_view message) {
   if (message.starts_with("Exiting Query()...(command: ") ||
       message.starts_with("Exiting Update()...(command: ")) {
     if (open_) open_->duration_ms = MillisecondsBetween(open_->counter, now_);
+    has_ended_ = true;
     Finish();
     return true;
   }
@@ -145,6 +152,7 @@ bool Exchanges::AddStep(std::string_view transport, std::string_view step) {
   }
   if (step == "Uninitialize()" || step == "ClosePort()") {
     open_->duration_ms = MillisecondsBetween(open_->counter, now_);
+    has_ended_ = true;
     if (!has_ending_) Finish();
   }
   return true;

@@ -56,6 +56,7 @@ class Exchanges {
   std::optional<Exchange> open_;
   bool of_object_ = false;   // the communication object's; otherwise a transport's own
   bool has_ending_ = false;  // a line of its own ends it
+  bool has_ended_ = false;   // that line, or the one that closes the transport, has come
   bool is_utf8_ = false;     // the trace, as far as that is known
   bool known_ = false;       // all bytes of the reply are known
   std::int32_t now_ = 0;     // the counter of the line at hand

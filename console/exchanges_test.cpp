@@ -185,7 +185,7 @@ TEST(Exchanges, BinaryQueryAtAComPort_BeginsWithItsOpening) {
       {301, "RS-232: ** OpenPort() open failed (8012 - Invalid port number) **"},
       {301, "RS-232: ** OpenPort() Error info: Source- S  Description- Invalid port number **"},
   };
-  EXPECT_EQ(ShownOf(steps), (Shown{"200 com3@9600,N,8,1 C? #\\x00\\xFF",
+  EXPECT_EQ(ShownOf(steps), (Shown{"200 com3@9600,N,8,1 C? #\\x00\xC3\xBF",
                                    "1 com3@9600,N,8,1 FAILED: Invalid port number (S)"}));
   const Exchange exchange = ExchangesOf(steps).front();
   EXPECT_EQ(exchange.kind, Exchange::Kind::kBinaryQuery);
@@ -300,6 +300,30 @@ TEST(Exchanges, Pause_HandsOutABinaryReplyAtOnce) {
   EXPECT_EQ(found.size(), 1U);
 }
 
+TEST(Exchanges, Pause_WaitsForTheRestOfAReplyOverTheNetwork) {
+  std::vector<Exchange> found;
+  Exchanges exchanges([&](const Exchange& exchange) { found.push_back(exchange); });
+  for (const char* message : {"TCP: Initialize()", "Connecting to 10.0.0.5 on port 10001...",
+                              "TCP: WriteLine(C?)", "Send complete (10.0.0.5:10001)",
+                              "Socket Data arrived: <12> (length: 2  last byte: 50 EOS: 13 EOS?: False)"})
+    exchanges.Add({"", 1, message, false});
+  exchanges.Pause();
+  EXPECT_TRUE(found.empty());
+  exchanges.Add({"", 2, "Socket Data arrived: <123\r> (length: 4  last byte: 13 EOS: 13 EOS?: True)", false});
+  exchanges.Pause();
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].received, "123\r");
+}
+
+TEST(Exchanges, QueryWhoseEndTheTraceDoesNotTell_IsUnfinished) {
+  for (const std::ptrdiff_t cut : {13, 15}) {
+    const std::vector<Step> steps(kNetworkQuery.begin(), kNetworkQuery.begin() + cut);
+    EXPECT_TRUE(ExchangesOf(steps).front().is_unfinished) << cut;
+  }
+  EXPECT_FALSE(ExchangesOf(kNetworkQuery).front().is_unfinished);
+  EXPECT_FALSE(ExchangesOf(kSerialQuery).front().is_unfinished);
+}
+
 TEST(ExchangeText, Csv_QuotesWhatNeedsIt) {
   Exchange exchange;
   exchange.kind = Exchange::Kind::kQuery;
@@ -312,7 +336,7 @@ TEST(ExchangeText, Csv_QuotesWhatNeedsIt) {
   exchange.reply = "1,2\r\n\xFF";
   EXPECT_EQ(CsvLine(exchange),
             "22.11.2026 06:54:30,-3,12,query,\"com3@9600,N,8,1\",\"SAY \"\"A\"\"\","
-            "\"1,2\\r\\n\\xFF\",,\r\n");
+            "\"1,2\\r\\n\xC3\xBF\",,\r\n");
 }
 
 TEST(ExchangeText, NarrowConsole_CutsTheLine) {
@@ -323,9 +347,13 @@ TEST(ExchangeText, NarrowConsole_CutsTheLine) {
   EXPECT_TRUE(line.ends_with("x...\n"));
 }
 
-TEST(TraceBytes, Readable_LosesNothing) {
-  EXPECT_EQ(Readable(std::string("a\\\t\r\n\0\x7F\xC2\xB0\xB0\xC3", 11)),
-            "a\\\\\\t\\r\\n\\x00\\x7F\xC2\xB0\\xB0\\xC3");
+TEST(TraceBytes, Readable_ControlCharactersByTheirCodes) {
+  EXPECT_EQ(Readable(std::string("a\\\t\r\n\0\x7F\xC2\xB0", 9)), "a\\\\\\t\\r\\n\\x00\\x7F\xC2\xB0");
+}
+
+TEST(TraceBytes, Readable_WhatIsNotUtf8_IsWindows1252) {
+  EXPECT_EQ(Readable("21 \xB0 5 \x80, \xC3"), "21 \xC2\xB0 5 \xE2\x82\xAC, \xC3\x83");
+  EXPECT_EQ(Readable("\x81\xFF"), "\\x81\xC3\xBF") << "the page has no letter there";
 }
 
 }  // namespace

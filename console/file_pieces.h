@@ -13,8 +13,8 @@ class FilePieces {
   virtual ~FilePieces() = default;
   // In bytes; nothing while there is no such file.
   virtual std::optional<std::uint64_t> Size() = 0;
-  // Up to so many bytes from that place; fewer at the end of the file. Throws std::runtime_error when the
-  // file cannot be read.
+  // Up to so many bytes from that place; fewer at the end of the file, none while there is no such
+  // file. Throws std::runtime_error when the file cannot be read.
   virtual std::string Read(std::uint64_t place, std::size_t most) = 0;
 };
 

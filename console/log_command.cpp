@@ -1,8 +1,10 @@
 // "kesp log": a trace made readable, or made a device.
 #include <chrono>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <stdexcept>
+#include <system_error>
 
 #include "console/commands.h"
 #include "console/device_from_trace.h"
@@ -12,6 +14,7 @@
 #include "console/since_filter.h"
 #include "console/trace_reader.h"
 #include "console/usage_error.h"
+#include "console/utf8_path.h"
 
 namespace kesp::console {
 namespace {
@@ -73,7 +76,8 @@ class Reading {
         report_(options, around.console) {}
 
   int Run() {
-    const std::optional<std::uint64_t> size = file_.Size();
+    const std::optional<std::uint64_t> size = Await();
+    if (!size && options_.follow) return kExitDone;
     if (!size) throw std::runtime_error(options_.file + " is not there");
     if (!options_.since.empty()) SetSince();
     report_.Begin();
@@ -88,6 +92,18 @@ class Reading {
   }
 
  private:
+  // The size of the file; with --follow, when it is there. Nothing where there is none.
+  std::optional<std::uint64_t> Await() {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(PathOf(options_.file), ignored))
+      throw std::runtime_error(options_.file + " is a folder");
+    std::optional<std::uint64_t> size = file_.Size();
+    if (size || !options_.follow) return size;
+    around_.console.WriteError("kesp: " + options_.file + " is not there yet; waiting for it\n");
+    for (; !size && !around_.console.Interrupted(); size = file_.Size()) around_.clock.Sleep(kLookEvery);
+    return size;
+  }
+
   void SetSince() {
     const LocalSeconds now = ReadIsoTime(around_.clock.LocalTime()).value_or(0);
     since_.emplace(options_.since, file_, now);

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "console/command_fixture.h"
+#include "console/file_pieces.h"
 
 namespace kesp::console {
 namespace {
@@ -122,6 +123,34 @@ TEST_F(LogCommandTest, NoFile_AndNoTrace_AreRefused) {
   EXPECT_EQ(RunIt(), kExitFailed);
   EXPECT_EQ(console_.error, "kesp: " + options_.file + " is not there\nkesp: " + options_.file +
                                 " holds no line of a trace of the library\n");
+}
+
+TEST_F(LogCommandTest, Folder_IsNoTrace) {
+  options_.file = folder_.string();
+  EXPECT_EQ(RunIt(), kExitFailed);
+  EXPECT_EQ(console_.error, "kesp: " + options_.file + " is a folder\n");
+}
+
+TEST_F(LogCommandTest, Follow_WaitsForAFileThatIsNotThereYet) {
+  options_.follow = true;
+  clock_.on_sleep = [&] {
+    if (clock_.sleeps.size() == 2) Append(Query("11/22/2026 1:16:07 AM", "T?", "21.4"));
+    if (clock_.sleeps.size() == 4) console_.Interrupt();
+  };
+  EXPECT_EQ(RunIt(), kExitDone);
+  EXPECT_NE(console_.output.find("21.4\n"), std::string::npos);
+  EXPECT_EQ(console_.error, "kesp: " + options_.file + " is not there yet; waiting for it\n");
+}
+
+TEST_F(LogCommandTest, Follow_CtrlCEndsTheWaitingForAFile) {
+  options_.follow = true;
+  clock_.on_sleep = [&] { console_.Interrupt(); };
+  EXPECT_EQ(RunIt(), kExitDone);
+  EXPECT_EQ(console_.output, "");
+}
+
+TEST_F(LogCommandTest, FileThatGoesAfterItsSizeWasAsked_IsAtItsEnd) {
+  EXPECT_EQ(FileOnDisk(options_.file).Read(0, 10), "");
 }
 
 TEST_F(LogCommandTest, EmptyFile_HasNoExchanges) {

@@ -65,11 +65,28 @@ std::size_t PartsOfTime(std::string_view text, const std::vector<Group>& groups)
 
 enum class Half { kNone, kMorning, kAfternoon, kUnknown };
 
-// Letters and bytes past ASCII, without the marks between them.
+bool IsAscii(std::string_view text, std::size_t place) {
+  return place >= text.size() || static_cast<unsigned char>(text[place]) < 0x80;
+}
+
+// The length of the no-break space, or the narrow one, at this place; 0 where there is none. In code pages of
+// one byte a character it is the byte A0, which in others is a part of letters.
+std::size_t NoBreakSpaceAt(std::string_view text, std::size_t place) {
+  for (const std::string_view utf8 : {"\xC2\xA0", "\xE2\x80\xAF"})
+    if (text.substr(place).starts_with(utf8)) return utf8.size();
+  const bool stands_alone = text[place] == '\xA0' && IsAscii(text, place - 1) && IsAscii(text, place + 1);
+  return stands_alone ? 1 : 0;
+}
+
+// Letters and bytes past ASCII, without the marks and spaces between them.
 Half HalfOf(std::string_view text) {
   std::string word;
-  for (const char character : text) {
-    const auto byte = static_cast<unsigned char>(character);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (const std::size_t space = NoBreakSpaceAt(text, i); space > 0) {
+      i += space - 1;
+      continue;
+    }
+    const auto byte = static_cast<unsigned char>(text[i]);
     if (std::isalpha(byte) || byte >= 0x80)
       word += static_cast<char>(byte < 0x80 ? std::tolower(byte) : byte);
   }

@@ -26,6 +26,11 @@ std::optional<char> ByteOf(char32_t code) {
   return static_cast<char>(0x80 + std::distance(kWindows1252.begin(), place));
 }
 
+// Of a byte past ASCII.
+char32_t LetterOf(std::uint8_t byte) {
+  return byte < 0xA0 ? kWindows1252[byte - 0x80U] : byte;
+}
+
 std::string Escaped(std::uint8_t byte) {
   switch (byte) {
     case '\r':
@@ -59,11 +64,7 @@ std::optional<std::string> WireBytesOfUtf8(std::string_view text) {
 
 std::string TextOfBytes(std::string_view bytes) {
   std::string text;
-  for (const char character : bytes) {
-    const auto byte = static_cast<std::uint8_t>(character);
-    if (byte >= 0x80) text += static_cast<char>(0xC0U | byte >> 6U);
-    text += byte < 0x80 ? character : static_cast<char>(0x80U | (byte & 0x3FU));
-  }
+  for (const char character : bytes) AppendUtf8(static_cast<std::uint8_t>(character), text);
   return text;
 }
 
@@ -71,9 +72,13 @@ std::string Readable(std::string_view bytes) {
   std::string text;
   while (!bytes.empty()) {
     const Character character = CharacterAt(bytes);
-    const bool is_control = character.code < 0x20 || (character.code >= 0x7F && character.code < 0xA0);
+    const char32_t code =
+        character.length == 0 ? LetterOf(static_cast<std::uint8_t>(bytes[0])) : character.code;
+    const bool is_control = code < 0x20 || (code >= 0x7F && code < 0xA0);
     const std::size_t length = std::max<std::size_t>(character.length, 1);
-    if (character.length == 0 || is_control || character.code == '\\') {
+    if (character.length == 0 && !is_control) {
+      AppendUtf8(code, text);
+    } else if (is_control || code == '\\') {
       for (const char byte : bytes.substr(0, length)) text += Escaped(static_cast<std::uint8_t>(byte));
     } else {
       text += bytes.substr(0, length);

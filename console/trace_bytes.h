@@ -15,7 +15,8 @@ std::optional<std::string> WireBytesOfUtf8(std::string_view text);
 // Bytes as a text in UTF-8, with a character U+0000 to U+00FF for each.
 std::string TextOfBytes(std::string_view bytes);
 
-// On one line and without loss: UTF-8 stays as it is; \r, \n, \t, \\ and \xNN for the rest.
+// On one line: UTF-8 stays as it is, and other bytes are taken for letters of Windows-1252; \r, \n, \t, \\,
+// and \xNN for the other control characters.
 std::string Readable(std::string_view bytes);
 
 }  // namespace kesp::console

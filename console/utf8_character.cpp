@@ -23,4 +23,18 @@ Character CharacterAt(std::string_view text) {
   return {code, length};
 }
 
+void AppendUtf8(char32_t code, std::string& text) {
+  if (code < 0x80) {
+    text += static_cast<char>(code);
+    return;
+  }
+  if (code < 0x800) {
+    text += static_cast<char>(0xC0U | code >> 6U);
+  } else {
+    text += static_cast<char>(0xE0U | code >> 12U);
+    text += static_cast<char>(0x80U | (code >> 6U & 0x3FU));
+  }
+  text += static_cast<char>(0x80U | (code & 0x3FU));
+}
+
 }  // namespace kesp::console

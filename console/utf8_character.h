@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace kesp::console {
@@ -13,5 +14,8 @@ struct Character {
 
 // With which the text begins, which is not empty.
 Character CharacterAt(std::string_view text);
+
+// code: below U+10000.
+void AppendUtf8(char32_t code, std::string& text);
 
 }  // namespace kesp::console
