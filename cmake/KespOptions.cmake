@@ -23,6 +23,17 @@ elseif(KESP_SANITIZE)
   target_link_options(kesp_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+# kesp_program_manifest(<target>)
+#
+# Tells Windows which rights the program needs, and which Windows it knows.
+function(kesp_program_manifest target)
+  if(WIN32)
+    set(resource "${CMAKE_SOURCE_DIR}/cmake/program.rc")
+    target_sources(${target} PRIVATE "${resource}")
+    set_source_files_properties("${resource}" PROPERTIES OBJECT_DEPENDS "${CMAKE_SOURCE_DIR}/cmake/program.manifest")
+  endif()
+endfunction()
+
 # kesp_own_unwinder(<target>)
 #
 # For a DLL that hosts load: its exceptions are unwound by what is linked in, whatever the host has loaded. Concerns

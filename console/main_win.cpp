@@ -63,6 +63,8 @@ int Main(int count, wchar_t** words) {
 }  // namespace kesp::console
 
 int wmain(int count, wchar_t** words) {
+  // A drive without a disk, or a damaged file, brings up no box of the system's.
+  SetErrorMode(SEM_FAILCRITICALERRORS);
   try {
     return kesp::console::Main(count, words);
   } catch (const std::exception&) {
