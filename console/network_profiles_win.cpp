@@ -6,9 +6,7 @@
 #include <netlistmgr.h>
 #include <wrl/client.h>
 
-#include <array>
-
-#include "console/wide_text_win.h"
+#include "console/public_classes_win.h"
 
 namespace kesp::console {
 namespace {
@@ -29,12 +27,6 @@ std::string NameOf(NLM_NETWORK_CATEGORY category) {
   }
 }
 
-std::string TextOf(REFGUID guid) {
-  std::array<wchar_t, 40> text{};
-  StringFromGUID2(guid, text.data(), static_cast<int>(text.size()));
-  return ToUtf8(text.data());
-}
-
 }  // namespace
 
 NetworkProfiles::NetworkProfiles() {
@@ -53,7 +45,7 @@ NetworkProfiles::NetworkProfiles() {
     NLM_NETWORK_CATEGORY category = NLM_NETWORK_CATEGORY_PUBLIC;
     if (SUCCEEDED(connection->GetAdapterId(&adapter)) && SUCCEEDED(connection->GetNetwork(&network)) &&
         SUCCEEDED(network->GetCategory(&category)))
-      profiles_[TextOf(adapter)] = NameOf(category);
+      profiles_[GuidText(adapter)] = NameOf(category);
   }
 }
 

@@ -38,7 +38,7 @@ std::string WithoutMarks(const std::string& path) {
 Registrations ReadRegistrations(int bits) {
   Registrations found;
   if (bits != kProgramBits && !RunsBothWidths()) return found;
-  const REGSAM view = bits == 64 ? KEY_WOW64_64KEY : KEY_WOW64_32KEY;
+  const REGSAM view = ViewOf(bits);
   for (const Root& root : kRoots) {
     for (const PublicClass& each : PublicClassesWithIds()) {
       const std::string key = kClasses + ("CLSID\\" + GuidText(each.clsid)) + "\\InprocServer32";

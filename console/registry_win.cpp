@@ -20,6 +20,10 @@ std::string TextOf(HKEY key, const wchar_t* name) {
 
 }  // namespace
 
+REGSAM ViewOf(int bits) {
+  return bits == 64 ? KEY_WOW64_64KEY : KEY_WOW64_32KEY;
+}
+
 RegistryKeyWin::RegistryKeyWin(HKEY root, const std::string& path, REGSAM view) {
   if (RegOpenKeyExW(root, ToWide(path).c_str(), 0, KEY_READ | view, &key_) != ERROR_SUCCESS) key_ = nullptr;
 }

@@ -10,6 +10,9 @@
 
 namespace kesp::console {
 
+// The view of programs of that width, in a Windows of 64 bit.
+REGSAM ViewOf(int bits);
+
 // An open key, or none: then everything is missing from it. Texts are UTF-8.
 class RegistryKeyWin {
  public:

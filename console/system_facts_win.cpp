@@ -15,10 +15,6 @@ namespace {
 
 constexpr const char* kOffice = "SOFTWARE\\Microsoft\\Office\\";
 
-REGSAM ViewOf(int bits) {
-  return bits == 64 ? KEY_WOW64_64KEY : KEY_WOW64_32KEY;
-}
-
 // Windows programs run in Wine, too, which then says so.
 std::string Emulator() {
   const FARPROC found = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version");

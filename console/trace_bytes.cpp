@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <iterator>
 
+#include "console/hexadecimal.h"
 #include "console/utf8_character.h"
 
 namespace kesp::console {
@@ -44,8 +45,8 @@ std::string Escaped(std::uint8_t byte) {
     default:
       break;
   }
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  return {'\\', 'x', kDigits[byte >> 4U], kDigits[byte & 0xFU]};
+  const char character = static_cast<char>(byte);
+  return "\\x" + HexadecimalOf({&character, 1});
 }
 
 }  // namespace
