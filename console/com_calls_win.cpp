@@ -5,9 +5,6 @@
 #include "console/wide_text_win.h"
 
 namespace kesp::console {
-namespace {
-
-// What Windows says of a number for which the call has left nothing.
 std::string SystemText(HRESULT result) {
   wchar_t* text = nullptr;
   const DWORD length = FormatMessageW(
@@ -20,8 +17,6 @@ std::string SystemText(HRESULT result) {
   LocalFree(text);
   return utf8.empty() ? "The call failed" : utf8;
 }
-
-}  // namespace
 
 ComText::ComText(std::string_view utf8) {
   const std::wstring wide = ToWide(utf8);

@@ -32,6 +32,9 @@ class ComText {
   BSTR text_ = nullptr;
 };
 
+// What Windows says of a number, without a full stop.
+std::string SystemText(HRESULT result);
+
 // Throws LibraryError with what the call has left as error information; nothing after a success.
 void Check(HRESULT result);
 

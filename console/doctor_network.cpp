@@ -26,9 +26,14 @@ Finding Of(const NetworkAdapter& adapter) {
   const std::string text = Described(adapter);
   if (!adapter.takes_broadcast || !adapter.replies_blocked || !adapter.firewall.value_or(true))
     return Well(kSubject, text);
-  return Warning(
-      kSubject, text + "; the firewall keeps out the replies",
-      "as administrator: netsh advfirewall set allprofiles settings unicastresponsetomulticast enable");
+  if (adapter.by_policy) {
+    return Warning(kSubject, text + "; the firewall keeps out the replies, as a policy says",
+                   "ask the administrators to allow unicast responses to broadcasts in the " +
+                       adapter.profile + " profile; addresses can be used without that");
+  }
+  return Warning(kSubject, text + "; the firewall keeps out the replies",
+                 "as administrator: netsh advfirewall set " + adapter.profile +
+                     "profile settings unicastresponsetomulticast enable");
 }
 
 // Instruments behind another adapter do not hear the broadcast.

@@ -110,8 +110,13 @@ TEST_F(DoctorTest, Network_FirewallThatKeepsOutTheReplies) {
   machine_.adapters[0].firewall = true;
   EXPECT_EQ(NetworkFindings(machine_)[0].level, Level::kOk) << "the broadcast does not leave here";
   machine_.adapters[0].takes_broadcast = true;
+  machine_.adapters[0].profile = "private";
   EXPECT_THAT(Of(NetworkFindings(machine_)),
-              ElementsAre(HasSubstr("; the firewall keeps out the replies -> ")));
+              ElementsAre(HasSubstr("; the firewall keeps out the replies -> as administrator: netsh "
+                                    "advfirewall set privateprofile settings ")));
+  machine_.adapters[0].by_policy = true;
+  EXPECT_THAT(Of(NetworkFindings(machine_)),
+              ElementsAre(HasSubstr("; the firewall keeps out the replies, as a policy says -> ask ")));
   machine_.adapters[0].firewall = false;
   EXPECT_EQ(NetworkFindings(machine_)[0].level, Level::kOk);
 }

@@ -21,10 +21,13 @@ std::string KeyOf(const std::string& profile, const char* name_of_private) {
   return found == keys.end() ? "" : found->second;
 }
 
+std::optional<std::uint32_t> Policy(const std::string& profile, const char* name) {
+  return RegistryKeyWin(HKEY_LOCAL_MACHINE, kPolicy + KeyOf(profile, "PrivateProfile"), KEY_WOW64_64KEY)
+      .Number(name);
+}
+
 std::optional<std::uint32_t> Setting(const std::string& profile, const char* name) {
-  const RegistryKeyWin policy(HKEY_LOCAL_MACHINE, kPolicy + KeyOf(profile, "PrivateProfile"),
-                              KEY_WOW64_64KEY);
-  if (const auto value = policy.Number(name)) return value;
+  if (const auto value = Policy(profile, name)) return value;
   return RegistryKeyWin(HKEY_LOCAL_MACHINE, kMachine + KeyOf(profile, "StandardProfile")).Number(name);
 }
 
@@ -34,7 +37,9 @@ FirewallProfile FirewallFor(const std::string& profile) {
   FirewallProfile firewall;
   if (KeyOf(profile, "StandardProfile").empty()) return firewall;
   if (const auto on = Setting(profile, "EnableFirewall")) firewall.on = *on != 0;
-  firewall.replies_blocked = Setting(profile, "DisableUnicastResponsesToMulticastBroadcast").value_or(0) != 0;
+  constexpr const char* kNoReplies = "DisableUnicastResponsesToMulticastBroadcast";
+  firewall.replies_blocked = Setting(profile, kNoReplies).value_or(0) != 0;
+  firewall.by_policy = Policy(profile, kNoReplies).has_value();
   return firewall;
 }
 

@@ -9,6 +9,7 @@
 #include <functional>
 
 #include "KespCommObj.h"
+#include "console/com_calls_win.h"
 #include "console/event_sink_win.h"
 #include "console/public_classes_win.h"
 #include "console/type_comparison_win.h"
@@ -64,13 +65,20 @@ std::string Compare(HRESULT used_result, ITypeLib* used, const std::string& path
   return FAILED(result) ? "not in the file: " + ResultText(result) : DifferenceOf(used, own.Get());
 }
 
+// Windows puts "%1" where the name of the file belongs.
+std::string LoadingText(DWORD error) {
+  std::string text = SystemText(HRESULT_FROM_WIN32(error));
+  if (const auto place = text.find("%1"); place != std::string::npos) text.replace(place, 2, "the file");
+  return text + " (error " + std::to_string(error) + ")";
+}
+
 }  // namespace
 
 LibraryReport ExamineLibrary(const std::string& path) {
   LibraryReport report;
   HMODULE module = LoadLibraryExW(ToWide(path).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
   if (module == nullptr) {
-    report.error = ResultText(HRESULT_FROM_WIN32(GetLastError()));
+    report.error = LoadingText(GetLastError());
     return report;
   }
   const FARPROC found = GetProcAddress(module, "DllGetClassObject");

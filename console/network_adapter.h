@@ -18,6 +18,7 @@ struct NetworkAdapter {
   std::string profile;                 // "private", "public", "domain"; empty: not known
   std::optional<bool> firewall;        // whether Windows' own is on for that profile
   bool replies_blocked = false;        // the firewall keeps out the replies to a broadcast
+  bool by_policy = false;              // so an administrator's policy says
 };
 
 }  // namespace kesp::console

@@ -42,6 +42,7 @@ NetworkAdapter AdapterOf(const IP_ADAPTER_ADDRESSES& entry, DWORD taking_broadca
   const FirewallProfile firewall = FirewallFor(adapter.profile);
   adapter.firewall = firewall.on;
   adapter.replies_blocked = firewall.replies_blocked;
+  adapter.by_policy = firewall.by_policy;
   return adapter;
 }
 

@@ -31,11 +31,21 @@ std::string Windows() {
          Emulator();
 }
 
+// An emulated program is told of another processor but by this function, which Windows has from 10 on.
+bool IsArm64() {
+  using Asking = BOOL(WINAPI*)(HANDLE, USHORT*, USHORT*);
+  const FARPROC found = GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "IsWow64Process2");
+  const auto ask = reinterpret_cast<Asking>(reinterpret_cast<void*>(found));
+  constexpr USHORT kArm64 = 0xAA64;
+  USHORT process = 0;
+  USHORT machine = 0;
+  return ask != nullptr && ask(GetCurrentProcess(), &process, &machine) != FALSE && machine == kArm64;
+}
+
 std::string Architecture() {
+  if (IsArm64()) return "ARM64";
   SYSTEM_INFO info{};
   GetNativeSystemInfo(&info);
-  constexpr WORD kArm64 = 12;
-  if (info.wProcessorArchitecture == kArm64) return "ARM64";
   return info.wProcessorArchitecture == PROCESSOR_ARCHITECTURE_AMD64 ? "x64" : "x86";
 }
 

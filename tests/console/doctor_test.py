@@ -16,6 +16,8 @@ from kesp_program import ROOT, Kesp, KespCase
 WIDTHS = ("64", "32")
 FIREWALL = (r"HKEY_LOCAL_MACHINE\System\CurrentControlSet\Services\SharedAccess\Parameters\FirewallPolicy"
             r"\{profile}")
+POLICY = r"HKEY_LOCAL_MACHINE\Software\Policies\Microsoft\WindowsFirewall\{profile}"
+POLICY_PROFILES = {"private": "PrivateProfile"}
 PROFILES = {"public": "PublicProfile", "private": "StandardProfile", "domain": "DomainProfile"}
 
 
@@ -128,6 +130,12 @@ class RegistrationTest(DoctorCase):
         self.assert_finding(findings, "FAIL", "64-bit clients", "is registered, but there is no such file")
         self.assert_finding(findings, "FAIL", "64-bit registered library", "CKespTCP cannot be created: ")
 
+    def test_a_file_that_cannot_be_loaded(self):
+        self.file("64").unlink()
+        self.file("64").write_text("no library")
+        text = self.about("64-bit library beside kesp", self.doctor())[0]["text"]
+        self.assertRegex(text, r"^cannot be loaded: [A-Za-z].*[a-z] \(error \d+\)$")
+
     def test_only_the_other_width(self):
         for bits in WIDTHS:
             self.register(bits)
@@ -231,6 +239,10 @@ class SurroundingsTest(DoctorCase):
         adapter = self.adapter()
         self.assertEqual(adapter["level"], "WARN")
         self.assertIn("; the firewall keeps out the replies", adapter["text"])
+        self.assertIn(f" set {profile}profile settings ", adapter["remedy"])
+        policy = POLICY.replace("{profile}", POLICY_PROFILES.get(profile, PROFILES[profile]))
+        device_list.write("64", self.folder, device_list.key(policy, DisableUnicastResponsesToMulticastBroadcast=1))
+        self.assertIn("replies, as a policy says", self.adapter()["text"])
 
     def test_office(self):
         self.register("64")
@@ -250,6 +262,10 @@ class SurroundingsTest(DoctorCase):
         self.file("64", "commobjout.log").write_text("kept")
         self.assert_finding(self.doctor(), "OK", "64-bit default trace", "can be written by this user")
         self.assertEqual(self.file("64", "commobjout.log").read_text(), "kept")
+
+    def test_the_program_runs_with_the_rights_of_who_starts_it(self):
+        for bits in WIDTHS:
+            self.assertIn(b'<requestedExecutionLevel level="asInvoker"', self.file(bits, "kesp.exe").read_bytes())
 
     def test_the_page_can_be_pasted(self):
         program = Kesp("64", "doctor", program=self.file("64", "kesp.exe"))
