@@ -7,6 +7,7 @@
 #include "console/commands.h"
 #include "console/console_fake.h"
 #include "console/library_fake.h"
+#include "console/machine_fake.h"
 
 namespace kesp::console {
 
@@ -24,14 +25,9 @@ class CommandFixture : public testing::Test {
   ClockFake clock_;
   LibraryFake library_;
   std::optional<BroadcastAdapter> adapter_;
-
- private:
-  // No command of these tests looks at the machine.
-  char no_machine_ = 0;
-
- protected:
-  Surroundings around_{console_, clock_, reinterpret_cast<Machine&>(no_machine_),
-                       [this]() -> Library& { return library_; }, [this] { return adapter_; }};
+  MachineFake machine_;
+  Surroundings around_{console_, clock_, machine_, [this]() -> Library& { return library_; },
+                       [this] { return adapter_; }};
 };
 
 }  // namespace kesp::console

@@ -8,7 +8,7 @@ import json
 import sys
 import unittest
 
-from kesp_program import DONE, Kesp, KespCase
+from kesp_program import DONE, INTERRUPTED, Kesp, KespCase
 
 LEAVES = r"^the broadcast leaves by [^\n]+ \([^)]*10\.88\.0\.1[^)]*\)\n$"
 
@@ -37,7 +37,7 @@ class DiscoverTest(KespCase):
         program.wait_for("the broadcast leaves by")
         program.press_ctrl_c()
         code, output, _ = program.end()
-        self.assertNotEqual(code, DONE)
+        self.assertEqual(code, INTERRUPTED)
         self.assertIn("tcp:10.88.0.11", output)
 
 
