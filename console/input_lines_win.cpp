@@ -20,10 +20,17 @@ std::string WithoutReturn(std::string line) {
 }  // namespace
 
 InputLines::InputLines() : handle_(GetStdHandle(STD_INPUT_HANDLE)) {
-  DWORD mode = 0;
-  is_console_ = GetConsoleMode(handle_, &mode) != 0;
-  if (is_console_)
-    SetConsoleMode(handle_, mode | ENABLE_LINE_INPUT | ENABLE_ECHO_INPUT | ENABLE_PROCESSED_INPUT);
+  is_console_ = GetConsoleMode(handle_, &mode_) != 0;
+}
+
+InputLines::~InputLines() {
+  if (is_mode_set_) SetConsoleMode(handle_, mode_);
+}
+
+void InputLines::SetMode() {
+  if (is_mode_set_) return;
+  is_mode_set_ = true;
+  SetConsoleMode(handle_, mode_ | ENABLE_LINE_INPUT | ENABLE_ECHO_INPUT | ENABLE_PROCESSED_INPUT);
 }
 
 std::optional<std::string> InputLines::Next() {
@@ -31,6 +38,7 @@ std::optional<std::string> InputLines::Next() {
 }
 
 std::optional<std::string> InputLines::NextTyped() {
+  SetMode();
   std::wstring line;
   std::array<wchar_t, 1024> part;
   while (!line.ends_with(L'\n')) {
