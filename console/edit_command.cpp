@@ -10,6 +10,8 @@ int Run(const EditOptions& options, Surroundings& around) {
     throw UsageError(
         "the GPIB has no settings dialog; its settings stand in the address, as in gpib:5,eos=13");
   const auto instrument = InstrumentAt(options.talk, around);
+  // The dialog hears nothing of Ctrl-C.
+  around.console.SetOnInterrupt(Console::OnInterrupt::kEnd);
   if (!instrument->Edit()) {
     around.console.WriteError("kesp: the dialog was cancelled\n");
     return kExitFailed;

@@ -19,6 +19,7 @@ TEST_F(EditCommandTest, Confirmed_PrintsTheSettings) {
   library_.found_at = TcpAddress{.host = "10.0.0.9", .port = 5025, .eos = {}, .any = false};
   EXPECT_EQ(Edit("tcp:10.0.0.7"), kExitDone);
   EXPECT_EQ(console_.output, "tcp:10.0.0.9:5025\n");
+  EXPECT_EQ(console_.on_interrupt, Console::OnInterrupt::kEnd);
 }
 
 TEST_F(EditCommandTest, Cancelled_PrintsNothing) {
