@@ -7,12 +7,10 @@
 
 #include "console/com_calls_win.h"
 #include "console/event_sink_win.h"
+#include "console/regular_looks_win.h"
 
 namespace kesp::console {
 namespace {
-
-// So often somebody looks, also while an instrument does not answer.
-constexpr UINT kLookEveryMs = 100;
 
 class Discovery {
  public:
@@ -41,37 +39,13 @@ class Discovery {
   std::exception_ptr thrown_;
 };
 
-// The one of this thread, for the timer.
-thread_local Discovery* under_way = nullptr;
-
-void CALLBACK OnTimer(HWND, UINT, UINT_PTR, DWORD) {
-  if (under_way != nullptr) under_way->Look();
-}
-
-// Has OnTimer called while the thread handles its messages.
-class Looks {
- public:
-  explicit Looks(Discovery* discovery) : timer_(SetTimer(nullptr, 0, kLookEveryMs, OnTimer)) {
-    under_way = discovery;
-  }
-  ~Looks() {
-    KillTimer(nullptr, timer_);
-    under_way = nullptr;
-  }
-  Looks(const Looks&) = delete;
-  Looks& operator=(const Looks&) = delete;
-
- private:
-  UINT_PTR timer_;
-};
-
 std::vector<FoundInstrument> Discovery::Run() {
   Check(tcp_->put_Protocol(sckUDPProtocol));
   ComText result;
   VARIANT_BOOL found = VARIANT_FALSE;
   {
     const EventConnection events(tcp_, __uuidof(__CKespTCP), [this](DISPID, EventArguments) { Look(); });
-    const Looks looks(this);
+    const RegularLooks looks([this] { Look(); });
     Check(tcp_->AutoDetect(result.out(), dlAllCommands, &found));
   }
   if (thrown_) std::rethrow_exception(thrown_);

@@ -4,6 +4,7 @@
 
 #include "console/commands.h"
 #include "console/failure_text.h"
+#include "console/hint.h"
 #include "console/instrument_at.h"
 #include "console/part_file.h"
 #include "console/usage_error.h"
@@ -17,6 +18,7 @@ class Progress {
   explicit Progress(Clock& clock) : clock_(clock), start_(clock.Now()) {}
 
   void Note(std::int64_t received) {
+    if (received == received_) return;
     received_ = received;
     duration_ = clock_.Now() - start_;
   }
@@ -34,12 +36,6 @@ class Progress {
   std::chrono::microseconds duration_{};
   std::int64_t received_ = 0;
 };
-
-// Keeps what came of a transfer that did not reach its end, and tells so.
-std::string Kept(PartFile& file, const std::string& bytes) {
-  if (bytes.empty()) return "nothing had come";
-  return "the " + std::to_string(bytes.size()) + " bytes that had come are in " + file.Keep(bytes);
-}
 
 }  // namespace
 
@@ -59,12 +55,14 @@ int Run(const DownloadOptions& options, Surroundings& around) {
   });
   console.ShowProgress("");
   if (transfer.failure) {
-    console.WriteError("kesp: " + FailureText(*transfer.failure) + "\n  " + Kept(file, transfer.bytes) +
-                       "\n");
+    const std::string hint = HintFor(*transfer.failure, address);
+    console.WriteError("kesp: " + FailureText(*transfer.failure) + "\n  " + file.KeepAndTell(transfer.bytes) +
+                       "\n" + (hint.empty() ? "" : "  " + hint + "\n"));
     return kExitFailed;
   }
-  if (transfer.aborted) {
-    console.WriteError("kesp: ended by Ctrl-C; " + Kept(file, transfer.bytes) + "\n");
+  // It may have been pressed when the last look was over.
+  if (transfer.aborted || console.Interrupted()) {
+    console.WriteError("kesp: ended by Ctrl-C; " + file.KeepAndTell(transfer.bytes) + "\n");
     return kExitInterrupted;
   }
   file.Complete(transfer.bytes);

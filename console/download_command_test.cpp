@@ -57,6 +57,14 @@ TEST_F(DownloadCommandTest, CtrlC_WhatCameIsKeptUnderAnotherName) {
             "kesp: ended by Ctrl-C; the 4 bytes that had come are in " + options_.file + ".part\n");
 }
 
+TEST_F(DownloadCommandTest, CtrlCAfterTheLastLook_IsHeardToo) {
+  console_.InterruptAfter(2);
+  library_.transfer = "x";
+  EXPECT_EQ(Download(), kExitInterrupted);
+  EXPECT_EQ(console_.error,
+            "kesp: ended by Ctrl-C; the 1 byte that had come is in " + options_.file + ".part\n");
+}
+
 TEST_F(DownloadCommandTest, CtrlCBeforeAnythingCame_NothingIsKept) {
   console_.Interrupt();
   library_.transfer.clear();
@@ -70,7 +78,9 @@ TEST_F(DownloadCommandTest, ThePortFails_ToldWithWhatIsKept) {
   EXPECT_EQ(Download(), kExitFailed);
   EXPECT_EQ(console_.error,
             "kesp: Error reading comm device (8020, commCOMControl)\n  the 4 bytes that had come are in " +
-                options_.file + ".part\n");
+                options_.file +
+                ".part\n  The port gives nothing any more: plug the adapter in again, and send the "
+                "command again.\n");
 }
 
 TEST_F(DownloadCommandTest, NothingComes_NoFile) {

@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "console/counted.h"
 #include "console/utf8_path.h"
 
 namespace kesp::console {
@@ -26,9 +27,6 @@ PartFile::PartFile(const std::string& name)
   if (is_directory(whole_)) Refuse(name, std::make_error_code(std::errc::is_a_directory));
   errno = 0;
   if (!std::ofstream(part_, std::ios::binary | std::ios::app)) Refuse(name, LastError());
-}
-
-PartFile::~PartFile() {
   std::error_code ignored;
   if (file_size(part_, ignored) == 0) remove(part_, ignored);
 }
@@ -45,6 +43,13 @@ void PartFile::Complete(std::string_view content) {
 std::string PartFile::Keep(std::string_view content) {
   Write(content);
   return name_ + ".part";
+}
+
+std::string PartFile::KeepAndTell(std::string_view content) {
+  if (content.empty()) return "nothing had come";
+  const bool is_one = content.size() == 1;
+  return "the " + Counted(static_cast<std::int64_t>(content.size()), "byte") + " that had come " +
+         (is_one ? "is in " : "are in ") + Keep(content);
 }
 
 void PartFile::Write(std::string_view content) {

@@ -11,11 +11,9 @@ namespace kesp::console {
 // reason.
 class PartFile {
  public:
-  // name: in UTF-8. That NAME.part can be written is tried at once. What an earlier one kept stays until it
-  // is written to.
+  // name: in UTF-8. That NAME.part can be written is tried at once, and leaves none behind. What an earlier
+  // one kept stays until it is written to.
   explicit PartFile(const std::string& name);
-  // Takes NAME.part away where it holds nothing.
-  ~PartFile();
   PartFile(const PartFile&) = delete;
   PartFile& operator=(const PartFile&) = delete;
 
@@ -23,6 +21,8 @@ class PartFile {
   void Complete(std::string_view content);
   // Leaves a part in NAME.part, and returns that name.
   std::string Keep(std::string_view content);
+  // The same, told to the user; "nothing had come" where there is nothing to keep.
+  std::string KeepAndTell(std::string_view content);
 
  private:
   void Write(std::string_view content);
