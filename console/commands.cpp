@@ -4,6 +4,8 @@
 #include <exception>
 
 #include "console/failure_text.h"
+#include "console/hint.h"
+#include "console/port_hint.h"
 #include "console/usage_error.h"
 
 namespace kesp::console {
@@ -15,6 +17,18 @@ int Fail(Console& console, const std::string& text, int code) {
   return code;
 }
 
+// What helps, by the address of the command, if it has one.
+struct HintOf {
+  const LibraryError& error;
+
+  template <class CommandOptions>
+  std::string operator()(const CommandOptions& options) const {
+    if (!error.hint.empty()) return error.hint;
+    if constexpr (requires { options.talk; }) return HintFor(error, ParseAddress(options.talk.address));
+    return PortHint(error);
+  }
+};
+
 }  // namespace
 
 int RunCommand(const Options& options, Surroundings& around) {
@@ -23,8 +37,8 @@ int RunCommand(const Options& options, Surroundings& around) {
   } catch (const NoLibrary& error) {
     return Fail(around.console, error.what(), kExitNoLibrary);
   } catch (const LibraryError& error) {
-    const std::string hint = error.hint.empty() ? "" : "\n  " + error.hint;
-    return Fail(around.console, FailureText(error) + hint, kExitFailed);
+    const std::string hint = std::visit(HintOf{error}, options.command);
+    return Fail(around.console, FailureText(error) + (hint.empty() ? "" : "\n  " + hint), kExitFailed);
   } catch (const AddressError& error) {
     return Fail(around.console, std::string("a mistake in the address\n") + error.what(), kExitUsage);
   } catch (const UsageError& error) {

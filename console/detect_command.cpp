@@ -3,6 +3,7 @@
 #include <string>
 
 #include "console/commands.h"
+#include "console/counted.h"
 #include "console/deadline.h"
 #include "console/instrument_at.h"
 
@@ -29,12 +30,12 @@ std::string Found(const DetectOptions& options, const std::string& address, cons
 }
 
 std::string Tried(int steps) {
-  return " (" + std::to_string(steps) + (steps == 1 ? " command" : " commands") + " tried)\n";
+  return " (" + Counted(steps, "command") + " tried)\n";
 }
 
 // A connection that cannot be made leaves nothing to be tried.
-std::string Nobody(const std::string& address, int steps) {
-  if (steps == 0) return "kesp: no connection to " + address + "\n";
+std::string Nobody(const std::string& address, int steps, bool was_time_up) {
+  if (steps == 0 && !was_time_up) return "kesp: no connection to " + address + "\n";
   return "kesp: nobody answers at " + address + Tried(steps);
 }
 
@@ -46,11 +47,13 @@ int Run(const DetectOptions& options, Surroundings& around) {
   TalkOptions talk = options.talk;
   talk.timeout_ms.reset();
   const auto instrument = InstrumentAt(talk, around);
+  bool was_time_up = false;
   const Deadline deadline(around.clock, options.talk.timeout_ms);
   int steps = 0;
   const auto answer =
       instrument->Detect(static_cast<DetectLevel>(options.level), [&](const DetectionStep& step) {
-        if (console.Interrupted() || deadline.IsPast()) return false;
+        was_time_up = deadline.IsPast();
+        if (console.Interrupted() || was_time_up) return false;
         console.ShowProgress(ProgressLine(step));
         ++steps;
         return true;
@@ -65,7 +68,7 @@ int Run(const DetectOptions& options, Surroundings& around) {
                        Tried(steps));
     return kExitInterrupted;
   }
-  console.WriteError(Nobody(options.talk.address, steps));
+  console.WriteError(Nobody(options.talk.address, steps, was_time_up));
   return kExitFailed;
 }
 

@@ -69,8 +69,22 @@ TEST_F(DetectCommandTest, Timeout_EndsTheWholeSearch) {
   options_.talk.timeout_ms = 0;
   library_.detected = "KESP";
   EXPECT_EQ(Detect(), kExitFailed);
+  EXPECT_EQ(console_.error, "kesp: nobody answers at com3 (0 commands tried)\n");
   EXPECT_TRUE(library_.aborted);
   EXPECT_EQ(library_.tunings.front().timeout_ms, std::nullopt);
+}
+
+TEST_F(DetectCommandTest, ThePortIsHeld_ToldWhatHelps) {
+  library_.detection_fails = LibraryError("error 8005", "", "Port already open");
+  EXPECT_EQ(Detect(), kExitFailed);
+  EXPECT_EQ(console_.error,
+            "kesp: Port already open (error 8005)\n  Another program holds the port: close it there.\n");
+}
+
+TEST_F(DetectCommandTest, FailureWithoutAStatus_HasNoEmptyBrackets) {
+  library_.detection_fails = LibraryError("", "", "Something else");
+  EXPECT_EQ(Detect(), kExitFailed);
+  EXPECT_EQ(console_.error, "kesp: Something else\n");
 }
 
 TEST_F(DetectCommandTest, ThePortFails_TheLibraryTellsWhy) {

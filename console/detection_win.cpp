@@ -33,6 +33,12 @@ std::optional<std::string> AnswerOf(VARIANT_BOOL found, const ComText& answer) {
   return answer.str();
 }
 
+// The library tries 57600 bit/s at the most if it is told nothing.
+void AllowFastInstruments(_CKespCOMPort3* port) {
+  constexpr EKespBaudRate3 kFast = static_cast<EKespBaudRate3>(BaudRateNumber(115200));
+  if (Read(port, &_CKespCOMPort3::get_MaxBaudRate) < kFast) Check(port->put_MaxBaudRate(kFast));
+}
+
 DetectionPlan PlanOf(_CKespCOMPort3* port, DetectLevel level) {
   const int present = Read(port, &_CKespCOMPort3::get_BaudRate);
   const int lowest = Read(port, &_CKespCOMPort3::get_MinBaudRate);
@@ -69,6 +75,7 @@ std::optional<std::string> DetectAt(_CKespTCP* tcp, DetectLevel level, const OnD
 
 std::optional<std::string> DetectAt(_CKespCOMPort3* port, const std::string& omega, DetectLevel level,
                                     const OnDetectionStep& on_step) {
+  AllowFastInstruments(port);
   const DetectionPlan plan = PlanOf(port, level);
   bool aborted = false;
   const EventConnection events(port, __uuidof(__CKespCOMPort3), [&](DISPID event, EventArguments arguments) {

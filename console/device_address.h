@@ -7,7 +7,8 @@
 
 namespace kesp::console {
 
-// As ParseAddress, but "gpib:" without a primary address is a mistake.
+// As ParseAddress, but "gpib:" without a primary address is a mistake, and so is a controller to which the
+// library sends nothing (UsageError).
 Address ParseDeviceAddress(std::string_view text);
 
 }  // namespace kesp::console

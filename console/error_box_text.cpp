@@ -10,7 +10,7 @@ LibraryError ErrorOfBox(std::string_view text) {
   static const std::regex form(R"(Error: (-?\d+) - ([^\r\n]*)(?:\r?\n\(([^\r\n]*)\))?)");
   std::match_results<std::string_view::const_iterator> found;
   if (!std::regex_search(text.begin(), text.end(), found, form)) return {"", "", std::string(text)};
-  return {found.str(1), found.str(3), found.str(2)};
+  return {"error " + found.str(1), found.str(3), found.str(2)};
 }
 
 }  // namespace kesp::console

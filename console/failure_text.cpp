@@ -4,9 +4,9 @@
 namespace kesp::console {
 
 std::string FailureText(const LibraryError& error) {
-  std::string text = std::string(error.what()) + " (" + error.status();
-  if (!error.source().empty()) text += ", " + error.source();
-  return text + ")";
+  std::string details = error.status();
+  if (!error.source().empty()) details += (details.empty() ? "" : ", ") + error.source();
+  return error.what() + (details.empty() ? "" : " (" + details + ")");
 }
 
 }  // namespace kesp::console

@@ -3,6 +3,7 @@
 
 #include <string_view>
 
+#include "console/counted.h"
 #include "console/port_hint.h"
 
 namespace kesp::console {
@@ -10,40 +11,54 @@ namespace {
 
 constexpr int kUsualTimeoutMs = 3000;
 
-// "17 bytes", "1 byte"
-std::string Counted(std::int64_t bytes) {
-  return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
-}
-
 std::string SilenceHint(const LibraryError& error, const TcpAddress& address) {
-  if (!error.received) return "";
   if (*error.received == 0)
     return "Nothing was received: the instrument may not know the command, or take longer (--timeout).";
   const std::string end = address.eos.empty() ? "13" : std::to_string(address.eos.back());
-  return Counted(*error.received) + " came without the end character " + end +
+  return Counted(*error.received, "byte") + " came without the end character " + end +
          ": \",eos=CODE\" behind the address names another one, \",any\" takes what comes.";
 }
 
-std::string SilenceHint(const LibraryError& error, const std::string& port) {
-  if (!error.received) return "";
+// What stands behind the port, and the port alone; nothing of an address of another kind.
+struct Line {
+  const LineOptions& options;
+  std::string port;
+};
+std::optional<Line> LineOf(const Address& address) {
+  if (const auto* com = std::get_if<ComAddress>(&address))
+    return Line{com->line, TextOf(ComAddress{.port = com->port})};
+  if (const auto* usb = std::get_if<UsbAddress>(&address))
+    return Line{usb->line, TextOf(UsbAddress{.serial = usb->serial})};
+  return std::nullopt;
+}
+
+std::string SilenceHint(const LibraryError& error, const Line& line) {
   if (*error.received == 0)
-    return "Nothing was received: \"kesp detect " + port + "\" looks for the bit rate.";
-  return Counted(*error.received) + " came without a line feed, the last were " + error.last_received +
-         ": \"kesp detect " + port + "\" tells whether the bit rate is right.";
+    return "Nothing was received: \"kesp detect " + line.port + "\" looks for the bit rate.";
+  const std::string end = line.options.cr ? " came without a carriage return, the last were "
+                                          : " came without a line feed, the last were ";
+  return Counted(*error.received, "byte") + end + error.last_received + ": \"kesp detect " + line.port +
+         "\" tells whether the bit rate is right.";
 }
 
 std::string TimeoutHint(const LibraryError& error, const Address& address) {
+  if (!error.received) return "";
   if (const auto* tcp = std::get_if<TcpAddress>(&address)) return SilenceHint(error, *tcp);
-  if (const auto* com = std::get_if<ComAddress>(&address))
-    return SilenceHint(error, TextOf(ComAddress{.port = com->port}));
-  if (const auto* usb = std::get_if<UsbAddress>(&address))
-    return SilenceHint(error, TextOf(UsbAddress{.serial = usb->serial}));
-  return "";
+  const auto line = LineOf(address);
+  return line ? SilenceHint(error, *line) : "";
+}
+
+std::string NoTextHint(const Address& address) {
+  const std::string hint = "The reply has bytes that are no text: --hex, or :hex in the terminal, shows them";
+  const auto line = LineOf(address);
+  return line ? hint + "; \"kesp detect " + line->port + "\" tells whether the bit rate is right."
+              : hint + ".";
 }
 
 }  // namespace
 
 std::string HintFor(const LibraryError& error, const Address& address) {
+  if (std::string_view(error.what()).starts_with("Invalid characters received")) return NoTextHint(address);
   const bool is_gpib = std::holds_alternative<GpibAddress>(address);
   if (error.status() == "cfrTimeout" && error.what() != std::string_view("Port already open"))
     return TimeoutHint(error, address);
@@ -57,10 +72,11 @@ std::string HintFor(const LibraryError& error, const Address& address) {
   return PortHint(error);
 }
 
-std::string LoneReturnHint(const Address& address, std::optional<int> timeout_ms, double seconds) {
-  const auto* com = std::get_if<ComAddress>(&address);
-  if (com == nullptr || com->line.cr || com->line.modem || com->line.precidia) return "";
-  if (seconds * 1000 < timeout_ms.value_or(kUsualTimeoutMs)) return "";
+std::string LoneReturnHint(const Address& address, std::optional<int> timeout_ms,
+                           std::optional<std::chrono::milliseconds> waited) {
+  const auto line = LineOf(address);
+  if (!line || line->options.cr || line->options.modem || line->options.precidia) return "";
+  if (!waited || waited->count() < timeout_ms.value_or(kUsualTimeoutMs)) return "";
   return "no line feed came, a lone carriage return ended the data when the time was up: add \",cr\" to the "
          "address";
 }

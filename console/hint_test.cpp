@@ -31,9 +31,10 @@ TEST(HintFor, TimeoutAtAPort_TellsWhatCameLast) {
   EXPECT_EQ(Hint(Timeout(0), "com3@9600,8N1"),
             "Nothing was received: \"kesp detect com3\" looks for the bit rate.");
   EXPECT_EQ(
-      Hint(Timeout(17, "80 0A"), "usb:A1,cr"),
+      Hint(Timeout(17, "80 0A"), "usb:A1"),
       "17 bytes came without a line feed, the last were 80 0A: \"kesp detect usb:A1\" tells whether the bit "
       "rate is right.");
+  EXPECT_EQ(Hint(Timeout(2, "80 0A"), "com3,cr").find("2 bytes came without a carriage return,"), 0U);
   EXPECT_EQ(Hint(Timeout(std::nullopt), "com3"), "");
 }
 
@@ -47,15 +48,27 @@ TEST(HintFor, OtherFailures_ByTransportAndStatus) {
   EXPECT_EQ(Hint(LibraryError("cfrInvalidData", "", ""), "com3"), "");
 }
 
+TEST(HintFor, BytesThatAreNoText_CanBeShown) {
+  const LibraryError error("cfrReadFailed", "", "Invalid characters received on COM3.");
+  EXPECT_EQ(Hint(error, "tcp:a"),
+            "The reply has bytes that are no text: --hex, or :hex in the terminal, shows them.");
+  EXPECT_EQ(Hint(error, "com3@9600"),
+            "The reply has bytes that are no text: --hex, or :hex in the terminal, shows them; \"kesp detect "
+            "com3\" tells whether the bit rate is right.");
+}
+
 TEST(LoneReturnHint, ReplyThatTookTheWholeTimeout_NeedsTheOption) {
-  const auto hint = [](const char* address, std::optional<int> timeout_ms, double seconds) {
-    return LoneReturnHint(ParseAddress(address), timeout_ms, seconds);
+  const auto hint = [](const char* address, std::optional<int> timeout_ms, std::optional<int> waited_ms) {
+    std::optional<std::chrono::milliseconds> waited;
+    if (waited_ms) waited = std::chrono::milliseconds(*waited_ms);
+    return LoneReturnHint(ParseAddress(address), timeout_ms, waited);
   };
-  EXPECT_NE(hint("com3", std::nullopt, 3.0), "");
-  EXPECT_EQ(hint("com3", std::nullopt, 2.9), "");
-  EXPECT_NE(hint("com3", 500, 0.51), "");
-  for (const char* address : {"com3,cr", "com3,modem=1", "com3,precidia", "tcp:a", "gpib:5"})
-    EXPECT_EQ(hint(address, 500, 0.51), "") << address;
+  EXPECT_NE(hint("com3", std::nullopt, 3000), "");
+  EXPECT_EQ(hint("com3", std::nullopt, 2999), "");
+  EXPECT_NE(hint("usb:A1", 500, 510), "");
+  EXPECT_EQ(hint("com3", 500, std::nullopt), "");
+  for (const char* address : {"com3,cr", "com3,modem=1", "com3,precidia", "usb:A1,cr", "tcp:a", "gpib:5"})
+    EXPECT_EQ(hint(address, 500, 510), "") << address;
 }
 
 }  // namespace

@@ -20,6 +20,8 @@ namespace {
 
 // Of the events of CKespTCP.
 constexpr DISPID kDataArrivalBegin = 7;
+// Of those of CKespCOMPort3.
+constexpr DISPID kReadBegin = 8;
 // How many of the last bytes of an unfinished reply a hint shows.
 constexpr std::size_t kLastShown = 4;
 
@@ -59,6 +61,7 @@ std::unique_ptr<TransportSettings> Apply(_CKespCommObj* comm, const Address& add
 InstrumentWin::InstrumentWin(ComPtr<_CKespCommObj> comm, const Address& address, const Tuning& tuning)
     : comm_(std::move(comm)), asked_(address), settings_(Apply(comm_.Get(), address)) {
   if (tuning.timeout_ms) settings_->SetTimeout(*tuning.timeout_ms);
+  if (tuning.gap_ms) Check(comm_->put_BinaryTimeoutms(*tuning.gap_ms));
   if (tuning.crlf_as_is) settings_->LeaveLineEnds();
   if (const auto* com = std::get_if<ComAddress>(&address)) {
     omega_ = com->line.omega.value_or("");
@@ -72,25 +75,37 @@ InstrumentWin::InstrumentWin(ComPtr<_CKespCommObj> comm, const Address& address,
 std::string InstrumentWin::Query(const std::string& cmd) {
   ComText reply;
   VARIANT_BOOL succeeded = VARIANT_FALSE;
-  std::int64_t arrived = 0;
-  const auto arrivals = CountArrivals(arrived);
+  Heard heard;
+  const auto events = Hear(heard);
+  settings_->Expect(TransportSettings::Reply::kText);
   const HRESULT result =
       comm_->Query(reply.out(), ComText(cmd).get(), ComText(omega_).get(), nullptr, &succeeded);
+  // The library counts the timeout on the same counter.
+  waited_.reset();
+  if (heard.reading_began) waited_ = std::chrono::milliseconds(GetTickCount64() - *heard.reading_began);
   try {
     Judge(result, succeeded);
   } catch (LibraryError& error) {
-    NoteReceived(error, arrived, reply);
+    NoteReceived(error, heard.arrived, reply);
     throw;
   }
   return reply.str();
 }
 
-std::unique_ptr<EventConnection> InstrumentWin::CountArrivals(std::int64_t& arrived) {
-  if (!std::holds_alternative<TcpAddress>(asked_)) return nullptr;
-  return std::make_unique<EventConnection>(InUse<_CKespTCP>().Get(), __uuidof(__CKespTCP),
-                                           [&arrived](DISPID event, EventArguments arguments) {
-                                             if (event == kDataArrivalBegin) arrived = arguments.Number(0);
-                                           });
+std::unique_ptr<EventConnection> InstrumentWin::Hear(Heard& heard) {
+  if (std::holds_alternative<TcpAddress>(asked_))
+    return std::make_unique<EventConnection>(InUse<_CKespTCP>().Get(), __uuidof(__CKespTCP),
+                                             [&heard](DISPID event, EventArguments arguments) {
+                                               if (event == kDataArrivalBegin)
+                                                 heard.arrived = arguments.Number(0);
+                                             });
+  if (std::holds_alternative<ComAddress>(asked_))
+    return std::make_unique<EventConnection>(InUse<_CKespCOMPort3>().Get(), __uuidof(__CKespCOMPort3),
+                                             [&heard](DISPID event, EventArguments) {
+                                               if (event == kReadBegin)
+                                                 heard.reading_began = GetTickCount64();
+                                             });
+  return nullptr;
 }
 
 // At a COM port the library leaves what came in place of the reply.
@@ -105,17 +120,28 @@ void InstrumentWin::NoteReceived(LibraryError& error, std::int64_t arrived, cons
 std::string InstrumentWin::QueryBinary(const std::string& cmd) {
   ComValue reply;
   VARIANT_BOOL succeeded = VARIANT_FALSE;
+  settings_->Expect(TransportSettings::Reply::kBytes);
+  Heard heard;
+  const auto events = Hear(heard);
+  waited_.reset();
   // A COM port that fails in the middle is told in a box, and not by the status.
   const BoxCatcher boxes;
   const HRESULT result =
       comm_->QueryBinary(reply.out(), ComText(cmd).get(), ComText(omega_).get(), nullptr, &succeeded);
   if (boxes.caught()) Forsake(*boxes.caught());
-  Judge(result, succeeded);
+  try {
+    Judge(result, succeeded);
+  } catch (LibraryError& error) {
+    // Bytes that came and did not fall silent in time lack no end character.
+    if (heard.arrived == 0 || settings_->EndsBytes()) error.received = heard.arrived;
+    throw;
+  }
   return reply.Bytes();
 }
 
 void InstrumentWin::Update(const std::string& cmd) {
   VARIANT_BOOL succeeded = VARIANT_FALSE;
+  waited_.reset();
   const HRESULT result = comm_->Update(ComText(cmd).get(), ComText(omega_).get(), nullptr, &succeeded);
   Judge(result, succeeded);
 }

@@ -21,13 +21,19 @@ class InstrumentWin : public Instrument {
   bool Edit() override;
   Address address() override { return settings_->Read(); }
   void SetTimeout(int milliseconds) override { settings_->SetTimeout(milliseconds); }
+  std::optional<std::chrono::milliseconds> waited() const override { return waited_; }
 
  private:
   // The transport in use.
   template <class Transport>
   ComPtr<Transport> InUse();
-  // Counts the bytes of a reply over TCP/IP while the result lives; null with the other transports.
-  std::unique_ptr<EventConnection> CountArrivals(std::int64_t& arrived);
+  // What the events of a query tell.
+  struct Heard {
+    std::int64_t arrived = 0;                  // bytes of the reply, over TCP/IP
+    std::optional<ULONGLONG> reading_began{};  // at a COM port
+  };
+  // Notes it while the result lives; null on the GPIB.
+  std::unique_ptr<EventConnection> Hear(Heard& heard);
   void NoteReceived(LibraryError& error, std::int64_t arrived, const ComText& reply) const;
   // Throws what the operation has left as its status, unless it returned True.
   void Judge(HRESULT result, VARIANT_BOOL succeeded);
@@ -40,6 +46,7 @@ class InstrumentWin : public Instrument {
   std::unique_ptr<TransportSettings> settings_;
   std::string omega_;  // the address of an Omega controller, which goes with each command
   bool closes_after_failure_ = false;
+  std::optional<std::chrono::milliseconds> waited_;
 };
 
 // Has the communication object write its trace into that file; nothing for an empty name. Throws

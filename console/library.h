@@ -2,6 +2,7 @@
 // transports.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -46,9 +47,10 @@ class NoLibrary : public LibraryError {
 struct Tuning {
   std::optional<int>
       timeout_ms;  // TimeOutmSecs, TimeOut, or the next longer TimeOutSecs; nothing: as the library has it
-  bool crlf_as_is = false;  // StripCRLF False
-  bool keep_open = false;   // AutoClose False; a port that has failed is opened anew
-  std::string trace;        // DebugFilename with Debugging True; empty: none
+  std::optional<int> gap_ms;  // BinaryTimeoutms
+  bool crlf_as_is = false;    // StripCRLF False
+  bool keep_open = false;     // AutoClose False; a port that has failed is opened anew
+  std::string trace;          // DebugFilename with Debugging True; empty: none
 };
 
 // One step of a detection. Returns false to set Abort.
@@ -60,7 +62,8 @@ struct DetectionStep {
 };
 using OnDetectionStep = std::function<bool(const DetectionStep&)>;
 
-// So many characters have been received. Returns false to set Abort.
+// So many characters have been received; told at each part, and from time to time. Returns false to set
+// Abort.
 using OnTransfer = std::function<bool(std::int64_t received)>;
 
 // A long transfer, to its end or as far as it came.
@@ -88,6 +91,9 @@ class Instrument {
   // The settings as they are now, after a detection or the dialog too.
   virtual Address address() = 0;
   virtual void SetTimeout(int milliseconds) = 0;
+  // How long the reply of the last Query took, from when its command had been sent; nothing where that is not
+  // known.
+  virtual std::optional<std::chrono::milliseconds> waited() const = 0;
 };
 
 struct FoundInstrument {

@@ -44,7 +44,10 @@ class InstrumentFake : public Instrument {
 
   void SetTimeout(int milliseconds) override {
     library_.calls.push_back("SetTimeout " + std::to_string(milliseconds));
+    if (library_.set_timeout_fails) library_.set_timeout_fails();
   }
+
+  std::optional<std::chrono::milliseconds> waited() const override { return library_.waited; }
 
  private:
   void Begin(const std::string& member, const std::string& cmd) {

@@ -29,7 +29,10 @@ class LibraryFake : public Library {
   std::vector<std::string> calls;
   std::vector<Tuning> tunings;  // of each At
   std::optional<LibraryError> at_fails;
+  std::function<void()> set_timeout_fails;  // throws
   std::function<void()> on_exchange;  // in each Query, QueryBinary and Update: to let time pass, for example
+
+  std::optional<std::chrono::milliseconds> waited;  // for the reply of each Query
 
   std::vector<DetectionStep> steps;             // of Detect and Discover
   std::optional<std::string> detected;          // the answer of Detect

@@ -34,6 +34,11 @@ void DescribeTalk(CLI::App& app, TalkOptions& talk, const char* timeout = kOfARe
       ->type_name("FILE");
 }
 
+void DescribeGap(CLI::App& app, std::optional<int>& gap_ms) {
+  AddDuration(app, "--gap", "The silence that ends a reply of bytes, 100 ms if not said",
+              [&gap_ms](int milliseconds) { gap_ms = milliseconds; });
+}
+
 void DescribeCommands(CLI::App& app, std::vector<std::string>& commands) {
   app.add_option("CMD", commands, "What is sent, one after the other")->type_name("")->required();
 }
@@ -46,6 +51,7 @@ void DescribeQuery(CLI::App& app, QueryOptions& options) {
       app.add_option("--binary", options.binary, "Read bytes in place of text, and write them into this file")
           ->type_name("FILE");
   auto* hex = app.add_flag("--hex", options.hex, "Read bytes in place of text, and show them in hexadecimal");
+  DescribeGap(app, options.gap_ms);
   auto* json = app.add_flag("--json", options.json, "One JSON object for each reply");
   auto* csv = app.add_flag("--csv", options.csv, "Comma-separated values, a line for each round");
   binary->excludes(hex)->excludes(csv);
@@ -98,6 +104,7 @@ void Describe(CLI::App& app, SendOptions& options) {
 void Describe(CLI::App& app, TerminalOptions& options) {
   app.footer(kMoreOfTerminal);
   DescribeTalk(app, options.talk);
+  DescribeGap(app, options.gap_ms);
 }
 
 void Describe(CLI::App& app, PortsOptions& options) {
@@ -150,6 +157,22 @@ void Describe(CLI::App& app, DoctorOptions& options) {
   app.add_flag("--this-width-only", options.this_width_only, "Do not ask the kesp.exe of the other width");
 }
 
+// The parser would take "[A,B]" for a list of A and B. With this behind it, it is a word like any other.
+constexpr char kNoList = '\x1E';
+
+void MarkWordsInBrackets(std::vector<std::string>& arguments) {
+  for (std::string& each : arguments)
+    if (each.starts_with('[') && each.ends_with(']')) each += kNoList;
+}
+
+void TakeMarksAway(CLI::App& app) {
+  const auto take_away = [](std::string& value) {
+    if (value.ends_with(kNoList)) value.pop_back();
+    return std::string();
+  };
+  for (CLI::Option* option : app.get_options({})) option->transform(CLI::Validator(take_away, ""));
+}
+
 template <class Command>
 void Add(CLI::App& app, Options& options, const char* name, const char* about) {
   CLI::App& added = *app.add_subcommand(name, about);
@@ -158,6 +181,7 @@ void Add(CLI::App& app, Options& options, const char* name, const char* about) {
   // Where the parser stores them, until this command is the one.
   auto own = std::make_shared<Command>();
   Describe(added, *own);
+  TakeMarksAway(added);
   added.callback([&options, own] { options.command = *own; });
 }
 
@@ -209,6 +233,7 @@ ParsedOptions ParseOptions(std::vector<std::string> arguments) {
   if (arguments.empty()) return Refused(app.help());
   if (const std::string* word = NoCommand(app, arguments))
     return Refused("\"" + *word + "\" is not a command; \"kesp --help\" lists them\n");
+  MarkWordsInBrackets(arguments);
   // The parser takes its arguments from the back.
   std::reverse(arguments.begin(), arguments.end());
   try {

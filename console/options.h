@@ -30,8 +30,9 @@ struct QueryOptions {
   bool json = false;
   bool csv = false;
   bool crlf_as_is = false;
-  int repeat = 1;    // 0: until Ctrl-C
-  int every_ms = 0;  // from one round to the next
+  std::optional<int> gap_ms;  // the silence that ends a reply of bytes
+  std::optional<int> repeat;  // 0: until Ctrl-C; nothing: once, without the time
+  int every_ms = 0;           // from one round to the next
 };
 
 struct SendOptions {
@@ -41,6 +42,7 @@ struct SendOptions {
 
 struct TerminalOptions {
   TalkOptions talk;
+  std::optional<int> gap_ms;  // as of a query
 };
 
 struct DetectOptions {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+
 namespace kesp::console {
 namespace {
 
@@ -26,6 +27,20 @@ TEST(ParseOptions, Query_TakesWhatIsSaid) {
   EXPECT_EQ(query.every_ms, 250);
   EXPECT_TRUE(query.csv);
   EXPECT_FALSE(query.json || query.hex || query.crlf_as_is);
+}
+
+TEST(ParseOptions, WordInBrackets_IsNoList) {
+  for (const char* command : {"query", "send"}) {
+    const ParsedOptions parsed = ParseOptions({command, "[com3,com4]", "[A,B]", "[]", "C"});
+    ASSERT_TRUE(parsed.options) << parsed.error;
+    const auto* send = std::get_if<SendOptions>(&parsed.options->command);
+    const auto* query = std::get_if<QueryOptions>(&parsed.options->command);
+    EXPECT_EQ((send ? send->talk : query->talk).address, "[com3,com4]");
+    EXPECT_EQ(send ? send->commands : query->commands, (std::vector<std::string>{"[A,B]", "[]", "C"}));
+  }
+  const auto log = Parsed<LogOptions>({"log", "[a,b].log", "--as-device", "[c,d].json"});
+  EXPECT_EQ(log.file + log.as_device, "[a,b].log[c,d].json");
+  EXPECT_EQ(Parsed<DownloadOptions>({"download", "com3", "f", "--command", "[A,B]"}).command, "[A,B]");
 }
 
 TEST(ParseOptions, Registered_StandsBeforeAndBehindTheCommand) {
@@ -71,6 +86,13 @@ TEST(ParseOptions, HelpAndVersion_SucceedWithAText) {
     EXPECT_EQ(parsed.exit_code, kExitDone);
     for (const std::string& text : texts) EXPECT_NE(parsed.output.find(text), std::string::npos) << text;
   }
+}
+
+TEST(ParseOptions, Help_ShowsAllOptionsOfAddresses) {
+  const std::string help = ParseOptions({"--help"}).output;
+  for (const char* option :
+       {",eos=", ",eos=13+10", ",any", ",omega=", ",modem=", ",switch=", ",ir", ",cr", ",noclear", "usb:"})
+    EXPECT_NE(help.find(option), std::string::npos) << option;
 }
 
 TEST(ParseOptions, Mistakes_AreRefusedWithAMessage) {

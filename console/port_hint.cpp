@@ -8,25 +8,28 @@ namespace kesp::console {
 namespace {
 
 struct Hint {
+  std::string_view source;  // with what it begins; empty: any
   std::string_view description;
   const char* text;
 };
 
 constexpr Hint kHints[] = {
-    {"Error reading comm device",
+    {"CKespCOMPort3 - OpenPort()", "The device is not open",
+     "The port cannot be opened: \"kesp ports\" tells whose it is; plug its adapter in again."},
+    {"", "Error reading comm device",
      "The port gives nothing any more: plug the adapter in again, and send the command again."},
-    {"The device is not open",
+    {"", "The device is not open",
      "The port takes nothing any more: plug the adapter in again, and send the command again."},
-    {"Invalid port number",
+    {"", "Invalid port number",
      "There is no such port now: plug the adapter in again; \"kesp ports\" lists those that there are."},
-    {"Port already open", "Another program holds the port: close it there."},
+    {"", "Port already open", "Another program holds the port: close it there."},
 };
 
 }  // namespace
 
 std::string PortHint(const LibraryError& error) {
   for (const Hint& hint : kHints)
-    if (hint.description == error.what()) return hint.text;
+    if (hint.description == error.what() && error.source().starts_with(hint.source)) return hint.text;
   return "";
 }
 

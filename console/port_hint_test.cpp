@@ -16,6 +16,14 @@ TEST(PortHint, ThePortFailed_OneSentence) {
   EXPECT_EQ(HintOf("Port already open"), "Another program holds the port: close it there.");
 }
 
+TEST(PortHint, ThePortCannotBeOpened_NotToldAsOneThatWasPulled) {
+  EXPECT_EQ(HintOf("The device is not open").find("The port takes nothing any more"), 0U);
+  EXPECT_EQ(PortHint(LibraryError("cfrOtherError", "CKespCOMPort3 - OpenPort() [commCOMControl]",
+                                  "The device is not open"))
+                .find("The port cannot be opened"),
+            0U);
+}
+
 TEST(PortHint, AnythingElse_None) {
   EXPECT_EQ(HintOf("Timeout"), "");
 }

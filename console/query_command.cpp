@@ -1,6 +1,7 @@
 // "kesp query": commands and their replies.
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "console/commands.h"
 #include "console/device_address.h"
@@ -30,9 +31,12 @@ class Querying {
         on_gpib_(std::holds_alternative<GpibAddress>(address_)) {
     if (on_gpib_ && (options.hex || !options.binary.empty()))
       throw UsageError("on the GPIB the library reads text only: leave out --hex and --binary");
+    if (options.gap_ms && !options.hex && options.binary.empty())
+      throw UsageError("a text reply ends with its end character: --gap is for --hex and --binary");
     Tuning tuning;
+    tuning.gap_ms = options.gap_ms;
     tuning.crlf_as_is = options.crlf_as_is;
-    tuning.keep_open = options.repeat != 1 || options.commands.size() > 1;
+    tuning.keep_open = (options.repeat && options.repeat != 1) || options.commands.size() > 1;
     instrument_ = InstrumentAt(options.talk, around, tuning);
   }
 
@@ -44,8 +48,12 @@ class Querying {
     for (const std::string& command : options_.commands) {
       const Reply reply = Ask(command, time);
       output->Add(reply);
-      if (reply.failure) throw LibraryError(*reply.failure);
-      if (!options_.hex) TellOfLoneReturn(reply);
+      if (reply.failure) {
+        // The replies that a table has got are not lost.
+        if (&command != &options_.commands.front()) output->EndRound();
+        throw LibraryError(*reply.failure);
+      }
+      TellOfLoneReturn();
     }
     output->EndRound();
     return kExitDone;
@@ -69,11 +77,13 @@ class Querying {
   }
 
   int IntoFile() {
+    console_.SetOnInterrupt(Console::OnInterrupt::kEnd);
     PartFile file(options_.binary);
     std::string bytes;
     for (const std::string& command : options_.commands) {
-      bytes += BytesOf(command);
-      if (console_.Interrupted() && &command != &options_.commands.back()) return kExitInterrupted;
+      // What Ctrl-C or a failure leaves of it.
+      if (!bytes.empty()) file.Keep(bytes);
+      bytes += BytesOf(command, file, bytes);
     }
     file.Complete(bytes);
     if (options_.json) console_.Write(Saved(bytes.size()) + "\n");
@@ -81,11 +91,11 @@ class Querying {
   }
 
  private:
-  std::string BytesOf(const std::string& command) {
+  std::string BytesOf(const std::string& command, PartFile& file, const std::string& before) {
     try {
       return instrument_->QueryBinary(command);
-    } catch (LibraryError& error) {
-      error.hint = HintFor(error, address_);
+    } catch (const LibraryError&) {
+      if (!before.empty()) console_.WriteError("kesp: " + file.KeepAndTell(before) + "\n");
       throw;
     }
   }
@@ -112,16 +122,20 @@ class Querying {
     for (const std::string& command : options_.commands) {
       const Reply reply = Ask(command, time);
       output.Add(reply);
-      if (!reply.failure) continue;
+      if (!reply.failure) {
+        TellOfLoneReturn();
+        continue;
+      }
       ++failed_;
       console_.WriteError("kesp: " + time + " " + command + ": " + FailureText(*reply.failure) + "\n");
+      TellHint(reply.failure->hint);
     }
     output.EndRound();
   }
 
   void ShowProgress(int done) {
     std::string text = std::to_string(done);
-    if (options_.repeat != kUntilInterrupted) text += " of " + std::to_string(options_.repeat);
+    if (options_.repeat != kUntilInterrupted) text += " of " + std::to_string(*options_.repeat);
     if (failed_ > 0) text += ", " + std::to_string(failed_) + " failed";
     console_.ShowProgress(text);
   }
@@ -132,10 +146,14 @@ class Querying {
     console_.WriteError("kesp: the library reads 50 characters of a reply on the GPIB; there may be more\n");
   }
 
-  // The library waits for a line feed that does not come, and takes what is there when the time is up.
-  void TellOfLoneReturn(const Reply& reply) {
-    const std::string hint = LoneReturnHint(address_, options_.talk.timeout_ms, reply.seconds);
-    if (!hint.empty()) console_.WriteError("kesp: " + hint + "\n");
+  // Each once, however many rounds there are.
+  void TellHint(const std::string& hint) {
+    if (!hint.empty() && told_hints_.insert(hint).second) console_.WriteError("  " + hint + "\n");
+  }
+
+  void TellOfLoneReturn() {
+    const std::string hint = LoneReturnHint(address_, options_.talk.timeout_ms, instrument_->waited());
+    if (!hint.empty() && told_hints_.insert(hint).second) console_.WriteError("kesp: " + hint + "\n");
   }
 
   std::string Saved(std::size_t size) const {
@@ -153,6 +171,7 @@ class Querying {
   bool on_gpib_;
   std::unique_ptr<Instrument> instrument_;
   int failed_ = 0;
+  std::set<std::string> told_hints_;
 };
 
 }  // namespace
@@ -160,7 +179,7 @@ class Querying {
 int Run(const QueryOptions& options, Surroundings& around) {
   Querying querying(options, around);
   if (!options.binary.empty()) return querying.IntoFile();
-  return options.repeat == 1 ? querying.Once() : querying.Repeatedly();
+  return options.repeat ? querying.Repeatedly() : querying.Once();
 }
 
 }  // namespace kesp::console

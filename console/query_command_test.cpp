@@ -73,7 +73,7 @@ TEST_F(QueryCommand, FailureOfAKnownKind_ComesWithAHint) {
 
 TEST_F(QueryCommand, ReplyThatALoneReturnEnded_ComesWithAHint) {
   options_.talk.address = "com3";
-  library_.on_exchange = [this] { clock_.Advance(milliseconds(3001)); };
+  library_.waited = milliseconds(3001);
   EXPECT_EQ(Query(), kExitDone);
   EXPECT_EQ(console_.output, "KESP,7100,SIM00001,1.0\n");
   EXPECT_EQ(console_.error,
@@ -139,6 +139,24 @@ TEST_F(QueryCommand, OnTheGpib_BytesAndSearchesAreRefused) {
   EXPECT_TRUE(library_.calls.empty());
 }
 
+TEST_F(QueryCommand, ControllerThatGetsNothing_Refused) {
+  for (const char* address : {"com3,precidia", "usb:A1,precidia"}) {
+    options_.talk.address = address;
+    EXPECT_EQ(Query(), kExitUsage);
+  }
+  EXPECT_THAT(console_.error, testing::HasSubstr("the library sends nothing to a controller"));
+}
+
+TEST_F(QueryCommand, Gap_IsForBytes) {
+  options_.gap_ms = 500;
+  EXPECT_EQ(Query(), kExitUsage);
+  EXPECT_EQ(console_.error,
+            "kesp: a text reply ends with its end character: --gap is for --hex and --binary\n");
+  options_.hex = true;
+  EXPECT_EQ(Query(), kExitDone);
+  EXPECT_EQ(library_.tunings.back().gap_ms, 500);
+}
+
 TEST_F(QueryCommand, Hex_ShowsTheBytes) {
   options_.hex = true;
   options_.commands = {"B?"};
@@ -183,6 +201,13 @@ TEST_F(QueryCommand, Csv_IsALineForTheRoundBelowTheCommands) {
   EXPECT_EQ(console_.output,
             "*IDN?,\"say \"\"a,b\"\"\",t\r\n"
             "\"KESP,7100,SIM00001,1.0\",\"a \"\"b\"\"\",21.5\r\n");
+}
+
+TEST_F(QueryCommand, CsvOfAFailure_KeepsWhatCameBefore) {
+  options_.csv = true;
+  options_.commands = {"*IDN?", "X?", "*IDN?"};
+  EXPECT_EQ(Query(), kExitFailed);
+  EXPECT_EQ(console_.output, "*IDN?,X?,*IDN?\r\n\"KESP,7100,SIM00001,1.0\",,\r\n");
 }
 
 class RepeatedQuery : public QueryCommand {
@@ -241,6 +266,24 @@ TEST_F(RepeatedQuery, FailingRound_IsToldAndTheOthersGoOn) {
             "2026-11-22T14:05:11.000,21.3,3\r\n");
   EXPECT_EQ(console_.error, "kesp: 2026-11-22T14:05:10.000 F?: No connection (cfrNoConnection)\n");
   EXPECT_THAT(console_.progress, ElementsAre("1 of 3", "2 of 3, 1 failed", "3 of 3, 1 failed", ""));
+}
+
+TEST_F(RepeatedQuery, FailureOfAKnownKind_ItsHintIsToldOnce) {
+  LibraryError silence("cfrTimeout", "", "Timeout");
+  silence.received = 0;
+  options_.commands = {"t", "S?"};
+  library_.Fail("S?", silence);
+  EXPECT_EQ(Query(), kExitFailed);
+  const std::string hint = "\n  Nothing was received: ";
+  const std::size_t place = console_.error.find(hint);
+  EXPECT_NE(place, std::string::npos);
+  EXPECT_EQ(console_.error.find(hint, place + 1), std::string::npos);
+}
+
+TEST_F(RepeatedQuery, Once_HasTheTimeInFront) {
+  options_.repeat = 1;
+  EXPECT_EQ(Query(), kExitDone);
+  EXPECT_EQ(console_.output, "2026-11-22T14:05:09.000\t21.1\n");
 }
 
 TEST_F(RepeatedQuery, CtrlC_EndsItBeforeAllIsDone) {
@@ -309,12 +352,21 @@ TEST_F(QueryIntoFile, Json_TellsWhatWasSaved) {
 }
 
 TEST_F(QueryIntoFile, Failure_LeavesNoFileAndAnOldOneAlone) {
-  options_.commands = {"B?", "X?"};
+  options_.commands = {"X?"};
   EXPECT_EQ(Query(), kExitFailed);
   EXPECT_TRUE(is_empty(path_.parent_path()));
   std::ofstream(path_) << "old";
   EXPECT_EQ(Query(), kExitFailed);
   EXPECT_EQ(Content(), "old");
+}
+
+TEST_F(QueryIntoFile, FailureOfALaterCommand_KeepsWhatCameBefore) {
+  options_.commands = {"B?", "X?"};
+  EXPECT_EQ(Query(), kExitFailed);
+  EXPECT_FALSE(exists(path_));
+  EXPECT_EQ(std::filesystem::file_size(path_.string() + ".part"), 4U);
+  EXPECT_THAT(console_.error, testing::StartsWith("kesp: the 4 bytes that had come are in " + path_.string() +
+                                                  ".part\nkesp: Timeout"));
 }
 
 TEST_F(QueryIntoFile, FileThatCannotBeWritten_IsToldBeforeAnythingIsSent) {
@@ -331,12 +383,15 @@ TEST_F(QueryIntoFile, FullDisk_IsToldAndLeavesNothingBehind) {
   EXPECT_TRUE(is_empty(path_.parent_path()));
 }
 
-TEST_F(QueryIntoFile, CtrlC_EndsItBetweenCommands) {
+TEST_F(QueryIntoFile, CtrlC_EndsItAtOnceAndLeavesWhatCameBefore) {
   options_.commands = {"B?", "B?"};
-  library_.on_exchange = [this] { console_.Interrupt(); };
-  EXPECT_EQ(Query(), kExitInterrupted);
-  EXPECT_THAT(library_.calls, ElementsAre("At tcp:a", "QueryBinary B?"));
-  EXPECT_TRUE(is_empty(path_.parent_path()));
+  std::vector<bool> parts;
+  library_.on_exchange = [&] {
+    EXPECT_EQ(console_.on_interrupt, Console::OnInterrupt::kEnd);
+    parts.push_back(std::filesystem::exists(path_.string() + ".part"));
+  };
+  EXPECT_EQ(Query(), kExitDone);
+  EXPECT_THAT(parts, ElementsAre(false, true));
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ std::string WithoutLineEnd(const std::string& reply) {
 class PlainOutput : public QueryOutput {
  public:
   PlainOutput(const QueryOptions& options, Console& console)
-      : console_(console), with_time_(options.repeat != 1), as_is_(options.crlf_as_is) {}
+      : console_(console), with_time_(options.repeat), as_is_(options.crlf_as_is) {}
 
   void Add(const Reply& reply) override {
     if (reply.failure) return;
@@ -39,9 +39,10 @@ class PlainOutput : public QueryOutput {
 class CsvOutput : public QueryOutput {
  public:
   CsvOutput(const QueryOptions& options, Console& console)
-      : console_(console), with_time_(options.repeat != 1), as_is_(options.crlf_as_is) {
+      : console_(console), with_time_(options.repeat), as_is_(options.crlf_as_is) {
     std::vector<std::string> head = options.commands;
     if (with_time_) head.insert(head.begin(), "time");
+    columns_ = head.size();
     console_.Write(CsvOf(head));
   }
 
@@ -51,6 +52,8 @@ class CsvOutput : public QueryOutput {
   }
 
   void EndRound() override {
+    // What was not asked any more stays empty.
+    fields_.resize(columns_);
     console_.Write(CsvOf(fields_));
     fields_.clear();
   }
@@ -59,6 +62,7 @@ class CsvOutput : public QueryOutput {
   Console& console_;
   bool with_time_;
   bool as_is_;
+  std::size_t columns_ = 0;
   std::vector<std::string> fields_;
 };
 

@@ -1,4 +1,4 @@
-// From characters back to bytes.
+// From characters to bytes and back.
 #include "console/received_bytes_win.h"
 
 #include <windows.h>
@@ -27,7 +27,22 @@ char ByteOf(wchar_t character, UINT page) {
   return static_cast<char>(character >= kFirstStandIn ? character - kFirstStandIn : character);
 }
 
+wchar_t CharacterOf(char byte, UINT page) {
+  wchar_t character = 0;
+  const int length = MultiByteToWideChar(page, MB_ERR_INVALID_CHARS, &byte, 1, &character, 1);
+  const auto number = static_cast<unsigned char>(byte);
+  return length == 1 && ByteOf(character, page) == byte ? character : static_cast<wchar_t>(number);
+}
+
 }  // namespace
+
+std::wstring LibraryText(std::string_view bytes) {
+  const UINT page = PageOfTheLibrary();
+  std::wstring text(bytes.size(), L'\0');
+  std::transform(bytes.begin(), bytes.end(), text.begin(),
+                 [page](char byte) { return CharacterOf(byte, page); });
+  return text;
+}
 
 std::string ReceivedBytes(std::wstring_view text) {
   const UINT page = PageOfTheLibrary();

@@ -1,4 +1,4 @@
-// The bytes of a text that the library has made of them.
+// The bytes of a text of the library, and the text of bytes.
 #pragma once
 
 #include <string>
@@ -10,5 +10,7 @@ namespace kesp::console {
 // single-byte one, by Windows-1252; bytes that it leaves undefined are control characters, or begin at
 // U+F700.
 std::string ReceivedBytes(std::wstring_view text);
+// The text that the library makes of bytes, or sends as them.
+std::wstring LibraryText(std::string_view bytes);
 
 }  // namespace kesp::console

@@ -1,6 +1,5 @@
 // The settings of the TCP/IP transport.
-#include <algorithm>
-
+#include "console/received_bytes_win.h"
 #include "console/timeouts.h"
 #include "console/transport_settings_win.h"
 #include "console/wide_text_win.h"
@@ -10,28 +9,19 @@ namespace {
 
 constexpr char kCarriageReturn[] = "\r";
 
-// The library sends and compares bytes of the system's code page.
 std::string TextOfCodes(const CharacterCodes& codes) {
-  const std::string bytes(codes.begin(), codes.end());
-  const int length = static_cast<int>(bytes.size());
-  std::wstring wide(bytes.size(), L'\0');
-  wide.resize(static_cast<std::size_t>(
-      MultiByteToWideChar(CP_ACP, 0, bytes.data(), length, wide.data(), static_cast<int>(wide.size()))));
-  return ToUtf8(wide);
+  return ToUtf8(LibraryText(std::string(codes.begin(), codes.end())));
 }
 
 CharacterCodes CodesOfText(const std::string& utf8) {
-  const std::wstring wide = ToWide(utf8);
-  std::string bytes(wide.size() * 2, '\0');
-  bytes.resize(static_cast<std::size_t>(
-      WideCharToMultiByte(CP_ACP, 0, wide.data(), static_cast<int>(wide.size()), bytes.data(),
-                          static_cast<int>(bytes.size()), nullptr, nullptr)));
+  const std::string bytes = ReceivedBytes(ToWide(utf8));
   return {bytes.begin(), bytes.end()};
 }
 
 class TcpSettings : public TransportSettings {
  public:
-  TcpSettings(_CKespCommObj* comm, const TcpAddress& address) : tcp_(Use<_CKespTCP>(comm, csTCPIP)) {
+  TcpSettings(_CKespCommObj* comm, const TcpAddress& address)
+      : tcp_(Use<_CKespTCP>(comm, csTCPIP)), end_is_said_(!address.eos.empty()), any_(address.any) {
     Write(tcp_.Get(), &_CKespTCP::put_IPAddress, address.host);
     Check(tcp_->put_Port(static_cast<short>(address.port)));
     if (!address.eos.empty()) Write(tcp_.Get(), &_CKespTCP::put_EOSChar, TextOfCodes(address.eos));
@@ -48,12 +38,21 @@ class TcpSettings : public TransportSettings {
     return address;
   }
 
+  // Among bytes the usual end is one of them: silence ends those, unless the address names their end.
+  void Expect(Reply reply) override {
+    const bool at_end = reply == Reply::kText ? !any_ : EndsBytes();
+    Write(tcp_.Get(), &_CKespTCP::put_TerminateOnEOS, at_end);
+  }
+  bool EndsBytes() const override { return end_is_said_ && !any_; }
+
   void SetTimeout(int milliseconds) override { Check(tcp_->put_TimeOutmSecs(TcpTimeout(milliseconds))); }
 
   void LeaveLineEnds() override { Write(tcp_.Get(), &_CKespTCP::put_StripCRLF, false); }
 
  private:
   ComPtr<_CKespTCP> tcp_;
+  bool end_is_said_;
+  bool any_;
 };
 
 }  // namespace

@@ -2,7 +2,7 @@
 #include "console/terminal.h"
 
 #include <cstdio>
-#include <utility>
+#include <system_error>
 
 #include "console/device_address.h"
 #include "console/duration.h"
@@ -26,11 +26,14 @@ constexpr char kHelp[] =
     ":log FILE      writes what is said into a file, too; :log alone ends that\n"
     ":quit          leaves, as Ctrl-C does\n";
 
-// Ctrl-C ends the program while this lives: the library cannot be called back from a wait for a reply.
+// Ctrl-C ends the program while this lives: the library cannot be called back from a wait for a reply, nor
+// can a wait for a line that another program is to write. At the prompt it only ends the line.
 class EndsAtOnce {
  public:
   explicit EndsAtOnce(Console& console) : console_(console) { console_.SetOnInterrupt(OnInterrupt::kEnd); }
-  ~EndsAtOnce() { console_.SetOnInterrupt(OnInterrupt::kNote); }
+  ~EndsAtOnce() {
+    if (console_.IsTypedAt()) console_.SetOnInterrupt(OnInterrupt::kNote);
+  }
   EndsAtOnce(const EndsAtOnce&) = delete;
   EndsAtOnce& operator=(const EndsAtOnce&) = delete;
 
@@ -49,22 +52,35 @@ std::string InMilliseconds(std::chrono::microseconds duration) {
   return text;
 }
 
+std::unique_ptr<Instrument> InstrumentOf(const TerminalOptions& options, Surroundings& around) {
+  Tuning tuning;
+  tuning.gap_ms = options.gap_ms;
+  // From line to line; only a query for bytes opens the port anew.
+  tuning.keep_open = true;
+  return InstrumentAt(options.talk, around, tuning);
+}
+
 }  // namespace
 
-Terminal::Terminal(TalkOptions talk, Surroundings& around)
-    : talk_(std::move(talk)),
-      around_(around),
-      address_(ParseDeviceAddress(talk_.address)),
-      prompt_(TextOf(address_) + "> ") {}
+Terminal::Terminal(const TerminalOptions& options, Surroundings& around)
+    : around_(around),
+      address_(ParseDeviceAddress(options.talk.address)),
+      prompt_(TextOf(address_) + "> "),
+      timeout_ms_(options.talk.timeout_ms),
+      instrument_(InstrumentOf(options, around)) {}
 
 bool Terminal::Run() {
   if (around_.console.IsTypedAt())
     around_.console.WriteError(":help lists the words of the terminal, :quit leaves\n");
+  else
+    around_.console.SetOnInterrupt(OnInterrupt::kEnd);
   while (const auto text = around_.console.ReadLine(prompt_)) {
     const TerminalLine line = ReadTerminalLine(*text);
     if (line.kind == Kind::kQuit) break;
     try {
       Obey(line);
+    } catch (const std::system_error&) {
+      throw;  // nobody sees the replies any more
     } catch (const std::runtime_error& error) {
       Fail(error.what());
     }
@@ -104,6 +120,7 @@ void Terminal::Exchange(const TerminalLine& line) {
   std::string hint;
   try {
     said = Said(line);
+    hint = LoneReturnHint(address_, timeout_ms_, instrument_->waited());
   } catch (const LibraryError& error) {
     failure = FailureText(error);
     hint = HintFor(error, address_);
@@ -111,23 +128,22 @@ void Terminal::Exchange(const TerminalLine& line) {
   const std::string duration = InMilliseconds(around_.clock.Now() - start);
   const std::string time = around_.clock.LocalTime();
   const std::string stamp = TimeOfDay(time) + "  " + duration + "  ";
-  if (failure.empty()) {
+  if (failure.empty())
     around_.console.Write(stamp + said + "\n");
-  } else {
-    Fail(stamp + failure + (hint.empty() ? "" : "\n  " + hint));
-  }
+  else
+    Fail(stamp + failure);
+  Help(hint);
   Note(time, failure.empty() ? '<' : '!', failure.empty() ? said : failure);
 }
 
 std::string Terminal::Said(const TerminalLine& line) {
   const EndsAtOnce ends(around_.console);
-  Instrument& instrument = Opened();
   if (line.kind == Kind::kSend) {
-    instrument.Update(line.text);
+    instrument_->Update(line.text);
     return "sent";
   }
-  if (hex_) return HexadecimalOf(instrument.QueryBinary(line.text));
-  std::string reply = instrument.Query(line.text);
+  if (hex_) return HexadecimalOf(instrument_->QueryBinary(line.text));
+  std::string reply = instrument_->Query(line.text);
   // Those of the GPIB come with their line end.
   reply.erase(reply.find_last_not_of("\r\n") + 1);
   return reply;
@@ -136,9 +152,8 @@ std::string Terminal::Said(const TerminalLine& line) {
 void Terminal::SetTimeout(const std::string& duration) {
   const auto milliseconds = ReadDuration(duration);
   if (!milliseconds) return Fail("\"" + duration + "\" is not a time such as 500ms, 5000 or 2s");
-  // Counts for the instrument that is opened next, too.
-  talk_.timeout_ms = milliseconds;
-  if (instrument_) instrument_->SetTimeout(*milliseconds);
+  instrument_->SetTimeout(*milliseconds);
+  timeout_ms_ = milliseconds;
 }
 
 void Terminal::SetLog(const std::string& name) {
@@ -158,14 +173,8 @@ void Terminal::Fail(const std::string& text) {
   around_.console.WriteError(text + "\n");
 }
 
-Instrument& Terminal::Opened() {
-  if (!instrument_) {
-    Tuning tuning;
-    // An instrument that resets itself when its port is opened keeps its state from line to line.
-    tuning.keep_open = true;
-    instrument_ = InstrumentAt(talk_, around_, tuning);
-  }
-  return *instrument_;
+void Terminal::Help(const std::string& hint) {
+  if (!hint.empty()) around_.console.WriteError("  " + hint + "\n");
 }
 
 }  // namespace kesp::console

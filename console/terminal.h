@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "console/conversation_log.h"
@@ -13,7 +14,8 @@ namespace kesp::console {
 
 class Terminal {
  public:
-  Terminal(TalkOptions talk, Surroundings& around);
+  // Opens nothing yet.
+  Terminal(const TerminalOptions& options, Surroundings& around);
 
   // Until ":quit", the end of the input or Ctrl-C. False when something failed on the way.
   bool Run();
@@ -30,13 +32,13 @@ class Terminal {
   void Note(const std::string& time, char sign, const std::string& text);
   // Tells a failure; the conversation goes on.
   void Fail(const std::string& text);
-  // The instrument, whose port stays open from line to line, and is opened anew after it has failed.
-  Instrument& Opened();
+  // What helps, on the line below a failure or a reply.
+  void Help(const std::string& hint);
 
-  TalkOptions talk_;
   Surroundings& around_;
   Address address_;
   std::string prompt_;
+  std::optional<int> timeout_ms_;
   std::unique_ptr<Instrument> instrument_;
   ConversationLog log_;
   bool hex_ = false;

@@ -5,7 +5,7 @@
 namespace kesp::console {
 
 int Run(const TerminalOptions& options, Surroundings& around) {
-  const bool done = Terminal(options.talk, around).Run();
+  const bool done = Terminal(options, around).Run();
   // Who types sees what failed, and goes on; a script's caller asks for the exit code.
   return done || around.console.IsTypedAt() ? kExitDone : kExitFailed;
 }

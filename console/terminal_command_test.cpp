@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "console/command_fixture.h"
+#include "console/usage_error.h"
 
 namespace kesp::console {
 namespace {
@@ -48,7 +49,7 @@ TEST_F(TerminalCommandTest, FromAFile_NoGreeting) {
 
 TEST_F(TerminalCommandTest, Quit_LeavesTheRest) {
   EXPECT_EQ(Talk({":QUIT", "*IDN?"}), kExitDone);
-  EXPECT_TRUE(library_.calls.empty());
+  EXPECT_EQ(library_.calls, std::vector<std::string>{"At com3"});
 }
 
 TEST_F(TerminalCommandTest, QueryFails_ToldAndTheTerminalGoesOn) {
@@ -85,9 +86,46 @@ TEST_F(TerminalCommandTest, NothingComes_ToldWhatHelps) {
       << console_.error;
 }
 
-TEST_F(TerminalCommandTest, TimeoutBeforeTheFirstCommand_Counts) {
-  Talk({":timeout 5s", "*IDN?"});
-  EXPECT_EQ(library_.tunings.back().timeout_ms, 5000);
+TEST_F(TerminalCommandTest, ALoneReturnEndedTheReply_ToldBelowIt) {
+  library_.waited = std::chrono::milliseconds(700);
+  Talk({"*IDN?"});
+  EXPECT_EQ(console_.error.find("no line feed came"), std::string::npos);
+  Talk({":timeout 500", "*IDN?"});
+  EXPECT_NE(console_.error.find("  no line feed came"), std::string::npos);
+}
+
+TEST_F(TerminalCommandTest, TimeoutThatIsRefused_ChangesNothing) {
+  library_.set_timeout_fails = [] { throw UsageError("the longest timeout is 1 s"); };
+  library_.waited = std::chrono::milliseconds(3000);
+  EXPECT_EQ(TalkFromAFile({":timeout 40s", "*IDN?"}), kExitFailed);
+  EXPECT_EQ(console_.error.find("the longest timeout is 1 s\n  no line feed came"), 0U) << console_.error;
+}
+
+TEST_F(TerminalCommandTest, TimeoutOfTheCommandLineThatIsRefused_ToldBeforeAnythingIsTyped) {
+  around_.library = []() -> Library& { throw UsageError("the longest timeout is 1 s"); };
+  EXPECT_EQ(Talk({"*IDN?"}), kExitUsage);
+  EXPECT_TRUE(console_.prompts.empty());
+}
+
+TEST_F(TerminalCommandTest, LibraryThatIsNotThere_HasACodeOfItsOwn) {
+  around_.library = []() -> Library& { throw NoLibrary("KespCommObj.dll is not there"); };
+  EXPECT_EQ(Talk({"*IDN?"}), kExitNoLibrary);
+  EXPECT_EQ(console_.error, "kesp: KespCommObj.dll is not there\n");
+}
+
+TEST_F(TerminalCommandTest, StandardOutputThatIsFull_NothingFurtherIsSent) {
+  console_.full = true;
+  EXPECT_EQ(TalkFromAFile({"*IDN?", "*IDN?"}), kExitFailed);
+  EXPECT_EQ(library_.calls, (std::vector<std::string>{"At com3", "Query *IDN?"}));
+  EXPECT_EQ(console_.error.find("kesp: standard output: No space left"), 0U);
+}
+
+TEST_F(TerminalCommandTest, ControllerThatGetsNothing_Refused) {
+  options_.talk.address = "com3,precidia";
+  EXPECT_EQ(Talk({"*IDN?"}), kExitUsage);
+  EXPECT_EQ(console_.error,
+            "kesp: the library sends nothing to a controller of the kind \"precidia\", on purpose: leave "
+            "\",precidia\" out\n");
 }
 
 TEST_F(TerminalCommandTest, Hex_ShowsBytesUntilItIsSaidAgain) {
@@ -102,7 +140,7 @@ TEST_F(TerminalCommandTest, Hex_ShowsBytesUntilItIsSaidAgain) {
 TEST_F(TerminalCommandTest, Log_HasWhatIsSaidFromThenOn) {
   const std::filesystem::path file = std::filesystem::path(testing::TempDir()) / "kesp-conversation.txt";
   std::filesystem::remove(file);
-  Talk({"*IDN?", ":log " + file.string(), "*IDN?", "NO?", ":log", "*IDN?"});
+  Talk({"*IDN?", ":log \"" + file.string() + '"', "*IDN?", "NO?", ":log", "*IDN?"});
   std::ifstream stream(file);
   EXPECT_EQ(std::string(std::istreambuf_iterator<char>(stream), {}),
             "2026-11-22T14:05:09.012 > *IDN?\n"
@@ -126,7 +164,7 @@ TEST_F(TerminalCommandTest, WordsThatAreNone_AreToldAndNothingIsSent) {
   EXPECT_EQ(console_.error,
             "\":MEAS?\" is not a word of the terminal, which :help lists; to send it, write \"::MEAS?\"\n"
             "\"soon\" is not a time such as 500ms, 5000 or 2s\n");
-  EXPECT_TRUE(library_.calls.empty());
+  EXPECT_EQ(library_.calls.size(), 1U);
 }
 
 TEST_F(TerminalCommandTest, CtrlC_LeavesAtThePromptAndEndsAWaitAtOnce) {
@@ -139,6 +177,17 @@ TEST_F(TerminalCommandTest, CtrlC_LeavesAtThePromptAndEndsAWaitAtOnce) {
   EXPECT_EQ(Talk({"*IDN?", "NO?", "*IDN?"}), kExitDone);
   using enum Console::OnInterrupt;
   EXPECT_EQ(seen, (std::vector<Console::OnInterrupt>{kNote, kEnd, kNote, kEnd, kNote}));
+}
+
+TEST_F(TerminalCommandTest, CtrlCWhileAnotherProgramIsToWriteTheNextLine_EndsAtOnce) {
+  console_.on_read = [&] { EXPECT_EQ(console_.on_interrupt, Console::OnInterrupt::kEnd); };
+  EXPECT_EQ(TalkFromAFile({"*IDN?", "*IDN?"}), kExitDone);
+}
+
+TEST_F(TerminalCommandTest, Gap_GoesToTheInstrument) {
+  options_.gap_ms = 500;
+  Talk({"*IDN?"});
+  EXPECT_EQ(library_.tunings.front().gap_ms, 500);
 }
 
 TEST_F(TerminalCommandTest, MistakeInTheAddress_ToldBeforeAnythingIsTyped) {

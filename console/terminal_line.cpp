@@ -30,6 +30,17 @@ std::string_view Trimmed(std::string_view text) {
   return text.substr(begin, text.find_last_not_of(" \t\r") - begin + 1);
 }
 
+// A name may stand in quotes, as at the command line.
+std::string_view WithoutQuotes(std::string_view text) {
+  const bool quoted = text.size() > 1 && text.starts_with('"') && text.ends_with('"');
+  return quoted ? text.substr(1, text.size() - 2) : text;
+}
+
+std::string TextBehind(Kind kind, std::string_view text) {
+  const std::string_view trimmed = Trimmed(text);
+  return std::string(kind == Kind::kLog ? WithoutQuotes(trimmed) : trimmed);
+}
+
 }  // namespace
 
 TerminalLine ReadTerminalLine(std::string_view line) {
@@ -40,7 +51,7 @@ TerminalLine ReadTerminalLine(std::string_view line) {
   const std::size_t end = std::min(text.find_first_of(" \t"), text.size());
   const std::string name = Lower(text.substr(1, end - 1));
   for (const Word& word : kWords)
-    if (word.name == name) return {word.kind, std::string(Trimmed(text.substr(end)))};
+    if (word.name == name) return {word.kind, TextBehind(word.kind, text.substr(end))};
   return {Kind::kUnknown, std::string(text.substr(0, end))};
 }
 

@@ -14,6 +14,11 @@ class TransportSettings {
   virtual ~TransportSettings() = default;
   virtual Address Read() = 0;
   virtual void SetTimeout(int milliseconds) = 0;
+  // What the next reply is.
+  enum class Reply { kText, kBytes };
+  virtual void Expect(Reply) {}
+  // Whether a character ends a reply of bytes.
+  virtual bool EndsBytes() const { return false; }
   // Leaves the line ends in replies.
   virtual void LeaveLineEnds() = 0;
 };

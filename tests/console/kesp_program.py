@@ -1,5 +1,6 @@
 """Runs kesp.exe under Wine for its tests, with simulated instruments at the other end."""
 
+import contextlib
 import os
 import pathlib
 import signal
@@ -21,10 +22,11 @@ DONE, FAILED, USAGE, NO_LIBRARY, INTERRUPTED = range(5)
 class Kesp:
     """A running kesp.exe of dist/, which has the library beside it. What it is to read is written to `input`."""
 
-    def __init__(self, bits, *arguments, program=None):
+    def __init__(self, bits, *arguments, program=None, locale=None):
         self.words = list(map(str, arguments))
         self.program = program or ROOT / "dist" / f"win{bits}" / "kesp.exe"
-        command = of_wine(f"in_wine {bits} wine {shlex.join([str(self.program), *self.words])}")
+        language = f"env LC_ALL={locale} " if locale else ""
+        command = of_wine(f"in_wine {bits} {language}wine {shlex.join([str(self.program), *self.words])}")
         # Files, because helpers that Wine starts along with it would hold pipes open for longer.
         self.files = [tempfile.TemporaryFile() for _ in range(2)]
         self.process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=self.files[0], stderr=self.files[1],
@@ -49,7 +51,8 @@ class Kesp:
     def press_ctrl_c(self):
         """Wine hands the signal on as Ctrl-C."""
         for number in self.numbers():
-            os.kill(number, signal.SIGINT)
+            with contextlib.suppress(ProcessLookupError):
+                os.kill(number, signal.SIGINT)
 
     def numbers(self):
         for entry in pathlib.Path("/proc").iterdir():
@@ -96,9 +99,9 @@ class KespCase(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
 
-    def kesp(self, *arguments, input=""):
+    def kesp(self, *arguments, input="", locale=None):
         """Exit code, standard output, standard error."""
-        program = Kesp(self.bits, *arguments)
+        program = Kesp(self.bits, *arguments, locale=locale)
         program.say(input)
         return program.end()
 
