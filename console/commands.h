@@ -18,6 +18,7 @@ int Run(const EditOptions& options, Surroundings& around);
 int Run(const LogOptions& options, Surroundings& around);
 int Run(const SnippetOptions& options, Surroundings& around);
 int Run(const DoctorOptions& options, Surroundings& around);
+int Run(const CompletionOptions& options, Surroundings& around);
 
 // Runs what was asked for. A failure becomes a message on standard error and an exit code:
 //   kesp: Timeout (cfrTimeout, [CKespTCP - ReadLine()])

@@ -83,6 +83,13 @@ inline constexpr char kMoreOfDoctor[] =
     "  kesp doctor > report.txt\n"
     "  kesp doctor --json\n";
 
+inline constexpr char kMoreOfCompletion[] =
+    "The script completes commands, options, languages and COM ports with the tab key.\n"
+    "\n"
+    "Examples:\n"
+    "  kesp completion powershell | Out-String | Invoke-Expression\n"
+    "  kesp completion powershell >> $PROFILE\n";
+
 inline constexpr char kMoreOfTerminal[] =
     "What you type is sent; what is answered is shown with the time and the duration. A line that begins "
     "with a\n"

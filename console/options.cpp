@@ -6,12 +6,15 @@
 #include <sstream>
 #include <utility>
 
+#include "console/command_words.h"
 #include "console/duration.h"
 #include "console/help_texts.h"
 #include "console/snippet_languages.h"
 
 namespace kesp::console {
 namespace {
+
+constexpr char kPowerShell[] = "powershell";
 
 // CLI11 names the option in front.
 CLI::Option* AddDuration(CLI::App& app, const char* name, const char* about, std::function<void(int)> store) {
@@ -157,6 +160,14 @@ void Describe(CLI::App& app, DoctorOptions& options) {
   app.add_flag("--this-width-only", options.this_width_only, "Do not ask the kesp.exe of the other width");
 }
 
+void Describe(CLI::App& app, CompletionOptions& options) {
+  app.footer(kMoreOfCompletion);
+  app.add_option("SHELL", options.shell, "For which shell: powershell")
+      ->type_name("")
+      ->required()
+      ->transform(CLI::IsMember({kPowerShell}, CLI::ignore_case));
+}
+
 // The parser would take "[A,B]" for a list of A and B. With this behind it, it is a word like any other.
 constexpr char kNoList = '\x1E';
 
@@ -205,6 +216,13 @@ void DescribeAll(CLI::App& app, Options& options) {
   Add<LogOptions>(app, options, "log", "Makes a trace readable, or makes a simulated device of it");
   Add<SnippetOptions>(app, options, "snippet", "Prints a program that talks to an address");
   Add<DoctorOptions>(app, options, "doctor", "Looks for all that keeps the library from working here");
+  Add<CompletionOptions>(app, options, "completion", "Prints a script that completes what you type");
+}
+
+std::vector<std::string> ValuesOf(const std::string& command) {
+  if (command == "snippet") return SnippetLanguages();
+  if (command == "completion") return {kPowerShell};
+  return {};
 }
 
 // The word that stands where the command should, and is none; otherwise null.
@@ -224,6 +242,20 @@ ParsedOptions Refused(std::string message) {
 }
 
 }  // namespace
+
+std::vector<CommandWord> CommandWords() {
+  Options options;
+  CLI::App app(kAbout, "kesp");
+  DescribeAll(app, options);
+  std::vector<CommandWord> words;
+  for (const CLI::App* command : app.get_subcommands({})) {
+    CommandWord word{command->get_name(), command->get_description(), {}, ValuesOf(command->get_name())};
+    for (const CLI::Option* option : command->get_options())
+      if (!option->get_lnames().empty()) word.options.push_back("--" + option->get_lnames().front());
+    words.push_back(std::move(word));
+  }
+  return words;
+}
 
 ParsedOptions ParseOptions(std::vector<std::string> arguments) {
   ParsedOptions parsed;

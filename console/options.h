@@ -92,9 +92,13 @@ struct DoctorOptions {
   bool this_width_only = false;  // how the kesp.exe of the other width is asked
 };
 
+struct CompletionOptions {
+  std::string shell;  // "powershell"
+};
+
 using CommandOptions =
     std::variant<QueryOptions, SendOptions, TerminalOptions, DetectOptions, DiscoverOptions, PortsOptions,
-                 DownloadOptions, EditOptions, LogOptions, SnippetOptions, DoctorOptions>;
+                 DownloadOptions, EditOptions, LogOptions, SnippetOptions, DoctorOptions, CompletionOptions>;
 
 struct Options {
   CommandOptions command;

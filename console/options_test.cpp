@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "console/command_words.h"
 
 namespace kesp::console {
 namespace {
@@ -85,6 +86,18 @@ TEST(ParseOptions, HelpAndVersion_SucceedWithAText) {
     EXPECT_FALSE(parsed.options);
     EXPECT_EQ(parsed.exit_code, kExitDone);
     for (const std::string& text : texts) EXPECT_NE(parsed.output.find(text), std::string::npos) << text;
+  }
+}
+
+TEST(ParseOptions, HelpOfEachCommand_HasTwoExamples) {
+  for (const CommandWord& command : CommandWords()) {
+    const std::string help = ParseOptions({command.name, "--help"}).output;
+    const std::size_t examples = help.find("\nExamples:\n");
+    ASSERT_NE(examples, std::string::npos) << command.name;
+    const std::string example = "\n  kesp " + command.name;
+    const std::size_t first = help.find(example, examples);
+    EXPECT_NE(first, std::string::npos) << command.name;
+    EXPECT_NE(help.find(example, first + 1), std::string::npos) << command.name;
   }
 }
 
