@@ -6,6 +6,7 @@
 #include "console/counted.h"
 #include "console/deadline.h"
 #include "console/instrument_at.h"
+#include "console/line_end.h"
 
 namespace kesp::console {
 namespace {
@@ -15,12 +16,6 @@ std::string ProgressLine(const DetectionStep& step) {
   std::string line = step.where + ", " + step.command + " \u2026 " + std::to_string(step.number);
   if (step.of > 0) line += " of " + std::to_string(step.of);
   return line;
-}
-
-// Replies of the GPIB come with their line ends.
-std::string WithoutLineEnd(std::string text) {
-  text.erase(text.find_last_not_of("\r\n") + 1);
-  return text;
 }
 
 std::string Found(const DetectOptions& options, const std::string& address, const std::string& answer) {

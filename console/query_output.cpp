@@ -6,14 +6,10 @@
 #include <vector>
 
 #include "console/csv.h"
+#include "console/line_end.h"
 
 namespace kesp::console {
 namespace {
-
-// A GPIB reply comes with its line end; of others the library has taken it away.
-std::string WithoutLineEnd(const std::string& reply) {
-  return reply.substr(0, reply.find_last_not_of("\r\n") + 1);
-}
 
 class PlainOutput : public QueryOutput {
  public:

@@ -10,6 +10,7 @@
 #include "console/hexadecimal.h"
 #include "console/hint.h"
 #include "console/instrument_at.h"
+#include "console/line_end.h"
 
 namespace kesp::console {
 namespace {
@@ -143,10 +144,7 @@ std::string Terminal::Said(const TerminalLine& line) {
     return "sent";
   }
   if (hex_) return HexadecimalOf(instrument_->QueryBinary(line.text));
-  std::string reply = instrument_->Query(line.text);
-  // Those of the GPIB come with their line end.
-  reply.erase(reply.find_last_not_of("\r\n") + 1);
-  return reply;
+  return WithoutLineEnd(instrument_->Query(line.text));
 }
 
 void Terminal::SetTimeout(const std::string& duration) {
