@@ -80,8 +80,8 @@ inline constexpr char kMoreOfDoctor[] =
     "Each line is OK, WARN or FAIL; the exit code is the number of FAILs.\n"
     "\n"
     "Examples:\n"
-    "  kesp doctor > report.txt\n"
-    "  kesp doctor --json\n";
+    "  kesp doctor\n"
+    "  kesp doctor --json > doctor.json\n";
 
 inline constexpr char kMoreOfCompletion[] =
     "The script completes commands, options, languages and COM ports with the tab key.\n"
