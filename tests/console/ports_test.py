@@ -69,7 +69,7 @@ class PortsTest(KespCase):
 
     def test_address_by_serial_number(self):
         self.serial_instrument(211, "--quiet", self.write('{"commands": {"*IDN?": "behind the adapter"}}'))
-        code, output, error = self.kesp("query", "usb:0123ab@9600", "*IDN?")
+        code, output, error = self.kesp("query", "usb:0123ab@9600,cr", "*IDN?")
         self.assertEqual((code, output, error), (DONE, "behind the adapter\n", ""))
 
     def test_address_of_an_adapter_that_is_not_there(self):
