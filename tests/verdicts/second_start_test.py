@@ -43,6 +43,12 @@ class SecondStartTest(TrialTreeTest):
                 self.assertNotIn("a third start", result.stdout)
                 self.assertRegex(self.noted(), f"^{NOTE}$")
 
+    def test_a_script_that_wine_could_not_start_is_started_once_more_and_noted(self):
+        words = "Application could not be started, or no application associated with the specified file."
+        result = self.run_tool(["1 " + words, "0 PASS"], "tools/wine-test", "a.vbs")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertRegex(self.noted(), r"ended with 1: a\.vbs\n$")
+
     def test_another_end_is_the_verdict_and_not_noted(self):
         rows = (("a_test.exe", "5 a case failed", 5), ("a_test.exe", "124", 124), ("a_test.exe", "137", 137),
                 ("a_test.exe", "0", 1), ("a.exe", "0", 0), ("a.vbs", "5", 5))
