@@ -1,5 +1,6 @@
 """A Windows of the installer tests' own, and what is to be seen in it."""
 
+import datetime
 import getpass
 import os
 import pathlib
@@ -9,6 +10,17 @@ import time
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 TOOLS = ROOT / "tools"
 SKIPPED = 77
+# What is left in a byte of 9009, with which the command processor says that a program could not be started.
+NOT_STARTED = 9009 & 0xFF
+SECOND_STARTS = ROOT / "build" / "logs" / "second-starts.log"
+
+
+def note_second_start(command, code):
+    """As tools/lib/second_starts.sh does it; ./test repeats the notes at its end."""
+    SECOND_STARTS.parent.mkdir(parents=True, exist_ok=True)
+    with SECOND_STARTS.open("a", encoding="utf-8") as log:
+        print(f"{datetime.datetime.now(datetime.timezone.utc):%FT%TZ}: could not start a program ({code}): "
+              + " ".join(map(str, command)), file=log)
 
 
 class Sandbox:
@@ -46,7 +58,13 @@ class Sandbox:
 
     def run(self, program, *arguments, bits=None):
         wine = ("--wine", 10) if self.bits == 32 else ()
-        return self.tool("wine-run", "--bits", bits or self.bits, *wine, program, *arguments)
+        command = ("wine-run", "--bits", bits or self.bits, *wine, program, *arguments)
+        result = self.tool(*command)
+        if result.returncode == NOT_STARTED and program == "cmd":
+            # Wine could not make the process. Noted, so that nobody takes it for nothing.
+            note_second_start(command, result.returncode)
+            result = self.tool(*command)
+        return result
 
     def run_limited(self, program, *arguments):
         """Without administrator's rights."""
