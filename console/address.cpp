@@ -1,10 +1,9 @@
 // Addresses read and written.
 #include "console/address.h"
 
-#include <algorithm>
-
 #include "console/address_reader.h"
 #include "console/line_options.h"
+#include "console/utf8_character.h"
 
 namespace kesp::console {
 namespace {
@@ -83,11 +82,8 @@ std::string Text(const GpibAddress& address) {
   return text;
 }
 
-// As many as there are characters in the bytes of UTF-8.
 std::string Blanks(std::string_view text) {
-  const auto inside = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
-  return std::string(text.size() - static_cast<std::size_t>(std::count_if(text.begin(), text.end(), inside)),
-                     ' ');
+  return std::string(CharactersIn(text), ' ');
 }
 
 }  // namespace

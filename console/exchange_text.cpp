@@ -7,6 +7,7 @@
 
 #include "console/csv.h"
 #include "console/trace_bytes.h"
+#include "console/utf8_character.h"
 
 namespace kesp::console {
 namespace {
@@ -16,19 +17,8 @@ constexpr std::size_t kMillisecondsColumns = 7;
 constexpr std::size_t kPlaceColumns = 22;
 constexpr std::size_t kCommandColumns = 18;
 
-bool BeginsCharacter(char byte) {
-  return (static_cast<std::uint8_t>(byte) & 0xC0U) != 0x80U;
-}
-
-// Characters of a text in UTF-8; each is taken as one column.
-std::size_t Columns(std::string_view text) {
-  std::size_t columns = 0;
-  for (const char byte : text) columns += BeginsCharacter(byte) ? 1 : 0;
-  return columns;
-}
-
 std::string Padded(std::string text, std::size_t columns) {
-  const std::size_t has = Columns(text);
+  const std::size_t has = CharactersIn(text);
   if (has < columns) text.append(columns - has, ' ');
   return text + "  ";
 }
@@ -41,7 +31,7 @@ std::string Line(std::string text, int width) {
   while (text.ends_with(' ')) text.pop_back();
   const auto columns = static_cast<std::size_t>(width);
   // The last column stays free: some consoles begin a new line when it is written to.
-  if (width > 4 && Columns(text) >= columns) {
+  if (width > 4 && CharactersIn(text) >= columns) {
     std::size_t kept = 0;
     std::size_t end = 0;
     for (; end < text.size(); ++end) {

@@ -1,5 +1,4 @@
 // "kesp query": commands and their replies.
-#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <set>
 
@@ -13,13 +12,14 @@
 #include "console/query_output.h"
 #include "console/rounds.h"
 #include "console/usage_error.h"
+#include "console/utf8_character.h"
 
 namespace kesp::console {
 namespace {
 
 constexpr int kUntilInterrupted = 0;
 // What the library reads of a reply on the GPIB.
-constexpr std::ptrdiff_t kLongestGpibReply = 50;
+constexpr std::size_t kLongestGpibReply = 50;
 
 class Querying {
  public:
@@ -141,8 +141,7 @@ class Querying {
   }
 
   void WarnOfCut(const std::string& text) {
-    const auto is_first_of_character = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
-    if (std::count_if(text.begin(), text.end(), is_first_of_character) < kLongestGpibReply) return;
+    if (CharactersIn(text) < kLongestGpibReply) return;
     console_.WriteError("kesp: the library reads 50 characters of a reply on the GPIB; there may be more\n");
   }
 

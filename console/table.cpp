@@ -3,22 +3,18 @@
 
 #include <algorithm>
 
+#include "console/utf8_character.h"
+
 namespace kesp::console {
 namespace {
 
 constexpr std::size_t kGap = 2;
 
-// The bytes that begin a character.
-std::size_t WidthOf(const std::string& cell) {
-  return static_cast<std::size_t>(
-      std::count_if(cell.begin(), cell.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
-}
-
 std::vector<std::size_t> Widths(const std::vector<TableRow>& rows) {
   std::vector<std::size_t> widths;
   for (const TableRow& row : rows) {
     widths.resize(std::max(widths.size(), row.size()));
-    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], WidthOf(row[i]));
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], CharactersIn(row[i]));
   }
   return widths;
 }
@@ -31,7 +27,7 @@ std::string TableOf(const std::vector<TableRow>& rows) {
   for (const TableRow& row : rows) {
     std::string line;
     for (std::size_t i = 0; i < row.size(); ++i)
-      line += row[i] + std::string(widths[i] - WidthOf(row[i]) + kGap, ' ');
+      line += row[i] + std::string(widths[i] - CharactersIn(row[i]) + kGap, ' ');
     line.erase(line.find_last_not_of(' ') + 1);
     table += line + "\n";
   }

@@ -1,10 +1,19 @@
-// Reads one character of UTF-8, as RFC 3629 has it.
+// Characters of UTF-8, as RFC 3629 has it.
 #include "console/utf8_character.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
 namespace kesp::console {
+
+bool BeginsCharacter(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
+}
+
+std::size_t CharactersIn(std::string_view text) {
+  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), BeginsCharacter));
+}
 
 Character CharacterAt(std::string_view text) {
   const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };

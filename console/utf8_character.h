@@ -12,6 +12,12 @@ struct Character {
   std::size_t length = 0;  // in bytes; 0: not UTF-8
 };
 
+// Whether a character begins with that byte.
+bool BeginsCharacter(char byte);
+
+// How many there are; each takes one column of a console.
+std::size_t CharactersIn(std::string_view text);
+
 // With which the text begins, which is not empty.
 Character CharacterAt(std::string_view text);
 
