@@ -1,0 +1,83 @@
+#!/usr/bin/env python3
+"""Lets tools/language-test start clients that are shell scripts, without Wine and instrument, and reads the rows."""
+
+import json
+import pathlib
+import shutil
+import sys
+import unittest
+
+sys.dont_write_bytecode = True  # the tree stays as it is
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "tests" / "verdicts"))
+from trial_tree import TrialTreeTest  # noqa: E402
+
+INSTRUMENT = '#!/bin/sh\nwhile [ "$1" != -- ]; do shift; done\nshift\n' \
+             'KESP_INSTRUMENT_HOST=host KESP_INSTRUMENT_PORT=7 exec "$@"\n'
+LISTS = {"cases.txt": "query   asks\nevents  hears\n",
+         "clients.txt": "trial | - | Trial | wine64 wine10 wine32 |\ntrial | late | Trial, late | wine64 | events\n"}
+
+
+class LanguageTest(TrialTreeTest):
+    def setUp(self):
+        super().setUp()
+        for name in ("language-test", "client-matrix", "lib/client_rows.py"):
+            shutil.copy(ROOT / "tools" / name, self.tree / "tools" / name)
+        self.write_tool("tools/with-instrument", INSTRUMENT)
+        (self.tree / "tests" / "languages" / "trial").mkdir(parents=True)
+        for name, text in LISTS.items():
+            (self.tree / "tests" / "languages" / name).write_text(text, encoding="utf-8")
+
+    def run_client(self, script, *options):
+        self.write_tool("tests/languages/trial/client", f"#!/bin/sh\n{script}\n")
+        return self.run_in_tree("tools/language-test", "trial", *options)
+
+    def row(self, entry):
+        return json.loads((self.tree / "build" / "languages" / f"{entry}.json").read_text(encoding="utf-8"))
+
+    def test_client_is_told_where_and_how(self):
+        for options, words, entry in (
+                ((), "64 - host 7 on", "wine64.trial"), (("--bits", "32"), "32 - host 7 on", "wine32.trial"),
+                (("--wine", "10"), "64 - host 7 on 10", "wine10.trial"),
+                (("--way", "late"), "64 late host 7 on", "wine64.trial.late")):
+            with self.subTest(options=options):
+                skip = "SKIP events: no" if "late" in options else "PASS events"
+                result = self.run_client(f"echo $* on $KESP_WINE\necho PASS query\necho {skip}\necho DONE", *options)
+                self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
+                self.assertIn(words + "\n", result.stdout)
+                self.assertEqual(self.row(entry)["problems"], [])
+
+    def test_failure(self):
+        result = self.run_client("echo PASS query\necho FAIL events: silence\necho DONE")
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("FAILED: events: silence\n", result.stdout)
+        self.assertIn("FAIL", self.run_in_tree("tools/client-matrix").stdout)
+
+    def test_language_that_is_not_there(self):
+        result = self.run_client("echo no compiler\nexit 77")
+        self.assertEqual(result.returncode, 77)
+        self.assertEqual(self.row("wine64.trial"), {"skipped": "no compiler"})
+        self.assertIn("Trial, 64 bit, Wine 8  skipped: no compiler", self.run_in_tree("tools/client-matrix").stdout)
+
+    def test_wine_that_is_not_there(self):
+        self.write_tool("tools/wine-prefix", "#!/bin/sh\necho no second Wine >&2\nexit 77\n")
+        result = self.run_client("echo PASS query", "--bits", "32")
+        self.assertEqual(result.returncode, 77)
+        self.assertEqual(self.row("wine32.trial"), {"skipped": "no second Wine"})
+
+    def test_silent_end_is_started_once_more(self):
+        script = '[ -e "$KESP_ROOT/once" ] || { touch "$KESP_ROOT/once"; exit 5; }\n' \
+                 "echo PASS query\necho PASS events\necho DONE"
+        self.assertEqual(self.run_client(script).returncode, 0)
+        self.assertIn("wine64.trial", (self.tree / "build" / "logs" / "second-starts.log").read_text(encoding="utf-8"))
+        self.assertEqual(self.run_client("exit 5").returncode, 1)
+
+    def test_row_of_nobody(self):
+        self.assertNotEqual(self.run_client("echo DONE", "--way", "early").returncode, 0)
+
+    def test_matrix_says_nothing_without_rows(self):
+        self.assertEqual(self.run_in_tree("tools/client-matrix").stdout, "")
+
+
+if __name__ == "__main__":
+    unittest.main()
