@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Lets tools/language-test start clients that are shell scripts, without Wine and instrument, and reads the rows."""
+"""Lets tools/language-test and tools/language-samples start shell scripts, without Wine and instrument, and judges them."""
 
 import json
 import pathlib
@@ -77,6 +77,19 @@ class LanguageTest(TrialTreeTest):
 
     def test_matrix_says_nothing_without_rows(self):
         self.assertEqual(self.run_in_tree("tools/client-matrix").stdout, "")
+
+    def test_samples_must_show_what_the_instrument_said(self):
+        shutil.copy(ROOT / "tools" / "language-samples", self.tree / "tools")
+        reply = "reply:  KESP,TORTURE,SIM00666,1.0"
+        good = f'case "$2 $5" in "detect 0") echo "stopped:  before *IDN?\nended:  after 0 commands\nnothing found"; exit 1;; ' \
+               f'detect*) echo "ended: after 1 commands";; esac; echo "{reply}"'
+        for sample, code in ((good, 0), (good.replace("1.0", "1.0x"), 1), (good.replace("exit 1", "exit 0"), 1),
+                             (good.replace("stopped", "topped"), 1), (good + "; exit 1", 1),
+                             ("echo no compiler; exit 77", 77)):
+            with self.subTest(sample=sample):
+                self.write_tool("tests/languages/trial/sample", f"#!/bin/sh\n{sample}\n")
+                result = self.run_in_tree("tools/language-samples", "trial", "tcp")
+                self.assertEqual(result.returncode, code, result.stdout + result.stderr)
 
 
 if __name__ == "__main__":
