@@ -21,8 +21,7 @@ type
     Aborts, WasAborted: Boolean;
     Command, Address: UnicodeString;
     Port: SmallInt;
-    Reply: WideString;
-    function Detect: Boolean;
+    constructor Create;
   end;
 
 var
@@ -50,15 +49,12 @@ begin
   Inc(Ends);
 end;
 
-function TDetection.Detect: Boolean;
+constructor TDetection.Create;
 begin
+  inherited Create(nil);
   OnAutoDetectBegin := @HearBegin;
   OnAutoDetectUpdate := @HearUpdate;
   OnAutoDetectEnd := @HearEnd;
-  ComServer.IPAddress := Host;
-  ComServer.Port := early.Port;
-  Result := ComServer.AutoDetect(Reply, dlAllCommands);
-  ComServer.Uninitialize;
 end;
 
 function MakeComm: CKespCommObj;
@@ -174,10 +170,15 @@ begin
 end;
 
 procedure Events;
+var
+  Reply: WideString;
 begin
-  with TDetection.Create(nil) do
+  with TDetection.Create do
   try
-    Check('nobody found', Detect);
+    ComServer.IPAddress := Host;
+    ComServer.Port := early.Port;
+    Check('nobody found', ComServer.AutoDetect(Reply, dlAllCommands));
+    ComServer.Uninitialize;
     Equal('reply', Reply, Identity);
     Equal('AutoDetectBegin', Begins, 1);
     Equal('AutoDetectUpdate', Updates, 1);
@@ -191,12 +192,18 @@ begin
   end;
 end;
 
+{ The transport of a communication object can be heard as well. }
 procedure Abort;
+var
+  Comm: CKespCommObj;
+  Reply: WideString;
 begin
-  with TDetection.Create(nil) do
+  Comm := MakeComm;
+  with TDetection.Create do
   try
     Aborts := True;
-    Check('somebody found', not Detect);
+    Connect(Comm.CommObject, __CKespTCP);
+    Check('somebody found', not Comm.DetectInstrument(Reply, dlAllCommands));
     Equal('reply', Reply, '');
     Equal('AutoDetectUpdate', Updates, 1);
     Equal('AutoDetectEnd', Ends, 1);
