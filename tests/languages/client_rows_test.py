@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What is made of a client's lines, of the lists of cases and clients, and of the page: tables of texts and verdicts."""
+"""What is made of a client's lines, of the lists of cases and clients, and of the page: tables of texts and results."""
 
 import pathlib
 import runpy
@@ -52,7 +52,8 @@ class JudgementTest(unittest.TestCase):
     def test_exit_code_and_skips_that_are_none_any_more(self):
         passed = "PASS query\nPASS events\nDONE\n"
         self.assertEqual(problems(passed, code=3), ["it ended with 3"])
-        self.assertEqual(problems(passed, may_skip=("events",)), ["events is skipped no more: take it out of clients.txt"])
+        self.assertEqual(problems(passed, may_skip=("events",)), [
+            "events is skipped no more: take it out of clients.txt"])
 
     def test_row_is_skipped_with_its_reason_only(self):
         self.assertEqual(client_rows.row_of("looked\nno compiler\n\n", 77, NAMES, ()), {"skipped": "no compiler"})
@@ -84,7 +85,8 @@ class MatrixTest(unittest.TestCase):
     bad = {"results": {"query": ["FAIL", "empty"]}, "problems": ["query: empty", "events is missing"]}
 
     def test_page(self):
-        found = [(CLIENT, "64 bit", self.good), (CLIENT, "32 bit", self.bad), (CLIENT, "16 bit", {"skipped": "no Wine"}),
+        found = [(CLIENT, "64 bit", self.good), (CLIENT, "32 bit", self.bad),
+                 (CLIENT, "16 bit", {"skipped": "no Wine"}),
                  (CLIENT, "8 bit", None)]
         self.assertEqual(MATRIX["page_table"](found, NAMES).splitlines(), [
             "| client | Windows | query | events |", "|---|---|---|---|",
@@ -94,7 +96,8 @@ class MatrixTest(unittest.TestCase):
             "- Pascal, not run: no Wine (16 bit)", "- Pascal, not run (8 bit)"])
 
     def test_screen(self):
-        found = [(CLIENT, "64 bit", self.good), (CLIENT, "32 bit", self.bad), (CLIENT, "16 bit", {"skipped": "no Wine"})]
+        found = [(CLIENT, "64 bit", self.good), (CLIENT, "32 bit", self.bad),
+                 (CLIENT, "16 bit", {"skipped": "no Wine"})]
         self.assertEqual(MATRIX["printed_table"](found, NAMES).splitlines(), [
             "-- clients: 1 query  2 events", "--" + " " * 15 + "    1    2",
             "-- Pascal, 64 bit  yes    –", "-- Pascal, 32 bit FAIL    ?",

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Lets tools/language-test and tools/language-samples start shell scripts, without Wine and instrument, and judges them."""
+"""Lets tools/language-test and tools/language-samples start shell scripts in place of clients, and judges what they say."""
 
 import json
 import pathlib
@@ -81,7 +81,8 @@ class LanguageTest(TrialTreeTest):
     def test_samples_must_show_what_the_instrument_said(self):
         shutil.copy(ROOT / "tools" / "language-samples", self.tree / "tools")
         reply = "reply:  KESP,TORTURE,SIM00666,1.0"
-        good = f'case "$2 $5" in "detect 0") echo "stopped:  before *IDN?\nended:  after 0 commands\nnothing found"; exit 1;; ' \
+        good = 'case "$2 $5" in ' \
+               '"detect 0") echo "stopped:  before *IDN?\nended:  after 0 commands\nnothing found"; exit 1;; ' \
                f'detect*) echo "ended: after 1 commands";; esac; echo "{reply}"'
         for sample, code in ((good, 0), (good.replace("1.0", "1.0x"), 1), (good.replace("exit 1", "exit 0"), 1),
                              (good.replace("stopped", "topped"), 1), (good + "; exit 1", 1),

@@ -11,5 +11,6 @@ var
 
 begin
   Needed := TStringList.Create;
-  Write(ImportTypelib(WideString(ParamStr(1)), UnitName, Needed, False, False, False, PackageSource, RegistrationSource));
+  Write(ImportTypelib(WideString(ParamStr(1)), UnitName, Needed, False, False, False, PackageSource,
+    RegistrationSource));
 end.

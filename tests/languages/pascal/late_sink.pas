@@ -16,7 +16,8 @@ type
     function QueryInterface(constref Wanted: TGUID; out Found): HResult; stdcall;
     function GetTypeInfoCount(out Count: Integer): HResult; stdcall;
     function GetTypeInfo(Index, LocaleID: Integer; out TypeInfo): HResult; stdcall;
-    function GetIDsOfNames(const IID: TGUID; Names: Pointer; NameCount, LocaleID: Integer; DispIDs: Pointer): HResult; stdcall;
+    function GetIDsOfNames(const IID: TGUID; Names: Pointer; NameCount, LocaleID: Integer;
+      DispIDs: Pointer): HResult; stdcall;
     function Invoke(DispID: Integer; const IID: TGUID; LocaleID: Integer; Flags: Word; var Params;
       VarResult, ExcepInfo, ArgErr: Pointer): HResult; stdcall;
   public
@@ -48,7 +49,8 @@ begin
   Result := E_NOTIMPL;
 end;
 
-function TTcpSink.GetIDsOfNames(const IID: TGUID; Names: Pointer; NameCount, LocaleID: Integer; DispIDs: Pointer): HResult; stdcall;
+function TTcpSink.GetIDsOfNames(const IID: TGUID; Names: Pointer; NameCount, LocaleID: Integer;
+  DispIDs: Pointer): HResult; stdcall;
 begin
   Result := E_NOTIMPL;
 end;

@@ -12,7 +12,8 @@ import time
 SKIPPED = 77
 # Seconds for which all others may have to wait.
 LONG = 8
-# They look at the setup program, at the samples, at languages, at texts of the tree, or at the simulator, and not at the library.
+# They look at the setup program, at the samples, at languages, at texts of the tree, or at the simulator, and not at
+# the library.
 LEFT_OUT = re.compile(r"installer|samples|language|public_interface|\.simulator|\.gpib_driver|\.verdict\.|register$")
 
 CASE = re.compile(r"(?<=^\[  FAILED  \] )[\w./]+", re.M)
