@@ -8,6 +8,8 @@ kesp_tree_check(style.format style "${CMAKE_SOURCE_DIR}/tools/check-format")
 kesp_tree_check(style.layering style "${CMAKE_SOURCE_DIR}/tools/check_layering.py")
 kesp_tree_check(style.layering_itself style "${CMAKE_SOURCE_DIR}/tools/check_layering_test.py")
 kesp_tree_check(style.links style "${CMAKE_SOURCE_DIR}/tools/check_links.py")
+kesp_tree_check(style.reference style "${CMAKE_SOURCE_DIR}/tools/check_reference.py")
+kesp_tree_check(style.reference_itself style "${CMAKE_SOURCE_DIR}/tools/check_reference_test.py")
 kesp_tree_check(style.mutations style "${CMAKE_SOURCE_DIR}/tools/mutations_test.py")
 foreach(bits IN ITEMS 64 32)
   kesp_tree_check(image.win${bits} image
