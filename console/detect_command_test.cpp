@@ -78,7 +78,8 @@ TEST_F(DetectCommandTest, ThePortIsHeld_ToldWhatHelps) {
   library_.detection_fails = LibraryError("error 8005", "", "Port already open");
   EXPECT_EQ(Detect(), kExitFailed);
   EXPECT_EQ(console_.error,
-            "kesp: Port already open (error 8005)\n  Another program holds the port: close it there.\n");
+            "kesp: Port already open (error 8005)\n  Another program holds the port: close it there"
+            " (docs\\no-answer.md#access-denied).\n");
 }
 
 TEST_F(DetectCommandTest, FailureWithoutAStatus_HasNoEmptyBrackets) {

@@ -7,6 +7,7 @@
 
 #include "console/commands.h"
 #include "console/deadline.h"
+#include "console/more_at.h"
 #include "console/table.h"
 
 namespace kesp::console {
@@ -84,7 +85,8 @@ int Run(const DiscoverOptions& options, Surroundings& around) {
   if (!found.empty()) return kExitDone;
   console.WriteError(
       "kesp: nobody answered the broadcast; instruments behind another network adapter or a "
-      "router do not hear it\n");
+      "router do not hear it" +
+      MoreAt("no-answer.md#discovery-finds-nobody") + "\n");
   return kExitFailed;
 }
 

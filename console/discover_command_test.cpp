@@ -59,8 +59,7 @@ TEST_F(DiscoverCommandTest, NobodyAnswers) {
   EXPECT_EQ(console_.error,
             "the system does not tell by which network adapter the broadcast leaves\n"
             "kesp: nobody answered the broadcast; instruments behind another network adapter or a router do "
-            "not hear "
-            "it\n");
+            "not hear it (docs\\no-answer.md#discovery-finds-nobody)\n");
 }
 
 TEST_F(DiscoverCommandTest, NobodyAnswers_JsonIsAnEmptyList) {

@@ -80,7 +80,7 @@ TEST_F(DownloadCommandTest, ThePortFails_ToldWithWhatIsKept) {
             "kesp: Error reading comm device (8020, commCOMControl)\n  the 4 bytes that had come are in " +
                 options_.file +
                 ".part\n  The port gives nothing any more: plug the adapter in again, and send the "
-                "command again.\n");
+                "command again (docs\\no-answer.md#the-port-is-not-there-or-gone).\n");
 }
 
 TEST_F(DownloadCommandTest, NothingComes_NoFile) {

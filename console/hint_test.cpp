@@ -19,21 +19,23 @@ std::string Hint(const LibraryError& error, const char* address) {
 
 TEST(HintFor, TimeoutOverTheNetwork_TellsHowMuchCame) {
   EXPECT_EQ(Hint(Timeout(0), "tcp:a"),
-            "Nothing was received: the instrument may not know the command, or take longer (--timeout).");
+            "Nothing was received: the instrument may not know the command, or take longer (--timeout)"
+            " (docs\\no-answer.md#nothing-comes).");
   EXPECT_EQ(Hint(Timeout(17), "tcp:a"),
             "17 bytes came without the end character 13: \",eos=CODE\" behind the address names another one, "
-            "\",any\" takes what comes.");
+            "\",any\" takes what comes (docs\\no-answer.md#a-part-comes-then-a-timeout).");
   EXPECT_EQ(Hint(Timeout(1), "tcp:a,eos=13+10").find("1 byte came without the end character 10:"), 0U);
   EXPECT_EQ(Hint(Timeout(std::nullopt), "tcp:a"), "");
 }
 
 TEST(HintFor, TimeoutAtAPort_TellsWhatCameLast) {
   EXPECT_EQ(Hint(Timeout(0), "com3@9600,8N1"),
-            "Nothing was received: \"kesp detect com3\" looks for the bit rate.");
+            "Nothing was received: \"kesp detect com3\" looks for the bit rate"
+            " (docs\\no-answer.md#nothing-comes).");
   EXPECT_EQ(
       Hint(Timeout(17, "80 0A"), "usb:A1"),
       "17 bytes came without a line feed, the last were 80 0A: \"kesp detect usb:A1\" tells whether the bit "
-      "rate is right.");
+      "rate is right (docs\\no-answer.md#a-part-comes-then-a-timeout).");
   EXPECT_EQ(Hint(Timeout(2, "80 0A"), "com3,cr").find("2 bytes came without a carriage return,"), 0U);
   EXPECT_EQ(Hint(Timeout(std::nullopt), "com3"), "");
 }
@@ -44,17 +46,19 @@ TEST(HintFor, OtherFailures_ByTransportAndStatus) {
   EXPECT_EQ(Hint(closed, "gpib:5").find("\"kesp doctor\""), 0U);
   EXPECT_EQ(Hint(LibraryError("cfrWriteFailed", "", ""), "gpib:5").find("\"kesp detect gpib:\""), 0U);
   EXPECT_EQ(Hint(LibraryError("cfrTimeout", "", "Port already open"), "com3"),
-            "Another program holds the port: close it there.");
+            "Another program holds the port: close it there (docs\\no-answer.md#access-denied).");
   EXPECT_EQ(Hint(LibraryError("cfrInvalidData", "", ""), "com3"), "");
 }
 
 TEST(HintFor, BytesThatAreNoText_CanBeShown) {
   const LibraryError error("cfrReadFailed", "", "Invalid characters received on COM3.");
   EXPECT_EQ(Hint(error, "tcp:a"),
-            "The reply has bytes that are no text: --hex, or :hex in the terminal, shows them.");
+            "The reply has bytes that are no text: --hex, or :hex in the terminal, shows them"
+            " (docs\\no-answer.md#strange-characters-the-wrong-bit-rate).");
   EXPECT_EQ(Hint(error, "com3@9600"),
             "The reply has bytes that are no text: --hex, or :hex in the terminal, shows them; \"kesp detect "
-            "com3\" tells whether the bit rate is right.");
+            "com3\" tells whether the bit rate is right"
+            " (docs\\no-answer.md#strange-characters-the-wrong-bit-rate).");
 }
 
 TEST(LoneReturnHint, ReplyThatTookTheWholeTimeout_NeedsTheOption) {

@@ -12,8 +12,10 @@ std::string HintOf(const std::string& description) {
 
 TEST(PortHint, ThePortFailed_OneSentence) {
   EXPECT_EQ(HintOf("Error reading comm device"),
-            "The port gives nothing any more: plug the adapter in again, and send the command again.");
-  EXPECT_EQ(HintOf("Port already open"), "Another program holds the port: close it there.");
+            "The port gives nothing any more: plug the adapter in again, and send the command again"
+            " (docs\\no-answer.md#the-port-is-not-there-or-gone).");
+  EXPECT_EQ(HintOf("Port already open"),
+            "Another program holds the port: close it there (docs\\no-answer.md#access-denied).");
 }
 
 TEST(PortHint, ThePortCannotBeOpened_NotToldAsOneThatWasPulled) {

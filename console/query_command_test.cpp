@@ -65,7 +65,7 @@ TEST_F(QueryCommand, FailureOfAKnownKind_ComesWithAHint) {
       console_.error,
       "kesp: Timeout (cfrTimeout, [CKespTCP - ReadLine()])\n"
       "  3 bytes came without the end character 13: \",eos=CODE\" behind the address names another one, "
-      "\",any\" takes what comes.\n");
+      "\",any\" takes what comes (docs\\no-answer.md#a-part-comes-then-a-timeout).\n");
   options_.json = true;
   EXPECT_EQ(Query(), kExitFailed);
   EXPECT_THAT(console_.output, testing::HasSubstr(R"("hint":"3 bytes came)"));
@@ -79,7 +79,7 @@ TEST_F(QueryCommand, ReplyThatALoneReturnEnded_ComesWithAHint) {
   EXPECT_EQ(console_.error,
             "kesp: no line feed came, a lone carriage return ended the data when the time was up: add "
             "\",cr\" to the "
-            "address\n");
+            "address (docs\\no-answer.md#each-reply-takes-exactly-the-timeout)\n");
 }
 
 TEST_F(QueryCommand, MistakeInTheAddress_IsShownWithItsPlace) {

@@ -38,7 +38,8 @@ TEST_F(SendCommand, FailureOfAKnownKind_ComesWithAHint) {
   library_.Fail("*RST", LibraryError("cfrTimeout", "", "Port already open"));
   EXPECT_EQ(Run(options_), kExitFailed);
   EXPECT_EQ(console_.error,
-            "kesp: Port already open (cfrTimeout)\n  Another program holds the port: close it there.\n");
+            "kesp: Port already open (cfrTimeout)\n  Another program holds the port: close it there"
+            " (docs\\no-answer.md#access-denied).\n");
 }
 
 TEST_F(SendCommand, SearchOnTheGpib_IsRefused) {

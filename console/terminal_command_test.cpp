@@ -80,9 +80,9 @@ TEST_F(TerminalCommandTest, NothingComes_ToldWhatHelps) {
   silence.received = 0;
   library_.Fail("A?", silence);
   Talk({"A?"});
-  EXPECT_NE(console_.error.find(
-                "ReadLine())\n  Nothing was received: \"kesp detect com3\" looks for the bit rate."),
-            std::string::npos)
+  EXPECT_NE(
+      console_.error.find("ReadLine())\n  Nothing was received: \"kesp detect com3\" looks for the bit rate"),
+      std::string::npos)
       << console_.error;
 }
 

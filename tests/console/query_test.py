@@ -76,7 +76,7 @@ class ReplyTest(NetworkCase):
     def test_other_end_of_a_reply(self):
         address = self.tcp_instrument(self.write('{"reply_terminator": ";", "commands": {"t": "21.5"}}'))
         self.fails(FAILED, f'{SILENCE}  5 bytes came without the end character 13: ",eos=CODE" behind the address '
-                   'names another one, ",any" takes what comes.',
+                   'names another one, ",any" takes what comes (docs\\no-answer.md#a-part-comes-then-a-timeout).',
                    "query", address, "t", "--timeout", "500ms")
         self.assertEqual(self.kesp("query", address + ",eos=59", "t"), (DONE, "21.5;\n", ""))
         self.assertEqual(self.kesp("query", address + ",any", "t", "--hex"), (DONE, "32 31 2E 35 3B\n", ""))
@@ -96,20 +96,21 @@ class FailureTest(NetworkCase):
     def test_nothing_comes(self):
         begin = time.monotonic()
         self.fails(FAILED, f"{SILENCE}  Nothing was received: the instrument may not know the command, or take longer "
-                   "(--timeout).",
+                   "(--timeout) (docs\\no-answer.md#nothing-comes).",
                    "query", self.address, "SILENT?", "*IDN?", "--timeout", "1s")
         self.assertLess(time.monotonic() - begin, 6)
 
     def test_connection_is_refused(self):
         self.fails(FAILED, "Timeout - unable to establish connection (cfrInitializeFailed, [CKespTCP - Initialize()])\n"
                    "  Nobody listens at that address and port, or a firewall is between: \"kesp discover\" lists who "
-                   "answers.",
+                   "answers (docs\\no-answer.md#refused-after-four-seconds).",
                    "query", "tcp:127.0.0.1:9", "*IDN?", "--timeout", "1s")
 
     def test_reply_with_other_characters(self):
         self.fails(FAILED, "Invalid characters received on IP address 127.0.0.1. "
                    "(cfrReadFailed, CKespTCP - ReadLine())\n"
-                   "  The reply has bytes that are no text: --hex, or :hex in the terminal, shows them.",
+                   "  The reply has bytes that are no text: --hex, or :hex in the terminal, shows them "
+                   "(docs\\no-answer.md#strange-characters-the-wrong-bit-rate).",
                    "query", self.address, "NONASCII?")
 
     def test_mistakes(self):
@@ -125,7 +126,8 @@ class FailureTest(NetworkCase):
 
     def test_no_such_port(self):
         self.fails(FAILED, "Invalid port number (cfrOtherError, CKespCOMPort3 - OpenPort() [commCOMControl])\n"
-                   "  There is no such port now: plug the adapter in again; \"kesp ports\" lists those that there are.",
+                   "  There is no such port now: plug the adapter in again; \"kesp ports\" lists those that there are "
+                   "(docs\\no-answer.md#the-port-is-not-there-or-gone).",
                    "query", "com250", "*IDN?")
 
     def test_no_driver(self):
@@ -251,7 +253,8 @@ class SerialTest(KespCase):
         self.assertEqual((code, output), (FAILED, ""))
         self.assertEqual(error, f"kesp: Timeout waiting for instrument to respond to command on COM{COM}. "
                          "(cfrTimeout, CKespCOMPort3 - ReadLine())\n"
-                         f'  Nothing was received: "kesp detect com{COM}" looks for the bit rate.\n')
+                         f'  Nothing was received: "kesp detect com{COM}" looks for the bit rate '
+                         "(docs\\no-answer.md#nothing-comes).\n")
 
     def test_replies_without_a_line_feed(self):
         device = self.write(json.dumps({"reply_terminator": "", "commands": {
@@ -262,7 +265,8 @@ class SerialTest(KespCase):
         self.assertIn("\n  4 bytes came without a line feed, the last were 32 31 2E 35: ", error)
         self.assertEqual(self.kesp("query", f"com{COM}", "CR", "--timeout", "300ms"),
                          (DONE, "21.6\n", "kesp: no line feed came, a lone carriage return ended the data when the "
-                          'time was up: add ",cr" to the address\n'))
+                          'time was up: add ",cr" to the address '
+                          "(docs\\no-answer.md#each-reply-takes-exactly-the-timeout)\n"))
 
     def test_a_port_that_is_pulled_and_plugged_in_again(self):
         # Rounds go on when it is back.
