@@ -17,7 +17,7 @@ sys.dont_write_bytecode = True  # the tree stays as it is
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tools" / "lib"))
 import page_links  # noqa: E402
 
-DOCUMENTS = {".md", ".png"}
+DOCUMENTS = {".md", ".png", ""}  # the license has no suffix
 WIDTHS = ("win64", "win32")
 PRACTICE = {"win64": "practice64", "win32": "practice32"}
 GROUPS = ("common", *WIDTHS, "practice", *PRACTICE.values())
