@@ -73,7 +73,8 @@ def groups_of(tree, dist):
     groups = products(dist)
     pages = documents(tree)
     places = {place for _, place in pages}
-    groups["practice"] = [pair for pair in groups["practice"] if pair[1] not in places]
+    for name in ("common", "practice"):
+        groups[name] = [pair for pair in groups[name] if pair[1] not in places]
     groups["common"] = pages + groups["common"]
     return groups
 

@@ -477,7 +477,7 @@ class LibraryTest(unittest.TestCase):
     @unittest.skipUnless(len(sys.argv) > 1 and sys.argv[1] != "native", "the library needs a Windows")
     def test_library_queries_it(self):
         with Program("--quiet", bits=BITS) as program:
-            asked = subprocess.run([TOOLS / "wine-run", "--bits", BITS, ROOT / "samples" / "vbscript" / "query.vbs",
+            asked = subprocess.run([TOOLS / "wine-run", "--bits", BITS, ROOT / "samples" / "vbscript" / "query_tcp.vbs",
                                     "127.0.0.1", str(program.port()), "*IDN?"], capture_output=True, text=True, check=False)
             self.assertIn("KESP,7100,SIM00001,1.0", asked.stdout + asked.stderr)
 

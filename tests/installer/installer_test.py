@@ -235,7 +235,7 @@ class InstalledForAllUsersTest(InstallerTest):
             self.assertTrue(filecmp.cmp(installed, DIST / width / "KespCommObj.dll", shallow=False))
 
     def test_DocumentsSamplesAndHeaders_AreThere(self):
-        for place in ("README.md", "docs/building.md", "samples/vbscript/query.vbs", "include/KespCommObj.idl"):
+        for place in ("README.md", "docs/building.md", "samples/vbscript/query_tcp.vbs", "include/KespCommObj.idl"):
             self.assertTrue((self.folder / place).is_file(), place)
 
     def test_PracticeInstruments_AreLeftOut(self):
@@ -341,7 +341,7 @@ class PracticeInstrumentsTest(InstallerTest):
     def test_EntryInTheStartMenu_OpensAnInstrument_AndIsInUseMeanwhile(self):
         port, end = self.open_console()
         self.assertTrue(becomes_true(lambda: is_open(port)))
-        asked = sandbox.run(ROOT / "samples" / "vbscript" / "query.vbs", "127.0.0.1", port, "*IDN?")
+        asked = sandbox.run(ROOT / "samples" / "vbscript" / "query_tcp.vbs", "127.0.0.1", port, "*IDN?")
         self.assertIn("reply:       KESP,7100,SIM00001,1.0\n", asked.stdout)
         self.assertEqual(install(), FAILED)
         self.assertIn("simulator\\kesp-sim.exe is in use. Nothing was changed.", failed_log())

@@ -34,7 +34,7 @@ def on_network(hosts, *command):
 
 class ThrowawayWineTest(unittest.TestCase):
     def test_library_that_is_registered_there_reaches_hosts_of_both_networks(self):
-        sample = ROOT / "dist" / f"win{bits}" / "samples" / "cpp" / "query.exe"
+        sample = ROOT / "dist" / f"win{bits}" / "samples" / "cpp" / "query_tcp.exe"
         for address, identity in (("10.88.0.11", "KESP,BT200,SIM20417,2.3"), ("10.88.4.50", "KESP,7100,SIM00001,1.0"),
                                   ("10.89.0.11", "KESP,7100,SIM00001,1.0")):
             with self.subTest(address):

@@ -1,6 +1,6 @@
-# Asks an instrument on the network who it is.
+# Not yet run. Asks an instrument on the network who it is.
 #
-#   powershell -File query.ps1 [-HostName 127.0.0.1] [-Port 10001] [-Command "*IDN?"]
+#   powershell -File query_tcp.ps1 [-HostName 127.0.0.1] [-Port 10001] [-Command "*IDN?"]
 param([string] $HostName = "127.0.0.1", [int16] $Port = 10001, [string] $Command = "*IDN?")
 
 $csTCPIP = 1

@@ -1,6 +1,6 @@
-"""Asks an instrument on the network who it is.
-
-    python query.py [host [port [command]]]
+# Not yet run. Asks an instrument on the network who it is.
+"""
+    python query_tcp.py [host [port [command]]]
 
 Needs pywin32 (the package that provides win32com).
 """
@@ -11,17 +11,18 @@ import win32com.client
 CS_TCPIP = 1
 
 
-def main() -> int:
-    host = sys.argv[1] if len(sys.argv) > 1 else "127.0.0.1"
-    port = int(sys.argv[2]) if len(sys.argv) > 2 else 10001
-    command = sys.argv[3] if len(sys.argv) > 3 else "*IDN?"
+def argument(position: int, otherwise: str) -> str:
+    return sys.argv[position] if len(sys.argv) > position else otherwise
 
+
+def main() -> int:
+    command = argument(3, "*IDN?")
     # EnsureDispatch reads the type library, so in/out arguments come back beside the result.
     comm = win32com.client.gencache.EnsureDispatch("KespCommObj.CKespCommObj")
     comm.CommStyle = CS_TCPIP
-    transport = win32com.client.CastTo(comm.CommObject, "_CKespTCP")
-    transport.IPAddress = host
-    transport.Port = port
+    tcp = win32com.client.CastTo(comm.CommObject, "_CKespTCP")
+    tcp.IPAddress = argument(1, "127.0.0.1")
+    tcp.Port = int(argument(2, "10001"))
 
     succeeded, result = comm.Query("", command)
     print("command:    ", command)

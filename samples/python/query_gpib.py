@@ -1,6 +1,6 @@
-"""Asks an instrument on the GPIB (IEEE-488) who it is.
-
-    python ieee_query.py [primary address [code of the character that ends a command [command]]]
+# Not yet run. Asks an instrument on the GPIB (IEEE-488) who it is.
+"""
+    python query_gpib.py [primary address [code of the character that ends a command [command]]]
 
 Needs pywin32 (the package that provides win32com).
 """
@@ -11,19 +11,20 @@ import win32com.client
 CS_IEEE = 2
 
 
-def main() -> int:
-    address = int(sys.argv[1]) if len(sys.argv) > 1 else 5
-    eos = sys.argv[2] if len(sys.argv) > 2 else "10"
-    command = sys.argv[3] if len(sys.argv) > 3 else "*IDN?"
+def argument(position: int, otherwise: str) -> str:
+    return sys.argv[position] if len(sys.argv) > position else otherwise
 
+
+def main() -> int:
+    command = argument(3, "*IDN?")
     # EnsureDispatch reads the type library, so in/out arguments come back beside the result.
     comm = win32com.client.gencache.EnsureDispatch("KespCommObj.CKespCommObj")
     comm.CommStyle = CS_IEEE
-    transport = win32com.client.CastTo(comm.CommObject, "_CKespIEEE")
-    transport.PrimaryAddress = address
-    transport.EOSChar = eos
+    ieee = win32com.client.CastTo(comm.CommObject, "_CKespIEEE")
+    ieee.PrimaryAddress = int(argument(1, "5"))
+    ieee.EOSChar = argument(2, "10")
     # SetEOS would end a read at the first character of EOSChar, here "1". The END of the device is enough.
-    transport.SetEOS = False
+    ieee.SetEOS = False
 
     succeeded, result = comm.Query("", command)
     print("command:    ", command)

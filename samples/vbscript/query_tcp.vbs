@@ -1,23 +1,18 @@
 ' Asks an instrument on the network who it is.
 '
-'   cscript //nologo query.vbs [host [port [command]]]
+'   cscript //nologo query_tcp.vbs [host [port [command]]]
 Option Explicit
 Const csTCPIP = 1
 
-Dim host, port, cmd
-host = Argument(0, "127.0.0.1")
-port = CInt(Argument(1, "10001"))
+Dim comm, result, succeeded, cmd
 cmd = Argument(2, "*IDN?")
-
-Dim comm
 Set comm = CreateObject("KespCommObj.CKespCommObj")
 comm.CommStyle = csTCPIP
-comm.CommObject.IPAddress = host
-comm.CommObject.Port = port
-comm.DebugFilename = TraceFile()
+comm.CommObject.IPAddress = Argument(0, "127.0.0.1")
+comm.CommObject.Port = CInt(Argument(1, "10001"))
+comm.DebugFilename = TraceFile("query_tcp-vbs.log")
 comm.Debugging = True
 
-Dim result, succeeded
 succeeded = comm.Query(result, cmd)
 WScript.Echo "command:     " & cmd
 If succeeded Then
@@ -35,9 +30,9 @@ Function Argument(position, default)
     If WScript.Arguments.Count > position Then Argument = WScript.Arguments(position)
 End Function
 
-' A file in the temporary folder: the folder of the library itself may not be writable.
-Function TraceFile()
+' In the temporary folder: the folder of the library itself may not be writable.
+Function TraceFile(name)
     Dim files
     Set files = CreateObject("Scripting.FileSystemObject")
-    TraceFile = files.BuildPath(files.GetSpecialFolder(2), "query-vbs.log")
+    TraceFile = files.BuildPath(files.GetSpecialFolder(2), name)
 End Function

@@ -1,0 +1,49 @@
+// Asks an instrument at a COM port who it is.
+//
+//   cscript //nologo query_com.js [COM port number [bits per second [command]]]
+var csRS232 = 0, br150 = 0, br921600 = 13;
+var ForReading = 1, TemporaryFolder = 2;
+
+var files = new ActiveXObject("Scripting.FileSystemObject");
+var cmd = argument(2, "*IDN?");
+var comm = new ActiveXObject("KespCommObj.CKespCommObj");
+comm.CommStyle = csRS232;
+comm.CommObject.Port = parseInt(argument(0, "1"), 10);
+setBaudRate(comm.CommObject, argument(1, "9600"));
+comm.DebugFilename = files.BuildPath(files.GetSpecialFolder(TemporaryFolder), "query_com-js.log");
+comm.Debugging = true;
+
+// JScript hands over values only, so the reply does not come back in the first argument: the trace has it.
+var succeeded = comm.Query("", cmd);
+WScript.Echo("command:     " + cmd);
+if (succeeded) {
+  WScript.Echo("reply:       " + lastReply(comm.DebugFilename));
+} else {
+  WScript.Echo("source:      " + comm.CommErrorSource);
+  WScript.Echo("description: " + comm.CommErrorDescr);
+}
+WScript.Echo("status:      " + comm.CommError);
+WScript.Echo("trace file:  " + comm.DebugFilename);
+if (!succeeded) WScript.Quit(1);
+
+// The range comes first: a rate outside of it is refused. A rate is set by its number, which has the rate as its name.
+function setBaudRate(transport, baud) {
+  transport.MaxBaudRate = br921600;
+  transport.MinBaudRate = br150;
+  var rate = br150;
+  while (rate < br921600 && transport.BaudRateName(rate) !== baud) rate++;
+  transport.BaudRate = rate;
+}
+
+function lastReply(trace) {
+  var mark = "result- ";
+  var file = files.OpenTextFile(trace, ForReading);
+  var text = file.ReadAll();
+  file.Close();
+  var reply = text.substring(text.lastIndexOf(mark) + mark.length);
+  return reply.substring(0, reply.search(/[\r\n]/));
+}
+
+function argument(position, otherwise) {
+  return WScript.Arguments.Count() > position ? WScript.Arguments(position) : otherwise;
+}
