@@ -55,6 +55,7 @@ serial_line_settings() {
 }
 
 # in_wine <64|32> <command...>: a Linux command (wine, wineserver, wineboot) with the settings of that Wine.
+# KESP_WINE_OVERRIDES names other DLLs that Wine does without.
 # KESP_WINE_ARCH=win32 makes the second Wine's Windows one of 32-bit programs only.
 in_wine() {
   local bits=$1 loader
@@ -62,8 +63,8 @@ in_wine() {
   mapfile -t loader < <(serial_line_settings "$bits")
   # A home of its own too: Wine links its documents folder there, and puts menu entries there.
   set -- env LC_ALL=C.UTF-8 WINEPREFIX="$(wine_prefix "$bits")" WINEARCH="${KESP_WINE_ARCH:-win64}" WINEDEBUG=-all \
-    WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=" HOME="$KESP_WINE_BASE/home" DISPLAY="$(wine_screen)" \
-    ${loader[@]+"${loader[@]}"} "$@"
+    WINEDLLOVERRIDES="${KESP_WINE_OVERRIDES:-mscoree,mshtml,winemenubuilder.exe=}" HOME="$KESP_WINE_BASE/home" \
+    DISPLAY="$(wine_screen)" ${loader[@]+"${loader[@]}"} "$@"
   if is_second "$bits"; then
     in_second_wine "$bits" "$@"
   else

@@ -1,0 +1,3 @@
+@rem Runs a .NET program by the hook beside this file: run.cmd program argument...
+@set DOTNET_STARTUP_HOOKS=%~dp0Hook.dll
+@"%~dp0Sarif.Multitool.exe" %*
