@@ -7,11 +7,9 @@ internal static class Late
 {
     private const string Identity = "KESP,TORTURE,SIM00666,1.0";
     private const int TcpIp = 1, Udp = 1;
-    private static readonly Guid TcpEvents = new Guid("14388762-eff3-4ea3-842b-dcf436c0ded9");
     private static string host;
     private static short port;
 
-    private delegate void Handler();
     private delegate void UpdateHandler(string cmd, string address, short at, ref bool abort);
 
     [STAThread]
@@ -110,37 +108,35 @@ internal static class Late
         Results.Equal((short)7, tcp.Port, "Port");
     }
 
-    // An event of the object, by its identifier in the type library.
-    private static void Connect(object tcp, int id, Delegate handler)
-    {
-        ComEventsHelper.Combine(tcp, TcpEvents, id, handler);
-    }
-
     private static void Events()
     {
         dynamic tcp = Transport();
         var told = new List<string>();
-        Connect(tcp, 14, new Handler(() => told.Add("begin")));
-        Connect(tcp, 13, new UpdateHandler((string cmd, string address, short at, ref bool abort) =>
-            told.Add("update " + cmd + " " + address + " " + at + " " + abort)));
-        Connect(tcp, 15, new Handler(() => told.Add("end")));
+        UpdateHandler update = (string cmd, string address, short at, ref bool abort) =>
+            told.Add("update " + cmd + " " + address + " " + at + " " + abort);
+        tcp.AutoDetectBegin += new Action(() => told.Add("begin"));
+        tcp.AutoDetectUpdate += update;
+        tcp.AutoDetectEnd += new Action(() => told.Add("end"));
         string result = "";
         Results.True(tcp.AutoDetect(ref result), "AutoDetect is False");
         Results.Equal(Identity, result, "what it found");
         string expected = "begin; update *IDN? " + host + " " + port + " False; end";
         Results.Equal(expected, string.Join("; ", told), "what was told");
+        tcp.AutoDetectUpdate -= update;
+        Results.True(tcp.AutoDetect(ref result), "the second AutoDetect is False");
+        Results.Equal(expected + "; begin; end", string.Join("; ", told), "what was told without that handler");
     }
 
     private static void Abort()
     {
         dynamic tcp = Transport();
         int updates = 0, ends = 0;
-        Connect(tcp, 13, new UpdateHandler((string cmd, string address, short at, ref bool abort) =>
+        tcp.AutoDetectUpdate += new UpdateHandler((string cmd, string address, short at, ref bool abort) =>
         {
             ++updates;
             abort = true;
-        }));
-        Connect(tcp, 15, new Handler(() => ++ends));
+        });
+        tcp.AutoDetectEnd += new Action(() => ++ends);
         string result = "";
         Results.True(!tcp.AutoDetect(ref result), "AutoDetect is True");
         Results.Equal("", result ?? "", "what it found");
@@ -158,6 +154,7 @@ internal static class Late
         Results.Equal(2, all.Count, "Count");
         Results.Equal("first", all.Item(1).Model, "Item(1)");
         Results.Equal("second", all.Item("rack").Model, "Item(\"rack\")");
+        Results.Equal("second", all["rack"].Model, "[\"rack\"]");
         var models = new List<string>();
         foreach (dynamic instrument in all) models.Add(instrument.Model);
         Results.Equal("first second", string.Join(" ", models), "what foreach gives");
