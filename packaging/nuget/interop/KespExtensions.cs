@@ -124,6 +124,14 @@ namespace KespCommObj
             return port.Download(ref result) ? result : null;
         }
 
+        /// <summary>The settings of the radio modem; null where RFReadModemSettings returns false.</summary>
+        public static RadioModemSettings RFReadModemSettings(this _CKespCOMPort3 port)
+        {
+            var found = new RadioModemSettings();
+            return port.RFReadModemSettings(ref found.serial, ref found.power, ref found.panId, ref found.channel,
+                                            ref found.address, ref found.timeout) ? found : null;
+        }
+
         /// <summary>Sets DataBits.</summary>
         public static void SetDataBits(this _CKespCOMPort3 port, EKespDataBits3 value)
         {
