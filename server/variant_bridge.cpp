@@ -40,6 +40,16 @@ void MakeVariant(const BinaryValue& value, VARIANT* variant) {
   }
 }
 
+// Some languages hand over a reference to a variable of its own type, where others do so with one that holds
+// anything.
+Failure WrongVariable(ReplyKind kind) {
+  const Failure mismatch = TypeMismatch();
+  const std::wstring reply = kind == ReplyKind::kText ? L"text" : L"an array of bytes";
+  return {mismatch.number(), mismatch.source(),
+          mismatch.description() + L" (the reply is " + reply + L"; the variable for it must be " + reply +
+              L", too, or hold anything)"};
+}
+
 void StoreInArrayVariable(const BinaryValue& value, SAFEARRAY** variable) {
   const auto* bytes = std::get_if<Bytes>(&value);
   if (bytes == nullptr) throw TypeMismatch();
@@ -71,7 +81,7 @@ bool CanHoldReply(const VARIANT& variable) {
 
 void RequireRoomFor(ReplyKind kind, const VARIANT& argument) {
   const VARIANT& variable = Dereferenced(argument);
-  if ((V_VT(&variable) & VT_BYREF) != 0 && !CanHoldReply(variable, kind)) throw TypeMismatch();
+  if ((V_VT(&variable) & VT_BYREF) != 0 && !CanHoldReply(variable, kind)) throw WrongVariable(kind);
 }
 
 BinaryValue BinaryValueOf(const VARIANT& argument) {

@@ -41,8 +41,8 @@ inline ReplyKind ReplyKindOf(EInputMode mode) {
 bool CanHoldReply(const VARIANT& variable, ReplyKind kind);
 bool CanHoldReply(const VARIANT& variable);
 
-// To be called before anything is sent: throws TypeMismatch() for an argument that refers to a typed variable
-// which cannot hold the reply.
+// To be called before anything is sent: throws TypeMismatch(), with what the variable must be, for an
+// argument that refers to a typed variable which cannot hold the reply.
 void RequireRoomFor(ReplyKind kind, const VARIANT& argument);
 
 // Stores text as VT_BSTR, bytes as an array of VT_UI1 with lower bound 0, and leaves the argument alone when

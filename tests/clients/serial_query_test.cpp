@@ -85,8 +85,13 @@ TEST_F(SerialQueryTest, QueryBinary_TypedVariableOfTheOtherKind_IsATypeMismatchB
   for (auto [mode, variable] :
        {std::pair{imBinary, Reference(&text)}, std::pair{imText, Reference(&bytes)}}) {
     EXPECT_EQ(port_->SetInputMode(mode), S_OK);
-    EXPECT_EQ(RefusalOf(comm_->QueryBinary(&variable, Text(L"?").get(), nullptr, nullptr, &answer)).result,
-              ControlError(13));
+    const Refusal refusal =
+        RefusalOf(comm_->QueryBinary(&variable, Text(L"?").get(), nullptr, nullptr, &answer));
+    EXPECT_EQ(refusal.result, ControlError(13));
+    const std::wstring reply = mode == imText ? L"text" : L"an array of bytes";
+    EXPECT_EQ(refusal.description, L"Type mismatch (the reply is " + reply +
+                                       L"; the variable for it must be " + reply +
+                                       L", too, or hold anything)");
   }
   EXPECT_EQ(wire_.ReceiveUntilQuiet(), "");
   SafeArrayDestroy(bytes);

@@ -94,6 +94,12 @@ internal static class Late
         object result = null;
         Results.True(Communication().QueryBinary(ref result, "ALLBYTES?"), "QueryBinary is False");
         Results.AllBytes(result);
+        byte[] bytes = null;
+        Results.True(Communication().QueryBinary(ref bytes, "ALLBYTES?"), "QueryBinary into a byte[] is False");
+        Results.AllBytes(bytes);
+        string text = "";
+        Exception error = Results.RaisedBy(() => Communication().QueryBinary(ref text, "*IDN?"), "bytes into a string");
+        Results.True(error.Message.StartsWith("Type mismatch (the reply is an array of bytes;"), error.Message);
     }
 
     private static void Error()
