@@ -6,13 +6,12 @@
 
 #include "dialogs/dialog_ids.h"
 #include "dialogs/editing.h"
-#include "dialogs/help.h"
 #include "support/error_trap.h"
 
 namespace kesp {
 
-Form::Form(UserSurface& user, std::wstring caption, std::wstring action, std::int32_t help_context,
-           std::vector<TabStrip::Tab> tabs)
+Form::Form(UserSurface& user, std::wstring caption, std::wstring action, HelpTopic own_topic,
+           std::int32_t help_context, std::vector<TabStrip::Tab> tabs)
     : cmdOKCancelHelp{{{*this, ID_OK, kEveryPage},
                        {*this, ID_CANCEL, kEveryPage},
                        {*this, ID_HELP, kEveryPage}}},
@@ -20,6 +19,7 @@ Form::Form(UserSurface& user, std::wstring caption, std::wstring action, std::in
       user_(user),
       caption_(std::move(caption)),
       action_(std::move(action)),
+      own_topic_(own_topic),
       help_context_(help_context) {
   for (const TabStrip::Tab& tab : tabSettings.tabs()) {
     framSettings.emplace_back(*this, ID_FRAM_SETTINGS + tab.tag, kEveryPage);
@@ -27,7 +27,7 @@ Form::Form(UserSurface& user, std::wstring caption, std::wstring action, std::in
   tabSettings.on_choose = [this] { SwitchPage(); };
   cmdOKCancelHelp[kOK].on_click = [this] { Confirm(); };
   cmdOKCancelHelp[kCancel].on_click = [this] { Cancel(); };
-  cmdOKCancelHelp[kHelp].on_click = [this] { ShowContextHelp(user_, help_context_); };
+  cmdOKCancelHelp[kHelp].on_click = [this] { ShowContextHelp(user_, help_context_, own_topic_); };
   SwitchPage();
 }
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "dialogs/controls.h"
+#include "dialogs/help.h"
 #include "dialogs/text_box.h"
 #include "support/user_surface.h"
 
@@ -29,6 +30,7 @@ class Form : public ControlOwner {
   enum : std::size_t { kOK = 0, kCancel = 1, kHelp = 2 };
 
   const std::wstring& caption() const { return caption_; }
+  HelpTopic own_topic() const { return own_topic_; }
   std::int32_t help_context() const { return help_context_; }
 
   // Whether the dialog is still to be seen, and whether it ended by Cancel.
@@ -66,8 +68,9 @@ class Form : public ControlOwner {
 
  protected:
   // action names what is going on for the error box, for example "attempting to edit TCP/IP settings".
-  Form(UserSurface& user, std::wstring caption, std::wstring action, std::int32_t help_context,
-       std::vector<TabStrip::Tab> tabs);
+  // own_topic is the dialog's own help, help_context that in the client's help file.
+  Form(UserSurface& user, std::wstring caption, std::wstring action, HelpTopic own_topic,
+       std::int32_t help_context, std::vector<TabStrip::Tab> tabs);
 
   UserSurface& user() const { return user_; }
 
@@ -102,6 +105,7 @@ class Form : public ControlOwner {
   UserSurface& user_;
   const std::wstring caption_;
   const std::wstring action_;
+  const HelpTopic own_topic_;
   const std::int32_t help_context_;
   bool painted_ = false;
   bool is_in_use_ = false;

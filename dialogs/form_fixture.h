@@ -21,7 +21,7 @@ inline constexpr int kSignedId = 502;
 class FormForTest final : public Form {
  public:
   FormForTest(UserSurface& user, std::vector<TabStrip::Tab> tabs)
-      : Form(user, L"Caption", L"attempting to test", 77, std::move(tabs)) {}
+      : Form(user, L"Caption", L"attempting to test", HelpTopic::kTCPSettings, 77, std::move(tabs)) {}
 
   using Form::Cancel;
   using Form::Focus;

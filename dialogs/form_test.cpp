@@ -105,6 +105,13 @@ TEST_F(FormTest, Help_OpensTheFormsTopicAndStays) {
   EXPECT_FALSE(form_.bCancel());
 }
 
+TEST_F(FormTest, HelpWithoutAClientsFile_OpensTheDialogsOwnTopic) {
+  user_.own_help_file = L"C:\\own.chm";
+  Click(Form::kHelp);
+  ASSERT_EQ(user_.help_calls().size(), 1U);
+  EXPECT_EQ(user_.help_calls()[0], (UserSurfaceFake::HelpCall{L"C:\\own.chm", 1, 9003, MousePointer::kBusy}));
+}
+
 TEST_F(FormTest, HelpFails_NobodyIsTold) {
   user_.help_failure = true;
   Click(Form::kHelp);

@@ -22,7 +22,7 @@ constexpr wchar_t kConflictTitle[] = L"RF Modem / IR Conflict";
 frmCOMSettings::frmCOMSettings(UserSurface& user, CKespCOMPort3& COMPort, const ComPortDialogOptions& options,
                                RFModemDialog& rf_modem_dialog)
     : Form(user, L"RS-232 Communication Settings", L"attempting to edit COM port settings",
-           options.help_context,
+           HelpTopic::kComSettings, options.help_context,
            {{L"COM Port", kComPortPage}, {L"SmartSwitch", kSmartSwitchPage}, {L"Extended", kExtendedPage}}),
       icboCOMPort(*this, ID_ICBO_COM_PORT, kComPortPage),
       lblBaudRate(*this, ID_LBL_BAUD_RATE, kComPortPage),

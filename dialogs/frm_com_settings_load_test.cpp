@@ -37,6 +37,7 @@ TEST_F(frmCOMSettingsLoadTest, New_EachControlHasANumberOfItsOwn) {
 TEST_F(frmCOMSettingsLoadTest, New_CaptionTopicToolTipsFiltersAndRange) {
   const frmCOMSettings& form = Make();
   EXPECT_EQ(form.caption(), L"RS-232 Communication Settings");
+  EXPECT_EQ(form.own_topic(), HelpTopic::kComSettings);
   EXPECT_EQ(form.help_context(), kHelpTopic);
   EXPECT_EQ(form.chkUseIRDongle.tool_tip(), L"Using IR dongle");
   EXPECT_EQ(form.chkUseRFModem.tool_tip(), L"Using RF modem for wireless communications");

@@ -43,8 +43,8 @@ std::wstring OutOfRangeMessage(const wchar_t* subject, const NumberRange& range)
 }  // namespace
 
 frmRFModemSettings::frmRFModemSettings(UserSurface& user, CKespCOMPort3& port, std::int32_t help_context)
-    : Form(user, L"RF Modem Properties", L"attempting to display the RF modem properties", help_context,
-           {{L"Properties", kPropertiesPage}}),
+    : Form(user, L"RF Modem Properties", L"attempting to display the RF modem properties",
+           HelpTopic::kRFModemSettings, help_context, {{L"Properties", kPropertiesPage}}),
       txtPANID(*this, ID_TXT_PAN_ID, kPropertiesPage, KeyFilter::kDigits, kPANIDs),
       txtChannel(*this, ID_TXT_CHANNEL, kPropertiesPage, KeyFilter::kDigits, kChannels),
       txtRFModemAddress(*this, ID_TXT_RF_MODEM_ADDRESS, kPropertiesPage, KeyFilter::kDigits, kAddresses),

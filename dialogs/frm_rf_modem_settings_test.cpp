@@ -21,6 +21,7 @@ constexpr std::int32_t kDeviceFailure = 8021;
 TEST_F(frmRFModemSettingsTest, New_ShowsNothingOfTheModemYet) {
   EXPECT_EQ(form_->caption(), L"RF Modem Properties");
   EXPECT_EQ(form_->tabSettings.tabs(), (std::vector<TabStrip::Tab>{{L"Properties", 0}}));
+  EXPECT_EQ(form_->own_topic(), HelpTopic::kRFModemSettings);
   EXPECT_EQ(form_->help_context(), 4711);
   EXPECT_EQ(Entries(), (Lines{L"", L"", L"", L""}));
   EXPECT_EQ(form_->lblSerial.text(), L"");

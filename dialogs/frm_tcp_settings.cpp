@@ -24,7 +24,8 @@ constexpr std::int32_t kPortStep = 1;
 
 frmTCPSettings::frmTCPSettings(UserSurface& user, CKespTCP& tcp, const TcpDialogOptions& options)
     : Form(user, L"TCP/IP Communication Settings", L"attempting to edit TCP/IP settings",
-           options.help_context, {{L"General", kGeneralPage}, {L"Extended", kExtendedPage}}),
+           HelpTopic::kTCPSettings, options.help_context,
+           {{L"General", kGeneralPage}, {L"Extended", kExtendedPage}}),
       optTCPType{{{*this, ID_OPT_TCP_TYPE, kGeneralPage}, {*this, ID_OPT_TCP_TYPE + 1, kGeneralPage}}},
       lblIPAddress(*this, ID_LBL_IP_ADDRESS, kGeneralPage),
       txtIP{{{*this, ID_TXT_IP, kGeneralPage, KeyFilter::kDigits, kOctet},

@@ -16,6 +16,7 @@ TEST_F(frmTCPSettingsTest, New_HasItsCaptionTopicAndPages) {
   for (const bool extended : {true, false}) {
     const frmTCPSettings form(fakes_.user, *tcp_, {extended, 4711});
     EXPECT_EQ(form.caption(), L"TCP/IP Communication Settings");
+    EXPECT_EQ(form.own_topic(), HelpTopic::kTCPSettings);
     EXPECT_EQ(form.help_context(), 4711);
     EXPECT_EQ(form.tabSettings.tabs(),
               (extended ? Tabs{{L"General", 0}, {L"Extended", 1}} : Tabs{{L"General", 0}}));

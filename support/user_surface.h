@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace kesp {
@@ -52,6 +53,10 @@ class UserSurface {
   // Gives the help viewer a command on that file, as the Win32 function WinHelp does without an owner window.
   // False when there is no viewer, or it refused.
   virtual bool CallHelp(std::uint32_t command, std::uint32_t data) = 0;
+
+  // Opens that topic of the library's own help; false when the viewer refused. Opens nothing and returns
+  // nothing when a help file has been set, or the library has none of its own here.
+  virtual std::optional<bool> CallOwnHelp(std::uint32_t topic) = 0;
 
   // The first character that separates whole numbers from fractions in the user's locale.
   virtual wchar_t DecimalSeparator() = 0;

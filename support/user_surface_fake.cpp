@@ -48,6 +48,13 @@ bool UserSurfaceFake::CallHelp(std::uint32_t command, std::uint32_t data) {
   return help_answer;
 }
 
+std::optional<bool> UserSurfaceFake::CallOwnHelp(std::uint32_t topic) {
+  if (!help_file_.empty() || own_help_file.empty()) return std::nullopt;
+  if (help_failure) throw std::runtime_error("the help viewer fails");
+  help_calls_.push_back({own_help_file, 1, topic, pointer_});
+  return help_answer;
+}
+
 wchar_t UserSurfaceFake::DecimalSeparator() {
   ++separator_questions;
   return separator;

@@ -5,6 +5,7 @@
 #include <deque>
 #include <functional>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,7 @@ class UserSurfaceFake final : public UserSurface {
 
   void SetHelpFile(const std::wstring& path) override { help_file_ = path; }
   bool CallHelp(std::uint32_t command, std::uint32_t data) override;
+  std::optional<bool> CallOwnHelp(std::uint32_t topic) override;
   wchar_t DecimalSeparator() override;
 
   // A topic that was asked for, and the mouse pointer meanwhile.
@@ -50,6 +52,8 @@ class UserSurfaceFake final : public UserSurface {
   std::function<void()> on_box;
   bool help_answer = true;
   bool help_failure = false;
+  // The library's own help file; empty where it is missing.
+  std::wstring own_help_file;
   wchar_t separator = L'.';
   int separator_questions = 0;
 

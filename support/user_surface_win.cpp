@@ -6,6 +6,7 @@
 #include <array>
 #include <optional>
 
+#include "support/files_win.h"
 #include "support/owner_window_win.h"
 #include "support/thread_modal_win.h"
 
@@ -84,13 +85,18 @@ void UserSurfaceWin::SetHelpFile(const std::wstring& path) {
   help_file_ = path;
 }
 
+std::wstring UserSurfaceWin::HelpFile() {
+  const std::lock_guard<std::mutex> lock(help_file_mutex_);
+  return help_file_;
+}
+
 bool UserSurfaceWin::CallHelp(std::uint32_t command, std::uint32_t data) {
-  std::wstring help_file;
-  {
-    const std::lock_guard<std::mutex> lock(help_file_mutex_);
-    help_file = help_file_;
-  }
-  return call_help_(nullptr, help_file, command, data);
+  return call_help_(nullptr, HelpFile(), command, data);
+}
+
+std::optional<bool> UserSurfaceWin::CallOwnHelp(std::uint32_t topic) {
+  if (!HelpFile().empty() || !FilesWin().Exists(own_help_file_)) return std::nullopt;
+  return call_help_(nullptr, own_help_file_, HELP_CONTEXT, topic);
 }
 
 wchar_t UserSurfaceWin::DecimalSeparator() {

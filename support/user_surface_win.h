@@ -2,7 +2,9 @@
 #pragma once
 
 #include <mutex>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "support/help_win.h"
 #include "support/user_surface.h"
@@ -22,7 +24,9 @@ void ShowPointer(MousePointer pointer) noexcept;
 
 class UserSurfaceWin final : public UserSurface {
  public:
-  explicit UserSurfaceWin(HelpCaller call_help = CallHelpViewer) : call_help_(call_help) {}
+  // own_help_file is where the library's own help would lie.
+  explicit UserSurfaceWin(HelpCaller call_help = CallHelpViewer, std::wstring own_help_file = {})
+      : call_help_(call_help), own_help_file_(std::move(own_help_file)) {}
 
   // The box belongs to the calling thread's active window, or to its foremost one while another program is in
   // front; in that case, and without one, all windows of the thread wait for it.
@@ -31,10 +35,14 @@ class UserSurfaceWin final : public UserSurface {
   void SetPointer(MousePointer pointer) noexcept override;
   void SetHelpFile(const std::wstring& path) override;
   bool CallHelp(std::uint32_t command, std::uint32_t data) override;
+  std::optional<bool> CallOwnHelp(std::uint32_t topic) override;
   wchar_t DecimalSeparator() override;
 
  private:
+  std::wstring HelpFile();
+
   HelpCaller call_help_;
+  const std::wstring own_help_file_;
   std::mutex help_file_mutex_;
   std::wstring help_file_;
 };
