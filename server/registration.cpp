@@ -9,6 +9,7 @@
 #include "server/error_bridge.h"
 #include "server/registry_key.h"
 #include "support/environment_win.h"
+#include "support/paths.h"
 
 namespace kesp {
 
@@ -103,6 +104,10 @@ void RegisterLibrary(HKEY root, const std::wstring& path) {
   SetKey(root, version, kLibraryName);
   SetKey(root, version + L"\\0\\" + kPlatform, path);
   SetKey(root, version + L"\\FLAGS", L"0");
+  // Where the help file lies that the type library names. Each width has one; the last registration counts.
+  std::wstring folder = FolderOfPath(path);
+  if (!folder.empty()) folder.pop_back();
+  SetKey(root, version + L"\\HELPDIR", folder);
 }
 
 void RegisterAll(HKEY root) {

@@ -124,6 +124,7 @@ TEST_F(RegistrationTest, LibraryAndInterfaces_AreThereForTheMarshaler) {
   const std::wstring version = L"TypeLib\\" + library + L"\\1.0";
   EXPECT_EQ(values[version], L"Kesp Communication Object Library");
   EXPECT_EQ(values[version + (sizeof(void*) == 8 ? L"\\0\\win64" : L"\\0\\win32")], path_);
+  EXPECT_EQ(values[version + L"\\HELPDIR"] + L"\\KespCommObj.dll", path_);
   for (const PublicClass& one : kPublicClasses) {
     const std::wstring key = L"Interface\\" + GuidText(one.default_interface);
     Values entry = ValuesBelow(Hive::kMachine, key);
