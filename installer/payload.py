@@ -3,10 +3,11 @@
 
 usage: payload.py TREE DIST OUTPUT
 
-TREE is the folder of the sources, whose README and CHANGELOG go along with the pages that they lead to; DIST holds win64 and win32. A file that is
-the same for both widths is installed once; one that differs goes into the folder of its width. The simulator is a
-component of its own: of its programs only one width is installed, and its driver's DLL stands away from all programs
-and from the library, which looks for a driver in its own folder.
+TREE is the folder of the sources, whose README and CHANGELOG go along with the pages that they lead to; DIST holds win64
+and win32. A file that is the same for both widths is installed once; one that differs goes into the folder of its
+width, and so does the help file, which has to lie beside each library. The simulator is a component of its own: of its
+programs only one width is installed, and its driver's DLL stands away from all programs and from the library, which
+looks for a driver in its own folder.
 """
 
 import filecmp
@@ -51,7 +52,8 @@ def products(dist):
     for place in sorted(present["win64"] | present["win32"]):
         sources = {width: dist / width / place for width in WIDTHS if place in present[width]}
         practice = place.parts[0] == "simulator"
-        if len(sources) == 2 and filecmp.cmp(*sources.values(), shallow=False):
+        beside_library = place.suffix == ".chm"  # where the library looks for its help
+        if not beside_library and len(sources) == 2 and filecmp.cmp(*sources.values(), shallow=False):
             groups["practice" if practice else "common"].append((sources["win64"], place))
             continue
         for width, source in sources.items():

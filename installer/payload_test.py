@@ -42,6 +42,15 @@ class PayloadTest(unittest.TestCase):
             self.write(f"dist/{width}/samples/a.vbs", "the same")
         self.assertEqual(self.places()["common"], ["samples/a.vbs"])
 
+    def test_Places_OfTheHelpFile_AreBesideEachLibrary(self):
+        for width in ("win64", "win32"):
+            self.write(f"dist/{width}/KespCommObj.chm", "the same")
+            self.write(f"dist/{width}/help/index.html", "the same")
+        self.assertEqual(self.places(), {
+            "common": ["help/index.html"],
+            "win64": ["win64/KespCommObj.chm", "win64/KespCommObj.dll"],
+            "win32": ["win32/KespCommObj.chm", "win32/KespCommObj.dll"]})
+
     def test_Places_OfDifferentFiles_AreTheFoldersOfTheirWidths(self):
         for width in ("win64", "win32"):
             self.write(f"dist/{width}/samples/cpp/query.exe", width)
