@@ -12,6 +12,7 @@ kesp_tree_check(style.samples style "${CMAKE_SOURCE_DIR}/tools/check_samples.py"
 kesp_tree_check(style.samples_itself style "${CMAKE_SOURCE_DIR}/tools/check_samples_test.py")
 kesp_tree_check(style.reference style "${CMAKE_SOURCE_DIR}/tools/check_reference.py")
 kesp_tree_check(style.reference_itself style "${CMAKE_SOURCE_DIR}/tools/check_reference_test.py")
+kesp_tree_check(image.help image "${CMAKE_SOURCE_DIR}/tools/check_help.py")
 kesp_tree_check(style.mutations style "${CMAKE_SOURCE_DIR}/tools/mutations_test.py")
 foreach(bits IN ITEMS 64 32)
   kesp_tree_check(image.win${bits} image
