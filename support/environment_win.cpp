@@ -5,20 +5,10 @@
 #include "support/files_win.h"
 #include "support/guid_source_win.h"
 #include "support/message_pump_win.h"
-#include "support/paths.h"
 #include "support/settings_files_win.h"
 #include "support/user_surface_win.h"
 
 namespace kesp {
-
-namespace {
-
-// Beside the library; the type library names it, too.
-std::wstring OwnHelpFile() {
-  return JoinPath(FolderOfPath(FilesWin().LibraryFile()), L"KespCommObj.chm");
-}
-
-}  // namespace
 
 Environment& SystemEnvironment() {
   static ClockWin clock;
@@ -26,7 +16,7 @@ Environment& SystemEnvironment() {
   static FilesWin files;
   static SettingsFilesWin settings;
   static GuidSourceWin guids;
-  static UserSurfaceWin user(CallHelpViewer, OwnHelpFile());
+  static UserSurfaceWin user;
   static Environment environment{clock, pump, files, settings, guids, user};
   return environment;
 }

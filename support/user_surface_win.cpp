@@ -8,6 +8,7 @@
 
 #include "support/files_win.h"
 #include "support/owner_window_win.h"
+#include "support/paths.h"
 #include "support/thread_modal_win.h"
 
 namespace kesp {
@@ -95,8 +96,11 @@ bool UserSurfaceWin::CallHelp(std::uint32_t command, std::uint32_t data) {
 }
 
 std::optional<bool> UserSurfaceWin::CallOwnHelp(std::uint32_t topic) {
-  if (!HelpFile().empty() || !FilesWin().Exists(own_help_file_)) return std::nullopt;
-  return call_help_(nullptr, own_help_file_, HELP_CONTEXT, topic);
+  if (!HelpFile().empty()) return std::nullopt;
+  FilesWin files;
+  const std::wstring own_file = JoinPath(FolderOfPath(files.LibraryFile()), L"KespCommObj.chm");
+  if (!files.Exists(own_file)) return std::nullopt;
+  return call_help_(nullptr, own_file, HELP_CONTEXT, topic);
 }
 
 wchar_t UserSurfaceWin::DecimalSeparator() {

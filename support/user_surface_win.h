@@ -4,7 +4,6 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <utility>
 
 #include "support/help_win.h"
 #include "support/user_surface.h"
@@ -24,9 +23,7 @@ void ShowPointer(MousePointer pointer) noexcept;
 
 class UserSurfaceWin final : public UserSurface {
  public:
-  // own_help_file is where the library's own help would lie.
-  explicit UserSurfaceWin(HelpCaller call_help = CallHelpViewer, std::wstring own_help_file = {})
-      : call_help_(call_help), own_help_file_(std::move(own_help_file)) {}
+  explicit UserSurfaceWin(HelpCaller call_help = CallHelpViewer) : call_help_(call_help) {}
 
   // The box belongs to the calling thread's active window, or to its foremost one while another program is in
   // front; in that case, and without one, all windows of the thread wait for it.
@@ -35,6 +32,7 @@ class UserSurfaceWin final : public UserSurface {
   void SetPointer(MousePointer pointer) noexcept override;
   void SetHelpFile(const std::wstring& path) override;
   bool CallHelp(std::uint32_t command, std::uint32_t data) override;
+  // The file is KespCommObj.chm in the folder of the library.
   std::optional<bool> CallOwnHelp(std::uint32_t topic) override;
   wchar_t DecimalSeparator() override;
 
@@ -42,7 +40,6 @@ class UserSurfaceWin final : public UserSurface {
   std::wstring HelpFile();
 
   HelpCaller call_help_;
-  const std::wstring own_help_file_;
   std::mutex help_file_mutex_;
   std::wstring help_file_;
 };
