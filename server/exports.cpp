@@ -8,6 +8,7 @@
 #include "server/registration.h"
 #include "server/type_info_cache.h"
 
+using kesp::Hosting;
 using kesp::RegistrationScope;
 
 // Thread notifications stay on: the C++ runtime, which is linked in, frees each thread's data on them.
@@ -42,12 +43,23 @@ STDAPI DllUnregisterServer() {
 }
 
 // regsvr32 /i:user (with /n, so that DllRegisterServer is not called as well) registers for the present user
-// only, regsvr32 /n /i for the machine. Any other text is refused.
+// only, regsvr32 /n /i for the machine. /i:surrogate and /i:user,surrogate also let the system's surrogate
+// process load the library. Any other text is refused.
 STDAPI DllInstall(BOOL install, LPCWSTR command_line) {
-  RegistrationScope scope = RegistrationScope::kMachine;
-  if (command_line != nullptr && *command_line != L'\0') {
-    if (lstrcmpiW(command_line, L"user") != 0) return E_INVALIDARG;
-    scope = RegistrationScope::kUser;
+  struct Command {
+    const wchar_t* text;
+    RegistrationScope scope;
+    Hosting hosting;
+  };
+  constexpr Command kCommands[] = {
+      {L"", RegistrationScope::kMachine, Hosting::kInProcess},
+      {L"user", RegistrationScope::kUser, Hosting::kInProcess},
+      {L"surrogate", RegistrationScope::kMachine, Hosting::kSurrogateToo},
+      {L"user,surrogate", RegistrationScope::kUser, Hosting::kSurrogateToo},
+  };
+  for (const Command& command : kCommands) {
+    if (lstrcmpiW(command_line != nullptr ? command_line : L"", command.text) != 0) continue;
+    return install ? kesp::Register(command.scope, command.hosting) : kesp::Unregister(command.scope);
   }
-  return install ? kesp::Register(scope) : kesp::Unregister(scope);
+  return E_INVALIDARG;
 }

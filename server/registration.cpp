@@ -18,6 +18,8 @@ namespace {
 constexpr wchar_t kClasses[] = L"Software\\Classes\\";
 constexpr wchar_t kLibraryName[] = L"Kesp Communication Object Library";
 constexpr wchar_t kLibraryVersion[] = L"1.0";
+// The application that the classes are of, for the system's surrogate process and for DCOM.
+constexpr wchar_t kApplication[] = L"{b11edd6c-6e7c-4198-acee-833c0be5cd41}";
 // The automation library's own marshaler, which reads the type library.
 constexpr wchar_t kTypeLibraryMarshaler[] = L"{00020424-0000-0000-C000-000000000046}";
 constexpr wchar_t kDispatchMarshaler[] = L"{00020420-0000-0000-C000-000000000046}";
@@ -63,6 +65,9 @@ std::wstring InterfaceKey(REFIID iid) {
 }
 std::wstring LibraryKey() {
   return kClasses + (L"TypeLib\\" + GuidText(LIBID_KespCommObj));
+}
+std::wstring ApplicationKey() {
+  return std::wstring(kClasses) + L"AppID\\" + kApplication;
 }
 std::wstring ProgId(const CreatableClass& entry) {
   return std::wstring(L"KespCommObj.") + entry.name;
@@ -120,6 +125,16 @@ void RegisterAll(HKEY root) {
   }
 }
 
+// An empty DllSurrogate is the system's own surrogate process.
+void RegisterSurrogate(HKEY root) {
+  const RegistryKey application = RegistryKey::Create(root, ApplicationKey());
+  application.Set({}, kLibraryName);
+  application.Set(L"DllSurrogate", {});
+  for (const auto* entry = begin_classes(); entry != end_classes(); ++entry) {
+    RegistryKey::Create(root, ClassKey(entry->clsid)).Set(L"AppID", kApplication);
+  }
+}
+
 void UnregisterLibrary(HKEY root) {
   const std::wstring version = LibraryKey() + L"\\" + kLibraryVersion;
   RemoveTree(root, version + L"\\0\\" + kPlatform);
@@ -138,13 +153,16 @@ void UnregisterAll(HKEY root) {
   }
   for (const InterfaceEntry& entry : kInterfaces) RemoveTree(root, InterfaceKey(entry.iid));
   UnregisterLibrary(root);
+  // It belongs to both bitnesses, too.
+  if (!KeyExists(root, ClassKey(begin_classes()->clsid), kOtherView)) RemoveTree(root, ApplicationKey());
 }
 
 }  // namespace
 
-HRESULT Register(RegistrationScope scope) noexcept {
+HRESULT Register(RegistrationScope scope, Hosting hosting) noexcept {
   try {
     RegisterAll(RootOf(scope));
+    if (hosting == Hosting::kSurrogateToo) RegisterSurrogate(RootOf(scope));
     return S_OK;
   } catch (...) {
     const HRESULT result = ReportException(IID_NULL);
@@ -158,7 +176,7 @@ HRESULT Unregister(RegistrationScope scope) noexcept {
     UnregisterAll(RootOf(scope));
     // A user who has no classes of his own otherwise is left without these, as before.
     if (scope == RegistrationScope::kUser) {
-      for (const wchar_t* key : {L"CLSID", L"Interface", L"TypeLib"}) {
+      for (const wchar_t* key : {L"AppID", L"CLSID", L"Interface", L"TypeLib"}) {
         RemoveIfEmpty(RootOf(scope), std::wstring(kClasses) + key);
       }
     }

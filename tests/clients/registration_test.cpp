@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "tests/clients/library_module.h"
 #include "tests/clients/public_classes.h"
@@ -158,8 +159,28 @@ TEST_F(RegistrationTest, InstalledForBoth_EachIsTakenAwayAlone) {
   EXPECT_TRUE(RegisteredNames(Hive::kUser).contains(L"\\CLSID\\" + GuidText(__uuidof(CKespTCP))));
 }
 
+TEST_F(RegistrationTest, InstalledForTheSurrogate_ClassesNameAnApplicationThatLeavesWithThem) {
+  for (const auto& [text, hive] :
+       {std::pair(L"surrogate", Hive::kMachine), {L"user,Surrogate", Hive::kUser}}) {
+    EXPECT_EQ(module_.Install(TRUE, text), S_OK);
+    std::wstring application;
+    for (const PublicClass& one : kPublicClasses) {
+      if (!one.is_creatable()) continue;
+      const std::wstring key = L"CLSID\\" + GuidText(one.clsid);
+      application = L"AppID\\" + ValuesBelow(hive, key)[key + L"\\AppID"];
+      const Values values = ValuesBelow(hive, application);
+      EXPECT_EQ(values, (Values{{application, L"Kesp Communication Object Library"},
+                                {application + L"\\DllSurrogate", L""}}));
+    }
+    EXPECT_EQ(module_.Install(FALSE, text), S_OK);
+    EXPECT_EQ(ValuesBelow(hive, application), Values());
+    EXPECT_EQ(RegisteredNames(Hive::kMachine), machine_);
+    EXPECT_EQ(RegisteredNames(Hive::kUser), user_);
+  }
+}
+
 TEST_F(RegistrationTest, InstallWithAnotherText_IsRefusedAndChangesNothing) {
-  for (const wchar_t* text : {L"machine", L"users", L" ", L"user "}) {
+  for (const wchar_t* text : {L"machine", L"users", L" ", L"user ", L"surrogate,user"}) {
     EXPECT_EQ(module_.Install(TRUE, text), E_INVALIDARG) << testing::PrintToString(std::wstring(text));
     EXPECT_EQ(module_.Install(FALSE, text), E_INVALIDARG) << testing::PrintToString(std::wstring(text));
   }
