@@ -26,16 +26,16 @@ Section /o "Practice instruments" SECTION_PRACTICE
   !insertmacro INSTALL_PRACTICE
 SectionEnd
 
+Section /o "Surrogate process" SECTION_SURROGATE
+SectionEnd
+
 Section "-Registration"
   WriteUninstaller "$INSTDIR\uninstall.exe"
+  !insertmacro CHOOSE_REGISTRATION
   ${If} $HasWin64 = 1
-    Push "$INSTDIR\win64\KespCommObj.dll"
-    Push $RegSvr64
-    Call Register
+    !insertmacro REGISTER "$INSTDIR\win64\KespCommObj.dll" $RegSvr64 64
   ${EndIf}
-  Push "$INSTDIR\win32\KespCommObj.dll"
-  Push $RegSvr32
-  Call Register
+  !insertmacro REGISTER "$INSTDIR\win32\KespCommObj.dll" $RegSvr32 32
 SectionEnd
 
 Section "-Entry in Programs and Features"
@@ -64,6 +64,7 @@ Function .onInit
   ${EndIf}
   Call ChooseScopeFromCommandLine
   !insertmacro CHOOSE_PRACTICE_FROM_COMMAND_LINE
+  !insertmacro CHOOSE_SURROGATE_FROM_COMMAND_LINE
   ${If} $HasWin64 = 0
     SectionSetFlags ${SECTION_WIN64} 0
   ${EndIf}

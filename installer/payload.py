@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Writes what the setup program installs, and its removal file by file, as macros for setup.nsi.
+"""Writes what the setup program installs, its removal file by file, and the registry entries that name the library, as
+macros for setup.nsi.
 
 usage: payload.py TREE DIST OUTPUT
 
@@ -15,8 +16,10 @@ import pathlib
 import sys
 
 sys.dont_write_bytecode = True  # the tree stays as it is
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tools" / "lib"))
+TREE = pathlib.Path(__file__).resolve().parent.parent
+sys.path[:0] = [str(TREE / "tools" / "lib"), str(TREE / "packaging")]
 import page_links  # noqa: E402
+import side_by_side  # noqa: E402
 
 DOCUMENTS = {".md", ".png", ""}  # the license has no suffix
 WIDTHS = ("win64", "win32")
@@ -112,8 +115,20 @@ def remove_macro(places):
     yield "!macroend"
 
 
+def entries_macro(library):
+    """Keys below Software\\Classes whose value is the path of the DLL; {bits} stands for its width."""
+    keys = [f"CLSID\\{identifier}\\InprocServer32" for _, identifier in library.classes]
+    keys.append(f"TypeLib\\{library.identifier}\\{library.version}\\0\\win${{bits}}")
+    yield f"!define ENTRIES_OF_A_LIBRARY {len(keys)}"
+    yield f'!define KEY_OF_A_CLASS "CLSID\\{library.classes[0][1]}"'
+    yield "!macro FOR_EACH_ENTRY action bits"
+    yield from (f'  !insertmacro ${{action}} "{key}"' for key in keys)
+    yield "!macroend"
+
+
 def script(groups):
     yield "; What the setup program installs; written by payload.py."
+    yield from entries_macro(side_by_side.read_library(side_by_side.LIST.read_text(encoding="utf-8")))
     for name, group in groups.items():
         yield from install_macro(name, group)
     yield from remove_macro(dict.fromkeys(place for group in groups.values() for _, place in group))

@@ -45,7 +45,9 @@ ManifestDPIAware true
 !include log.nsh
 !include place.nsh
 !include in_use.nsh
+!include entries.nsh
 !include registration.nsh
+!include surrogate.nsh
 !include practice.nsh
 !include removal.nsh
 !include earlier_version.nsh

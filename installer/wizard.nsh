@@ -21,6 +21,8 @@ Page custom ShowScopePage LeaveScopePage
   !insertmacro MUI_DESCRIPTION_TEXT ${SECTION_COMMON} "What programs need to talk to instruments."
   !insertmacro MUI_DESCRIPTION_TEXT ${SECTION_PRACTICE} "Simulated instruments, for work without hardware. Leave them \
 out where real instruments are in use."
+  !insertmacro MUI_DESCRIPTION_TEXT ${SECTION_SURROGATE} "For 64-bit programs that need a 32-bit driver, and for other \
+computers (DCOM)."
 !insertmacro MUI_FUNCTION_DESCRIPTION_END
 
 Function ShowScopePage
@@ -54,15 +56,19 @@ Function LeaveScopePage
     ${EndIf}
   ${EndIf}
   Call ChooseFolder
-  Call ChoosePracticeAsBefore
+  Call ChooseComponentsAsBefore
 FunctionEnd
 
 ; The wizard begins with what an earlier installation of the scope has.
-Function ChoosePracticeAsBefore
+Function ChooseComponentsAsBefore
   ReadRegStr $0 SHCTX "${UNINSTALL_KEY}" "InstallLocation"
   ${If} $0 != ""
   ${AndIf} ${FileExists} "$0\simulator\kesp-sim.exe"
     !insertmacro SelectSection ${SECTION_PRACTICE}
+  ${EndIf}
+  ReadRegStr $0 SHCTX "Software\Classes\${KEY_OF_A_CLASS}" "AppID"
+  ${If} $0 != ""
+    !insertmacro SelectSection ${SECTION_SURROGATE}
   ${EndIf}
 FunctionEnd
 
@@ -71,6 +77,9 @@ Function BeginAgainAsAdministrator
   StrCpy $0 ""
   ${If} ${SectionIsSelected} ${SECTION_PRACTICE}
     StrCpy $0 "/PRACTICE "
+  ${EndIf}
+  ${If} ${SectionIsSelected} ${SECTION_SURROGATE}
+    StrCpy $0 "$0/SURROGATE "
   ${EndIf}
   ${If} $WishedFolder != ""
     StrCpy $0 "$0/D=$WishedFolder"

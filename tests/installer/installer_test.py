@@ -19,7 +19,7 @@ import tempfile
 import unittest
 
 sys.dont_write_bytecode = True  # the tree stays as it is
-from sandbox import ROOT, SKIPPED, TOOLS, Sandbox, becomes_true, windows_path  # noqa: E402
+from sandbox import ROOT, SKIPPED, TOOLS, ExitCode, Sandbox, becomes_true, windows_path  # noqa: E402
 from shortcut import read_shortcut  # noqa: E402
 
 HERE = pathlib.Path(__file__).parent
@@ -96,11 +96,13 @@ def root_of(folder):
 
 def install(*switches, program=None):
     """For all users unless the switches say otherwise."""
-    return sandbox.run_line(f'"{windows_path(program or setup)}" /S {" ".join(switches)}').returncode
+    result = sandbox.run_line(f'"{windows_path(program or setup)}" /S {" ".join(switches)}')
+    log = sandbox.path(FAILED_LOG)
+    return ExitCode(result, log.read_text("utf-16") if result.returncode and log.exists() else "")
 
 
 def install_for_user(*switches):
-    return sandbox.run_limited(setup, "/S", "/USER", *switches).returncode
+    return ExitCode(sandbox.run_limited(setup, "/S", "/USER", *switches))
 
 
 def uninstall(folder):
@@ -114,7 +116,7 @@ def uninstall(folder):
 
 def uninstall_in_place(folder, run=None):
     """Where it lies, so that its exit code is seen."""
-    return sandbox.run_line(f'"{folder}\\uninstall.exe" /S _?={folder}', run).returncode
+    return ExitCode(sandbox.run_line(f'"{folder}\\uninstall.exe" /S _?={folder}', run))
 
 
 def registered_servers(root):
@@ -465,6 +467,83 @@ class RefusedUninstallingTest(InstallerTest):
         self.assertEqual(install(), 0)
         self.assertEqual(uninstall_in_place(FOLDER, sandbox.run_limited), NEEDS_ADMINISTRATOR)
         self.assert_usable()
+
+
+class LazyRegistrationTest(InstallerTest):
+    """regsvr32 ends with 0 and has done nothing, as it was seen under load."""
+
+    def setUp(self):
+        self.rest = sandbox.drive / "lazy.txt"
+        regsvr32, own = (sandbox.system / name for name in ("regsvr32.exe", "regsvr32-own.exe"))
+        # Wine's system folder may hold links to the files of all prefixes.
+        shutil.move(regsvr32, own)
+        self.addCleanup(shutil.move, own, regsvr32)
+        shutil.copy(sandbox.starter.with_name("lazy_regsvr32.exe"), regsvr32)
+
+    def tearDown(self):
+        self.be_lazy(0)
+        clean_up()
+        self.rest.unlink()
+
+    def be_lazy(self, times):
+        self.rest.write_text("." * times)
+
+    def test_Installing_RegistersOnceMore(self):
+        self.be_lazy(1)
+        self.assertEqual(install(), 0)
+        log = (sandbox.path(FOLDER) / "setup.log").read_text("utf-16")
+        self.assertRegex(log, r"regsvr32 made 0 of \d entries of .*; once more")
+        self.assertIn(sandbox.bits, registered_servers("HKLM"))
+
+    def test_Installing_ThatGetsNoEntries_IsTakenBack(self):
+        self.be_lazy(2)
+        self.assertEqual(install(), FAILED)
+        self.assertRegex(failed_log(), r"could not be registered: regsvr32 made 0 of \d entries")
+        self.assertFalse(sandbox.is_listed("HKLM"))
+
+    def test_Uninstalling_UnregistersOnceMore(self):
+        self.be_lazy(0)
+        self.assertEqual(install_for_user(), 0)
+        self.be_lazy(1)
+        self.assertEqual(uninstall_in_place(user_folder(), sandbox.run_limited), 0)
+        self.assertEqual(registered_servers("HKCU"), {})
+
+    def test_Uninstalling_ThatLeavesEntries_EndsAsFailed(self):
+        self.be_lazy(0)
+        self.assertEqual(install_for_user(), 0)
+        self.be_lazy(2)
+        self.assertEqual(uninstall_in_place(user_folder(), sandbox.run_limited), FAILED)
+        remaining = [line for line in sandbox.registry(roots=["HKCU"])["HKCU"] if "KespCommObj.dll" in line]
+        self.assertNotEqual(remaining, [])
+        self.assertEqual(install_for_user(), 0)  # whose uninstaller takes them away
+
+
+class SurrogateTest(InstallerTest):
+    def tearDown(self):
+        clean_up()
+
+    def applications(self, root):
+        return {line for line in sandbox.registry("Software\\Classes", [root])[root] if '"DllSurrogate"=""' in line}
+
+    def test_AskedFor_IsOffered_AndLeavesWithTheInstallation(self):
+        self.assertEqual(install("/SURROGATE"), 0)
+        # The one key is seen in both views.
+        self.assertIn(len(self.applications("HKLM")), (1, len(sandbox.widths)))
+        self.assert_usable()
+        self.assertTrue(uninstall(FOLDER))
+        self.assert_nothing_left()
+
+    def test_AskedForByAUser_IsOfferedToHim(self):
+        self.assertEqual(install_for_user("/SURROGATE"), 0)
+        self.assertEqual(len(self.applications("HKCU")), 1)
+        self.assertEqual(self.applications("HKLM"), set())
+        self.assertTrue(uninstall(user_folder()))
+        self.assert_nothing_left()
+
+    def test_NotAskedFor_IsNotOffered_AndThatOfBeforeLeaves(self):
+        self.assertEqual(install("/SURROGATE"), 0)
+        self.assertEqual(install(), 0)
+        self.assertEqual(self.applications("HKLM"), set())
 
 
 class EarlierInstallationTest(InstallerTest):

@@ -23,6 +23,18 @@ def note_second_start(command, code):
               + " ".join(map(str, command)), file=log)
 
 
+class ExitCode(int):
+    """Of a program, which a failed comparison shows together with what the program said."""
+
+    def __new__(cls, result, also=""):
+        code = super().__new__(cls, result.returncode)
+        code.said = (result.stdout + result.stderr + also).strip()
+        return code
+
+    def __repr__(self):
+        return f"{int(self)} (said: {self.said or 'nothing'})"
+
+
 class Sandbox:
     """A Wine prefix; shared by all tests of a run, each of which leaves it as it was."""
 
