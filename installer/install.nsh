@@ -4,6 +4,8 @@ Var IsChanging ; 1 from the first change on, so that a failure before it takes n
 Section "-Earlier version"
   Call OpenLog
   ${Log} "Installing into $INSTDIR, scope: $Scope"
+  Call RequireNoNewerVersion
+  Call NoteOtherScope
   Call RequirePlace
   Call RemoveEarlierVersion
   StrCpy $IsChanging 1
@@ -20,6 +22,10 @@ SectionEnd
 
 Section "-32-bit library"
   !insertmacro PAYLOAD_WIN32
+SectionEnd
+
+Section "-Start menu"
+  !insertmacro INSTALL_MENU
 SectionEnd
 
 Section /o "Practice instruments" SECTION_PRACTICE
@@ -63,6 +69,7 @@ Function .onInit
     Quit
   ${EndIf}
   Call ChooseScopeFromCommandLine
+  Call ChooseLogFromCommandLine
   !insertmacro CHOOSE_PRACTICE_FROM_COMMAND_LINE
   !insertmacro CHOOSE_SURROGATE_FROM_COMMAND_LINE
   ${If} $HasWin64 = 0

@@ -9,6 +9,7 @@
 !define FAILED_LOG "$FailedLogFolder\KespCommObj-setup.log"
 Var LogFile
 Var FailedLogFolder
+Var WishedLog ; what /LOG= named; empty without it
 
 ; ${Log} text: a line of the log.
 !define Log "!insertmacro LogLine"
@@ -29,6 +30,16 @@ Var FailedLogFolder
   Abort
 !macroend
 
+; /LOG=file has a copy of the log written there, however the run ends.
+Function ChooseLogFromCommandLine
+  ${GetParameters} $0
+  ClearErrors
+  ${GetOptions} $0 "/LOG=" $WishedLog
+  ${If} ${Errors}
+    StrCpy $WishedLog ""
+  ${EndIf}
+FunctionEnd
+
 Function OpenLog
   StrCpy $FailedLogFolder $TEMP
   ${If} $Scope == machine
@@ -43,5 +54,8 @@ FunctionEnd
 ; Closes the log and leaves it in that place.
 !macro CLOSE_LOG place
   FileClose $LogFile
+  ${If} $WishedLog != ""
+    System::Call 'kernel32::CopyFileW(w "${OPEN_LOG}", w "$WishedLog", i 0)'
+  ${EndIf}
   System::Call 'kernel32::CopyFileW(w "${OPEN_LOG}", w "${place}", i 0)'
 !macroend

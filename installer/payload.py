@@ -21,7 +21,9 @@ sys.path[:0] = [str(TREE / "tools" / "lib"), str(TREE / "packaging")]
 import page_links  # noqa: E402
 import side_by_side  # noqa: E402
 
-DOCUMENTS = {".md", ".png", ""}  # the license has no suffix
+DOCUMENTS = {".md", ".png"}
+# At the top of the tree, with whatever ending.
+LEGAL = ("LICENSE", "THIRD-PARTY-NOTICES")
 WIDTHS = ("win64", "win32")
 PRACTICE = {"win64": "practice64", "win32": "practice32"}
 GROUPS = ("common", *WIDTHS, "practice", *PRACTICE.values())
@@ -44,7 +46,12 @@ def documents(tree):
         if place.suffix == ".md":
             text = (tree / place).read_text(encoding="utf-8")
             open_ends += [page_links.place(place, path) for path, _ in page_links.links(text) if path]
-    return [(tree / place, pathlib.Path(place)) for place in sorted(found)]
+    found += [pathlib.PurePosixPath(path.name) for name in LEGAL for path in legal_files(tree, name)]
+    return [(tree / place, pathlib.Path(place)) for place in sorted(set(found))]
+
+
+def legal_files(tree, name):
+    return [path for path in sorted(tree.glob(name + "*")) if path.is_file() and path.stem == name]
 
 
 def products(dist):
@@ -126,6 +133,14 @@ def entries_macro(library):
     yield "!macroend"
 
 
+def definitions(tree, groups):
+    """What of it the rest of the script asks for."""
+    if any(place.as_posix() == "help/index.html" for _, place in groups["common"]):
+        yield "!define HAS_HELP"
+    for path in legal_files(tree, "LICENSE")[:1]:
+        yield f"!define LICENSE_FILE {quoted(path)}"
+
+
 def script(groups):
     yield "; What the setup program installs; written by payload.py."
     yield from entries_macro(side_by_side.read_library(side_by_side.LIST.read_text(encoding="utf-8")))
@@ -138,7 +153,8 @@ def main():
     if len(sys.argv) != 4:
         sys.exit(__doc__)
     tree, dist, output = (pathlib.Path(argument).resolve() for argument in sys.argv[1:])
-    output.write_text("\n".join(script(groups_of(tree, dist))) + "\n", encoding="utf-8-sig")
+    groups = groups_of(tree, dist)
+    output.write_text("\n".join([*script(groups), *definitions(tree, groups)]) + "\n", encoding="utf-8-sig")
 
 
 if __name__ == "__main__":

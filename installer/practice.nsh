@@ -1,6 +1,5 @@
 ; The component "Practice instruments": the simulator, and its entry in the Start menu.
-!define PRACTICE_MENU "$SMPROGRAMS\${PRODUCT}"
-!define PRACTICE_LINK "${PRACTICE_MENU}\Practice instrument.lnk"
+!define PRACTICE_LINK "${MENU}\Practice instrument.lnk"
 
 ; The console of the entry stays open when the instrument has ended, so that an error can be read. No path is in it, and
 ; it is short enough for the box in which Windows shows it (260 characters).
@@ -18,7 +17,7 @@ echo Ctrl-C ends it. After that, .\kesp-sim --help tells what else it plays.& \
   ${Else}
     !insertmacro PAYLOAD_PRACTICE32
   ${EndIf}
-  CreateDirectory "${PRACTICE_MENU}"
+  CreateDirectory "${MENU}"
   ; The entry starts in this folder.
   SetOutPath "$INSTDIR\simulator"
   ClearErrors
@@ -31,7 +30,6 @@ echo Ctrl-C ends it. After that, .\kesp-sim --help tells what else it plays.& \
 !macro REMOVE_PRACTICE_MENU un
   Push "${PRACTICE_LINK}"
   Call ${un}DeleteFile
-  RMDir "${PRACTICE_MENU}"
 !macroend
 
 ; /PRACTICE chooses the component. Without it, none is installed, and one of an earlier installation leaves with that.

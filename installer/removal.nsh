@@ -53,6 +53,7 @@ Function ${un}RemoveInstallation
   Delete "$INSTDIR\uninstall.exe"
   !insertmacro PAYLOAD_REMOVE "${un}"
   !insertmacro REMOVE_PRACTICE_MENU "${un}"
+  !insertmacro REMOVE_MENU "${un}"
   Push $INSTDIR
   Call ${un}DeleteFolder
   ; The publisher's folder, unless others are in it or /D= chose a place of its own.

@@ -3,6 +3,7 @@
 ;   PAYLOAD  the file written by payload.py: what is installed, and its removal
 ;   OUTPUT   the program to write
 ;   STUB     x86-unicode, which runs on every Windows, or amd64-unicode for a Windows without 32-bit programs
+;   COMMIT   which commit of the sources it was made from
 ;   COMPRESSOR  lzma for the smallest program, zlib for one that is made in a moment
 Target ${STUB}
 SetCompressor /SOLID ${COMPRESSOR}
@@ -23,6 +24,7 @@ SetCompressor /SOLID ${COMPRESSOR}
 !define EXIT_FILES_REMAIN 32
 !define EXIT_NEEDS_ADMINISTRATOR 740
 !define EXIT_OLD_WINDOWS 1150
+!define EXIT_NEWER_VERSION 1638
 !define EXIT_NEEDS_RESTART 3010
 
 Name "${PRODUCT}"
@@ -48,6 +50,8 @@ ManifestDPIAware true
 !include entries.nsh
 !include registration.nsh
 !include surrogate.nsh
+!include other_installations.nsh
+!include menu.nsh
 !include practice.nsh
 !include removal.nsh
 !include earlier_version.nsh

@@ -6,12 +6,18 @@ Var UserButton
 
 !define MUI_ABORTWARNING
 !insertmacro MUI_PAGE_WELCOME
+!ifdef LICENSE_FILE
+  !insertmacro MUI_PAGE_LICENSE "${LICENSE_FILE}"
+!endif
 Page custom ShowScopePage LeaveScopePage
 !define MUI_COMPONENTSPAGE_SMALLDESC
 !insertmacro MUI_PAGE_COMPONENTS
 !define MUI_PAGE_CUSTOMFUNCTION_LEAVE LeaveDirectoryPage
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
+!define MUI_FINISHPAGE_SHOWREADME ""
+!define MUI_FINISHPAGE_SHOWREADME_TEXT "Open the first steps"
+!define MUI_FINISHPAGE_SHOWREADME_FUNCTION OpenFirstSteps
 !insertmacro MUI_PAGE_FINISH
 !insertmacro MUI_UNPAGE_CONFIRM
 !insertmacro MUI_UNPAGE_INSTFILES
@@ -55,6 +61,7 @@ Function LeaveScopePage
       Call BeginAgainAsAdministrator
     ${EndIf}
   ${EndIf}
+  Call AskAboutOtherInstallations
   Call ChooseFolder
   Call ChooseComponentsAsBefore
 FunctionEnd
@@ -80,6 +87,9 @@ Function BeginAgainAsAdministrator
   ${EndIf}
   ${If} ${SectionIsSelected} ${SECTION_SURROGATE}
     StrCpy $0 "$0/SURROGATE "
+  ${EndIf}
+  ${If} $WishedLog != ""
+    StrCpy $0 '$0/LOG="$WishedLog" '
   ${EndIf}
   ${If} $WishedFolder != ""
     StrCpy $0 "$0/D=$WishedFolder"

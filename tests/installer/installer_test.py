@@ -11,6 +11,7 @@ import contextlib
 import filecmp
 import functools
 import pathlib
+import re
 import shutil
 import socket
 import subprocess
@@ -30,11 +31,12 @@ UNPROTECTED = "C:\\Unprotected"
 MENU = "Microsoft\\Windows\\Start Menu\\Programs\\Kesp Communication Object Library"
 ALL_USERS_MENU = "C:\\ProgramData\\" + MENU
 LINK = "Practice instrument.lnk"
+LINKS = ["Documents.lnk", "Samples.lnk", "kesp console.lnk"]
 FAILED_LOG = "C:\\windows\\Logs\\KespCommObj-setup.log"
 ENTRY = "[HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\KespCommObj] "
 SESSION_MANAGER = "HKLM\\System\\CurrentControlSet\\Control\\Session Manager"
 # Exit codes; Linux keeps eight bits.
-FAILED, FILES_REMAIN, NEEDS_ADMINISTRATOR, NEEDS_RESTART = 2, 32, 740 & 0xFF, 3010 & 0xFF
+FAILED, FILES_REMAIN, NEEDS_ADMINISTRATOR, NEEDS_RESTART, NEWER_VERSION = 2, 32, 740 & 0xFF, 3010 & 0xFF, 1638 & 0xFF
 sandbox = None
 setup = None
 version = None
@@ -204,7 +206,7 @@ class InstallerTest(unittest.TestCase):
 
     def assert_no_practice_instruments(self):
         self.assertEqual(names_in(sandbox.path(FOLDER) / "simulator"), ["README.md"])
-        self.assertFalse(sandbox.path(ALL_USERS_MENU).exists())
+        self.assertEqual(names_in(sandbox.path(ALL_USERS_MENU)), LINKS)
 
     def assert_usable(self):
         for bits in sandbox.widths:
@@ -273,6 +275,22 @@ class InstalledForAllUsersTest(InstallerTest):
 
     def test_SetupProgram_TellsItsVersion(self):
         self.assertIn(f"version={version}.0\n", sandbox.run(HERE / "file_version.vbs", windows_path(setup)).stdout)
+
+    def test_VersionResources_TellTheCommit(self):
+        for path in (setup, self.folder / "win32" / "KespCommObj.dll"):
+            text = path.read_bytes().decode("utf-16-le", errors="replace")
+            self.assertRegex(text, r"Comments\0+(commit [0-9a-f]{8}(-dirty)?|no commit)\0", path)
+
+    def test_EntriesInTheStartMenu_LeadToWhatIsInstalled(self):
+        menu = sandbox.path(ALL_USERS_MENU)
+        self.assertEqual(names_in(menu), LINKS)
+        samples, console = (read_shortcut(menu / name) for name in LINKS[1:])
+        self.assertEqual(samples.target, FOLDER + "\\samples")
+        self.assertTrue((sandbox.path(console.folder) / "kesp.exe").exists(), console.folder)
+        self.assertIn(".\\kesp --help", console.arguments)
+        documents = read_shortcut(menu / LINKS[0])
+        page = documents.arguments.strip('"') or documents.target
+        self.assertTrue(sandbox.path(page).is_file(), page)
 
 
 class PracticeInstrumentsTest(InstallerTest):
@@ -566,6 +584,55 @@ class EarlierInstallationTest(InstallerTest):
         log = (sandbox.path(FOLDER) / "setup.log").read_text("utf-16")
         self.assertIn(f"Not removed: the earlier installation in {UNPROTECTED}", log)
         self.assertTrue((folder / "uninstall.exe").exists())
+
+
+class OtherInstallationsTest(InstallerTest):
+    def tearDown(self):
+        clean_up()
+
+    def test_NewerVersion_IsReplacedOnlyWhenAskedFor(self):
+        self.assertEqual(install(), 0)
+        key = ENTRY.strip(" []").replace("HKEY_LOCAL_MACHINE", "HKLM")
+        sandbox.reg("add", key, "/v", "DisplayVersion", "/d", "99.0.0", "/f").check_returncode()
+        self.assertEqual(install(), NEWER_VERSION)
+        self.assertIn("Version 99.0.0 is installed, which is newer. Nothing was changed", failed_log())
+        self.assert_usable()
+        self.assertEqual(install("/DOWNGRADE"), 0)
+        log = (sandbox.path(FOLDER) / "setup.log").read_text("utf-16")
+        self.assertIn("Replacing version 99.0.0", log)
+
+    def test_SameVersion_IsInstalledAgain(self):
+        self.assertEqual(install(), 0)
+        self.assertEqual(install(), 0)
+
+    def test_OtherScope_IsToldOf(self):
+        self.assertEqual(install(), 0)
+        self.assertNotIn("also installed", (sandbox.path(FOLDER) / "setup.log").read_text("utf-16"))
+        self.assertEqual(install_for_user(), 0)
+        log = (sandbox.path(user_folder()) / "setup.log").read_text("utf-16")
+        self.assertIn(f"The library is also installed in {FOLDER}.", log)
+
+
+class LogTest(InstallerTest):
+    def setUp(self):
+        self.folder = sandbox.drive / "log folder"
+        self.folder.mkdir()
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.switch = '/LOG="C:\\log folder\\mine.log"'
+
+    def tearDown(self):
+        clean_up()
+
+    def read(self):
+        return (self.folder / "mine.log").read_text("utf-16")
+
+    def test_OfSuccess_IsWrittenWhereItIsAskedFor(self):
+        self.assertEqual(install(self.switch), 0)
+        self.assertEqual(self.read(), (sandbox.path(FOLDER) / "setup.log").read_text("utf-16"))
+
+    def test_OfFailure_IsWrittenWhereItIsAskedFor(self):
+        self.assertEqual(install(self.switch, "/D=" + UNPROTECTED), FAILED)
+        self.assertIn("within Program Files only", self.read())
 
 
 class DocumentInUseTest(InstallerTest):
