@@ -9,8 +9,9 @@ if(WIN32)
   target_compile_definitions(kesp_options INTERFACE
     UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0601 WINVER=0x0601)
   # One file and system DLLs only: the C++ runtime, the unwinder and the thread library are linked in.
+  # Two builds give the same file, so there is no time in it.
   target_link_options(kesp_options INTERFACE
-    -static -static-libgcc -static-libstdc++ -Wl,--dynamicbase -Wl,--nxcompat)
+    -static -static-libgcc -static-libstdc++ -Wl,--no-insert-timestamp -Wl,--dynamicbase -Wl,--nxcompat)
   if(CMAKE_SIZEOF_VOID_P EQUAL 8)
     target_link_options(kesp_options INTERFACE -Wl,--high-entropy-va)
   endif()

@@ -12,14 +12,19 @@ function(kesp_idl target idl)
   set(folder "${CMAKE_CURRENT_BINARY_DIR}/generated")
   file(MAKE_DIRECTORY "${folder}")
   set(widl "${KESP_WIDL}" --win${KESP_BITS} -I "${KESP_WIDL_IMPORTS}" -L "${KESP_WIDL_LIBRARIES}")
+  # Neither the time nor a path of the machine goes into what is delivered.
+  set(without_time "${CMAKE_SOURCE_DIR}/tools/lib/type_library_time.py")
   add_custom_command(
     OUTPUT "${folder}/${name}.tlb"
-    COMMAND ${widl} -t -o "${folder}/${name}.tlb" "${source}"
-    DEPENDS "${source}" COMMENT "Compiling the type library ${name}.tlb (${KESP_BITS} bit)" VERBATIM)
+    COMMAND ${widl} -t -o "${folder}/${name}.tlb" "${idl}"
+    COMMAND "${without_time}" "${folder}/${name}.tlb"
+    WORKING_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}"
+    DEPENDS "${source}" "${without_time}" COMMENT "Compiling the type library ${name}.tlb (${KESP_BITS} bit)" VERBATIM)
   add_custom_command(
     OUTPUT "${folder}/${name}.h" "${folder}/${name}_i.cpp"
-    COMMAND ${widl} -D KESP_CPP_HEADER -h -o "${folder}/${name}.h" "${source}"
-    COMMAND ${widl} -D KESP_CPP_HEADER -u -o "${folder}/${name}_i.cpp" "${source}"
+    COMMAND ${widl} -D KESP_CPP_HEADER -h -o "${folder}/${name}.h" "${idl}"
+    COMMAND ${widl} -D KESP_CPP_HEADER -u -o "${folder}/${name}_i.cpp" "${idl}"
+    WORKING_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}"
     DEPENDS "${source}" COMMENT "Compiling the C++ header ${name}.h (${KESP_BITS} bit)" VERBATIM)
   add_custom_target(${target}_generate DEPENDS "${folder}/${name}.tlb" "${folder}/${name}.h")
   # The interfaces and identifiers, for whoever speaks to the library.

@@ -34,6 +34,8 @@ BrandingText "${PUBLISHER} ${VERSION}"
 RequestExecutionLevel user
 ; A file that cannot be written ends the installation: nobody is asked to ignore it.
 AllowSkipFiles off
+; Two builds give the same program, so the files' times are not in it.
+SetDateSave off
 ShowInstDetails show
 ShowUninstDetails show
 ManifestSupportedOS all
