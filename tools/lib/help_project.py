@@ -9,7 +9,7 @@ import public_interface
 
 NAME = "Kesp Communication Object Library"
 CONTENTS, INDEX, HOME = "KespCommObj.hhc", "KespCommObj.hhk", "README.html"
-# Contents, index and search on the left, which follows the page; hide, back, refresh, home, print above. The numbers are
+# Contents, index and search on the left, which follows the page; hide, back, forward, home, print above. The numbers are
 # those that the viewer's documents list.
 WINDOW = (f'main="{NAME}","{CONTENTS}","{INDEX}","{HOME}","{HOME}",,,,,0x63520,260,0x104e,[80,60,1080,800],'
           ",,,,,,0")
