@@ -36,7 +36,10 @@ inline int Query(_CKespCommObj* comm, const std::wstring& cmd) {
   Check(comm->Query(result.out(), Text(cmd).get(), nullptr, nullptr, &succeeded));
   std::printf("command:     %ls\n", cmd.c_str());
   if (succeeded != VARIANT_FALSE) {
-    std::printf("reply:       %ls\n", result.c_str());
+    std::wstring reply = result.c_str();
+    // From the GPIB it comes with its line end.
+    reply.erase(reply.find_last_not_of(L"\r\n") + 1);
+    std::printf("reply:       %ls\n", reply.c_str());
   } else {
     Text source, description;
     Check(comm->get_CommErrorSource(source.out()));

@@ -11,7 +11,6 @@ int wmain(int argc, wchar_t** argv) {
     Check(ieee->put_EOSChar(Text(Argument(argc, argv, 2, L"10")).get()));
     // SetEOS would end a read at the first character of EOSChar, here "1". The END of the device is enough.
     Check(ieee->put_SetEOS(VARIANT_FALSE));
-    // The reply is handed out as it came, line ends included.
     return Query(comm.Get(), Argument(argc, argv, 3, L"*IDN?"));
   });
 }

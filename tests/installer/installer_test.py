@@ -344,7 +344,7 @@ class PracticeInstrumentsTest(InstallerTest):
         commands = [line.strip().replace("win64", f"win{sandbox.bits}") for line in lines if line.startswith("    ")]
         used = next(number for number, line in enumerate(commands) if line.startswith(".\\query"))
         elsewhere = commands[3].split('"')[1]
-        said = sandbox.run_line(f'"{elsewhere}" GPIB5').stdout
+        said = sandbox.run_line(f'"{elsewhere}" 5').stdout
         self.assertIn("File not found: Gpib-32.dll", said)
         said = sandbox.run_line("\n".join(commands[:used + 1])).stdout
         self.assertIn("reply:       KESP,GP488,SIM48805,1.0\n", said)
