@@ -77,16 +77,19 @@ HRESULT ReferenceArguments::Prepare(VARIANT& argument, VARTYPE type) {
   }
   // A result cannot be stored in a typed variable of another type; a property's value is only read.
   if (!is_put_ && IsReference(*given)) return DISP_E_TYPEMISMATCH;
-  const bool takes_result = !is_put_ && given != &argument;
+  const bool is_variable = !is_put_ && given != &argument;
   auto stand_in = std::make_unique<StandIn>();
   VariantInit(&stand_in->value);
-  const HRESULT conversion = VariantChangeType(&stand_in->value, given, 0, type);
+  if (!is_put_ && !is_variable) stand_in->object = ResultObject(*given);
+  if (stand_in->object) stand_in->object.Read(&stand_in->value);
+  const HRESULT conversion =
+      VariantChangeType(&stand_in->value, stand_in->object ? &stand_in->value : given, 0, type);
   if (FAILED(conversion)) {
-    if (!takes_result) return RefusalOf(conversion);
+    if (!is_variable && !stand_in->object) return RefusalOf(conversion);
     // Whatever the variable for a result held before, the member gets a value of its type.
     MakeEmpty(&stand_in->value, type);
   }
-  if (takes_result) stand_in->variable = given;
+  if (is_variable) stand_in->variable = given;
   MakeReference(&argument, &stand_in->value);
   stand_ins_.push_back(std::move(stand_in));
   return S_OK;
@@ -101,6 +104,8 @@ HRESULT ReferenceArguments::PrepareAnyType(VARIANT& argument) {
   if (IsReference(argument)) {
     // A typed variable of the client: the member sees the reference and stores through it.
     stand_in->value = argument;
+  } else if (stand_in->object = ResultObject(argument); stand_in->object) {
+    stand_in->object.Read(&stand_in->value);
   } else if (FAILED(VariantCopy(&stand_in->value, &argument))) {
     return DISP_E_TYPEMISMATCH;
   }
@@ -112,6 +117,7 @@ HRESULT ReferenceArguments::PrepareAnyType(VARIANT& argument) {
 
 void ReferenceArguments::WriteBack() {
   for (auto& stand_in : stand_ins_) {
+    if (stand_in->object) stand_in->object.Write(&stand_in->value);
     if (stand_in->variable == nullptr) continue;
     if (FAILED(VariantClear(stand_in->variable))) continue;  // a locked array keeps its value
     *stand_in->variable = stand_in->value;

@@ -5,13 +5,15 @@
 #include <vector>
 
 #include "server/com_headers.h"
+#include "server/result_object.h"
 #include "server/type_info_cache.h"
 
 namespace kesp {
 
 // A copy of a call's arguments in which each reference parameter that the client passed as a script variable
 // or as a plain value refers to a value of the parameter's own type, owned by this object. Arguments that fit
-// are passed on as they are.
+// are passed on as they are. An object that a client hands over for a result takes it in its member `value`,
+// where it has one: JScript hands over values only, and has no other way to see a reply.
 class ReferenceArguments {
  public:
   ReferenceArguments(const MemberCall& call, const DISPPARAMS& original);
@@ -25,8 +27,8 @@ class ReferenceArguments {
 
   DISPPARAMS* arguments() { return &arguments_; }
 
-  // Moves results into the script's variables they are for. What those held before is released. The variable
-  // that a property's value comes from stays as it is.
+  // Moves results into the script's variables, and into the members `value` of objects, that they are for.
+  // What those held before is released. The variable that a property's value comes from stays as it is.
   void WriteBack();
 
  private:
@@ -34,6 +36,7 @@ class ReferenceArguments {
   struct StandIn {
     VARIANT value{};
     VARIANT* variable = nullptr;  // the script's variable to write back to; null for none
+    ResultObject object;          // the object to write back to, where there is one
   };
 
   HRESULT Prepare(VARIANT& argument, VARTYPE type);
