@@ -2,7 +2,7 @@
 //
 //   cscript //nologo query_com.js [COM port number [bits per second [command]]]
 var csRS232 = 0, br150 = 0, br921600 = 13;
-var ForReading = 1, TemporaryFolder = 2;
+var TemporaryFolder = 2;
 
 var files = new ActiveXObject("Scripting.FileSystemObject");
 var cmd = argument(2, "*IDN?");
@@ -13,11 +13,12 @@ setBaudRate(comm.CommObject, argument(1, "9600"));
 comm.DebugFilename = files.BuildPath(files.GetSpecialFolder(TemporaryFolder), "query_com-js.log");
 comm.Debugging = true;
 
-// JScript hands over values only, so the reply does not come back in the first argument: the trace has it.
-var succeeded = comm.Query("", cmd);
+// JScript hands over values only. An object with a member "value" gets the reply there.
+var reply = { value: "" };
+var succeeded = comm.Query(reply, cmd);
 WScript.Echo("command:     " + cmd);
 if (succeeded) {
-  WScript.Echo("reply:       " + lastReply(comm.DebugFilename));
+  WScript.Echo("reply:       " + reply.value);
 } else {
   WScript.Echo("source:      " + comm.CommErrorSource);
   WScript.Echo("description: " + comm.CommErrorDescr);
@@ -33,15 +34,6 @@ function setBaudRate(transport, baud) {
   var rate = br150;
   while (rate < br921600 && transport.BaudRateName(rate) !== baud) rate++;
   transport.BaudRate = rate;
-}
-
-function lastReply(trace) {
-  var mark = "result- ";
-  var file = files.OpenTextFile(trace, ForReading);
-  var text = file.ReadAll();
-  file.Close();
-  var reply = text.substring(text.lastIndexOf(mark) + mark.length);
-  return reply.substring(0, reply.search(/[\r\n]/));
 }
 
 function argument(position, otherwise) {
