@@ -35,7 +35,7 @@ ENUMERATION_PAGES = ("enumerations.md", "errors.md")
 
 HEADING = re.compile(r"^(#{2,3}) +(.*)$", re.M)
 SIGNATURE = re.compile(r"^```vb\n((?:Function|Sub|Property|Event) .*?)\n```$", re.M | re.S)
-EXAMPLE = re.compile(r"^Example: `[^`]+`$", re.M)
+EXAMPLE = re.compile(r"^Example: `([^`]+)`$", re.M)
 ROW = re.compile(r"^\| `(\w+)` \| (-?\d+) \|(?: (0x[0-9A-F]{8}) \|)?", re.M)
 
 
@@ -60,8 +60,10 @@ def member_complaints(page, text, members):
         written = [on_one_line(signature) for signature in SIGNATURE.findall(parts[0])]
         if written != [member.signature]:
             yield f"{page}: {member.name} is not\n    {member.signature}"
-        if not EXAMPLE.search(parts[0]):
-            yield f"{page}: {member.name} has no example"
+        example = EXAMPLE.search(parts[0])
+        # Nobody writes the name of a hidden member.
+        if not example or (member.name not in example[1] and "hidden" not in member.signature):
+            yield f"{page}: {member.name} has no example that uses it"
     for signature in map(on_one_line, SIGNATURE.findall(text)):
         if signature not in {member.signature for member in members}:
             yield f"{page}: there is no\n    {signature}"
