@@ -1,0 +1,36 @@
+"""What the archives and packages have in common: the version, the manifest of a client, and zip files that are the same
+whenever they are made of the same."""
+
+import re
+import subprocess
+import zipfile
+
+# The first that an archive can tell.
+TIME = (1980, 1, 1, 0, 0, 0)
+
+
+def version_of(root):
+    return re.search(r"project\(KespCommObj VERSION ([\d.]+)", (root / "CMakeLists.txt").read_text()).group(1)
+
+
+def commit_seconds(root):
+    """Since 1970, of the present commit; 0 where there is none."""
+    result = subprocess.run(["git", "-C", str(root), "log", "-1", "--format=%ct"], capture_output=True, text=True, check=False)
+    return int(result.stdout) if result.returncode == 0 else 0
+
+
+def client_manifest(root, version):
+    template = root / "packaging" / "portable" / "client.manifest.in"
+    return template.read_text().replace("@PROJECT_VERSION@", version).encode()
+
+
+def write_archive(output, found):
+    """`found` is content by place."""
+    partial = output.with_name(output.name + ".partial")
+    with zipfile.ZipFile(partial, "w", zipfile.ZIP_DEFLATED, compresslevel=9) as archive:
+        for place in sorted(found, key=str):
+            entry = zipfile.ZipInfo(str(place), TIME)
+            entry.compress_type = zipfile.ZIP_DEFLATED
+            entry.external_attr = 0o644 << 16
+            archive.writestr(entry, found[place])
+    partial.replace(output)
