@@ -25,7 +25,7 @@ ROOMS = {
 }
 
 # Folders that stand outside the rooms and may use all of them; no room may include from them.
-CLIENTS = {"tests", "bench", "samples"}
+CLIENTS = {"tests", "bench", "samples", "packaging"}
 OTHERS = {"tools", "docs", "cmake"}
 
 SOURCES = {".h", ".hpp", ".inl", ".c", ".cc", ".cpp"}

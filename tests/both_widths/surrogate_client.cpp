@@ -1,5 +1,5 @@
 // A client that has its objects made in the system's surrogate process: surrogate_client 64|32 [GoogleTest's
-// options]
+// options].
 //
 // The width is that of the surrogate, and thus of the library, which may be another than the client's. The
 // simulated GPIB driver with its built-in bus lies beside that library.
