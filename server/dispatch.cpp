@@ -82,7 +82,7 @@ HRESULT DispatchInvoke(const InterfaceInfo& info, IDispatch* object, DISPID id, 
   const WORD use = static_cast<WORD>(call->kind);
   // A property is never set and read at once, and its result, if asked for, stays empty.
   if ((call->kind & (INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF)) != 0) result = nullptr;
-  if (call->references.empty()) {
+  if (!ReferenceArguments::AreNeeded(*call, *arguments)) {
     return Forward(info, object, id, use, arguments, result, exception, bad_argument);
   }
   try {

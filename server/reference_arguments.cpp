@@ -1,6 +1,8 @@
 // Conversion of arguments by reference, in before the call and out after it.
 #include "server/reference_arguments.h"
 
+#include <algorithm>
+
 #include "server/variant_bridge.h"
 
 namespace kesp {
@@ -29,6 +31,13 @@ bool IsReference(const VARIANT& value) {
   return (V_VT(&value) & VT_BYREF) != 0;
 }
 
+// An argument that the client left out, but by a variable that says so: nil in Ruby, or an optional argument
+// that a macro hands on. The automation library knows only those that are left out without one.
+bool IsLeftOutByVariable(VARIANT& argument) {
+  const VARIANT& given = *Dereferenced(&argument);
+  return &given != &argument && V_VT(&given) == VT_ERROR && V_ERROR(&given) == DISP_E_PARAMNOTFOUND;
+}
+
 // The refusal of an argument that VariantChangeType could not convert.
 HRESULT RefusalOf(HRESULT conversion) {
   return conversion == DISP_E_OVERFLOW || conversion == E_OUTOFMEMORY ? conversion : DISP_E_TYPEMISMATCH;
@@ -36,15 +45,24 @@ HRESULT RefusalOf(HRESULT conversion) {
 
 }  // namespace
 
+bool ReferenceArguments::AreNeeded(const MemberCall& call, const DISPPARAMS& given) {
+  return !call.references.empty() ||
+         std::any_of(given.rgvarg, given.rgvarg + given.cArgs, IsLeftOutByVariable);
+}
+
 ReferenceArguments::ReferenceArguments(const MemberCall& call, const DISPPARAMS& original)
     : is_put_((call.kind & (INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF)) != 0),
       arguments_(original),
       copies_(original.rgvarg, original.rgvarg + original.cArgs) {
   arguments_.rgvarg = copies_.data();
+  if (!is_put_) LeaveOut();
   for (const ReferenceArgument& reference : call.references) {
     VARIANT* argument = FindArgument(copies_, original, reference.position, call.arguments);
+    if (argument == nullptr) continue;
+    // Whatever the variable for a result holds, it is there.
+    *argument = original.rgvarg[argument - copies_.data()];
     // An argument left out is the automation library's business.
-    if (argument == nullptr || V_VT(argument) == VT_ERROR) continue;
+    if (V_VT(argument) == VT_ERROR) continue;
     fit_ = reference.type == VT_VARIANT ? PrepareAnyType(*argument) : Prepare(*argument, reference.type);
     if (SUCCEEDED(fit_)) continue;
     bad_argument_ = static_cast<UINT>(argument - copies_.data());
@@ -54,6 +72,12 @@ ReferenceArguments::ReferenceArguments(const MemberCall& call, const DISPPARAMS&
 
 ReferenceArguments::~ReferenceArguments() {
   for (auto& stand_in : stand_ins_) VariantClear(&stand_in->value);
+}
+
+void ReferenceArguments::LeaveOut() {
+  for (VARIANT& argument : copies_) {
+    if (IsLeftOutByVariable(argument)) argument = *Dereferenced(&argument);
+  }
 }
 
 VARIANT* ReferenceArguments::FindArgument(std::vector<VARIANT>& arguments, const DISPPARAMS& original,

@@ -14,8 +14,12 @@ namespace kesp {
 // or as a plain value refers to a value of the parameter's own type, owned by this object. Arguments that fit
 // are passed on as they are. An object that a client hands over for a result takes it in its member `value`,
 // where it has one: JScript hands over values only, and has no other way to see a reply.
+// An optional argument that a variable leaves out is left out.
 class ReferenceArguments {
  public:
+  // False when the call can be made with the arguments as they are.
+  static bool AreNeeded(const MemberCall& call, const DISPPARAMS& given);
+
   ReferenceArguments(const MemberCall& call, const DISPPARAMS& original);
   ~ReferenceArguments();
   ReferenceArguments(const ReferenceArguments&) = delete;
@@ -39,6 +43,8 @@ class ReferenceArguments {
     ResultObject object;          // the object to write back to, where there is one
   };
 
+  // Says of the arguments that a variable leaves out what the automation library understands.
+  void LeaveOut();
   HRESULT Prepare(VARIANT& argument, VARTYPE type);
   HRESULT PrepareAnyType(VARIANT& argument);
   static VARIANT* FindArgument(std::vector<VARIANT>& arguments, const DISPPARAMS& original, UINT position,

@@ -230,9 +230,17 @@ TEST_F(LateBoundTest, OptionalArguments_HaveTheirDefaults) {
   V_VT(left_out.get()) = VT_ERROR;
   V_ERROR(left_out.get()) = DISP_E_PARAMNOTFOUND;
   EXPECT_TRUE(comm_.Call(L"Query", {Variable(result), Plain(cmd), Plain(left_out), Plain(cmd)}).IsTrue());
+  // A variable that says so leaves an argument out, too; that for the result may hold anything.
+  result = left_out;
+  EXPECT_TRUE(comm_.Call(L"Query", {Variable(result), Plain(cmd), Variable(left_out), Plain(cmd)}).IsTrue());
+  EXPECT_EQ(result.text(), L"ECHO 1");
+  Value bytes = left_out;
+  EXPECT_TRUE(comm_.Call(L"QueryBinary", {Variable(bytes), Plain(cmd), Variable(left_out)}).IsTrue());
+  EXPECT_EQ(BytesOf(*bytes.get()), "ECHO 1\r");
   // WriteLine's command and ReadLineBinary's gap are optional, too.
   EXPECT_TRUE(transport.Call(L"Initialize").IsTrue());
   EXPECT_TRUE(transport.Call(L"WriteLine").IsTrue());
+  EXPECT_TRUE(transport.Call(L"WriteLine", {Variable(left_out)}).IsTrue());
   EXPECT_TRUE(transport.Call(L"WriteLine", {Plain(cmd)}).IsTrue());
   EXPECT_TRUE(transport.Call(L"ReadLineBinary", {Variable(result)}).IsTrue());
   EXPECT_EQ(BytesOf(*result.get()), "ECHO 1\r");
