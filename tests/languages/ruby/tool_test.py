@@ -21,7 +21,7 @@ esac
 """
 PROGRAMS = {"apt-get": ARCHIVE, "ruby": "", "x86_64-w64-mingw32-gcc": "",
             "x86_64-w64-mingw32-strip": 'cp "$3" "$2"\n', "make": 'case $* in *main) echo program >ruby.exe ;; esac\n'}
-REASON = "Ruby for Windows could not be made (build/logs/ruby64.log)"
+REASON = "Ruby for Windows could not be made (build/logs/ruby64.log; tried again in an hour)"
 
 
 class RubyTest(TrialTreeTest):
