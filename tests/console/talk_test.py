@@ -110,9 +110,10 @@ class TerminalTest(KespCase):
 
     def test_it_goes_on_after_failures_and_says_so_at_its_end(self):
         address = self.tcp_instrument(self.device)
-        code, output, error = self.kesp("terminal", address, input=":timeout 500\nNO?\n:nonsense\n*IDN?\n:quit\nNO?\n")
+        code, output, error = self.kesp("terminal", address,
+                                        input=":timeout 500\nNO?\n:nonsense\n:timeout 9000\n*IDN?\n:quit\nNO?\n")
         self.assertEqual(code, FAILED)
-        self.assertRegex(output, f"^{SAID}KESP,7100\n$")
+        self.assertRegex(output, f"^{SAID}KESP,7100\n$", error)
         self.assertRegex(error, rf"^{SAID}Timeout \(cfrTimeout, \[CKespTCP - ReadLine\(\)\]\)")
         self.assertIn('":nonsense" is not a word of the terminal', error)
 
