@@ -23,7 +23,7 @@ fn watch(event: i32, arguments: &[VARIANT], tried: &Cell<i32>, allowed: i32) -> 
     } else if event == AUTO_DETECT_UPDATE && tried.get() == allowed {
         println!("stopped:     before {}", BSTR::try_from(&arguments[3])?);
         // Abort, the last argument, points to the library's own variable.
-        unsafe { *arguments[0].Anonymous.Anonymous.Anonymous.pboolVal = VARIANT_TRUE };
+        unsafe { arguments[0].Anonymous.Anonymous.Anonymous.pboolVal.write(VARIANT_TRUE) };
     } else if event == AUTO_DETECT_UPDATE {
         tried.set(tried.get() + 1);
         let (cmd, address) = (BSTR::try_from(&arguments[3])?, BSTR::try_from(&arguments[2])?);
