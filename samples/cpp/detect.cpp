@@ -38,7 +38,7 @@ int wmain(int argc, wchar_t** argv) {
     Check(CoCreateInstance(__uuidof(CKespTCP), nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&tcp)));
     Check(tcp->put_IPAddress(Text(Argument(argc, argv, 1, L"127.0.0.1")).get()));
     Check(tcp->put_Port(static_cast<SHORT>(std::stoi(Argument(argc, argv, 2, L"10001")))));
-    const Watcher watcher(tcp.Get(), std::stoi(Argument(argc, argv, 3, L"2")));
+    Watcher watcher(tcp.Get(), std::stoi(Argument(argc, argv, 3, L"2")));
     Text result;
     VARIANT_BOOL found = VARIANT_FALSE, closed = VARIANT_FALSE;
     Check(tcp->AutoDetect(result.out(), dlAllCommands, &found));

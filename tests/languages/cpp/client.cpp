@@ -154,7 +154,7 @@ void ShowError() {
 void ExpectDetection(bool stops, const std::wstring& answer, const std::wstring& heard) {
   const auto tcp = Make<_CKespTCP>(__uuidof(CKespTCP));
   Address(tcp.Get());
-  const Watcher watcher(tcp.Get(), stops);
+  Watcher watcher(tcp.Get(), stops);
   Text result(L"before");
   VARIANT_BOOL found = VARIANT_FALSE, closed = VARIANT_FALSE;
   Check(tcp->AutoDetect(result.out(), dlAllCommands, &found));
