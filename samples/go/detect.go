@@ -1,6 +1,6 @@
 // Not yet run. Looks for an instrument at an address, shows what is tried, and stops after so many commands.
 //
-//	go run detect.go sink.go kesp.go arguments.go [host [port [commands]]]
+//	go run detect.go connect.go sink.go kesp.go arguments.go [host [port [commands]]]
 
 //go:build ignore
 
@@ -9,7 +9,6 @@ package main
 import (
 	"fmt"
 	"os"
-	"runtime"
 	"unsafe"
 
 	ole "github.com/go-ole/go-ole"
@@ -28,7 +27,7 @@ func main() {
 	oleutil.MustPutProperty(tcp, "IPAddress", argument(1, "127.0.0.1"))
 	oleutil.MustPutProperty(tcp, "Port", number(argument(2, "10001")))
 	allowed, tried := number(argument(3, "2")), 0
-	handler := connect(tcp, eventsOfTCP, func(event int32, arguments []ole.VARIANT) {
+	disconnect := connect(tcp, eventsOfTCP, func(event int32, arguments []ole.VARIANT) {
 		if event == autoDetectEnd {
 			fmt.Println("ended:       after", tried, "commands")
 		} else if event == autoDetectUpdate && tried == allowed {
@@ -37,14 +36,14 @@ func main() {
 			**(**int16)(unsafe.Pointer(&arguments[0].Val)) = variantTrue
 		} else if event == autoDetectUpdate {
 			tried++
-			fmt.Printf("trying:      %s at %s:%d\n", arguments[3].ToString(), arguments[2].ToString(), arguments[1].Val)
+			fmt.Printf("trying:      %s at %s:%d\n", arguments[3].ToString(), arguments[2].ToString(), int16(arguments[1].Val))
 		}
 	})
 	var result ole.VARIANT
 	ole.VariantInit(&result)
 	found, err := oleutil.CallMethod(tcp, "AutoDetect", &result)
-	runtime.KeepAlive(handler)
 	check(err)
+	disconnect()
 	oleutil.MustCallMethod(tcp, "Uninitialize")
 	if !found.Value().(bool) {
 		fmt.Println("nothing found")

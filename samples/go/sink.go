@@ -6,12 +6,11 @@ import (
 	"unsafe"
 
 	ole "github.com/go-ole/go-ole"
-	"github.com/go-ole/go-ole/oleutil"
 )
 
 const noInterface = 0x80004002
 
-// A sink is what the library sees as an IDispatch. Its references are not counted: it lives as long as the program.
+// A sink is what the library sees as an IDispatch. Its references are not counted: connect keeps it.
 type sink struct {
 	methods *[7]uintptr
 	events  *ole.GUID
@@ -25,8 +24,8 @@ type dispParams struct {
 	namedCount uint32
 }
 
-// connect calls heard for each event of object. The arguments come in reverse: the last one is the first.
-func connect(object *ole.IDispatch, events string, heard func(int32, []ole.VARIANT)) *sink {
+// newSink hands each event to heard. The arguments come in reverse: the last one is the first.
+func newSink(events string, heard func(int32, []ole.VARIANT)) *sink {
 	handler := &sink{events: ole.NewGUID(events), heard: heard}
 	handler.methods = &[7]uintptr{
 		syscall.NewCallback(queryInterface),
@@ -37,8 +36,6 @@ func connect(object *ole.IDispatch, events string, heard func(int32, []ole.VARIA
 		syscall.NewCallback(func(*sink, uintptr, uintptr, uintptr, uintptr, uintptr) uintptr { return ole.E_NOTIMPL }),
 		syscall.NewCallback(invoke),
 	}
-	_, err := oleutil.ConnectObject(object, handler.events, (*ole.IUnknown)(unsafe.Pointer(handler)))
-	check(err)
 	return handler
 }
 
