@@ -26,7 +26,7 @@ class CheckSamplesTest(unittest.TestCase):
     def write(self, place, text):
         path = self.samples / place
         path.parent.mkdir(parents=True, exist_ok=True)
-        path.write_text(text)
+        path.write_text(text, newline="")
 
     def assert_found(self, *parts):
         found = list(check_samples.check(self.samples))
@@ -64,6 +64,24 @@ class CheckSamplesTest(unittest.TestCase):
         self.write("README.md", TABLE.splitlines()[0])
         self.write("lisp/detect.txt", "")
         self.assert_found("the table has no `forth`", "lisp: no README.md")
+
+    def test_rows_without_a_folder_are_found(self):
+        self.write("README.md", TABLE + "| `lisp` | Lisp | **not yet run** |\n")
+        self.assert_found("the table has `lisp`, and there is no such folder")
+
+    def test_vba_with_other_line_ends_is_found(self):
+        self.write("basic/module.bas", "' Asks.\r\nOption Explicit\r\n")
+        self.assert_found()
+        for text in ("' Asks.\nOption Explicit\n", "' Asks.\r\nOption Explicit\n", "' Asks.\rOption Explicit\r\n"):
+            with self.subTest(text=text):
+                self.write("basic/module.cls", text)
+                self.assert_found("module.cls: its lines must end with CR LF")
+
+    def test_python_that_cannot_be_read_is_found(self):
+        self.write("basic/deep/ask.py", "' Asks.'\nimport nothing_that_is_here\n")
+        self.assert_found()
+        self.write("basic/deep/ask.py", "' Asks.'\nprint 1\n")
+        self.assert_found("ask.py:2: ")
 
 
 if __name__ == "__main__":
