@@ -1,13 +1,9 @@
-{ Looks for an instrument at an address, shows what is tried, and stops after so many commands:
-  detect HOST PORT [commands] }
+{ Looks for an instrument at an address, shows what is tried, and stops: detect [host [port [commands]]] }
 program detect;
 
 {$mode objfpc}{$H+}
 
-uses ActiveX, ComObj, EventSink, SysUtils, Variants;
-
-const
-  TcpEvents: TGUID = '{14388762-eff3-4ea3-842b-dcf436c0ded9}'; { __CKespTCP }
+uses ActiveX, ComObj, EventSink, SysUtils, Variants, kesp;
 
 type
   TWatcher = class(TEventSink)
@@ -21,39 +17,43 @@ type
 procedure TWatcher.Heard(Sender: TObject; Event: Integer; const IID: TGUID; LocaleID: Integer; Flags: Word;
   Arguments: TDispParams; VarResult, ExcepInfo, ArgErr: Pointer);
 begin
-  if Event = 15 then
-    WriteLn('ended:       after ', Tried, ' commands');
-  if Event <> 13 then
-    Exit;
-  if Tried < Allowed then
-  begin
-    Inc(Tried);
-    WriteLn('trying:      ', UnicodeString(Arguments.rgvarg^[3].bstrVal));
-    Exit;
+  case Event of
+    13: with Arguments do if Tried < Allowed then
+        begin
+          Inc(Tried);
+          WriteLn('trying:      ', WideString(rgvarg^[3].bstrVal), ' at ', WideString(rgvarg^[2].bstrVal), ':',
+            rgvarg^[1].iVal);
+        end
+        else
+        begin
+          WriteLn('stopped:     before ', WideString(rgvarg^[3].bstrVal));
+          rgvarg^[0].pbool^ := True;
+        end;
+    15: WriteLn('ended:       after ', Tried, ' commands');
   end;
-  WriteLn('stopped:     before ', UnicodeString(Arguments.rgvarg^[3].bstrVal));
-  Arguments.rgvarg^[0].pbool^ := True;
 end;
 
+procedure Detect;
 var
   Tcp, Reply: OleVariant;
   Watcher: TWatcher;
-
 begin
   Tcp := CreateOleObject('KespCommObj.CKespTCP');
-  Tcp.IPAddress := ParamStr(1);
-  Tcp.Port := StrToInt(ParamStr(2));
+  Tcp.IPAddress := Argument(1, '127.0.0.1');
+  Tcp.Port := StrToInt(Argument(2, '10001'));
   Watcher := TWatcher.Create(nil);
-  Watcher.Allowed := StrToIntDef(ParamStr(3), 2);
-  Watcher.OnInvoke := @Watcher.Heard;
-  Watcher.Connect(Tcp, TcpEvents);
-  if Tcp.AutoDetect(Reply) then
-    WriteLn('reply:       ', Reply)
-  else
-  begin
-    WriteLn('nothing found');
-    ExitCode := 1;
+  try
+    Watcher.Allowed := StrToInt(Argument(3, '2'));
+    Watcher.OnInvoke := @Watcher.Heard;
+    Watcher.Connect(Tcp, StringToGUID('{14388762-EFF3-4EA3-842B-DCF436C0DED9}')); { __CKespTCP }
+    if not Tcp.AutoDetect(Reply) then ExitCode := 1;
+    Tcp.Uninitialize;
+  finally
+    Watcher.Free; { disconnects }
   end;
-  Tcp.Uninitialize;
-  Watcher.Free; { disconnects }
+  if ExitCode = 0 then WriteLn('reply:       ', Reply) else WriteLn('nothing found');
+end;
+
+begin
+  Run(@Detect);
 end.

@@ -3,7 +3,7 @@ program discover;
 
 {$mode objfpc}{$H+}
 
-uses ComObj, SysUtils, Variants;
+uses ComObj, Variants, kesp;
 
 const
   sckUDPProtocol = 1;
@@ -29,13 +29,5 @@ begin
 end;
 
 begin
-  try
-    Search;
-  except
-    on E: EOleException do
-    begin
-      WriteLn('error:       ', E.ErrorCode, ' ', E.Source, ' ', E.Message);
-      ExitCode := 2;
-    end;
-  end;
+  Run(@Search);
 end.

@@ -3,19 +3,12 @@ program query_com;
 
 {$mode objfpc}{$H+}
 
-uses ComObj, SysUtils, Variants;
+uses ComObj, SysUtils, Variants, kesp;
 
 const
   csRS232 = 0;
   br150 = 0;
   br921600 = 13;
-
-function Argument(Position: Integer; const Default: string): string;
-begin
-  Result := ParamStr(Position);
-  if Result = '' then
-    Result := Default;
-end;
 
 { The range comes first: a rate outside of it is refused. A rate is set by its number, which has the rate as its name. }
 procedure SetBaudRate(Port: OleVariant; const Baud: string);
@@ -24,9 +17,12 @@ var
 begin
   Port.MaxBaudRate := br921600;
   Port.MinBaudRate := br150;
-  for Rate := br150 to br921600 do
-    if Port.BaudRateName(Rate) = Baud then
-      Port.BaudRate := Rate;
+  Rate := br150;
+  while (Rate <= br921600) and (Port.BaudRateName(Rate) <> Baud) do
+    Inc(Rate);
+  if Rate > br921600 then
+    raise Exception.Create(Baud + ' is not a bit rate of this library');
+  Port.BaudRate := Rate;
 end;
 
 procedure Ask;
@@ -47,13 +43,5 @@ begin
 end;
 
 begin
-  try
-    Ask;
-  except
-    on E: EOleException do
-    begin
-      WriteLn('error:       ', E.ErrorCode, ' ', E.Source, ' ', E.Message);
-      ExitCode := 2;
-    end;
-  end;
+  Run(@Ask);
 end.

@@ -3,19 +3,11 @@ program query_tcp;
 
 {$mode objfpc}{$H+}
 
-uses ComObj, SysUtils, Variants;
+uses ComObj, SysUtils, Variants, kesp;
 
 const
   csTCPIP = 1;
 
-function Argument(Position: Integer; const Default: string): string;
-begin
-  Result := ParamStr(Position);
-  if Result = '' then
-    Result := Default;
-end;
-
-{ A procedure, so that the objects are gone before the program ends COM. }
 procedure Ask;
 var
   Comm, Tcp, Reply: OleVariant;
@@ -39,13 +31,5 @@ begin
 end;
 
 begin
-  try
-    Ask;
-  except
-    on E: EOleException do
-    begin
-      WriteLn('error:       ', E.ErrorCode, ' ', E.Source, ' ', E.Message);
-      ExitCode := 2;
-    end;
-  end;
+  Run(@Ask);
 end.
