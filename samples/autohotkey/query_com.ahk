@@ -13,8 +13,12 @@ port.Port := Integer(Argument(1, "1"))
 port.MaxBaudRate := br921600
 port.MinBaudRate := br150
 rate := br150
-while rate < br921600 && port.BaudRateName(rate) != Argument(2, "9600")
+while rate <= br921600 && port.BaudRateName(rate) != Argument(2, "9600")
     rate += 1
+if rate > br921600 {
+    MsgBox(Argument(2, "9600") " is not a bit rate of this library")
+    ExitApp(2)
+}
 port.BaudRate := rate
 
 ; The reply comes back in a VARIANT that is passed by reference (VT_BYREF|VT_VARIANT).

@@ -32,7 +32,11 @@ function setBaudRate(transport, baud) {
   transport.MaxBaudRate = br921600;
   transport.MinBaudRate = br150;
   var rate = br150;
-  while (rate < br921600 && transport.BaudRateName(rate) !== baud) rate++;
+  while (rate <= br921600 && transport.BaudRateName(rate) !== baud) rate++;
+  if (rate > br921600) {
+    WScript.Echo(baud + " is not a bit rate of this library");
+    WScript.Quit(2);
+  }
   transport.BaudRate = rate;
 }
 

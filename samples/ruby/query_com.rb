@@ -14,7 +14,10 @@ end
 def set_baud_rate(line, baud)
   line.MaxBaudRate = Kesp::Br921600
   line.MinBaudRate = Kesp::Br150
-  line.BaudRate = (Kesp::Br150..Kesp::Br921600).find { |rate| line.BaudRateName(rate) == baud }
+  rate = (Kesp::Br150..Kesp::Br921600).find { |one| line.BaudRateName(one) == baud }
+  raise ArgumentError, "#{baud} is not a bit rate of this library" unless rate
+
+  line.BaudRate = rate
 end
 
 port, baud, command = ARGV
@@ -33,7 +36,7 @@ begin
     puts "failed:      #{comm.CommError} #{comm.CommErrorSource} #{comm.CommErrorDescr}"
     exit 1
   end
-rescue WIN32OLERuntimeError => e
+rescue WIN32OLERuntimeError, ArgumentError => e
   puts "error:       #{e.message}"
   exit 2
 end

@@ -32,5 +32,6 @@ fn set_baud_rate(port: &IDispatch, baud: &str) -> Result<()> {
             return kesp::put(port, "BaudRate", rate);
         }
     }
-    panic!("{baud} is not a bit rate of this library");
+    println!("{baud} is not a bit rate of this library");
+    std::process::exit(2)
 }

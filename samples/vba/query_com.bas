@@ -11,7 +11,10 @@ Public Sub QueryCom(Optional ByVal PortNumber As Integer = 1, Optional ByVal Bau
     comm.CommStyle = csRS232
     Set port = comm.CommObject
     port.Port = PortNumber
-    SetBaudRate port, Baud
+    If Not SetBaudRate(port, Baud) Then
+        Debug.Print Baud & " is not a bit rate of this library"
+        Exit Sub
+    End If
 
     Debug.Print "command:     " & Cmd
     If comm.Query(result, Cmd) Then
@@ -24,15 +27,15 @@ Public Sub QueryCom(Optional ByVal PortNumber As Integer = 1, Optional ByVal Bau
 End Sub
 
 ' The range comes first: a rate outside of it is refused. A rate is set by its number, which has the rate as its name.
-Private Sub SetBaudRate(ByVal port As CKespCOMPort3, ByVal Baud As String)
+Private Function SetBaudRate(ByVal port As CKespCOMPort3, ByVal Baud As String) As Boolean
     Dim rate As Long
     port.MaxBaudRate = br921600
     port.MinBaudRate = br150
     For rate = br150 To br921600
         If port.BaudRateName(rate) = Baud Then
             port.BaudRate = rate
-            Exit Sub
+            SetBaudRate = True
+            Exit Function
         End If
     Next
-    Debug.Print Baud & " is not a bit rate of this library"
-End Sub
+End Function

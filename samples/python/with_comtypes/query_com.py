@@ -25,7 +25,8 @@ def set_baud_rate(port, baud: str) -> None:
     port.MinBaudRate = BR_150
     rates = {port.BaudRateName(rate): rate for rate in range(BR_150, BR_921600 + 1)}
     if baud not in rates:
-        sys.exit(f"{baud} is not a bit rate of this library")
+        print(baud, "is not a bit rate of this library")
+        sys.exit(2)
     port.BaudRate = rates[baud]
 
 
