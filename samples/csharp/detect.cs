@@ -1,6 +1,5 @@
 // Looks for an instrument at an address, shows what is tried, and stops: detect [host [port [commands]]]
 using System;
-using System.Runtime.InteropServices;
 
 static class Program
 {
@@ -38,7 +37,7 @@ static class Program
             Console.WriteLine(found ? "reply:       " + result : "nothing found");
             return found ? 0 : 1;
         }
-        catch (COMException error)
+        catch (Exception error)
         {
             Console.WriteLine("error:       " + error.HResult);
             Console.WriteLine("source:      " + error.Source);

@@ -1,6 +1,5 @@
 // Finds the instruments on the network and asks each who it is: discover
 using System;
-using System.Runtime.InteropServices;
 
 static class Program
 {
@@ -22,7 +21,7 @@ static class Program
             if (!found) Console.WriteLine("nobody answered");
             return found ? 0 : 1;
         }
-        catch (COMException error)
+        catch (Exception error)
         {
             Console.WriteLine("error:       " + error.HResult);
             Console.WriteLine("source:      " + error.Source);

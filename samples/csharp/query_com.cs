@@ -1,6 +1,5 @@
 // Asks an instrument at a COM port who it is: query_com [COM port number [bits per second [command]]]
 using System;
-using System.Runtime.InteropServices;
 
 static class Program
 {
@@ -30,9 +29,10 @@ static class Program
             Console.WriteLine("status:      " + comm.CommError);
             return succeeded ? 0 : 1;
         }
-        catch (Exception error) when (error is COMException || error is ArgumentException)
+        catch (Exception error)
         {
             Console.WriteLine("error:       " + error.HResult);
+            Console.WriteLine("source:      " + error.Source);
             Console.WriteLine("description: " + error.Message);
             return 2;
         }

@@ -1,6 +1,5 @@
 // Asks an instrument on the network who it is: query_tcp [host [port [command]]]
 using System;
-using System.Runtime.InteropServices;
 
 static class Program
 {
@@ -19,7 +18,7 @@ static class Program
             tcp.Port = words.Length > 1 ? int.Parse(words[1]) : 10001;
             return Query(comm, cmd) ? 0 : 1;
         }
-        catch (COMException error)
+        catch (Exception error)
         {
             Console.WriteLine("error:       " + error.HResult);
             Console.WriteLine("source:      " + error.Source);
