@@ -186,9 +186,11 @@ internal static class Early
         string result = "";
         True(comm.Query(ref result, "ECHO a"), "Query with two arguments is False");
         Equal("ECHO a", result, "its reply");
-        True(comm.Query(ref result, "ECHO a", "01", "2.5"), "Query with four arguments is False");
-        Equal("ECHO a", result, "its reply");
-        new CInstruments().AddReference(new CInstrument());
+        True(comm.Query(ref result, "ECHO b", "01", "2.5"), "Query with four arguments is False");
+        Equal("ECHO b", result, "its reply");
+        var instruments = new CInstruments();
+        instruments.AddReference(new CInstrument());
+        Equal(1, instruments.Count, "Count after AddReference without a key");
         CKespTCP tcp = Transport();
         True(tcp.Initialize(), "Initialize is False");
         True(tcp.WriteLine(), "WriteLine is False");

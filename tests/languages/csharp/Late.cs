@@ -190,9 +190,11 @@ internal static class Late
         string result = "";
         Results.True(comm.Query(ref result, "ECHO a"), "Query with two arguments is False");
         Results.Equal("ECHO a", result, "its reply");
-        Results.True(comm.Query(ref result, "ECHO a", "01", "2.5"), "Query with four arguments is False");
-        Results.Equal("ECHO a", result, "its reply");
-        Make("CInstruments").AddReference(Make("CInstrument"));
+        Results.True(comm.Query(ref result, "ECHO b", "01", "2.5"), "Query with four arguments is False");
+        Results.Equal("ECHO b", result, "its reply");
+        dynamic instruments = Make("CInstruments");
+        instruments.AddReference(Make("CInstrument"));
+        Results.Equal(1, instruments.Count, "Count after AddReference without a key");
         dynamic tcp = Transport();
         Results.True(tcp.Initialize(), "Initialize is False");
         Results.True(tcp.WriteLine(), "WriteLine is False");

@@ -4,7 +4,7 @@ program early;
 
 {$mode objfpc}{$H+}
 
-uses ActiveX, ComObj, SysUtils, Variants, results, KespCommObj_1_0_TLB;
+uses Windows, ActiveX, ComObj, SysUtils, Variants, results, KespCommObj_1_0_TLB;
 
 const
   Identity = 'KESP,TORTURE,SIM00666,1.0';
@@ -92,7 +92,8 @@ begin
     CreateComObject(CLASS_CKespSmartSwitch3);
     Check('a port switch was made', False);
   except
-    on E: EOleSysError do;
+    on E: EOleSysError do
+      Equal('number', E.ErrorCode, REGDB_E_CLASSNOTREG);
   end;
 end;
 

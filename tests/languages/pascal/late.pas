@@ -3,7 +3,7 @@ program late;
 
 {$mode objfpc}{$H+}
 
-uses ActiveX, ComObj, SysUtils, Variants, results, late_sink;
+uses Windows, ActiveX, ComObj, SysUtils, Variants, results, late_sink;
 
 const
   csNone = -1;
@@ -56,7 +56,8 @@ begin
     Make('CKespSmartSwitch3');
     Check('a port switch was made', False);
   except
-    on E: EOleSysError do;
+    on E: EOleSysError do
+      Equal('number', E.ErrorCode, CO_E_CLASSSTRING);
   end;
 end;
 

@@ -32,7 +32,8 @@ end
 show('creation') do
   %w[CKespCommObj CKespTCP CKespCOMPort3 CKespIEEE CInstrument CInstruments].each { |name| make(name) }
   check('the same key') { make('CKespCommObj').GetKey != make('CKespCommObj').GetKey }
-  refused('a port switch was made') { make('CKespSmartSwitch3') }
+  number, = refused('a port switch was made') { make('CKespSmartSwitch3') }
+  equal('number', number, -2_147_221_005)
 end
 
 show('settings') do

@@ -2,6 +2,8 @@
 Option Explicit
 Const csNone = -1, csTCPIP = 1, sckUDPProtocol = 1, cfrSuccess = 0, cfrInvalidIPAddress = 11
 Const kIdentity = "KESP,TORTURE,SIM00666,1.0"
+' What becomes of E_NOTIMPL.
+Const kNotImplemented = 445
 Const kNoEvents = "the script host connects no events (WScript.ConnectObject fails)"
 
 ' What the handlers heard, and what they are to do.
@@ -142,7 +144,7 @@ Function Watched
     On Error Resume Next
     WScript.ConnectObject Watched, "tcp_"
     If Err.Number = 0 Then Exit Function
-    Err.Clear
+    CheckNumber "ConnectObject", kNotImplemented
     reason = kNoEvents
     Set Watched = Nothing
 End Function
@@ -238,8 +240,16 @@ Function Connected
     Connected.CommObject.Port = CInt(WScript.Arguments(1))
 End Function
 
+' Nothing at all would equal False, "" and 0, and what is Null differs from nothing.
 Sub Check(what, found, expected)
-    If found <> expected And failure = "" Then failure = what & ": " & found & " instead of " & expected
+    Dim same
+    If VarType(expected) = vbBoolean Or VarType(expected) = vbString Then
+        same = VarType(found) = VarType(expected)
+    Else
+        same = IsNumeric(found) And Not IsEmpty(found)
+    End If
+    If same Then same = found = expected
+    If Not same And failure = "" Then failure = what & ": " & found & " instead of " & expected
 End Sub
 
 ' Takes the error away.
