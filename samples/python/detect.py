@@ -39,8 +39,10 @@ def main() -> int:
     try:
         found, result = tcp.AutoDetect("")
     except pywintypes.com_error as error:
-        print("error:      ", error.excepinfo[5])
-        print("description:", error.excepinfo[2])
+        # An error of COM itself brings no words of the library.
+        _, _, description, _, _, number = error.excepinfo or (0, None, error.strerror, None, 0, error.hresult)
+        print("error:      ", number)
+        print("description:", description)
         return 2
     watcher.close()
     tcp.Uninitialize()

@@ -19,7 +19,8 @@ def main() -> int:
     try:
         found, _ = tcp.AutoDetect("")
     except pywintypes.com_error as error:
-        _, source, description, _, _, number = error.excepinfo
+        # An error of COM itself brings no words of the library.
+        _, source, description, _, _, number = error.excepinfo or (0, None, error.strerror, None, 0, error.hresult)
         print("error:      ", number)
         print("source:     ", source)
         print("description:", description)

@@ -40,7 +40,7 @@ def main() -> int:
         result, found = tcp.AutoDetect("")
     except COMError as error:
         print("error:      ", error.hresult)
-        print("description:", error.details[0])
+        print("description:", error.details[0] or error.text)
         return 2
     del connection
     tcp.Uninitialize()

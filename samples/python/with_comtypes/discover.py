@@ -23,7 +23,7 @@ def main() -> int:
         description, source, *_ = error.details
         print("error:      ", error.hresult)
         print("source:     ", source)
-        print("description:", description)
+        print("description:", description or error.text)
         return 2
     for position in range(1, tcp.Devices.Count + 1):
         instrument = tcp.Devices.Item(position)
