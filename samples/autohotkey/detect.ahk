@@ -22,6 +22,8 @@ try {
 ComObjConnect(tcp)
 tcp.Uninitialize()
 MsgBox(Watcher.text (found ? "reply: " result[] : "nothing found"))
+; The text in it is freed.
+result[] := 0
 ExitApp(found ? 0 : 1)
 
 ; Each handler has one argument more than its event: the object that raised it.

@@ -21,6 +21,8 @@ if succeeded
 else
     text .= "source: " comm.CommErrorSource "`ndescription: " comm.CommErrorDescr "`n"
 MsgBox(text "status: " comm.CommError)
+; The text in it is freed.
+result[] := 0
 ExitApp(succeeded ? 0 : 1)
 
 Argument(position, otherwise) => A_Args.Length >= position ? A_Args[position] : otherwise
