@@ -10,10 +10,12 @@ function detect(host, port, levels)
     tcp = actxserver('KespCommObj.CKespTCP');
     tcp.IPAddress = host;
     tcp.Port = port;
+    % However this function ends.
+    release = onCleanup(@() delete(tcp));
     registerevent(tcp, {'AutoDetectUpdate' @trying; 'AutoDetectEnd' @ended});
 
-    % A handler gets a copy of Abort and cannot hand it back. What MATLAB can do is to go on only by choice: each level
-    % adds a command (*IDN?, *VER, t).
+    % As far as the documentation tells, a handler gets a copy of Abort and cannot hand it back. What is left is to go on
+    % only by choice: each level adds a command (*IDN?, *VER, t).
     found = false;
     result = '';
     try
@@ -31,7 +33,6 @@ function detect(host, port, levels)
     else
         disp('nothing found');
     end
-    delete(tcp);
 end
 
 % The object, the event's number, its arguments (cmd, IPAddress, Port, Abort), a structure with them, its name.

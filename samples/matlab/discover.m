@@ -4,6 +4,8 @@
 function discover
     sckUDPProtocol = 1;
     tcp = actxserver('KespCommObj.CKespTCP');
+    % However this function ends.
+    release = onCleanup(@() delete(tcp));
     % One broadcast to everybody, over UDP; what answers is asked over TCP.
     tcp.Protocol = sckUDPProtocol;
     try
@@ -19,5 +21,4 @@ function discover
         fprintf('instrument:  %s  model %s  serial %s\n', instrument.IPAddress, instrument.Model, instrument.Serial);
     end
     if ~found, disp('nobody answered'); end
-    delete(tcp);
 end

@@ -8,6 +8,8 @@ function query_com(number, baud, cmd)
     csRS232 = 0;
 
     comm = actxserver('KespCommObj.CKespCommObj');
+    % However this function ends.
+    release = onCleanup(@() delete(comm));
     comm.CommStyle = csRS232;
     port = comm.CommObject;
     port.Port = number;
@@ -23,7 +25,6 @@ function query_com(number, baud, cmd)
         fprintf('description: %s\n', comm.CommErrorDescr);
     end
     disp(['status:      ' num2str(comm.CommError)]);
-    delete(comm);
 end
 
 % The range comes first: a rate outside of it is refused. A rate is set by its number, which has the rate as its name.

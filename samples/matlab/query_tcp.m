@@ -8,6 +8,8 @@ function query_tcp(host, port, cmd)
     csTCPIP = 1;
 
     comm = actxserver('KespCommObj.CKespCommObj');
+    % However this function ends.
+    release = onCleanup(@() delete(comm));
     comm.CommStyle = csTCPIP;
     tcp = comm.CommObject;
     tcp.IPAddress = host;
@@ -23,5 +25,4 @@ function query_tcp(host, port, cmd)
         fprintf('description: %s\n', comm.CommErrorDescr);
     end
     disp(['status:      ' num2str(comm.CommError)]);
-    delete(comm);
 end
