@@ -110,6 +110,17 @@ class MatrixTest(unittest.TestCase):
             with self.subTest(text=text), self.assertRaises(ValueError):
                 MATRIX["update"](text, "new")
 
+    def test_committed_page_has_every_row_of_this_tree_and_each_ran(self):
+        page = MATRIX["PAGE"].read_text(encoding="utf-8")
+        lines = page[page.index(MATRIX["BEGIN"]):page.index(MATRIX["END"])].splitlines()
+        table = [[cell.strip() for cell in line.strip("|").split("|")] for line in lines if line.startswith("|")]
+        names = client_rows.cases()
+        expected = [["client", "Windows", *names], ["---"] * (len(names) + 2)]
+        for client in client_rows.clients():
+            words = ["–" if name in client.may_skip else "yes" for name in names]
+            expected += [[client.name, client_rows.WINDOWS[windows], *words] for windows in client.windows]
+        self.assertEqual(table, expected, "after a full ./test: tools/client-matrix --update")
+
 
 if __name__ == "__main__":
     unittest.main()
