@@ -81,11 +81,12 @@ class LanguageTest(TrialTreeTest):
     def test_samples_must_show_what_the_instrument_said(self):
         shutil.copy(ROOT / "tools" / "language-samples", self.tree / "tools")
         reply = "reply:  KESP,TORTURE,SIM00666,1.0"
-        good = 'case "$2 $5" in ' \
-               '"detect 0") echo "stopped:  before *IDN?\nended:  after 0 commands\nnothing found"; exit 1;; ' \
+        good = 'case "$2 $4 $5" in *ten*) echo "error:  no number"; exit 2;; ' \
+               '"detect 7 0") echo "stopped:  before *IDN?\nended:  after 0 commands\nnothing found"; exit 1;; ' \
                f'detect*) echo "trying:  *IDN? at host:7\nended: after 1 commands";; esac; echo "{reply}"'
         for sample, code in ((good, 0), (good.replace("1.0", "1.0x"), 1), (good.replace("exit 1", "exit 0"), 1),
                              (good.replace("stopped", "topped"), 1), (good.replace("host:7", "host"), 1),
+                             (good.replace("exit 2", "exit 1"), 1), (good.replace("error:", "alas:"), 1),
                              (good + "; exit 1", 1), ("echo no compiler; exit 77", 77)):
             with self.subTest(sample=sample):
                 self.write_tool("tests/languages/trial/sample", f"#!/bin/sh\n{sample}\n")
