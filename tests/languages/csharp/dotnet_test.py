@@ -14,7 +14,7 @@ sys.path.insert(0, str(ROOT / "tests" / "verdicts"))
 from trial_tree import TrialTreeTest  # noqa: E402
 
 # What the tool and the archive need; hardly anything else is in its PATH.
-PROGRAMS = "bash cat chmod cp dirname flock grep gzip id install ls mkdir mktemp mv rm sha512sum tail tar timeout".split()
+PROGRAMS = "bash cat chmod cp dirname find flock grep gzip id install ls mkdir mktemp mv rm sha512sum tail tar timeout".split()
 OTHER_ARCHIVE = """#!/bin/bash
 while [ "$1" != --pack-destination ]; do shift; done
 mkdir -p "$2/package" && echo evil >"$2/package/dotnet.exe" && tar -czf "$2/a.tgz" -C "$2" package
@@ -48,9 +48,17 @@ class DotnetTest(TrialTreeTest):
         self.write_tool("bin/npm", OTHER_ARCHIVE)
         self.judge(1, "is not what it was")
 
-    def test_archive_that_does_not_come_skips(self):
-        self.write_tool("bin/npm", "#!/bin/bash\necho no network >&2\nexit 1\n")
+    def test_archive_that_does_not_come_skips_and_is_tried_again_in_an_hour(self):
+        calls = self.tree / "calls"
+        self.write_tool("bin/npm", f"#!/bin/bash\necho \"$*\" >>'{calls}'\necho no network >&2\nexit 1\n")
+        for _ in range(2):
+            self.judge(77, "could not be fetched")
+        self.assertEqual(len(self.calls()), 1)
+        self.assertIn(" --fetch-retries=0 --fetch-timeout=60000 ", self.calls()[0])
+        failed, = (self.tree / "build" / "languages").glob("*.failed")
+        os.utime(failed, (0, 0))
         self.judge(77, "could not be fetched")
+        self.assertEqual(len(self.calls()), 2)
 
     def test_no_npm_skips(self):
         self.judge(77, "npm, which is not installed")
