@@ -2,6 +2,7 @@
 """Lets tools/language-test and tools/language-samples start shell scripts in place of clients, and judges what they say."""
 
 import json
+import os
 import pathlib
 import shutil
 import sys
@@ -77,6 +78,31 @@ class LanguageTest(TrialTreeTest):
 
     def test_matrix_says_nothing_without_rows(self):
         self.assertEqual(self.run_in_tree("tools/client-matrix").stdout, "")
+
+    def test_matrix_of_this_run_has_its_rows_alone(self):
+        self.run_client("echo PASS query\necho PASS events\necho DONE")
+        self.run_client("echo no compiler\nexit 77", "--wine", "10")
+        begun = self.tree / "begun"
+        begun.touch()
+        os.utime(self.tree / "build" / "languages" / "wine64.trial.json", (0, 0))
+        os.utime(self.tree / "build" / "languages" / "wine10.trial.json", None)
+        said = self.run_in_tree("tools/client-matrix", "--since", begun).stdout
+        self.assertIn("skipped: no compiler", said)
+        self.assertNotIn("Wine 8", said)
+
+    def test_page_is_not_written_while_a_row_is_missing(self):
+        page = self.tree / "docs" / "clients.md"
+        page.parent.mkdir()
+        empty = "<!-- the matrix: tools/client-matrix --update --><!-- the matrix ends -->"
+        page.write_text(empty, encoding="utf-8")
+        for options in ([], ["--wine", "10"], ["--bits", "32"]):
+            self.run_client("echo PASS query\necho PASS events\necho DONE", *options)
+        refused = self.run_in_tree("tools/client-matrix", "--update")
+        self.assertEqual((refused.returncode, page.read_text(encoding="utf-8")), (1, empty))
+        self.assertIn("not run: Trial, late, 64 bit, Wine 8. Run ./test first", refused.stderr)
+        self.run_client("echo no compiler\nexit 77", "--way", "late")
+        self.assertEqual(self.run_in_tree("tools/client-matrix", "--update").returncode, 0)
+        self.assertIn("| Trial | 64 bit, Wine 8 | yes | yes |", page.read_text(encoding="utf-8"))
 
     def test_samples_must_show_what_the_instrument_said(self):
         shutil.copy(ROOT / "tools" / "language-samples", self.tree / "tools")
