@@ -11,7 +11,9 @@ import xml.sax.saxutils
 
 TYPES = {"string": "string", "boolean": "bool", "integer16": "short", "integer32": "int", "double": "double",
          "any": "object", "object": "object"}
-ENUMERATOR = "System.Runtime.InteropServices.CustomMarshalers.EnumeratorToEnumVariantMarshaler, CustomMarshalers"
+# In full: the .NET Framework finds an assembly of its own by nothing less.
+ENUMERATOR = ("System.Runtime.InteropServices.CustomMarshalers.EnumeratorToEnumVariantMarshaler, CustomMarshalers, "
+              "Version=4.0.0.0, Culture=neutral, PublicKeyToken=b03f5f7f11d50a3a")
 FIRST_OWN_SLOT = 7  # behind those of IUnknown and IDispatch
 
 HEAD = """// Made by tools/make-interop: the declarations of the Kesp Communication Object Library. Changes go there.
@@ -95,7 +97,8 @@ class Declarations:
         name, kind = re.fullmatch(r"get (\w+)\(\) (\w+).*", getter).groups()
         if name == "NewEnum":
             self.add("/// <summary>For foreach.</summary>",
-                     f'[return: MarshalAs(UnmanagedType.CustomMarshaler, MarshalType = "{ENUMERATOR}")]',
+                     "[return: MarshalAs(UnmanagedType.CustomMarshaler,",
+                     f'    MarshalType = "{ENUMERATOR}")]',
                      f"[DispId({id_})] new IEnumerator GetEnumerator();", depth=2)
             return
         self.comment((owner, name), 2)

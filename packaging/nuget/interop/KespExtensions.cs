@@ -35,7 +35,8 @@ namespace KespCommObj
         }
 
         /// <summary>The reply to a command as bytes. Throws KespException where QueryBinary returns false.</summary>
-        /// <remarks>A COM port in the input mode imText gives text; the bytes are then its character codes.</remarks>
+        /// <remarks>At a COM port call SetInputMode(imBinary) before: in the mode imText, which is the first, the reply
+        /// is text, which raises InvalidOperationException.</remarks>
         public static byte[] QueryBinary(this _CKespCommObj comm, string cmd, string OmegaAddress = "",
                                          string OmegaValue = "")
         {
@@ -111,6 +112,8 @@ namespace KespCommObj
         }
 
         /// <summary>The bytes that came in time; null where ReadLineBinary returns false.</summary>
+        /// <remarks>Call SetInputMode(imBinary) before: in the mode imText, which is the first, the reply is text, which
+        /// raises InvalidOperationException.</remarks>
         public static byte[] ReadLineBinary(this _CKespCOMPort3 port, int lTimeoutms = 100)
         {
             object result = null;
@@ -150,10 +153,12 @@ namespace KespCommObj
             port.PutParity(ref value);
         }
 
+        // Text cannot be turned back: its letters are those of the ANSI code page.
         private static byte[] Bytes(object result)
         {
-            var text = result as string;
-            return text == null ? (byte[])result : Array.ConvertAll(text.ToCharArray(), letter => (byte)letter);
+            if (result is string)
+                throw new InvalidOperationException("The reply is text: call SetInputMode(imBinary) before");
+            return (byte[])result;
         }
     }
 }

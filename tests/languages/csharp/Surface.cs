@@ -6,6 +6,8 @@ using System.Linq;
 using System.Reflection;
 using System.Runtime.CompilerServices;
 using System.Runtime.InteropServices;
+using System.Runtime.Remoting.Messaging;
+using System.Runtime.Remoting.Proxies;
 using System.Text.RegularExpressions;
 using KespCommObj;
 
@@ -97,6 +99,56 @@ internal static class Surface
         Equal(new Guid(guid.Groups[1].Value), Find(words[1] + (words[0] == "class" ? "Class" : "")).GUID, words[1]);
     }
 
+    // The marshaller lies in an assembly that the .NET Framework finds by its full name alone.
+    private static void Enumerators()
+    {
+        MethodInfo method = typeof(_CInstruments).GetMethod("GetEnumerator");
+        var mark = (MarshalAsAttribute)Attribute.GetCustomAttribute(method.ReturnParameter, typeof(MarshalAsAttribute));
+        string full = ", CustomMarshalers, Version=4.0.0.0, Culture=neutral, PublicKeyToken=b03f5f7f11d50a3a";
+        Equal(true, mark.MarshalType.EndsWith(full), "whether the marshaller is named in full");
+    }
+
+    // An object of the library in which every operation succeeds with the same reply.
+    private sealed class Instrument : RealProxy
+    {
+        private readonly object reply;
+
+        public Instrument(Type type, object reply) : base(type) { this.reply = reply; }
+
+        public override IMessage Invoke(IMessage message)
+        {
+            var call = (IMethodCallMessage)message;
+            var arguments = (object[])call.Args.Clone();
+            arguments[0] = reply;
+            return new ReturnMessage(true, arguments, arguments.Length, call.LogicalCallContext, call);
+        }
+    }
+
+    private static string Try(Func<byte[]> read)
+    {
+        try
+        {
+            return BitConverter.ToString(read());
+        }
+        catch (InvalidOperationException error)
+        {
+            return error.Message;
+        }
+    }
+
+    // Binary replies are bytes, or there are none.
+    private static void Replies()
+    {
+        foreach (object reply in new object[] { new byte[] { 0x80, 0xFF }, "\u20ac\u00ff" })
+        {
+            var comm = (_CKespCommObj)new Instrument(typeof(_CKespCommObj), reply).GetTransparentProxy();
+            var port = (_CKespCOMPort3)new Instrument(typeof(_CKespCOMPort3), reply).GetTransparentProxy();
+            string expected = reply is string ? "The reply is text: call SetInputMode(imBinary) before" : "80-FF";
+            Equal(expected, Try(() => comm.QueryBinary("?")), "QueryBinary");
+            Equal(expected, Try(() => port.ReadLineBinary()), "ReadLineBinary");
+        }
+    }
+
     private static int Main(string[] words)
     {
         foreach (string part in Regex.Split(File.ReadAllText(words[0]), @"\n\s*\n"))
@@ -104,6 +156,8 @@ internal static class Surface
             var lines = part.Split('\n').Select(line => line.Trim()).Where(line => line != "" && line[0] != '#');
             if (lines.Any()) Block(lines.First(), lines.Skip(1).ToArray());
         }
+        Enumerators();
+        Replies();
         Console.WriteLine(looked + " things looked at, " + wrong + " wrong");
         return wrong == 0 && looked > 500 ? 0 : 1;
     }
