@@ -1,12 +1,16 @@
 // Checks and forwards the calls of late-bound clients.
 #include "server/dispatch.h"
 
+#include <wrl/client.h>
+
 #include "server/error_bridge.h"
 #include "server/reference_arguments.h"
 #include "server/type_info_cache.h"
 #include "server/variant_bridge.h"
 
 namespace kesp {
+
+using Microsoft::WRL::ComPtr;
 
 namespace {
 
@@ -42,6 +46,33 @@ HRESULT InvokeDefaultMember(const InterfaceInfo& info, IDispatch* object, const 
   if (V_VT(held.get()) != VT_DISPATCH || V_DISPATCH(held.get()) == nullptr) return DISP_E_BADPARAMCOUNT;
   return V_DISPATCH(held.get())
       ->Invoke(DISPID_VALUE, IID_NULL, locale, flags, arguments, result, exception, bad_argument);
+}
+
+bool IsFalse(const VARIANT& answer) {
+  return V_VT(&answer) == VT_BOOL && V_BOOL(&answer) == VARIANT_FALSE;
+}
+
+// The call when arguments by reference need preparing. That may run code of the client's, before and after,
+// which may drop the last reference to the object.
+HRESULT InvokePrepared(const InterfaceInfo& info, IDispatch* object, const MemberCall& call,
+                       DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* exception, UINT* bad_argument) {
+  const ComPtr<IDispatch> kept(object);
+  const WORD use = static_cast<WORD>(call.kind);
+  // An operation says in its result whether it succeeded, also to a client that does not ask for it.
+  ScopedVariant unasked;
+  if (result == nullptr && call.kind == INVOKE_FUNC) result = unasked.get();
+  ReferenceArguments prepared(call, *arguments);
+  HRESULT outcome = prepared.fit();
+  if (SUCCEEDED(outcome)) {
+    outcome = Forward(info, object, call.id, use, prepared.arguments(), result, exception, bad_argument);
+    const bool succeeded = SUCCEEDED(outcome) && (result == nullptr || !IsFalse(*result));
+    const HRESULT written = prepared.WriteBack(succeeded);
+    if (FAILED(outcome) || SUCCEEDED(written)) return outcome;
+    if (result != nullptr) VariantClear(result);
+    outcome = written;
+  }
+  if (bad_argument != nullptr) *bad_argument = prepared.bad_argument();
+  return outcome;
 }
 
 }  // namespace
@@ -86,15 +117,7 @@ HRESULT DispatchInvoke(const InterfaceInfo& info, IDispatch* object, DISPID id, 
     return Forward(info, object, id, use, arguments, result, exception, bad_argument);
   }
   try {
-    ReferenceArguments prepared(*call, *arguments);
-    if (FAILED(prepared.fit())) {
-      if (bad_argument != nullptr) *bad_argument = prepared.bad_argument();
-      return prepared.fit();
-    }
-    const HRESULT outcome =
-        Forward(info, object, id, use, prepared.arguments(), result, exception, bad_argument);
-    prepared.WriteBack();
-    return outcome;
+    return InvokePrepared(info, object, *call, arguments, result, exception, bad_argument);
   } catch (...) {
     return FailWithoutInfo(E_OUTOFMEMORY);
   }

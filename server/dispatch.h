@@ -16,7 +16,8 @@ HRESULT DispatchGetIDsOfNames(const InterfaceInfo& info, REFIID iid, LPOLESTR* n
 //   * A result takes a script's variable (VT_BYREF|VT_VARIANT) whatever it held, and also a plain value. The
 //     value is converted in where it can be (otherwise the member sees an empty one), and a variable gets the
 //     new value when the member is done, also when it fails. A typed variable of another type is refused
-//     before the member is called. Where the plain value is an object, its member `value` is the variable.
+//     before anything is sent. Where the plain value is an object, its member `value` is the variable; when
+//     it refuses the result, the call fails, though it was carried out.
 //   * A property's value by reference is converted, and refused when it cannot be. Nothing is written back.
 //   * It makes no difference whether a method, a property that is read, or either is asked for.
 //   * Arguments for a property that takes none go to the default member of the object that it holds, so that

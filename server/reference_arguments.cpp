@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "server/text_bridge.h"
 #include "server/variant_bridge.h"
 
 namespace kesp {
@@ -70,8 +71,15 @@ ReferenceArguments::ReferenceArguments(const MemberCall& call, const DISPPARAMS&
   }
 }
 
-ReferenceArguments::~ReferenceArguments() {
-  for (auto& stand_in : stand_ins_) VariantClear(&stand_in->value);
+void ReferenceArguments::StandIn::Remember() {
+  before = value;
+  text_before = V_VT(&value) == VT_BSTR ? TextOf(V_BSTR(&value)) : std::wstring();
+}
+
+bool ReferenceArguments::StandIn::HasChanged() const {
+  if (V_VT(&value) != V_VT(&before)) return true;
+  if (V_VT(&value) == VT_BSTR) return TextOf(V_BSTR(&value)) != text_before;
+  return V_I8(&value) != V_I8(&before);
 }
 
 void ReferenceArguments::LeaveOut() {
@@ -102,8 +110,7 @@ HRESULT ReferenceArguments::Prepare(VARIANT& argument, VARTYPE type) {
   // A result cannot be stored in a typed variable of another type; a property's value is only read.
   if (!is_put_ && IsReference(*given)) return DISP_E_TYPEMISMATCH;
   const bool is_variable = !is_put_ && given != &argument;
-  auto stand_in = std::make_unique<StandIn>();
-  VariantInit(&stand_in->value);
+  auto stand_in = std::make_unique<StandIn>(&argument);
   if (!is_put_ && !is_variable) stand_in->object = ResultObject(*given);
   if (stand_in->object) stand_in->object.Read(&stand_in->value);
   const HRESULT conversion =
@@ -114,6 +121,7 @@ HRESULT ReferenceArguments::Prepare(VARIANT& argument, VARTYPE type) {
     MakeEmpty(&stand_in->value, type);
   }
   if (is_variable) stand_in->variable = given;
+  if (stand_in->object) stand_in->Remember();
   MakeReference(&argument, &stand_in->value);
   stand_ins_.push_back(std::move(stand_in));
   return S_OK;
@@ -123,13 +131,13 @@ HRESULT ReferenceArguments::PrepareAnyType(VARIANT& argument) {
   const VARIANT& given = *Dereferenced(&argument);
   if (IsReference(given) && !CanHoldReply(given)) return DISP_E_TYPEMISMATCH;
   if (V_VT(&argument) == (VT_BYREF | VT_VARIANT)) return S_OK;
-  auto stand_in = std::make_unique<StandIn>();
-  VariantInit(&stand_in->value);
+  auto stand_in = std::make_unique<StandIn>(&argument);
   if (IsReference(argument)) {
     // A typed variable of the client: the member sees the reference and stores through it.
     stand_in->value = argument;
   } else if (stand_in->object = ResultObject(argument); stand_in->object) {
     stand_in->object.Read(&stand_in->value);
+    stand_in->Remember();
   } else if (FAILED(VariantCopy(&stand_in->value, &argument))) {
     return DISP_E_TYPEMISMATCH;
   }
@@ -139,14 +147,20 @@ HRESULT ReferenceArguments::PrepareAnyType(VARIANT& argument) {
   return S_OK;
 }
 
-void ReferenceArguments::WriteBack() {
+HRESULT ReferenceArguments::WriteBack(bool call_succeeded) {
+  HRESULT outcome = S_OK;
   for (auto& stand_in : stand_ins_) {
-    if (stand_in->object) stand_in->object.Write(&stand_in->value);
+    if (stand_in->object && (call_succeeded || stand_in->HasChanged()) &&
+        FAILED(stand_in->object.Write(&stand_in->value))) {
+      outcome = DISP_E_TYPEMISMATCH;
+      bad_argument_ = static_cast<UINT>(stand_in->argument - copies_.data());
+    }
     if (stand_in->variable == nullptr) continue;
     if (FAILED(VariantClear(stand_in->variable))) continue;  // a locked array keeps its value
     *stand_in->variable = stand_in->value;
     VariantInit(&stand_in->value);
   }
+  return outcome;
 }
 
 }  // namespace kesp

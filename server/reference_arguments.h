@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "server/com_headers.h"
@@ -13,7 +14,8 @@ namespace kesp {
 // A copy of a call's arguments in which each reference parameter that the client passed as a script variable
 // or as a plain value refers to a value of the parameter's own type, owned by this object. Arguments that fit
 // are passed on as they are. An object that a client hands over for a result takes it in its member `value`,
-// where it has one: JScript hands over values only, and has no other way to see a reply.
+// where it has one: JScript hands over values only, and has no other way to see a reply. Reading and writing
+// that member may run any code of the client's.
 // An optional argument that a variable leaves out is left out.
 class ReferenceArguments {
  public:
@@ -21,26 +23,39 @@ class ReferenceArguments {
   static bool AreNeeded(const MemberCall& call, const DISPPARAMS& given);
 
   ReferenceArguments(const MemberCall& call, const DISPPARAMS& original);
-  ~ReferenceArguments();
   ReferenceArguments(const ReferenceArguments&) = delete;
   ReferenceArguments& operator=(const ReferenceArguments&) = delete;
 
-  // S_OK, or why the call must not be made, and which of its arguments is to blame (its place in rgvarg).
+  // S_OK, or why the call must not be made.
   HRESULT fit() const { return fit_; }
+  // The argument that does not fit, or refused its result: its place in rgvarg.
   UINT bad_argument() const { return bad_argument_; }
 
   DISPPARAMS* arguments() { return &arguments_; }
 
   // Moves results into the script's variables, and into the members `value` of objects, that they are for.
-  // What those held before is released. The variable that a property's value comes from stays as it is.
-  void WriteBack();
+  // What those held before is released. The variable that a property's value comes from stays as it is, and
+  // so does an object when the call failed and brought it nothing. Fails when an object refuses its result.
+  HRESULT WriteBack(bool call_succeeded);
 
  private:
   // A value that stands in for a client's argument.
   struct StandIn {
+    explicit StandIn(const VARIANT* in_place_of) : argument(in_place_of) {}
+    ~StandIn() { VariantClear(&value); }
+    StandIn(const StandIn&) = delete;
+    StandIn& operator=(const StandIn&) = delete;
+
+    // What the call finds, to be compared afterwards.
+    void Remember();
+    bool HasChanged() const;
+
     VARIANT value{};
+    const VARIANT* argument;
     VARIANT* variable = nullptr;  // the script's variable to write back to; null for none
     ResultObject object;          // the object to write back to, where there is one
+    VARIANT before{};             // shallow, as its text may be gone
+    std::wstring text_before;
   };
 
   // Says of the arguments that a variable leaves out what the automation library understands.

@@ -18,11 +18,11 @@ void ResultObject::Read(VARIANT* value) const {
   if (FAILED(outcome)) VariantClear(value);
 }
 
-void ResultObject::Write(VARIANT* value) const {
+HRESULT ResultObject::Write(VARIANT* value) const {
   DISPID put = DISPID_PROPERTYPUT;
   DISPPARAMS arguments{.rgvarg = value, .rgdispidNamedArgs = &put, .cArgs = 1, .cNamedArgs = 1};
-  object_->Invoke(member_, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT, &arguments, nullptr, nullptr,
-                  nullptr);
+  return object_->Invoke(member_, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT, &arguments, nullptr,
+                         nullptr, nullptr);
 }
 
 }  // namespace kesp

@@ -18,8 +18,8 @@ class ResultObject {
   explicit operator bool() const { return object_ != nullptr; }
   // What it holds, in an empty VARIANT. Empty also when the object refuses to tell.
   void Read(VARIANT* value) const;
-  // An object that refuses the new value keeps its own.
-  void Write(VARIANT* value) const;
+  // Fails when the object refuses the new value.
+  HRESULT Write(VARIANT* value) const;
 
  private:
   Microsoft::WRL::ComPtr<IDispatch> object_;
