@@ -56,12 +56,10 @@ ReferenceArguments::ReferenceArguments(const MemberCall& call, const DISPPARAMS&
       arguments_(original),
       copies_(original.rgvarg, original.rgvarg + original.cArgs) {
   arguments_.rgvarg = copies_.data();
-  if (!is_put_) LeaveOut();
+  LeaveOut(call, original);
   for (const ReferenceArgument& reference : call.references) {
     VARIANT* argument = FindArgument(copies_, original, reference.position, call.arguments);
     if (argument == nullptr) continue;
-    // Whatever the variable for a result holds, it is there.
-    *argument = original.rgvarg[argument - copies_.data()];
     // An argument left out is the automation library's business.
     if (V_VT(argument) == VT_ERROR) continue;
     fit_ = reference.type == VT_VARIANT ? PrepareAnyType(*argument) : Prepare(*argument, reference.type);
@@ -82,9 +80,10 @@ bool ReferenceArguments::StandIn::HasChanged() const {
   return V_I8(&value) != V_I8(&before);
 }
 
-void ReferenceArguments::LeaveOut() {
-  for (VARIANT& argument : copies_) {
-    if (IsLeftOutByVariable(argument)) argument = *Dereferenced(&argument);
+void ReferenceArguments::LeaveOut(const MemberCall& call, const DISPPARAMS& original) {
+  for (const UINT position : call.optional) {
+    VARIANT* argument = FindArgument(copies_, original, position, call.arguments);
+    if (argument != nullptr && IsLeftOutByVariable(*argument)) *argument = *Dereferenced(argument);
   }
 }
 

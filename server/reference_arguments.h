@@ -58,8 +58,8 @@ class ReferenceArguments {
     std::wstring text_before;
   };
 
-  // Says of the arguments that a variable leaves out what the automation library understands.
-  void LeaveOut();
+  // Says of the optional arguments that a variable leaves out what the automation library understands.
+  void LeaveOut(const MemberCall& call, const DISPPARAMS& original);
   HRESULT Prepare(VARIANT& argument, VARTYPE type);
   HRESULT PrepareAnyType(VARIANT& argument);
   static VARIANT* FindArgument(std::vector<VARIANT>& arguments, const DISPPARAMS& original, UINT position,

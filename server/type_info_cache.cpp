@@ -67,9 +67,14 @@ MemberCall ReadCall(ITypeInfo* type_info, const FUNCDESC& function) {
   MemberCall call{.id = function.memid,
                   .kind = function.invkind,
                   .arguments = static_cast<UINT>(function.cParams),
-                  .references = {}};
+                  .references = {},
+                  .optional = {}};
   for (UINT i = 0; i < call.arguments; ++i) {
-    const TYPEDESC& type = function.lprgelemdescParam[i].tdesc;
+    const ELEMDESC& argument = function.lprgelemdescParam[i];
+    if ((argument.paramdesc.wParamFlags & (PARAMFLAG_FOPT | PARAMFLAG_FHASDEFAULT)) != 0) {
+      call.optional.push_back(i);
+    }
+    const TYPEDESC& type = argument.tdesc;
     if (type.vt != VT_PTR) continue;
     const VARTYPE referred = ReferredType(type_info, *type.lptdesc);
     // A pointer to an interface is an object passed by value.

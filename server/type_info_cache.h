@@ -20,6 +20,7 @@ struct MemberCall {
   INVOKEKIND kind = INVOKE_FUNC;
   UINT arguments = 0;  // the result not counted
   std::vector<ReferenceArgument> references;
+  std::vector<UINT> optional;  // positions of the arguments that may be left out
 };
 
 // What is known of one dual interface. Lives until the DLL is unloaded; any thread may read it.

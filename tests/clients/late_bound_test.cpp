@@ -246,6 +246,17 @@ TEST_F(LateBoundTest, OptionalArguments_HaveTheirDefaults) {
   EXPECT_EQ(BytesOf(*result.get()), "ECHO 1\r");
 }
 
+// A variable leaves out only what may be left out.
+TEST_F(LateBoundTest, RequiredArgumentThatAVariableLeavesOut_IsTheMembersToJudge) {
+  Value left_out;
+  V_VT(left_out.get()) = VT_ERROR;
+  V_ERROR(left_out.get()) = DISP_E_PARAMNOTFOUND;
+  const LateObject devices(Create<IDispatch>(__uuidof(CInstruments)));
+  const Outcome outcome = devices.Call(L"Item", {Variable(left_out)});
+  EXPECT_EQ((Refusal{outcome.scode, outcome.source, outcome.description}),
+            (Refusal{ControlError(13), L"KespCommObj", L"Type mismatch"}));
+}
+
 TEST_F(LateBoundTest, NamedArguments_InAnyOrder) {
   UseTheInstrument();
   Value result;
