@@ -119,7 +119,7 @@ HRESULT DispatchInvoke(const InterfaceInfo& info, IDispatch* object, DISPID id, 
   try {
     return InvokePrepared(info, object, *call, arguments, result, exception, bad_argument);
   } catch (...) {
-    return FailWithoutInfo(E_OUTOFMEMORY);
+    return ReportLateException(exception);
   }
 }
 

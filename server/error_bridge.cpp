@@ -39,6 +39,23 @@ HRESULT ReportException(REFIID iid) noexcept {
   }
 }
 
+HRESULT ReportLateException(EXCEPINFO* exception) noexcept {
+  try {
+    const Failure failure = CurrentFailure();
+    Bstr source(failure.source());
+    Bstr description(failure.description());
+    if (exception != nullptr) {
+      *exception = EXCEPINFO{};
+      exception->bstrSource = source.Detach();
+      exception->bstrDescription = description.Detach();
+      exception->scode = ResultOfNumber(failure.number());
+    }
+    return FailWithoutInfo(DISP_E_EXCEPTION);
+  } catch (...) {
+    return FailWithoutInfo(E_OUTOFMEMORY);
+  }
+}
+
 HRESULT FailWithoutInfo(HRESULT result) noexcept {
   SetErrorInfo(0, nullptr);
   return result;

@@ -16,6 +16,10 @@ HRESULT ResultOfNumber(long number);
 // interface iid) and returns the HRESULT to be handed to the client.
 HRESULT ReportException(REFIID iid) noexcept;
 
+// The same for a late-bound call that failed outside of any member: what the client sees is in `exception`,
+// which may be null.
+HRESULT ReportLateException(EXCEPINFO* exception) noexcept;
+
 // Returns the HRESULT after clearing the thread's error information, so that the client does not read that of
 // an earlier call.
 HRESULT FailWithoutInfo(HRESULT result) noexcept;

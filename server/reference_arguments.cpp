@@ -107,7 +107,7 @@ HRESULT ReferenceArguments::Prepare(VARIANT& argument, VARTYPE type) {
     return S_OK;
   }
   // A result cannot be stored in a typed variable of another type; a property's value is only read.
-  if (!is_put_ && IsReference(*given)) return DISP_E_TYPEMISMATCH;
+  if (!is_put_ && IsReference(*given)) throw WrongVariable(ReplyKind::kText);
   const bool is_variable = !is_put_ && given != &argument;
   auto stand_in = std::make_unique<StandIn>(&argument);
   if (!is_put_ && !is_variable) stand_in->object = ResultObject(*given);
@@ -127,12 +127,10 @@ HRESULT ReferenceArguments::Prepare(VARIANT& argument, VARTYPE type) {
 }
 
 HRESULT ReferenceArguments::PrepareAnyType(VARIANT& argument) {
-  const VARIANT& given = *Dereferenced(&argument);
-  if (IsReference(given) && !CanHoldReply(given)) return DISP_E_TYPEMISMATCH;
   if (V_VT(&argument) == (VT_BYREF | VT_VARIANT)) return S_OK;
   auto stand_in = std::make_unique<StandIn>(&argument);
   if (IsReference(argument)) {
-    // A typed variable of the client: the member sees the reference and stores through it.
+    // A typed variable of the client: the member sees the reference, and stores through it or refuses it.
     stand_in->value = argument;
   } else if (stand_in->object = ResultObject(argument); stand_in->object) {
     stand_in->object.Read(&stand_in->value);

@@ -22,6 +22,7 @@ class ReferenceArguments {
   // False when the call can be made with the arguments as they are.
   static bool AreNeeded(const MemberCall& call, const DISPPARAMS& given);
 
+  // Throws WrongVariable() for a typed variable that cannot hold the result.
   ReferenceArguments(const MemberCall& call, const DISPPARAMS& original);
   ReferenceArguments(const ReferenceArguments&) = delete;
   ReferenceArguments& operator=(const ReferenceArguments&) = delete;

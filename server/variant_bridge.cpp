@@ -6,7 +6,6 @@
 #include <string>
 
 #include "server/text_bridge.h"
-#include "support/failure.h"
 
 namespace kesp {
 
@@ -40,19 +39,9 @@ void MakeVariant(const BinaryValue& value, VARIANT* variant) {
   }
 }
 
-// Some languages hand over a reference to a variable of its own type, where others do so with one that holds
-// anything.
-Failure WrongVariable(ReplyKind kind) {
-  const Failure mismatch = TypeMismatch();
-  const std::wstring reply = kind == ReplyKind::kText ? L"text" : L"an array of bytes";
-  return {mismatch.number(), mismatch.source(),
-          mismatch.description() + L" (the reply is " + reply + L"; the variable for it must be " + reply +
-              L", too, or hold anything)"};
-}
-
 void StoreInArrayVariable(const BinaryValue& value, SAFEARRAY** variable) {
   const auto* bytes = std::get_if<Bytes>(&value);
-  if (bytes == nullptr) throw TypeMismatch();
+  if (bytes == nullptr) throw WrongVariable(ReplyKind::kText);
   SAFEARRAY* array = NewArrayOf(*bytes);
   if (FAILED(SafeArrayDestroy(*variable))) {
     SafeArrayDestroy(array);
@@ -63,20 +52,31 @@ void StoreInArrayVariable(const BinaryValue& value, SAFEARRAY** variable) {
 
 void StoreInTextVariable(const BinaryValue& value, BSTR* variable) {
   const auto* text = std::get_if<std::wstring>(&value);
-  if (text == nullptr) throw TypeMismatch();
+  if (text == nullptr) throw WrongVariable(ReplyKind::kBytes);
   BSTR fresh = Bstr(*text).Detach();
   SysFreeString(*variable);
   *variable = fresh;
 }
 
-}  // namespace
-
+// Whether a typed variable of the client (VT_BYREF) can hold a reply of that kind.
 bool CanHoldReply(const VARIANT& variable, ReplyKind kind) {
   return V_VT(&variable) == (VT_BYREF | (kind == ReplyKind::kText ? VT_BSTR : VT_ARRAY | VT_UI1));
 }
 
-bool CanHoldReply(const VARIANT& variable) {
-  return CanHoldReply(variable, ReplyKind::kText) || CanHoldReply(variable, ReplyKind::kBytes);
+ReplyKind KindOf(const BinaryValue& reply) {
+  return std::holds_alternative<std::wstring>(reply) ? ReplyKind::kText : ReplyKind::kBytes;
+}
+
+}  // namespace
+
+// Some languages hand over a reference to a variable of its own type, where others do so with one that holds
+// anything.
+Failure WrongVariable(ReplyKind kind) {
+  const Failure mismatch = TypeMismatch();
+  const std::wstring reply = kind == ReplyKind::kText ? L"text" : L"an array of bytes";
+  return {
+      mismatch.number(), mismatch.source(),
+      mismatch.description() + L" (the reply is " + reply + L"; pass a variable of that type, or a Variant)"};
 }
 
 void RequireRoomFor(ReplyKind kind, const VARIANT& argument) {
@@ -107,7 +107,7 @@ void StoreBinaryValue(const BinaryValue& value, VARIANT* argument) {
     default:
       break;
   }
-  if ((V_VT(argument) & VT_BYREF) != 0) throw TypeMismatch();
+  if ((V_VT(argument) & VT_BYREF) != 0) throw WrongVariable(KindOf(value));
   VARIANT fresh;
   VariantInit(&fresh);
   MakeVariant(value, &fresh);

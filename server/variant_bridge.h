@@ -7,6 +7,7 @@
 #include "server/com_headers.h"
 #include "support/binary_value.h"
 #include "support/enumerations.h"
+#include "support/failure.h"
 
 namespace kesp {
 
@@ -37,18 +38,17 @@ inline ReplyKind ReplyKindOf(EInputMode mode) {
   return mode == EInputMode::imText ? ReplyKind::kText : ReplyKind::kBytes;
 }
 
-// Whether a typed variable of the client (VT_BYREF) can hold a reply of that kind, or of any.
-bool CanHoldReply(const VARIANT& variable, ReplyKind kind);
-bool CanHoldReply(const VARIANT& variable);
+// TypeMismatch(), with what a typed variable must be to hold such a reply.
+Failure WrongVariable(ReplyKind kind);
 
-// To be called before anything is sent: throws TypeMismatch(), with what the variable must be, for an
-// argument that refers to a typed variable which cannot hold the reply.
+// To be called before anything is sent: throws WrongVariable() for an argument that refers to a typed
+// variable (VT_BYREF) which cannot hold the reply.
 void RequireRoomFor(ReplyKind kind, const VARIANT& argument);
 
 // Stores text as VT_BSTR, bytes as an array of VT_UI1 with lower bound 0, and leaves the argument alone when
 // there is nothing to store. An argument that refers to a typed variable of the client (VT_BYREF) gets the
-// value in that variable. Throws TypeMismatch() when that variable cannot hold it, and error 10 when it is an
-// array that is fixed or locked.
+// value in that variable. Throws WrongVariable() when that variable cannot hold it, and error 10 when it is
+// an array that is fixed or locked.
 void StoreBinaryValue(const BinaryValue& value, VARIANT* argument);
 
 // Lets `read` work on the value of an in/out argument, stores what it leaves there, and returns its result.

@@ -89,9 +89,8 @@ TEST_F(SerialQueryTest, QueryBinary_TypedVariableOfTheOtherKind_IsATypeMismatchB
         RefusalOf(comm_->QueryBinary(&variable, Text(L"?").get(), nullptr, nullptr, &answer));
     EXPECT_EQ(refusal.result, ControlError(13));
     const std::wstring reply = mode == imText ? L"text" : L"an array of bytes";
-    EXPECT_EQ(refusal.description, L"Type mismatch (the reply is " + reply +
-                                       L"; the variable for it must be " + reply +
-                                       L", too, or hold anything)");
+    EXPECT_EQ(refusal.description,
+              L"Type mismatch (the reply is " + reply + L"; pass a variable of that type, or a Variant)");
   }
   EXPECT_EQ(wire_.ReceiveUntilQuiet(), "");
   SafeArrayDestroy(bytes);

@@ -113,9 +113,9 @@ TEST_F(TcpLinesTest, TypedVariableOfAnotherKind_IsATypeMismatch) {
   WriteLine(L"ECHO z");
   EXPECT_EQ(
       RefusalOf(Judge([&](VARIANT_BOOL* answer) { return tcp_->ReadLineBinary(&reference, 100, answer); })),
-      (Refusal{ControlError(13), L"KespCommObj",
-               L"Type mismatch (the reply is an array of bytes; the variable for it must be an array of "
-               L"bytes, too, or hold anything)"}));
+      (Refusal{
+          ControlError(13), L"KespCommObj",
+          L"Type mismatch (the reply is an array of bytes; pass a variable of that type, or a Variant)"}));
   EXPECT_EQ(number, 7);
   EXPECT_EQ(ReadLineBinary(), S_OK);
   EXPECT_EQ(BytesOf(*bytes_.get()), "ECHO z\r");
