@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Writes the manifest that lets a program use the library where it is not registered, from the list of the public
-interface: side_by_side.py 64|32 VERSION [server/public_interface.txt]
+interface: side_by_side.py 64|32 [server/public_interface.txt]
 
 The assembly is this manifest with KespCommObj.dll beside it. What it says of classes and interfaces is what the library
 registers (server/registration.cpp); a test compares the two.
@@ -43,17 +43,20 @@ def read_library(text):
     return Library(name, identifier, version, found["class"], found["interface"], found["events"])
 
 
-def four_numbers(version):
-    return ".".join((version.split(".") + ["0"] * 4)[:4])
+def assembly_version(library):
+    """Windows takes an assembly beside the program only if its version is exactly the one that the program asks for. So it
+    stays the same as long as clients can stay as they are: it follows the type library, which keeps its first number then,
+    and not the product."""
+    return library.version.split(".")[0] + ".0.0.0"
 
 
 def add(parent, tag, **attributes):
     return ElementTree.SubElement(parent, tag, attributes)
 
 
-def assembly_manifest(library, bits, version):
+def assembly_manifest(library, bits):
     root = ElementTree.Element("assembly", xmlns=NAMESPACE, manifestVersion="1.0")
-    add(root, "assemblyIdentity", type="win32", name=ASSEMBLY, version=four_numbers(version),
+    add(root, "assemblyIdentity", type="win32", name=ASSEMBLY, version=assembly_version(library),
         processorArchitecture=ARCHITECTURES[bits])
     file = add(root, "file", name=DLL)
     add(file, "typelib", tlbid=library.identifier, version=library.version, helpdir="")
@@ -73,11 +76,11 @@ def assembly_manifest(library, bits, version):
 
 
 def main():
-    if len(sys.argv) not in (3, 4) or sys.argv[1] not in ("64", "32"):
+    if len(sys.argv) not in (2, 3) or sys.argv[1] not in ("64", "32"):
         sys.exit(__doc__)
-    path = pathlib.Path(sys.argv[3]) if len(sys.argv) == 4 else LIST
+    path = pathlib.Path(sys.argv[2]) if len(sys.argv) == 3 else LIST
     library = read_library(path.read_text(encoding="utf-8"))
-    sys.stdout.write(assembly_manifest(library, int(sys.argv[1]), sys.argv[2]))
+    sys.stdout.write(assembly_manifest(library, int(sys.argv[1])))
 
 
 if __name__ == "__main__":

@@ -3,12 +3,17 @@
 
 import pathlib
 import subprocess
+import sys
 import tempfile
 import unittest
 import xml.etree.ElementTree as ElementTree
 import zipfile
 
+sys.dont_write_bytecode = True  # the tree stays as it is
 ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path[:0] = [str(ROOT / "tools" / "lib"), str(ROOT / "packaging")]
+import portable  # noqa: E402
+import side_by_side  # noqa: E402
 
 
 class ArchiveTest(unittest.TestCase):
@@ -52,6 +57,27 @@ class ArchiveTest(unittest.TestCase):
             identity = manifest.find("{*}assemblyIdentity")
             self.assertEqual((identity.get("version"), identity.get("processorArchitecture")),
                              (asked.get("version"), architecture))
+
+    def test_AssemblyVersion_FollowsTheTypeLibraryAndNotTheProduct(self):
+        """A program that was built with one version of the product must start with the next, too."""
+        library = side_by_side.read_library("library KespCommObj {0} version 3.7\n")
+        manifest = ElementTree.fromstring(side_by_side.assembly_manifest(library, 64))
+        self.assertEqual(manifest.find("{*}assemblyIdentity").get("version"), "3.0.0.0")
+        of_the_list = side_by_side.read_library(side_by_side.LIST.read_text(encoding="utf-8")).version
+        first = of_the_list.split(".")[0]
+        client = ElementTree.fromstring(self.read("portable/cpp/client.manifest"))
+        asked = client.find(".//{*}dependentAssembly/{*}assemblyIdentity")
+        self.assertEqual(asked.get("version"), f"{first}.0.0.0")
+
+    def test_Manifests_BeginWithTheirOwnIdentity(self):
+        """Windows requires it as the first element of an assembly."""
+        manifests = [name for name in self.archive.namelist() if name.endswith(".manifest")]
+        self.assertEqual(len(manifests), 6)
+        for name in manifests:
+            own = ElementTree.fromstring(self.archive.read(name))[0]
+            self.assertEqual(own.tag.rpartition("}")[2], "assemblyIdentity", name)
+            self.assertLessEqual({"type", "name", "version"}, set(own.keys()), name)
+            self.assertRegex(own.get("version"), r"^(\d+\.){3}\d+$", name)
 
 
 if __name__ == "__main__":

@@ -19,9 +19,8 @@ def commit_seconds(root):
     return int(result.stdout) if result.returncode == 0 else 0
 
 
-def client_manifest(root, version):
-    template = root / "packaging" / "portable" / "client.manifest.in"
-    return template.read_text().replace("@PROJECT_VERSION@", version).encode()
+def client_manifest(root):
+    return (root / "packaging" / "portable" / "client.manifest").read_bytes()
 
 
 def write_archive(output, found):
