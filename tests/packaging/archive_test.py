@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 """Looks at the archive that needs no installation as a file: archive_test.py"""
 
+import calendar
 import pathlib
+import posixpath
 import subprocess
 import sys
 import tempfile
@@ -14,6 +16,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path[:0] = [str(ROOT / "tools" / "lib"), str(ROOT / "packaging")]
 import portable  # noqa: E402
 import side_by_side  # noqa: E402
+from project_file import ProjectFile  # noqa: E402
 
 
 class ArchiveTest(unittest.TestCase):
@@ -29,14 +32,32 @@ class ArchiveTest(unittest.TestCase):
 
     def test_MadeAgain_IsTheSame(self):
         with tempfile.TemporaryDirectory() as folder:
-            again = pathlib.Path(folder) / "again.zip"
-            subprocess.run([ROOT / "tools" / "make-portable", ROOT / "dist", again], check=True)
-            self.assertEqual(again.read_bytes(), self.path.read_bytes())
+            made = [pathlib.Path(folder) / name for name in ("one.zip", "another.zip")]
+            for path in made:
+                subprocess.run([ROOT / "tools" / "make-portable", ROOT / "dist", path], check=True)
+            self.assertEqual(made[0].read_bytes(), made[1].read_bytes())
+            with zipfile.ZipFile(made[0]) as again:  # its times are others if somebody committed since the build
+                self.assertEqual([(entry.filename, entry.CRC) for entry in again.infolist()],
+                                 [(entry.filename, entry.CRC) for entry in self.archive.infolist()])
 
-    def test_Entries_AreSortedAndWithoutATimeOfTheBuild(self):
+    def test_Entries_AreSortedAndHaveTheTimeOfOneCommit(self):
         names = self.archive.namelist()
         self.assertEqual(names, sorted(names))
-        self.assertEqual({entry.date_time for entry in self.archive.infolist()}, {(1980, 1, 1, 0, 0, 0)})
+        (told,) = {entry.date_time for entry in self.archive.infolist()}
+        seconds = calendar.timegm(told)
+        times = subprocess.run(["git", "-C", str(ROOT), "log", "--format=%ct"], capture_output=True, text=True, check=False)
+        self.assertIn(seconds, [int(time) & ~1 for time in times.stdout.split()] or [portable.EARLIEST.timestamp()])
+
+    def test_TimeOfALaterCommit_IsLater(self):
+        """Otherwise a new library would not be copied over an old one."""
+        with tempfile.TemporaryDirectory() as folder:
+            told = []
+            for seconds in (0, 1_700_000_001, 1_700_000_002):
+                path = pathlib.Path(folder) / "some.zip"
+                portable.write_archive(path, {"file": b""}, seconds)
+                with zipfile.ZipFile(path) as archive:
+                    told += [entry.date_time for entry in archive.infolist()]
+            self.assertEqual(told, [(1980, 1, 1, 0, 0, 0), (2023, 11, 14, 22, 13, 20), (2023, 11, 14, 22, 13, 22)])
 
     def test_Programs_AreThoseOfTheBuildInBothWidths(self):
         for width in ("win64", "win32"):
@@ -48,6 +69,15 @@ class ArchiveTest(unittest.TestCase):
     def test_Pages_AreThere(self):
         for place in ("README.md", "portable/README.md", "portable/cpp/client.manifest", "include/KespCommObj.h"):
             self.assertTrue(self.read(place), place)
+
+    def test_ProjectInCSharp_TakesTheLibraryOfItsWidth(self):
+        text = self.read("portable/csharp/Client.csproj").decode()
+        for given, folder in (({}, "win64"), ({"PlatformTarget": "x64"}, "win64"), ({"PlatformTarget": "x86"}, "win32")):
+            files = ProjectFile(text, **given).files
+            places = [posixpath.normpath("portable/csharp/" + file["Include"].replace("\\", "/")) for file in files]
+            self.assertEqual(places, [f"{folder}/KespCommObj.dll", f"{folder}/Kesp.CommObj.manifest"])
+            self.assertTrue(all(self.read(place) for place in places))
+            self.assertEqual({file["CopyToOutputDirectory"] for file in files}, {"Always"})
 
     def test_ManifestOfAProgram_AsksForTheAssemblyThatIsThere(self):
         client = ElementTree.fromstring(self.read("portable/cpp/client.manifest"))

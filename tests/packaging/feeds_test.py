@@ -4,7 +4,9 @@
 import hashlib
 import importlib.util
 import pathlib
+import posixpath
 import re
+import runpy
 import shutil
 import subprocess
 import sys
@@ -17,6 +19,7 @@ sys.dont_write_bytecode = True  # the tree stays as it is
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "tools" / "lib"))
 import portable  # noqa: E402
+from project_file import ProjectFile  # noqa: E402
 
 VERSION = portable.version_of(ROOT)
 NUSPEC = "{http://schemas.microsoft.com/packaging/2013/05/nuspec.xsd}"
@@ -85,11 +88,27 @@ class FeedsTest(unittest.TestCase):
             self.assertTrue(metadata.findtext(NUSPEC + name), name)
         self.assertEqual(metadata.findtext(NUSPEC + "version"), VERSION)
 
-    def test_Targets_NameFilesOfThePackage(self):
+    def test_Targets_TakeFilesOfThePackageForEachWidth(self):
+        tool = runpy.run_path(str(ROOT / "tools" / "prepare-packages"))
+        names = tool["nuget_contents"](tool["values"]("https://example.com"), {}).keys()
         text = (ROOT / "packaging" / "nuget" / "build" / "KespCommObj.targets").read_text()
-        ElementTree.fromstring(text)
-        for name in ("KespCommObj.dll", "Kesp.CommObj.manifest", "client.manifest", "win-x64", "win-x86"):
-            self.assertIn(name, text)
+
+        def inside(place):
+            return posixpath.normpath(place.replace("\\", "/"))
+
+        for platform in ("x64", "x86"):
+            part = ProjectFile(text, MSBuildThisFileDirectory="build\\", PlatformTarget=platform)
+            folder = f"native/win-{platform}"
+            self.assertEqual([(inside(file["Include"]), file["Link"]) for file in part.files],
+                             [(f"{folder}/{name}", name) for name in ("KespCommObj.dll", "Kesp.CommObj.manifest")])
+            self.assertLessEqual({inside(file["Include"]) for file in part.files}, names)
+            self.assertEqual({file["CopyToOutputDirectory"] for file in part.files}, {"Always"})
+            self.assertIn(inside(part.properties["ApplicationManifest"]), names)
+        # Of no known width: nothing goes along, and the project keeps what it has.
+        part = ProjectFile(text, MSBuildThisFileDirectory="build\\", PlatformTarget="AnyCPU")
+        self.assertEqual((part.files, part.properties.get("ApplicationManifest")), ([], None))
+        own = ProjectFile(text, MSBuildThisFileDirectory="build\\", PlatformTarget="x64", ApplicationManifest="own.manifest")
+        self.assertEqual(own.properties["ApplicationManifest"], "own.manifest")
 
     @unittest.skipUnless(shutil.which("mcs") and (ROOT / "tools" / "make-interop").exists(), "no interop assembly here")
     def test_Package_HoldsTheAssemblyAndBothLibraries(self):

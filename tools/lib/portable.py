@@ -1,12 +1,13 @@
 """What the archives and packages have in common: the version, the manifest of a client, and zip files that are the same
 whenever they are made of the same."""
 
+import datetime
 import re
 import subprocess
 import zipfile
 
-# The first that an archive can tell.
-TIME = (1980, 1, 1, 0, 0, 0)
+# The first time that an archive can tell.
+EARLIEST = datetime.datetime(1980, 1, 1, tzinfo=datetime.timezone.utc)
 
 
 def version_of(root):
@@ -23,12 +24,19 @@ def client_manifest(root):
     return (root / "packaging" / "portable" / "client.manifest").read_bytes()
 
 
-def write_archive(output, found):
-    """`found` is content by place."""
+def archive_time(seconds):
+    """Of the parts that an archive tells; it counts in twos. Build tools copy a file again only when its time is a later
+    one, so a later commit gives later times."""
+    told = max(datetime.datetime.fromtimestamp(seconds, datetime.timezone.utc), EARLIEST)
+    return (told.year, told.month, told.day, told.hour, told.minute, told.second & ~1)
+
+
+def write_archive(output, found, seconds):
+    """`found` is content by place, `seconds` the time since 1970 that each file gets."""
     partial = output.with_name(output.name + ".partial")
     with zipfile.ZipFile(partial, "w", zipfile.ZIP_DEFLATED, compresslevel=9) as archive:
         for place in sorted(found, key=str):
-            entry = zipfile.ZipInfo(str(place), TIME)
+            entry = zipfile.ZipInfo(str(place), archive_time(seconds))
             entry.compress_type = zipfile.ZIP_DEFLATED
             entry.external_attr = 0o644 << 16
             archive.writestr(entry, found[place])
