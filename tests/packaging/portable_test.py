@@ -38,6 +38,10 @@ def built(*place):
     return ROOT.joinpath("build", f"win{bits}", "tests", *place)
 
 
+def windows_path(path):
+    return f"Z:{path}".replace("/", "\\")
+
+
 def classes():
     """The registered values by their key; a key of both views counts once."""
     result = run(built("both_widths", "machine_classes.exe"))
@@ -94,7 +98,9 @@ class PortableTest(unittest.TestCase):
     def test_Client_WithoutTheAssembly_GetsNoObject(self):
         with tempfile.TemporaryDirectory(dir=ROOT / "build") as alone:
             shutil.copy(self.folder / "portable_sample.exe", alone)
-            self.assertNotEqual(run(pathlib.Path(alone) / "portable_sample.exe", *INSTRUMENT).returncode, 0)
+            result = run(pathlib.Path(alone) / "portable_sample.exe", *INSTRUMENT)
+            self.assertEqual(result.stdout, f"the library was not found ({CLASS_NOT_REGISTERED})\n")
+            self.assertEqual(result.returncode, 1)
 
     def test_Sample_GetsAReply(self):
         self.assertEqual(run(self.folder / "portable_sample.exe", *INSTRUMENT).stdout, f"reply: {REPLY}\n")
@@ -102,6 +108,28 @@ class PortableTest(unittest.TestCase):
     def test_Console_GetsAReply(self):
         result = run(self.folder / "kesp.exe", "query", "tcp:" + ":".join(INSTRUMENT), "*IDN?")
         self.assertIn(REPLY, result.stdout)
+
+    def run_script(self, processor):
+        """In a script host that tells of that processor, as far as the object that Wine does not have: there the folder is
+        told."""
+        script = self.folder.parent / "portable" / "script" / "query.vbs"
+        before, context, _ = script.read_text().partition("Set context")
+        self.assertTrue(context)
+        (script.parent / "begin.vbs").write_text(before + 'WScript.Echo folder & "\\" & bits\n')
+        batch = script.parent / "begin.cmd"
+        batch.write_text(f"@set PROCESSOR_ARCHITECTURE={processor}\r\n"
+                         f'@cscript //nologo "%~dp0begin.vbs" {INSTRUMENT[0]}\r\n')
+        return run("cmd", "/c", windows_path(batch))
+
+    def test_Script_TakesTheLibraryOfItsHostsProcessor(self):
+        for processor, width in (("AMD64", "win64"), ("x86", "win32")):
+            told = self.run_script(processor).stdout.strip()
+            self.assertEqual(told.lower(), windows_path(self.folder.parent / width).lower())
+
+    def test_Script_OnAnotherProcessor_SaysWhichHostToUse(self):
+        result = self.run_script("ARM64")
+        self.assertIn("SysWOW64\\cscript.exe", result.stdout)
+        self.assertEqual(result.returncode, 2)
 
     def test_Simulator_Starts(self):
         self.assertEqual(run(self.folder / "kesp-sim.exe", "--version").returncode, 0)

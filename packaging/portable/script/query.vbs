@@ -2,12 +2,20 @@
 '   cscript //nologo query.vbs host [port]
 ' Wine has no Microsoft.Windows.ActCtx; Windows has it from Server 2003 on.
 Option Explicit
-Dim folder, bits, context, comm, reply
-Set folder = CreateObject("Scripting.FileSystemObject").GetFile(WScript.ScriptFullName).ParentFolder
-bits = "win64"
-If CreateObject("WScript.Shell").Environment("Process")("PROCESSOR_ARCHITECTURE") = "x86" Then bits = "win32"
+Dim files, folder, bits, context, comm, reply
+Set files = CreateObject("Scripting.FileSystemObject")
+folder = files.GetAbsolutePathName(files.GetParentFolderName(WScript.ScriptFullName) & "\..\..")
+bits = ""
+Select Case CreateObject("WScript.Shell").Environment("Process")("PROCESSOR_ARCHITECTURE")
+  Case "AMD64": bits = "win64"
+  Case "x86": bits = "win32"
+End Select
+If bits = "" Then
+  WScript.Echo "No library for this script host's processor. Use C:\Windows\SysWOW64\cscript.exe, a 32-bit one."
+  WScript.Quit 2
+End If
 Set context = CreateObject("Microsoft.Windows.ActCtx")
-context.Manifest = folder.ParentFolder.ParentFolder.Path & "\" & bits & "\client.manifest"
+context.Manifest = folder & "\" & bits & "\client.manifest"
 Set comm = context.CreateObject("KespCommObj.CKespCommObj")
 comm.CommStyle = 1
 comm.CommObject.IPAddress = WScript.Arguments(0)
