@@ -22,6 +22,8 @@ import portable  # noqa: E402
 from project_file import ProjectFile  # noqa: E402
 
 VERSION = portable.version_of(ROOT)
+# As the first line of the file says it: "MIT License".
+LICENSE = (ROOT / "LICENSE").read_text().split()[0]
 NUSPEC = "{http://schemas.microsoft.com/packaging/2013/05/nuspec.xsd}"
 # Members that the schemas of version 1.6.0 require.
 REQUIRED = {
@@ -59,6 +61,7 @@ class FeedsTest(unittest.TestCase):
         self.assertEqual(kinds.keys(), REQUIRED.keys())
         for kind, members in kinds.items():
             self.assertLessEqual(REQUIRED[kind], members.keys(), kind)
+        self.assertEqual(kinds["defaultLocale"]["License"], LICENSE)
 
     @unittest.skipUnless(importlib.util.find_spec("yaml"), "there is no python3-yaml")
     def test_Winget_CanBeRead(self):
@@ -87,6 +90,8 @@ class FeedsTest(unittest.TestCase):
         for name in ("id", "version", "authors", "description"):
             self.assertTrue(metadata.findtext(NUSPEC + name), name)
         self.assertEqual(metadata.findtext(NUSPEC + "version"), VERSION)
+        license_ = metadata.find(NUSPEC + "license")
+        self.assertEqual((license_.get("type"), license_.text), ("expression", LICENSE))
 
     def test_Targets_TakeFilesOfThePackageForEachWidth(self):
         tool = runpy.run_path(str(ROOT / "tools" / "prepare-packages"))
