@@ -16,7 +16,7 @@ function(kesp_idl target idl)
   set(without_time "${CMAKE_SOURCE_DIR}/tools/lib/type_library_time.py")
   add_custom_command(
     OUTPUT "${folder}/${name}.tlb"
-    COMMAND ${widl} -t -o "${folder}/${name}.tlb" "${idl}"
+    COMMAND "${CMAKE_COMMAND}" -E env TZ=UTC ${widl} -t -o "${folder}/${name}.tlb" "${idl}"
     COMMAND "${without_time}" "${folder}/${name}.tlb"
     WORKING_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}"
     DEPENDS "${source}" "${without_time}" COMMENT "Compiling the type library ${name}.tlb (${KESP_BITS} bit)" VERBATIM)

@@ -2,10 +2,11 @@
 """Looks for what would make two builds of one commit differ: times and paths in what is delivered, and a setup program
 that follows the files' times. reproducible_test.py"""
 
+import calendar
 import datetime
+import os
 import pathlib
 import re
-import os
 import shutil
 import struct
 import subprocess
@@ -66,12 +67,31 @@ class ReproducibleTest(unittest.TestCase):
             self.assertIsNotNone(noted, path)
             self.assertNotIn(year, noted.group())
 
+    def test_TimeOfATypeLibrary_IsTakenOutInAnyZone(self):
+        # The hour that comes twice in this zone; the number is that of UTC.
+        noted = b"Created by WIDL version 8.0 at Sun Oct 25 02:30:00 2026"
+        number = struct.pack("<I", calendar.timegm((2026, 10, 25, 2, 30, 0)))
+        with tempfile.TemporaryDirectory() as folder:
+            path = pathlib.Path(folder) / "some.tlb"
+            path.write_bytes(b"before " + number + noted + b"\0after")
+            subprocess.run([ROOT / "tools" / "lib" / "type_library_time.py", path], check=True,
+                           env=dict(os.environ, TZ="Europe/Berlin"))
+            self.assertEqual(path.read_bytes(), b"before " + bytes(4) + noted[:-24] + b"Thu Jan  1 00:00:00 1970\0after")
+
+    def test_TypeLibraries_AreMadeInUtc(self):
+        for bits in (64, 32):
+            made = re.findall(r"COMMAND = (.*widl.* -t .*)", (ROOT / "build" / f"win{bits}" / "build.ninja").read_text())
+            self.assertTrue(made)
+            for command in made:
+                self.assertRegex(command, r"-E env TZ=UTC \S*widl ")
+
     def test_NothingDelivered_NamesTheFolderOfTheTree(self):
         for path in delivered("*"):
             if path.is_file():
                 data = path.read_bytes()
-                for text in (str(ROOT).encode(), str(ROOT).encode("utf-16-le")):
-                    self.assertNotIn(text, data, path)
+                for encoding in ("utf-8", "utf-16-le"):
+                    # With what follows it, as a short name may be part of any other word.
+                    self.assertNotIn(f"{ROOT}/".encode(encoding), data, path)
 
     def test_SetupProgram_DoesNotFollowTheTimesOfFiles(self):
         with tempfile.TemporaryDirectory(dir=ROOT / "build" / "installer") as folder:

@@ -2,9 +2,11 @@
 """Takes the time of its making out of a type library that widl wrote, so that two builds are the same:
 type_library_time.py FILE.tlb
 
-widl notes it twice: as a text, and as a number of seconds. Both become the beginning of 1970.
+widl notes it twice: as a text, and as a number of seconds. Both become the beginning of 1970. It has to run with TZ=UTC:
+in another zone an hour that comes twice would be ambiguous.
 """
 
+import calendar
 import pathlib
 import re
 import struct
@@ -19,7 +21,7 @@ def without_time(data):
     noted = NOTE.search(data)
     if not noted:
         sys.exit("there is no note of widl's in it; is this another version?")
-    seconds = int(time.mktime(time.strptime(noted.group(2).decode(), "%a %b %d %H:%M:%S %Y")))
+    seconds = calendar.timegm(time.strptime(noted.group(2).decode(), "%a %b %d %H:%M:%S %Y"))
     number = struct.pack("<I", seconds)
     if noted.group(2) != FIXED and data.count(number) != 1:
         sys.exit(f"the number of seconds, {seconds}, is in it {data.count(number)} times")
