@@ -12,6 +12,7 @@ import html.parser
 import pathlib
 import posixpath
 import re
+import struct
 import subprocess
 import sys
 import tempfile
@@ -26,6 +27,8 @@ TREE = TOOLS.parent
 WORK = TREE / "build" / "help"
 FILE = "KespCommObj.chm"
 SKIPPED = 77
+# Where the number of the whole is in the header of a type library, as widl writes it.
+HELP_CONTEXT = 44
 CLASSES = ("CKespCommObj", "CKespCOMPort3", "CKespTCP", "CKespIEEE", "CInstrument", "CInstruments", "CKespSmartSwitch3")
 IDENTIFIER = re.compile(r"^\s*(?:vtable \d+  )?id (-?\d+)  (?:get |put )?(\w+)\(", re.M)
 
@@ -120,6 +123,19 @@ def compiled_faults():
             yield f"dist/{width} does not have it"
 
 
+def own_number_faults(bits, contexts):
+    """How the library's own number differs from its source's, in the header of the type library that is in the DLL."""
+    folder = TREE / "dist" / f"win{bits}"
+    data = (folder / "KespCommObj.dll").read_bytes()
+    delivered = (folder / "include" / "KespCommObj.tlb").read_bytes()
+    if delivered not in data:
+        yield "the type library in the DLL is another one than that delivered"
+    number, = struct.unpack_from("<I", delivered, HELP_CONTEXT)
+    wanted = [context.number for context in contexts if context.kind == "library"]
+    if delivered[:4] != b"MSFT" or [number] != wanted:
+        yield f"the header of the type library has {number} in place of {wanted}"
+
+
 def library_faults(bits, contexts):
     """How the numbers of the built library differ from those of its source."""
     program = TREE / "build" / f"win{bits}" / "tests" / "clients" / "help_contexts.exe"
@@ -129,6 +145,7 @@ def library_faults(bits, contexts):
         if done.returncode:
             print(done.stdout + done.stderr)
             sys.exit(done.returncode)
+    yield from own_number_faults(bits, contexts)
     # Wine reads the library's own number from the wrong field.
     told = [line for line in done.stdout.replace("\r", "").splitlines() if " library " not in line]
     wanted = [" ".join(filter(None, (str(each.number), FILE, each.kind, each.name, each.member)))
