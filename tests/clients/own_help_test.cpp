@@ -13,8 +13,8 @@
 namespace kesp::clients {
 namespace {
 
-// The cases stand in the order in which they have to run, as GoogleTest keeps it and their letters show it: the file that
-// a client names stays until the process ends.
+// The cases stand in the order in which they have to run, which GoogleTest keeps and their letters show: the
+// file that a client names stays until the process ends.
 class OwnHelpTest : public EditingFixture<_CKespTCP> {
  protected:
   OwnHelpTest() : EditingFixture(L"TCP/IP Communication Settings") {
