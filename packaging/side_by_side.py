@@ -44,9 +44,9 @@ def read_library(text):
 
 
 def assembly_version(library):
-    """Windows takes an assembly beside the program only if its version is exactly the one that the program asks for. So it
-    stays the same as long as clients can stay as they are: it follows the type library, which keeps its first number then,
-    and not the product."""
+    """Windows takes an assembly beside the program only if its version is exactly the one that the program asks for. So
+    it stays the same as long as clients can stay as they are: it follows the type library, which keeps its first number
+    then, and not the product."""
     return library.version.split(".")[0] + ".0.0.0"
 
 

@@ -4,8 +4,8 @@
 usage: check_help.py [--bits 64|32]
 
 Each number has its place in the rule at the top of server/KespCommObj.idl, belongs to one thing, and leads to an anchor
-that is there. The compiled file holds the same numbers and all pages, and comes out the same when it is made again. With
---bits the built library is asked under Wine, and has to tell the same numbers; ends with 77 where it cannot run.
+that is there. The compiled file holds the same numbers and all pages, and comes out the same when it is made again.
+With --bits the built library is asked under Wine, and has to tell the same numbers; ends with 77 where it cannot run.
 """
 
 import html.parser
@@ -140,7 +140,8 @@ def library_faults(bits, contexts):
     """How the numbers of the built library differ from those of its source."""
     program = TREE / "build" / f"win{bits}" / "tests" / "clients" / "help_contexts.exe"
     library = f"Z:{TREE / 'dist' / f'win{bits}' / 'KespCommObj.dll'}".replace("/", "\\")
-    for command in ([TOOLS / "wine-prefix", str(bits), "start"], [TOOLS / "wine-run", "--bits", str(bits), program, library]):
+    for command in ([TOOLS / "wine-prefix", str(bits), "start"],
+                    [TOOLS / "wine-run", "--bits", str(bits), program, library]):
         done = subprocess.run(command, capture_output=True, text=True)
         if done.returncode:
             print(done.stdout + done.stderr)
@@ -164,7 +165,8 @@ def main():
     else:
         sys.exit(__doc__)
     print(*faults, sep="\n", end="\n" if faults else "")
-    print(f"help: {len(faults)} faults" if faults else f"help: all {len({each.number for each in contexts})} numbers lead somewhere")
+    numbers = {each.number for each in contexts}
+    print(f"help: {len(faults)} faults" if faults else f"help: all {len(numbers)} numbers lead somewhere")
     sys.exit(bool(faults))
 
 

@@ -101,8 +101,11 @@ class FeedsTest(unittest.TestCase):
         def inside(place):
             return posixpath.normpath(place.replace("\\", "/"))
 
+        def part_for(platform, **given):
+            return ProjectFile(text, MSBuildThisFileDirectory="build\\", PlatformTarget=platform, **given)
+
         for platform in ("x64", "x86"):
-            part = ProjectFile(text, MSBuildThisFileDirectory="build\\", PlatformTarget=platform)
+            part = part_for(platform)
             folder = f"native/win-{platform}"
             self.assertEqual([(inside(file["Include"]), file["Link"]) for file in part.files],
                              [(f"{folder}/{name}", name) for name in ("KespCommObj.dll", "Kesp.CommObj.manifest")])
@@ -110,9 +113,9 @@ class FeedsTest(unittest.TestCase):
             self.assertEqual({file["CopyToOutputDirectory"] for file in part.files}, {"Always"})
             self.assertIn(inside(part.properties["ApplicationManifest"]), names)
         # Of no known width: nothing goes along, and the project keeps what it has.
-        part = ProjectFile(text, MSBuildThisFileDirectory="build\\", PlatformTarget="AnyCPU")
+        part = part_for("AnyCPU")
         self.assertEqual((part.files, part.properties.get("ApplicationManifest")), ([], None))
-        own = ProjectFile(text, MSBuildThisFileDirectory="build\\", PlatformTarget="x64", ApplicationManifest="own.manifest")
+        own = part_for("x64", ApplicationManifest="own.manifest")
         self.assertEqual(own.properties["ApplicationManifest"], "own.manifest")
 
     @unittest.skipUnless(shutil.which("mcs") and (ROOT / "tools" / "make-interop").exists(), "no interop assembly here")

@@ -110,8 +110,8 @@ class PortableTest(unittest.TestCase):
         self.assertIn(REPLY, result.stdout)
 
     def run_script(self, processor):
-        """In a script host that tells of that processor, as far as the object that Wine does not have: there the folder is
-        told."""
+        """In a script host that tells of that processor, as far as the object that Wine does not have: there the folder
+        is told."""
         script = self.folder.parent / "portable" / "script" / "query.vbs"
         before, context, _ = script.read_text().partition("Set context")
         self.assertTrue(context)
@@ -164,7 +164,8 @@ class RegisteredTest(unittest.TestCase):
                              entry.get("threadingModel").lower())
             self.assertEqual(value(rf"clsid\\{clsid}\\typelib\\?"), entry.get("tlbid"))
         ours = next(iter(manifest.iter(MANIFEST + "typelib"))).get("tlbid")
-        of_library = {key for key, text in registered.items() if re.search(r"clsid\\[^\\]*\\typelib\\?$", key) and text == ours}
+        of_library = {key for key, text in registered.items()
+                      if re.search(r"clsid\\[^\\]*\\typelib\\?$", key) and text == ours}
         self.assertEqual(len(of_library), len(by_class))
         interfaces = list(manifest.iter(MANIFEST + "comInterfaceExternalProxyStub"))
         for entry in interfaces:

@@ -1,4 +1,4 @@
-"""What a project file of .NET, or a part of one, comes to for given properties: its values and the files it includes."""
+"""What a project file of .NET, or a part of one, comes to for given properties: its values and its files."""
 
 import re
 import xml.etree.ElementTree as ElementTree
@@ -14,8 +14,8 @@ def holds(condition):
 
 
 class ProjectFile:
-    """`properties` by name, and `files`: the attributes of each None item that counts. Given properties are as if a project
-    had set them before; what the file itself sets comes over them."""
+    """`properties` by name, and `files`: the attributes of each None item that counts. Given properties are as if a
+    project had set them before; what the file itself sets comes over them."""
 
     def __init__(self, text, **given):
         self.properties, self.files = dict(given), []

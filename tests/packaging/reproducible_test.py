@@ -76,11 +76,13 @@ class ReproducibleTest(unittest.TestCase):
             path.write_bytes(b"before " + number + noted + b"\0after")
             subprocess.run([ROOT / "tools" / "lib" / "type_library_time.py", path], check=True,
                            env=dict(os.environ, TZ="Europe/Berlin"))
-            self.assertEqual(path.read_bytes(), b"before " + bytes(4) + noted[:-24] + b"Thu Jan  1 00:00:00 1970\0after")
+            without = b"before " + bytes(4) + noted[:-24] + b"Thu Jan  1 00:00:00 1970\0after"
+            self.assertEqual(path.read_bytes(), without)
 
     def test_TypeLibraries_AreMadeInUtc(self):
         for bits in (64, 32):
-            made = re.findall(r"COMMAND = (.*widl.* -t .*)", (ROOT / "build" / f"win{bits}" / "build.ninja").read_text())
+            rules = (ROOT / "build" / f"win{bits}" / "build.ninja").read_text()
+            made = re.findall(r"COMMAND = (.*widl.* -t .*)", rules)
             self.assertTrue(made)
             for command in made:
                 self.assertRegex(command, r"-E env TZ=UTC \S*widl ")

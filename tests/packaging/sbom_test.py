@@ -15,8 +15,8 @@ DIST = ROOT / "dist"
 # How names of these libraries begin in the type names that a program carries.
 MARKS = {"asio": rb"4asio\d", "CLI": rb"3CLI\d", "nlohmann": rb"8nlohmann"}
 # What the table of third-party notices calls the licenses of SPDX.
-TERMS = {"ZPL-2.1": "ZPL 2.1", "MIT": "MIT", "BSD-3-Clause": "BSD", "GPL-3.0-or-later": "GPL 3 or later", "Zlib": "zlib",
-         "GCC-exception-3.1": "GCC Runtime Library Exception 3.1", "BSL-1.0": "Boost Software License 1.0",
+TERMS = {"ZPL-2.1": "ZPL 2.1", "MIT": "MIT", "BSD-3-Clause": "BSD", "GPL-3.0-or-later": "GPL 3 or later",
+         "Zlib": "zlib", "GCC-exception-3.1": "GCC Runtime Library Exception 3.1", "BSL-1.0": "Boost Software License 1.0",
          "CPL-1.0": "CPL 1.0", "LZMA-exception": "LZMA exception"}
 # Headers of Windows and of Linux, and folders of such; what has no dot in its name is the language's own library.
 SYSTEM = set("""commctrl.h fcntl.h imm.h iphlpapi.h netlistmgr.h objbase.h ocidl.h oleauto.h olectl.h poll.h setupapi.h

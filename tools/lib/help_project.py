@@ -9,8 +9,8 @@ import public_interface
 
 NAME = "Kesp Communication Object Library"
 CONTENTS, INDEX, HOME = "KespCommObj.hhc", "KespCommObj.hhk", "README.html"
-# Contents, index and search on the left, which follows the page; hide, back, forward, home, print above. The numbers are
-# those that the viewer's documents list.
+# On the left contents, index, search and favorites (0x63520), which follow the page; above it hide, back, forward, home
+# and print (0x104e). The numbers are those that the viewer's documents list.
 WINDOW = (f'main="{NAME}","{CONTENTS}","{INDEX}","{HOME}","{HOME}",,,,,0x63520,260,0x104e,[80,60,1080,800],'
           ",,,,,,0")
 
@@ -35,7 +35,8 @@ def site_map(lines):
 def contents(tree):
     lines = []
     for book in help_pages.books(tree):
-        lines += [entry(book.title), "<UL>", *(entry(help_pages.title(tree, page), page) for page in book.pages), "</UL>"]
+        pages = [entry(help_pages.title(tree, page), page) for page in book.pages]
+        lines += [entry(book.title), "<UL>", *pages, "</UL>"]
     return site_map(lines)
 
 

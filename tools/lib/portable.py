@@ -16,7 +16,8 @@ def version_of(root):
 
 def commit_seconds(root):
     """Since 1970, of the present commit; 0 where there is none."""
-    result = subprocess.run(["git", "-C", str(root), "log", "-1", "--format=%ct"], capture_output=True, text=True, check=False)
+    result = subprocess.run(["git", "-C", str(root), "log", "-1", "--format=%ct"], capture_output=True, text=True,
+                            check=False)
     return int(result.stdout) if result.returncode == 0 else 0
 
 
@@ -25,8 +26,8 @@ def client_manifest(root):
 
 
 def archive_time(seconds):
-    """Of the parts that an archive tells; it counts in twos. Build tools copy a file again only when its time is a later
-    one, so a later commit gives later times."""
+    """Of the parts that an archive tells; it counts in twos. Build tools copy a file again only when its time is a
+    later one, so a later commit gives later times."""
     told = max(datetime.datetime.fromtimestamp(seconds, datetime.timezone.utc), EARLIEST)
     return (told.year, told.month, told.day, told.hour, told.minute, told.second & ~1)
 

@@ -2,8 +2,8 @@
 """Takes the time of its making out of a type library that widl wrote, so that two builds are the same:
 type_library_time.py FILE.tlb
 
-widl notes it twice: as a text, and as a number of seconds. Both become the beginning of 1970. It has to run with TZ=UTC:
-in another zone an hour that comes twice would be ambiguous.
+widl notes it twice: as a text, and as a number of seconds. Both become the beginning of 1970. It has to run with
+TZ=UTC: in another zone an hour that comes twice would be ambiguous.
 """
 
 import calendar
