@@ -109,20 +109,28 @@ class PortableTest(unittest.TestCase):
         result = run(self.folder / "kesp.exe", "query", "tcp:" + ":".join(INSTRUMENT), "*IDN?")
         self.assertIn(REPLY, result.stdout)
 
-    def run_script(self, processor):
-        """In a script host that tells of that processor, as far as the object that Wine does not have: there the folder
-        is told."""
+    def test_ManifestInEffectWhileTheObjectIsCreated_IsEnough(self):
+        """For a program that lies elsewhere, late bound."""
+        program = built("packaging", "context_client.exe")
+        result = run(program, windows_path(self.folder / "client.manifest"), *INSTRUMENT)
+        self.assertEqual(result.stdout, f"created: 00000000\nreply: {REPLY}\n", result.stderr)
+
+    def run_script(self, processor=None):
+        """As far as the object that Wine does not have: there the folder is told. With a processor, the script host is
+        one for that."""
         script = self.folder.parent / "portable" / "script" / "query.vbs"
-        before, context, _ = script.read_text().partition("Set context")
+        text, context, _ = script.read_text().partition("Set context")
         self.assertTrue(context)
-        (script.parent / "begin.vbs").write_text(before + 'WScript.Echo folder & "\\" & bits\n')
-        batch = script.parent / "begin.cmd"
-        batch.write_text(f"@set PROCESSOR_ARCHITECTURE={processor}\r\n"
-                         f'@cscript //nologo "%~dp0begin.vbs" {INSTRUMENT[0]}\r\n')
-        return run("cmd", "/c", windows_path(batch))
+        if processor:
+            asked = 'CreateObject("WScript.Shell").Environment("Process")("PROCESSOR_ARCHITECTURE")'
+            self.assertIn(asked, text)
+            text = text.replace(asked, f'"{processor}"')
+        begin = script.with_name("begin.vbs")
+        begin.write_text(text + 'WScript.Echo folder & "\\" & bits\n')
+        return run(begin, *INSTRUMENT)
 
     def test_Script_TakesTheLibraryOfItsHostsProcessor(self):
-        for processor, width in (("AMD64", "win64"), ("x86", "win32")):
+        for processor, width in ((None, f"win{bits}"), ("AMD64", "win64"), ("x86", "win32")):
             told = self.run_script(processor).stdout.strip()
             self.assertEqual(told.lower(), windows_path(self.folder.parent / width).lower())
 
