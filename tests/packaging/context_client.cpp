@@ -1,5 +1,5 @@
-// A late-bound client without a manifest of its own, which has one in effect only while it creates its
-// object, as Microsoft.Windows.ActCtx does for scripts: context_client MANIFEST HOST PORT
+// A late-bound client that uses a manifest only while it creates its object, as Microsoft.Windows.ActCtx does
+// for scripts: context_client MANIFEST HOST PORT. It has no manifest of its own.
 //
 // Prints "created: " with the result, then "reply: " with what the instrument says to *IDN?. Ends with 1
 // without a reply.
