@@ -40,6 +40,20 @@ def default_signals():
         signal.signal(number, signal.SIG_DFL)
 
 
+def processes_of(program, words):
+    """The processes of a Windows program that was started with these words. The path counts, because tests of the other
+    width may start the same command at the same moment."""
+    command = [str(word).encode() for word in (program, *words)]
+    for entry in pathlib.Path("/proc").iterdir():
+        try:
+            # Wine fills up what its own words took with empty ones.
+            given = [word for word in (entry / "cmdline").read_bytes().split(b"\0") if word]
+        except OSError:
+            continue
+        if given == command:
+            yield int(entry.name)
+
+
 class Program:
     """A running kesp-sim: of Linux, or that of Windows with these bits; or another command."""
 
@@ -47,8 +61,8 @@ class Program:
         self.words = list(map(str, arguments))
         self.bits = bits
         if bits:
-            program = ROOT / "dist" / f"win{bits}" / "simulator" / "kesp-sim.exe"
-            command = of_wine(f"in_wine {bits} wine {shlex.join([str(program), *self.words])}")
+            self.program = ROOT / "dist" / f"win{bits}" / "simulator" / "kesp-sim.exe"
+            command = of_wine(f"in_wine {bits} wine {shlex.join([str(self.program), *self.words])}")
         self.process = subprocess.Popen(
             command or [NATIVE, *self.words], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
             text=True, preexec_fn=default_signals, env={**os.environ, **dict(environment)})
@@ -75,13 +89,8 @@ class Program:
         """What Ctrl-C does: Wine hands the signal on as that."""
         if not self.bits:
             return self.process.send_signal(number)
-        for entry in pathlib.Path("/proc").iterdir():
-            try:
-                words = (entry / "cmdline").read_bytes().split(b"\0")
-            except OSError:
-                continue
-            if words[0].endswith(b"kesp-sim.exe") and [word.decode() for word in words[1:] if word] == self.words:
-                os.kill(int(entry.name), number)
+        for process in processes_of(self.program, self.words):
+            os.kill(process, number)
         return None
 
     def end(self):

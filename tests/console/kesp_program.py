@@ -14,7 +14,7 @@ import unittest
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.dont_write_bytecode = True  # the tree stays as it is
 sys.path.insert(0, str(ROOT / "simulator"))
-from program_tester import LIMIT_SECONDS, Program, com_port_link, default_signals, of_wine  # noqa: E402
+from program_tester import LIMIT_SECONDS, Program, com_port_link, default_signals, of_wine, processes_of  # noqa: E402
 
 DONE, FAILED, USAGE, NO_LIBRARY, INTERRUPTED = range(5)
 
@@ -55,13 +55,8 @@ class Kesp:
                 os.kill(number, signal.SIGINT)
 
     def numbers(self):
-        for entry in pathlib.Path("/proc").iterdir():
-            try:
-                words = (entry / "cmdline").read_bytes().split(b"\0")
-            except OSError:
-                continue
-            if words[0].endswith(b"kesp.exe") and [word.decode() for word in words[1:] if word] == self.words:
-                yield int(entry.name)
+        """Those of its processes; the other width's tests may run the same command at the same moment."""
+        return processes_of(self.program, self.words)
 
     def end(self):
         """Exit code, standard output, standard error."""
