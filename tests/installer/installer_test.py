@@ -491,6 +491,8 @@ class LazyRegistrationTest(InstallerTest):
     """regsvr32 ends with 0 and has done nothing, as it was seen under load."""
 
     def setUp(self):
+        if sandbox.bits == 64:
+            self.skipTest("Wine 8 runs its own regsvr32, whatever program lies there")
         self.rest = sandbox.drive / "lazy.txt"
         regsvr32, own = (sandbox.system / name for name in ("regsvr32.exe", "regsvr32-own.exe"))
         # Wine's system folder may hold links to the files of all prefixes.
@@ -545,8 +547,8 @@ class SurrogateTest(InstallerTest):
 
     def test_AskedFor_IsOffered_AndLeavesWithTheInstallation(self):
         self.assertEqual(install("/SURROGATE"), 0)
-        # The one key is seen in both views.
-        self.assertIn(len(self.applications("HKLM")), (1, len(sandbox.widths)))
+        # There is one key, which may be seen in both views.
+        self.assertIn(len(self.applications("HKLM")), (1, 2))
         self.assert_usable()
         self.assertTrue(uninstall(FOLDER))
         self.assert_nothing_left()
