@@ -37,6 +37,24 @@ class PayloadTest(unittest.TestCase):
         self.assertEqual(self.places(), {
             "win64": ["win64/KespCommObj.dll"], "win32": ["win32/KespCommObj.dll"]})
 
+    def definitions(self):
+        return list(payload.definitions(self.tree, payload.groups_of(self.tree, self.dist)))
+
+    def test_LicenseAndHelp_AreToldOf_WhereTheyAre(self):
+        self.assertEqual(self.definitions(), [])
+        for width in ("win64", "win32"):
+            self.write(f"dist/{width}/help/index.html", "the same")
+        self.write("LICENSE", "text")
+        self.write("THIRD-PARTY-NOTICES.md", "text")
+        self.write("LICENSES-elsewhere", "text")
+        self.assertEqual(self.definitions(), ["!define HAS_HELP", f'!define LICENSE_FILE "{self.tree}/LICENSE"'])
+        self.assertEqual(self.places()["common"], ["LICENSE", "THIRD-PARTY-NOTICES.md", "help/index.html"])
+
+    def test_RegisteredEntries_AreThoseOfEveryClassAndOfTheTypeLibrary(self):
+        script = self.script()
+        self.assertIn("!define ENTRIES_OF_A_LIBRARY 7", script)
+        self.assertEqual(len(re.findall(r"CLSID\\\{[0-9a-f-]+\}\\InprocServer32", script)), 6)
+
     def test_Places_OfEqualFiles_AreOnceAtTheTop(self):
         for width in ("win64", "win32"):
             self.write(f"dist/{width}/samples/a.vbs", "the same")

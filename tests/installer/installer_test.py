@@ -553,6 +553,17 @@ class SurrogateTest(InstallerTest):
         self.assertTrue(uninstall(FOLDER))
         self.assert_nothing_left()
 
+    def test_AskedFor_64BitClientReachesThe32BitLibrary(self):
+        if len(sandbox.widths) == 1:
+            self.skipTest("it takes both widths")
+        self.assertEqual(install("/SURROGATE"), 0)
+        client = ROOT / "build" / "win64" / "tests" / "both_widths" / "surrogate_client.exe"
+        said = sandbox.run(client, "32", "--gtest_filter=*Lives*:*Refusal*:*Killed*", bits=64)
+        self.assertEqual(said.returncode, 0, said.stdout)
+        self.assertIn("[  PASSED  ] 3 tests", said.stdout)
+        self.assertTrue(uninstall(FOLDER))
+        self.assert_nothing_left()
+
     def test_AskedForByAUser_IsOfferedToHim(self):
         self.assertEqual(install_for_user("/SURROGATE"), 0)
         self.assertEqual(len(self.applications("HKCU")), 1)
