@@ -35,7 +35,9 @@ LINKS = ["Documents.lnk", "Samples.lnk", "kesp console.lnk"]
 FAILED_LOG = "C:\\windows\\Logs\\KespCommObj-setup.log"
 ENTRY = "[HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\KespCommObj] "
 SESSION_MANAGER = "HKLM\\System\\CurrentControlSet\\Control\\Session Manager"
+TITLE = "Kesp Communication Object Library Setup"
 # Exit codes; Linux keeps eight bits.
+CANCELLED = 1
 FAILED, FILES_REMAIN, NEEDS_ADMINISTRATOR, NEEDS_RESTART, NEWER_VERSION = 2, 32, 740 & 0xFF, 3010 & 0xFF, 1638 & 0xFF
 sandbox = None
 setup = None
@@ -624,6 +626,45 @@ class OtherInstallationsTest(InstallerTest):
         self.assertEqual(install_for_user(), 0)
         log = (sandbox.path(user_folder()) / "setup.log").read_text("utf-16")
         self.assertIn(f"The library is also installed in {FOLDER}.", log)
+
+
+class WizardTest(InstallerTest):
+    """Somebody at the screen, who goes through the pages as they come."""
+
+    def tearDown(self):
+        clean_up()
+
+    def go_through(self, *answers):
+        """The exit code, and what was to be read on the pages and in the boxes."""
+        wizard = sandbox.begin(sandbox.starter, "all", windows_path(setup))
+        hand = sandbox.run(sandbox.starter.with_name("wizard_hand.exe"), TITLE, *answers)
+        code = wizard.wait(timeout=60)
+        wizard.stdout.close()
+        self.assertEqual(hand.returncode, 0, hand.stdout)
+        return code, hand.stdout
+
+    def test_FromPageToPage_Installs(self):
+        code, said = self.go_through()
+        self.assertEqual(code, 0)
+        self.assertIn("[All users of this computer (as administrator)]", said)
+        self.assertIn("[Open the first steps]", said)
+        self.assert_usable()
+
+    def test_NewerVersion_IsAskedFor(self):
+        self.assertEqual(install(), 0)
+        key = ENTRY.strip(" []").replace("HKEY_LOCAL_MACHINE", "HKLM")
+        sandbox.reg("add", key, "/v", "DisplayVersion", "/d", "99.0.0", "/f").check_returncode()
+        code, said = self.go_through("No", "Yes")
+        self.assertEqual(code, CANCELLED)
+        self.assertIn("Version 99.0.0 is installed, which is newer than", said)
+        self.assert_usable()
+
+    def test_OtherScope_IsWarnedOf(self):
+        self.assertEqual(install_for_user(), 0)
+        code, said = self.go_through("Cancel", "Yes")
+        self.assertEqual(code, CANCELLED)
+        self.assertIn(f"The library is also installed in {user_folder()}.", said)
+        self.assertFalse(sandbox.is_listed("HKLM"))
 
 
 class LogTest(InstallerTest):
