@@ -43,8 +43,9 @@ STDAPI DllUnregisterServer() {
 }
 
 // regsvr32 /i:user (with /n, so that DllRegisterServer is not called as well) registers for the present user
-// only, regsvr32 /n /i for the machine. /i:surrogate and /i:user,surrogate also let the system's surrogate
-// process load the library. Any other text is refused.
+// only, regsvr32 /n /i for the machine. /i:surrogate also lets the system's surrogate process load the
+// library; not for one user, because Windows reads the entries of such applications from the machine's alone.
+// Any other text is refused.
 STDAPI DllInstall(BOOL install, LPCWSTR command_line) {
   struct Command {
     const wchar_t* text;
@@ -55,7 +56,6 @@ STDAPI DllInstall(BOOL install, LPCWSTR command_line) {
       {L"", RegistrationScope::kMachine, Hosting::kInProcess},
       {L"user", RegistrationScope::kUser, Hosting::kInProcess},
       {L"surrogate", RegistrationScope::kMachine, Hosting::kSurrogateToo},
-      {L"user,surrogate", RegistrationScope::kUser, Hosting::kSurrogateToo},
   };
   for (const Command& command : kCommands) {
     if (lstrcmpiW(command_line != nullptr ? command_line : L"", command.text) != 0) continue;

@@ -26,6 +26,7 @@ constexpr wchar_t kDispatchMarshaler[] = L"{00020420-0000-0000-C000-000000000046
 
 constexpr bool kIs64Bit = sizeof(void*) == 8;
 constexpr const wchar_t* kPlatform = kIs64Bit ? L"win64" : L"win32";
+constexpr const wchar_t* kOtherPlatform = kIs64Bit ? L"win32" : L"win64";
 constexpr REGSAM kOtherView = kIs64Bit ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
 
 struct InterfaceEntry {
@@ -104,15 +105,23 @@ void RegisterInterface(HKEY root, const InterfaceEntry& entry) {
   library.Set(L"Version", kLibraryVersion);
 }
 
+std::wstring VersionKey() {
+  return LibraryKey() + L"\\" + kLibraryVersion;
+}
+
+// Where the help file lies that the type library names. Each width has one; the last registration counts.
+void SetHelpFolderBeside(HKEY root, const std::wstring& path) {
+  std::wstring folder = FolderOfPath(path);
+  if (!folder.empty()) folder.pop_back();
+  SetKey(root, VersionKey() + L"\\HELPDIR", folder);
+}
+
 void RegisterLibrary(HKEY root, const std::wstring& path) {
-  const std::wstring version = LibraryKey() + L"\\" + kLibraryVersion;
+  const std::wstring version = VersionKey();
   SetKey(root, version, kLibraryName);
   SetKey(root, version + L"\\0\\" + kPlatform, path);
   SetKey(root, version + L"\\FLAGS", L"0");
-  // Where the help file lies that the type library names. Each width has one; the last registration counts.
-  std::wstring folder = FolderOfPath(path);
-  if (!folder.empty()) folder.pop_back();
-  SetKey(root, version + L"\\HELPDIR", folder);
+  SetHelpFolderBeside(root, path);
 }
 
 void RegisterAll(HKEY root) {
@@ -136,10 +145,12 @@ void RegisterSurrogate(HKEY root) {
 }
 
 void UnregisterLibrary(HKEY root) {
-  const std::wstring version = LibraryKey() + L"\\" + kLibraryVersion;
+  const std::wstring version = VersionKey();
   RemoveTree(root, version + L"\\0\\" + kPlatform);
   RemoveIfEmpty(root, version + L"\\0");
   if (!KeyExists(root, version + L"\\0")) RemoveTree(root, version);
+  const std::wstring other = ReadKey(root, version + L"\\0\\" + kOtherPlatform);
+  if (!other.empty()) SetHelpFolderBeside(root, other);
   RemoveIfEmpty(root, LibraryKey());
 }
 

@@ -14,11 +14,12 @@ enum class Hosting { kInProcess, kSurrogateToo };
 
 // Writes the classes, their ProgIDs, the interfaces and the type library, with the path of this DLL. What was
 // written is taken back when something fails. SELFREG_E_CLASS or the system's own error (such as
-// E_ACCESSDENIED without the right to register for the machine).
+// E_ACCESSDENIED without the right to register for the machine). kSurrogateToo is for the machine.
 HRESULT Register(RegistrationScope scope, Hosting hosting = Hosting::kInProcess) noexcept;
 
 // Removes everything that Register wrote. Entries that the library of the other bitness shares (ProgIDs, the
-// type library's version) stay while that one is registered. Succeeds when there is nothing to remove.
+// type library's version, which then names the folder of that one's help) stay while that one is registered.
+// Succeeds when there is nothing to remove.
 HRESULT Unregister(RegistrationScope scope) noexcept;
 
 }  // namespace kesp

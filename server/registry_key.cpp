@@ -48,6 +48,19 @@ void SetKey(HKEY parent, const std::wstring& path, const std::wstring& value) {
   RegistryKey::Create(parent, path).Set({}, value);
 }
 
+std::wstring ReadKey(HKEY parent, const std::wstring& path) {
+  DWORD size = 0;
+  if (RegGetValueW(parent, path.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, nullptr, &size) != ERROR_SUCCESS)
+    return {};
+  std::wstring value(size / sizeof(wchar_t), L'\0');
+  if (RegGetValueW(parent, path.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, value.data(), &size) !=
+      ERROR_SUCCESS)
+    return {};
+  value.resize(size / sizeof(wchar_t));
+  while (!value.empty() && value.back() == L'\0') value.pop_back();
+  return value;
+}
+
 void RemoveTree(HKEY parent, const std::wstring& path) {
   const LSTATUS status = RegDeleteTreeW(parent, path.c_str());
   if (status != ERROR_FILE_NOT_FOUND) Check(status, path);

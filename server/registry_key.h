@@ -28,6 +28,9 @@ class RegistryKey {
 // Sets the default value of a key, made when missing.
 void SetKey(HKEY parent, const std::wstring& path, const std::wstring& value);
 
+// The default value of a key; empty where it has none, or does not exist.
+std::wstring ReadKey(HKEY parent, const std::wstring& path);
+
 // Removes a key with everything below it; nothing happens when there is none.
 void RemoveTree(HKEY parent, const std::wstring& path);
 

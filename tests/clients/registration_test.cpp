@@ -160,27 +160,41 @@ TEST_F(RegistrationTest, InstalledForBoth_EachIsTakenAwayAlone) {
 }
 
 TEST_F(RegistrationTest, InstalledForTheSurrogate_ClassesNameAnApplicationThatLeavesWithThem) {
-  for (const auto& [text, hive] :
-       {std::pair(L"surrogate", Hive::kMachine), {L"user,Surrogate", Hive::kUser}}) {
-    EXPECT_EQ(module_.Install(TRUE, text), S_OK);
-    std::wstring application;
-    for (const PublicClass& one : kPublicClasses) {
-      if (!one.is_creatable()) continue;
-      const std::wstring key = L"CLSID\\" + GuidText(one.clsid);
-      application = L"AppID\\" + ValuesBelow(hive, key)[key + L"\\AppID"];
-      const Values values = ValuesBelow(hive, application);
-      EXPECT_EQ(values, (Values{{application, L"Kesp Communication Object Library"},
-                                {application + L"\\DllSurrogate", L""}}));
-    }
-    EXPECT_EQ(module_.Install(FALSE, text), S_OK);
-    EXPECT_EQ(ValuesBelow(hive, application), Values());
-    EXPECT_EQ(RegisteredNames(Hive::kMachine), machine_);
-    EXPECT_EQ(RegisteredNames(Hive::kUser), user_);
+  EXPECT_EQ(module_.Install(TRUE, L"Surrogate"), S_OK);
+  std::wstring application;
+  for (const PublicClass& one : kPublicClasses) {
+    if (!one.is_creatable()) continue;
+    const std::wstring key = L"CLSID\\" + GuidText(one.clsid);
+    application = L"AppID\\" + ValuesBelow(Hive::kMachine, key)[key + L"\\AppID"];
+    const Values values = ValuesBelow(Hive::kMachine, application);
+    EXPECT_EQ(values, (Values{{application, L"Kesp Communication Object Library"},
+                              {application + L"\\DllSurrogate", L""}}));
   }
+  EXPECT_EQ(module_.Install(FALSE, L"surrogate"), S_OK);
+  EXPECT_EQ(ValuesBelow(Hive::kMachine, application), Values());
+  EXPECT_EQ(RegisteredNames(Hive::kMachine), machine_);
+}
+
+// A library of the other width that is registered, too.
+TEST_F(RegistrationTest, Unregistered_HelpFolderIsThatOfTheLibraryThatStays) {
+  const std::wstring version = L"TypeLib\\" + GuidText(LIBID_KespCommObj) + L"\\1.0";
+  const std::wstring other =
+      L"Software\\Classes\\" + version + (sizeof(void*) == 8 ? L"\\0\\win32" : L"\\0\\win64");
+  const std::wstring library = L"C:\\elsewhere\\KespCommObj.dll";
+  EXPECT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, other.c_str(), nullptr, REG_SZ, library.c_str(),
+                            static_cast<DWORD>((library.size() + 1) * sizeof(wchar_t))),
+            ERROR_SUCCESS);
+  EXPECT_EQ(module_.RegisterServer(), S_OK);
+  EXPECT_EQ(ValuesBelow(Hive::kMachine, version)[version + L"\\HELPDIR"] + L"\\KespCommObj.dll", path_);
+  EXPECT_EQ(module_.UnregisterServer(), S_OK);
+  EXPECT_EQ(ValuesBelow(Hive::kMachine, version)[version + L"\\HELPDIR"], L"C:\\elsewhere");
+  EXPECT_EQ(RegDeleteTreeW(HKEY_LOCAL_MACHINE, other.c_str()), ERROR_SUCCESS);
+  EXPECT_EQ(module_.UnregisterServer(), S_OK) << "takes the rest away";
+  EXPECT_EQ(RegisteredNames(Hive::kMachine), machine_);
 }
 
 TEST_F(RegistrationTest, InstallWithAnotherText_IsRefusedAndChangesNothing) {
-  for (const wchar_t* text : {L"machine", L"users", L" ", L"user ", L"surrogate,user"}) {
+  for (const wchar_t* text : {L"machine", L"users", L" ", L"user ", L"surrogate,user", L"user,surrogate"}) {
     EXPECT_EQ(module_.Install(TRUE, text), E_INVALIDARG) << testing::PrintToString(std::wstring(text));
     EXPECT_EQ(module_.Install(FALSE, text), E_INVALIDARG) << testing::PrintToString(std::wstring(text));
   }
