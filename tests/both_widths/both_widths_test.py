@@ -102,7 +102,9 @@ class BothWidthsTest(unittest.TestCase):
         added = self.added_after(register(64), register(32))
         for bits in WIDTHS:
             self.assertEqual(client(bits), of_its_own(bits))
-        self.assert_same(added, self.added_by[64] | self.added_by[32])
+        # Of the two folders with help the last one counts.
+        first = {line for line in self.added_by[64] if "\\HELPDIR = " not in line}
+        self.assert_same(added, first | self.added_by[32])
         self.assert_nothing_left(remove(64), remove(32))
 
     def test_both_share_names_and_one_type_library_that_leads_to_each(self):
