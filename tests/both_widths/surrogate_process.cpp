@@ -53,7 +53,12 @@ std::vector<SurrogateProcess> SurrogateProcesses() {
   return found;
 }
 
+bool MayKillSurrogateProcesses() {
+  return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
+
 void KillSurrogateProcesses() {
+  if (!MayKillSurrogateProcesses()) return;
   for (const SurrogateProcess& one : SurrogateProcesses()) {
     HANDLE process = OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, one.id);
     TerminateProcess(process, 1);

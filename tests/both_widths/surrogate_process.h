@@ -15,7 +15,11 @@ struct SurrogateProcess {
 // Those that run now (dllhost.exe).
 std::vector<SurrogateProcess> SurrogateProcesses();
 
-// Ends all of them at once, as a fault would, and returns when they are gone.
+// Whether all of them may be ended: in a Wine prefix of the tests' own. A Windows runs those of other
+// programs, too.
+bool MayKillSurrogateProcesses();
+
+// Ends all of them at once, as a fault would, and returns when they are gone. Only where that is allowed.
 void KillSurrogateProcesses();
 
 // Waits for a dialog that one of them shows and cancels it; false when none came within ten seconds.
