@@ -123,13 +123,15 @@ def remove_macro(places):
 
 
 def entries_macro(library):
-    """Keys below Software\\Classes whose value is the path of the DLL; {bits} stands for its width."""
-    keys = [f"CLSID\\{identifier}\\InprocServer32" for _, identifier in library.classes]
-    keys.append(f"TypeLib\\{library.identifier}\\{library.version}\\0\\win${{bits}}")
+    """Keys below Software\\Classes whose value is the path of the DLL, each with the key that is its alone then; {bits}
+    stands for its width."""
+    owners = [f"CLSID\\{identifier}" for _, identifier in library.classes]
+    keys = [(f"{owner}\\InprocServer32", owner) for owner in owners]
+    keys.append((f"TypeLib\\{library.identifier}\\{library.version}\\0\\win${{bits}}",) * 2)
     yield f"!define ENTRIES_OF_A_LIBRARY {len(keys)}"
     yield f'!define KEY_OF_A_CLASS "CLSID\\{library.classes[0][1]}"'
     yield "!macro FOR_EACH_ENTRY action bits"
-    yield from (f'  !insertmacro ${{action}} "{key}"' for key in keys)
+    yield from (f'  !insertmacro ${{action}} "{key}" "{owner}"' for key, owner in keys)
     yield "!macroend"
 
 

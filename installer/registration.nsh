@@ -62,6 +62,18 @@ FunctionEnd
     ${Log} "regsvr32 left $2 entries of ${dll}; once more"
     !insertmacro TRY_REGSVR "${un}" "${dll}" "${program}" "/u $ScopeSwitches" ${bits}
   ${EndIf}
+  ${If} $0 == skipped
+  ${AndIf} $2 > 0
+    ${Log} "Deleting $2 entries of ${dll}, which is gone"
+    Push "${dll}"
+    Push ${bits}
+    Call ${un}DeleteEntries
+    Pop $2
+    Push "${dll}"
+    Push ${bits}
+    Call ${un}CountEntries
+    Pop $2
+  ${EndIf}
   ${If} $2 > 0
     ${Log} "Not unregistered: $2 entries of ${dll} remain (regsvr32: $0)"
     StrCpy $1 1
