@@ -29,6 +29,8 @@ Function ${un}FileInUse
   StrCpy $2 ""
   !insertmacro FIND_IN_USE "${un}" "win64\KespCommObj.dll"
   !insertmacro FIND_IN_USE "${un}" "win32\KespCommObj.dll"
+  !insertmacro FIND_IN_USE "${un}" "win64\kesp.exe"
+  !insertmacro FIND_IN_USE "${un}" "win32\kesp.exe"
   !insertmacro FIND_IN_USE "${un}" "simulator\kesp-sim.exe"
   StrCpy $0 $2
   Pop $2
@@ -49,6 +51,6 @@ FunctionEnd
 !macroend
 
 ; What a message asks for.
-!define CLOSE_USERS "Close the programs that talk to instruments, and the practice instruments, then try again."
+!define CLOSE_USERS "Close the programs that talk to instruments, kesp and the practice instruments, then try again."
 !insertmacro IN_USE_FUNCTIONS ""
 !insertmacro IN_USE_FUNCTIONS "un."

@@ -2,8 +2,9 @@
 ; open at its end.
 !define MENU "$SMPROGRAMS\${PRODUCT}"
 
-; No path is in it: the entry starts in the folder of the program.
-!define CONSOLE '/k title kesp& echo kesp talks to instruments at this prompt. Begin with: .\kesp --help'
+; The entry starts in the folder of the program, so no path is in it, and goes on to where the user may write.
+!define CONSOLE '/k title kesp& set "PATH=%CD%;%PATH%"& cd /d "%USERPROFILE%"& \
+echo kesp talks to instruments at this prompt. Begin with: kesp --help'
 
 ; ${MenuEntry} name target arguments folder
 !define MenuEntry "!insertmacro MENU_ENTRY"
@@ -49,6 +50,6 @@ Function OpenFirstSteps
   !ifdef HAS_HELP
     Exec '"$WINDIR\explorer.exe" "$INSTDIR\help\index.html"'
   !else
-    Exec '"$WINDIR\notepad.exe" "$INSTDIR\README.md"'
+    Exec '"$WINDIR\explorer.exe" "${MENU}\Documents.lnk"'
   !endif
 FunctionEnd
