@@ -49,6 +49,16 @@ Function ChooseFolder
   ${Else}
     StrCpy $INSTDIR "$PROGRAMFILES32\${FOLDER}"
   ${EndIf}
+  Call UseFullFolder
+FunctionEnd
+
+; Without ".." and what else Windows leaves out: the entries in the registry are compared with it as text.
+Function UseFullFolder
+  StrCpy $0 $INSTDIR
+  System::Call 'kernel32::GetFullPathNameW(w r0, i ${NSIS_MAX_STRLEN}, w .r0, p 0)'
+  ${If} $0 != ""
+    StrCpy $INSTDIR $0
+  ${EndIf}
 FunctionEnd
 
 ; What the command line says: /USER for the present user. Who cannot install for all is not asked, unless silent:
