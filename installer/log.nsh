@@ -30,14 +30,32 @@ Var WishedLog ; what /LOG= named; empty without it
   Abort
 !macroend
 
-; /LOG=file has a copy of the log written there, however the run ends.
+; /LOG=file has a copy of the log written there, however the run ends. A relative path begins where the program was
+; started; later it would begin in the folder that is installed into.
 Function ChooseLogFromCommandLine
   ${GetParameters} $0
   ClearErrors
   ${GetOptions} $0 "/LOG=" $WishedLog
   ${If} ${Errors}
     StrCpy $WishedLog ""
+  ${ElseIf} $WishedLog != ""
+    StrCpy $0 $WishedLog
+    System::Call 'kernel32::GetFullPathNameW(w r0, i ${NSIS_MAX_STRLEN}, w .r0, p 0)'
+    StrCpy $WishedLog $0
   ${EndIf}
+FunctionEnd
+
+; For all users, nothing is overwritten that somebody without an administrator's rights named.
+Function CopyWishedLog
+  Push $0
+  StrCpy $0 0
+  ${If} $Scope == machine
+    StrCpy $0 1
+  ${EndIf}
+  ${If} $WishedLog != ""
+    System::Call 'kernel32::CopyFileW(w "${OPEN_LOG}", w "$WishedLog", i r0)'
+  ${EndIf}
+  Pop $0
 FunctionEnd
 
 Function OpenLog
@@ -49,13 +67,16 @@ Function OpenLog
   InitPluginsDir
   FileOpen $LogFile "${OPEN_LOG}" w
   FileWriteUTF16LE /BOM $LogFile "${PRODUCT} ${VERSION}$\r$\n"
+  ${If} $Scope == machine
+  ${AndIf} $WishedLog != ""
+  ${AndIf} ${FileExists} $WishedLog
+    ${Log} "$WishedLog exists and is not overwritten"
+  ${EndIf}
 FunctionEnd
 
 ; Closes the log and leaves it in that place.
 !macro CLOSE_LOG place
   FileClose $LogFile
-  ${If} $WishedLog != ""
-    System::Call 'kernel32::CopyFileW(w "${OPEN_LOG}", w "$WishedLog", i 0)'
-  ${EndIf}
+  Call CopyWishedLog
   System::Call 'kernel32::CopyFileW(w "${OPEN_LOG}", w "${place}", i 0)'
 !macroend
