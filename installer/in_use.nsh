@@ -27,10 +27,11 @@ Function ${un}FileInUse
   Push $1
   Push $2
   StrCpy $2 ""
-  !insertmacro FIND_IN_USE "${un}" "win64\KespCommObj.dll"
-  !insertmacro FIND_IN_USE "${un}" "win32\KespCommObj.dll"
+  ; kesp has the library loaded; it is named before that, as its user knows it.
   !insertmacro FIND_IN_USE "${un}" "win64\kesp.exe"
   !insertmacro FIND_IN_USE "${un}" "win32\kesp.exe"
+  !insertmacro FIND_IN_USE "${un}" "win64\KespCommObj.dll"
+  !insertmacro FIND_IN_USE "${un}" "win32\KespCommObj.dll"
   !insertmacro FIND_IN_USE "${un}" "simulator\kesp-sim.exe"
   StrCpy $0 $2
   Pop $2
