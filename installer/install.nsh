@@ -6,7 +6,10 @@ Section "-Earlier version"
   ${Log} "Installing into $INSTDIR, scope: $Scope"
   Call RequireNoNewerVersion
   Call NoteOtherScope
+  Call NoteRightsOfAllPrograms
   Call RequirePlace
+  Call RequireNoSurrogateForAUser
+  Call KeepApplication
   Call RemoveEarlierVersion
   StrCpy $IsChanging 1
 SectionEnd
@@ -37,11 +40,12 @@ SectionEnd
 
 Section "-Registration"
   WriteUninstaller "$INSTDIR\uninstall.exe"
-  !insertmacro CHOOSE_REGISTRATION
+  Call ChooseRegistration
   ${If} $HasWin64 = 1
     !insertmacro REGISTER "$INSTDIR\win64\KespCommObj.dll" $RegSvr64 64
   ${EndIf}
   !insertmacro REGISTER "$INSTDIR\win32\KespCommObj.dll" $RegSvr32 32
+  Call BringApplicationBack
 SectionEnd
 
 Section "-Entry in Programs and Features"
@@ -70,8 +74,7 @@ Function .onInit
   ${EndIf}
   Call ChooseScopeFromCommandLine
   Call ChooseLogFromCommandLine
-  !insertmacro CHOOSE_PRACTICE_FROM_COMMAND_LINE
-  !insertmacro CHOOSE_SURROGATE_FROM_COMMAND_LINE
+  Call ChooseComponents
   ${If} $HasWin64 = 0
     SectionSetFlags ${SECTION_WIN64} 0
   ${EndIf}

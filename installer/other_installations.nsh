@@ -44,6 +44,26 @@ FunctionEnd
 !define BOTH_SCOPES "The library is also installed in $0. With both, your programs use the one that is installed for you \
 alone, and programs that run as administrator the one for all users."
 
+; Where User Account Control is off, and for the built-in Administrator, all programs have an administrator's rights, and
+; COM shows those what is registered for all users only.
+!define USELESS_FOR_ADMINISTRATORS "Your programs run with an administrator's rights, and such programs find the library \
+only when it is installed for all users."
+
+Function NoteRightsOfAllPrograms
+  ${If} $Scope == user
+  ${AndIf} $MayChangeMachine = 1
+    ${Log} "${USELESS_FOR_ADMINISTRATORS}"
+  ${EndIf}
+FunctionEnd
+
+Function AskAboutRightsOfAllPrograms
+  ${If} $Scope == user
+  ${AndIf} $MayChangeMachine = 1
+    MessageBox MB_OKCANCEL|MB_ICONEXCLAMATION "${USELESS_FOR_ADMINISTRATORS} Go on?" IDOK +2
+    Abort
+  ${EndIf}
+FunctionEnd
+
 Function NoteOtherScope
   Call LookAtOtherScope
   ${If} $0 != ""
@@ -52,12 +72,23 @@ Function NoteOtherScope
 FunctionEnd
 
 ; In the wizard, when the scope is chosen: who says no chooses again.
-Function AskAboutOtherInstallations
+Function AskAboutNewerVersion
   Call LookForNewerVersion
   ${If} $NewerVersion != ""
     MessageBox MB_YESNO|MB_ICONEXCLAMATION|MB_DEFBUTTON2 \
       "Version $NewerVersion is installed, which is newer than ${VERSION}. Replace it with the older one?" IDYES +2
     Abort
+  ${EndIf}
+FunctionEnd
+
+; Before an administrator's rights are asked for: with them, the program may run as another user, who is asked about an
+; installation of his own. /ASKED says that it was done.
+Function AskAboutOtherScope
+  ${GetParameters} $0
+  ClearErrors
+  ${GetOptions} $0 "/ASKED" $1
+  ${IfNot} ${Errors}
+    Return
   ${EndIf}
   Call LookAtOtherScope
   ${If} $0 != ""

@@ -31,13 +31,3 @@ echo Ctrl-C ends it. After that, .\kesp-sim --help tells what else it plays.& \
   Push "${PRACTICE_LINK}"
   Call ${un}DeleteFile
 !macroend
-
-; /PRACTICE chooses the component. Without it, none is installed, and one of an earlier installation leaves with that.
-!macro CHOOSE_PRACTICE_FROM_COMMAND_LINE
-  ${GetParameters} $0
-  ClearErrors
-  ${GetOptions} $0 "/PRACTICE" $1
-  ${IfNot} ${Errors}
-    !insertmacro SelectSection ${SECTION_PRACTICE}
-  ${EndIf}
-!macroend

@@ -17,6 +17,8 @@ SetCompressor /SOLID ${COMPRESSOR}
 !define PRODUCT "Kesp Communication Object Library"
 !define PUBLISHER "Kesp"
 !define FOLDER "Kesp\KespCommObj"
+; The application that the classes are of with the surrogate process; the library knows it (server/registration.cpp).
+!define APPLICATION_KEY "Software\Classes\AppID\{b11edd6c-6e7c-4198-acee-833c0be5cd41}"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\KespCommObj"
 
 ; Exit codes besides the stub's own (0 done, 1 cancelled by the user): Windows' numbers where it has one.
@@ -51,12 +53,13 @@ ManifestDPIAware true
 !include in_use.nsh
 !include entries.nsh
 !include registration.nsh
-!include surrogate.nsh
 !include other_installations.nsh
 !include menu.nsh
 !include practice.nsh
 !include removal.nsh
 !include earlier_version.nsh
 !include install.nsh
+!include surrogate.nsh
+!include components.nsh
 !include wizard.nsh
 !include uninstall.nsh

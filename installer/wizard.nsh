@@ -28,7 +28,7 @@ Page custom ShowScopePage LeaveScopePage
   !insertmacro MUI_DESCRIPTION_TEXT ${SECTION_PRACTICE} "Simulated instruments, for work without hardware. Leave them \
 out where real instruments are in use."
   !insertmacro MUI_DESCRIPTION_TEXT ${SECTION_SURROGATE} "For 64-bit programs that need a 32-bit driver, and for other \
-computers (DCOM)."
+computers (DCOM). For all users only."
 !insertmacro MUI_FUNCTION_DESCRIPTION_END
 
 Function ShowScopePage
@@ -57,39 +57,28 @@ Function LeaveScopePage
     Call ChooseUser
   ${Else}
     Call ChooseMachine
-    ${If} $MayChangeMachine = 0
-      Call BeginAgainAsAdministrator
-    ${EndIf}
   ${EndIf}
-  Call AskAboutOtherInstallations
+  Call AskAboutOtherScope
+  Call AskAboutRightsOfAllPrograms
+  Call ChooseComponents
+  !insertmacro OFFER_SURROGATE
+  ${If} $Scope == machine
+  ${AndIf} $MayChangeMachine = 0
+    Call BeginAgainAsAdministrator
+  ${EndIf}
+  Call AskAboutNewerVersion
   Call ChooseFolder
-  Call ChooseComponentsAsBefore
 FunctionEnd
 
-; The wizard begins with what an earlier installation of the scope has.
-Function ChooseComponentsAsBefore
-  ReadRegStr $0 SHCTX "${UNINSTALL_KEY}" "InstallLocation"
-  ${If} $0 != ""
-  ${AndIf} ${FileExists} "$0\simulator\kesp-sim.exe"
-    !insertmacro SelectSection ${SECTION_PRACTICE}
-  ${EndIf}
-  ReadRegStr $0 SHCTX "Software\Classes\${KEY_OF_A_CLASS}" "AppID"
-  ${If} $0 != ""
-    !insertmacro SelectSection ${SECTION_SURROGATE}
-  ${EndIf}
-FunctionEnd
-
-; Who does not allow it may choose again.
+; Who does not allow it may choose again. /LOG= is not passed on: who starts the program without an administrator's rights
+; shall not choose where it writes with them.
 Function BeginAgainAsAdministrator
-  StrCpy $0 ""
+  StrCpy $0 "/ASKED "
   ${If} ${SectionIsSelected} ${SECTION_PRACTICE}
-    StrCpy $0 "/PRACTICE "
+    StrCpy $0 "$0/PRACTICE "
   ${EndIf}
   ${If} ${SectionIsSelected} ${SECTION_SURROGATE}
     StrCpy $0 "$0/SURROGATE "
-  ${EndIf}
-  ${If} $WishedLog != ""
-    StrCpy $0 '$0/LOG="$WishedLog" '
   ${EndIf}
   ${If} $WishedFolder != ""
     StrCpy $0 "$0/D=$WishedFolder"
@@ -102,6 +91,7 @@ Function BeginAgainAsAdministrator
 FunctionEnd
 
 Function LeaveDirectoryPage
+  Call UseFullFolder
   Call IsPlaceAllowed
   Pop $0
   ${If} $0 = 0
