@@ -34,6 +34,7 @@ LINK = "Practice instrument.lnk"
 LINKS = ["Documents.lnk", "Samples.lnk", "kesp console.lnk"]
 FAILED_LOG = "C:\\windows\\Logs\\KespCommObj-setup.log"
 ENTRY = "[HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\KespCommObj] "
+APPLICATION = "{b11edd6c-6e7c-4198-acee-833c0be5cd41}"
 SESSION_MANAGER = "HKLM\\System\\CurrentControlSet\\Control\\Session Manager"
 TITLE = "Kesp Communication Object Library Setup"
 # Exit codes; Linux keeps eight bits.
@@ -87,6 +88,11 @@ def is_open(port):
     """Whether somebody listens there."""
     with socket.socket() as client:
         return client.connect_ex(("127.0.0.1", port)) == 0
+
+
+def idle_port():
+    # The library's ports end at 32767. The widths begin apart, as both are tested at the same time.
+    return next(port for port in range(10001 + 2 * sandbox.bits, 20000) if not is_open(port))
 
 
 def names_in(folder):
@@ -283,13 +289,19 @@ class InstalledForAllUsersTest(InstallerTest):
             text = path.read_bytes().decode("utf-16-le", errors="replace")
             self.assertRegex(text, r"Comments\0+(commit [0-9a-f]{8}(-dirty)?|no commit)\0", path)
 
+    def test_ConsoleOfTheStartMenu_BeginsWhereTheUserMayWrite_AndFindsKesp(self):
+        console = read_shortcut(sandbox.path(ALL_USERS_MENU) / "kesp console.lnk")
+        batch = f'cd /d "{console.folder}"\n{console.arguments.removeprefix("/k ")}\ncd\nkesp --version'
+        said = [line.strip().lower() for line in sandbox.run_line(batch).stdout.splitlines()]
+        self.assertIn(f"c:\\users\\{sandbox.home.name}", said)
+        self.assertIn(f"kesp {version}", said)
+
     def test_EntriesInTheStartMenu_LeadToWhatIsInstalled(self):
         menu = sandbox.path(ALL_USERS_MENU)
         self.assertEqual(names_in(menu), LINKS)
         samples, console = (read_shortcut(menu / name) for name in LINKS[1:])
         self.assertEqual(samples.target, FOLDER + "\\samples")
         self.assertTrue((sandbox.path(console.folder) / "kesp.exe").exists(), console.folder)
-        self.assertIn(".\\kesp --help", console.arguments)
         documents = read_shortcut(menu / LINKS[0])
         page = documents.arguments.strip('"') or documents.target
         self.assertTrue(sandbox.path(page).is_file(), page)
@@ -308,8 +320,7 @@ class PracticeInstrumentsTest(InstallerTest):
     def open_console(self):
         """What the Start menu's entry opens, at a free port. Returns the port, and a function that ends it and tells
         what was to be read."""
-        # The library's ports end at 32767. The widths begin apart, as both are tested at the same time.
-        port = next(port for port in range(10001 + 2 * sandbox.bits, 20000) if not is_open(port))
+        port = idle_port()
         batch = sandbox.drive / "console.cmd"
         line = self.link.arguments.removeprefix("/k ").replace("10001", str(port))
         batch.write_text(f'cd /d "{self.link.folder}"\n{line}\n')
@@ -489,6 +500,34 @@ class RefusedUninstallingTest(InstallerTest):
         self.assert_usable()
 
 
+class OtherSpellingTest(InstallerTest):
+    def test_FolderWithDots_IsInstalledInto(self):
+        self.assertEqual(install("/D=C:\\Program Files\\Elsewhere\\..\\Kesp\\KespCommObj."), 0)
+        self.assertEqual(registered_servers("HKLM"), {
+            bits: {f"{FOLDER}\\win{bits}\\KespCommObj.dll"} for bits in sandbox.widths})
+        self.assert_usable()
+
+
+class DllIsGoneTest(InstallerTest):
+    """A program against viruses has taken the DLLs away."""
+
+    def setUp(self):
+        self.addCleanup(clean_up)
+        self.assertEqual(install(), 0)
+        for dll in sandbox.path(FOLDER).glob("win*/KespCommObj.dll"):
+            dll.unlink()
+
+    def test_Installing_Repairs(self):
+        self.assertEqual(install(), 0)
+        self.assert_usable()
+
+    def test_Uninstalling_LeavesNoEntryThatNamesThem(self):
+        self.assertEqual(uninstall_in_place(FOLDER), 0)
+        lines = sandbox.registry(roots=["HKLM"])["HKLM"]
+        self.assertEqual([line for line in lines if "KespCommObj.dll" in line], [])
+        self.assertEqual(install(), 0)  # whose uninstaller takes the rest away
+
+
 class LazyRegistrationTest(InstallerTest):
     """regsvr32 ends with 0 and has done nothing, as it was seen under load."""
 
@@ -544,13 +583,24 @@ class SurrogateTest(InstallerTest):
     def tearDown(self):
         clean_up()
 
-    def applications(self, root):
-        return {line for line in sandbox.registry("Software\\Classes", [root])[root] if '"DllSurrogate"=""' in line}
+    def offered(self):
+        """For each width, the number of classes that belong to the application; nothing when there is none."""
+        lines = sandbox.registry(roots=["HKLM"])["HKLM"]
+        key = f"\\appid\\{APPLICATION}]"
+        # There is one key, which may be seen in both views.
+        if not any(key in line.lower() and '"DllSurrogate"=""' in line for line in lines):
+            return {}
+        # Wine exports the 32-bit view under two names.
+        offered = {64: set(), 32: set()}
+        for line in lines:
+            if line.lower().endswith(f'"appid"="{APPLICATION}"'):
+                bits = 32 if "\\wow6432node\\" in line.lower() else 64
+                offered[bits].add(re.search(r"\\CLSID\\(\{[^\\]*\})\]", line, re.IGNORECASE)[1])
+        return {bits: len(classes) for bits, classes in offered.items()}
 
     def test_AskedFor_IsOffered_AndLeavesWithTheInstallation(self):
         self.assertEqual(install("/SURROGATE"), 0)
-        # There is one key, which may be seen in both views.
-        self.assertIn(len(self.applications("HKLM")), (1, 2))
+        self.assertEqual(self.offered(), {64: 6, 32: 6})
         self.assert_usable()
         self.assertTrue(uninstall(FOLDER))
         self.assert_nothing_left()
@@ -566,27 +616,42 @@ class SurrogateTest(InstallerTest):
         self.assertTrue(uninstall(FOLDER))
         self.assert_nothing_left()
 
-    def test_AskedForByAUser_IsOfferedToHim(self):
-        self.assertEqual(install_for_user("/SURROGATE"), 0)
-        self.assertEqual(len(self.applications("HKCU")), 1)
-        self.assertEqual(self.applications("HKLM"), set())
-        self.assertTrue(uninstall(user_folder()))
+    def test_AskedForByAUser_IsRefused(self):
+        """Windows reads the applications of the machine only."""
+        self.assertEqual(install_for_user("/SURROGATE"), FAILED)
+        log = sandbox.temporary() / "KespCommObj-setup.log"
+        self.assertIn("takes an installation for all users", log.read_text("utf-16"))
+        log.unlink()
         self.assert_nothing_left()
 
-    def test_NotAskedFor_IsNotOffered_AndThatOfBeforeLeaves(self):
+    def test_SilentUpdate_KeepsItWithItsPermissions_UntilToldOtherwise(self):
+        key = "HKLM\\Software\\Classes\\AppID\\" + APPLICATION
+        settings = {"LaunchPermission": ("REG_BINARY", "0102AB"), "AccessPermission": ("REG_BINARY", "0304CD"),
+                    "AuthenticationLevel": ("REG_DWORD", "0x6"), "RunAs": ("REG_SZ", "Interactive User")}
         self.assertEqual(install("/SURROGATE"), 0)
+        for name, (kind, value) in settings.items():
+            sandbox.reg("add", key, "/v", name, "/t", kind, "/d", value, "/f").check_returncode()
         self.assertEqual(install(), 0)
-        self.assertEqual(self.applications("HKLM"), set())
+        self.assertEqual(self.offered(), {64: 6, 32: 6})
+        listed = [line.split(None, 2) for line in sandbox.reg("query", key).stdout.splitlines()]
+        for name, (kind, value) in settings.items():
+            self.assertIn([name, kind, value], listed)
+        self.assertEqual(install("/SURROGATE=0"), 0)
+        self.assertEqual(self.offered(), {})
+        self.assertTrue(uninstall(FOLDER))
+        self.assert_nothing_left()
 
 
 class EarlierInstallationTest(InstallerTest):
-    def test_InAnotherFolder_IsRemoved_WithItsPracticeInstruments(self):
+    def test_InAnotherFolder_IsRemoved_WithItsPracticeInstrumentsWhenAskedFor(self):
         self.assertEqual(install("/PRACTICE", "/D=" + ELSEWHERE), 0)
         self.assertTrue(sandbox.path(ALL_USERS_MENU).exists())
         self.assertEqual(install(), 0)
         self.assertFalse(sandbox.path(ELSEWHERE).exists())
-        self.assert_no_practice_instruments()
+        self.assertTrue((sandbox.path(FOLDER) / "simulator" / "kesp-sim.exe").exists(), "a silent update keeps it")
         self.assert_usable()
+        self.assertEqual(install("/PRACTICE=0"), 0)
+        self.assert_no_practice_instruments()
 
     def test_InAFolderThatEveryUserMayWriteTo_NothingOfItIsRun(self):
         folder = sandbox.path(UNPROTECTED)
@@ -634,10 +699,10 @@ class WizardTest(InstallerTest):
     def tearDown(self):
         clean_up()
 
-    def go_through(self, *answers):
+    def go_through(self, *answers, rights="all", switches=(), choice="-"):
         """The exit code, and what was to be read on the pages and in the boxes."""
-        wizard = sandbox.begin(sandbox.starter, "all", windows_path(setup))
-        hand = sandbox.run(sandbox.starter.with_name("wizard_hand.exe"), TITLE, *answers)
+        wizard = sandbox.begin(sandbox.starter, rights, windows_path(setup), *switches)
+        hand = sandbox.run(sandbox.starter.with_name("wizard_hand.exe"), TITLE, choice, *answers)
         code = wizard.wait(timeout=60)
         wizard.stdout.close()
         self.assertEqual(hand.returncode, 0, hand.stdout)
@@ -667,6 +732,20 @@ class WizardTest(InstallerTest):
         self.assertFalse(sandbox.is_listed("HKLM"))
 
 
+    def test_OtherScope_IsWarnedOf_BeforeAdministratorsRightsAreAskedFor(self):
+        """The account that has them may be another one, without that installation."""
+        self.assertEqual(install_for_user(), 0)
+        code, said = self.go_through("Cancel", "Yes", rights="limited",
+                                     choice="All users of this computer (as administrator)")
+        self.assertEqual(code, CANCELLED)
+        self.assertIn(f"The library is also installed in {user_folder()}.", said)
+
+    def test_SurrogateProcess_IsNotToBeHadByAUser(self):
+        code, _ = self.go_through(rights="limited", switches=["/SURROGATE"])
+        self.assertEqual(code, 0)
+        self.assertTrue(sandbox.is_listed("HKCU"))
+
+
 class LogTest(InstallerTest):
     def setUp(self):
         self.folder = sandbox.drive / "log folder"
@@ -683,6 +762,18 @@ class LogTest(InstallerTest):
     def test_OfSuccess_IsWrittenWhereItIsAskedFor(self):
         self.assertEqual(install(self.switch), 0)
         self.assertEqual(self.read(), (sandbox.path(FOLDER) / "setup.log").read_text("utf-16"))
+
+    def test_RelativePath_BeginsWhereSetupWasStarted(self):
+        said = sandbox.run_line(f'cd /d "C:\\log folder"\n"{windows_path(setup)}" /S /LOG=mine.log')
+        self.assertEqual(said.returncode, 0)
+        self.assertIn("Done", self.read())
+
+    def test_ForAllUsers_NothingIsOverwritten(self):
+        """Somebody without rights may have chosen the file."""
+        (self.folder / "mine.log").write_text("of another program\n")
+        self.assertEqual(install(self.switch), 0)
+        self.assertEqual((self.folder / "mine.log").read_text(), "of another program\n")
+        self.assertIn("is not overwritten", (sandbox.path(FOLDER) / "setup.log").read_text("utf-16"))
 
     def test_OfFailure_IsWrittenWhereItIsAskedFor(self):
         self.assertEqual(install(self.switch, "/D=" + UNPROTECTED), FAILED)
@@ -730,6 +821,27 @@ class DocumentInUseTest(InstallerTest):
         with open_document(FOLDER):
             self.assertEqual(install(), FAILED)
         self.assertIn("Restart Windows", failed_log())
+
+
+class ConsoleInUseTest(InstallerTest):
+    """kesp talks to an instrument that does not answer, and waits for its next try."""
+
+    def test_Kesp_IsInUse(self):
+        self.addCleanup(clean_up)
+        self.assertEqual(install(), 0)
+        kesp = sandbox.path(FOLDER) / f"win{sandbox.bits}" / "kesp.exe"
+        with socket.create_server(("127.0.0.1", idle_port())) as silent:
+            silent.settimeout(60)
+            program = sandbox.begin(kesp, "query", f"tcp:127.0.0.1:{silent.getsockname()[1]}", "*IDN?",
+                                    "--repeat", "0", "--every", "10min")
+            connection, _ = silent.accept()
+            self.addCleanup(connection.close)
+        try:
+            self.assertEqual(install(), FAILED)
+            self.assertIn(f"win{sandbox.bits}\\kesp.exe is in use. Nothing was changed.", failed_log())
+        finally:
+            sandbox.run("taskkill", "/f", "/im", "kesp.exe")
+            program.communicate(timeout=60)
 
 
 class LibraryInUseTest(InstallerTest):

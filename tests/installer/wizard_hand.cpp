@@ -13,8 +13,10 @@ namespace kesp {
 namespace {
 
 constexpr char kUsage[] =
-    "usage: wizard_hand TITLE [ANSWER...]\n\n"
-    "Waits for the wizard and prints the texts of its pages and boxes. Each ANSWER is the button of one box. "
+    "usage: wizard_hand TITLE CHOICE [ANSWER...]\n\n"
+    "Waits for the wizard and prints the texts of its pages and boxes. CHOICE is a button that is pressed on "
+    "its page "
+    "(- for none). Each ANSWER is the button of one box. "
     "Where a box\n"
     "keeps the wizard at its page, it is cancelled. Ends with 1 when a box has no answer or the wizard does "
     "not end.\n";
@@ -55,8 +57,8 @@ void PrintTexts(const char* kind, HWND parent) {
 
 class WizardHand {
  public:
-  WizardHand(HWND wizard, std::vector<std::wstring> answers)
-      : wizard_(wizard), answers_(std::move(answers)) {}
+  WizardHand(HWND wizard, std::wstring choice, std::vector<std::wstring> answers)
+      : wizard_(wizard), choice_(std::move(choice)), answers_(std::move(answers)) {}
 
   // Whether the wizard came to its end.
   bool Run() {
@@ -82,6 +84,8 @@ class WizardHand {
     PrintTexts("page", wizard_);
     page_ = page;
     was_answered_ = false;
+    HWND choice = Find(wizard_, L"Button", choice_);
+    if (choice != nullptr) SendMessageW(choice, BM_CLICK, 0, 0);
     // What it would open stays open behind the test.
     HWND open = Find(wizard_, L"Button", L"Open the first steps");
     if (open != nullptr) PostMessageW(open, BM_CLICK, 0, 0);
@@ -109,6 +113,7 @@ class WizardHand {
 
   HWND wizard_;
   HWND page_ = nullptr;
+  std::wstring choice_;
   std::vector<std::wstring> answers_;
   std::size_t next_answer_ = 0;
   bool was_answered_ = false;
@@ -116,11 +121,11 @@ class WizardHand {
 };
 
 int Main(int count, wchar_t** words) {
-  if (count < 2) return std::fputs(kUsage, stderr), 2;
+  if (count < 3) return std::fputs(kUsage, stderr), 2;
   HWND wizard = nullptr;
   WaitFor([&] { return (wizard = Find(GetDesktopWindow(), L"#32770", words[1])) != nullptr; }, kDeadlineMs);
   if (wizard == nullptr) return std::puts("the wizard did not come"), 1;
-  if (WizardHand(wizard, {words + 2, words + count}).Run()) return 0;
+  if (WizardHand(wizard, words[2], {words + 3, words + count}).Run()) return 0;
   DWORD process = 0;
   GetWindowThreadProcessId(wizard, &process);
   HANDLE handle = OpenProcess(PROCESS_TERMINATE, FALSE, process);
