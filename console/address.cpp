@@ -83,7 +83,7 @@ std::string Text(const GpibAddress& address) {
 }
 
 std::string Blanks(std::string_view text) {
-  return std::string(CharactersIn(text), ' ');
+  return std::string().append(CharactersIn(text), ' ');
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 
 namespace kesp::console {
 
-int Run(const CompletionOptions&, Surroundings& around) {
+int Run(const CompletionOptions& /*unused*/, Surroundings& around) {
   around.console.Write(PowerShellCompletion(CommandWords()));
   return kExitDone;
 }

@@ -39,9 +39,10 @@ std::string ListOf(const std::vector<std::string>& words) {
 
 std::string PowerShellCompletion(const std::vector<CommandWord>& commands) {
   std::string script = kHead;
-  for (const CommandWord& each : commands)
+  for (const CommandWord& each : commands) {
     script += "    '" + each.name + "' = @{ Options = " + ListOf(each.options) +
               "; Values = " + ListOf(each.values) + " }\n";
+  }
   return script + kTail;
 }
 

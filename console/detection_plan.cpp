@@ -40,9 +40,10 @@ DetectionPlan DetectionPlan::OfHost(const std::string& host, DetectLevel level) 
 
 DetectionPlan DetectionPlan::OfDevices(int first, int last, DetectLevel level) {
   DetectionPlan plan;
-  for (int address = first; address <= last; ++address)
+  for (int address = first; address <= last; ++address) {
     for (std::size_t i = 0; i < CommandsOf(level); ++i)
       plan.steps_.emplace_back(NameOfDevice(address), kCommands.at(i));
+  }
   return plan;
 }
 

@@ -16,14 +16,16 @@ bool HasPrecidia(const Address& address) {
 
 Address ParseDeviceAddress(std::string_view text) {
   Address address = ParseAddress(text);
-  if (HasPrecidia(address))
+  if (HasPrecidia(address)) {
     throw UsageError(
         "the library sends nothing to a controller of the kind \"precidia\", on purpose: leave "
         "\",precidia\" out");
+  }
   const auto* gpib = std::get_if<GpibAddress>(&address);
-  if (gpib != nullptr && !gpib->primary)
+  if (gpib != nullptr && !gpib->primary) {
     throw AddressError(text, std::string_view("gpib:").size(),
                        "expected here: a primary address: 1 to 30; \"kesp detect\" looks for one");
+  }
   return address;
 }
 

@@ -105,19 +105,19 @@ void AddRemarks(const HeardInstrument& instrument, std::vector<std::string>& rem
   if (left_out > 0)
     remarks.push_back("left out: " + std::to_string(left_out) + " answers, of each command those past 1000");
   if (HasPart(instrument))
-    remarks.push_back("of some replies the trace tells only a part, or no end; they stand as they are");
+    remarks.emplace_back("of some replies the trace tells only a part, or no end; they stand as they are");
   for (const std::string& command : instrument.commands) {
     if (command.ends_with('*')) {
       remarks.push_back("\"" + Readable(command) +
-                        "\" ends in \"*\", so it stands for all commands that begin so");
+                        R"(" ends in "*", so it stands for all commands that begin so)");
     }
   }
   if (instrument.place.starts_with("com")) {
-    remarks.push_back(
+    remarks.emplace_back(
         "at a COM port, the delay of a reply without a line feed at its end is not told, so it has none");
   }
   if (instrument.place == "gpib") {
-    remarks.push_back(
+    remarks.emplace_back(
         "the trace does not tell the primary address, nor the end of a command: 5 and a line feed stand in "
         "their place; of a reply it holds 50 characters");
   }

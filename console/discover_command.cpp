@@ -45,9 +45,10 @@ std::string Listed(const std::vector<FoundInstrument>& found) {
 std::string JsonOf(const std::vector<FoundInstrument>& found,
                    const std::optional<BroadcastAdapter>& adapter) {
   ordered_json instruments = ordered_json::array();
-  for (const FoundInstrument& each : found)
+  for (const FoundInstrument& each : found) {
     instruments.push_back(
         {{"address", AddressOf(each)}, {"model", each.model}, {"serial_number", each.serial}});
+  }
   ordered_json all;
   if (adapter) all["adapter"] = {{"name", adapter->name}, {"address", adapter->address}};
   all["instruments"] = std::move(instruments);

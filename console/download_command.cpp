@@ -42,9 +42,10 @@ class Progress {
 int Run(const DownloadOptions& options, Surroundings& around) {
   Console& console = around.console;
   const Address address = ParseAddress(options.talk.address);
-  if (!std::holds_alternative<ComAddress>(address) && !std::holds_alternative<UsbAddress>(address))
+  if (!std::holds_alternative<ComAddress>(address) && !std::holds_alternative<UsbAddress>(address)) {
     throw UsageError(
         "a long transfer comes from a COM port only; elsewhere \"kesp query --binary\" reads bytes");
+  }
   const auto instrument = InstrumentAt(options.talk, around);
   PartFile file(options.file);
   Progress progress(around.clock);

@@ -6,9 +6,10 @@
 namespace kesp::console {
 
 int Run(const EditOptions& options, Surroundings& around) {
-  if (std::holds_alternative<GpibAddress>(ParseAddress(options.talk.address)))
+  if (std::holds_alternative<GpibAddress>(ParseAddress(options.talk.address))) {
     throw UsageError(
         "the GPIB has no settings dialog; its settings stand in the address, as in gpib:5,eos=13");
+  }
   const auto instrument = InstrumentAt(options.talk, around);
   // The dialog hears nothing of Ctrl-C.
   around.console.SetOnInterrupt(Console::OnInterrupt::kEnd);

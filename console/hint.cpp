@@ -13,12 +13,13 @@ namespace {
 constexpr int kUsualTimeoutMs = 3000;
 
 std::string SilenceHint(const LibraryError& error, const TcpAddress& address) {
-  if (*error.received == 0)
+  if (*error.received == 0) {
     return "Nothing was received: the instrument may not know the command, or take longer (--timeout)" +
            MoreAt("no-answer.md#nothing-comes") + ".";
+  }
   const std::string end = address.eos.empty() ? "13" : std::to_string(address.eos.back());
   return Counted(*error.received, "byte") + " came without the end character " + end +
-         ": \",eos=CODE\" behind the address names another one, \",any\" takes what comes" +
+         R"(: ",eos=CODE" behind the address names another one, ",any" takes what comes)" +
          MoreAt("no-answer.md#a-part-comes-then-a-timeout") + ".";
 }
 
@@ -36,9 +37,10 @@ std::optional<Line> LineOf(const Address& address) {
 }
 
 std::string SilenceHint(const LibraryError& error, const Line& line) {
-  if (*error.received == 0)
+  if (*error.received == 0) {
     return "Nothing was received: \"kesp detect " + line.port + "\" looks for the bit rate" +
            MoreAt("no-answer.md#nothing-comes") + ".";
+  }
   const std::string end = line.options.cr ? " came without a carriage return, the last were "
                                           : " came without a line feed, the last were ";
   return Counted(*error.received, "byte") + end + error.last_received + ": \"kesp detect " + line.port +
@@ -67,16 +69,19 @@ std::string HintFor(const LibraryError& error, const Address& address) {
   const bool is_gpib = std::holds_alternative<GpibAddress>(address);
   if (error.status() == "cfrTimeout" && error.what() != std::string_view("Port already open"))
     return TimeoutHint(error, address);
-  if (error.status() == "cfrInitializeFailed" && is_gpib)
+  if (error.status() == "cfrInitializeFailed" && is_gpib) {
     return "\"kesp doctor\" tells which driver was looked for, and what was found" +
            MoreAt("no-answer.md#the-gpib-driver-is-missing-or-of-the-other-width") + ".";
-  if (error.status() == "cfrWriteFailed" && is_gpib)
+  }
+  if (error.status() == "cfrWriteFailed" && is_gpib) {
     return "\"kesp detect gpib:\" looks for the first device that answers" +
            MoreAt("no-answer.md#nobody-at-the-gpib-address") + ".";
-  if (error.status() == "cfrInitializeFailed" && std::holds_alternative<TcpAddress>(address))
+  }
+  if (error.status() == "cfrInitializeFailed" && std::holds_alternative<TcpAddress>(address)) {
     return "Nobody listens at that address and port, or a firewall is between: \"kesp discover\" lists who "
            "answers" +
            MoreAt("no-answer.md#refused-after-four-seconds") + ".";
+  }
   return PortHint(error);
 }
 

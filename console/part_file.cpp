@@ -35,9 +35,10 @@ void PartFile::Complete(std::string_view content) {
   Write(content);
   std::error_code error;
   rename(part_, whole_, error);
-  if (error)
+  if (error) {
     throw std::runtime_error(name_ + " cannot be written: " + error.message() + "; all is in " + name_ +
                              ".part");
+  }
 }
 
 std::string PartFile::Keep(std::string_view content) {

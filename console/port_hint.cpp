@@ -35,9 +35,10 @@ constexpr Hint kHints[] = {
 }  // namespace
 
 std::string PortHint(const LibraryError& error) {
-  for (const Hint& hint : kHints)
+  for (const Hint& hint : kHints) {
     if (hint.description == error.what() && error.source().starts_with(hint.source))
       return hint.text + MoreAt(hint.place) + ".";
+  }
   return "";
 }
 

@@ -127,7 +127,9 @@ class Querying {
         continue;
       }
       ++failed_;
-      console_.WriteError("kesp: " + time + " " + command + ": " + FailureText(*reply.failure) + "\n");
+      console_.WriteError(std::string("kesp: ").append(time).append(" ").append(command).append(": ").append(
+                              FailureText(*reply.failure)) +
+                          "\n");
       TellHint(reply.failure->hint);
     }
     output.EndRound();

@@ -69,10 +69,11 @@ class JsonOutput : public QueryOutput {
 
   void Add(const Reply& reply) override {
     nlohmann::ordered_json object = {{"time", reply.time}, {"address", address_}, {"command", reply.command}};
-    if (reply.failure)
+    if (reply.failure) {
       object["error"] = ErrorOf(*reply.failure);
-    else
+    } else {
       object[kind_] = reply.text;
+    }
     object["seconds"] = std::round(reply.seconds * 1e6) / 1e6;
     console_.Write(object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + '\n');
   }

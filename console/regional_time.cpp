@@ -10,7 +10,7 @@ namespace kesp::console {
 namespace {
 
 constexpr std::size_t kMostGroups = 6;
-constexpr LocalSeconds kDay = 24 * 60 * 60;
+constexpr LocalSeconds kDay = LocalSeconds{24} * 60 * 60;
 
 // A run of digits.
 struct Group {
@@ -87,7 +87,7 @@ Half HalfOf(std::string_view text) {
       continue;
     }
     const auto byte = static_cast<unsigned char>(text[i]);
-    if (std::isalpha(byte) || byte >= 0x80)
+    if (std::isalpha(byte) != 0 || byte >= 0x80)
       word += static_cast<char>(byte < 0x80 ? std::tolower(byte) : byte);
   }
   if (word.empty()) return Half::kNone;
@@ -154,7 +154,8 @@ std::optional<LocalSeconds> SecondsOf(const YearMonthDay& date, int hour, int mi
                                         std::chrono::day(static_cast<unsigned>(date.day))};
   if (!day.ok()) return std::nullopt;
   const auto days = std::chrono::sys_days(day).time_since_epoch().count();
-  return static_cast<LocalSeconds>(days) * kDay + hour * 3600 + minute * 60 + second;
+  return static_cast<LocalSeconds>(days) * kDay + LocalSeconds{hour} * 3600 + LocalSeconds{minute} * 60 +
+         second;
 }
 
 // Whether all of them can be read so, in the order of time and not in the future.

@@ -9,7 +9,7 @@
 namespace kesp::console {
 namespace {
 
-constexpr LocalSeconds kDay = 24 * 60 * 60;
+constexpr LocalSeconds kDay = LocalSeconds{24} * 60 * 60;
 
 }  // namespace
 
@@ -24,7 +24,7 @@ LocalSeconds ReadSince(std::string_view text, LocalSeconds now, LocalSeconds las
   if (const std::optional<LocalSeconds> time = ReadIsoTime(clock); time && is_clock)
     return last - last % kDay + *time;
   throw UsageError("--since: \"" + std::string(text) +
-                   "\" is no time; 14:05, \"2026-11-22 14:05:09\" or 10min was expected");
+                   R"(" is no time; 14:05, "2026-11-22 14:05:09" or 10min was expected)");
 }
 
 }  // namespace kesp::console

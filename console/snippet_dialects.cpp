@@ -44,7 +44,7 @@ std::string ByCodes(const std::string& value, const std::string& before, const s
   std::string text;
   for (const char32_t code : CodesOf(value)) {
     if (!text.empty()) text += between;
-    text += before + std::to_string(code) + after;
+    text.append(before).append(std::to_string(code)).append(after);
   }
   return text;
 }
@@ -164,9 +164,10 @@ std::string CppValue(const Dialect& dialect, const Assignment& assignment) {
 std::string CppAssign(const Dialect& dialect, const Assignment& assignment) {
   const std::string value = CppValue(dialect, assignment);
   constexpr std::string_view kSwitch = "SmartSwitch.";
-  if (assignment.property.starts_with(kSwitch))
+  if (assignment.property.starts_with(kSwitch)) {
     return "Check(SwitchOf(transport.p)->put_" + assignment.property.substr(kSwitch.size()) + "(" + value +
            "));";
+  }
   const std::string object = assignment.property == "CommStyle" ? "comm" : "transport";
   if (!assignment.by_reference)
     return "Check(" + object + "->put_" + assignment.property + "(" + value + "));";

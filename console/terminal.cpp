@@ -71,10 +71,11 @@ Terminal::Terminal(const TerminalOptions& options, Surroundings& around)
       instrument_(InstrumentOf(options, around)) {}
 
 bool Terminal::Run() {
-  if (around_.console.IsTypedAt())
+  if (around_.console.IsTypedAt()) {
     around_.console.WriteError(":help lists the words of the terminal, :quit leaves\n");
-  else
+  } else {
     around_.console.SetOnInterrupt(OnInterrupt::kEnd);
+  }
   while (const auto text = around_.console.ReadLine(prompt_)) {
     const TerminalLine line = ReadTerminalLine(*text);
     if (line.kind == Kind::kQuit) break;
@@ -129,10 +130,11 @@ void Terminal::Exchange(const TerminalLine& line) {
   const std::string duration = InMilliseconds(around_.clock.Now() - start);
   const std::string time = around_.clock.LocalTime();
   const std::string stamp = TimeOfDay(time) + "  " + duration + "  ";
-  if (failure.empty())
+  if (failure.empty()) {
     around_.console.Write(stamp + said + "\n");
-  else
+  } else {
     Fail(stamp + failure);
+  }
   Help(hint);
   Note(time, failure.empty() ? '<' : '!', failure.empty() ? said : failure);
 }

@@ -17,9 +17,10 @@ constexpr double kIeeeMilliseconds[] = {0.01, 0.03, 0.1,  0.3,   1,     3,      
 
 short TcpTimeout(int milliseconds) {
   constexpr short kLongest = std::numeric_limits<short>::max();
-  if (milliseconds > kLongest)
+  if (milliseconds > kLongest) {
     throw UsageError("over TCP/IP the longest timeout is " + std::to_string(kLongest) + " ms, not " +
                      std::to_string(milliseconds) + " ms");
+  }
   return static_cast<short>(milliseconds);
 }
 

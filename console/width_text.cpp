@@ -11,12 +11,12 @@ std::string WidthText(int bits) {
 }
 
 std::string RegisterRemedy(const SystemFacts& system, int bits, Hive hive, const std::string& library) {
-  const std::string setup = "install the library with its setup program";
+  std::string setup = "install the library with its setup program";
   if (library.empty()) return setup;
   const std::string folder = bits == 32 && system.windows_bits == 64 ? "SysWOW64" : "System32";
   const std::string command = system.windows_folder + folder + "\\regsvr32.exe ";
   const std::string file = "\"" + library + "\"";
-  const std::string for_this_user = command + "/n /i:user " + file;
+  std::string for_this_user = command + "/n /i:user " + file;
   if (hive == Hive::kThisUser) return for_this_user;
   const bool is_of_user = std::any_of(system.user_folders.begin(), system.user_folders.end(),
                                       [&](const std::string& each) { return IsBelow(library, each); });
