@@ -1,6 +1,7 @@
 # Compiler and linker settings that hold for every target of ours.
 option(KESP_SANITIZE "Build the native unit tests under AddressSanitizer and UBSan" ON)
 option(KESP_COVERAGE "Build the native unit tests for line coverage (turns the sanitizers off)" OFF)
+option(KESP_FUZZ "Build the fuzzers and no tests; the compiler is clang" OFF)
 
 add_library(kesp_options INTERFACE)
 target_include_directories(kesp_options INTERFACE "${CMAKE_SOURCE_DIR}")
@@ -15,6 +16,11 @@ if(WIN32)
   if(CMAKE_SIZEOF_VOID_P EQUAL 8)
     target_link_options(kesp_options INTERFACE -Wl,--high-entropy-va)
   endif()
+elseif(KESP_FUZZ)
+  # Warnings are GCC's business.
+  target_compile_options(kesp_options INTERFACE -w -O1 -g
+    -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(kesp_options INTERFACE -fsanitize=address,undefined)
 elseif(KESP_COVERAGE)
   target_compile_options(kesp_options INTERFACE --coverage -O0)
   target_link_options(kesp_options INTERFACE --coverage)

@@ -8,8 +8,10 @@
 # Tests run for seconds, so compiling them takes longer than optimising saves. In their own code the sanitizers leave
 # out the checks of each pointer, a third of the compile time, and in the simulated instrument's; the library's has all.
 add_library(kesp_test_options INTERFACE)
-target_compile_options(kesp_test_options INTERFACE -O0 -g1)
-if(NOT WIN32 AND KESP_SANITIZE AND NOT KESP_COVERAGE)
+if(NOT KESP_FUZZ)
+  target_compile_options(kesp_test_options INTERFACE -O0 -g1)
+endif()
+if(NOT WIN32 AND KESP_SANITIZE AND NOT KESP_COVERAGE AND NOT KESP_FUZZ)
   target_compile_options(kesp_test_options INTERFACE -fno-sanitize=null,alignment,vptr,object-size)
 endif()
 
@@ -44,6 +46,7 @@ function(kesp_test_program name)
   add_executable(${name} ${PROGRAM_SOURCES})
   target_link_libraries(${name} PRIVATE kesp_options ${PROGRAM_USES} GTest::gmock_main)
   kesp_compile_as_test(${name})
+  set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ${KESP_FUZZ})
   if(PROGRAM_UNIT)
     add_test(NAME unit.${name} COMMAND ${name} --gtest_brief=1)
     set_tests_properties(unit.${name} PROPERTIES LABELS unit TIMEOUT 300)
