@@ -155,8 +155,8 @@ std::unique_ptr<Device> ReadSwitch(Fields& fields, const fs::path& folder) {
     const Fields must_be_an_object(*named);
     for (const auto& [name, device] : named->Members()) {
       if (name.empty() || name.size() > 2) device.Wrong("must have a name of one or two characters");
-      const auto is_the_same = [&](const auto& port) {
-        return Written(names, port.first) == Written(names, name);
+      const auto is_the_same = [&names, written = Written(names, name)](const auto& port) {
+        return Written(names, port.first) == written;
       };
       if (std::any_of(ports.begin(), ports.end(), is_the_same)) device.Wrong("has the name of another port");
       ports[name] = ReadAttached(device, folder);
