@@ -30,7 +30,7 @@ Value Number(FuzzInput& input) {
 void SetOne(CKespCOMPort3& port, FuzzInput& input) {
   switch (input.Below(12)) {
     case 0:
-      return port.SetPort(static_cast<std::int16_t>(Number(input) * 3));
+      return port.SetPort(static_cast<std::int16_t>(std::int64_t{Number(input)} * 3));
     case 1:
       return port.SetBaudRate(Number<EKespBaudRate3>(input));
     case 2:
