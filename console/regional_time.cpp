@@ -25,6 +25,7 @@ bool IsDigit(char character) {
 
 // Nothing where a number is longer than a year, or where there are too many.
 std::optional<std::vector<Group>> GroupsOf(std::string_view text) {
+  constexpr std::size_t kLongest = 4;
   std::vector<Group> groups;
   for (std::size_t i = 0; i < text.size();) {
     if (!IsDigit(text[i])) {
@@ -32,9 +33,12 @@ std::optional<std::vector<Group>> GroupsOf(std::string_view text) {
       continue;
     }
     Group group{.begin = i};
-    for (; i < text.size() && IsDigit(text[i]); ++i) group.value = group.value * 10 + (text[i] - '0');
+    for (; i < text.size() && IsDigit(text[i]); ++i) {
+      if (i - group.begin == kLongest) return std::nullopt;
+      group.value = group.value * 10 + (text[i] - '0');
+    }
     group.end = i;
-    if (group.end - group.begin > 4 || groups.size() == kMostGroups) return std::nullopt;
+    if (groups.size() == kMostGroups) return std::nullopt;
     groups.push_back(group);
   }
   return groups;
