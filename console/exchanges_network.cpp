@@ -114,7 +114,8 @@ void Exchanges::AddArrival(std::string_view text) {
 bool Exchanges::AddOfDiscovery(std::string_view message) {
   if (const auto target = Within(message, "Sending broadcast command to ", "...")) {
     Start(Kind::kDiscovery);
-    open_->place = "udp" + PlaceOnPort(*target).substr(3);
+    if (const std::string place = PlaceOnPort(*target); !place.empty())
+      open_->place = "udp" + place.substr(3);
     return true;
   }
   if (!open_ || open_->kind != Kind::kDiscovery) return false;

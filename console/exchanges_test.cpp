@@ -272,6 +272,11 @@ TEST(Exchanges, Discovery_IsOneLineAndThenTheInstruments) {
                                    "1 tcp:10.88.0.12:10001 (6 bytes) KESP,7200"}));
 }
 
+TEST(Exchanges, BroadcastWithoutAPort_HasNoPlace) {
+  EXPECT_EQ(ShownOf({{1, "Sending broadcast command to nobody..."}}),
+            (Shown{"0 (broadcast) FAILED: Nobody answered"}));
+}
+
 TEST(Exchanges, QueryThatAnotherInterrupts_CountsAsFailed) {
   std::vector<Step> steps(kNetworkQuery.begin(), kNetworkQuery.begin() + 13);
   steps.insert(steps.end(), kSerialQuery.begin(), kSerialQuery.end());
