@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace kesp::console {
 namespace {
 
@@ -23,7 +25,23 @@ TEST(ErrorOfBox, WithoutASource) {
 }
 
 TEST(ErrorOfBox, AnotherForm_IsTheDescription) {
-  EXPECT_STREQ(ErrorOfBox("Something else").what(), "Something else");
+  for (const char* text :
+       {"Something else", "Error: x - y", "Error: - - y", "Error: 5", "Error: 5: y", "error: 5 - y"})
+    EXPECT_STREQ(ErrorOfBox(text).what(), text);
+}
+
+TEST(ErrorOfBox, OtherLines_AreNeitherDescriptionNorSource) {
+  const LibraryError error = ErrorOfBox("Error: none\r\nError: 5 - bad (very)\r\nmore\r\n(no source)");
+  EXPECT_EQ(error.status(), "error 5");
+  EXPECT_STREQ(error.what(), "bad (very)");
+  EXPECT_EQ(error.source(), "");
+  EXPECT_EQ(ErrorOfBox("Error: 5 - x\n(a (b) c) d\r\n").source(), "a (b) c");
+  EXPECT_EQ(ErrorOfBox("Error: 5 - x\n(a").source(), "");
+}
+
+TEST(ErrorOfBox, LongText_IsRead) {
+  const std::string long_text(1'000'000, 'x');
+  EXPECT_EQ(ErrorOfBox("Error: 5 - " + long_text).what(), long_text);
 }
 
 }  // namespace
