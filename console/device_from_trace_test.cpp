@@ -161,6 +161,22 @@ TEST(DeviceFromTrace, InstrumentThatHungUp_HangsUp) {
   EXPECT_EQ(CommandsOf({closed})["A"], json::parse(R"([{"close": true}])"));
 }
 
+TEST(DeviceFromTrace, SettingsThatAreNone_AreLeftOut) {
+  const auto line_of = [](const char* settings) {
+    Exchange exchange = Heard("A", "1\r", 0);
+    exchange.settings = settings;
+    DeviceFromTrace device;
+    device.Add(exchange);
+    return json::parse(device.Make().json).value("line", json());
+  };
+  EXPECT_EQ(line_of("9600,E,7,2"),
+            json::parse(R"({"baud": 9600, "parity": "E", "data_bits": 7, "stop_bits": 2})"));
+  EXPECT_EQ(line_of("150,N,4,1.5"), json::parse(R"({"baud": 150, "parity": "N"})"));
+  for (const char* settings :
+       {"<unknown>,N,8,1", "9600,I,8,1", "9600,\xFF,8,1", "9600,,8,1", "9601,N,8,1", "9600,N,9,1"})
+    EXPECT_TRUE(line_of(settings).is_null()) << settings;
+}
+
 TEST(DeviceFromTrace, Update_TellsNothingOfTheAnswer) {
   Exchange update = Heard("A", "", 0);
   update.kind = Kind::kUpdate;

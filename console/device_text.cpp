@@ -6,8 +6,8 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "console/baud_rates.h"
 #include "console/hexadecimal.h"
-#include "console/text_pieces.h"
 #include "console/trace_bytes.h"
 
 namespace kesp::console {
@@ -73,6 +73,10 @@ Json AnswersOf(const HeardAnswers& heard, const std::string& terminator) {
   return {{"cycle", cycle}};
 }
 
+bool IsOneOf(std::string_view text, std::string_view characters) {
+  return text.size() == 1 && characters.find(text[0]) != std::string_view::npos;
+}
+
 // "9600,N,8,1" as the member "line"; nothing where it is something else.
 Json LineOf(std::string_view settings) {
   std::vector<std::string_view> parts;
@@ -82,12 +86,13 @@ Json LineOf(std::string_view settings) {
     settings.remove_prefix(std::min(comma + 1, settings.size()));
   }
   if (parts.size() != 4) return nullptr;
-  const auto baud = LeadingNumber(parts[0]);
-  const auto data_bits = LeadingNumber(parts[2]);
-  if (!baud || !data_bits) return nullptr;
+  const auto* const baud = std::find_if(kBaudRates.begin(), kBaudRates.end(),
+                                        [&](int rate) { return std::to_string(rate) == parts[0]; });
+  const bool is_frame = IsOneOf(parts[1], "NEOMS") && IsOneOf(parts[2], "45678");
+  if (baud == kBaudRates.end() || !is_frame) return nullptr;
   Json line = {{"baud", *baud}, {"parity", parts[1]}};
-  if (*data_bits >= 5) line["data_bits"] = *data_bits;
-  if (parts[3] == "1" || parts[3] == "2") line["stop_bits"] = *LeadingNumber(parts[3]);
+  if (parts[2] != "4") line["data_bits"] = parts[2][0] - '0';
+  if (parts[3] == "1" || parts[3] == "2") line["stop_bits"] = parts[3][0] - '0';
   return line;
 }
 
