@@ -10,6 +10,8 @@ namespace kesp::console {
 namespace {
 
 void ReadAddress(std::string_view text) {
+  // No argument of a program has one.
+  if (text.find('\0') != std::string_view::npos) return;
   Address address;
   try {
     address = ParseAddress(text);

@@ -119,7 +119,8 @@ void UseSendQueue(FuzzInput& input) {
 void UseLookupBuffers(FuzzInput& input) {
   LookupBuffers buffers;
   std::deque<LookupBuffer*> given_up;
-  while (input.HasMore()) {
+  constexpr std::size_t kRounds = 4;
+  for (std::size_t round = 0; round < kRounds && input.HasMore(); ++round) {
     // Each byte is a number of look-ups, so that a short input reaches the limit.
     for (int left = input.Byte(); left > 0; --left) {
       std::unique_ptr<LookupBuffer> buffer = buffers.Take();

@@ -78,7 +78,8 @@ void Split(const std::wstring& folder, const std::wstring& name) {
   const std::wstring last = FileNameOfPath(path);
   Require(last.find_first_of(L"\\/") == std::wstring::npos, "a name has no separator");
   Require(path.find(last) != std::wstring::npos, "a name is a part of the path");
-  const bool is_plain = !name.empty() && name.find_first_of(L"\\/:") == std::wstring::npos && !folder.empty();
+  const bool is_folder = !folder.empty() && (!folder.ends_with(L':') || folder.size() == 2);
+  const bool is_plain = !name.empty() && name.find_first_of(L"\\/:") == std::wstring::npos && is_folder;
   Require(!is_plain || last == name, "a name that was joined is found again");
   const bool is_html = FormatOfHelpFile(path) == HelpFormat::kHtmlHelp;
   Require(!is_html || path.size() >= 4, "an ending has four characters");
