@@ -43,6 +43,11 @@ void DeviceFromTrace::Add(const Exchange& exchange) {
     ++unfinished_;
     return;
   }
+  // The instrument hears each up to its end, and nobody knows which of them was answered.
+  if (command->find(exchange.place == "gpib" ? '\n' : '\r') != std::string::npos) {
+    ++several_;
+    return;
+  }
   HeardInstrument& instrument = instruments_[exchange.place + "@" + exchange.settings];
   instrument.place = exchange.place;
   instrument.settings = exchange.settings;
@@ -83,6 +88,9 @@ DeviceFromTrace::Made DeviceFromTrace::Make() const {
   if (unfinished_ > 0) {
     made.remarks.push_back("left out: " + Counted(unfinished_, "exchange") +
                            " of which the trace does not tell the end");
+  }
+  if (several_ > 0) {
+    made.remarks.push_back("left out: " + Counted(several_, "exchange") + " with several commands in one");
   }
   if (behind_omega_ > 0) {
     made.remarks.push_back("left out: " + Counted(behind_omega_, "exchange") + " with block checks");

@@ -161,6 +161,16 @@ TEST(DeviceFromTrace, InstrumentThatHungUp_HangsUp) {
   EXPECT_EQ(CommandsOf({closed})["A"], json::parse(R"([{"close": true}])"));
 }
 
+TEST(DeviceFromTrace, SeveralCommandsInOne_AreLeftOut) {
+  DeviceFromTrace device;
+  device.Add(Heard("A\rB", "1\r", 0));
+  EXPECT_THROW(device.Make(), std::runtime_error);
+  device.Add(Heard("A\nB", "1\r", 0));
+  const DeviceFromTrace::Made made = device.Make();
+  EXPECT_EQ(json::parse(made.json)["commands"], json::parse(R"({"A\nB": "1"})"));
+  EXPECT_EQ(made.remarks, (std::vector<std::string>{"left out: 1 exchange with several commands in one"}));
+}
+
 TEST(DeviceFromTrace, SettingsThatAreNone_AreLeftOut) {
   const auto line_of = [](const char* settings) {
     Exchange exchange = Heard("A", "1\r", 0);
