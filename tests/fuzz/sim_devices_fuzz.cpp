@@ -1,30 +1,48 @@
 // The simulator's devices: what they say does not depend on the pieces in which they hear.
+#include <map>
 #include <memory>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "simulator/command_framer.h"
 #include "simulator/description.h"
+#include "simulator/omega_controller.h"
 #include "simulator/played_device.h"
+#include "simulator/port_switch.h"
 #include "tests/fuzz/input.h"
 #include "tests/fuzz/require.h"
 
 namespace kesp::simulator {
 namespace {
 
-// Without times, pieces and endings, in which it would matter when the bytes come.
-constexpr const char* kDescriptions[] = {
-    R"({"commands": {"A?": "1", "SET *": {"cycle": ["2", null, [{"echo": true}]]}, "H": [{"merge_next": true},
-        {"send": "held"}], "": "empty"}, "default_query": "what?", "default": "ok", "terminator": "\r\n"})",
-    R"({"device": "omega", "address": "01", "values": {"T": "21.5", "TX": "9"}})",
-    R"({"device": "port_switch", "model": 8, "ports": {"1": {"default": "one"}, "A": {"default": "two"}}})"};
+// Without times, pieces and endings, with which it would matter when the bytes come.
+const Personality& Answering(const char* json) {
+  static std::map<const char*, Personality> read;
+  const auto [place, is_new] = read.try_emplace(json);
+  if (is_new) place->second = ReadInstrument(json);
+  return place->second;
+}
+
+std::unique_ptr<Device> Play(const char* json, Place place) {
+  return std::make_unique<PlayedDevice>(std::make_shared<Instrument>(Answering(json)), place);
+}
 
 std::unique_ptr<Device> MakeDevice(std::size_t kind) {
-  Description description = ReadDescription(kDescriptions[kind], "d");
-  if (auto* device = std::get_if<std::unique_ptr<Device>>(&description)) return std::move(*device);
-  return std::make_unique<PlayedDevice>(
-      std::make_shared<Instrument>(std::get<Personality>(std::move(description))), Place::kOwnLine);
+  static constexpr char kInstrument[] = R"({
+    "commands": {"A?": "1", "SET *": {"cycle": ["2", null, [{"echo": true}]]},
+                 "H": [{"merge_next": true}, {"send": "held"}], "": "empty"},
+    "default_query": "what?", "default": "ok", "terminator": "\r\n"})";
+  static constexpr char kOne[] = R"({"default": "one"})";
+  static constexpr char kTwo[] = R"({"default": "two"})";
+  if (kind == 0) return Play(kInstrument, Place::kOwnLine);
+  if (kind == 1) {
+    return std::make_unique<OmegaController>("01", OmegaController::Values{{"T", "21.5"}, {"TX", "9"}},
+                                             LineRule{9600, 'E', 7, 1});
+  }
+  PortSwitch::Ports ports;
+  ports["1"] = Play(kOne, Place::kBehindAnother);
+  ports["A"] = Play(kTwo, Place::kBehindAnother);
+  return std::make_unique<PortSwitch>(PortNames::kTwoDigits, std::move(ports), std::nullopt);
 }
 
 void Hear(Device& device, std::string& said) {
