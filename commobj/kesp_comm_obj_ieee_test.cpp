@@ -146,8 +146,7 @@ class CKespCommObjIeeeFaultsTest : public KespCommObjIeeeFixture {
  private:
   void FailAt(std::size_t call) {
     bus_.waiting = "1";
-    bus_.calls = 0;
-    bus_.failing_call = static_cast<int>(call);
+    bus_.faults.Fail(static_cast<int>(call));
   }
 };
 

@@ -148,12 +148,12 @@ TEST_F(CKespCommObjNetworkTest, TraceCannotBeWritten_ChangesNothing) {
 // Whichever of the file system's calls runs out of memory, the client sees the same.
 TEST_F(CKespCommObjNetworkTest, AnyFileCallFails_ChangesNothing) {
   Replies("1.0\r");
-  const int before = fakes_.files.calls();
+  const int before = fakes_.files.faults.calls();
   EXPECT_TRUE(Query());
-  const int calls = fakes_.files.calls() - before;
+  const int calls = fakes_.files.faults.calls() - before;
   ASSERT_GT(calls, 6);
   for (int nth = 1; nth <= calls; ++nth) {
-    fakes_.files.ThrowAtCall(fakes_.files.calls() + nth);
+    fakes_.files.faults.Fail(nth);
     result_.clear();
     EXPECT_TRUE(Query()) << nth;
     EXPECT_EQ(result_, L"1.0") << nth;

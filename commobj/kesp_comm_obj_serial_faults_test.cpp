@@ -108,16 +108,16 @@ TEST_F(CKespCommObjSerialFaultsTest, PortInUse_ThreeAttemptsWithoutAPauseAndOneF
   ExpectTrace(Framed(L"Query", L" ",
                      {L"RS-232: OpenPort()", retrying, L"RS-232: OpenPort()", retrying, L"RS-232: OpenPort()",
                       timed_out, ErrorInfo(kOpenPort)}));
-  EXPECT_EQ(ports_.line.calls, 3 * 4);
+  EXPECT_EQ(ports_.line.faults.calls(), 3 * 4);
   EXPECT_FALSE(Update());
   ExpectFailure(ECommError::cfrTimeout, kOpenPort, 8005);
   ExpectTrace(Framed(L"Update", L"", {retrying, retrying, timed_out, ErrorInfo(kOpenPort)}));
-  EXPECT_EQ(ports_.line.calls, 6 * 4);
+  EXPECT_EQ(ports_.line.faults.calls(), 6 * 4);
   EXPECT_FALSE(QueryBinary());
   ExpectFailure(ECommError::cfrOtherError, kOpenPort, 8005);
   ExpectTrace({L"RS-232: OpenPort()", L"RS-232: ** OpenPort() open failed (8005 - Port already open) **",
                ErrorInfo(kOpenPort), L"RS-232: ClosePort()"});
-  EXPECT_EQ(ports_.line.calls, 7 * 4);
+  EXPECT_EQ(ports_.line.faults.calls(), 7 * 4);
   EXPECT_EQ(fakes_.pump.count(), 0);
 }
 
@@ -137,7 +137,7 @@ TEST_F(CKespCommObjSerialFaultsTest, PortInUse_AnotherFailureMeanwhile_EndsTheAt
   ports_.line.open_failures = {8005, 8002};
   EXPECT_FALSE(Query());
   ExpectFailure(ECommError::cfrOtherError, kOpenPort, 8002);
-  EXPECT_EQ(ports_.line.calls, 2 * 4);
+  EXPECT_EQ(ports_.line.faults.calls(), 2 * 4);
 }
 
 // With the number that the transport raises itself.
@@ -212,9 +212,9 @@ TEST_F(CKespCommObjSerialFaultsTest, AutoCloseOffAndFailed_PortStaysOpenForTheNe
 TEST_F(CKespCommObjSerialFaultsTest, AnyCallFails_IsToldByTheStatusAlone) {
   comm_->serial().SetUseSmartSwitch(true);
   comm_->serial().SmartSwitch()->SetSSPort(L"3");
-  const int before = ports_.line.calls;
+  const int before = ports_.line.faults.calls();
   EXPECT_TRUE(Query());
-  const int calls = ports_.line.calls - before;
+  const int calls = ports_.line.faults.calls() - before;
   ASSERT_GT(calls, 20);
   const std::wstring closing_failed =
       L"RS-232: ** ClosePort() Error info: Source- CKespCOMPort3 - ClosePort() [commCOMControl]  "
@@ -246,7 +246,7 @@ TEST_F(CKespCommObjSerialFaultsTest, AnyCallFails_IsToldByTheStatusAlone) {
 
 TEST_F(CKespCommObjSerialFaultsTest, SettingsFileFails_ModemIsNotPointedAndStatusStays) {
   comm_->serial().SetUseRFModem(true);
-  fakes_.settings.ThrowAtCall(1);
+  fakes_.settings.faults.Fail(1);
   EXPECT_FALSE(Query());
   ExpectStatus(ECommError::cfrOtherError);
   EXPECT_EQ(ports_.line.written, "");
@@ -254,12 +254,12 @@ TEST_F(CKespCommObjSerialFaultsTest, SettingsFileFails_ModemIsNotPointedAndStatu
 
 TEST_F(CKespCommObjSerialFaultsTest, AnyFileCallFails_ChangesNothing) {
   comm_->SetDebugging(true);
-  const int before = fakes_.files.calls();
+  const int before = fakes_.files.faults.calls();
   EXPECT_TRUE(Query());
-  const int calls = fakes_.files.calls() - before;
+  const int calls = fakes_.files.faults.calls() - before;
   ASSERT_GT(calls, 10);
   for (int nth = 1; nth <= calls; ++nth) {
-    fakes_.files.ThrowAtCall(fakes_.files.calls() + nth);
+    fakes_.files.faults.Fail(nth);
     EXPECT_TRUE(Query()) << nth;
     ExpectStatus(ECommError::cfrSuccess);
   }

@@ -185,7 +185,7 @@ TEST_F(frmRFModemSettingsConfirmTest, PortFailsAtAnyCall_TheDialogStaysForAnothe
     environment_.user.Answer(kYesAnswer);
     ports_.line.FailCall(nth, kDeviceFailure);
     OK();
-    if (ports_.line.calls < ports_.line.fail_at) {
+    if (ports_.line.faults.IsPending()) {
       EXPECT_EQ(TakeBoxes(), Boxes{kQuestion});
       break;
     }

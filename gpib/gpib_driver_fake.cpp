@@ -170,7 +170,7 @@ GpibOutcome GpibDriverFake::Answer(const std::string& name, const std::string& c
                                    const GpibOutcome& otherwise) {
   heard.push_back(call);
   on_call(call);
-  if (++calls == failing_call) return GpibOutcome::Failure(14);
+  if (faults.IsFailing()) return GpibOutcome::Failure(14);
   const auto found = answers.find(name);
   return found == answers.end() ? otherwise : found->second();
 }

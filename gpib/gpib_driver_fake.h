@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "gpib/gpib_driver.h"
+#include "support/failing_call_fake.h"
 
 namespace kesp {
 
@@ -63,9 +64,8 @@ class GpibDriverFake final : public GpibLibrary {
   std::map<std::string, std::function<GpibOutcome()>> answers;
   // What an ibrd finds; taken from the front, a time-out when there is nothing.
   std::string waiting;
-  // The bus call (1 is the first) that fails with error 14; 0 for none.
-  int failing_call = 0;
-  int calls = 0;
+  // The bus calls, of which a failing one fails with error 14.
+  FailingCallFake faults;
   // Results of RegisterGpibGlobalsForThread, then 0.
   std::vector<int> registration_results;
   // Whether descriptors that are not open fail with error 0, the system error.

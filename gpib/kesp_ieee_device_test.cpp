@@ -87,8 +87,7 @@ TEST_F(CKespIEEEDeviceTest, Initialize_CallFails_IsLoggedAndRaisedAndTheDeviceGi
         Example{L"ibeos()",
                 ieee_error::ERR_IBEOS,
                 {"ibdev(0,5,0,12,1,0)", "ibclr(7)", "ibeos(7,1073)", "ibonl(7,0)"}}}) {
-    bus_.calls = 0;
-    bus_.failing_call = ++nth;
+    bus_.faults.Fail(++nth);
     const std::wstring text = L"Error: 14 - Command error during device call";
     EXPECT_EQ(Refusal(), (Raised{example.number, kDriverSource,
                                  L"Error calling " + std::wstring(example.call) + L": " + text}));
@@ -208,7 +207,7 @@ TEST_F(CKespIEEEDeviceTest, Uninitialize_DeviceFails_HasTheSourceOfOpeningAndSta
 
 TEST_F(CKespIEEEDeviceTest, Uninitialize_BoardFails_HasTheSourceOfOpening) {
   ieee_.Initialize();
-  bus_.failing_call = 5;
+  bus_.faults.Fail(2);
   EXPECT_EQ(ClosingRefusal(),
             (Raised{ieee_error::ERR_IBONL, kDriverSource,
                     L"Error calling ibonl() for board: Error: 14 - Command error during device call"}));
@@ -219,7 +218,7 @@ TEST_F(CKespIEEEDeviceTest, Uninitialize_BoardFails_HasTheSourceOfOpening) {
 
 TEST_F(CKespIEEEDeviceTest, InitializeAfterTheBoardDidNotClose_ClosesNoDeviceTwice) {
   ieee_.Initialize();
-  bus_.failing_call = 5;
+  bus_.faults.Fail(2);
   EXPECT_EQ(ClosingRefusal().number, ieee_error::ERR_IBONL);
   Heard();
   ieee_.Initialize();

@@ -43,12 +43,12 @@ int Sweep(const Operation& operation, std::set<std::int32_t>& numbers) {
   {
     Stage undisturbed;
     operation(undisturbed);
-    calls = undisturbed.bus.calls;
+    calls = undisturbed.bus.faults.calls();
   }
   for (int nth = 1; nth <= calls; ++nth) {
     SCOPED_TRACE(nth);
     Stage stage;
-    stage.bus.failing_call = nth;
+    stage.bus.faults.Fail(nth);
     numbers.insert(RaisedBy([&] { operation(stage); }).number);
     EXPECT_EQ(stage.ieee.TimeOutSecs(), ETimeOutSecs::to3s);
     Try([&] { return stage.ieee.Uninitialize(); });

@@ -98,7 +98,7 @@ TEST_F(CKespTCPTest, LogOff_NothingIsWritten) {
   EXPECT_TRUE(tcp_->ReadLine(result));
   for (int i = 0; i < 3; ++i) fakes_.pump.PumpOnce();
   EXPECT_TRUE(tcp_->Uninitialize());
-  EXPECT_EQ(fakes_.files.calls(), 0);
+  EXPECT_EQ(fakes_.files.faults.calls(), 0);
 }
 
 TEST_F(CKespTCPTest, LogLine_IsDateTickAndMessageInTheNamedFile) {

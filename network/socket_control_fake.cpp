@@ -34,26 +34,17 @@ SocketControlFake& SocketControlFake::ThenReceives(std::string bytes) {
 }
 
 SocketControlFake& SocketControlFake::ThenPeerCloses() {
-  return Then([this] {
-    state_ = EKespTCPState::sckClosing;
-    listener_.OnClose();
-  });
+  return Then([this] { CloseByPeer(); });
 }
 
 SocketControlFake& SocketControlFake::ThenFails(std::int32_t number) {
-  return Then([this, number] {
-    state_ = EKespTCPState::sckError;
-    last_error = SocketErrorNotification(number);
-    listener_.OnError(last_error);
-  });
+  return Then([this, number] { Break(number); });
 }
 
 SocketControlFake& SocketControlFake::ThenOverruns() {
   return Then([this] {
     pending_.clear();
-    state_ = EKespTCPState::sckError;
-    last_error = SocketErrorNotification(kSocketNoBufferSpace);
-    listener_.OnError(last_error);
+    Break(kSocketNoBufferSpace);
   });
 }
 
@@ -86,8 +77,19 @@ void SocketControlFake::Receive(const std::string& bytes) {
 }
 
 void SocketControlFake::FailCall(int nth, std::int32_t number) {
-  fail_in_ = nth;
-  fail_number_ = number;
+  faults.Fail(nth);
+  fault_number = number;
+}
+
+void SocketControlFake::CloseByPeer() {
+  state_ = EKespTCPState::sckClosing;
+  listener_.OnClose();
+}
+
+void SocketControlFake::Break(std::int32_t number) {
+  state_ = EKespTCPState::sckError;
+  last_error = SocketErrorNotification(number);
+  listener_.OnError(last_error);
 }
 
 EKespTCPState SocketControlFake::State() const {
@@ -146,7 +148,7 @@ std::string SocketControlFake::GetData() {
 
 void SocketControlFake::Called(std::string call) {
   calls.push_back(std::move(call));
-  if (fail_in_ > 0 && --fail_in_ == 0) throw SocketFailure(fail_number_);
+  if (faults.IsFailing()) throw SocketFailure(fault_number);
 }
 
 }  // namespace kesp

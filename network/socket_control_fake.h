@@ -11,6 +11,7 @@
 
 #include "network/socket_control.h"
 #include "network/socket_errors.h"
+#include "support/failing_call_fake.h"
 
 namespace kesp {
 
@@ -47,6 +48,12 @@ class SocketControlFake final : public SocketControl {
 
   // The nth call from now on of an operation that may fail (1 is the next) fails with that number.
   void FailCall(int nth, std::int32_t number);
+  FailingCallFake faults;
+  std::int32_t fault_number = kSocketNoBufferSpace;
+
+  // The other side closes the connection, or it breaks with that number, at this moment.
+  void CloseByPeer();
+  void Break(std::int32_t number);
 
   // Runs at the end of each Connect, to script what follows that attempt.
   std::function<void()> on_connect;
@@ -93,8 +100,6 @@ class SocketControlFake final : public SocketControl {
 
   SocketListener& listener_;
   std::deque<std::function<void()>> steps_;
-  int fail_in_ = 0;
-  std::int32_t fail_number_ = 0;
   mutable int closing_left_ = 0;
   mutable EKespTCPState state_ = EKespTCPState::sckClosed;
   EKespProtocol protocol_ = EKespProtocol::sckTCPProtocol;

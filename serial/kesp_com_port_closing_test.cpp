@@ -33,7 +33,7 @@ TEST_F(CKespCOMPort3ClosingTest, ClosedPort_DoesAndLogsNothing) {
   port_.SetUseSmartSwitch(true);
   port_.ClosePort();
   EXPECT_EQ(record_, Lines{});
-  EXPECT_EQ(ports_.line.calls, 0);
+  EXPECT_EQ(ports_.line.faults.calls(), 0);
 }
 
 TEST_F(CKespCOMPort3ClosingTest, ReleaseFails_IsLoggedAndRaisedAndPortIsClosed) {
@@ -174,7 +174,7 @@ TEST_F(CKespCOMPort3EndTest, AnyCallFails_PortIsClosedAndTheTargetForgotten) {
 TEST_F(CKespCOMPort3EndTest, SettingsFileFails_PortIsClosedAllTheSame) {
   Make();
   object_->OpenPort();
-  environment_.settings.ThrowAtCall(environment_.settings.calls() + 1);
+  environment_.settings.faults.Fail(1);
   object_.reset();
   EXPECT_FALSE(ports_.line.open);
   EXPECT_EQ(record_.back(), L"Destroyed");
@@ -183,9 +183,9 @@ TEST_F(CKespCOMPort3EndTest, SettingsFileFails_PortIsClosedAllTheSame) {
 TEST_F(CKespCOMPort3EndTest, NoTemporaryFolder_WritesNothing) {
   environment_.files.SetTemporaryFolder(L"");
   Make();
-  const int calls = environment_.settings.calls();
+  const int calls = environment_.settings.faults.calls();
   object_.reset();
-  EXPECT_EQ(environment_.settings.calls(), calls);
+  EXPECT_EQ(environment_.settings.faults.calls(), calls);
 }
 
 }  // namespace

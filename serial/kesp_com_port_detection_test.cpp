@@ -189,7 +189,7 @@ TEST_F(CKespCOMPort3DetectionTest, AbortAtTheFirstUpdate_EndsWithoutOpeningThePo
   events_.abort_at_update = 1;
   ExpectSearch(false, {{6, L"*IDN?"}}, 6);
   EXPECT_EQ(record_.size(), 3u);
-  EXPECT_EQ(ports_.line.calls, 0);
+  EXPECT_EQ(ports_.line.faults.calls(), 0);
 }
 
 // The next three end at once, too, and keep the rate that was being tried.

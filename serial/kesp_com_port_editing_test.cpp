@@ -43,10 +43,10 @@ TEST_F(CKespCOMPort3EditingTest, PortThatIsOpen_IsClosedBeforeTheDialogWhoseAnsw
     EXPECT_EQ(Edit(7, kHelpFile, 3), answer);
     EXPECT_EQ(record_, (Lines{L"ClearOut", L"ClearIn", L"Output <1B><02><02><04>", L"Close", L"Dialog"}));
     record_.clear();
-    const int calls = ports_.line.calls;
+    const int calls = ports_.line.faults.calls();
     EXPECT_EQ(Edit(), answer);
     EXPECT_EQ(record_, (Lines{L"Dialog"})) << "of a closed port";
-    EXPECT_EQ(ports_.line.calls, calls);
+    EXPECT_EQ(ports_.line.faults.calls(), calls);
   }
   EXPECT_TRUE(environment_.user.boxes().empty());
 }

@@ -78,10 +78,10 @@ void SweepControl(const Step& prepare, const Operation& operation, const Step& c
     SCOPED_TRACE(nth);
     Stage stage;
     prepare(stage);
-    const int before = stage.ports.line.calls;
+    const int before = stage.ports.line.faults.calls();
     if (nth != 0) stage.ports.line.FailCall(nth, 8012);
     EXPECT_NO_THROW(operation(stage, nth == 0));
-    if (nth == 0) calls = stage.ports.line.calls - before;
+    if (nth == 0) calls = stage.ports.line.faults.calls() - before;
     check(stage);
     stage.ExpectSettingsKept();
     if (testing::Test::HasFailure()) return;  // one report is enough
@@ -159,7 +159,7 @@ TEST(CKespCOMPort3FaultsTest, SettingsFileFails_ModemOperationIsFalseAndInOrder)
     SCOPED_TRACE(nth);
     Stage stage;
     stage.WithOpenModem();
-    stage.environment.settings.ThrowAtCall(nth);
+    stage.environment.settings.faults.Fail(nth);
     EXPECT_FALSE(stage.port.RFWriteModemInstrAddress(26));
     EXPECT_EQ(stage.ports.line.writes.size(), nth == 1 ? 0u : 5u);
     EXPECT_EQ(stage.Target(), L"<none>");
@@ -173,8 +173,8 @@ TEST(CKespCOMPort3FaultsTest, LogCannotBeWritten_EveryOperationGoesOn) {
   for (int nth = 0; nth <= calls; ++nth) {
     SCOPED_TRACE(nth);
     Stage stage;
-    const int before = stage.environment.files.calls();
-    if (nth != 0) stage.environment.files.ThrowAtCall(before + nth);
+    const int before = stage.environment.files.faults.calls();
+    if (nth != 0) stage.environment.files.faults.Fail(nth);
     stage.ports.line.Answer("t\r", "1.5\r\n");
     stage.port.SetCreateLogFile(true);
     std::wstring reply;
@@ -182,7 +182,7 @@ TEST(CKespCOMPort3FaultsTest, LogCannotBeWritten_EveryOperationGoesOn) {
                 stage.port.ReadLine(reply));
     stage.port.ClosePort();
     EXPECT_EQ(reply, L"1.5");
-    if (nth == 0) calls = stage.environment.files.calls() - before;
+    if (nth == 0) calls = stage.environment.files.faults.calls() - before;
   }
   EXPECT_GE(calls, 10);
 }

@@ -219,10 +219,10 @@ TEST_F(CKespCOMPort3ModemTest, Address_IsSentInHexadecimalUnlessTheModemPointsTh
   EXPECT_EQ(Outputs(), (Lines{L"+++", L"ATDH0<0D>", L"ATDL1A<0D>", L"ATWR<0D>", L"ATCN<0D>"}));
   EXPECT_EQ(Remembered(), L"26");
   record_.clear();
-  const std::int32_t calls = ports_.line.calls;
+  const std::int32_t calls = ports_.line.faults.calls();
   EXPECT_TRUE(port_.RFWriteModemInstrAddress(26));
   EXPECT_EQ(record_, Lines{});
-  EXPECT_EQ(ports_.line.calls, calls);
+  EXPECT_EQ(ports_.line.faults.calls(), calls);
   EXPECT_TRUE(port_.RFWriteModemInstrAddress(27));
   EXPECT_EQ(Outputs()[2], L"ATDL1B<0D>");
   EXPECT_EQ(Remembered(), L"27");
@@ -263,10 +263,10 @@ TEST_F(CKespCOMPort3ModemTest, Address_CannotBeRemembered_IsSentEveryTime) {
   // Without a temporary folder there is no file.
   environment_.files.SetTemporaryFolder(L"");
   CKespCOMPort3 port(environment_.environment, ports_, &events_);
-  const int calls = environment_.settings.calls();
+  const int calls = environment_.settings.faults.calls();
   for (int i = 0; i < 2; ++i) EXPECT_TRUE(port.RFWriteModemInstrAddress(26));
   EXPECT_EQ(Outputs().size(), 20u);
-  EXPECT_EQ(environment_.settings.calls(), calls);
+  EXPECT_EQ(environment_.settings.faults.calls(), calls);
 }
 
 }  // namespace

@@ -26,8 +26,8 @@ void SerialLineFake::ConfirmAddress26() {
 }
 
 void SerialLineFake::FailCall(int nth, std::int32_t number) {
-  fail_at = calls + nth;
-  fail_number = number;
+  faults.Fail(nth);
+  fault_number = number;
 }
 
 SerialControlFake::SerialControlFake(SerialLineFake& line) : line_(line) {}
@@ -156,7 +156,7 @@ std::string SerialControlFake::Visible(const std::string& bytes) {
 }
 
 void SerialControlFake::Called() {
-  if (++line_.calls == line_.fail_at) throw SerialControlFailure(line_.fail_number);
+  if (line_.faults.IsFailing()) throw SerialControlFailure(line_.fault_number);
 }
 
 void SerialControlFake::OpenCalled() {

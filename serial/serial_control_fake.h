@@ -12,6 +12,7 @@
 #include "serial/serial_control.h"
 #include "serial/serial_control_errors.h"
 #include "support/clock_fake.h"
+#include "support/failing_call_fake.h"
 
 namespace kesp {
 
@@ -34,6 +35,8 @@ struct SerialLineFake {
   void ConfirmAddress26();
   // The n-th call of an operation that may fail, from now on (1 is the next), fails with that number.
   void FailCall(int nth, std::int32_t number);
+  FailingCallFake faults;
+  std::int32_t fault_number = kSerialDeviceError;
 
   struct Arrival {
     std::int32_t tick;
@@ -58,9 +61,6 @@ struct SerialLineFake {
   bool has_adapter = false;
   // The number with which opening fails; 0 for none. One of the list each time, the last one for ever.
   std::deque<std::int32_t> open_failures;
-  int calls = 0;
-  int fail_at = 0;
-  std::int32_t fail_number = 0;
 
   // Seen so far.
   std::string written;

@@ -11,18 +11,15 @@ FilesFake::FilesFake(Clock& clock) : clock_(clock) {}
 FilesFake::~FilesFake() = default;
 
 bool FilesFake::Exists(const std::wstring& path) {
-  CountCall();
-  return files_.contains(path);
+  return !Refused(Operation::kExists) && files_.contains(path);
 }
 
 std::optional<CalendarDate> FilesFake::LastModified(const std::wstring& path) {
-  CountCall();
   if (Refused(Operation::kLastModified) || !files_.contains(path)) return std::nullopt;
   return files_.at(path).modified;
 }
 
 bool FilesFake::Append(const std::wstring& path, std::string_view bytes) {
-  CountCall();
   if (Refused(Operation::kAppend) || path.empty()) return false;
   on_append_(path, bytes);
   File& file = files_[path];
@@ -32,7 +29,6 @@ bool FilesFake::Append(const std::wstring& path, std::string_view bytes) {
 }
 
 bool FilesFake::Rename(const std::wstring& from, const std::wstring& to) {
-  CountCall();
   if (Refused(Operation::kRename) || !files_.contains(from) || files_.contains(to)) return false;
   auto node = files_.extract(from);
   node.key() = to;
@@ -41,12 +37,10 @@ bool FilesFake::Rename(const std::wstring& from, const std::wstring& to) {
 }
 
 std::wstring FilesFake::TemporaryFolder() {
-  CountCall();
   return Refused(Operation::kTemporaryFolder) ? L"" : temporary_folder_;
 }
 
 std::wstring FilesFake::LibraryFile() {
-  CountCall();
   return Refused(Operation::kLibraryFile) ? L"" : library_file_;
 }
 
@@ -67,12 +61,10 @@ std::string FilesFake::Content(const std::wstring& path) const {
   return found == files_.end() ? std::string() : found->second.content;
 }
 
-bool FilesFake::Refused(Operation operation) const {
-  return refused_.contains(operation);
-}
-
-void FilesFake::CountCall() {
-  if (++calls_ == throw_at_call_) throw std::bad_alloc();
+bool FilesFake::Refused(Operation operation) {
+  if (!faults.IsFailing()) return refused_.contains(operation);
+  if (!answers_failure) throw std::bad_alloc();
+  return true;
 }
 
 }  // namespace kesp

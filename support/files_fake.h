@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "support/clock.h"
+#include "support/failing_call_fake.h"
 #include "support/files.h"
 
 namespace kesp {
@@ -22,7 +23,7 @@ class FilesFake final : public Files {
   };
 
   // The operations that Refuse can make fail.
-  enum class Operation { kLastModified, kAppend, kRename, kTemporaryFolder, kLibraryFile };
+  enum class Operation { kExists, kLastModified, kAppend, kRename, kTemporaryFolder, kLibraryFile };
 
   explicit FilesFake(Clock& clock);
   ~FilesFake() override;
@@ -37,8 +38,10 @@ class FilesFake final : public Files {
   // From now on the operation fails as its contract says.
   void Refuse(Operation operation);
 
-  // The n-th call from the fake's creation (1 is the first) throws std::bad_alloc before it does anything.
-  void ThrowAtCall(int n) { throw_at_call_ = n; }
+  // A failing call does nothing and throws std::bad_alloc or, with answers_failure, fails as its contract
+  // says.
+  FailingCallFake faults;
+  bool answers_failure = false;
 
   // Told the path and the bytes of everything that is appended from now on.
   void OnAppend(std::function<void(const std::wstring&, std::string_view)> action);
@@ -55,13 +58,9 @@ class FilesFake final : public Files {
   // The content of a file; empty when there is none.
   std::string Content(const std::wstring& path) const;
 
-  // How often any operation was called.
-  int calls() const { return calls_; }
-
  private:
-  bool Refused(Operation operation) const;
-
-  void CountCall();
+  // Counts a call. Whether it is refused.
+  bool Refused(Operation operation);
 
   Clock& clock_;
   std::map<std::wstring, File> files_;
@@ -70,8 +69,6 @@ class FilesFake final : public Files {
   std::wstring temporary_folder_ = L"C:\\Temp\\";
   std::function<void(const std::wstring&, std::string_view)> on_append_ = [](const std::wstring&,
                                                                              std::string_view) {};
-  int calls_ = 0;
-  int throw_at_call_ = 0;
 };
 
 }  // namespace kesp

@@ -80,7 +80,7 @@ TEST_F(LogWriterTest, Write_OldFile_DoesNotRollOver) {
 TEST_F(LogWriterTest, Write_CannotAppend_LosesTheLineSilently) {
   files.Refuse(FilesFake::Operation::kAppend);
   log.Write(kPath, L"x");
-  EXPECT_EQ(files.calls(), 1);
+  EXPECT_EQ(files.faults.calls(), 1);
   EXPECT_TRUE(files.files().empty());
 }
 
@@ -153,7 +153,7 @@ TEST_F(LogWriterTest, Rollover_NthCallThrows_NothingEscapesAndNothingOldIsLost) 
   for (int n = 1; n <= 4; ++n) {
     FilesFake disk(clock);
     disk.Put(kPath, "old\r\n", kYesterday);
-    disk.ThrowAtCall(n);
+    disk.faults.Fail(n);
     LogWriter(clock, disk).WriteWithDailyRollover(kPath, L"x");
     const std::string everything = disk.Content(kRolledPath) + disk.Content(kPath);
     EXPECT_EQ(everything.find("old\r\n"), 0U) << n;
@@ -168,7 +168,7 @@ TEST_F(LogWriterTest, Write_ClockThrows_LosesTheLineSilently) {
     std::wstring DateTimeText() override { throw std::bad_alloc(); }
   } broken;
   LogWriter(broken, files).Write(kPath, L"x");
-  EXPECT_EQ(files.calls(), 0);
+  EXPECT_EQ(files.faults.calls(), 0);
 }
 
 }  // namespace

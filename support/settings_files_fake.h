@@ -6,6 +6,7 @@
 #include <string>
 #include <tuple>
 
+#include "support/failing_call_fake.h"
 #include "support/settings_files.h"
 
 namespace kesp {
@@ -14,22 +15,24 @@ class SettingsFilesFake final : public SettingsFiles {
  public:
   std::wstring Read(const std::wstring& path, const std::wstring& section, const std::wstring& key,
                     const std::wstring& otherwise) override {
-    CountCall();
+    if (Fails()) return otherwise;
     const auto found = values_.find({path, section, key});
     return found == values_.end() ? otherwise : found->second;
   }
   bool Write(const std::wstring& path, const std::wstring& section, const std::wstring& key,
              const std::wstring& value) override {
-    CountCall();
-    if (!refusing_) Put(path, section, key, value);
-    return !refusing_;
+    if (Fails() || refusing_) return false;
+    Put(path, section, key, value);
+    return true;
   }
 
   // From now on nothing can be written.
   void RefuseWriting() { refusing_ = true; }
 
-  // The n-th call from the fake's creation (1 is the first) throws std::bad_alloc before it does anything.
-  void ThrowAtCall(int n) { throw_at_call_ = n; }
+  // A failing call does nothing and throws std::bad_alloc or, with answers_failure, fails as its contract
+  // says.
+  FailingCallFake faults;
+  bool answers_failure = false;
 
   void Put(const std::wstring& path, const std::wstring& section, const std::wstring& key,
            const std::wstring& value) {
@@ -42,17 +45,16 @@ class SettingsFilesFake final : public SettingsFiles {
     return found == values_.end() ? L"<none>" : found->second;
   }
 
-  int calls() const { return calls_; }
-
  private:
-  void CountCall() {
-    if (++calls_ == throw_at_call_) throw std::bad_alloc();
+  // Counts a call.
+  bool Fails() {
+    if (!faults.IsFailing()) return false;
+    if (!answers_failure) throw std::bad_alloc();
+    return true;
   }
 
   std::map<std::tuple<std::wstring, std::wstring, std::wstring>, std::wstring> values_;
   bool refusing_ = false;
-  int calls_ = 0;
-  int throw_at_call_ = 0;
 };
 
 }  // namespace kesp
