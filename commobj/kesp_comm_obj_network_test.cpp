@@ -120,7 +120,7 @@ TEST_F(CKespCommObjNetworkTest, OperationWithinAnOperation_OuterOneTellsItsOwnOu
 
 TEST_F(CKespCommObjNetworkTest, CannotClose_OutcomeStays) {
   Replies("1.0\r");
-  socket_->FailCall(5, 10038);  // SetProtocol, Connect, SendData, GetData, Close
+  socket_->FailCall(4, 10038);  // SetProtocol, Connect, SendData, Close
   EXPECT_TRUE(Query());
   EXPECT_EQ(socket_->calls.back(), "Close");
   EXPECT_EQ(comm_->CommError(), ECommError::cfrSuccess);

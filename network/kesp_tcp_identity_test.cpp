@@ -102,10 +102,11 @@ TEST_F(CKespTCPIdentityTest, AnyCallOfTheSocketFails_TheRestGoesOnAndIsRestored)
   PlaceInstrument(1, "KESP,7100,SIM1,1.0");
   PlaceInstrument(2, "KESP,7200,SIM2,1.0");
   ASSERT_TRUE(Discover());
-  const Calls calls = socket_->calls;
+  Calls calls = socket_->calls;
+  std::erase(calls, "GetData");  // never fails
   ASSERT_GT(calls.size(), 10U);
-  // The first three are those of the broadcast, the next two take the answers and cannot fail.
-  for (std::size_t nth = 6; nth <= calls.size(); ++nth) {
+  // The first three are those of the broadcast.
+  for (std::size_t nth = 4; nth <= calls.size(); ++nth) {
     tcp_->Devices()->Clear();
     result_ = L"before";
     socket_->FailCall(static_cast<int>(nth), 10050);

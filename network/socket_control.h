@@ -102,8 +102,8 @@ class SocketControl {
   // UDP: where the oldest datagram came from; nothing when none waits.
   virtual std::optional<DatagramSender> Sender() const = 0;
 
-  // Takes those bytes out of the control. The cost does not depend on their number or on how many pieces they
-  // came in.
+  // Takes those bytes out of the control; never fails. The cost does not depend on their number or on how
+  // many pieces they came in.
   virtual std::string GetData() = 0;
 };
 

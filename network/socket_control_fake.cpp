@@ -139,7 +139,7 @@ std::optional<DatagramSender> SocketControlFake::Sender() const {
 }
 
 std::string SocketControlFake::GetData() {
-  Called("GetData");
+  calls.emplace_back("GetData");
   if (datagrams_.empty()) return std::exchange(pending_, std::string());
   std::string bytes = std::move(datagrams_.front().bytes);
   datagrams_.pop_front();
