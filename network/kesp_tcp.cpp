@@ -23,8 +23,9 @@ CKespTCP::CKespTCP(Environment& environment, const SocketControlFactory& make_so
 CKespTCP::~CKespTCP() = default;
 
 void CKespTCP::SetEOSChar(const std::wstring& value) {
+  std::wstring eos_char = value;
   eos_scanner_.LookFor(value);
-  eos_char_ = value;
+  eos_char_.swap(eos_char);
 }
 
 void CKespTCP::SetPort(std::int16_t value) {
