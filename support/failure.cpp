@@ -8,6 +8,8 @@ namespace kesp {
 
 namespace {
 
+constexpr std::int32_t kOutOfMemory = 7;
+
 std::string Ascii(const std::wstring& text) {
   std::string ascii;
   ascii.reserve(text.size());
@@ -38,7 +40,7 @@ Failure Overflow() {
   return RuntimeFailure(6, L"Overflow");
 }
 Failure OutOfMemory() {
-  return RuntimeFailure(7, L"Out of memory");
+  return RuntimeFailure(kOutOfMemory, L"Out of memory");
 }
 Failure OutOfRange() {
   return RuntimeFailure(9, L"Subscript out of range");
@@ -50,7 +52,10 @@ Failure KeyAlreadyInUse() {
   return RuntimeFailure(457, L"This key is already associated with an element of this collection");
 }
 
-Failure CurrentFailure() {
+namespace {
+
+// Throws std::bad_alloc where there is no memory for the texts.
+Failure DescribedFailure() {
   try {
     throw;
   } catch (const Failure& failure) {
@@ -62,6 +67,16 @@ Failure CurrentFailure() {
     return {51, L"KespCommObj", L"Internal error (" + std::wstring(text.begin(), text.end()) + L")"};
   } catch (...) {
     return RuntimeFailure(51, L"Internal error");
+  }
+}
+
+}  // namespace
+
+Failure CurrentFailure() noexcept {
+  try {
+    return DescribedFailure();
+  } catch (...) {
+    return {kOutOfMemory, {}, {}};
   }
 }
 

@@ -45,7 +45,8 @@ Failure TypeMismatch();     // 13, "Type mismatch"
 Failure KeyAlreadyInUse();  // 457, "This key is already associated with an element of this collection"
 
 // The exception being handled, as a Failure: itself when it is one, OutOfMemory() for std::bad_alloc, and
-// otherwise number 51 ("Internal error") with the exception's own text. Call it inside a catch block only.
-Failure CurrentFailure();
+// otherwise number 51 ("Internal error") with the exception's own text. Where there is no memory for that,
+// number 7 without texts, so that whoever catches can put things in order. Call it inside a catch block only.
+Failure CurrentFailure() noexcept;
 
 }  // namespace kesp
