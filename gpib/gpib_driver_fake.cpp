@@ -5,9 +5,19 @@
 #include <cstring>
 #include <utility>
 
+#include "support/failing_allocation_fake.h"
+
 namespace kesp {
 
 namespace {
+
+// What holds while an entry point runs. A driver is written in C: no exception leaves it.
+struct EntryPoint {
+  explicit EntryPoint(std::mutex& mutex) : lock(mutex) {}
+
+  std::lock_guard<std::mutex> lock;
+  PassingAllocations passing;
+};
 
 template <typename Function>
 GpibEntryPoint AsEntryPoint(Function function) {
@@ -85,11 +95,11 @@ std::set<std::thread::id> GpibDriverFake::Registered() {
 
 int GpibDriverFake::Ibdev(int board, int primary, int secondary, int time_out, int end_of_transfer,
                           int end_of_string) {
+  const EntryPoint entry(current_->mutex_);
   std::string text = "ibdev(";
   for (int argument : {board, primary, secondary, time_out, end_of_transfer}) {
     text += std::to_string(argument) + ",";
   }
-  const std::lock_guard lock(current_->mutex_);
   const GpibOutcome outcome = current_->Answer("ibdev", text + std::to_string(end_of_string) + ")",
                                                {.result = current_->next_descriptor_});
   if (outcome.result == current_->next_descriptor_) ++current_->next_descriptor_;
@@ -110,12 +120,13 @@ int GpibDriverFake::Ibonl(int descriptor, int online) {
 }
 
 int GpibDriverFake::Ibwrt(int descriptor, const void* bytes, GpibLength length) {
+  const PassingAllocations passing;
   const std::string written(static_cast<const char*>(bytes), static_cast<std::size_t>(length));
   return OnDevice("ibwrt", descriptor, "," + written, {.count = static_cast<std::int32_t>(length)});
 }
 
 int GpibDriverFake::Ibrd(int descriptor, void* buffer, GpibLength length) {
-  const std::lock_guard lock(current_->mutex_);
+  const EntryPoint entry(current_->mutex_);
   auto* characters = static_cast<char*>(buffer);
   const auto size = static_cast<std::size_t>(length);
   current_->buffer_on_entry.assign(characters, size);
@@ -133,7 +144,7 @@ int GpibDriverFake::Ibrd(int descriptor, void* buffer, GpibLength length) {
 
 int GpibDriverFake::Register(std::int32_t* status, std::int32_t* error, std::int32_t* count,
                              std::int32_t* long_count) {
-  const std::lock_guard lock(current_->mutex_);
+  const EntryPoint entry(current_->mutex_);
   current_->registrations.emplace_back("register");
   int result = current_->hosts_.contains(std::this_thread::get_id()) ? 1 : 0;
   if (!current_->registration_results.empty()) {
@@ -145,7 +156,7 @@ int GpibDriverFake::Register(std::int32_t* status, std::int32_t* error, std::int
 }
 
 int GpibDriverFake::Unregister() {
-  const std::lock_guard lock(current_->mutex_);
+  const EntryPoint entry(current_->mutex_);
   current_->registrations.emplace_back("unregister");
   const std::thread::id thread = std::this_thread::get_id();
   return current_->cells_.erase(thread) + current_->hosts_.erase(thread) != 0 ? 0 : 1;
@@ -153,7 +164,7 @@ int GpibDriverFake::Unregister() {
 
 int GpibDriverFake::OnDevice(const std::string& name, int descriptor, const std::string& arguments,
                              const GpibOutcome& otherwise) {
-  const std::lock_guard lock(current_->mutex_);
+  const EntryPoint entry(current_->mutex_);
   const std::string call = name + "(" + std::to_string(descriptor) + arguments + ")";
   const bool is_board = name == "ibonl" && descriptor == 0;
   const GpibOutcome outcome =

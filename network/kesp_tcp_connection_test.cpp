@@ -322,30 +322,6 @@ TEST_F(CKespTCPNotificationsTest, NobodyListens_AreHandledAllTheSame) {
 }
 
 // Whatever call of the socket fails, the object can be used again afterwards.
-TEST_F(CKespTCPNotificationsTest, NthSocketCallFails_NextConversationSucceeds) {
-  SetTarget();
-  const auto converse = [this] {
-    socket_->on_connect = [this] { socket_->ThenConnects().ThenReceives("A\r"); };
-    std::wstring result;
-    const bool done =
-        tcp_->Initialize() && tcp_->WriteLine(L"x") && tcp_->ReadLine(result) && tcp_->Uninitialize();
-    return done ? result : std::wstring();
-  };
-  int failures = 0;
-  for (int nth = 1; nth <= 5; ++nth) {
-    socket_->FailCall(nth, 10050);
-    try {
-      EXPECT_NE(converse(), L"A") << nth;
-    } catch (const Failure& failure) {
-      ++failures;
-    }
-    socket_->FailCall(0, 0);
-    tcp_->Uninitialize();
-    EXPECT_EQ(converse(), L"A") << nth;
-  }
-  EXPECT_EQ(failures, 5);
-}
-
 constexpr wchar_t kWrongThreadDescription[] =
     L"Called from the wrong thread: the socket's notifications go to the thread that connected first";
 

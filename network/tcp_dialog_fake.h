@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "network/tcp_dialog.h"
+#include "support/failing_call_fake.h"
 
 namespace kesp {
 
@@ -17,6 +18,9 @@ class TcpDialogFake final : public TcpDialog {
 
   // What the user does meanwhile; it may throw.
   std::function<void(CKespTCP& tcp)> on_show;
+  // A failing call throws std::bad_alloc instead.
+  FailingCallFake faults;
+
   // Whether he confirms in the end.
   bool answer = true;
 

@@ -185,11 +185,12 @@ SerialPortsFake::SerialPortsFake(ClockFake& clock) : line(clock) {}
 SerialPortsFake::~SerialPortsFake() = default;
 
 std::unique_ptr<SerialControl> SerialPortsFake::MakeControl() {
+  if (faults.IsFailing()) throw std::runtime_error("no control can be made");
   return std::make_unique<SerialControlFake>(line);
 }
 
 std::int32_t SerialPortsFake::IsCOMPortAvailable(std::int16_t port) {
-  if (probing_fails) throw std::runtime_error("the ports cannot be listed");
+  if (faults.IsFailing() || probing_fails) throw std::runtime_error("the ports cannot be listed");
   asked.push_back(port);
   if (on_question) on_question(port);
   const auto own = codes.find(port);

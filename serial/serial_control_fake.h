@@ -124,6 +124,8 @@ class SerialPortsFake final : public SerialPorts {
   std::int32_t code = 0;
   std::map<std::int16_t, std::int32_t> codes;
   bool probing_fails = false;
+  // A failing call throws std::runtime_error.
+  FailingCallFake faults;
   // Runs at every question, before it is answered; may throw.
   std::function<void(std::int16_t)> on_question;
   std::vector<std::int16_t> asked;

@@ -5,6 +5,7 @@
 #include <deque>
 #include <optional>
 
+#include "support/failing_call_fake.h"
 #include "support/guid_source.h"
 
 namespace kesp {
@@ -13,12 +14,15 @@ namespace kesp {
 class GuidSourceFake final : public GuidSource {
  public:
   std::optional<GuidFields> NewGuid() override {
-    if (failing_) return std::nullopt;
+    if (faults.IsFailing() || failing_) return std::nullopt;
     if (queue_.empty()) return GuidFields{++count_, 0, 0, {}};
     const GuidFields guid = queue_.front();
     queue_.pop_front();
     return guid;
   }
+
+  // A failing call makes no GUID.
+  FailingCallFake faults;
 
   void Push(const GuidFields& guid) { queue_.push_back(guid); }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <ostream>
 #include <stdexcept>
 #include <tuple>
@@ -33,6 +34,7 @@ UserSurfaceFake::UserSurfaceFake() = default;
 UserSurfaceFake::~UserSurfaceFake() = default;
 
 int UserSurfaceFake::ShowMessageBox(const MessageBoxRequest& request) {
+  CountCall();
   boxes_.push_back(request);
   pointer_under_boxes_.push_back(pointer_);
   if (on_box) on_box();
@@ -42,13 +44,20 @@ int UserSurfaceFake::ShowMessageBox(const MessageBoxRequest& request) {
   return answer;
 }
 
+void UserSurfaceFake::SetHelpFile(const std::wstring& path) {
+  CountCall();
+  help_file_ = path;
+}
+
 bool UserSurfaceFake::CallHelp(std::uint32_t command, std::uint32_t data) {
+  CountCall();
   if (help_failure) throw std::runtime_error("the help viewer fails");
   help_calls_.push_back({help_file_, command, data, pointer_});
   return help_answer;
 }
 
 std::optional<bool> UserSurfaceFake::CallOwnHelp(std::uint32_t topic) {
+  CountCall();
   if (!help_file_.empty() || own_help_file.empty()) return std::nullopt;
   if (help_failure) throw std::runtime_error("the help viewer fails");
   help_calls_.push_back({own_help_file, 1, topic, pointer_});
@@ -56,6 +65,7 @@ std::optional<bool> UserSurfaceFake::CallOwnHelp(std::uint32_t topic) {
 }
 
 wchar_t UserSurfaceFake::DecimalSeparator() {
+  CountCall();
   ++separator_questions;
   return separator;
 }
@@ -64,6 +74,10 @@ Boxes UserSurfaceFake::TakeBoxes() {
   Boxes since(boxes_.begin() + static_cast<std::ptrdiff_t>(taken_), boxes_.end());
   taken_ = boxes_.size();
   return since;
+}
+
+void UserSurfaceFake::CountCall() {
+  if (faults.IsFailing()) throw std::bad_alloc();
 }
 
 void UserSurfaceFake::Answer(int button) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "support/failing_call_fake.h"
 #include "support/user_surface.h"
 
 namespace kesp {
@@ -34,7 +35,7 @@ class UserSurfaceFake final : public UserSurface {
 
   void SetPointer(MousePointer pointer) noexcept override { pointer_ = pointer; }
 
-  void SetHelpFile(const std::wstring& path) override { help_file_ = path; }
+  void SetHelpFile(const std::wstring& path) override;
   bool CallHelp(std::uint32_t command, std::uint32_t data) override;
   std::optional<bool> CallOwnHelp(std::uint32_t topic) override;
   wchar_t DecimalSeparator() override;
@@ -47,6 +48,9 @@ class UserSurfaceFake final : public UserSurface {
     MousePointer pointer;
     bool operator==(const HelpCall&) const = default;
   };
+
+  // A failing call does nothing and throws std::bad_alloc.
+  FailingCallFake faults;
 
   // Runs while a box is shown.
   std::function<void()> on_box;
@@ -74,6 +78,8 @@ class UserSurfaceFake final : public UserSurface {
   const std::wstring& help_file() const { return help_file_; }
 
  private:
+  void CountCall();
+
   Boxes boxes_;
   std::size_t taken_ = 0;
   std::deque<int> answers_;

@@ -7,7 +7,7 @@
 #include <functional>
 #include <new>
 
-#include "failing_allocation.h"
+#include "support/failing_allocation_fake.h"
 #include "support/window_list_win.h"
 
 namespace kesp {
