@@ -120,7 +120,8 @@ void CKespTCP::CloseSocket() {
 }
 
 void CKespTCP::OnConnect() {
-  Raise(&CKespTCPEvents::ConnectBegin);
+  // A connection of which nobody can be told is one all the same.
+  Try([this] { return Raise(&CKespTCPEvents::ConnectBegin), true; });
   log_.Write([this] { return L"Connect (" + Peer() + L")"; });
   connected_ = true;
   Raise(&CKespTCPEvents::ConnectEnd);

@@ -5,6 +5,7 @@
 
 #include "network/kesp_tcp.h"
 #include "network/socket_errors.h"
+#include "support/attempt.h"
 #include "support/error_numbers.h"
 #include "support/text.h"
 #include "support/text_edit.h"
@@ -159,8 +160,9 @@ void CKespTCP::OnDataArrival(std::int32_t bytes_total) {
   if (socket_->State() == EKespTCPState::sckConnecting) return;
   // Only the log needs the data as it was before the events: a handler may take it.
   std::optional<LoggedData> logged;
-  if (log_.IsOn()) logged.emplace(BeginningOf(socket_->PeekData()));
-  Raise(&CKespTCPEvents::DataArrivalBegin, bytes_total);
+  if (log_.IsOn()) Try([&] { return logged.emplace(BeginningOf(socket_->PeekData())), true; });
+  // A reply of which nobody can be told is one all the same.
+  Try([&] { return Raise(&CKespTCPEvents::DataArrivalBegin, bytes_total), true; });
   if (socket_->Protocol() == EKespProtocol::sckUDPProtocol) {
     TakeReply();
   } else {
