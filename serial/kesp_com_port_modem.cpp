@@ -2,6 +2,7 @@
 // points.
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "serial/hexadecimal.h"
 #include "serial/kesp_com_port.h"
@@ -43,7 +44,7 @@ bool CKespCOMPort3::RFReadModemSettings(RadioModemSettings& settings) {
                                  std::to_wstring(FromHexadecimal(AskModem(L"ATCT")) * kMsPerTimeOutUnit);
                            });
                          });
-  if (succeeded) settings = read;
+  if (succeeded) settings = std::move(read);
   return succeeded;
 }
 
