@@ -41,8 +41,9 @@ bool CKespCOMPort3::AutoDetect(std::wstring& Buffer, EDetectLevel DetectLevel,
   }
   check_non_ascii_ = check_non_ascii;
   time_out_ = time_out;
-  Raise(&CKespCOMPort3Events::AutoDetectEnd);
+  const Attempt end = Try([&] { return Raise(&CKespCOMPort3Events::AutoDetectEnd), true; });
   Try([&] { return ClosePort(), true; });
+  if (end.error) throw Failure(*end.error);
   return found;
 }
 
