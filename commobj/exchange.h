@@ -18,7 +18,6 @@ enum class SerialOpening {
 
 struct Exchange {
   std::wstring member;          // "Query"; names the operation in sources and trace lines
-  std::wstring trap_action;     // what the error box says was being done
   std::wstring beginning_line;  // traced first; empty for none
   std::wstring exiting_line;    // traced last; empty for none
   std::wstring cmd;
@@ -26,7 +25,6 @@ struct Exchange {
   std::wstring OmegaValue;    // serial only
   SerialOpening serial_opening = SerialOpening::kRetried;
   InitializeTrace initialize_trace = InitializeTrace::kErrorInfoOnly;
-  bool works_on_ieee = true;
   std::wstring ieee_write_operation = L"WriteLine";  // names the write in the IEEE-488 trace line
 
   std::wstring read_operation;                    // "ReadLine()"; names the read in trace lines

@@ -51,18 +51,14 @@ void CKespCommObj::SetCommStyle(ECommStyle value) {
   comm_style_ = value;
 }
 
-void CKespCommObj::RequireTransport(const std::wstring& source) const {
+void CKespCommObj::RequireTransport(const wchar_t* source) const {
   if (comm_style_ != ECommStyle::csNone) return;
   throw Failure(comm_obj_error::ERR_NO_COMM_OBJECT, source, L"Communications object not initialized");
 }
 
-Failure CKespCommObj::StyleNotSupported(const std::wstring& source) {
+Failure CKespCommObj::StyleNotSupported(const wchar_t* source) {
   return {comm_obj_error::ERR_COMM_STYLE_NOT_SUPPORTED, source,
           L"The selected communication style is currently not supported"};
-}
-
-void CKespCommObj::Trace(const std::wstring& message) {
-  if (debugging_) log_.WriteWithDailyRollover(debug_filename_, message);
 }
 
 }  // namespace kesp

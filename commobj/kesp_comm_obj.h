@@ -109,13 +109,15 @@ class CKespCommObj {
 
  private:
   // Throws ERR_NO_COMM_OBJECT with csNone.
-  void RequireTransport(const std::wstring& source) const;
-  static Failure StyleNotSupported(const std::wstring& source);
+  void RequireTransport(const wchar_t* source) const;
+  static Failure StyleNotSupported(const wchar_t* source);
 
   bool DetectOnSerial(std::wstring& result, EDetectLevel level);
   bool DetectOnNetwork(std::wstring& result, EDetectLevel level);
   bool EditSerial(EEditCommFlags flags, const std::wstring& help_file, std::int32_t help_context);
-  bool Run(const Exchange& exchange);
+  // Runs the exchange that describe returns, in the error trap.
+  template <typename Describe>
+  bool Run(const wchar_t* source, const wchar_t* trap_action, const Describe& describe);
   bool RunOnTransport(const Exchange& exchange);
   bool RunOnSerial(const Exchange& exchange);
   bool OpenSerialPort(const Exchange& exchange);
@@ -132,8 +134,21 @@ class CKespCommObj {
   bool Succeed();
   // Stores the status and the failure's texts, traces the error-info line and returns false.
   bool Fail(ECommError status, const std::wstring& operation, const Attempt& attempt);
-  void TraceErrorInfo(const std::wstring& operation, const Attempt& attempt);
-  void Trace(const std::wstring& message);
+  void TraceErrorInfo(const wchar_t* operation, const Attempt& attempt) noexcept;
+
+  // Traces the text that make_text returns; it is not called while nothing is traced. Never fails: a line for
+  // which there is no memory is lost.
+  template <typename MakeText>
+  void Trace(const MakeText& make_text) noexcept {
+    if (!debugging_) return;
+    try {
+      log_.WriteWithDailyRollover(debug_filename_, make_text());
+    } catch (...) {
+    }
+  }
+  void Trace(const wchar_t* text) noexcept {
+    Trace([text] { return std::wstring(text); });
+  }
 
   Environment& environment_;
   LogWriter log_;

@@ -30,10 +30,11 @@ bool CKespCommObj::DetectInstrument(std::wstring& result, EDetectLevel DetectLev
 }
 
 bool CKespCommObj::DetectOnSerial(std::wstring& result, EDetectLevel level) {
-  const bool found = serial_->AutoDetect(result, level);
+  const Attempt detection = Try([&] { return serial_->AutoDetect(result, level); });
   // It has closed the port.
   serial_port_open_ = false;
-  return found;
+  if (detection.error) throw *detection.error;
+  return detection.succeeded;
 }
 
 bool CKespCommObj::DetectOnNetwork(std::wstring& result, EDetectLevel level) {

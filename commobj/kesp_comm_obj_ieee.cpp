@@ -5,11 +5,12 @@
 namespace kesp {
 
 bool CKespCommObj::RunOnIeee(const Exchange& exchange) {
-  const bool succeeded = ExchangeOnIeee(exchange);
+  const Attempt attempt = Try([&] { return ExchangeOnIeee(exchange); });
   Trace(L"IEEE: Uninitialize()");
   // The exchange is over by now: a device that cannot be closed does not change what it came to.
   Try([&] { return ieee_->Uninitialize(); });
-  return succeeded;
+  if (attempt.error) throw Failure(*attempt.error);
+  return attempt.succeeded;
 }
 
 bool CKespCommObj::ExchangeOnIeee(const Exchange& exchange) {
@@ -18,19 +19,19 @@ bool CKespCommObj::ExchangeOnIeee(const Exchange& exchange) {
   if (!initialize.succeeded) {
     return Fail(IeeeInitializeStatus(initialize.number()), L"IEEE: ** Initialize()", initialize);
   }
-  Trace(L"IEEE: " + exchange.ieee_write_operation + L"(" + exchange.cmd + L")");
+  Trace([&] { return L"IEEE: " + exchange.ieee_write_operation + L"(" + exchange.cmd + L")"; });
   const Attempt write = Try([&] { return ieee_->WriteLine(exchange.cmd); });
   if (!write.succeeded) return Fail(ECommError::cfrWriteFailed, L"IEEE: ** WriteLine()", write);
   return exchange.read_ieee ? ReadFromIeee(exchange) : Succeed();
 }
 
 bool CKespCommObj::ReadFromIeee(const Exchange& exchange) {
-  Trace(L"IEEE: " + exchange.read_operation);
+  Trace([&] { return L"IEEE: " + exchange.read_operation; });
   const Attempt read = Try(exchange.read_ieee);
   if (!read.succeeded) {
     return Fail(ECommError::cfrReadFailed, L"IEEE: ** " + exchange.read_operation, read);
   }
-  if (debugging_ && exchange.reply_for_trace) Trace(L"IEEE: result- " + exchange.reply_for_trace());
+  if (exchange.reply_for_trace) Trace([&] { return L"IEEE: result- " + exchange.reply_for_trace(); });
   return Succeed();
 }
 

@@ -46,11 +46,12 @@ ECommError ReadStatus(std::int32_t number) {
 }  // namespace
 
 bool CKespCommObj::RunOnNetwork(const Exchange& exchange) {
-  const bool succeeded = ExchangeOnNetwork(exchange);
+  const Attempt attempt = Try([&] { return ExchangeOnNetwork(exchange); });
   Trace(L"TCP: Uninitialize()");
   // The exchange is over by now: a connection that cannot be closed does not change what it came to.
   Try([&] { return network_->Uninitialize(); });
-  return succeeded;
+  if (attempt.error) throw Failure(*attempt.error);
+  return attempt.succeeded;
 }
 
 bool CKespCommObj::ExchangeOnNetwork(const Exchange& exchange) {
@@ -58,26 +59,29 @@ bool CKespCommObj::ExchangeOnNetwork(const Exchange& exchange) {
   const Attempt initialize = Try([&] { return network_->Initialize(); });
   if (!initialize.succeeded) {
     if (exchange.initialize_trace == InitializeTrace::kWithFailedLine) {
-      Trace(L"TCP: Initialize failed!! (" + std::to_wstring(initialize.number()) + L"-" +
-            initialize.description() + L")");
+      Trace([&] {
+        return L"TCP: Initialize failed!! (" + std::to_wstring(initialize.number()) + L"-" +
+               initialize.description() + L")";
+      });
     }
     return Fail(InitializeStatus(initialize.number()), L"TCP: ** Initialize()", initialize);
   }
-  Trace(L"TCP: WriteLine(" + exchange.cmd + L")");
+  Trace([&] { return L"TCP: WriteLine(" + exchange.cmd + L")"; });
   const Attempt write = Try([&] { return network_->WriteLine(exchange.cmd); });
   if (!write.succeeded) return Fail(WriteStatus(write.number()), L"TCP: ** WriteLine()", write);
   return exchange.read_network ? ReadFromNetwork(exchange) : Succeed();
 }
 
 bool CKespCommObj::ReadFromNetwork(const Exchange& exchange) {
-  Trace(L"TCP: " + exchange.read_operation);
+  Trace([&] { return L"TCP: " + exchange.read_operation; });
   const Attempt read = Try(exchange.read_network);
   if (read.succeeded) {
-    if (debugging_ && exchange.reply_for_trace) Trace(L"TCP: result- " + exchange.reply_for_trace());
+    if (exchange.reply_for_trace) Trace([&] { return L"TCP: result- " + exchange.reply_for_trace(); });
     return Succeed();
   }
   const std::wstring operation = L"TCP: ** " + exchange.read_operation;
-  if (read.number() == tcp_error::ERR_TCP_INVALID_CHARACTERS) Trace(operation + L" invalid characters **");
+  if (read.number() == tcp_error::ERR_TCP_INVALID_CHARACTERS)
+    Trace([&] { return operation + L" invalid characters **"; });
   return Fail(ReadStatus(read.number()), operation, read);
 }
 

@@ -9,6 +9,8 @@ namespace kesp {
 
 namespace {
 
+constexpr wchar_t kQueryBinarySource[] = L"[CKespCommObj - QueryBinary()]";
+
 // What a binary value holds, as text for the trace.
 std::wstring TextIn(const BinaryValue& value) {
   if (const auto* text = std::get_if<std::wstring>(&value)) return *text;
@@ -20,75 +22,79 @@ std::wstring TextIn(const BinaryValue& value) {
 
 }  // namespace
 
+// Memory may run out while the exchange is being described, too.
+template <typename Describe>
+bool CKespCommObj::Run(const wchar_t* source, const wchar_t* trap_action, const Describe& describe) {
+  RequireTransport(source);
+  BeginOperation();
+  return RunTrapped(environment_.user, trap_action, [&] {
+    const Exchange exchange = describe();
+    if (!exchange.beginning_line.empty()) Trace([&] { return exchange.beginning_line; });
+    const bool succeeded = RunOnTransport(exchange);
+    if (!exchange.exiting_line.empty()) Trace([&] { return exchange.exiting_line; });
+    return succeeded;
+  });
+}
+
 bool CKespCommObj::Query(std::wstring& result, const std::wstring& cmd, const std::wstring& OmegaAddress,
                          const std::wstring& OmegaValue) {
-  return Run({.member = L"Query",
-              .trap_action = L"attempting to perform query",
-              .beginning_line = L"Beginning Query()... (command: " + cmd + L")",
-              .exiting_line = L"Exiting Query()...(command: " + cmd + L")",
-              .cmd = cmd,
-              .OmegaAddress = OmegaAddress,
-              .OmegaValue = OmegaValue,
-              .serial_opening = SerialOpening::kRetried,
-              .read_operation = L"ReadLine()",
-              .read_serial = [&] { return serial_->ReadLine(result); },
-              .read_network = [&] { return network_->ReadLine(result); },
-              .read_ieee = [&] { return ieee_->ReadLine(result); },
-              .reply_for_trace = [&] { return result; },
-              .partial_reply_for_trace = {}});
+  return Run(L"[CKespCommObj - Query()]", L"attempting to perform query", [&] {
+    return Exchange{.member = L"Query",
+                    .beginning_line = L"Beginning Query()... (command: " + cmd + L")",
+                    .exiting_line = L"Exiting Query()...(command: " + cmd + L")",
+                    .cmd = cmd,
+                    .OmegaAddress = OmegaAddress,
+                    .OmegaValue = OmegaValue,
+                    .serial_opening = SerialOpening::kRetried,
+                    .read_operation = L"ReadLine()",
+                    .read_serial = [&] { return serial_->ReadLine(result); },
+                    .read_network = [&] { return network_->ReadLine(result); },
+                    .read_ieee = [&] { return ieee_->ReadLine(result); },
+                    .reply_for_trace = [&] { return result; },
+                    .partial_reply_for_trace = {}};
+  });
 }
 
 bool CKespCommObj::QueryBinary(BinaryValue& result, const std::wstring& cmd, const std::wstring& OmegaAddress,
                                const std::wstring& OmegaValue) {
-  return Run({.member = L"QueryBinary",
-              .trap_action = L"attempting to perform query",
-              .beginning_line = {},
-              .exiting_line = {},
-              .cmd = cmd,
-              .OmegaAddress = OmegaAddress,
-              .OmegaValue = OmegaValue,
-              .serial_opening = SerialOpening::kOnce,
-              .works_on_ieee = false,
-              .read_operation = L"ReadLineBinary()",
-              .read_serial = [&] { return serial_->ReadLineBinary(result, binary_timeout_ms_); },
-              .read_network = [&] { return network_->ReadLineBinary(result, binary_timeout_ms_); },
-              .read_ieee = {},
-              .reply_for_trace = {},
-              .partial_reply_for_trace = [&] { return TextIn(result); }});
+  RequireTransport(kQueryBinarySource);
+  BeginOperation();
+  if (comm_style_ == ECommStyle::csIEEE) throw StyleNotSupported(kQueryBinarySource);
+  return Run(kQueryBinarySource, L"attempting to perform query", [&] {
+    return Exchange{.member = L"QueryBinary",
+                    .beginning_line = {},
+                    .exiting_line = {},
+                    .cmd = cmd,
+                    .OmegaAddress = OmegaAddress,
+                    .OmegaValue = OmegaValue,
+                    .serial_opening = SerialOpening::kOnce,
+                    .read_operation = L"ReadLineBinary()",
+                    .read_serial = [&] { return serial_->ReadLineBinary(result, binary_timeout_ms_); },
+                    .read_network = [&] { return network_->ReadLineBinary(result, binary_timeout_ms_); },
+                    .read_ieee = {},
+                    .reply_for_trace = {},
+                    .partial_reply_for_trace = [&] { return TextIn(result); }};
+  });
 }
 
 bool CKespCommObj::Update(const std::wstring& cmd, const std::wstring& OmegaAddress,
                           const std::wstring& OmegaValue) {
-  return Run({.member = L"Update",
-              .trap_action = L"attempting to perform update",
-              .beginning_line = L"Beginning Update()...(command: " + cmd + L")",
-              .exiting_line = L"Exiting Update()...(command: " + cmd + L")",
-              .cmd = cmd,
-              .OmegaAddress = OmegaAddress,
-              .OmegaValue = OmegaValue,
-              .serial_opening = SerialOpening::kRetriedQuietly,
-              .initialize_trace = InitializeTrace::kWithFailedLine,
-              .ieee_write_operation = L"Writeline",
-              .read_operation = {},
-              .read_serial = {},
-              .read_network = {},
-              .read_ieee = {},
-              .reply_for_trace = {},
-              .partial_reply_for_trace = {}});
-}
-
-bool CKespCommObj::Run(const Exchange& exchange) {
-  const std::wstring source = L"[CKespCommObj - " + exchange.member + L"()]";
-  RequireTransport(source);
-  if (!exchange.beginning_line.empty()) Trace(exchange.beginning_line);
-  BeginOperation();
-  if (comm_style_ == ECommStyle::csIEEE && !exchange.works_on_ieee) {
-    throw StyleNotSupported(source);
-  }
-  return RunTrapped(environment_.user, exchange.trap_action, [&] {
-    const bool succeeded = RunOnTransport(exchange);
-    if (!exchange.exiting_line.empty()) Trace(exchange.exiting_line);
-    return succeeded;
+  return Run(L"[CKespCommObj - Update()]", L"attempting to perform update", [&] {
+    return Exchange{.member = L"Update",
+                    .beginning_line = L"Beginning Update()...(command: " + cmd + L")",
+                    .exiting_line = L"Exiting Update()...(command: " + cmd + L")",
+                    .cmd = cmd,
+                    .OmegaAddress = OmegaAddress,
+                    .OmegaValue = OmegaValue,
+                    .serial_opening = SerialOpening::kRetriedQuietly,
+                    .initialize_trace = InitializeTrace::kWithFailedLine,
+                    .ieee_write_operation = L"Writeline",
+                    .read_operation = {},
+                    .read_serial = {},
+                    .read_network = {},
+                    .read_ieee = {},
+                    .reply_for_trace = {},
+                    .partial_reply_for_trace = {}};
   });
 }
 
@@ -120,13 +126,15 @@ bool CKespCommObj::Fail(ECommError status, const std::wstring& operation, const 
   comm_error_ = status;
   comm_error_source_ = attempt.source();
   comm_error_descr_ = attempt.description();
-  TraceErrorInfo(operation, attempt);
+  TraceErrorInfo(operation.c_str(), attempt);
   return false;
 }
 
-void CKespCommObj::TraceErrorInfo(const std::wstring& operation, const Attempt& attempt) {
-  Trace(operation + L" Error info: Source- " + attempt.source() + L"  Description- " + attempt.description() +
-        L" **");
+void CKespCommObj::TraceErrorInfo(const wchar_t* operation, const Attempt& attempt) noexcept {
+  Trace([&] {
+    return operation + (L" Error info: Source- " + attempt.source()) + L"  Description- " +
+           attempt.description() + L" **";
+  });
 }
 
 }  // namespace kesp

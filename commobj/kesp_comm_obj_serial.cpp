@@ -82,7 +82,7 @@ bool CKespCommObj::OpenSerialPort(const Exchange& exchange) {
   const bool quiet = exchange.serial_opening == SerialOpening::kRetriedQuietly;
   const bool once = exchange.serial_opening == SerialOpening::kOnce;
   if (serial_port_open_ && !once) {
-    if (!quiet) Trace(exchange.member + L"() - port is already open...");
+    if (!quiet) Trace([&] { return exchange.member + L"() - port is already open..."; });
     return true;
   }
   const std::wstring operation = L"RS-232: ** OpenPort()";
@@ -93,55 +93,57 @@ bool CKespCommObj::OpenSerialPort(const Exchange& exchange) {
     const Attempt open = Try([&] { return serial_->OpenPort(); });
     if (open.succeeded) return serial_port_open_ = true;
     if (once || open.number() != kSerialPortInUse) {
-      if (!quiet) Trace(operation + L" " + OpenLine(open));
+      if (!quiet) Trace([&] { return operation + L" " + OpenLine(open); });
       return Fail(OpenStatus(open), operation, open);
     }
     if (attempt == kOpenAttempts) {
-      Trace(operation + L" COM port is already open. Timed out...**");
+      Trace([&] { return operation + L" COM port is already open. Timed out...**"; });
       return Fail(ECommError::cfrTimeout, operation, open);
     }
-    Trace(operation + L" COM port is already open. Retrying...**");
+    Trace([&] { return operation + L" COM port is already open. Retrying...**"; });
   }
 }
 
 bool CKespCommObj::ExchangeOnSerial(const Exchange& exchange) {
   if (serial_->UseRFModem() && !serial_->RFWriteModemInstrAddress(serial_->InstrAddr())) return false;
-  Trace(L"RS-232: WriteLine(" + exchange.cmd + L"," + exchange.OmegaAddress + L"," + exchange.OmegaValue +
-        L")");
+  Trace([&] {
+    return L"RS-232: WriteLine(" + exchange.cmd + L"," + exchange.OmegaAddress + L"," + exchange.OmegaValue +
+           L")";
+  });
   const Attempt write = Try([&] {
     return serial_->WriteLine(exchange.cmd, exchange.OmegaAddress, exchange.OmegaValue, cr_before_command_);
   });
   if (!write.succeeded) {
     const std::wstring operation = L"RS-232: ** WriteLine()";
-    if (exchange.read_serial) Trace(operation + L" " + WriteFailureLine(write));
+    if (exchange.read_serial) Trace([&] { return operation + L" " + WriteFailureLine(write); });
     return Fail(WriteStatus(write), operation, write);
   }
   return exchange.read_serial ? ReadFromSerial(exchange) : Succeed();
 }
 
 bool CKespCommObj::ReadFromSerial(const Exchange& exchange) {
-  Trace(L"RS-232: " + exchange.read_operation);
+  Trace([&] { return L"RS-232: " + exchange.read_operation; });
   const Attempt read = Try(exchange.read_serial);
   if (read.succeeded) {
-    if (debugging_ && exchange.reply_for_trace) Trace(L"RS-232: result- " + exchange.reply_for_trace());
+    if (exchange.reply_for_trace) Trace([&] { return L"RS-232: result- " + exchange.reply_for_trace(); });
     return Succeed();
   }
   const std::wstring operation = L"RS-232: ** " + exchange.read_operation;
   switch (read.number()) {
     case 0:
-      Trace(operation + L" returned False (no error) **");
+      Trace([&] { return operation + L" returned False (no error) **"; });
       return Fail(ECommError::cfrInvalidSetting, operation, read);
     case com_port_error::ERR_READ_TIMEOUT:
-      Trace(operation + L" timed out **" +
-            (debugging_ && exchange.partial_reply_for_trace
-                 ? L" result- " + exchange.partial_reply_for_trace()
-                 : L""));
+      Trace([&] {
+        return operation + L" timed out **" +
+               (exchange.partial_reply_for_trace ? L" result- " + exchange.partial_reply_for_trace() : L"");
+      });
       return Fail(ECommError::cfrTimeout, operation, read);
     case com_port_error::ERR_INVALID_CHARACTERS:
-      Trace(operation + L" invalid characters **");
+      Trace([&] { return operation + L" invalid characters **"; });
       return Fail(ECommError::cfrInvalidData, operation, read);
     default:
-      Trace(operation + L" read failed " + NumberAndDescription(read));
+      Trace([&] { return operation + L" read failed " + NumberAndDescription(read); });
       return Fail(ECommError::cfrReadFailed, operation, read);
   }
 }

@@ -6,6 +6,7 @@
 
 #include "dialogs/dialog_ids.h"
 #include "dialogs/editing.h"
+#include "support/attempt.h"
 #include "support/error_trap.h"
 
 namespace kesp {
@@ -34,12 +35,17 @@ Form::Form(UserSurface& user, std::wstring caption, std::wstring action, HelpTop
 void Form::FirstPaint() {
   if (std::exchange(painted_, true)) return;
   bool loaded = false;
-  Use([&] {
-    LoadSettings();
-    loaded = true;
+  const Attempt loading = Try([&] {
+    Use([&] {
+      LoadSettings();
+      loaded = true;
+    });
+    return true;
   });
   // Confirming what was loaded in part would overwrite what was not.
   if (!loaded) Close();
+  // Even the error box may fail.
+  if (loading.error) throw Failure(*loading.error);
 }
 
 void Form::Use(const std::function<void()>& action) {
@@ -56,7 +62,7 @@ void Form::Use(const std::function<void()>& action) {
 }
 
 void Form::Trapped(const std::function<void()>& action) {
-  RunTrapped(user_, action_, [&] {
+  RunTrapped(user_, action_.c_str(), [&] {
     action();
     return true;
   });
