@@ -145,22 +145,6 @@ TEST_F(CKespCommObjNetworkTest, TraceCannotBeWritten_ChangesNothing) {
   EXPECT_EQ(result_, L"1.0");
 }
 
-// Whichever of the file system's calls runs out of memory, the client sees the same.
-TEST_F(CKespCommObjNetworkTest, AnyFileCallFails_ChangesNothing) {
-  Replies("1.0\r");
-  const int before = fakes_.files.faults.calls();
-  EXPECT_TRUE(Query());
-  const int calls = fakes_.files.faults.calls() - before;
-  ASSERT_GT(calls, 6);
-  for (int nth = 1; nth <= calls; ++nth) {
-    fakes_.files.faults.Fail(nth);
-    result_.clear();
-    EXPECT_TRUE(Query()) << nth;
-    EXPECT_EQ(result_, L"1.0") << nth;
-    EXPECT_EQ(comm_->CommError(), ECommError::cfrSuccess) << nth;
-  }
-}
-
 TEST_F(CKespCommObjNetworkTest, TraceOfYesterday_IsRolledOver) {
   fakes_.files.Put(comm_->DebugFilename(), "old\r\n", {2024, 5, 16});
   Replies("1.0\r");

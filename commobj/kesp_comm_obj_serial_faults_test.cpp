@@ -252,18 +252,5 @@ TEST_F(CKespCommObjSerialFaultsTest, SettingsFileFails_ModemIsNotPointedAndStatu
   EXPECT_EQ(ports_.line.written, "");
 }
 
-TEST_F(CKespCommObjSerialFaultsTest, AnyFileCallFails_ChangesNothing) {
-  comm_->SetDebugging(true);
-  const int before = fakes_.files.faults.calls();
-  EXPECT_TRUE(Query());
-  const int calls = fakes_.files.faults.calls() - before;
-  ASSERT_GT(calls, 10);
-  for (int nth = 1; nth <= calls; ++nth) {
-    fakes_.files.faults.Fail(nth);
-    EXPECT_TRUE(Query()) << nth;
-    ExpectStatus(ECommError::cfrSuccess);
-  }
-}
-
 }  // namespace
 }  // namespace kesp

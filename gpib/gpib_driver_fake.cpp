@@ -11,6 +11,9 @@ namespace kesp {
 
 namespace {
 
+constexpr std::uint32_t kAccessDenied = 5;
+constexpr int kOtherRefusal = 4;  // of a registration, none of the published ones
+
 // What holds while an entry point runs. A driver is written in C: no exception leaves it.
 struct EntryPoint {
   explicit EntryPoint(std::mutex& mutex) : lock(mutex) {}
@@ -49,6 +52,7 @@ std::vector<std::wstring> GpibDriverFake::FileNames() const {
 }
 
 std::uint32_t GpibDriverFake::Load(const std::wstring& file_name, GpibPlace place) {
+  if (loading.IsFailing()) return kAccessDenied;
   if (place == GpibPlace::kFolderOfThisLibrary) {
     loads.push_back(L"beside " + file_name);
     const auto found = beside.find(file_name);
@@ -66,7 +70,7 @@ void GpibDriverFake::Unload() {
 
 GpibEntryPoint GpibDriverFake::Find(const char* name) {
   ++lookups[name];
-  if (missing.contains(name)) return nullptr;
+  if (loading.IsFailing() || missing.contains(name)) return nullptr;
   static const std::map<std::string, GpibEntryPoint> kEntryPoints = {
       {"ibdev", AsEntryPoint(&Ibdev)},
       {"ibclr", AsEntryPoint(&Ibclr)},
@@ -147,6 +151,7 @@ int GpibDriverFake::Register(std::int32_t* status, std::int32_t* error, std::int
   const EntryPoint entry(current_->mutex_);
   current_->registrations.emplace_back("register");
   int result = current_->hosts_.contains(std::this_thread::get_id()) ? 1 : 0;
+  if (current_->registering.IsFailing()) result = kOtherRefusal;
   if (!current_->registration_results.empty()) {
     result = current_->registration_results.front();
     current_->registration_results.erase(current_->registration_results.begin());
@@ -169,7 +174,12 @@ int GpibDriverFake::OnDevice(const std::string& name, int descriptor, const std:
   const bool is_board = name == "ibonl" && descriptor == 0;
   const GpibOutcome outcome =
       current_->Answer(name, call, is_board ? otherwise : current_->IfOpen(descriptor, otherwise));
-  if (name == "ibonl" && outcome.status < 0x8000) current_->open.erase(descriptor);
+  if (name == "ibonl" && outcome.status < 0x8000) {
+    current_->open.erase(descriptor);
+    current_->kept_open.erase(descriptor);
+  } else if (name == "ibonl" && current_->open.contains(descriptor)) {
+    current_->kept_open.insert(descriptor);
+  }
   return current_->Report(outcome).status;
 }
 

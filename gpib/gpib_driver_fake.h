@@ -66,11 +66,16 @@ class GpibDriverFake final : public GpibLibrary {
   std::string waiting;
   // The bus calls, of which a failing one fails with error 14.
   FailingCallFake faults;
+  // Loading the DLL and looking up its functions, and registering a thread, all of which a failing call
+  // refuses.
+  FailingCallFake loading;
+  FailingCallFake registering;
   // Results of RegisterGpibGlobalsForThread, then 0.
   std::vector<int> registration_results;
   // Whether descriptors that are not open fail with error 0, the system error.
   bool knows_descriptors = false;
   std::set<int> open;
+  std::set<int> kept_open;  // those that a failing ibonl has left open
   // Whether calls that succeed leave the thread's cells as they are.
   bool reports_failures_only = false;
   // What the last ibrd's buffer held before it was filled.

@@ -1,99 +1,137 @@
-// A failure swept over every driver call of the transport's operations: errors are right, and no device stays
-// open.
+// Failures swept over the IEEE-488 transport: errors are right, no device stays open, and the object goes on
+// working.
 #include <gtest/gtest.h>
-
-#include <functional>
-#include <set>
-#include <string>
-#include <vector>
 
 #include "gpib/kesp_ieee_fixture.h"
 #include "support/attempt.h"
-#include "support/failure.h"
+#include "support/fault_sweep_fixture.h"
 
 namespace kesp {
 namespace {
 
-// An object with its own driver, new for each round of a sweep. Only the device at 3 answers, and only "t".
-struct Stage {
-  Stage() {
-    ieee.SetEOSChar(L"10");
-    bus.knows_descriptors = true;
-    bus.on_call = [this](const std::string& call) {
-      if (call.starts_with("ibdev(")) address = std::stoi(call.substr(8));
-      if (call.starts_with("ibclr(")) bus.waiting.clear();
-      if (call.ends_with(",t\n)") && address == 3) bus.waiting = "+021.5";
+// Only the device at 3 answers, and only "t".
+class IeeeStage final : public IeeeFixture, public FaultStage {
+ public:
+  using IeeeFixture::driver_;
+  using IeeeFixture::environment_;
+  using IeeeFixture::ieee_;
+
+  IeeeStage() {
+    ieee_.SetPrimaryAddress(3);
+    ieee_.SetCreateLogFile(true);
+    bus_.on_call = [this](const std::string& call) {
+      if (call.starts_with("ibdev(")) address_ = std::stoi(call.substr(8));
+      if (call.starts_with("ibclr(")) bus_.waiting.clear();
+      if (call.ends_with(",t\n)") && address_ == 3) bus_.waiting = "+021.5";
     };
   }
 
-  int address = 0;
-  EnvironmentFake environment;
-  GpibDriverFake bus;
-  GpibThreadsFake threads;
-  GpibDriver driver{bus, threads};
-  CKespIEEE ieee{environment.environment, driver};
+  void TestBody() override {}
+
+  std::vector<FaultySeam> Seams() override {
+    return {{"driver", bus_.faults},
+            {"loading of the driver", bus_.loading},
+            {"registration of the thread", bus_.registering},
+            {"files out of memory", environment_.files.faults},
+            {"files", environment_.files.faults, [this] { environment_.files.answers_failure = true; }},
+            {"GUIDs", environment_.guids.faults}};
+  }
+
+  void ExpectWhole() override {
+    EXPECT_EQ(ieee_.TimeOutSecs(), ETimeOutSecs::to3s);
+    ExpectWholeLog(environment_.files.Content(ieee_.LogFilename()));
+    Try([&] { return ieee_.Uninitialize(); });
+    EXPECT_EQ(bus_.open, bus_.kept_open);
+  }
+
+  void ExpectWorking() override {
+    const std::set<int> kept_open = bus_.open;
+    ieee_.SetPrimaryAddress(3);
+    std::wstring reply;
+    EXPECT_EQ(RaisedBy([&] {
+                Exchange();
+                ieee_.ReadLine(reply);
+                ieee_.Uninitialize();
+              }),
+              Raised());
+    EXPECT_EQ(reply, L"+021.5");
+    EXPECT_EQ(bus_.open, kept_open);
+  }
+
+  void Exchange() {
+    ieee_.Initialize();
+    ieee_.WriteLine(L"t");
+  }
+  void Detect() { ieee_.AutoDetect(result_); }
+  // The address is the device's, or the client's.
+  void ExpectDetected() {
+    const bool found = ieee_.PrimaryAddress() == 3;
+    EXPECT_TRUE(found || ieee_.PrimaryAddress() == 1);
+    EXPECT_EQ(result_, found ? L"+021.5" : L"");
+    EXPECT_TRUE(found || !Undisturbed());
+  }
+
+  std::wstring result_;
+
+ private:
+  int address_ = 0;
 };
 
-using Operation = std::function<void(Stage&)>;
+using Case = FaultCase<IeeeStage>;
 
-// Runs the operation once undisturbed and then once for each driver call that it made, with that call
-// failing. Returns the number of calls and adds the errors raised to `numbers`.
-int Sweep(const Operation& operation, std::set<std::int32_t>& numbers) {
-  int calls = 0;
-  {
-    Stage undisturbed;
-    operation(undisturbed);
-    calls = undisturbed.bus.faults.calls();
-  }
-  for (int nth = 1; nth <= calls; ++nth) {
-    SCOPED_TRACE(nth);
-    Stage stage;
-    stage.bus.faults.Fail(nth);
-    numbers.insert(RaisedBy([&] { operation(stage); }).number);
-    EXPECT_EQ(stage.ieee.TimeOutSecs(), ETimeOutSecs::to3s);
-    Try([&] { return stage.ieee.Uninitialize(); });
-    EXPECT_TRUE(stage.bus.open.empty()) << stage.bus.open.size();
-    EXPECT_TRUE(stage.ieee.Initialize());
-    if (testing::Test::HasFailure()) break;  // one report is enough
-  }
-  return calls;
+// Those of the opening, of a driver that cannot be loaded, and of one without a function.
+const std::set<std::int32_t> kOpening = {
+    0, 48, 453, ieee_error::ERR_IBDEV, ieee_error::ERR_IBCLR, ieee_error::ERR_IBEOS};
+
+const Case kCases[] = {
+    {.name = "Create",
+     .run = [](IeeeStage& stage) { const CKespIEEE other(stage.environment_.environment, stage.driver_); },
+     .numbers = {0}},
+    {.name = "SetEOSChar",
+     .run = [](IeeeStage& stage) { stage.ieee_.SetEOSChar(L"10, which is a line feed"); },
+     .numbers = {0},
+     .check = [](IeeeStage& stage) { stage.ieee_.SetEOSChar(L"10"); }},
+    {.name = "SetLogFilename",
+     .run = [](IeeeStage& stage) { stage.ieee_.SetLogFilename(L"C:\\Temp\\conversation.log"); },
+     .numbers = {0}},
+    {.name = "Initialize",
+     .run = [](IeeeStage& stage) { stage.ieee_.Initialize(); },
+     .numbers = kOpening,
+     .source = L"[CKespIEEE - InitializeIEEEBoard()]"},
+    {.name = "WriteLine",
+     .run = [](IeeeStage& stage) { stage.ieee_.WriteLine(L"t"); },
+     .numbers = {0, ieee_error::ERR_IBWRT},
+     .source = L"[CKespIEEE - WriteLine()]",
+     .prepare = [](IeeeStage& stage) { stage.ieee_.Initialize(); }},
+    {.name = "ReadLine",
+     .run = [](IeeeStage& stage) { stage.ieee_.ReadLine(stage.result_); },
+     .numbers = {0, ieee_error::ERR_IBRD},
+     .source = L"[CKespIEEE - ReadLine()]",
+     .prepare = &IeeeStage::Exchange},
+    {.name = "Uninitialize",
+     .run = [](IeeeStage& stage) { stage.ieee_.Uninitialize(); },
+     .numbers = {0, ieee_error::ERR_IBONL},
+     .source = L"[CKespIEEE - InitializeIEEEBoard()]",
+     .prepare = &IeeeStage::Exchange},
+    {.name = "AutoDetect",
+     .run = &IeeeStage::Detect,
+     .numbers = kOpening,
+     .source = L"[CKespIEEE - InitializeIEEEBoard()]",
+     .prepare = [](IeeeStage& stage) { stage.ieee_.SetPrimaryAddress(1); },
+     .check = &IeeeStage::ExpectDetected},
+};
+
+class CKespIEEEFaultsTest : public testing::TestWithParam<Case> {};
+
+TEST_P(CKespIEEEFaultsTest, AnyCallFails_NothingStaysOpenAndObjectWorksOn) {
+  SweepSeams(GetParam().Operation());
 }
 
-TEST(CKespIEEEFaultsTest, Exchange_AnyDriverCallFails_RaisesItsErrorAndLeavesNothingOpen) {
-  std::set<std::int32_t> numbers;
-  const int calls = Sweep(
-      [](Stage& stage) {
-        stage.ieee.SetPrimaryAddress(3);
-        stage.ieee.Initialize();
-        stage.ieee.WriteLine(L"t");
-        std::wstring reply;
-        stage.ieee.ReadLine(reply);
-        EXPECT_EQ(reply, L"+021.5");
-        stage.ieee.Uninitialize();
-      },
-      numbers);
-  EXPECT_EQ(calls, 7);
-  EXPECT_EQ(numbers,
-            (std::set<std::int32_t>{ieee_error::ERR_IBDEV, ieee_error::ERR_IBCLR, ieee_error::ERR_IBEOS,
-                                    ieee_error::ERR_IBWRT, ieee_error::ERR_IBRD, ieee_error::ERR_IBONL}));
+TEST_P(CKespIEEEFaultsTest, AnyAllocationFails_NothingStaysOpenAndObjectWorksOn) {
+  SweepAllocations(GetParam().Operation());
 }
 
-TEST(CKespIEEEFaultsTest, AutoDetect_AnyDriverCallFails_OnlyOpeningRaisesAndAllIsClosed) {
-  std::set<std::int32_t> numbers;
-  const int calls = Sweep(
-      [](Stage& stage) {
-        std::wstring result;
-        bool found = false;
-        const Raised raised = RaisedBy([&] { found = stage.ieee.AutoDetect(result); });
-        EXPECT_EQ(stage.ieee.PrimaryAddress(), found ? 3 : 1);
-        EXPECT_EQ(result, found ? L"+021.5" : L"");
-        if (raised.number != 0) throw Failure(raised.number, raised.source, raised.description);
-      },
-      numbers);
-  EXPECT_GT(calls, 30);
-  EXPECT_EQ(numbers,
-            (std::set<std::int32_t>{0, ieee_error::ERR_IBDEV, ieee_error::ERR_IBCLR, ieee_error::ERR_IBEOS}));
-}
+INSTANTIATE_TEST_SUITE_P(Each, CKespIEEEFaultsTest, testing::ValuesIn(kCases), NameOf<IeeeStage>);
 
 }  // namespace
 }  // namespace kesp

@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "support/failing_allocation_fake.h"
+
 namespace kesp {
 
 SocketControlFake::SocketControlFake(SocketListener& listener) : listener_(listener) {}
@@ -139,6 +141,7 @@ std::optional<DatagramSender> SocketControlFake::Sender() const {
 }
 
 std::string SocketControlFake::GetData() {
+  const PassingAllocations passing;
   calls.emplace_back("GetData");
   if (datagrams_.empty()) return std::exchange(pending_, std::string());
   std::string bytes = std::move(datagrams_.front().bytes);
@@ -147,7 +150,10 @@ std::string SocketControlFake::GetData() {
 }
 
 void SocketControlFake::Called(std::string call) {
-  calls.push_back(std::move(call));
+  {
+    const PassingAllocations passing;
+    calls.push_back(std::move(call));
+  }
   if (faults.IsFailing()) throw SocketFailure(fault_number);
 }
 

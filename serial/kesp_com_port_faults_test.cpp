@@ -1,191 +1,305 @@
-// Sweeps over the serial transport: whichever call fails, promises are kept and nothing hangs.
+// Failures swept over the serial transport: whatever fails, promises are kept, nothing hangs, and the object
+// goes on working.
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
-#include <string>
 
 #include "serial/kesp_com_port_fixture.h"
+#include "support/failing_allocation_fake.h"
+#include "support/fault_sweep_fixture.h"
 
 namespace kesp {
 namespace {
 
-// An object with its own world, new for each round of a sweep. A look at the clock takes 50 ms.
-struct Stage {
-  Stage() {
-    events.record = [this](const std::wstring& event) { heard.push_back(event); };
-    environment.clock.SetStepPerReading(50);
-    port.SetMaxBaudRate(Rate(7));
-    port.SetMinBaudRate(Rate(4));
-    port.SetBaudRate(Rate(6));
-    port.SetTimeOut(400);
-    port.SetCheckNonAscii(false);
+// A look at the clock takes 50 ms.
+class SerialStage final : public CKespCOMPort3Fixture, public FaultStage {
+ public:
+  using CKespCOMPort3Fixture::environment_;
+  using CKespCOMPort3Fixture::port_;
+  using CKespCOMPort3Fixture::ports_;
+
+  SerialStage() {
+    environment_.clock.SetStepPerReading(50);
+    AllowRates(4, 7, 6);
+    port_.SetTimeOut(400);
+    port_.SetCheckNonAscii(false);
+    port_.SetCreateLogFile(true);
+    ports_.line.Answer("t\r", "1.5\r\n");
   }
 
-  void WithModem() {
-    port.SetUseRFModem(true);
-    port.SetInstrAddr(26);
-    ports.line.ConfirmAddress26();
-    for (const char* question : {"ATSH\r", "ATSL\r", "ATPL\r", "ATID\r", "ATCH\r", "ATMY\r", "ATCT\r"}) {
-      ports.line.Answer(question, "1F\r");
+  void TestBody() override {}
+
+  std::vector<FaultySeam> Seams() override {
+    return {{"serial control", ports_.line.faults},
+            {"ports", ports_.faults},
+            {"files out of memory", environment_.files.faults},
+            {"files", environment_.files.faults, [this] { environment_.files.answers_failure = true; }},
+            {"settings files out of memory", environment_.settings.faults},
+            {"settings files", environment_.settings.faults,
+             [this] { environment_.settings.answers_failure = true; }},
+            {"GUIDs", environment_.guids.faults},
+            {"dialog", dialog_.faults},
+            {"user surface", environment_.user.faults}};
+  }
+
+  void ExpectWhole() override {
+    EXPECT_EQ(port_.TimeOut(), 400);
+    EXPECT_FALSE(port_.CheckNonAscii());
+    EXPECT_EQ(port_.ControllerStyle(), EKespControllerStyle3::CS_KESP);
+    EXPECT_EQ(port_.MinBaudRate(), Rate(4));
+    EXPECT_EQ(port_.MaxBaudRate(), Rate(7));
+    if (Undisturbed() || !keeps_pointer_) {
+      EXPECT_EQ(environment_.user.pointer(), MousePointer::kDefault);
     }
+    EXPECT_TRUE(shows_boxes_ || environment_.user.boxes().empty());
+    ExpectWholeLog(environment_.files.Content(port_.LogFilename()));
+  }
+
+  void ExpectWorking() override {
+    std::wstring reply;
+    EXPECT_EQ(RaisedBy([&] {
+                port_.ClosePort();
+                port_.OpenPort();
+                port_.WriteLine(L"t");
+                port_.ReadLine(reply);
+                port_.ClosePort();
+              }),
+              Raised());
+    EXPECT_EQ(reply, L"1.5");
+    EXPECT_FALSE(ports_.line.open);
+  }
+
+  // Preparations.
+  void Open() { port_.OpenPort(); }
+  void Write() {
+    port_.OpenPort();
+    port_.WriteLine(L"t");
+  }
+  void WriteShowingBoxes() {
+    Write();
+    shows_boxes_ = true;
+  }
+  void WithSwitch() {
+    port_.SetUseSmartSwitch(true);
+    port_.SmartSwitch()->SetSSPort(L"3");
+  }
+  void WithModem() {
+    port_.SetUseRFModem(true);
+    port_.SetInstrAddr(26);
+    ports_.line.ConfirmAddress26();
+    ports_.line.Answer("*IDN?\r", "KESP\r");
+    for (const char* question : {"ATSH\r", "ATSL\r", "ATPL\r", "ATID\r", "ATCH\r", "ATMY\r", "ATCT\r"}) {
+      ports_.line.Answer(question, "1F\r");
+    }
+    events_.record = [this](const std::wstring& event) { heard_.push_back(event); };
   }
   void WithOpenModem() {
     WithModem();
-    port.OpenPort();
+    port_.OpenPort();
   }
-
-  // How often writing this command was begun.
-  std::ptrdiff_t Begun(const std::wstring& command) const {
-    return std::count(heard.begin(), heard.end(), L"WriteBegin(" + command + L",1)");
+  void WithAnswerAtALowerRate() {
+    ports_.line.on_output = [this](const std::string& written, const std::wstring& settings) {
+      if (written == "*VER\r" && settings.starts_with(L"2400")) ports_.line.Arrive("v1\r\n", 60);
+      if (settings.starts_with(L"4800")) ports_.line.Arrive("\xFF\r\n", 60);
+    };
   }
+  void ShowingBoxes() { shows_boxes_ = true; }
 
+  // Expectations.
+  void ExpectClosed() { EXPECT_FALSE(ports_.line.open); }
+  // Only one call of the control has failed.
+  bool OnlyOneCallFailed() { return ports_.line.faults.failures() == 1; }
   // From the first command on the modem is in its command mode, and is told once to leave it. It may be told
   // so before that, too: when the port fails while the confirmation of "+++" is awaited.
-  void ExpectCommandModeLeft(const std::wstring& first_command) const {
+  void ExpectCommandModeLeft(const std::wstring& first_command) {
+    if (!Undisturbed() && !OnlyOneCallFailed()) return;
     EXPECT_GE(Begun(L"ATCN\r"), Begun(first_command));
     EXPECT_LE(Begun(L"ATCN\r"), Begun(L"+++"));
   }
+  // What fails in the log is no failure of the operation. The settings file may be written in vain.
+  bool DoneUnlessDisturbed() {
+    return ports_.line.faults.failures() == 0 && allocations.calls.failures() == 0;
+  }
+  std::wstring Target() const { return environment_.settings.Value(kModemFile, L"COM1", L"InstrAddr"); }
 
-  void ExpectSettingsKept() const {
-    EXPECT_EQ(port.TimeOut(), 400);
-    EXPECT_FALSE(port.CheckNonAscii());
-    EXPECT_EQ(port.ControllerStyle(), EKespControllerStyle3::CS_KESP);
-    EXPECT_EQ(port.MinBaudRate(), Rate(4));
-    EXPECT_EQ(port.MaxBaudRate(), Rate(7));
-    EXPECT_EQ(environment.user.pointer(), MousePointer::kDefault);
-    EXPECT_TRUE(environment.user.boxes().empty());
+  const std::wstring help_file_ = L"C:\\Kesp\\a help file.chm";
+  std::wstring result_;
+  BinaryValue value_;
+  bool done_ = false;
+  RadioModemSettings modem_{L"a", L"b", L"c", L"d", L"e", L"f"};
+  bool keeps_pointer_ = false;  // when a failure is shown
+
+ private:
+  // How often writing this command was begun.
+  std::ptrdiff_t Begun(const std::wstring& command) const {
+    return std::count(heard_.begin(), heard_.end(), L"WriteBegin(" + command + L",1)");
   }
 
-  std::wstring Target() const { return environment.settings.Value(kModemFile, L"COM1", L"InstrAddr"); }
-
-  Lines heard;
-  EnvironmentFake environment;
-  CKespCOMPort3EventsFake events;
-  SerialPortsFake ports{environment.clock};
-  CKespCOMPort3 port{environment.environment, ports, &events};
+  bool shows_boxes_ = false;
+  Lines heard_;
 };
 
-using Step = std::function<void(Stage&)>;
-// Told whether it runs undisturbed.
-using Operation = std::function<void(Stage&, bool undisturbed)>;
+using Case = FaultCase<SerialStage>;
 
-// Runs the operation once undisturbed and then once for each call of the control that it made, with that call
-// failing; `check` looks at what is left.
-void SweepControl(const Step& prepare, const Operation& operation, const Step& check) {
-  int calls = 0;
-  for (int nth = 0; nth <= calls; ++nth) {
-    SCOPED_TRACE(nth);
-    Stage stage;
-    prepare(stage);
-    const int before = stage.ports.line.faults.calls();
-    if (nth != 0) stage.ports.line.FailCall(nth, 8012);
-    EXPECT_NO_THROW(operation(stage, nth == 0));
-    if (nth == 0) calls = stage.ports.line.faults.calls() - before;
-    check(stage);
-    stage.ExpectSettingsKept();
-    if (testing::Test::HasFailure()) return;  // one report is enough
-  }
-  EXPECT_GT(calls, 20);
+const Case kCases[] = {
+    {.name = "Create",
+     .run =
+         [](SerialStage& stage) { const CKespCOMPort3 other(stage.environment_.environment, stage.ports_); },
+     .numbers = {0, 7, 51}},
+    {.name = "SetLogFilename",
+     .run = [](SerialStage& stage) { stage.port_.SetLogFilename(L"C:\\Temp\\conversation.log"); },
+     .numbers = {0}},
+    {.name = "OpenPort",
+     .run = [](SerialStage& stage) { stage.port_.OpenPort(); },
+     .numbers = {0, 8012},
+     .source = L"CKespCOMPort3 - OpenPort() ["},
+    {.name = "OpenPortWithSwitch",
+     .run = [](SerialStage& stage) { stage.port_.OpenPort(); },
+     .numbers = {0, 8012},
+     .source = L"CKespCOMPort3 - OpenPort() [",
+     .prepare = &SerialStage::WithSwitch},
+    {.name = "OpenPortWithDongle",
+     .run = [](SerialStage& stage) { stage.port_.OpenPort(); },
+     .numbers = {0, 8012},
+     .source = L"CKespCOMPort3 - OpenPort() [",
+     .prepare = [](SerialStage& stage) { stage.port_.SetUseIRDongle(true); }},
+    {.name = "ClosePort",
+     .run = [](SerialStage& stage) { stage.port_.ClosePort(); },
+     .numbers = {0, 8012},
+     .source = L"CKespCOMPort3 - ClosePort() [",
+     .prepare =
+         [](SerialStage& stage) {
+           stage.WithSwitch();
+           stage.Write();
+         },
+     .check = &SerialStage::ExpectClosed},
+    {.name = "ClearBuffers",
+     .run = [](SerialStage& stage) { stage.port_.ClearBuffers(); },
+     .numbers = {0, 8012},
+     .source = L"commCOMControl",
+     .prepare = &SerialStage::Open},
+    {.name = "WriteLine",
+     .run = [](SerialStage& stage) { stage.port_.WriteLine(L"t", {}, {}, true); },
+     .numbers = {0, 8012},
+     .source = L"CKespCOMPort3 - WriteLine() [",
+     .prepare = &SerialStage::Open},
+    {.name = "ReadLine",
+     .run = [](SerialStage& stage) { stage.port_.ReadLine(stage.result_); },
+     .numbers = {0, 8012},
+     .source = L"CKespCOMPort3 - ReadLine() [",
+     .prepare = &SerialStage::Write},
+    {.name = "ReadLineBinaryAsText",
+     .run = [](SerialStage& stage) { stage.port_.ReadLineBinary(stage.value_); },
+     .numbers = {0},
+     .prepare = &SerialStage::WriteShowingBoxes},
+    {.name = "ReadLineBinary",
+     .run = [](SerialStage& stage) { stage.port_.ReadLineBinary(stage.value_); },
+     .numbers = {0},
+     .prepare =
+         [](SerialStage& stage) {
+           stage.port_.SetInputMode(EInputMode::imBinary);
+           stage.WriteShowingBoxes();
+         }},
+    {.name = "Download",
+     .run = [](SerialStage& stage) { stage.port_.Download(stage.result_); },
+     .numbers = {0},
+     .prepare = &SerialStage::WriteShowingBoxes},
+    {.name = "PortExists",
+     .run = [](SerialStage& stage) { stage.port_.PortExists(1); },
+     .numbers = {0},
+     .prepare = &SerialStage::ShowingBoxes},
+    {.name = "IsPortAvailable",
+     .run = [](SerialStage& stage) { stage.port_.IsPortAvailable(1); },
+     .numbers = {0},
+     .prepare = &SerialStage::ShowingBoxes},
+    {.name = "AutoDetect",
+     .run = [](SerialStage& stage) { stage.port_.AutoDetect(stage.result_); },
+     .numbers = {0},
+     .prepare = &SerialStage::WithAnswerAtALowerRate,
+     .check =
+         [](SerialStage& stage) {
+           stage.ExpectClosed();
+           EXPECT_TRUE(!stage.Undisturbed() || stage.result_ == L"v1");
+           stage.port_.SetBaudRate(Rate(6));
+         }},
+    {.name = "AutoDetectWithModem",
+     .run = [](SerialStage& stage) { stage.port_.AutoDetect(stage.result_); },
+     .numbers = {0},
+     .prepare = &SerialStage::WithModem,
+     .check =
+         [](SerialStage& stage) {
+           stage.ExpectClosed();
+           EXPECT_EQ(stage.port_.BaudRate(), Rate(6));
+           stage.ExpectCommandModeLeft(L"ATDH0\r");
+         }},
+    // Only a failure to leave the command mode comes when everything is read; it counts as one all the same.
+    {.name = "RFReadModemSettings",
+     .run = [](SerialStage& stage) { stage.done_ = stage.port_.RFReadModemSettings(stage.modem_); },
+     .numbers = {0},
+     .prepare = &SerialStage::WithModem,
+     .check =
+         [](SerialStage& stage) {
+           EXPECT_TRUE(stage.done_ || !stage.DoneUnlessDisturbed());
+           EXPECT_EQ(stage.modem_.serial, stage.done_ ? L"1F1F" : L"a");
+           EXPECT_EQ(stage.modem_.timeout, stage.done_ ? L"3100" : L"f");
+           stage.ExpectCommandModeLeft(L"ATSH\r");
+         }},
+    {.name = "RFWriteModemInstrAddress",
+     .run = [](SerialStage& stage) { stage.done_ = stage.port_.RFWriteModemInstrAddress(26); },
+     .numbers = {0},
+     .prepare = &SerialStage::WithOpenModem,
+     .check =
+         [](SerialStage& stage) {
+           EXPECT_TRUE(stage.ports_.line.open);
+           EXPECT_TRUE(stage.done_ || !stage.Undisturbed());
+           // It is not remembered before it is done.
+           EXPECT_TRUE(stage.done_ || stage.Target() != L"26");
+           stage.ExpectCommandModeLeft(L"ATDH0\r");
+         }},
+    {.name = "RFWriteModemSettings",
+     .run = [](SerialStage& stage) { stage.done_ = stage.port_.RFWriteModemSettings(1, 2, 3, 400, true); },
+     .numbers = {0},
+     .prepare = &SerialStage::WithOpenModem,
+     .check =
+         [](SerialStage& stage) {
+           EXPECT_TRUE(stage.done_ || !stage.DoneUnlessDisturbed());
+           stage.ExpectCommandModeLeft(L"ATID1\r");
+         }},
+    // After a failure the pointer stays busy, on purpose.
+    {.name = "TestSmartSwitch",
+     .run = [](SerialStage& stage) { stage.port_.TestSmartSwitch(); },
+     .numbers = {0},
+     .prepare =
+         [](SerialStage& stage) {
+           stage.WithSwitch();
+           stage.ShowingBoxes();
+           stage.keeps_pointer_ = true;
+         },
+     .check = [](SerialStage& stage) { stage.port_.SmartSwitch()->SetSSPort(L"3"); }},
+    // 7: even the error box fails.
+    {.name = "Edit",
+     .run = [](SerialStage& stage) { stage.port_.Edit({}, stage.help_file_, 5); },
+     .numbers = {0, 7},
+     .prepare =
+         [](SerialStage& stage) {
+           stage.WithSwitch();
+           stage.ShowingBoxes();
+           stage.Open();
+         },
+     .check = &SerialStage::ExpectClosed},
+};
+
+class CKespCOMPort3FaultsTest : public testing::TestWithParam<Case> {};
+
+TEST_P(CKespCOMPort3FaultsTest, AnyCallFails_PromisesAreKeptAndObjectWorksOn) {
+  SweepSeams(GetParam().Operation());
 }
 
-TEST(CKespCOMPort3FaultsTest, AutoDetect_AnyCallFails_PortIsClosed) {
-  std::wstring buffer;
-  SweepControl(
-      [](Stage& stage) {
-        stage.ports.line.on_output = [&stage](const std::string& written, const std::wstring& settings) {
-          if (written == "*VER\r" && settings.starts_with(L"2400")) stage.ports.line.Arrive("v1\r\n", 60);
-          if (settings.starts_with(L"4800")) stage.ports.line.Arrive("\xFF\r\n", 60);
-        };
-      },
-      [&](Stage& stage, bool) { stage.port.AutoDetect(buffer); },
-      [](Stage& stage) { EXPECT_FALSE(stage.ports.line.open); });
-  EXPECT_EQ(buffer, L"v1");
+TEST_P(CKespCOMPort3FaultsTest, AnyAllocationFails_PromisesAreKeptAndObjectWorksOn) {
+  SweepAllocations(GetParam().Operation());
 }
 
-TEST(CKespCOMPort3FaultsTest, AutoDetectWithModem_AnyCallFails_CommandModeIsLeftAndRateIsKept) {
-  std::wstring buffer;
-  SweepControl(
-      [](Stage& stage) {
-        stage.WithModem();
-        stage.ports.line.Answer("*IDN?\r", "KESP\r");
-      },
-      [&](Stage& stage, bool) { stage.port.AutoDetect(buffer); },
-      [](Stage& stage) {
-        EXPECT_FALSE(stage.ports.line.open);
-        EXPECT_EQ(stage.port.BaudRate(), Rate(6));
-        stage.ExpectCommandModeLeft(L"ATDH0\r");
-      });
-}
-
-// Only a failure to leave the command mode comes when everything is read; it counts as one all the same.
-TEST(CKespCOMPort3FaultsTest, ReadModemSettings_AnyCallFails_FalseUntouchedAndCommandModeLeft) {
-  SweepControl(
-      &Stage::WithModem,
-      [](Stage& stage, bool undisturbed) {
-        RadioModemSettings settings{L"a", L"b", L"c", L"d", L"e", L"f"};
-        EXPECT_EQ(stage.port.RFReadModemSettings(settings), undisturbed);
-        EXPECT_EQ(settings.serial, undisturbed ? L"1F1F" : L"a");
-        EXPECT_EQ(settings.timeout, undisturbed ? L"3100" : L"f");
-      },
-      [](Stage& stage) { stage.ExpectCommandModeLeft(L"ATSH\r"); });
-}
-
-TEST(CKespCOMPort3FaultsTest, WriteModemInstrAddress_AnyCallFails_NotRememberedAndCommandModeLeft) {
-  SweepControl(
-      &Stage::WithOpenModem,
-      [](Stage& stage, bool undisturbed) {
-        EXPECT_EQ(stage.port.RFWriteModemInstrAddress(26), undisturbed);
-        EXPECT_EQ(stage.Target(), undisturbed ? L"26" : L"<none>");
-      },
-      [](Stage& stage) {
-        EXPECT_TRUE(stage.ports.line.open);
-        stage.ExpectCommandModeLeft(L"ATDH0\r");
-      });
-}
-
-TEST(CKespCOMPort3FaultsTest, WriteModemSettings_AnyCallFails_FalseAndCommandModeLeft) {
-  SweepControl(
-      &Stage::WithOpenModem,
-      [](Stage& stage, bool undisturbed) {
-        EXPECT_EQ(stage.port.RFWriteModemSettings(1, 2, 3, 400, true), undisturbed);
-      },
-      [](Stage& stage) { stage.ExpectCommandModeLeft(L"ATID1\r"); });
-}
-
-TEST(CKespCOMPort3FaultsTest, SettingsFileFails_ModemOperationIsFalseAndInOrder) {
-  // Reading what is remembered, and remembering.
-  for (int nth = 1; nth <= 2; ++nth) {
-    SCOPED_TRACE(nth);
-    Stage stage;
-    stage.WithOpenModem();
-    stage.environment.settings.faults.Fail(nth);
-    EXPECT_FALSE(stage.port.RFWriteModemInstrAddress(26));
-    EXPECT_EQ(stage.ports.line.writes.size(), nth == 1 ? 0u : 5u);
-    EXPECT_EQ(stage.Target(), L"<none>");
-    stage.ExpectSettingsKept();
-    EXPECT_TRUE(stage.port.RFWriteModemInstrAddress(26));
-  }
-}
-
-TEST(CKespCOMPort3FaultsTest, LogCannotBeWritten_EveryOperationGoesOn) {
-  int calls = 0;
-  for (int nth = 0; nth <= calls; ++nth) {
-    SCOPED_TRACE(nth);
-    Stage stage;
-    const int before = stage.environment.files.faults.calls();
-    if (nth != 0) stage.environment.files.faults.Fail(nth);
-    stage.ports.line.Answer("t\r", "1.5\r\n");
-    stage.port.SetCreateLogFile(true);
-    std::wstring reply;
-    EXPECT_TRUE(stage.port.OpenPort() && stage.port.WriteLine(L"t", {}, {}, true) &&
-                stage.port.ReadLine(reply));
-    stage.port.ClosePort();
-    EXPECT_EQ(reply, L"1.5");
-    if (nth == 0) calls = stage.environment.files.faults.calls() - before;
-  }
-  EXPECT_GE(calls, 10);
-}
+INSTANTIATE_TEST_SUITE_P(Each, CKespCOMPort3FaultsTest, testing::ValuesIn(kCases), NameOf<SerialStage>);
 
 }  // namespace
 }  // namespace kesp

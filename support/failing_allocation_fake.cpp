@@ -6,10 +6,7 @@
 
 void* operator new(std::size_t size) {
   kesp::Allocations& allocations = kesp::allocations;
-  if (allocations.counted && allocations.calls.IsFailing()) {
-    ++allocations.failed;
-    throw std::bad_alloc();
-  }
+  if (allocations.counted && allocations.calls.IsFailing()) throw std::bad_alloc();
   void* memory = std::malloc(size == 0 ? 1 : size);
   if (memory == nullptr) throw std::bad_alloc();
   return memory;

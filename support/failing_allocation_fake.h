@@ -10,7 +10,6 @@ namespace kesp {
 struct Allocations {
   FailingCallFake calls;
   bool counted = false;  // others pass
-  int failed = 0;
 };
 
 inline thread_local Allocations allocations;
@@ -28,8 +27,9 @@ class FailingAllocation {
   FailingAllocation(const FailingAllocation&) = delete;
   FailingAllocation& operator=(const FailingAllocation&) = delete;
 
+  // So far.
   int calls() const { return allocations.calls.calls(); }
-  int failed() const { return allocations.failed; }
+  int failures() const { return allocations.calls.failures(); }
 };
 
 // Allocations within its life pass: for what stands in for code that has no C++ exceptions.

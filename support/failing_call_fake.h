@@ -17,18 +17,22 @@ class FailingCallFake {
   // Counts a call. Whether it is to fail.
   bool IsFailing() {
     ++calls_;
-    if (failing_ == 0) return false;
-    return length_ == FaultLength::kOneCall ? calls_ == failing_ : calls_ >= failing_;
+    const bool fails =
+        failing_ != 0 && (length_ == FaultLength::kOneCall ? calls_ == failing_ : calls_ >= failing_);
+    if (fails) ++failures_;
+    return fails;
   }
 
   // So far.
   int calls() const { return calls_; }
+  int failures() const { return failures_; }
 
   // Whether the call that is to fail has yet to come.
   bool IsPending() const { return calls_ < failing_; }
 
  private:
   int calls_ = 0;
+  int failures_ = 0;
   int failing_ = 0;
   FaultLength length_ = FaultLength::kOneCall;
 };

@@ -30,8 +30,9 @@ bool FilesFake::Append(const std::wstring& path, std::string_view bytes) {
 
 bool FilesFake::Rename(const std::wstring& from, const std::wstring& to) {
   if (Refused(Operation::kRename) || !files_.contains(from) || files_.contains(to)) return false;
+  std::wstring key = to;  // before anything is changed
   auto node = files_.extract(from);
-  node.key() = to;
+  node.key() = std::move(key);
   files_.insert(std::move(node));
   return true;
 }

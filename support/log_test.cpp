@@ -148,20 +148,6 @@ TEST_F(LogWriterTest, BareName_StaysInTheCurrentDirectory) {
   EXPECT_EQ(files.Content(L"out.log"), kTime + "x\r\n");
 }
 
-// Whichever call runs out of memory: nothing reaches the caller, and the old lines are all there.
-TEST_F(LogWriterTest, Rollover_NthCallThrows_NothingEscapesAndNothingOldIsLost) {
-  for (int n = 1; n <= 4; ++n) {
-    FilesFake disk(clock);
-    disk.Put(kPath, "old\r\n", kYesterday);
-    disk.faults.Fail(n);
-    LogWriter(clock, disk).WriteWithDailyRollover(kPath, L"x");
-    const std::string everything = disk.Content(kRolledPath) + disk.Content(kPath);
-    EXPECT_EQ(everything.find("old\r\n"), 0U) << n;
-    // Only the append itself (the third call of three) loses the line.
-    EXPECT_EQ(everything.find("\tx\r\n") == std::string::npos, n == 3) << n;
-  }
-}
-
 TEST_F(LogWriterTest, Write_ClockThrows_LosesTheLineSilently) {
   // A clock without memory.
   class : public ClockFake {
