@@ -14,6 +14,56 @@ bool NamesFile(const std::wstring& path) {
   return path.find(L'\\') != std::wstring::npos;
 }
 
+// Keeps other programs of the session from changing a settings file. Changes take milliseconds; where one
+// takes longer, or the system has no mutex to give, this holds nobody back.
+class ChangeLock {
+ public:
+  ChangeLock() : mutex_(CreateMutexW(nullptr, FALSE, L"Local\\KespCommObj settings files")) {
+    constexpr DWORD kLongestMs = 1000;
+    const DWORD result = mutex_ == nullptr ? WAIT_FAILED : WaitForSingleObject(mutex_, kLongestMs);
+    // A program that ended while it held the mutex has left the file as it was.
+    is_held_ = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
+  }
+  ~ChangeLock() {
+    if (is_held_) ReleaseMutex(mutex_);
+    if (mutex_ != nullptr) CloseHandle(mutex_);
+  }
+  ChangeLock(const ChangeLock&) = delete;
+  ChangeLock& operator=(const ChangeLock&) = delete;
+
+  bool IsHeld() const { return is_held_; }
+
+ private:
+  HANDLE mutex_;
+  bool is_held_ = false;
+};
+
+bool WriteInto(const std::wstring& path, const std::wstring& section, const std::wstring& key,
+               const std::wstring& value) {
+  return WritePrivateProfileStringW(section.c_str(), key.c_str(), value.c_str(), path.c_str()) != 0;
+}
+
+// Changes a copy and puts it in the file's place, so that a program which ends at any moment leaves the whole
+// file, old or new. False where the folder or whoever has the file open does not allow that; the file is as
+// it was then.
+bool Replace(const std::wstring& path, const std::wstring& section, const std::wstring& key,
+             const std::wstring& value) {
+  const std::wstring copy = path + L".new";
+  if (CopyFileW(path.c_str(), copy.c_str(), FALSE) == FALSE) {
+    if (GetLastError() != ERROR_FILE_NOT_FOUND) return false;
+    // What a program left that ended in here.
+    DeleteFileW(copy.c_str());
+  }
+  if (WriteInto(copy, section, key, value) &&
+      MoveFileExW(copy.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING) != FALSE) {
+    return true;
+  }
+  // It may be the copy of a file that nobody is to write.
+  SetFileAttributesW(copy.c_str(), FILE_ATTRIBUTE_NORMAL);
+  DeleteFileW(copy.c_str());
+  return false;
+}
+
 }  // namespace
 
 std::wstring SettingsFilesWin::Read(const std::wstring& path, const std::wstring& section,
@@ -27,8 +77,11 @@ std::wstring SettingsFilesWin::Read(const std::wstring& path, const std::wstring
 
 bool SettingsFilesWin::Write(const std::wstring& path, const std::wstring& section, const std::wstring& key,
                              const std::wstring& value) {
-  return NamesFile(path) &&
-         WritePrivateProfileStringW(section.c_str(), key.c_str(), value.c_str(), path.c_str()) != 0;
+  if (!NamesFile(path)) return false;
+  // Most objects leave what is there already.
+  if (Read(path, section, key, value + L"?") == value) return true;
+  const ChangeLock lock;
+  return (lock.IsHeld() && Replace(path, section, key, value)) || WriteInto(path, section, key, value);
 }
 
 }  // namespace kesp
