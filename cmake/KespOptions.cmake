@@ -1,5 +1,6 @@
 # Compiler and linker settings that hold for every target of ours.
-option(KESP_SANITIZE "Build the native unit tests under AddressSanitizer and UBSan" ON)
+set(KESP_SANITIZE ON CACHE STRING
+  "Build the native unit tests under AddressSanitizer and UBSan (ON), ThreadSanitizer (thread) or neither (OFF)")
 option(KESP_COVERAGE "Build the native unit tests for line coverage (turns the sanitizers off)" OFF)
 option(KESP_FUZZ "Build the fuzzers and no tests; the compiler is clang" OFF)
 
@@ -24,6 +25,9 @@ elseif(KESP_FUZZ)
 elseif(KESP_COVERAGE)
   target_compile_options(kesp_options INTERFACE --coverage -O0)
   target_link_options(kesp_options INTERFACE --coverage)
+elseif(KESP_SANITIZE STREQUAL thread)
+  target_compile_options(kesp_options INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
+  target_link_options(kesp_options INTERFACE -fsanitize=thread)
 elseif(KESP_SANITIZE)
   target_compile_options(kesp_options INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
