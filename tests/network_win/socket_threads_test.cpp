@@ -1,7 +1,9 @@
 // Tests of the socket control when a thread other than its own ends it.
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <thread>
+#include <vector>
 
 #include "tests/network_win/socket_control_fixture_win.h"
 
@@ -33,6 +35,26 @@ TEST_F(SocketThreadsTest, EndedElsewhereWhileResolving_TheWindowGoes) {
   EndElsewhere();
   PumpFor(200);
   EXPECT_FALSE(WindowClassExists());
+}
+
+// The buffers of look-ups that are given up go to those of other threads, which must get the right address
+// all the same.
+TEST_F(SocketThreadsTest, LookUpsGivenUpOnManyThreads_LaterOnesFindTheHost) {
+  const LoopbackPeer peer(Sending("ABC"));
+  std::vector<std::thread> threads;
+  for (int number = 0; number < 4; ++number) {
+    threads.emplace_back([&peer] {
+      const std::shared_ptr<Recorder> own = Recorder::Make();
+      for (int round = 0; round < 20; ++round) {
+        own->control->Connect(L"localhost", peer.port());
+        EXPECT_EQ(own->control->State(), EKespTCPState::sckResolvingHost);
+        own->control->Close();
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  control().Connect(L"localhost", peer.port());
+  EXPECT_TRUE(PumpUntil([this] { return recorder_->Heard("Connect()"); }));
 }
 
 // Whether the notification or the end comes first, nothing is told to an object that is going.
