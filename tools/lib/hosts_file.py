@@ -14,6 +14,9 @@ Each host is a simulated instrument (simulator) at TCP port 10001, which answers
     discovery_from  the addresses from which it answers discovery, such as 10.88.4.1-10.88.7.232
     discovery_rate  the most datagrams of an answer that it sends in a second
     tcp             "refused" when nothing is to listen at port 10001
+
+With "name_server": "10.88.0.53" beside "hosts" names are looked up there, which takes long where no such host is;
+without it every name is unknown at once.
 """
 
 import dataclasses
@@ -24,7 +27,7 @@ import sys
 
 # The client's addresses.
 CLIENTS = {1: ipaddress.ip_interface("10.88.0.1/16"), 2: ipaddress.ip_interface("10.89.0.1/16")}
-FILE_MEMBERS = {"description", "hosts"}
+FILE_MEMBERS = {"description", "hosts", "name_server"}
 
 
 class HostsFileError(Exception):
@@ -47,18 +50,33 @@ class Host:
 def read_hosts(path):
     """The hosts of that file, in its order. Raises HostsFileError."""
     path = pathlib.Path(path)
+    return _read(path, lambda content: _hosts_of(content, path.parent))
+
+
+def read_name_server(path):
+    """The address of its name server, or None. Raises HostsFileError."""
+    return _read(pathlib.Path(path), _name_server_of)
+
+
+def _read(path, part_of):
     try:
         content = json.loads(path.read_text(encoding="utf-8"))
     except (OSError, ValueError) as error:
         raise HostsFileError(f"{path}: {error}") from error
     try:
-        return _hosts_of(content, path.parent)
+        _check_members(content, FILE_MEMBERS, "the file")
+        return part_of(content)
     except HostsFileError as error:
         raise HostsFileError(f"{path}: {error}") from None
 
 
+def _name_server_of(content):
+    if "name_server" not in content:
+        return None
+    return _parsed(ipaddress.IPv4Address, content["name_server"], "name_server")
+
+
 def _hosts_of(content, folder):
-    _check_members(content, FILE_MEMBERS, "the file")
     described = content.get("hosts")
     if not isinstance(described, list):
         raise HostsFileError("hosts must be a list")
@@ -146,6 +164,7 @@ def _text(value, place):
 def main():
     try:
         read_hosts(sys.argv[1])
+        read_name_server(sys.argv[1])
     except HostsFileError as error:
         sys.exit(f"with-network-hosts: {error}")
 

@@ -1,0 +1,105 @@
+// Some cells of the matrix without their times, and whether it has every member that can block.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+#include "tests/hangs/does_not_block.h"
+#include "tests/hangs/trial.h"
+
+namespace kesp::hangs {
+namespace {
+
+using clients::ComPtr;
+using clients::Text;
+
+Cells AllCells() {
+  Cells all;
+  for (const Cells& cells : {TcpCells(), DiscoveryCells(), SerialCells(), GpibCells()}) {
+    all.insert(all.end(), cells.begin(), cells.end());
+  }
+  return all;
+}
+
+// "CKespTCP.ReadLine", without what else a cell says of its member.
+std::set<std::string> MembersOfMatrix() {
+  std::set<std::string> members;
+  for (const Cell& cell : AllCells()) members.insert(cell.member.substr(0, cell.member.find(',')));
+  return members;
+}
+
+std::string NameOf(ITypeInfo* info, MEMBERID member) {
+  Text name;
+  EXPECT_EQ(info->GetDocumentation(member, name.out(), nullptr, nullptr, nullptr), S_OK);
+  return BytesOfText(name.str());
+}
+
+// Adds the methods of an interface, those of IDispatch and properties aside: a property only stores or returns.
+void AddMethods(ITypeInfo* info, std::set<std::string>& methods) {
+  TYPEATTR* attributes = nullptr;
+  ASSERT_EQ(info->GetTypeAttr(&attributes), S_OK);
+  const std::string name = NameOf(info, MEMBERID_NIL);
+  const bool is_class_interface = attributes->typekind == TKIND_DISPATCH && name.starts_with("_C");
+  for (UINT i = 0; is_class_interface && i < attributes->cFuncs; ++i) {
+    FUNCDESC* function = nullptr;
+    if (FAILED(info->GetFuncDesc(i, &function))) continue;
+    const bool is_own = (function->wFuncFlags & FUNCFLAG_FRESTRICTED) == 0 && function->invkind == INVOKE_FUNC;
+    if (is_own) methods.insert(name.substr(1) + "." + NameOf(info, function->memid));
+    info->ReleaseFuncDesc(function);
+  }
+  info->ReleaseTypeAttr(attributes);
+}
+
+std::set<std::string> PublicMethods() {
+  ComPtr<ITypeLib> library;
+  EXPECT_EQ(LoadRegTypeLib(LIBID_KespCommObj, 1, 0, 0, library.GetAddressOf()), S_OK);
+  std::set<std::string> methods;
+  for (UINT i = 0; library != nullptr && i < library->GetTypeInfoCount(); ++i) {
+    ComPtr<ITypeInfo> info;
+    if (SUCCEEDED(library->GetTypeInfo(i, info.GetAddressOf()))) AddMethods(info.Get(), methods);
+  }
+  return methods;
+}
+
+TEST(HangsTest, EveryMethodIsInTheMatrix_OrSaidNotToBlock) {
+  const std::set<std::string> methods = PublicMethods();
+  const std::set<std::string> members = MembersOfMatrix();
+  EXPECT_GT(methods.size(), 30U);
+  for (const std::string& method : methods) {
+    EXPECT_NE(members.contains(method), kDoesNotBlock.contains(method)) << method << " is in neither, or in both";
+  }
+  for (const auto& [method, reason] : kDoesNotBlock) EXPECT_TRUE(methods.contains(method)) << method;
+  for (const std::string& member : members) {
+    const bool is_known = methods.contains(member) || member.starts_with("release of ") ||
+                          // The one property that closes a port.
+                          member == "CKespCommObj.CommStyle";
+    EXPECT_TRUE(is_known) << member << " is no method";
+  }
+}
+
+class HangsCellTest : public testing::TestWithParam<const char*> {
+ protected:
+  clients::Apartment apartment_;
+};
+
+TEST_P(HangsCellTest, ComesBackWithTheRightResult_AndWorksAgain) {
+  const Cells cells = AllCells();
+  const auto cell =
+      std::find_if(cells.begin(), cells.end(), [](const Cell& candidate) { return candidate.Name() == GetParam(); });
+  ASSERT_NE(cell, cells.end());
+  Trial trial(*cell);
+  Play(trial, *cell);
+  EXPECT_EQ(trial.failures(), std::vector<std::string>{});
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Some, HangsCellTest,
+    testing::Values("TCP: CKespTCP.WriteLine (peer that never reads)", "TCP: CKespTCP.ReadLine (reset in place of a reply)",
+                    "TCP: CKespCommObj.Query (garbage before the reply)",
+                    "serial: CKespCOMPort3.ReadLine, raw (half a reply, then silence)",
+                    "serial: CKespCOMPort3.WriteLine (line that takes nothing, ended by ClosePort in a handler)",
+                    "serial: CKespCommObj.Query (stale bytes before the command)",
+                    "GPIB: CKespIEEE.ReadLine (driver that does not return)", "GPIB: CKespCommObj.Query (late reply)"));
+
+}  // namespace
+}  // namespace kesp::hangs

@@ -1,0 +1,146 @@
+// The calls of a serial transport and of a communication object that uses it.
+#include "tests/hangs/serial_stage.h"
+
+#include <utility>
+
+namespace kesp::hangs {
+
+using clients::Text;
+using clients::Write;
+using clients::WriteByReference;
+
+namespace {
+
+// A WriteLine that has lasted so long is stuck.
+constexpr Milliseconds kStuck{700};
+
+VARIANT_BOOL Boolean(bool value) {
+  return value ? VARIANT_TRUE : VARIANT_FALSE;
+}
+
+}  // namespace
+
+SerialStage::SerialStage()
+    : comm(clients::Create<_CKespCommObj>(__uuidof(CKespCommObj))),
+      events(clients::EventRecorder::Make(__uuidof(__CKespCOMPort3))) {
+  EXPECT_EQ(WriteByReference(comm, &_CKespCommObj::put_CommStyle, csRS232), S_OK);
+  EXPECT_EQ(clients::ReadObject(comm, &_CKespCommObj::get_CommObject).As(&port), S_OK);
+  connection_ = std::make_unique<clients::Connection>(port.Get(), __uuidof(__CKespCOMPort3), events.Get());
+  const auto number = static_cast<short>(clients::SerialWire::PortNumber());
+  EXPECT_EQ(Write(port, &_CKespCOMPort3::put_Port, number), S_OK);
+  SetRate(br921600);
+  SetTimeOut(kSerialTimeOut);
+  EXPECT_EQ(Write(port, &_CKespCOMPort3::SetInputMode, imBinary), S_OK);
+}
+
+void SerialStage::SetRate(EKespBaudRate3 rate) {
+  EXPECT_EQ(Write(port, &_CKespCOMPort3::put_MinBaudRate, brNone), S_OK);
+  EXPECT_EQ(Write(port, &_CKespCOMPort3::put_MaxBaudRate, rate), S_OK);
+  EXPECT_EQ(Write(port, &_CKespCOMPort3::put_MinBaudRate, rate), S_OK);
+  EXPECT_EQ(Write(port, &_CKespCOMPort3::put_BaudRate, rate), S_OK);
+}
+
+void SerialStage::SetTimeOut(Milliseconds time) {
+  EXPECT_EQ(Write(port, &_CKespCOMPort3::put_TimeOut, static_cast<long>(time.count())), S_OK);
+}
+
+void SerialStage::SetMode(ReplyMode mode) {
+  EXPECT_EQ(Write(port, &_CKespCOMPort3::put_TerminateOnLF, Boolean(mode == ReplyMode::kToLf)), S_OK);
+  EXPECT_EQ(Write(port, &_CKespCOMPort3::put_StripCRLF, Boolean(mode != ReplyMode::kRaw)), S_OK);
+  EXPECT_EQ(Write(port, &_CKespCOMPort3::put_CheckNonAscii, Boolean(mode != ReplyMode::kRaw)), S_OK);
+}
+
+void SerialStage::UseSwitch(bool use) {
+  EXPECT_EQ(Write(port, &_CKespCOMPort3::put_UseSmartSwitch, Boolean(use)), S_OK);
+  const auto box = clients::ReadObject(port, &_CKespCOMPort3::get_SmartSwitch);
+  EXPECT_EQ(Write(box, &_CKespSmartSwitch3::put_SSPort, std::wstring(use ? L"B" : L"")), S_OK);
+}
+
+void SerialStage::OnFullLine(const std::function<void()>& act) {
+  peer.StopTaking();
+  events->handlers[L"WriteUpdate"] = [this, act, act_at = Clock::time_point()](DISPPARAMS&) mutable {
+    if (act_at == Clock::time_point()) act_at = Clock::now() + kStuck;
+    if (Clock::now() < act_at) return;
+    // It runs no more, but lives while it does.
+    const auto handlers = std::exchange(events->handlers, {});
+    act();
+  };
+}
+
+void SerialStage::ReleaseAll() {
+  connection_.reset();
+  port.Reset();
+  comm.Reset();
+}
+
+Outcome SerialStage::OpenPort() {
+  return Answering([&](VARIANT_BOOL* answer) { return port->OpenPort(answer); });
+}
+
+Outcome SerialStage::ClosePort() {
+  return Doing([&] { return port->ClosePort(); });
+}
+
+Outcome SerialStage::ClearBuffers() {
+  return Doing([&] { return port->ClearBuffers(); });
+}
+
+Outcome SerialStage::WriteLine(const std::string& cmd, bool cr_before) {
+  const Text text(TextOfBytes(cmd));
+  return Answering([&](VARIANT_BOOL* answer) {
+    return port->WriteLine(text.get(), nullptr, nullptr, Boolean(cr_before), answer);
+  });
+}
+
+Outcome SerialStage::ReadLine() {
+  return Reading([&](BSTR* reply, VARIANT_BOOL* answer) { return port->ReadLine(reply, answer); });
+}
+
+Outcome SerialStage::ReadLineBinary() {
+  return ReadingBytes([&](VARIANT* reply, VARIANT_BOOL* answer) {
+    return port->ReadLineBinary(reply, static_cast<long>(kQuietGap.count()), answer);
+  });
+}
+
+Outcome SerialStage::Download() {
+  return Reading([&](BSTR* reply, VARIANT_BOOL* answer) { return port->Download(reply, answer); });
+}
+
+Outcome SerialStage::AutoDetect() {
+  return Reading(
+      [&](BSTR* reply, VARIANT_BOOL* answer) { return port->AutoDetect(reply, dlSCPIOnly, nullptr, answer); });
+}
+
+Outcome SerialStage::Query(const std::string& cmd) {
+  const Text text(TextOfBytes(cmd));
+  return WithStatus(Reading([&](BSTR* reply, VARIANT_BOOL* answer) {
+                      return comm->Query(reply, text.get(), nullptr, nullptr, answer);
+                    }),
+                    comm);
+}
+
+Outcome SerialStage::QueryBinary(const std::string& cmd) {
+  const Text text(TextOfBytes(cmd));
+  return WithStatus(ReadingBytes([&](VARIANT* reply, VARIANT_BOOL* answer) {
+                      return comm->QueryBinary(reply, text.get(), nullptr, nullptr, answer);
+                    }),
+                    comm);
+}
+
+Outcome SerialStage::Update(const std::string& cmd) {
+  const Text text(TextOfBytes(cmd));
+  return WithStatus(
+      Answering([&](VARIANT_BOOL* answer) { return comm->Update(text.get(), nullptr, nullptr, answer); }), comm);
+}
+
+Outcome SerialStage::DetectInstrument() {
+  return Reading(
+      [&](BSTR* reply, VARIANT_BOOL* answer) { return comm->DetectInstrument(reply, dlSCPIOnly, answer); });
+}
+
+Outcome SerialStage::Exchange(const std::string& cmd) {
+  const Outcome sent = WriteLine(cmd);
+  return sent.result == "True" ? ReadLine() : sent;
+}
+
+}  // namespace kesp::hangs

@@ -1,0 +1,69 @@
+// A serial transport, by itself or in a communication object, and the instrument behind its port.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "KespCommObj.h"
+#include "tests/clients/event_recorder.h"
+#include "tests/hangs/outcome.h"
+#include "tests/hangs/serial_peer.h"
+
+namespace kesp::hangs {
+
+// TimeOut of a serial transport on this stage.
+inline constexpr Milliseconds kSerialTimeOut{1200};
+// The quiet gap of ReadLineBinary, and of a raw reply.
+inline constexpr Milliseconds kQuietGap{100};
+// What a detection waits for an answer.
+inline constexpr Milliseconds kDetectionWait{2000};
+
+// More than a line holds that nobody takes from, and the time that it needs at the stage's rate.
+inline constexpr std::size_t kMoreThanLine = std::size_t{1} << 20;
+inline constexpr Milliseconds kItsTime{kMoreThanLine * 10 * 1000 / 921600 + 3};
+
+// What ends a text reply.
+enum class ReplyMode { kToLf, kToSilence, kRaw };
+
+class SerialStage {
+ public:
+  SerialStage();
+  // The events stay connected otherwise.
+  ~SerialStage() { connection_.reset(); }
+
+  Outcome OpenPort();
+  Outcome ClosePort();
+  Outcome ClearBuffers();
+  Outcome WriteLine(const std::string& cmd, bool cr_before = false);
+  Outcome ReadLine();
+  Outcome ReadLineBinary();
+  Outcome Download();
+  // At one rate, with *IDN? only.
+  Outcome AutoDetect();
+  Outcome Query(const std::string& cmd);
+  Outcome QueryBinary(const std::string& cmd);
+  Outcome Update(const std::string& cmd);
+  Outcome DetectInstrument();
+  // One command and its reply on the open port.
+  Outcome Exchange(const std::string& cmd);
+
+  void SetMode(ReplyMode mode);
+  void SetTimeOut(Milliseconds time);
+  void SetRate(EKespBaudRate3 rate);
+  void UseSwitch(bool use);
+  // The peer takes nothing from now on; in a WriteLine that is stuck then, a handler of WriteUpdate does this, once.
+  void OnFullLine(const std::function<void()>& act);
+  // The client's references, and its handler's connection.
+  void ReleaseAll();
+
+  SerialPeer peer;
+  clients::ComPtr<_CKespCommObj> comm;
+  clients::ComPtr<_CKespCOMPort3> port;
+  clients::ComPtr<clients::EventRecorder> events;
+
+ private:
+  std::unique_ptr<clients::Connection> connection_;
+};
+
+}  // namespace kesp::hangs

@@ -1,0 +1,46 @@
+// A network transport, by itself or in a communication object, and the peer that it talks to.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "KespCommObj.h"
+#include "tests/hangs/hanging_peer.h"
+#include "tests/hangs/outcome.h"
+
+namespace kesp::hangs {
+
+// Of every wait of a TCP transport on this stage: TimeOutmSecs is 1000.
+inline constexpr short kTcpTimeOut = 1000;
+inline constexpr Milliseconds kTcpWait{2000};
+// Longer than any pause of a peer on a busy machine.
+inline constexpr long kQuietGap = 500;
+
+class TcpStage {
+ public:
+  explicit TcpStage(const std::string& address = "127.0.0.1", int port = 0);
+
+  Outcome Initialize();
+  Outcome Uninitialize();
+  Outcome WriteLine(const std::string& cmd);
+  Outcome ReadLine();
+  Outcome ReadLineBinary(long gap = kQuietGap);
+  // Asks with *IDN? only.
+  Outcome AutoDetect();
+  Outcome Query(const std::string& cmd);
+  Outcome QueryBinary(const std::string& cmd);
+  Outcome Update(const std::string& cmd);
+  Outcome DetectInstrument();
+
+  // One command and its reply on the open connection.
+  Outcome Exchange(const std::string& cmd);
+  // The transport is told to go to this host.
+  void PointAt(const std::string& address);
+  void EndRepliesByEos(bool by_eos);
+
+  HangingPeer peer;
+  clients::ComPtr<_CKespCommObj> comm;
+  clients::ComPtr<_CKespTCP> tcp;
+};
+
+}  // namespace kesp::hangs
