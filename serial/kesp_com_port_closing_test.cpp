@@ -123,6 +123,17 @@ TEST_F(ClosingBehindAnAdapterTest, DriverHoldsBytes_ClosesAtOnce) {
   EXPECT_EQ(RaisedBy([&] { port_.WriteLine(L"t"); }).number, 8018);
 }
 
+// A handler of WriteUpdate ends a write to a line that is held up; what it has cleared is not waited for.
+TEST_F(ClosingBehindAnAdapterTest, DriverGaveBytesBack_OnlyTheRestIsWaitedFor) {
+  ports_.line.drain = {2000, 1990, 1990};
+  int looks = 0;
+  events_.handlers[L"WriteUpdate"] = [&] {
+    if (++looks == 2) port_.ClearBuffers();
+  };
+  port_.WriteLine(std::wstring(1999, L'x'));
+  EXPECT_LT(TimeToClose(), 350) << "ten characters";
+}
+
 TEST_F(ClosingBehindAnAdapterTest, PortIsGone_ClosesAtOnceAndWithoutAFailure) {
   port_.WriteLine(L"123456789");
   ports_.line.FailCall(1, 8012);

@@ -1,4 +1,6 @@
 // The serial transport's port: opening, closing, availability, buffers, and the boxes on the line.
+#include <utility>
+
 #include "serial/kesp_com_port.h"
 #include "serial/line_settings.h"
 #include "serial/serial_control_errors.h"
@@ -150,6 +152,8 @@ bool CKespCOMPort3::IsPortAvailable(std::int16_t cp) {
 void CKespCOMPort3::ClearBuffers() {
   Log(L"Clearing buffers...");
   control_->ClearOutBuffer();
+  // Closing must not wait for bytes that never leave.
+  transmission_.TakeBack(static_cast<std::size_t>(std::exchange(unsent_, 0)));
   control_->ClearInBuffer();
 }
 

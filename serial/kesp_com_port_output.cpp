@@ -83,6 +83,7 @@ void CKespCOMPort3::DrainOutput() {
   std::int32_t count = 0;
   do {
     count = control_->OutBufferCount();
+    unsent_ = count;
     Raise(&CKespCOMPort3Events::WriteUpdate, static_cast<std::int16_t>(std::min(count, kHighestCount)),
           port_);
   } while (count != 0);

@@ -35,12 +35,20 @@ void Transmission::Begin(const LineSettings& line) {
 
 void Transmission::Add(std::size_t bytes) {
   if (bytes == 0) return;
-  const std::int64_t half_bits = HalfBitsPerCharacter(line_) * static_cast<std::int64_t>(bytes);
-  const std::int64_t half_bits_per_second = std::int64_t{2} * line_.bits_per_second;
   // Behind the bytes that are under way already.
   const std::int64_t start = std::max(clock_.Microseconds() + kAdapterMicroseconds, end_microseconds_);
-  // Rounded up.
-  end_microseconds_ = start + (half_bits * kMicrosecondsPerSecond - 1) / half_bits_per_second + 1;
+  end_microseconds_ = start + MicrosecondsOf(bytes);
+}
+
+void Transmission::TakeBack(std::size_t bytes) {
+  if (bytes == 0 || Left() == 0) return;
+  end_microseconds_ -= MicrosecondsOf(bytes);
+}
+
+std::int64_t Transmission::MicrosecondsOf(std::size_t bytes) const {
+  const std::int64_t half_bits = HalfBitsPerCharacter(line_) * static_cast<std::int64_t>(bytes);
+  const std::int64_t half_bits_per_second = std::int64_t{2} * line_.bits_per_second;
+  return (half_bits * kMicrosecondsPerSecond - 1) / half_bits_per_second + 1;
 }
 
 std::int64_t Transmission::Left() const {

@@ -22,6 +22,9 @@ class Transmission {
   // So many bytes were just handed to the port.
   void Add(std::size_t bytes);
 
+  // So many of the bytes were taken back before they got onto the line.
+  void TakeBack(std::size_t bytes);
+
   // Nothing is under way any more: something came back, or the port is closed.
   void End() { end_microseconds_ = 0; }
 
@@ -29,6 +32,9 @@ class Transmission {
   std::int64_t Left() const;
 
  private:
+  // Rounded up.
+  std::int64_t MicrosecondsOf(std::size_t bytes) const;
+
   Clock& clock_;
   LineSettings line_;
   std::int64_t end_microseconds_ = 0;

@@ -61,5 +61,16 @@ TEST_F(TransmissionTest, Ended_NothingIsLeft) {
   EXPECT_EQ(transmission_.Left(), 0);
 }
 
+TEST_F(TransmissionTest, BytesTakenBack_NeedNoTime) {
+  transmission_.Begin(*ReadLineSettings(L"1200,N,8,2"));  // 11 bits
+  transmission_.TakeBack(12);
+  EXPECT_EQ(transmission_.Left(), 0) << "nothing was under way";
+  transmission_.Add(24);  // 220 ms
+  transmission_.TakeBack(12);
+  EXPECT_EQ(transmission_.Left(), 110000 + kLatency);
+  transmission_.TakeBack(1000);
+  EXPECT_EQ(transmission_.Left(), 0);
+}
+
 }  // namespace
 }  // namespace kesp
