@@ -99,7 +99,7 @@ void CallOnFullLine(SerialStage& stage, const std::function<void()>& call) {
   const clients::ComPtr<_CKespCOMPort3> port = stage.port;
   stage.OnFullLine([&] {
     call();
-    if (stage.port != nullptr) stage.ClosePort();
+    port->ClosePort();
   });
   const clients::Text text(std::wstring(kMoreThanLine, L'x'));
   VARIANT_BOOL answer = VARIANT_FALSE;

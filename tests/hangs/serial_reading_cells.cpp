@@ -1,8 +1,8 @@
 // The cells of what reads at a COM port.
+#include "tests/hangs/box_moment.h"
 #include "tests/hangs/serial_cells.h"
 #include "tests/hangs/serial_stage.h"
 #include "tests/hangs/trial.h"
-#include "tests/win/box_reader.h"
 
 namespace kesp::hangs {
 
@@ -172,13 +172,8 @@ void PlayReading(Trial& trial, const Member& member, const SerialWay& way) {
   if (has_stale) std::this_thread::sleep_for(Milliseconds(100));
   if (!member.opens) stage.WriteLine(cmd);
   {
-    std::optional<BoxReader> reader;
-    if (member.shows && way.silence == Ends::kBroken) {
-      reader.emplace(L"Kesp Communications Error", [&](HWND box) {
-        trial.EndAtBox();
-        Press(IDOK)(box);
-      });
-    }
+    std::optional<BoxMoment> box;
+    if (member.shows && way.silence == Ends::kBroken) box.emplace(trial);
     trial.JudgeReply(trial.Call([&] { return member.call(stage, cmd); }), way.has_reply ? cmd : "");
   }
   if (way.name == "late reply") std::this_thread::sleep_for(kLate + kDetectionWait - member.time_out);

@@ -1,7 +1,7 @@
 // The calls of a serial transport and of a communication object that uses it.
 #include "tests/hangs/serial_stage.h"
 
-#include <utility>
+#include <optional>
 
 namespace kesp::hangs {
 
@@ -58,11 +58,11 @@ void SerialStage::UseSwitch(bool use) {
 
 void SerialStage::OnFullLine(const std::function<void()>& act) {
   peer.StopTaking();
-  events->handlers[L"WriteUpdate"] = [this, act, act_at = Clock::time_point()](DISPPARAMS&) mutable {
-    if (act_at == Clock::time_point()) act_at = Clock::now() + kStuck;
-    if (Clock::now() < act_at) return;
-    // It runs no more, but lives while it does.
-    const auto handlers = std::exchange(events->handlers, {});
+  const auto stuck_since = std::make_shared<std::optional<Clock::time_point>>();
+  events->handlers[L"WriteUpdate"] = [this, act, stuck_since](DISPPARAMS&) {
+    if (!*stuck_since) *stuck_since = Clock::now();
+    if (Clock::now() < **stuck_since + kStuck) return;
+    events->handlers.clear();
     act();
   };
 }

@@ -85,12 +85,10 @@ void PlayWriting(Trial& trial, const Writer& writer, bool pulls) {
   stage.peer.StopTaking();
   stage.peer.Behave([&](LineTalk& talk) {
     if (!talk.Pause(kEnd)) return;
+    // Its name goes when the port is gone.
+    if (pulls) talk.Pull();
     trial.CountFromNow();
-    if (pulls) {
-      talk.Pull();
-    } else {
-      stage.peer.TakeAgain();
-    }
+    if (!pulls) stage.peer.TakeAgain();
   });
   trial.Call([&] { return writer.call(stage, std::string(kMoreThanLine, 'x')); });
   const std::string token = trial.NewToken();
@@ -123,6 +121,18 @@ void AddEndedByPeerCells(Cells& cells) {
   }
 }
 
+void PlayRelease(Trial& trial) {
+  SerialStage stage;
+  trial.Require("OpenPort", stage.OpenPort().result == "True");
+  stage.peer.Behave([](LineTalk& talk) {
+    if (talk.Command()) talk.Send("=12.");
+  });
+  stage.WriteLine(trial.NewToken());
+  stage.events->handlers[L"ReadUpdate"] = [&](DISPPARAMS&) { stage.ReleaseAll(); };
+  trial.Call([&] { return stage.ReadLine(); });
+  stage.events->handlers.clear();
+}
+
 // The client lets go of the object in a handler, in the middle of its read.
 void AddReleaseCell(Cells& cells) {
   cells.push_back({.transport = "serial",
@@ -131,16 +141,7 @@ void AddReleaseCell(Cells& cells) {
                    .specified = {Raised(ERR_READ_TIMEOUT)},
                    .limit = kSerialTimeOut,
                    .play = [](Trial& trial) {
-                     SerialStage stage;
-                     trial.Require("OpenPort", stage.OpenPort().result == "True");
-                     stage.peer.Behave([](LineTalk& talk) {
-                       if (talk.Command()) talk.Send("=12.");
-                     });
-                     stage.WriteLine(trial.NewToken());
-                     stage.events->handlers[L"ReadUpdate"] = [&](DISPPARAMS&) { stage.ReleaseAll(); };
-                     trial.Call([&] { return stage.ReadLine(); });
-                     stage.events->handlers.clear();
-                     stage.peer.Recover();
+                     PlayRelease(trial);
                      SerialStage another;
                      const std::string token = trial.NewToken();
                      trial.JudgeQuery(another.Query(token), "=" + token);
