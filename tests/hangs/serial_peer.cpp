@@ -10,9 +10,10 @@ namespace {
 constexpr Milliseconds kPoll{5};
 constexpr Milliseconds kQuiet{100};
 
+// What stuck on the line before, x all of it, may come along with a command.
 void Well(LineTalk& talk) {
   std::string command;
-  while (talk.Command(command) && talk.Send("=" + command + "\r\n")) {
+  while (talk.Command(command) && talk.Send("=" + command.substr(command.rfind('x') + 1) + "\r\n")) {
   }
 }
 

@@ -217,9 +217,37 @@ Cell ReadingCell(const Member& member, const SerialWay& way) {
   return cell;
 }
 
+// A reply that comes so late that it falls behind the next command counts as that one's, as the reference says; a client
+// that waits before it sends gets its own.
+void AddLateReplyCell(Cells& cells) {
+  cells.push_back({.transport = "serial",
+                   .member = "CKespCOMPort3.ReadLine",
+                   .way = "late reply, behind the next command",
+                   .specified = {Raised(ERR_READ_TIMEOUT)},
+                   .limit = kSerialTimeOut,
+                   .play = [](Trial& trial) {
+                     SerialStage stage;
+                     trial.Require("OpenPort", stage.OpenPort().result == "True");
+                     stage.peer.Behave([](LineTalk& talk) {
+                       std::string command;
+                       if (!talk.Command() || !talk.Pause(kLate)) return;
+                       talk.Send(std::string("=") + kStale + "\r\n");
+                       if (talk.Command(command) && talk.Pause(Milliseconds(300))) talk.Send("=" + command + "\r\n");
+                     });
+                     stage.WriteLine(trial.NewToken());
+                     trial.Call([&] { return stage.ReadLine(); });
+                     trial.NoteAnnouncedReply(stage.Exchange(trial.NewToken()));
+                     std::this_thread::sleep_for(Milliseconds(1000));
+                     stage.peer.Recover();
+                     const std::string token = trial.NewToken();
+                     trial.JudgeQuery(stage.Exchange(token), "=" + token);
+                   }});
+}
+
 }  // namespace
 
 void AddSerialReadingCells(Cells& cells) {
+  AddLateReplyCell(cells);
   for (const Member& member : Members()) {
     for (const SerialWay& way : Ways()) {
       Cell cell = ReadingCell(member, way);

@@ -85,10 +85,12 @@ void PlayWriting(Trial& trial, const Writer& writer, bool pulls) {
   stage.peer.StopTaking();
   stage.peer.Behave([&](LineTalk& talk) {
     if (!talk.Pause(kEnd)) return;
-    // Its name goes when the port is gone.
-    if (pulls) talk.Pull();
     trial.CountFromNow();
     if (!pulls) stage.peer.TakeAgain();
+    if (!pulls) return;
+    talk.Pull();
+    // Now it is gone for certain.
+    trial.CountFromNow();
   });
   trial.Call([&] { return writer.call(stage, std::string(kMoreThanLine, 'x')); });
   const std::string token = trial.NewToken();

@@ -120,13 +120,16 @@ struct ConnectingWay {
   int waits;
   bool may_connect;
   std::function<void(TcpStage&)> begin;
+  // The state in which the socket is still when the time is up.
+  std::optional<EKespTCPState> still = {};
 };
 
 std::vector<ConnectingWay> ConnectingWays() {
   return {
       {"refused connection", 1, false, [](TcpStage& stage) { stage.peer.Refuse(); }},
-      {"dropped connection", 4, false, [](TcpStage& stage) { stage.peer.IgnoreConnections(); }},
-      {"look-up that hangs", 1, false, [](TcpStage& stage) { stage.PointAt("instrument.example"); }},
+      {"dropped connection", 4, false, [](TcpStage& stage) { stage.peer.IgnoreConnections(); }, sckConnecting},
+      {"look-up that hangs", 1, false, [](TcpStage& stage) { stage.PointAt("instrument.example"); },
+       sckResolvingHost},
       {"closed at once", 1, true, [](TcpStage& stage) { stage.peer.Behave([](Talk& talk) { talk.Close(); }); }},
       {"reset at once", 1, true, [](TcpStage& stage) { stage.peer.Behave([](Talk& talk) { talk.Reset(); }); }},
   };
@@ -138,6 +141,10 @@ void PlayConnecting(Trial& trial, const Member& member, const ConnectingWay& way
   trial.AwaitFullSecond();
   const std::string cmd = member.asks.empty() ? trial.NewToken() : member.asks;
   trial.JudgeReply(trial.Call([&] { return member.call(stage, cmd); }), "");
+  if (way.still && member.name == "CKespTCP.Initialize") {
+    const EKespTCPState state = clients::Read(stage.tcp, &_CKespTCP::get_State);
+    if (state != *way.still) trial.Fail("the way did not hang: the state is " + std::to_string(static_cast<int>(state)));
+  }
   stage.peer.Recover();
   stage.PointAt(stage.peer.address());
   JudgeAfterwards(trial, stage, IsOperation(member.name));
@@ -231,10 +238,50 @@ void AddUpdateCell(Cells& cells) {
                    }});
 }
 
+// An instrument greets whoever connects: the first read brings the greeting, as the reference says, and a client that
+// reads it before its command gets the command's reply.
+void AddGreetingCells(Cells& cells) {
+  const auto greet = [](Talk& talk) {
+    talk.Send(std::string(kStale) + "\r");
+    std::string command;
+    while (talk.Command(command) && talk.Send("=" + command + "\r")) {
+    }
+  };
+  cells.push_back({.transport = "TCP",
+                   .member = "CKespTCP.ReadLine",
+                   .way = "greeting, read before the command",
+                   .specified = {"True"},
+                   .limit = kTcpWait,
+                   .play = [=](Trial& trial) {
+                     TcpStage stage;
+                     stage.peer.Behave(greet);
+                     trial.Require("Initialize", stage.Initialize().result == "True");
+                     trial.NoteAnnouncedReply(stage.ReadLine());
+                     const std::string token = trial.NewToken();
+                     stage.WriteLine(token);
+                     trial.JudgeReply(trial.Call([&] { return stage.ReadLine(); }), token);
+                     stage.peer.Recover();
+                     JudgeAfterwards(trial, stage, false);
+                   }});
+  cells.push_back({.transport = "TCP",
+                   .member = "CKespCommObj.Query",
+                   .way = "greeting",
+                   .specified = {"True"},
+                   .limit = kTcpWait,
+                   .play = [=](Trial& trial) {
+                     TcpStage stage;
+                     stage.peer.Behave(greet);
+                     trial.NoteAnnouncedReply(trial.Call([&] { return stage.Query(trial.NewToken()); }));
+                     stage.peer.Recover();
+                     JudgeAfterwards(trial, stage, true);
+                   }});
+}
+
 }  // namespace
 
 Cells TcpCells() {
   Cells cells;
+  AddGreetingCells(cells);
   AddConnectingCells(cells);
   AddPromptCells(cells);
   AddUpdateCell(cells);

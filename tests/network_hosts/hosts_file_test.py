@@ -13,7 +13,7 @@ sys.dont_write_bytecode = True  # the tree stays as it is
 HERE = pathlib.Path(__file__).resolve().parent
 LIB = HERE.parents[1] / "tools" / "lib"
 sys.path.insert(0, str(LIB))
-from hosts_file import Host, HostsFileError, read_hosts  # noqa: E402
+from hosts_file import Host, HostsFileError, read_hosts, read_name_server  # noqa: E402
 
 
 class HostsFileTest(unittest.TestCase):
@@ -55,6 +55,15 @@ class HostsFileTest(unittest.TestCase):
 
     def test_read_no_hosts_is_allowed(self):
         self.assertEqual(self.read({"description": "nobody", "hosts": []}), [])
+
+    def test_read_name_server_is_an_address_or_left_out(self):
+        self.read({"hosts": []})
+        self.assertIsNone(read_name_server(self.file))
+        self.read({"hosts": [], "name_server": "10.88.0.53"})
+        self.assertEqual(read_name_server(self.file), ipaddress.IPv4Address("10.88.0.53"))
+        self.read({"hosts": [], "name_server": "there"})
+        with self.assertRaisesRegex(HostsFileError, "name_server"):
+            read_name_server(self.file)
 
     def test_read_what_is_no_description_of_hosts_is_refused(self):
         self.assert_refused("{", "line 1")
