@@ -1,4 +1,5 @@
-// The moment at which a call of this thread shows a message box: its own time is over then, and the user's begins.
+// The moment at which a call of this thread shows a message box: its own time is over then, and the user's
+// begins.
 #pragma once
 
 #include <windows.h>

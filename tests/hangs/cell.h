@@ -24,10 +24,11 @@ struct Cell {
   std::vector<std::string> specified = {};
   // The longest that the call may take by the reference: the upper end, where a wait is in steps of seconds.
   Milliseconds limit{0};
-  // The limit counts from the last of certain events, such as arrivals, where a wait is for what comes after them.
+  // The limit counts from the last of certain events, such as arrivals, where a wait is for what comes after
+  // them.
   bool counts_from_event = false;
-  // The reference's words where the wait has no limit by design. The trial puts an end to it, from which the limit
-  // counts.
+  // The reference's words where the wait has no limit by design. The trial puts an end to it, from which the
+  // limit counts.
   std::string without_limit = {};
   std::function<void(Trial&)> play = {};
 

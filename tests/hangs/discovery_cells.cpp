@@ -43,8 +43,8 @@ class Responder {
     while (!ending_) {
       if (!WaitReadable(socket_, 10)) continue;
       int size = sizeof from;
-      if (recvfrom(socket_, request.data(), static_cast<int>(request.size()), 0, reinterpret_cast<sockaddr*>(&from),
-                   &size) > 0) {
+      if (recvfrom(socket_, request.data(), static_cast<int>(request.size()), 0,
+                   reinterpret_cast<sockaddr*>(&from), &size) > 0) {
         Answer(from);
       }
     }
@@ -53,12 +53,13 @@ class Responder {
     const Clock::time_point end = Clock::now() + Milliseconds(4000);
     if (answers_ == Answers::kNone) return;
     if (answers_ == Answers::kLate) {
-      while (!ending_ && Clock::now() < end - Milliseconds(1500)) std::this_thread::sleep_for(Milliseconds(10));
+      while (!ending_ && Clock::now() < end - Milliseconds(1500))
+        std::this_thread::sleep_for(Milliseconds(10));
     }
     const std::string datagram(30, answers_ == Answers::kForeignWithoutEnd ? 'x' : '\xF7');
     do {
-      sendto(socket_, datagram.data(), static_cast<int>(datagram.size()), 0, reinterpret_cast<const sockaddr*>(&to),
-             sizeof to);
+      sendto(socket_, datagram.data(), static_cast<int>(datagram.size()), 0,
+             reinterpret_cast<const sockaddr*>(&to), sizeof to);
     } while (!ending_ && answers_ >= Answers::kWithoutEnd && Clock::now() < end);
   }
 
@@ -93,7 +94,8 @@ std::vector<Found> Ways() {
   return ways;
 }
 
-Cell DiscoveryCell(const std::string& member, const Found& found, const std::function<Outcome(TcpStage&)>& call) {
+Cell DiscoveryCell(const std::string& member, const Found& found,
+                   const std::function<Outcome(TcpStage&)>& call) {
   Cell cell{.transport = "discovery", .member = member, .way = found.way};
   const bool answers = found.answers == Answers::kOne || found.answers == Answers::kWithoutEnd;
   cell.specified = {answers ? "True" : "False"};
@@ -121,12 +123,13 @@ Cell DiscoveryCell(const std::string& member, const Found& found, const std::fun
 Cells DiscoveryCells() {
   Cells cells;
   for (const Found& found : Ways()) {
-    cells.push_back(DiscoveryCell("CKespTCP.AutoDetect", found, [](TcpStage& stage) { return stage.AutoDetect(); }));
+    cells.push_back(
+        DiscoveryCell("CKespTCP.AutoDetect", found, [](TcpStage& stage) { return stage.AutoDetect(); }));
   }
   for (const Found& found : Ways()) {
     if (found.waits > 0) continue;
-    cells.push_back(
-        DiscoveryCell("CKespCommObj.DetectInstrument", found, [](TcpStage& stage) { return stage.DetectInstrument(); }));
+    cells.push_back(DiscoveryCell("CKespCommObj.DetectInstrument", found,
+                                  [](TcpStage& stage) { return stage.DetectInstrument(); }));
   }
   return cells;
 }

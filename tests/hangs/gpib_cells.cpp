@@ -13,8 +13,9 @@ constexpr Milliseconds kDetectionWait{1000};
 constexpr Milliseconds kEnd{700};
 constexpr char kForEver[] = "with toNone there is no limit (timeouts.md, On the GPIB)";
 
-// The devices, by their manners: 5 is well, and misbehaves on some commands; 6 sends no END; 7 keeps replies that were
-// not read. A search asks 3 and 4, which are silent, before 5, and behind 20 three that answer in vain.
+// The devices, by their manners: 5 is well, and misbehaves on some commands; 6 sends no END; 7 keeps replies
+// that were not read. A search asks 3 and 4, which are silent, before 5, and behind 20 three that answer in
+// vain.
 constexpr char kBus[] = R"({"devices": [
   {"gpib": {"primary": 3}, "commands": {}},
   {"gpib": {"primary": 4}, "commands": {}},
@@ -44,8 +45,12 @@ class GpibStage {
     PointAt(kWellAddress);
   }
 
-  void PointAt(short address) { EXPECT_EQ(clients::Write(device, &_CKespIEEE::put_PrimaryAddress, address), S_OK); }
-  void SetTimeOut(ETimeOutSecs code) { EXPECT_EQ(clients::Write(device, &_CKespIEEE::put_TimeOutSecs, code), S_OK); }
+  void PointAt(short address) {
+    EXPECT_EQ(clients::Write(device, &_CKespIEEE::put_PrimaryAddress, address), S_OK);
+  }
+  void SetTimeOut(ETimeOutSecs code) {
+    EXPECT_EQ(clients::Write(device, &_CKespIEEE::put_TimeOutSecs, code), S_OK);
+  }
 
   Outcome Initialize() {
     return Answering([&](VARIANT_BOOL* answer) { return device->Initialize(answer); });
@@ -61,8 +66,9 @@ class GpibStage {
     return Reading([&](BSTR* reply, VARIANT_BOOL* answer) { return device->ReadLine(reply, answer); });
   }
   Outcome AutoDetect(ESearchOption option) {
-    return Reading(
-        [&](BSTR* reply, VARIANT_BOOL* answer) { return device->AutoDetect(reply, dlSCPIOnly, option, answer); });
+    return Reading([&](BSTR* reply, VARIANT_BOOL* answer) {
+      return device->AutoDetect(reply, dlSCPIOnly, option, answer);
+    });
   }
   Outcome DetectInstrument() {
     return Reading(
@@ -78,7 +84,8 @@ class GpibStage {
   Outcome Update(const std::string& cmd) {
     const clients::Text text(TextOfBytes(cmd));
     return WithStatus(
-        Answering([&](VARIANT_BOOL* answer) { return comm->Update(text.get(), nullptr, nullptr, answer); }), comm);
+        Answering([&](VARIANT_BOOL* answer) { return comm->Update(text.get(), nullptr, nullptr, answer); }),
+        comm);
   }
   Outcome Exchange(const std::string& cmd) {
     const Outcome sent = WriteLine(cmd);
@@ -177,7 +184,8 @@ void AddQueryCells(Cells& cells) {
   }
 }
 
-// The unread rest of an earlier reply: it is gone when the device drops it at the next command, or is cleared.
+// The unread rest of an earlier reply: it is gone when the device drops it at the next command, or is
+// cleared.
 void AddStaleCells(Cells& cells) {
   for (const short address : {short{5}, short{7}}) {
     const std::string keeps = address == 7 ? " that the device keeps" : "";
@@ -225,8 +233,10 @@ void AddMissingDeviceCells(Cells& cells) {
   add("CKespIEEE.Uninitialize", "True", true, [](GpibStage& stage) { return stage.Uninitialize(); });
   add("CKespIEEE.WriteLine", Raised(ERR_IBWRT), true, [](GpibStage& stage) { return stage.WriteLine("T"); });
   add("CKespIEEE.ReadLine", Raised(ERR_IBRD), true, [](GpibStage& stage) { return stage.ReadLine(); });
-  add("CKespCommObj.Query", FalseWith(cfrWriteFailed), false, [](GpibStage& stage) { return stage.Query("T"); });
-  add("CKespCommObj.Update", FalseWith(cfrWriteFailed), false, [](GpibStage& stage) { return stage.Update("T"); });
+  add("CKespCommObj.Query", FalseWith(cfrWriteFailed), false,
+      [](GpibStage& stage) { return stage.Query("T"); });
+  add("CKespCommObj.Update", FalseWith(cfrWriteFailed), false,
+      [](GpibStage& stage) { return stage.Update("T"); });
 }
 
 // The driver waits for ever; the trial takes the descriptor away from it.
@@ -261,12 +271,13 @@ void AddEndlessDriverCells(Cells& cells) {
                      }});
   };
   add("CKespIEEE.ReadLine", Raised(ERR_IBRD), true, [](GpibStage& stage) { return stage.ReadLine(); });
-  add("CKespCommObj.Query", FalseWith(cfrReadFailed), false, [](GpibStage& stage) { return stage.Query("SILENT?"); });
+  add("CKespCommObj.Query", FalseWith(cfrReadFailed), false,
+      [](GpibStage& stage) { return stage.Query("SILENT?"); });
 }
 
 void AddDetectionCells(Cells& cells) {
-  const auto add = [&](const std::string& member, const std::string& way, const std::string& result, int waits,
-                       const std::function<Outcome(GpibStage&)>& call) {
+  const auto add = [&](const std::string& member, const std::string& way, const std::string& result,
+                       int waits, const std::function<Outcome(GpibStage&)>& call) {
     cells.push_back({.transport = "GPIB",
                      .member = member,
                      .way = way,

@@ -132,11 +132,13 @@ void HangingPeer::Refuse() {
   StopListening();
 }
 
-// The queue of a listener that accepts nobody has room for one; when that is taken, the system drops further requests.
+// The queue of a listener that accepts nobody has room for one; when that is taken, the system drops further
+// requests.
 void HangingPeer::IgnoreConnections() {
   StopListening();
   listener_ = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-  if (!Bind(listener_, address_, port_) || listen(listener_, 0) != 0) throw std::runtime_error("no port to ignore");
+  if (!Bind(listener_, address_, port_) || listen(listener_, 0) != 0)
+    throw std::runtime_error("no port to ignore");
   const sockaddr_in name = Name(address_, port_);
   for (int i = 0; i < 4; ++i) {
     const SOCKET filler = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);

@@ -17,12 +17,13 @@
 
 namespace kesp::hangs {
 
-// One connection in the hands of a way to behave. Each call returns false when the way is over: the connection is gone,
-// or the peer is to behave in another one.
+// One connection in the hands of a way to behave. Each call returns false when the way is over: the
+// connection is gone, or the peer is to behave in another one.
 class Talk {
  public:
   // Ways have numbers; `present` is the one that is in force.
-  Talk(SOCKET connection, const std::atomic<unsigned>& present) : connection_(connection), present_(present) {}
+  Talk(SOCKET connection, const std::atomic<unsigned>& present)
+      : connection_(connection), present_(present) {}
 
   void Begin(unsigned way) { way_ = way; }
 
@@ -49,8 +50,8 @@ class Talk {
   bool is_over_ = false;
 };
 
-// Listens on an address of this machine. Well, it answers each command with "=", the command and a carriage return. A
-// connection lives on when the peer becomes ill or well, unless its way closes it.
+// Listens on an address of this machine. Well, it answers each command with "=", the command and a carriage
+// return. A connection lives on when the peer becomes ill or well, unless its way closes it.
 class HangingPeer {
  public:
   using Way = std::function<void(Talk&)>;

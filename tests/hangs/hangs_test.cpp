@@ -34,7 +34,8 @@ std::string NameOf(ITypeInfo* info, MEMBERID member) {
   return BytesOfText(name.str());
 }
 
-// Adds the methods of an interface, those of IDispatch and properties aside: a property only stores or returns.
+// Adds the methods of an interface, those of IDispatch and properties aside: a property only stores or
+// returns.
 void AddMethods(ITypeInfo* info, std::set<std::string>& methods) {
   TYPEATTR* attributes = nullptr;
   ASSERT_EQ(info->GetTypeAttr(&attributes), S_OK);
@@ -43,7 +44,8 @@ void AddMethods(ITypeInfo* info, std::set<std::string>& methods) {
   for (UINT i = 0; is_class_interface && i < attributes->cFuncs; ++i) {
     FUNCDESC* function = nullptr;
     if (FAILED(info->GetFuncDesc(i, &function))) continue;
-    const bool is_own = (function->wFuncFlags & FUNCFLAG_FRESTRICTED) == 0 && function->invkind == INVOKE_FUNC;
+    const bool is_own =
+        (function->wFuncFlags & FUNCFLAG_FRESTRICTED) == 0 && function->invkind == INVOKE_FUNC;
     if (is_own) methods.insert(name.substr(1) + "." + NameOf(info, function->memid));
     info->ReleaseFuncDesc(function);
   }
@@ -66,7 +68,8 @@ TEST(HangsTest, EveryMethodIsInTheMatrix_OrSaidNotToBlock) {
   const std::set<std::string> members = MembersOfMatrix();
   EXPECT_GT(methods.size(), 30U);
   for (const std::string& method : methods) {
-    EXPECT_NE(members.contains(method), kDoesNotBlock.contains(method)) << method << " is in neither, or in both";
+    EXPECT_NE(members.contains(method), kDoesNotBlock.contains(method))
+        << method << " is in neither, or in both";
   }
   for (const auto& [method, reason] : kDoesNotBlock) EXPECT_TRUE(methods.contains(method)) << method;
   for (const std::string& member : members) {
@@ -84,8 +87,8 @@ class HangsCellTest : public testing::TestWithParam<const char*> {
 
 TEST_P(HangsCellTest, ComesBackWithTheRightResult_AndWorksAgain) {
   const Cells cells = AllCells();
-  const auto cell =
-      std::find_if(cells.begin(), cells.end(), [](const Cell& candidate) { return candidate.Name() == GetParam(); });
+  const auto cell = std::find_if(cells.begin(), cells.end(),
+                                 [](const Cell& candidate) { return candidate.Name() == GetParam(); });
   ASSERT_NE(cell, cells.end());
   Trial trial(*cell);
   Play(trial, *cell);
@@ -94,12 +97,14 @@ TEST_P(HangsCellTest, ComesBackWithTheRightResult_AndWorksAgain) {
 
 INSTANTIATE_TEST_SUITE_P(
     Some, HangsCellTest,
-    testing::Values("TCP: CKespTCP.WriteLine (peer that never reads)", "TCP: CKespTCP.ReadLine (reset in place of a reply)",
-                    "TCP: CKespCommObj.Query (garbage before the reply)",
-                    "serial: CKespCOMPort3.ReadLine, raw (half a reply, then silence)",
-                    "serial: CKespCOMPort3.WriteLine (line that takes nothing, ended by ClosePort in a handler)",
-                    "serial: CKespCommObj.Query (stale bytes before the command)",
-                    "GPIB: CKespIEEE.ReadLine (driver that does not return)", "GPIB: CKespCommObj.Query (late reply)"));
+    testing::Values(
+        "TCP: CKespTCP.WriteLine (peer that never reads)",
+        "TCP: CKespTCP.ReadLine (reset in place of a reply)",
+        "TCP: CKespCommObj.Query (garbage before the reply)",
+        "serial: CKespCOMPort3.ReadLine, raw (half a reply, then silence)",
+        "serial: CKespCOMPort3.WriteLine (line that takes nothing, ended by ClosePort in a handler)",
+        "serial: CKespCommObj.Query (stale bytes before the command)",
+        "GPIB: CKespIEEE.ReadLine (driver that does not return)", "GPIB: CKespCommObj.Query (late reply)"));
 
 }  // namespace
 }  // namespace kesp::hangs

@@ -1,7 +1,9 @@
-// Tries to make the library hang: kesp-hangs tcp|discovery|serial|gpib [--rows REGEX] [--lines FILE] [--list]
+// Tries to make the library hang.
 //
-// Plays the cells of those transports whose names match, one after the other, prints a line for each, and the figures.
-// tools/try-to-hang starts it where the peers can be. Ends with 1 when a promise was broken.
+//   kesp-hangs tcp|discovery|serial|gpib... [--rows REGEX] [--lines FILE] [--list]
+//
+// Plays the cells of those transports whose names match, one after the other, prints a line for each, and the
+// figures. tools/try-to-hang starts it where the peers can be. Ends with 1 when a promise was broken.
 #include <gtest/gtest.h>
 
 #include <cstdio>

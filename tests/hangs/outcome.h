@@ -9,7 +9,8 @@
 namespace kesp::hangs {
 
 struct Outcome {
-  // "True", "False", "done" of a call that answers nothing, "False, status 4" of an operation, "raised -2147221257".
+  // "True", "False", "done" of a call that answers nothing, "False, status 4" of an operation, "raised
+  // -2147221257".
   std::string result;
   // As bytes; empty without one.
   std::string reply = {};
@@ -79,7 +80,8 @@ Outcome Doing(const Call& call) {
 
 // An operation of the communication object: its status goes along when it failed.
 inline Outcome WithStatus(Outcome outcome, const clients::ComPtr<_CKespCommObj>& comm) {
-  if (outcome.result == "False") outcome.result = FalseWith(clients::Read(comm, &_CKespCommObj::get_CommError));
+  if (outcome.result == "False")
+    outcome.result = FalseWith(clients::Read(comm, &_CKespCommObj::get_CommError));
   return outcome;
 }
 

@@ -53,9 +53,11 @@ void Report::NoteWorst(const Cell& cell, const Trial& trial) {
 
 void Report::PrintFigures() const {
   for (const std::string& failure : failures_) Print("failed: " + failure);
-  for (const std::string& cell : spared_) Print("too late the first time only, so the machine's doing: " + cell);
+  for (const std::string& cell : spared_)
+    Print("too late the first time only, so the machine's doing: " + cell);
   for (const auto& [transport, worst] : worst_) {
-    Print("figure worst excess, " + transport + " = " + InMilliseconds(worst.excess) + " (" + worst.cell + ")");
+    Print("figure worst excess, " + transport + " = " + InMilliseconds(worst.excess) + " (" + worst.cell +
+          ")");
   }
   Print("figure cells = " + std::to_string(cells_));
   Print("figure replies that were stale = " + std::to_string(stale_));

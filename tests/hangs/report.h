@@ -20,8 +20,8 @@ class Report {
 
   void PrintFigures() const;
 
-  // Whether a promise was broken: an excess that shows again when the cell is repeated, a stale reply, an object that
-  // did not work again, a result that is not specified.
+  // Whether a promise was broken: an excess that shows again when the cell is repeated, a stale reply, an
+  // object that did not work again, a result that is not specified.
   bool IsBroken() const { return broken_ > 0; }
 
  private:

@@ -8,7 +8,6 @@ namespace kesp::hangs {
 
 namespace {
 
-
 // What a driver may take to give back writes, and to release a port that was just closed.
 constexpr Milliseconds kWritesBack{200};
 constexpr Milliseconds kJustClosed{500};
@@ -23,7 +22,8 @@ struct LineMember {
   std::function<Outcome(SerialStage&)> call;
 };
 
-Outcome Asked(SerialStage& stage, HRESULT (STDMETHODCALLTYPE _CKespCOMPort3::*question)(short, VARIANT_BOOL*)) {
+Outcome Asked(SerialStage& stage,
+              HRESULT (STDMETHODCALLTYPE _CKespCOMPort3::*question)(short, VARIANT_BOOL*)) {
   return Answering([&](VARIANT_BOOL* answer) {
     return (stage.port.Get()->*question)(static_cast<short>(clients::SerialWire::PortNumber()), answer);
   });
@@ -31,10 +31,12 @@ Outcome Asked(SerialStage& stage, HRESULT (STDMETHODCALLTYPE _CKespCOMPort3::*qu
 
 std::vector<LineMember> LineMembers() {
   return {
-      {"CKespCOMPort3.ClosePort", "done", kWritesBack, kNone, [](SerialStage& stage) { return stage.ClosePort(); }},
+      {"CKespCOMPort3.ClosePort", "done", kWritesBack, kNone,
+       [](SerialStage& stage) { return stage.ClosePort(); }},
       {"CKespCOMPort3.OpenPort, again", "True", kWritesBack + kJustClosed, kJustClosed,
        [](SerialStage& stage) { return stage.OpenPort(); }},
-      {"CKespCOMPort3.ClearBuffers", "done", kNone, kNone, [](SerialStage& stage) { return stage.ClearBuffers(); }},
+      {"CKespCOMPort3.ClearBuffers", "done", kNone, kNone,
+       [](SerialStage& stage) { return stage.ClearBuffers(); }},
       {"CKespCOMPort3.PortExists", "True", kJustClosed, kJustClosed,
        [](SerialStage& stage) { return Asked(stage, &_CKespCOMPort3::PortExists); }},
       {"CKespCOMPort3.IsPortAvailable", "False", kJustClosed, kJustClosed,
@@ -164,7 +166,8 @@ void AddTransmissionCells(Cells& cells) {
 // A port that was just closed, by this object, may be looked at at once.
 void AddJustClosedCells(Cells& cells) {
   const std::vector<LineMember> members{
-      {"CKespCOMPort3.OpenPort", "True", kNone, kJustClosed, [](SerialStage& stage) { return stage.OpenPort(); }},
+      {"CKespCOMPort3.OpenPort", "True", kNone, kJustClosed,
+       [](SerialStage& stage) { return stage.OpenPort(); }},
       {"CKespCOMPort3.PortExists", "True", kNone, kJustClosed,
        [](SerialStage& stage) { return Asked(stage, &_CKespCOMPort3::PortExists); }},
       {"CKespCOMPort3.IsPortAvailable", "True", kNone, kJustClosed,

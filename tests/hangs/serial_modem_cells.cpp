@@ -12,7 +12,8 @@ constexpr Milliseconds kModemTimeOut{300};
 
 struct ModemMember {
   std::string name;
-  // How many times TimeOut it takes when the modem confirms "+++" and nothing else, and what it comes to then.
+  // How many times TimeOut it takes when the modem confirms "+++" and nothing else, and what it comes to
+  // then.
   int waits;
   std::string half_deaf;
   // What it comes to when the modem does not answer at all, and when its port fails.
@@ -27,7 +28,8 @@ std::vector<ModemMember> ModemMembers() {
          clients::Text texts[6];
          return Answering([&](VARIANT_BOOL* answer) {
            return stage.port->RFReadModemSettings(texts[0].in_out(), texts[1].in_out(), texts[2].in_out(),
-                                                  texts[3].in_out(), texts[4].in_out(), texts[5].in_out(), answer);
+                                                  texts[3].in_out(), texts[4].in_out(), texts[5].in_out(),
+                                                  answer);
          });
        }},
       {"CKespCOMPort3.RFWriteModemSettings", 7, "True", "True",

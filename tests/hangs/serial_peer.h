@@ -14,7 +14,8 @@ namespace kesp::hangs {
 
 class SerialPeer;
 
-// The line in the hands of a way to behave. Each call returns false when the peer is to behave in another one.
+// The line in the hands of a way to behave. Each call returns false when the peer is to behave in another
+// one.
 class LineTalk {
  public:
   LineTalk(SerialPeer& peer, clients::SerialWire& wire) : peer_(peer), wire_(wire) {}

@@ -23,10 +23,14 @@ struct Words {
 
   std::string Of(Ends end) const {
     switch (end) {
-      case Ends::kReply: return "True";
-      case Ends::kTimeOut: return time_out;
-      case Ends::kBroken: return broken;
-      case Ends::kInvalid: return invalid;
+      case Ends::kReply:
+        return "True";
+      case Ends::kTimeOut:
+        return time_out;
+      case Ends::kBroken:
+        return broken;
+      case Ends::kInvalid:
+        return invalid;
     }
     return {};
   }
@@ -59,9 +63,10 @@ std::vector<Member> Members() {
   using enum ReplyMode;
   return {
       {"CKespCOMPort3.ReadLine", raising, EndOfReply::kLf, kToLf, kSerialTimeOut, false, "", false, read},
-      {"CKespCOMPort3.ReadLine, ended by silence", raising, EndOfReply::kSilence, kToSilence, kSerialTimeOut, false,
-       "", false, read},
-      {"CKespCOMPort3.ReadLine, raw", raising, EndOfReply::kRawSilence, kRaw, kSerialTimeOut, false, "", false, read},
+      {"CKespCOMPort3.ReadLine, ended by silence", raising, EndOfReply::kSilence, kToSilence, kSerialTimeOut,
+       false, "", false, read},
+      {"CKespCOMPort3.ReadLine, raw", raising, EndOfReply::kRawSilence, kRaw, kSerialTimeOut, false, "",
+       false, read},
       {"CKespCOMPort3.ReadLineBinary", showing, EndOfReply::kGap, kToLf, kSerialTimeOut, false, "", true,
        [](SerialStage& stage, const std::string&) { return stage.ReadLineBinary(); }},
       {"CKespCOMPort3.Download", downloading, EndOfReply::kDownload, kToLf, kSerialTimeOut, false, "", true,
@@ -72,8 +77,8 @@ std::vector<Member> Members() {
        [](SerialStage& stage, const std::string& cmd) { return stage.Query(cmd); }},
       {"CKespCommObj.QueryBinary", querying_bytes, EndOfReply::kGap, kToLf, kSerialTimeOut, true, "", true,
        [](SerialStage& stage, const std::string& cmd) { return stage.QueryBinary(cmd); }},
-      {"CKespCommObj.DetectInstrument", detecting, EndOfReply::kLf, kToLf, kDetectionWait, true, "*IDN?", false,
-       [](SerialStage& stage, const std::string&) { return stage.DetectInstrument(); }},
+      {"CKespCommObj.DetectInstrument", detecting, EndOfReply::kLf, kToLf, kDetectionWait, true, "*IDN?",
+       false, [](SerialStage& stage, const std::string&) { return stage.DetectInstrument(); }},
   };
 }
 
@@ -81,10 +86,13 @@ std::vector<Member> Members() {
 Milliseconds Silence(EndOfReply end) {
   switch (end) {
     case EndOfReply::kLf:
-    case EndOfReply::kSilence: return kSerialTimeOut;
+    case EndOfReply::kSilence:
+      return kSerialTimeOut;
     case EndOfReply::kRawSilence:
-    case EndOfReply::kGap: return kQuietGap;
-    case EndOfReply::kDownload: return kGathering + kSerialTimeOut;
+    case EndOfReply::kGap:
+      return kQuietGap;
+    case EndOfReply::kDownload:
+      return kGathering + kSerialTimeOut;
   }
   return {};
 }
@@ -149,7 +157,8 @@ std::vector<SerialWay> Ways() {
       {"silent peer", kTimeOut, kTimeOut, kNoPause, false, false, [](LineTalk&, Trial&) {}},
       {"one byte a second", kTimeOut, kReply, kSecond, true, false, Endless("7", kSecond, false)},
       {"endless data without an end", kTimeOut, kReply, kOften, true, false, Endless(digits, kOften, false)},
-      {"endless data with ends", kReply, kReply, kOften, true, true, Endless("12.5\r\n13.5\r\n", kOften, true)},
+      {"endless data with ends", kReply, kReply, kOften, true, true,
+       Endless("12.5\r\n13.5\r\n", kOften, true)},
       {"half a reply, then silence", kTimeOut, kReply, kNoPause, false, false, Once("=12.", "")},
       {"port pulled", kBroken, kBroken, kNoPause, false, false, Pull},
       {"port pulled in the middle of a reply", kBroken, kBroken, kNoPause, false, false, PullInTheMiddle},
@@ -177,7 +186,8 @@ void PlayReading(Trial& trial, const Member& member, const SerialWay& way) {
     trial.JudgeReply(trial.Call([&] { return member.call(stage, cmd); }), way.has_reply ? cmd : "");
   }
   if (way.name == "late reply") std::this_thread::sleep_for(kLate + kDetectionWait - member.time_out);
-  if (way.silence == Ends::kBroken && !member.opens) trial.Require("ClosePort", stage.ClosePort().result == "done");
+  if (way.silence == Ends::kBroken && !member.opens)
+    trial.Require("ClosePort", stage.ClosePort().result == "done");
   stage.peer.Recover();
   stage.SetMode(ReplyMode::kToLf);
   const std::string token = trial.NewToken();
@@ -217,8 +227,8 @@ Cell ReadingCell(const Member& member, const SerialWay& way) {
   return cell;
 }
 
-// A reply that comes so late that it falls behind the next command counts as that one's, as the reference says; a client
-// that waits before it sends gets its own.
+// A reply that comes so late that it falls behind the next command counts as that one's, as the reference
+// says; a client that waits before it sends gets its own.
 void AddLateReplyCell(Cells& cells) {
   cells.push_back({.transport = "serial",
                    .member = "CKespCOMPort3.ReadLine",
@@ -232,7 +242,8 @@ void AddLateReplyCell(Cells& cells) {
                        std::string command;
                        if (!talk.Command() || !talk.Pause(kLate)) return;
                        talk.Send(std::string("=") + kStale + "\r\n");
-                       if (talk.Command(command) && talk.Pause(Milliseconds(300))) talk.Send("=" + command + "\r\n");
+                       if (talk.Command(command) && talk.Pause(Milliseconds(300)))
+                         talk.Send("=" + command + "\r\n");
                      });
                      stage.WriteLine(trial.NewToken());
                      trial.Call([&] { return stage.ReadLine(); });

@@ -107,8 +107,9 @@ Outcome SerialStage::Download() {
 }
 
 Outcome SerialStage::AutoDetect() {
-  return Reading(
-      [&](BSTR* reply, VARIANT_BOOL* answer) { return port->AutoDetect(reply, dlSCPIOnly, nullptr, answer); });
+  return Reading([&](BSTR* reply, VARIANT_BOOL* answer) {
+    return port->AutoDetect(reply, dlSCPIOnly, nullptr, answer);
+  });
 }
 
 Outcome SerialStage::Query(const std::string& cmd) {
@@ -130,7 +131,8 @@ Outcome SerialStage::QueryBinary(const std::string& cmd) {
 Outcome SerialStage::Update(const std::string& cmd) {
   const Text text(TextOfBytes(cmd));
   return WithStatus(
-      Answering([&](VARIANT_BOOL* answer) { return comm->Update(text.get(), nullptr, nullptr, answer); }), comm);
+      Answering([&](VARIANT_BOOL* answer) { return comm->Update(text.get(), nullptr, nullptr, answer); }),
+      comm);
 }
 
 Outcome SerialStage::DetectInstrument() {

@@ -52,7 +52,8 @@ class SerialStage {
   void SetTimeOut(Milliseconds time);
   void SetRate(EKespBaudRate3 rate);
   void UseSwitch(bool use);
-  // The peer takes nothing from now on; in a WriteLine that is stuck then, a handler of WriteUpdate does this, once.
+  // The peer takes nothing from now on; in a WriteLine that is stuck then, a handler of WriteUpdate does
+  // this, once.
   void OnFullLine(const std::function<void()>& act);
   // The client's references, and its handler's connection.
   void ReleaseAll();

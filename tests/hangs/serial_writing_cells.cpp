@@ -1,4 +1,5 @@
-// The cells of what writes at a COM port that takes nothing, or that is pulled, and of a release in the middle.
+// The cells of what writes at a COM port that takes nothing, or that is pulled, and of a release in the
+// middle.
 #include "tests/hangs/serial_cells.h"
 #include "tests/hangs/serial_stage.h"
 #include "tests/hangs/trial.h"
@@ -21,9 +22,15 @@ struct Ending {
 
 std::vector<Ending> Endings() {
   return {
-      {"ClearBuffers in a handler", {"True"}, Milliseconds(0), [](SerialStage& stage) { stage.ClearBuffers(); }},
+      {"ClearBuffers in a handler",
+       {"True"},
+       Milliseconds(0),
+       [](SerialStage& stage) { stage.ClearBuffers(); }},
       // The driver has a fifth of a second to give back its writes.
-      {"ClosePort in a handler", {RaisedControl(8018)}, Milliseconds(200), [](SerialStage& stage) { stage.ClosePort(); }},
+      {"ClosePort in a handler",
+       {RaisedControl(8018)},
+       Milliseconds(200),
+       [](SerialStage& stage) { stage.ClosePort(); }},
   };
 }
 
@@ -51,7 +58,8 @@ void AddHandlerCells(Cells& cells) {
                            trial.CountFromNow();
                            ending.act(stage);
                          });
-                         trial.Call([&] { return stage.WriteLine(std::string(kMoreThanLine, 'x'), cr_before); });
+                         trial.Call(
+                             [&] { return stage.WriteLine(std::string(kMoreThanLine, 'x'), cr_before); });
                          JudgeAfterwards(trial, stage);
                        }});
     }
@@ -68,13 +76,25 @@ struct Writer {
 
 std::vector<Writer> Writers() {
   return {
-      {"CKespCOMPort3.WriteLine", "True", {RaisedControl(8012), RaisedControl(8020)}, false,
+      {"CKespCOMPort3.WriteLine",
+       "True",
+       {RaisedControl(8012), RaisedControl(8020)},
+       false,
        [](SerialStage& stage, const std::string& cmd) { return stage.WriteLine(cmd); }},
-      {"CKespCommObj.Update", "True", {FalseWith(cfrWriteFailed)}, true,
+      {"CKespCommObj.Update",
+       "True",
+       {FalseWith(cfrWriteFailed)},
+       true,
        [](SerialStage& stage, const std::string& cmd) { return stage.Update(cmd); }},
-      {"CKespCommObj.Query", FalseWith(cfrTimeout), {FalseWith(cfrWriteFailed)}, true,
+      {"CKespCommObj.Query",
+       FalseWith(cfrTimeout),
+       {FalseWith(cfrWriteFailed)},
+       true,
        [](SerialStage& stage, const std::string& cmd) { return stage.Query(cmd); }},
-      {"CKespCommObj.QueryBinary", FalseWith(cfrTimeout), {FalseWith(cfrWriteFailed)}, true,
+      {"CKespCommObj.QueryBinary",
+       FalseWith(cfrTimeout),
+       {FalseWith(cfrWriteFailed)},
+       true,
        [](SerialStage& stage, const std::string& cmd) { return stage.QueryBinary(cmd); }},
   };
 }

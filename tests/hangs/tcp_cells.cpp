@@ -16,11 +16,16 @@ struct Words {
 
   std::string Of(Ends end) const {
     switch (end) {
-      case Ends::kReply: return "True";
-      case Ends::kTimeOut: return time_out;
-      case Ends::kNoConnection: return no_connection;
-      case Ends::kOverrun: return overrun;
-      case Ends::kInvalid: return invalid;
+      case Ends::kReply:
+        return "True";
+      case Ends::kTimeOut:
+        return time_out;
+      case Ends::kNoConnection:
+        return no_connection;
+      case Ends::kOverrun:
+        return overrun;
+      case Ends::kInvalid:
+        return invalid;
     }
     return {};
   }
@@ -107,7 +112,8 @@ void AddReadingCells(Cells& cells) {
   for (const Member& member : ReadingMembers()) {
     for (const TcpWay& way : TcpReadingWays()) {
       Cell cell{.transport = "TCP", .member = member.name, .way = way.name, .limit = kTcpWait};
-      for (const Ends end : way.ends[static_cast<int>(member.reads)]) cell.specified.push_back(member.words.Of(end));
+      for (const Ends end : way.ends[static_cast<int>(member.reads)])
+        cell.specified.push_back(member.words.Of(end));
       cell.play = [=](Trial& trial) { PlayReading(trial, member, way); };
       cells.push_back(std::move(cell));
     }
@@ -127,11 +133,14 @@ struct ConnectingWay {
 std::vector<ConnectingWay> ConnectingWays() {
   return {
       {"refused connection", 1, false, [](TcpStage& stage) { stage.peer.Refuse(); }},
-      {"dropped connection", 4, false, [](TcpStage& stage) { stage.peer.IgnoreConnections(); }, sckConnecting},
+      {"dropped connection", 4, false, [](TcpStage& stage) { stage.peer.IgnoreConnections(); },
+       sckConnecting},
       {"look-up that hangs", 1, false, [](TcpStage& stage) { stage.PointAt("instrument.example"); },
        sckResolvingHost},
-      {"closed at once", 1, true, [](TcpStage& stage) { stage.peer.Behave([](Talk& talk) { talk.Close(); }); }},
-      {"reset at once", 1, true, [](TcpStage& stage) { stage.peer.Behave([](Talk& talk) { talk.Reset(); }); }},
+      {"closed at once", 1, true,
+       [](TcpStage& stage) { stage.peer.Behave([](Talk& talk) { talk.Close(); }); }},
+      {"reset at once", 1, true,
+       [](TcpStage& stage) { stage.peer.Behave([](Talk& talk) { talk.Reset(); }); }},
   };
 }
 
@@ -143,7 +152,8 @@ void PlayConnecting(Trial& trial, const Member& member, const ConnectingWay& way
   trial.JudgeReply(trial.Call([&] { return member.call(stage, cmd); }), "");
   if (way.still && member.name == "CKespTCP.Initialize") {
     const EKespTCPState state = clients::Read(stage.tcp, &_CKespTCP::get_State);
-    if (state != *way.still) trial.Fail("the way did not hang: the state is " + std::to_string(static_cast<int>(state)));
+    if (state != *way.still)
+      trial.Fail("the way did not hang: the state is " + std::to_string(static_cast<int>(state)));
   }
   stage.peer.Recover();
   stage.PointAt(stage.peer.address());
@@ -159,7 +169,10 @@ void AddConnectingCells(Cells& cells) {
                      [](TcpStage& stage, const std::string& cmd) { return stage.Update(cmd); }});
   for (const Member& member : members) {
     for (const ConnectingWay& way : ConnectingWays()) {
-      Cell cell{.transport = "TCP", .member = member.name, .way = way.name, .specified = {member.words.unconnected}};
+      Cell cell{.transport = "TCP",
+                .member = member.name,
+                .way = way.name,
+                .specified = {member.words.unconnected}};
       if (way.may_connect) {
         const Words& words = member.words;
         cell.specified.insert(cell.specified.end(), {words.time_out, words.no_connection});
@@ -238,8 +251,8 @@ void AddUpdateCell(Cells& cells) {
                    }});
 }
 
-// An instrument greets whoever connects: the first read brings the greeting, as the reference says, and a client that
-// reads it before its command gets the command's reply.
+// An instrument greets whoever connects: the first read brings the greeting, as the reference says, and a
+// client that reads it before its command gets the command's reply.
 void AddGreetingCells(Cells& cells) {
   const auto greet = [](Talk& talk) {
     talk.Send(std::string(kStale) + "\r");

@@ -43,11 +43,13 @@ Outcome TcpStage::ReadLine() {
 }
 
 Outcome TcpStage::ReadLineBinary(long gap) {
-  return ReadingBytes([&](VARIANT* reply, VARIANT_BOOL* answer) { return tcp->ReadLineBinary(reply, gap, answer); });
+  return ReadingBytes(
+      [&](VARIANT* reply, VARIANT_BOOL* answer) { return tcp->ReadLineBinary(reply, gap, answer); });
 }
 
 Outcome TcpStage::AutoDetect() {
-  return Reading([&](BSTR* reply, VARIANT_BOOL* answer) { return tcp->AutoDetect(reply, dlSCPIOnly, answer); });
+  return Reading(
+      [&](BSTR* reply, VARIANT_BOOL* answer) { return tcp->AutoDetect(reply, dlSCPIOnly, answer); });
 }
 
 Outcome TcpStage::Query(const std::string& cmd) {
@@ -69,7 +71,8 @@ Outcome TcpStage::QueryBinary(const std::string& cmd) {
 Outcome TcpStage::Update(const std::string& cmd) {
   const Text text(TextOfBytes(cmd));
   return WithStatus(
-      Answering([&](VARIANT_BOOL* answer) { return comm->Update(text.get(), nullptr, nullptr, answer); }), comm);
+      Answering([&](VARIANT_BOOL* answer) { return comm->Update(text.get(), nullptr, nullptr, answer); }),
+      comm);
 }
 
 Outcome TcpStage::DetectInstrument() {

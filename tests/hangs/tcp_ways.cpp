@@ -22,7 +22,8 @@ Way Endless(const std::string& piece, Milliseconds gap) {
 }
 
 // What comes after a command, with "=" and the command in place of "@".
-Way Answer(const std::string& form, const std::function<void(Talk&)>& then = [](Talk&) {}) {
+Way Answer(
+    const std::string& form, const std::function<void(Talk&)>& then = [](Talk&) {}) {
   return [form, then](Talk& talk) {
     std::string command;
     if (!talk.Command(command)) return;
@@ -93,9 +94,17 @@ std::vector<TcpWay> TcpReadingWays() {
       {"half a reply, then silence", Answer("=12."), {time_out, reply, time_out, reply}, false},
       {"closed in place of a reply", Answer("", CloseIt), {gone, gone, gone, gone}},
       {"reset in place of a reply", Answer("", ResetIt), {gone, gone, gone, gone}},
-      {"closed in the middle of a reply", Answer("=12.", CloseIt), {gone, partly_gone, gone, partly_gone}, false},
-      {"reset in the middle of a reply", Answer("=12.", ResetIt), {gone, partly_gone, gone, partly_gone}, false},
-      {"closed behind the reply", Answer("@\r", CloseIt), {partly_gone, partly_gone, partly_gone, partly_gone}},
+      {"closed in the middle of a reply",
+       Answer("=12.", CloseIt),
+       {gone, partly_gone, gone, partly_gone},
+       false},
+      {"reset in the middle of a reply",
+       Answer("=12.", ResetIt),
+       {gone, partly_gone, gone, partly_gone},
+       false},
+      {"closed behind the reply",
+       Answer("@\r", CloseIt),
+       {partly_gone, partly_gone, partly_gone, partly_gone}},
       {"late reply", Late(), {time_out, time_out, time_out, time_out}, true, kLate + Milliseconds(200)},
       {"garbage before the reply", Answer("\x81\xFE\xFF@\r"), {{kInvalid}, {kInvalid}, reply, reply}},
   };

@@ -19,7 +19,8 @@ std::string Shown(const std::string& bytes) {
   constexpr std::size_t kMost = 60;
   std::string shown;
   for (const char byte : bytes.substr(0, kMost)) shown += byte >= ' ' && byte <= '~' ? byte : '.';
-  return "\"" + shown + "\"" + (bytes.size() > kMost ? "... of " + std::to_string(bytes.size()) + " bytes" : "");
+  return "\"" + shown + "\"" +
+         (bytes.size() > kMost ? "... of " + std::to_string(bytes.size()) + " bytes" : "");
 }
 
 }  // namespace
