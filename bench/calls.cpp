@@ -10,15 +10,19 @@ using Microsoft::WRL::ComPtr;
 
 namespace {
 
-// Calls a method with arguments in reverse order and checks that it returned True.
-void InvokeMethod(IDispatch* object, DISPID method, VARIANTARG* arguments, UINT count) {
+// Calls a method with arguments in reverse order; returns what it returned.
+bool InvokeMethod(IDispatch* object, DISPID method, VARIANTARG* arguments, UINT count) {
   DISPPARAMS parameters{arguments, nullptr, count, 0};
   VARIANT succeeded;
   VariantInit(&succeeded);
   CheckResult(object->Invoke(method, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, &succeeded,
                              nullptr, nullptr),
               "a method (late)");
-  if (V_BOOL(&succeeded) == VARIANT_FALSE) throw std::runtime_error("a method (late) returned False");
+  return V_BOOL(&succeeded) != VARIANT_FALSE;
+}
+
+void CheckTrue(bool succeeded) {
+  if (!succeeded) throw std::runtime_error("a method (late) returned False");
 }
 
 }  // namespace
@@ -63,9 +67,7 @@ std::size_t Query(::_CKespCommObj* comm, BSTR cmd) {
   return LengthOf(result);
 }
 
-std::size_t ReadLate(IDispatch* object, DISPID method, BSTR cmd) {
-  VARIANT variable;
-  VariantInit(&variable);
+bool AskLate(IDispatch* object, DISPID method, BSTR cmd, VARIANT* variable) {
   VARIANTARG arguments[2];
   UINT count = 0;
   if (cmd != nullptr) {
@@ -73,8 +75,14 @@ std::size_t ReadLate(IDispatch* object, DISPID method, BSTR cmd) {
     V_BSTR(&arguments[count++]) = cmd;
   }
   V_VT(&arguments[count]) = VT_BYREF | VT_VARIANT;
-  V_VARIANTREF(&arguments[count++]) = &variable;
-  InvokeMethod(object, method, arguments, count);
+  V_VARIANTREF(&arguments[count++]) = variable;
+  return InvokeMethod(object, method, arguments, count);
+}
+
+std::size_t ReadLate(IDispatch* object, DISPID method, BSTR cmd) {
+  VARIANT variable;
+  VariantInit(&variable);
+  CheckTrue(AskLate(object, method, cmd, &variable));
   const std::size_t length = SysStringLen(V_BSTR(&variable));
   VariantClear(&variable);
   return length;
@@ -84,7 +92,7 @@ void WriteLate(IDispatch* object, DISPID method, BSTR cmd) {
   VARIANTARG argument;
   V_VT(&argument) = VT_BSTR;
   V_BSTR(&argument) = cmd;
-  InvokeMethod(object, method, &argument, 1);
+  CheckTrue(InvokeMethod(object, method, &argument, 1));
 }
 
 }  // namespace kesp::bench

@@ -27,7 +27,10 @@ std::size_t LengthOf(BSTR text);
 std::size_t Query(::_CKespCommObj* comm, BSTR cmd);
 
 // A method that takes a variable for its reply and then `cmd` (none when null), as a script calls it; returns
-// the length of the reply. Throws when the method returns False.
+// what the method returned. The caller clears the variable.
+bool AskLate(IDispatch* object, DISPID method, BSTR cmd, VARIANT* variable);
+
+// The same; returns the length of the reply. Throws when the method returns False.
 std::size_t ReadLate(IDispatch* object, DISPID method, BSTR cmd);
 
 // A method that takes `cmd` and returns a Boolean, as a script calls it.
