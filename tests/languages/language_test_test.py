@@ -90,6 +90,18 @@ class LanguageTest(TrialTreeTest):
         self.assertIn("skipped: no compiler", said)
         self.assertNotIn("Wine 8", said)
 
+    def test_figures_count_clients_and_tell_a_failure(self):
+        self.run_client("echo PASS query\necho PASS events\necho DONE")
+        self.run_client("echo no compiler\nexit 77", "--wine", "10")
+        said = self.run_in_tree("tools/client-matrix", "--figures")
+        self.assertEqual(said.returncode, 0)
+        self.assertIn("figure clients that passed = 1 of 1 ", said.stdout)
+        self.assertIn("figure cases that passed = 2\n", said.stdout)
+        self.run_client("echo PASS query\necho FAIL events: silence\necho DONE", "--bits", "32")
+        said = self.run_in_tree("tools/client-matrix", "--figures")
+        self.assertEqual(said.returncode, 1)
+        self.assertIn("figure clients that passed = 1 of 2 ", said.stdout)
+
     def test_page_is_not_written_while_a_row_is_missing(self):
         page = self.tree / "docs" / "clients.md"
         page.parent.mkdir()

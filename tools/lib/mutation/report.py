@@ -84,6 +84,11 @@ def lines(mutations, notes):
         if value:
             yield f"{name}: {', '.join(value) if isinstance(value, list) else value}"
     by_units, by_wine, _, open_ones = counts(mutations)
+    yield f"figure mutations = {len(mutations)}"
+    yield f"figure mutations that the unit tests caught = {by_units}"
+    yield f"figure mutations that only the tests under Wine caught = {by_wine}"
+    yield f"figure mutations that no test caught = {sum(map(missed, mutations))}"
+    yield f"figure mutations that were not judged = {open_ones}"
     yield f"caught: {by_units + by_wine} of {len(mutations)}, {percent(mutations)}; not judged: {open_ones}"
 
 
