@@ -14,6 +14,8 @@ kesp_tree_check(style.reference style "${CMAKE_SOURCE_DIR}/tools/check_reference
 kesp_tree_check(style.reference_itself style "${CMAKE_SOURCE_DIR}/tools/check_reference_test.py")
 kesp_tree_check(image.help image "${CMAKE_SOURCE_DIR}/tools/check_help.py")
 kesp_tree_check(style.mutations style "${CMAKE_SOURCE_DIR}/tools/mutations_test.py")
+kesp_tree_check(style.promises style "${CMAKE_SOURCE_DIR}/tools/check_promises.py")
+kesp_tree_check(style.prove style "${CMAKE_SOURCE_DIR}/tools/prove_test.py")
 foreach(bits IN ITEMS 64 32)
   kesp_tree_check(image.win${bits} image
     "${CMAKE_SOURCE_DIR}/tools/check-image" ${bits} "${CMAKE_SOURCE_DIR}/dist/win${bits}/KespCommObj.dll")
