@@ -52,4 +52,9 @@ function(kesp_fuzz_replay)
   target_include_directories(fuzz_replay PRIVATE "${CMAKE_CURRENT_BINARY_DIR}")
   target_link_libraries(fuzz_replay PRIVATE ${uses} GTest::gmock)
   kesp_compile_as_test(fuzz_replay)
+  # A target whose folders went elsewhere would pass for ever.
+  list(GET targets 0 any)
+  add_test(NAME fuzz.without_input COMMAND fuzz_replay ${any} "${CMAKE_CURRENT_SOURCE_DIR}/nowhere")
+  set_tests_properties(fuzz.without_input PROPERTIES LABELS fuzz TIMEOUT 60
+    PASS_REGULAR_EXPRESSION "there is no input for")
 endfunction()

@@ -71,8 +71,7 @@ class Fuzzer:
         if not written:
             raise RuntimeError(f"{self.name} ended with {self.process.returncode}; see {self.log}")
         reasons = REASON.findall(text)
-        return Finding(self.name, reasons[0] if reasons else "it broke", self.smaller(pathlib.Path(written[-1])),
-                       self.log)
+        return Finding(self.name, reasons[0] if reasons else "it broke", pathlib.Path(written[-1]), self.log)
 
     def look(self):
         """Reads the end of the log: how many inputs, how much of the code they reach."""
@@ -89,10 +88,13 @@ class Fuzzer:
     def smaller(self, file):
         """The smallest input that libFuzzer can make of it in a while and that still breaks something."""
         result = file.with_name(file.name + ".small")
-        subprocess.run(self.command("-minimize_crash=1", f"-max_total_time={SMALLER_SECONDS}",
-                                    f"-exact_artifact_path={result}", file),
-                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, env=environment(), check=False,
-                       timeout=10 * SMALLER_SECONDS)
+        try:
+            subprocess.run(self.command("-minimize_crash=1", f"-max_total_time={SMALLER_SECONDS}",
+                                        f"-exact_artifact_path={result}", file),
+                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, env=environment(), check=False,
+                           timeout=5 * SMALLER_SECONDS)
+        except (OSError, subprocess.TimeoutExpired):
+            pass  # it stays as it is
         return result if result.exists() else file
 
     def stop(self):
@@ -108,7 +110,8 @@ def environment():
 class Queue:
     """Fuzzers that wait for their turn, and what was found."""
 
-    def __init__(self, fuzzers):
+    def __init__(self, fuzzers, say):
+        self.say = say
         self.waiting, self.running = list(fuzzers), []
         self.finding, self.failure = None, None
         self.lock = threading.Lock()
@@ -122,20 +125,24 @@ class Queue:
                 self.running.append(fuzzer)
             try:
                 finding = fuzzer.run(seconds)
-            except (RuntimeError, OSError, subprocess.TimeoutExpired) as failure:
+            except (RuntimeError, OSError) as failure:
                 finding, self.failure = None, failure
             with self.lock:
                 self.running.remove(fuzzer)
-                if finding or self.failure:
-                    self.finding = self.finding or finding
+                is_first = finding and not self.finding
+                self.finding = self.finding or finding
+                if self.finding or self.failure:
                     for other in self.running:
                         other.stop()
+            if is_first:
+                self.say(f"{fuzzer.name}: {finding.kind}; making the input smaller")
+                finding.file = fuzzer.smaller(finding.file)
 
 
 def run_all(fuzzers, seconds, jobs, say):
     """Runs them, `jobs` at a time, for `seconds` together. Returns the first finding, or None."""
     jobs = min(jobs, len(fuzzers))
-    queue = Queue(fuzzers)
+    queue = Queue(fuzzers, say)
     workers = [threading.Thread(target=queue.work, args=(seconds * jobs / len(fuzzers),)) for _ in range(jobs)]
     for worker in workers:
         worker.start()
