@@ -13,6 +13,8 @@ TIMEOUT_SECONDS, MEMORY_MEGABYTES = 5, 2048
 LONGEST_BYTES = 1024
 PROGRESS_SECONDS = 5
 SMALLER_SECONDS = 30
+# The exit code of a program that was stopped, because another one found something or the user pressed Ctrl-C.
+INTERRUPTED = 72
 STATUS = re.compile(r"^#(\d+)\s+\w+\s+cov: (\d+).*?exec/s: (\d+)", re.M)
 EXECUTED = re.compile(r"^stat::number_of_executed_units:\s*(\d+)", re.M)
 WRITTEN = re.compile(r"Test unit written to (\S+)")
@@ -64,8 +66,8 @@ class Fuzzer:
                 self.look()
                 time.sleep(0.3)
         self.look()
-        if self.process.returncode == 0 or self.process.returncode < 0:
-            return None  # negative: stopped, because another one found something
+        if self.process.returncode in (0, INTERRUPTED) or self.process.returncode < 0:
+            return None
         text = self.log.read_text(errors="replace")
         written = WRITTEN.findall(text)
         if not written:
