@@ -4,6 +4,7 @@ import dataclasses
 import os
 import pathlib
 import re
+import signal
 import subprocess
 import threading
 import time
@@ -118,6 +119,11 @@ class Queue:
         self.finding, self.failure = None, None
         self.lock = threading.Lock()
 
+    def stop(self):
+        self.waiting.clear()
+        for fuzzer in list(self.running):
+            fuzzer.stop()
+
     def work(self, seconds):
         while True:
             with self.lock:
@@ -148,19 +154,16 @@ def run_all(fuzzers, seconds, jobs, say):
     workers = [threading.Thread(target=queue.work, args=(seconds * jobs / len(fuzzers),)) for _ in range(jobs)]
     for worker in workers:
         worker.start()
+    # Ctrl-C ends what runs, and what was run until then counts.
+    signal.signal(signal.SIGINT, lambda *_: queue.stop())
     said = time.monotonic()
-    try:
-        while any(worker.is_alive() for worker in workers):
-            time.sleep(0.2)
-            if time.monotonic() - said >= PROGRESS_SECONDS:
-                said = time.monotonic()
-                for fuzzer in list(queue.running):
-                    say(f"{fuzzer.name}: {fuzzer.inputs} inputs, {fuzzer.speed} a second, coverage {fuzzer.coverage}, "
-                        f"{len(queue.waiting)} to come")
-    except KeyboardInterrupt:
-        queue.waiting.clear()
-        for fuzzer in list(queue.running):
-            fuzzer.stop()
+    while any(worker.is_alive() for worker in workers):
+        time.sleep(0.2)
+        if time.monotonic() - said >= PROGRESS_SECONDS:
+            said = time.monotonic()
+            for fuzzer in list(queue.running):
+                say(f"{fuzzer.name}: {fuzzer.inputs} inputs, {fuzzer.speed} a second, coverage {fuzzer.coverage}, "
+                    f"{len(queue.waiting)} to come")
     for worker in workers:
         worker.join()
     if queue.failure:
