@@ -15,9 +15,15 @@ namespace {
 
 constexpr std::int32_t kOutOfMemory = 7;
 
-// Of the allocations in a sweep that is not whole.
-constexpr int kEach = 40;
-constexpr int kStride = 11;
+// In a sweep that is not whole.
+constexpr int kEach = 30;
+constexpr int kStride = 23;
+
+// Which call or allocation fails behind this one.
+int Next(int nth) {
+  const bool whole = std::getenv("KESP_WHOLE_SWEEP") != nullptr;
+  return nth + (nth < kEach || whole ? 1 : kStride);
+}
 
 class Figures final : public testing::Environment {
  public:
@@ -86,7 +92,7 @@ void SweepSeams(const SweptOperation& operation) {
   const std::size_t seams = operation.make_stage()->Seams().size();
   for (std::size_t index = 0; index < seams; ++index) {
     for (const FaultLength length : {FaultLength::kOneCall, FaultLength::kFromThenOn}) {
-      for (int nth = 1;; ++nth) {
+      for (int nth = 1;; nth = Next(nth)) {
         const std::unique_ptr<FaultStage> stage = operation.make_stage();
         const FaultySeam seam = stage->Seams()[index];
         SCOPED_TRACE(std::string(seam.name) + ", " + NameOf(length) + ", " + std::to_string(nth));
@@ -110,9 +116,8 @@ void SweepSeams(const SweptOperation& operation) {
 
 void SweepAllocations(const SweptOperation& operation) {
   ASSERT_TRUE(AllocationsAreCounted()) << "the program is not linked with failing_allocation_fake.cpp";
-  const bool whole = std::getenv("KESP_WHOLE_SWEEP") != nullptr;
   for (const FaultLength length : {FaultLength::kOneCall, FaultLength::kFromThenOn}) {
-    for (int nth = 1;; nth += nth < kEach || whole ? 1 : kStride) {
+    for (int nth = 1;; nth = Next(nth)) {
       SCOPED_TRACE("allocation, " + std::string(NameOf(length)) + ", " + std::to_string(nth));
       const std::unique_ptr<FaultStage> stage = operation.make_stage();
       Raised raised;

@@ -48,13 +48,14 @@ struct SweptOperation {
 
 // Lets the seams' calls fail, the first, the second and so on until the operation comes through: one call,
 // and all from that one on until the operation ends. Each time it expects an error from the list, the stage
-// whole, and the object working. Of the errors in the list each must have come.
+// whole, and the object working. Of the errors in the list each must have come. A sweep takes time with the
+// square of the number of calls: unless the environment variable KESP_WHOLE_SWEEP is set (tools/sweep-seams),
+// only every 23rd fails behind the first thirty.
 void SweepSeams(const SweptOperation& operation);
 
 // The same for the allocations of the operation, those of the fakes included: what stands behind a seam on
 // Windows allocates, too. A failure raises number 7, or one of the list where it comes as the failure of a
-// seam. A sweep takes time with the square of their number: unless the environment variable KESP_WHOLE_SWEEP
-// is set, only every eleventh fails behind the first forty.
+// seam.
 void SweepAllocations(const SweptOperation& operation);
 
 // The log begins with the fake clock's time and ends with the end of a line.
