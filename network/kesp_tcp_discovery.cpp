@@ -49,8 +49,8 @@ bool CKespTCP::Discover() {
     if (UDPBroadcast()) GatherReplies();
     return true;
   });
-  // From here on nobody is added.
-  Try([this] { return CloseSocket(), true; });
+  // From here on nobody is added. A handler may have made a connection of its own.
+  Disconnect();
   if (search.error) throw *search.error;
   if (replies_heard_ == replies) return false;
   log_.Write([this] {
@@ -134,7 +134,7 @@ void CKespTCP::IdentifyDevices() {
 void CKespTCP::Identify(Instrument& device) {
   Try([&] {
     const std::wstring address = device.IPAddress();
-    // A handler may have made a connection of its own.
+    // Here, too.
     Disconnect();
     SetIPAddress(address);
     std::wstring reply;

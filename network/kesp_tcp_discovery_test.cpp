@@ -309,6 +309,23 @@ TEST_F(CKespTCPDiscoveryTest, HandlerSearchesAgainAndNobodyAnswersThat_TheFirstS
   ExpectRestored();
 }
 
+TEST_F(CKespTCPDiscoveryTest, HandlerConnectsAndNobodyAnswers_NextInitializeConnectsAnew) {
+  Answers(SenderAt(1), "no answer");
+  const auto connect = [this] {
+    SetTarget();
+    tcp_->SetProtocol(EKespProtocol::sckTCPProtocol);
+    return tcp_->Initialize();
+  };
+  events_.handlers[L"DataArrivalEnd"] = [&] {
+    events_.handlers.clear();
+    EXPECT_TRUE(connect());
+  };
+  EXPECT_FALSE(Discover());
+  EXPECT_EQ(tcp_->State(), EKespTCPState::sckClosed);
+  EXPECT_TRUE(connect());
+  EXPECT_EQ(tcp_->State(), EKespTCPState::sckConnected);
+}
+
 TEST_F(CKespTCPDiscoveryTest, PortThatTheClientOpened_DuplicatesAreThoseOfNow) {
   socket_->state_after_udp_connect = EKespTCPState::sckOpen;
   Answers(SenderAt(1));
