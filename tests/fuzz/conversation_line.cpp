@@ -129,7 +129,9 @@ void ConversationLine::Look() {
 void ConversationLine::Receive(std::uint8_t how) {
   if (!open_) return;
   if (how == 0xDF) {
-    received_.append(40'000, static_cast<char>(input_.Byte()));
+    // Seldom more than 16 bits can count, because that takes long.
+    const std::uint8_t fill = input_.Byte();
+    received_.append(fill < 8 ? 40'000 : 300, static_cast<char>(fill));
     return;
   }
   received_ += input_.Bytes(1 + how % 16U);

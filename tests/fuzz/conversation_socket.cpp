@@ -173,8 +173,10 @@ void ConversationSocket::BecomeConnected() {
 void ConversationSocket::Receive() {
   if (state_ != EKespTCPState::sckConnected && state_ != EKespTCPState::sckConnecting) return;
   const std::uint8_t length = input_.Byte();
-  if (length >= 0xFC) {
-    pending_.append(length == 0xFF ? 70'000U : 300U, static_cast<char>(input_.Byte()));
+  if (length == 0xFF) {
+    // Seldom so many that the log does not show them all, because that takes long.
+    const std::uint8_t fill = input_.Byte();
+    pending_.append(fill < 8 ? 70'000U : 300U, static_cast<char>(fill));
   } else {
     pending_ += input_.Bytes(1 + length % 16U);
   }

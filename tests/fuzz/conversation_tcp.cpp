@@ -288,6 +288,9 @@ void TcpConversation::AutoDetect() {
     case ERR_SEND_DATA:
       Require(protocol == EKespProtocol::sckUDPProtocol || call.interfered, "nobody there is nothing found");
       break;
+    case ERR_GET_DATA:
+      Require(call.interfered, "a discovery drops no data but that of a handler's own connection");
+      break;
     default:
       Require(call.closing_failed, "a detection fails for a reason that is known");
   }
@@ -300,7 +303,8 @@ void TcpConversation::AutoDetect() {
 // What is known of the object after a detection.
 void TcpConversation::SettleAfterDetection(const Call& call, bool found, EKespProtocol protocol) {
   if (call.interfered || call.closing_failed) {
-    connected_ = Known::kUnknown;
+    // The end of a discovery has told already.
+    if (!call.discovers || !listens_) connected_ = Known::kUnknown;
     ready_known_ = false;
     return;
   }

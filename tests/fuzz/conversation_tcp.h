@@ -40,6 +40,7 @@ class TcpConversation : private CKespTCPEvents, private SocketWatcher {
     int sendings = 0;
     bool socket_failed = false;
     bool closing_failed = false;
+    bool discovers = false;
     bool interfered = false;  // by a handler
     std::optional<std::string> taken;
     bool strip = false;

@@ -121,6 +121,7 @@ void TcpConversation::Sending(std::string_view bytes, bool /*failed*/) {
   ++call.sendings;
   if (socket_->Protocol() == EKespProtocol::sckUDPProtocol) {
     Require(bytes == std::string_view("\x00\x01\x00\xF6", 4), "the broadcast is that of the discovery");
+    call.discovers = true;
     return;
   }
   Require(bytes.ends_with('\r'), "a command ends with a carriage return");
@@ -207,6 +208,7 @@ void TcpConversation::AutoDetectBegin() {
 
 void TcpConversation::AutoDetectEnd() {
   DoubtClosed();
+  if (calls_.back()->discovers) connected_ = Known::kNo;
   End("AutoDetect");
 }
 
