@@ -9,6 +9,7 @@
 #include "tests/fuzz/conversation_driver.h"
 #include "tests/fuzz/conversation_line.h"
 #include "tests/fuzz/conversation_socket.h"
+#include "tests/fuzz/conversation_status.h"
 
 namespace kesp {
 
@@ -18,40 +19,6 @@ using namespace comm_obj_error;
 
 constexpr int kMostActions = 60;
 constexpr int kMostCalls = 3;  // inside one another
-
-bool Has(const std::wstring& text, const wchar_t* part) {
-  return text.find(part) != std::wstring::npos;
-}
-
-// The status that goes with what the network transport said.
-ECommError NetworkStatus(const std::wstring& source, const std::wstring& description) {
-  if (Has(source, L"Initialize()")) {
-    if (description == L"Invalid IP Address") return ECommError::cfrInvalidIPAddress;
-    return description == L"Invalid Port" ? ECommError::cfrInvalidPort : ECommError::cfrInitializeFailed;
-  }
-  // A failure to close the old connection comes from the socket itself.
-  if (source == L"KespWinsock") return ECommError::cfrInitializeFailed;
-  if (description == L"Socket not initialized") return ECommError::cfrInitializeFailed;
-  if (description == L"Socket not connected") return ECommError::cfrNoConnection;
-  if (Has(source, L"WriteLine()")) return ECommError::cfrWriteFailed;
-  return description == L"Timeout" ? ECommError::cfrTimeout : ECommError::cfrReadFailed;
-}
-
-// The same for the serial transport; without a source, the modem or a failure that was shown.
-bool IsSerialStatus(ECommError status, const std::wstring& source, const std::wstring& description) {
-  if (source.empty()) return status == ECommError::cfrInvalidSetting || status == ECommError::cfrOtherError;
-  if (Has(source, L"OpenPort()"))
-    return status == ECommError::cfrTimeout || status == ECommError::cfrOtherError;
-  if (Has(source, L"WriteLine()")) return status == ECommError::cfrWriteFailed;
-  if (description.starts_with(L"Timeout waiting for instrument")) return status == ECommError::cfrTimeout;
-  if (description.starts_with(L"Invalid characters received")) return status == ECommError::cfrInvalidData;
-  return status == ECommError::cfrReadFailed;
-}
-
-ECommError IeeeStatus(const std::wstring& source) {
-  if (Has(source, L"WriteLine()")) return ECommError::cfrWriteFailed;
-  return Has(source, L"ReadLine()") ? ECommError::cfrReadFailed : ECommError::cfrInitializeFailed;
-}
 
 class CommConversation : private SocketWatcher, private LineWatcher {
  public:
