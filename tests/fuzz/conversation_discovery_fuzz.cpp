@@ -220,6 +220,7 @@ void DiscoveryConversation::ChangeSettings(std::uint8_t flags) {
 
 void DiscoveryConversation::Discover() {
   tcp_->SetProtocol(EKespProtocol::sckUDPProtocol);
+  tcp_->SetIPType(EIPType::ipDynamic);
   const std::int16_t time_out = tcp_->TimeOutmSecs();
   const std::int16_t port = tcp_->Port();
   const std::int64_t start = world_.clock.now_ms();
@@ -230,8 +231,9 @@ void DiscoveryConversation::Discover() {
   const Attempt attempt = Try([&] { return tcp_->AutoDetect(result); });
   discoveries_.pop_back();
   if (discovery.interfered) return;
-  Require(tcp_->Protocol() == EKespProtocol::sckUDPProtocol && tcp_->TimeOutmSecs() == time_out,
-          "a discovery leaves protocol and time-out");
+  Require(tcp_->Protocol() == EKespProtocol::sckUDPProtocol && tcp_->TimeOutmSecs() == time_out &&
+              tcp_->IPType() == EIPType::ipDynamic,
+          "a discovery leaves protocol, time-out and type");
   Require(result.empty(), "a discovery returns no text");
   Require(socket_->PresentState() == EKespTCPState::sckClosed, "a discovery leaves no connection open");
   Require(world_.clock.now_ms() - start < 620'000, "a discovery takes ten minutes and some seconds at most");

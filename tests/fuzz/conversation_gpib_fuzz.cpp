@@ -1,4 +1,5 @@
 // The IEEE-488 transport in conversations of the fuzzer's making: two objects at one driver.
+#include <algorithm>
 #include <array>
 #include <functional>
 #include <memory>
@@ -76,6 +77,7 @@ class GpibConversation : private CKespIEEEEvents {
   }
   void ChangeSetting(std::uint8_t setting);
   void Initialize();
+  void CheckNothingOpen(const Calls& calls) const;
   void Uninitialize();
   void WriteLine();
   void ReadLine();
@@ -189,6 +191,16 @@ void GpibConversation::CheckFailure(const Attempt& attempt, const Calls& calls, 
   Require(false, "a failure of the driver tells its error number");
 }
 
+// What an Initialize that failed has opened is closed, as far as the driver could be reached.
+void GpibConversation::CheckNothingOpen(const Calls& calls) const {
+  const auto is_refused = [](const ConversationDriver::Call& call) { return call.name == "refused"; };
+  if (std::any_of(calls.begin(), calls.end(), is_refused)) return;
+  for (const ConversationDriver::Call& call : calls) {
+    Require(call.name != "ibdev" || !library_.open().contains(call.result),
+            "after a failure no device is open");
+  }
+}
+
 void GpibConversation::Initialize() {
   const CKespIEEE& ieee = Ieee();
   const bool clears = ieee.ClearDevice();
@@ -196,6 +208,7 @@ void GpibConversation::Initialize() {
   std::optional<Calls> calls;
   const Attempt attempt = Do([&] { return Ieee().Initialize(); }, calls);
   if (!calls) return;
+  if (attempt.error) CheckNothingOpen(*calls);
   switch (attempt.number()) {
     case 0: {
       Require(attempt.succeeded, "Initialize returns True");
