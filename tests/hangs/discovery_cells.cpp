@@ -72,8 +72,8 @@ class Responder {
 struct Found {
   std::string way;
   Answers answers;
-  // Waits of 1 to 2 s for the instrument that was found. One that replies has two, to connect and to reply, which take
-  // milliseconds on a machine that is not busy.
+  // Waits of 1 to 2 s for the instrument that was found. One that replies has two, to connect and to reply,
+  // which take milliseconds on a machine that is not busy.
   int waits;
   std::function<void(HangingPeer&)> begin;
 };

@@ -9,6 +9,7 @@ namespace {
 
 constexpr Milliseconds kPoll{5};
 constexpr Milliseconds kQuiet{100};
+constexpr std::size_t kMost = 65536;
 
 // What stuck on the line before, x all of it, may come along with a command.
 void Well(LineTalk& talk) {
@@ -32,6 +33,7 @@ bool LineTalk::Until(const std::string& bytes, std::string& before) {
       return true;
     }
     received_ += wire_.Receive(1, kPoll);
+    received_ += wire_.Receive(kMost, Milliseconds(0));
   }
   return false;
 }

@@ -31,6 +31,7 @@ SerialStage::SerialStage()
   SetRate(br921600);
   SetTimeOut(kSerialTimeOut);
   EXPECT_EQ(Write(port, &_CKespCOMPort3::SetInputMode, imBinary), S_OK);
+  EXPECT_EQ(Write(comm, &_CKespCommObj::put_BinaryTimeoutms, static_cast<long>(kBinaryGap.count())), S_OK);
 }
 
 void SerialStage::SetRate(EKespBaudRate3 rate) {
@@ -98,7 +99,7 @@ Outcome SerialStage::ReadLine() {
 
 Outcome SerialStage::ReadLineBinary() {
   return ReadingBytes([&](VARIANT* reply, VARIANT_BOOL* answer) {
-    return port->ReadLineBinary(reply, static_cast<long>(kQuietGap.count()), answer);
+    return port->ReadLineBinary(reply, static_cast<long>(kBinaryGap.count()), answer);
   });
 }
 

@@ -14,8 +14,10 @@ namespace kesp::hangs {
 
 // TimeOut of a serial transport on this stage.
 inline constexpr Milliseconds kSerialTimeOut{1200};
-// The quiet gap of ReadLineBinary, and of a raw reply.
-inline constexpr Milliseconds kQuietGap{100};
+// The silence that ends a raw reply, and one of ReadLineBinary; the latter is longer than a pull of the port
+// takes.
+inline constexpr Milliseconds kRawSilence{100};
+inline constexpr Milliseconds kBinaryGap{400};
 // What a detection waits for an answer.
 inline constexpr Milliseconds kDetectionWait{2000};
 
