@@ -67,6 +67,16 @@ ReferenceArguments::ReferenceArguments(const MemberCall& call, const DISPPARAMS&
     bad_argument_ = static_cast<UINT>(argument - copies_.data());
     return;
   }
+  ProtectValues(original);
+}
+
+void ReferenceArguments::ProtectValues(const DISPPARAMS& original) {
+  if (original.cNamedArgs == 0) return;
+  for (UINT i = 0; i < original.cArgs; ++i) {
+    if (IsReference(copies_[i]) || V_VT(&copies_[i]) == VT_ERROR) continue;
+    V_VT(&copies_[i]) = VT_BYREF | VT_VARIANT;
+    V_VARIANTREF(&copies_[i]) = &original.rgvarg[i];
+  }
 }
 
 void ReferenceArguments::StandIn::Remember() {

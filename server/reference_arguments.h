@@ -61,6 +61,9 @@ class ReferenceArguments {
 
   // Says of the optional arguments that a variable leaves out what the automation library understands.
   void LeaveOut(const MemberCall& call, const DISPPARAMS& original);
+  // Makes references of values that are passed beside named arguments. The automation library of Wine takes
+  // the place of a result for that of another argument there, and would overwrite a value of the client's.
+  void ProtectValues(const DISPPARAMS& original);
   HRESULT Prepare(VARIANT& argument, VARTYPE type);
   HRESULT PrepareAnyType(VARIANT& argument);
   static VARIANT* FindArgument(std::vector<VARIANT>& arguments, const DISPPARAMS& original, UINT position,

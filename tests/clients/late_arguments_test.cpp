@@ -229,6 +229,23 @@ TEST_F(LateArgumentsTest, QueryFailsOrRaises_VariableKeepsItsValue) {
   EXPECT_EQ(V_I4(bytes.get()), 7);
 }
 
+// The automation library of Wine takes the last argument for the first one, if both have names.
+TEST_F(LateArgumentsTest, NamedArguments_ThoseByValueStayAsTheyAre) {
+  for (const wchar_t* member : {L"Query", L"QueryBinary"}) {
+    Value result(L"before");
+    const Value cmd(L"ECHO abc");
+    const Value address(L"");
+    const Outcome outcome = late_.Call(
+        member, {}, {{L"result", Variable(result)}, {L"OmegaAddress", Plain(address)}, {L"cmd", Plain(cmd)}});
+    EXPECT_TRUE(outcome.IsTrue());
+    EXPECT_NE(result.text(), L"before");
+    // A text that was freed would be found here again.
+    const std::vector<Value> others(20, Value(L"ANOTHER!"));
+    EXPECT_EQ(cmd.text(), L"ECHO abc");
+    EXPECT_EQ(address.text(), L"");
+  }
+}
+
 TEST_F(LateArgumentsTest, NumberAsCommand_IsItsText) {
   EXPECT_EQ(late_.Call(L"Update", {Plain(Value(5))}).result, S_OK);
 }
