@@ -82,8 +82,10 @@ std::size_t NoBreakSpaceAt(std::string_view text, std::size_t place) {
   return stands_alone ? 1 : 0;
 }
 
+enum class Place { kBeforeTheTime, kBehindTheTime };
+
 // Letters and bytes past ASCII, without the marks and spaces between them.
-Half HalfOf(std::string_view text) {
+Half HalfOf(std::string_view text, Place place) {
   std::string word;
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (const std::size_t space = NoBreakSpaceAt(text, i); space > 0) {
@@ -98,9 +100,11 @@ Half HalfOf(std::string_view text) {
   struct Word {
     std::string_view text;
     Half half;
+    bool is_only_behind = false;
   };
-  // English and Spanish; Korean, Chinese, Japanese and Greek, as UTF-8 and in the code pages of their systems
-  // (that of traditional Chinese has letters among its bytes).
+  // English and Spanish; Korean, Chinese, Japanese, Greek and Arabic, as UTF-8 and in the code pages of their
+  // systems (that of traditional Chinese has letters among its bytes). The one byte of an Arabic word is a
+  // letter of other languages, of which some put one between date and time.
   static constexpr Word kWords[] = {
       {"am", Half::kMorning},
       {"pm", Half::kAfternoon},
@@ -120,9 +124,14 @@ Half HalfOf(std::string_view text) {
       {"\xCE\xBC\xCE\xBC", Half::kAfternoon},
       {"\xF0\xEC", Half::kMorning},
       {"\xEC\xEC", Half::kAfternoon},
+      {"\xD8\xB5", Half::kMorning},
+      {"\xD9\x85", Half::kAfternoon},
+      {"\xD5", Half::kMorning, true},
+      {"\xE3", Half::kAfternoon, true},
   };
   for (const Word& known : kWords) {
-    if (known.text == word) return known.half;
+    const bool may_be_here = place == Place::kBehindTheTime || !known.is_only_behind;
+    if (may_be_here && known.text == word) return known.half;
   }
   return Half::kUnknown;
 }
@@ -192,8 +201,9 @@ std::optional<RegionalTime> ReadRegionalTime(std::string_view text) {
     time.separator = text[(*groups)[0].end];
   }
   const std::size_t date_end = (*groups)[first - 1].end;
-  const Half before = HalfOf(text.substr(date_end, (*groups)[first].begin - date_end));
-  SetHalf(time, before != Half::kNone ? before : HalfOf(text.substr(groups->back().end)));
+  const Half before = HalfOf(text.substr(date_end, (*groups)[first].begin - date_end), Place::kBeforeTheTime);
+  const bool is_behind = before == Half::kNone;
+  SetHalf(time, is_behind ? HalfOf(text.substr(groups->back().end), Place::kBehindTheTime) : before);
   return time;
 }
 

@@ -24,13 +24,27 @@ LocalSeconds Derived(const char* text) {
 }
 
 TEST(ReadRegionalTime, FormsOfRegions_AreTheSameMoment) {
-  for (const char* text :
-       {"11/22/2026 1:05:09 PM", "22.11.2026 13:05:09", "22/11/2026 13:05:09", "2026/11/22 13:05:09",
-        "2026-11-22 13:05:09", "22-11-2026 13:05:09", "22.11.2026 13.05.09", "22/11/26 13:05:09",
-        "2026. 11. 22. 13:05:09", "22. 11. 2026 13:05:09", "22/11/2569 13:05:09", "22/11/2026 01:05:09 p. m.",
-        "22/11/2026 01:05:09 p.\xA0m.", "22/11/2026 01:05:09\xC2\xA0p.\xC2\xA0m.",
-        "11/22/2026 1:05:09\xE2\x80\xAFPM", "11/22/2026 1:05:09\xA0PM", "2026-11-22 \xBF\xC0\xC8\xC4 1:05:09",
-        "2026-11-22 \xEC\x98\xA4\xED\x9B\x84 1:05:09", "2026/11/22 \xA4U\xA4\xC8 01:05:09"}) {
+  for (const char* text : {"11/22/2026 1:05:09 PM",
+                           "22.11.2026 13:05:09",
+                           "22/11/2026 13:05:09",
+                           "2026/11/22 13:05:09",
+                           "2026-11-22 13:05:09",
+                           "22-11-2026 13:05:09",
+                           "22.11.2026 13.05.09",
+                           "22/11/26 13:05:09",
+                           "2026. 11. 22. 13:05:09",
+                           "22. 11. 2026 13:05:09",
+                           "22/11/2569 13:05:09",
+                           "22/11/2026 01:05:09 p. m.",
+                           "22/11/2026 01:05:09 p.\xA0m.",
+                           "22/11/2026 01:05:09\xC2\xA0p.\xC2\xA0m.",
+                           "11/22/2026 1:05:09\xE2\x80\xAFPM",
+                           "11/22/2026 1:05:09\xA0PM",
+                           "2026-11-22 \xBF\xC0\xC8\xC4 1:05:09",
+                           "2026-11-22 \xEC\x98\xA4\xED\x9B\x84 1:05:09",
+                           "2026/11/22 \xA4U\xA4\xC8 01:05:09",
+                           "22\xFE/11\xFE/2026 1:05:09 \xE3",
+                           "22/11/2026 1:05:09 \xD9\x85"}) {
     EXPECT_EQ(Derived(text), At("2026-11-22 13:05:09")) << text;
   }
   EXPECT_EQ(Derived("11/22/2026 12:00:00 AM"), At("2026-11-22"));
@@ -51,7 +65,14 @@ TEST(ReadRegionalTime, MonthAsAWord_IsATimeWithoutADate) {
   EXPECT_FALSE(SecondsOf(*time, DateOrder::kDayFirst));
 }
 
+TEST(ReadRegionalTime, ArabicMorning_IsTheMorning) {
+  EXPECT_EQ(Derived("22\xFE/11\xFE/2026 12:00:00 \xD5"), At("2026-11-22"));
+  EXPECT_EQ(Derived("22/11/2026 12:00:00 \xD8\xB5"), At("2026-11-22"));
+}
+
 TEST(ReadRegionalTime, UnknownWordForTheHalfOfTheDay_IsTold) {
+  // The same byte as in Arabic; here it means a year.
+  EXPECT_FALSE(ReadRegionalTime("22.11.2026 \xE3. 1:05:09")->half_known);
   EXPECT_FALSE(ReadRegionalTime("22/11/2026 1:05:09 xx")->half_known);
 }
 
