@@ -183,10 +183,6 @@ std::string FewArguments(const Dialect& dialect, const std::string& omega_addres
   return dialect.text(kCommand) + (omega_address.empty() ? "" : ", " + dialect.text(omega_address));
 }
 
-std::string AllArguments(const Dialect& dialect, const std::string& omega_address) {
-  return dialect.text(kCommand) + ", " + dialect.text(omega_address);
-}
-
 std::string CppArguments(const Dialect& dialect, const std::string& omega_address) {
   return "Text(" + dialect.text(kCommand) + ").bstr, Text(" + dialect.text(omega_address) + ").bstr, nullptr";
 }
@@ -199,7 +195,7 @@ constexpr Dialect kDialects[] = {
     {"csharp", AssignAs<WithSemicolon>, "true", "false", "//", UnicodeText, FewArguments},
     {"cpp", CppAssign, "VARIANT_TRUE", "VARIANT_FALSE", "//", WideText, CppArguments},
     {"matlab", AssignAs<WithSemicolon>, "true", "false", "%", MatlabText, FewArguments},
-    {"jscript", AssignAs<WithSemicolon>, "true", "false", "//", UnicodeText, AllArguments},
+    {"jscript", AssignAs<WithSemicolon>, "true", "false", "//", UnicodeText, FewArguments},
 };
 
 }  // namespace

@@ -53,7 +53,7 @@ TEST(SnippetTest, Languages_SetTheSameInTheirOwnWords) {
         "auto parity = PARITY_EVEN;", "Text(L\"01\").bstr, nullptr, &succeeded)",
         "Ptr<_CKespCOMPort3> transport"}},
       {"matlab", {"\ntransport.BaudRate = 6;  % br9600\n", "\ntransport.UseRedirector = true;\n"}},
-      {"jscript", {"\ntransport.BaudRate = 6;  // br9600\n", "Ask(comm, \"*IDN?\", \"01\")"}},
+      {"jscript", {"\ntransport.BaudRate = 6;  // br9600\n", "comm.Query(reply, \"*IDN?\", \"01\")"}},
   };
   std::vector<std::string> tried;
   for (const auto& [language, lines] : cases) {

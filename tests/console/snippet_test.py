@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """The programs that kesp snippet prints, run where they can be: snippet_test.py 64|32
 
-Scripts of VBScript and programs in C++ ask simulated instruments over all transports. Of Python only the syntax is
-checked. PowerShell, C#, MATLAB, VBA and JScript (a .wsf file) have nothing here that could run them.
+Scripts of VBScript and JScript and programs in C++ ask simulated instruments over all transports. Of Python only the
+syntax is checked. PowerShell, C#, MATLAB and VBA have nothing here that could run them.
 Ends with 77 where the machine has no Wine of that width.
 """
 
@@ -35,6 +35,9 @@ class SnippetCase(KespCase):
     def vbscript(self, address):
         return self.write(self.snippet("vbscript", address), "ask.vbs")
 
+    def jscript(self, address):
+        return self.write(self.snippet("jscript", address), "ask.js")
+
     def cpp(self, address):
         source = self.write(self.snippet("cpp", address), "ask.cpp")
         program = self.folder / "ask.exe"
@@ -49,7 +52,7 @@ class SnippetCase(KespCase):
         return ran.returncode, ran.stdout
 
     def expect_reply(self, address, reply, *options):
-        for made in (self.vbscript, self.cpp):
+        for made in (self.vbscript, self.jscript, self.cpp):
             with self.subTest(language=made.__name__, address=address):
                 self.assertEqual(self.run_program(made(address), *options), (DONE, reply + "\n"))
 
@@ -75,6 +78,7 @@ class RunTest(SnippetCase):
     def test_failures(self):
         nobody = "[CKespTCP - Initialize()]: Timeout - unable to establish connection"
         self.expect_failure(self.vbscript, "tcp:127.0.0.1:9", nobody)
+        self.expect_failure(self.jscript, "tcp:127.0.0.1:9", nobody)
         self.expect_failure(self.cpp, "tcp:127.0.0.1:9", nobody)
         self.expect_failure(self.vbscript, "com250", "CKespCOMPort3 - OpenPort() [commCOMControl]: Invalid port number")
         self.expect_failure(self.vbscript, "gpib:9", "[CKespIEEE - WriteLine()]: Error calling ibwrt()", "--driver")
