@@ -48,8 +48,13 @@ TEST_F(LastReleaseTest, PlainPointerWhileACallIsInProgress_TheCallEndsWellAndThe
   for (int round = 0; round < rounds; ++round) {
     Object object;
     _CKespTCP* const bare = object.tcp.Get();
+    // An event of the read itself shows that the call has begun. A release before that would be the client's
+    // fault.
+    bool will_read = false;
     std::atomic<bool> is_reading = false;
-    object.recorder->handlers[L"DataArrivalBegin"] = [&](DISPPARAMS&) { is_reading = true; };
+    object.recorder->handlers[L"DataArrivalBegin"] = [&](DISPPARAMS&) {
+      if (will_read) is_reading = true;
+    };
     EXPECT_TRUE(CallsTrue(object.tcp, &_CKespTCP::Initialize));
     VARIANT_BOOL answer = VARIANT_FALSE;
     EXPECT_EQ(bare->WriteLine(Text(L"SPLIT?").get(), &answer), S_OK);
@@ -59,8 +64,10 @@ TEST_F(LastReleaseTest, PlainPointerWhileACallIsInProgress_TheCallEndsWellAndThe
       object.tcp.Reset();
     });
     Text reply;
-    // The first of four pieces has to come within the call, so that the other thread releases in its course.
+    will_read = true;
     EXPECT_EQ(bare->ReadLine(reply.in_out(), &answer), S_OK);
+    // Where all four pieces had come before.
+    is_reading = true;
     EXPECT_EQ(reply.str(), L"SPLIT 1.0,2.0,3.0");
     releasing.join();
     object.ExpectGone();
