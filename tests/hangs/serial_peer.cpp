@@ -11,10 +11,12 @@ constexpr Milliseconds kPoll{5};
 constexpr Milliseconds kQuiet{100};
 constexpr std::size_t kMost = 65536;
 
-// What stuck on the line before, x all of it, may come along with a command.
+// What stuck on the line before, x all of it and lone carriage returns, may come along with a command.
 void Well(LineTalk& talk) {
   std::string command;
-  while (talk.Command(command) && talk.Send("=" + command.substr(command.rfind('x') + 1) + "\r\n")) {
+  while (talk.Command(command)) {
+    command.erase(0, command.rfind('x') + 1);
+    if (!command.empty()) talk.Send("=" + command + "\r\n");
   }
 }
 
