@@ -23,7 +23,7 @@ inline constexpr Milliseconds kDetectionWait{2000};
 
 // More than a line holds that nobody takes from, and the time that it needs at the stage's rate.
 inline constexpr std::size_t kMoreThanLine = std::size_t{1} << 20;
-inline constexpr Milliseconds kItsTime{kMoreThanLine * 10 * 1000 / 921600 + 3};
+inline constexpr Milliseconds kItsTime{std::int64_t{kMoreThanLine} * 10 * 1000 / 921600 + 3};
 
 // What ends a text reply.
 enum class ReplyMode { kToLf, kToSilence, kRaw };
