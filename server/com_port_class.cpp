@@ -73,12 +73,12 @@ HRESULT ComPortClass::RFReadModemSettings(BSTR* sSerial, BSTR* sPowerLevel, BSTR
       [&] {
         RadioModemSettings settings;
         if (!object_->RFReadModemSettings(settings)) return false;
-        InOutText(sSerial).value() = settings.serial;
-        InOutText(sPowerLevel).value() = settings.power_level;
-        InOutText(sPANID).value() = settings.pan_id;
-        InOutText(sChannel).value() = settings.channel;
-        InOutText(sModemAddr).value() = settings.modem_address;
-        InOutText(sTimeout).value() = settings.timeout;
+        StoreText(settings.serial, sSerial);
+        StoreText(settings.power_level, sPowerLevel);
+        StoreText(settings.pan_id, sPANID);
+        StoreText(settings.channel, sChannel);
+        StoreText(settings.modem_address, sModemAddr);
+        StoreText(settings.timeout, sTimeout);
         return true;
       },
       sSerial, sPowerLevel, sPANID, sChannel, sModemAddr, sTimeout);

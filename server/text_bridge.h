@@ -32,35 +32,30 @@ inline std::wstring TextOf(BSTR text) {
   return text ? std::wstring(text, SysStringLen(text)) : std::wstring();
 }
 
-// An in/out text argument: read at the beginning, written back at the end, also when the call throws. What
-// the argument held before is freed.
-class InOutText {
- public:
-  explicit InOutText(BSTR* argument) : argument_(argument), value_(TextOf(*argument)), original_(value_) {}
-  ~InOutText() {
-    if (value_ == original_) return;
-    BSTR text = SysAllocStringLen(value_.data(), static_cast<UINT>(value_.size()));
-    // Without memory for the new text the argument keeps the old one, which is at least a valid text.
-    if (text == nullptr) return;
-    SysFreeString(*argument_);
-    *argument_ = text;
-  }
-  InOutText(const InOutText&) = delete;
-  InOutText& operator=(const InOutText&) = delete;
+// Replaces the text of an in/out argument. Throws std::bad_alloc, and leaves the argument, when there is no
+// memory for it.
+inline void StoreText(const std::wstring& text, BSTR* argument) {
+  BSTR fresh = Bstr(text).Detach();
+  SysFreeString(*argument);
+  *argument = fresh;
+}
 
-  std::wstring& value() { return value_; }
-
- private:
-  BSTR* argument_;
-  std::wstring value_;
-  std::wstring original_;
-};
-
-// Lets `read` work on the text of an in/out argument, as InOutText does, and returns its result.
+// Lets `read` work on the text of an in/out argument, stores what it leaves there, also when it throws, and
+// returns its result. Throws std::bad_alloc when there is no memory for the text: the argument then keeps the
+// old one, which must not pass for what was read.
 template <class Read>
 bool ReadInto(BSTR* argument, Read&& read) {
-  InOutText text(argument);
-  return std::forward<Read>(read)(text.value());
+  const std::wstring before = TextOf(*argument);
+  std::wstring text = before;
+  bool succeeded = false;
+  try {
+    succeeded = std::forward<Read>(read)(text);
+  } catch (...) {
+    if (text != before) StoreText(text, argument);
+    throw;
+  }
+  if (text != before) StoreText(text, argument);
+  return succeeded;
 }
 
 }  // namespace kesp

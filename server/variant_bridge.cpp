@@ -22,10 +22,12 @@ SAFEARRAY* NewArrayOf(const Bytes& bytes) {
   SAFEARRAY* array = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(bytes.size()));
   if (array == nullptr) throw std::bad_alloc();
   void* data = nullptr;
-  if (SUCCEEDED(SafeArrayAccessData(array, &data))) {
-    if (!bytes.empty()) std::memcpy(data, bytes.data(), bytes.size());
-    SafeArrayUnaccessData(array);
+  if (FAILED(SafeArrayAccessData(array, &data))) {
+    SafeArrayDestroy(array);
+    throw std::bad_alloc();
   }
+  if (!bytes.empty()) std::memcpy(data, bytes.data(), bytes.size());
+  SafeArrayUnaccessData(array);
   return array;
 }
 
@@ -53,9 +55,7 @@ void StoreInArrayVariable(const BinaryValue& value, SAFEARRAY** variable) {
 void StoreInTextVariable(const BinaryValue& value, BSTR* variable) {
   const auto* text = std::get_if<std::wstring>(&value);
   if (text == nullptr) throw WrongVariable(ReplyKind::kBytes);
-  BSTR fresh = Bstr(*text).Detach();
-  SysFreeString(*variable);
-  *variable = fresh;
+  StoreText(*text, variable);
 }
 
 // Whether a typed variable of the client (VT_BYREF) can hold a reply of that kind.
