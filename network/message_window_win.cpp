@@ -106,7 +106,12 @@ MessageWindow::MessageWindow(MessageHandler& handler) : thread_(GetCurrentThread
   AcquireWindowClass();
   handle_ = CreateWindowExW(0, kClassName, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, Module(), nullptr);
   if (handle_ == nullptr) return;
-  SetWindowLongPtrW(handle_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&handler));
+  const auto value = reinterpret_cast<LONG_PTR>(&handler);
+  SetWindowLongPtrW(handle_, GWLP_USERDATA, value);
+  if (GetWindowLongPtrW(handle_, GWLP_USERDATA) == value) return;
+  // Nobody would ever hear of its messages.
+  DestroyWindow(handle_);
+  handle_ = nullptr;
 }
 
 MessageWindow::~MessageWindow() {
