@@ -1,10 +1,14 @@
 // Loads the type library and reads the calls of its interfaces.
 #include "server/type_info_cache.h"
 
+#include <wrl/client.h>
+
 #include <algorithm>
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <utility>
 
 #include "support/environment_win.h"
@@ -30,15 +34,34 @@ struct Cache {
   std::map<GUID, std::unique_ptr<InterfaceInfo>, GuidLess> interfaces;
 };
 
-Cache& TheCache() {
-  static auto* cache = new Cache;
-  return *cache;
-}
-
 void Check(HRESULT result) {
   if (FAILED(result))
     throw Failure(result, L"KespCommObj", L"The type library of KespCommObj cannot be read");
 }
+
+// In memory of its own, so that it can be had at the unloading, where nothing may be thrown.
+Cache& TheCache() noexcept {
+  alignas(Cache) static std::byte place[sizeof(Cache)];
+  static auto* cache = new (place) Cache;
+  return *cache;
+}
+
+// The description of one function, given back with it.
+class FunctionDescription {
+ public:
+  FunctionDescription(ITypeInfo* type_info, UINT index) : type_info_(type_info) {
+    Check(type_info->GetFuncDesc(index, &function_));
+  }
+  ~FunctionDescription() { type_info_->ReleaseFuncDesc(function_); }
+  FunctionDescription(const FunctionDescription&) = delete;
+  FunctionDescription& operator=(const FunctionDescription&) = delete;
+
+  const FUNCDESC& operator*() const { return *function_; }
+
+ private:
+  ITypeInfo* type_info_;
+  FUNCDESC* function_ = nullptr;
+};
 
 ITypeLib* Library(Cache& cache) {
   if (cache.library == nullptr) {
@@ -91,13 +114,12 @@ std::vector<MemberCall> ReadCalls(ITypeInfo* type_info) {
   type_info->ReleaseTypeAttr(attributes);
   std::vector<MemberCall> calls;
   for (UINT i = 0; i < count; ++i) {
-    FUNCDESC* function = nullptr;
-    Check(type_info->GetFuncDesc(i, &function));
+    const FunctionDescription description(type_info, i);
+    const FUNCDESC& function = *description;
     // The members of IDispatch and IUnknown are listed, too.
-    if ((function->wFuncFlags & FUNCFLAG_FRESTRICTED) == 0 || function->memid == DISPID_NEWENUM) {
-      calls.push_back(ReadCall(type_info, *function));
+    if ((function.wFuncFlags & FUNCFLAG_FRESTRICTED) == 0 || function.memid == DISPID_NEWENUM) {
+      calls.push_back(ReadCall(type_info, function));
     }
-    type_info->ReleaseFuncDesc(function);
   }
   return calls;
 }
@@ -124,9 +146,10 @@ const InterfaceInfo& InterfaceInfoOf(REFIID iid) {
   const std::lock_guard lock(cache.mutex);
   std::unique_ptr<InterfaceInfo>& entry = cache.interfaces[iid];
   if (!entry) {
-    ITypeInfo* type_info = nullptr;
+    Microsoft::WRL::ComPtr<ITypeInfo> type_info;
     Check(Library(cache)->GetTypeInfoOfGuid(iid, &type_info));
-    entry = std::make_unique<InterfaceInfo>(type_info, ReadCalls(type_info));
+    entry = std::make_unique<InterfaceInfo>(type_info.Get(), ReadCalls(type_info.Get()));
+    type_info.Detach();
   }
   return *entry;
 }
@@ -147,7 +170,7 @@ void ReleaseTypeInfoCache() noexcept {
   cache.interfaces.clear();
   if (cache.library != nullptr) cache.library->Release();
   cache.library = nullptr;
-  delete &cache;
+  cache.~Cache();
 }
 
 }  // namespace kesp
