@@ -55,3 +55,12 @@ function(kesp_own_unwinder target)
     target_link_options(${target} PRIVATE "-Wl,--wrap=_imp__GetModuleHandleA@4")
   endif()
 endfunction()
+
+# kesp_runtime_memory(<target>)
+#
+# For a DLL that hosts load: its runtime does not end them when memory runs out; see the source file.
+function(kesp_runtime_memory target)
+  target_sources(${target} PRIVATE "${CMAKE_SOURCE_DIR}/support/runtime_memory_win.cpp")
+  target_link_options(${target} PRIVATE
+    -Wl,--wrap=malloc -Wl,--wrap=calloc -Wl,--wrap=realloc -Wl,--wrap=free)
+endfunction()
