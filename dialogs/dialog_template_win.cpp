@@ -51,8 +51,10 @@ LOGFONTW MessageFont() {
   return metrics.lfMessageFont;
 }
 
+// 0 or less when the system does not tell.
 int PointSize(const LOGFONTW& font) {
   const HDC screen = GetDC(nullptr);
+  if (screen == nullptr) return 0;
   const int dots_per_inch = GetDeviceCaps(screen, LOGPIXELSY);
   ReleaseDC(nullptr, screen);
   return MulDiv(font.lfHeight < 0 ? -font.lfHeight : font.lfHeight, 72, dots_per_inch);
@@ -64,9 +66,9 @@ std::vector<std::uint8_t> DialogInSystemFont(int resource) {
   const HMODULE module = ThisModule();
   const HRSRC found = FindResourceW(module, MAKEINTRESOURCEW(resource), MAKEINTRESOURCEW(5));  // RT_DIALOG
   const HGLOBAL loaded = found == nullptr ? nullptr : LoadResource(module, found);
-  if (loaded == nullptr) throw std::runtime_error("The dialog's resource is missing");
-  const auto* old = static_cast<const std::uint8_t*>(LockResource(loaded));
-  const std::size_t size = SizeofResource(module, found);
+  const auto* old = static_cast<const std::uint8_t*>(loaded == nullptr ? nullptr : LockResource(loaded));
+  const std::size_t size = old == nullptr ? 0 : SizeofResource(module, found);
+  if (size == 0) throw std::runtime_error("The dialog's resource is missing");
 
   std::size_t font = kFixedPart;
   font += SizeOfName(old + font);
@@ -75,8 +77,11 @@ std::vector<std::uint8_t> DialogInSystemFont(int resource) {
   const std::size_t controls = Aligned(font + kFontFields + SizeOfText(old + font + kFontFields));
 
   const LOGFONTW message = MessageFont();
+  const int points = PointSize(message);
+  // Without the system's font the dialog has its own.
+  if (points <= 0) return {old, old + size};
   std::vector<std::uint8_t> bytes(old, old + font);
-  Append(bytes, static_cast<std::uint16_t>(PointSize(message)));
+  Append(bytes, static_cast<std::uint16_t>(points));
   Append(bytes, static_cast<std::uint16_t>(message.lfWeight));
   Append(bytes, message.lfItalic);
   Append(bytes, message.lfCharSet);
