@@ -35,6 +35,8 @@ void FormWindow::ShowModal() {
     PlaceOver(dialog_, owner_);
     // ShowWindow would show the first window of a program as its starter wished, perhaps not at all.
     SetWindowPos(dialog_, nullptr, 0, 0, 0, 0, SWP_SHOWWINDOW | SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER);
+    // Nobody could close it.
+    if (IsWindowVisible(dialog_) == FALSE) throw std::runtime_error("The dialog's window cannot be shown");
     if (owner_ == nullptr) SetForegroundWindow(dialog_);
     FocusFirst();
     RedrawWindow(dialog_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
@@ -67,6 +69,11 @@ HWND FormWindow::MakeDialog(int resource, HWND parent) {
   if (window == nullptr) {
     throw std::runtime_error("The dialog's window cannot be made: system error " +
                              std::to_string(GetLastError()));
+  }
+  // One that does not know its form can neither be used nor closed.
+  if (GetWindowLongPtrW(window, DWLP_USER) != reinterpret_cast<LONG_PTR>(this)) {
+    DestroyWindow(window);
+    throw std::runtime_error("The dialog's window cannot be made: it cannot be told of its form");
   }
   return window;
 }

@@ -7,7 +7,10 @@ namespace kesp {
 
 NumberEdit::NumberEdit(Form& form, TextBox& box, HWND edit, HWND dialog)
     : form_(form), box_(box), edit_(edit), dialog_(dialog) {
-  SetWindowLongPtrW(edit_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+  const auto self = reinterpret_cast<LONG_PTR>(this);
+  SetWindowLongPtrW(edit_, GWLP_USERDATA, self);
+  // The procedure relies on it. Without, the box takes any key, and what it holds is checked at the end.
+  if (GetWindowLongPtrW(edit_, GWLP_USERDATA) != self) return;
   // What an input method composes would pass by the filter, and a number needs none.
   ImmAssociateContext(edit_, nullptr);
   original_ = reinterpret_cast<WNDPROC>(
@@ -15,7 +18,7 @@ NumberEdit::NumberEdit(Form& form, TextBox& box, HWND edit, HWND dialog)
 }
 
 NumberEdit::~NumberEdit() {
-  if (IsWindow(edit_) == FALSE) return;
+  if (original_ == nullptr || IsWindow(edit_) == FALSE) return;
   SetWindowLongPtrW(edit_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(original_));
 }
 

@@ -24,7 +24,7 @@ class NumberEdit {
   TextBox& box_;
   HWND edit_;
   HWND dialog_;
-  WNDPROC original_;
+  WNDPROC original_ = nullptr;
 };
 
 }  // namespace kesp
