@@ -15,9 +15,13 @@ bool IsSingleByte(UINT code_page) {
   return GetCPInfo(code_page, &info) != FALSE && info.MaxCharSize == 1;
 }
 
+// All begin with ASCII, which is not asked for: the page is kept for good, and a refusal of Windows would
+// make a line end unknown for as long.
 std::array<char16_t, 256> CharactersOf(UINT code_page) {
+  constexpr std::size_t kAscii = 0x80;
   std::array<char16_t, 256> characters{};
-  for (std::size_t byte = 0; byte < characters.size(); ++byte) {
+  for (std::size_t byte = 0; byte < kAscii; ++byte) characters[byte] = static_cast<char16_t>(byte);
+  for (std::size_t byte = kAscii; byte < characters.size(); ++byte) {
     const char source = static_cast<char>(byte);
     std::array<wchar_t, 2> target{};
     const int length = MultiByteToWideChar(code_page, MB_ERR_INVALID_CHARS, &source, 1, target.data(), 2);
