@@ -92,8 +92,15 @@ bool CKespCOMPort3::InCommandMode(const std::function<void()>& conversation) {
   const Wait guard(environment_.clock, kGuardMs);
   while (!guard.IsOver()) {
   }
-  WriteLine(L"+++");
   const auto leave = [&] { TellModem(L"ATCN"); };
+  try {
+    WriteLine(L"+++");
+  } catch (...) {
+    // It may have gone out all the same, and the modem would take the next commands for its own.
+    const Failure failure = CurrentFailure();
+    Try([&] { return AwaitOk() && (leave(), true); });
+    throw failure;
+  }
   try {
     // A modem that does not confirm has not understood; "ATCN" would go to the instrument.
     if (!AwaitOk()) return false;

@@ -131,6 +131,19 @@ TEST_F(CKespCOMPort3ModemTest, PortFailsWhileConfirmationIsAwaited_ModemIsToldTo
   EXPECT_EQ(Remembered(), L"<none>");
 }
 
+// The bytes are out by then, and a modem in command mode would swallow what comes next.
+TEST_F(CKespCOMPort3ModemTest, PortFailsBehindThePlusses_ModemThatConfirmsIsToldToLeave) {
+  ports_.line.on_output = [&](const std::string& written, const std::wstring&) {
+    if (written == "+++") ports_.line.FailCall(1, 8020);
+  };
+  EXPECT_FALSE(port_.RFWriteModemInstrAddress(26));
+  EXPECT_EQ(Outputs(), (Lines{L"+++"}));
+  Confirms({"+++", "ATCN\r"});
+  EXPECT_FALSE(port_.RFWriteModemInstrAddress(26));
+  EXPECT_EQ(Outputs(), (Lines{L"+++", L"+++", L"ATCN<0D>"}));
+  EXPECT_EQ(Remembered(), L"<none>");
+}
+
 TEST_F(CKespCOMPort3ModemTest, Read_OpensThePortAnewAsksInOrderAndConvertsToDecimal) {
   AnswersQuestions();
   events_.handlers[L"WriteBegin"] = [&] {
