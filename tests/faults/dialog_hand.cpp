@@ -1,0 +1,96 @@
+// The hand's thread: finds the dialog that is enabled, and posts messages to it.
+#include "tests/faults/dialog_hand.h"
+
+#include <utility>
+
+#include "dialogs/common_controls_win.h"
+
+namespace kesp::faults {
+
+namespace {
+
+constexpr DWORD kPauseMs = 10;
+// How long a dialog may take to do a step.
+constexpr UINT kPatienceMs = 2000;
+
+struct Search {
+  HWND found = nullptr;
+};
+
+BOOL CALLBACK TakeEnabledDialog(HWND window, LPARAM search) {
+  wchar_t name[16] = L"";
+  GetClassNameW(window, name, 16);
+  const bool is_dialog = lstrcmpW(name, L"#32770") == 0;
+  if (!is_dialog || IsWindowVisible(window) == FALSE || IsWindowEnabled(window) == FALSE) return TRUE;
+  reinterpret_cast<Search*>(search)->found = window;
+  return FALSE;
+}
+
+HWND TopDialog(DWORD thread) {
+  Search search;
+  EnumThreadWindows(thread, &TakeEnabledDialog, reinterpret_cast<LPARAM>(&search));
+  return search.found;
+}
+
+struct ControlSearch {
+  int id = 0;
+  HWND found = nullptr;
+};
+
+BOOL CALLBACK TakeControl(HWND window, LPARAM search) {
+  auto& control = *reinterpret_cast<ControlSearch*>(search);
+  if (GetDlgCtrlID(window) != control.id) return TRUE;
+  control.found = window;
+  return FALSE;
+}
+
+// On the dialog or one of its pages.
+HWND ControlOf(HWND dialog, int id) {
+  ControlSearch search{.id = id};
+  EnumChildWindows(dialog, &TakeControl, reinterpret_cast<LPARAM>(&search));
+  return search.found;
+}
+
+// Returns when the dialog has worked off what was posted so far.
+void Settle(HWND dialog) {
+  DWORD_PTR result = 0;
+  SendMessageTimeoutW(dialog, WM_NULL, 0, 0, SMTO_NORMAL, kPatienceMs, &result);
+}
+
+void Do(HWND dialog, const HandStep& step) {
+  const HWND control = ControlOf(dialog, step.control);
+  if (control == nullptr) return;
+  if (step.page < 0) {
+    PostMessageW(control, BM_CLICK, 0, 0);
+  } else {
+    PostMessageW(control, TCM_SETCURFOCUS, static_cast<WPARAM>(step.page), 0);
+  }
+}
+
+}  // namespace
+
+DialogHand::DialogHand(std::vector<HandStep> steps)
+    : steps_(std::move(steps)), watched_thread_(GetCurrentThreadId()), thread_([this] { Run(); }) {}
+
+DialogHand::~DialogHand() {
+  is_over_ = true;
+  thread_.join();
+}
+
+void DialogHand::Run() {
+  std::size_t next = 0;
+  while (!is_over_) {
+    Sleep(kPauseMs);
+    const HWND dialog = TopDialog(watched_thread_);
+    if (dialog == nullptr) continue;
+    Settle(dialog);
+    if (next < steps_.size()) {
+      Do(dialog, steps_[next++]);
+    } else {
+      PostMessageW(dialog, WM_CLOSE, 0, 0);
+    }
+    Settle(dialog);
+  }
+}
+
+}  // namespace kesp::faults

@@ -1,0 +1,94 @@
+// Dialogs that are opened, used a little, and closed.
+#include "tests/faults/dialog_scenarios.h"
+
+#include "dialogs/dialog_ids.h"
+#include "tests/faults/dialog_hand.h"
+#include "tests/faults/serial_stage.h"
+#include "tests/faults/tcp_stage.h"
+
+namespace kesp::faults {
+
+namespace {
+
+// Shows the dialog of that object while the hand does its steps.
+void Edit(_CKespCommObj* comm, long flags, std::vector<HandStep> steps, Verdict& verdict) {
+  VARIANT_BOOL answer = VARIANT_FALSE;
+  const DialogHand hand(std::move(steps));
+  verdict.Succeeded(comm->Edit(static_cast<EEditCommFlags>(flags), nullptr, 0, &answer), "Edit");
+}
+
+class TcpDialog : public TcpScenario {
+ public:
+  void Run(Verdict& verdict) override {
+    if (!Begin(verdict)) return;
+    Edit(comm_.Get(), ecfShowTCPExtendedTab,
+         {{.control = ID_TAB_SETTINGS, .page = 1},
+          {.control = ID_CHK_TCP_LOG_FILE},
+          {.control = ID_CHK_TCP_LOG_FILE},
+          {.control = ID_TAB_SETTINGS, .page = 0},
+          {.control = ID_OK}},
+         verdict);
+  }
+};
+
+constexpr long kAllPages = ecfShowRS232ExtendedTab | ecfShowRS232SmartSwitchTab | ecfShowRS232IRDongle;
+
+class SerialDialog : public SerialScenario {
+ public:
+  void Run(Verdict& verdict) override {
+    if (!Begin(verdict)) return;
+    Edit(comm_.Get(), kAllPages,
+         {{.control = ID_TAB_SETTINGS, .page = 1},
+          {.control = ID_TAB_SETTINGS, .page = 2},
+          {.control = ID_CHK_CHECK_NON_ASCII},
+          {.control = ID_TAB_SETTINGS, .page = 0},
+          {.control = ID_OK}},
+         verdict);
+  }
+};
+
+// With that of the radio modem, which is at the port.
+class ModemDialog : public SerialScenario {
+ public:
+  void Run(Verdict& verdict) override {
+    if (!Begin(verdict)) return;
+    Edit(comm_.Get(), 0,
+         {{.control = ID_CHK_USE_RF_MODEM},
+          {.control = ID_CMD_RF_PROPERTIES},
+          {.control = ID_OK},
+          {.control = ID_OK}},
+         verdict);
+  }
+  // What answers at the port is the modem.
+  void WorkAgain(Verdict& verdict) override {
+    if (comm_ == nullptr) return;
+    port_ = Use<_CKespCOMPort3>(comm_.Get(), csRS232, verdict);
+    if (port_ == nullptr || !Point(port_.Get(), verdict)) return;
+    ReadModem(verdict);
+  }
+
+ private:
+  void ReadModem(Verdict& verdict) const {
+    Text texts[6];
+    VARIANT_BOOL answer = VARIANT_FALSE;
+    const HRESULT read =
+        port_->RFReadModemSettings(texts[0].in_out(), texts[1].in_out(), texts[2].in_out(), texts[3].in_out(),
+                                   texts[4].in_out(), texts[5].in_out(), &answer);
+    if (!verdict.Succeeded(read, "RFReadModemSettings")) return;
+    verdict.Expect(answer == VARIANT_TRUE && !texts[0].str().empty(), "the modem's settings cannot be read");
+  }
+};
+
+}  // namespace
+
+std::unique_ptr<Scenario> MakeTcpDialog() {
+  return std::make_unique<TcpDialog>();
+}
+std::unique_ptr<Scenario> MakeSerialDialog() {
+  return std::make_unique<SerialDialog>();
+}
+std::unique_ptr<Scenario> MakeModemDialog() {
+  return std::make_unique<ModemDialog>();
+}
+
+}  // namespace kesp::faults
