@@ -32,7 +32,7 @@ constexpr ScenarioEntry kScenarios[] = {
     {"cold-creation", "the first objects of a process", &MakeCreation, 40, true},
     {"cold-late-calls", "the first calls by name of a process", &MakeLateCalls, 40, true},
     {"registration", "registered for the user and taken away", &MakeRegistration},
-    {"dialog-tcp", "the dialog of the network transport", &MakeTcpDialog, 12},
+    {"dialog-tcp", "the dialog of the network transport", &MakeTcpDialog, 40},
     {"dialog-serial", "the dialog of the serial transport", &MakeSerialDialog, 8},
     {"dialog-modem", "the dialog of the serial transport with that of the radio modem", &MakeModemDialog, 3},
 };

@@ -19,6 +19,9 @@ class SerialScenario : public Scenario {
 
   ComPtr<_CKespCommObj> comm_;
   ComPtr<_CKespCOMPort3> port_;
+
+ private:
+  void EmptyLine(Verdict& verdict) const;
 };
 
 }  // namespace kesp::faults
