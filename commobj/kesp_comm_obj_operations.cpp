@@ -59,6 +59,7 @@ bool CKespCommObj::QueryBinary(BinaryValue& result, const std::wstring& cmd, con
                                const std::wstring& OmegaValue) {
   RequireTransport(kQueryBinarySource);
   BeginOperation();
+  // Raised, not trapped as what fails in an operation is.
   if (comm_style_ == ECommStyle::csIEEE) throw StyleNotSupported(kQueryBinarySource);
   return Run(kQueryBinarySource, L"attempting to perform query", [&] {
     return Exchange{.member = L"QueryBinary",

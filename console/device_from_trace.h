@@ -37,7 +37,7 @@ class DeviceFromTrace {
   std::size_t without_command_ = 0;
   std::size_t unfinished_ = 0;
   std::size_t behind_omega_ = 0;
-  std::size_t several_ = 0;  // commands in one
+  std::size_t several_ = 0;  // with several commands in one
   std::size_t too_many_ = 0;
 };
 

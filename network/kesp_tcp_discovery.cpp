@@ -134,7 +134,7 @@ void CKespTCP::IdentifyDevices() {
 void CKespTCP::Identify(Instrument& device) {
   Try([&] {
     const std::wstring address = device.IPAddress();
-    // Here, too.
+    // A handler may have connected since the last device.
     Disconnect();
     SetIPAddress(address);
     std::wstring reply;

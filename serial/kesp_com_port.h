@@ -328,7 +328,7 @@ class CKespCOMPort3 final : private SwitchLine {
   std::shared_ptr<CKespSmartSwitch3> smart_switch_;
   std::unique_ptr<SerialControl> control_;
   Transmission transmission_;
-  // How many bytes the driver held at the last look of a WriteLine.
+  // How many bytes the driver held at the last look of the WriteLine that is under way; else 0.
   std::int32_t unsent_ = 0;
   EInputMode input_mode_ = EInputMode::imText;
   EKespControllerStyle3 controller_style_ = EKespControllerStyle3::CS_KESP;

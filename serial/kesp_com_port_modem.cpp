@@ -96,7 +96,8 @@ bool CKespCOMPort3::InCommandMode(const std::function<void()>& conversation) {
   try {
     WriteLine(L"+++");
   } catch (...) {
-    // It may have gone out all the same, and the modem would take the next commands for its own.
+    // The plusses may have gone out before the failure. The modem would then take the next commands for its
+    // own.
     const Failure failure = CurrentFailure();
     Try([&] { return AwaitOk() && (leave(), true); });
     throw failure;

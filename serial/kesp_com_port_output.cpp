@@ -80,10 +80,15 @@ void CKespCOMPort3::SendFrame(const std::string& frame, bool cr_before) {
 void CKespCOMPort3::DrainOutput() {
   // The event's count is 16 bits wide; a longer queue shows its highest value.
   constexpr std::int32_t kHighestCount = std::numeric_limits<std::int16_t>::max();
+  // Known while the handlers run, and no longer.
+  struct Looking {
+    ~Looking() { count = 0; }
+    std::int32_t& count;
+  } looking{unsent_};
   std::int32_t count = 0;
   do {
     count = control_->OutBufferCount();
-    unsent_ = count;
+    looking.count = count;
     Raise(&CKespCOMPort3Events::WriteUpdate, static_cast<std::int16_t>(std::min(count, kHighestCount)),
           port_);
   } while (count != 0);

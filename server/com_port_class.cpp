@@ -73,12 +73,15 @@ HRESULT ComPortClass::RFReadModemSettings(BSTR* sSerial, BSTR* sPowerLevel, BSTR
       [&] {
         RadioModemSettings settings;
         if (!object_->RFReadModemSettings(settings)) return false;
-        StoreText(settings.serial, sSerial);
-        StoreText(settings.power_level, sPowerLevel);
-        StoreText(settings.pan_id, sPANID);
-        StoreText(settings.channel, sChannel);
-        StoreText(settings.modem_address, sModemAddr);
-        StoreText(settings.timeout, sTimeout);
+        // All of them or none, when there is no memory.
+        Bstr serial(settings.serial), power_level(settings.power_level), pan_id(settings.pan_id);
+        Bstr channel(settings.channel), address(settings.modem_address), timeout(settings.timeout);
+        serial.MoveTo(sSerial);
+        power_level.MoveTo(sPowerLevel);
+        pan_id.MoveTo(sPANID);
+        channel.MoveTo(sChannel);
+        address.MoveTo(sModemAddr);
+        timeout.MoveTo(sTimeout);
         return true;
       },
       sSerial, sPowerLevel, sPANID, sChannel, sModemAddr, sTimeout);

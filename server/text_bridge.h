@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "server/com_headers.h"
+#include "support/attempt.h"
 
 namespace kesp {
 
@@ -23,6 +24,12 @@ class Bstr {
   BSTR get() const { return text_; }
   BSTR Detach() { return std::exchange(text_, nullptr); }
 
+  // Replaces the text of an in/out argument.
+  void MoveTo(BSTR* argument) {
+    SysFreeString(*argument);
+    *argument = Detach();
+  }
+
  private:
   BSTR text_;
 };
@@ -35,9 +42,7 @@ inline std::wstring TextOf(BSTR text) {
 // Replaces the text of an in/out argument. Throws std::bad_alloc, and leaves the argument, when there is no
 // memory for it.
 inline void StoreText(const std::wstring& text, BSTR* argument) {
-  BSTR fresh = Bstr(text).Detach();
-  SysFreeString(*argument);
-  *argument = fresh;
+  Bstr(text).MoveTo(argument);
 }
 
 // Lets `read` work on the text of an in/out argument, stores what it leaves there, also when it throws, and
@@ -51,7 +56,8 @@ bool ReadInto(BSTR* argument, Read&& read) {
   try {
     succeeded = std::forward<Read>(read)(text);
   } catch (...) {
-    if (text != before) StoreText(text, argument);
+    // What the read raised counts, also when there is no memory for the part that had come.
+    if (text != before) Try([&] { return StoreText(text, argument), true; });
     throw;
   }
   if (text != before) StoreText(text, argument);

@@ -24,7 +24,8 @@ void __real_free(void* block);
 
 namespace {
 
-// One of them holds any of the runtime's blocks; a thread takes about five. The others of a shortage fail.
+// A slot holds any of the runtime's blocks. A thread takes about five, so there are enough for a dozen
+// threads that begin while there is no memory. For more of them the runtime ends the process.
 constexpr std::size_t kSlotSize = 1024;
 constexpr std::size_t kSlots = 64;
 

@@ -14,14 +14,14 @@ bool NamesFile(const std::wstring& path) {
   return path.find(L'\\') != std::wstring::npos;
 }
 
-// Keeps other programs of the session from changing a settings file. Changes take milliseconds; where one
-// takes longer, or the system has no mutex to give, this holds nobody back.
+// Keeps other programs of the user's session from changing a settings file. Changes take milliseconds. Where
+// one takes longer, or the system gives no mutex, nobody is held back.
 class ChangeLock {
  public:
   ChangeLock() : mutex_(CreateMutexW(nullptr, FALSE, L"Local\\KespCommObj settings files")) {
-    constexpr DWORD kLongestMs = 1000;
+    constexpr DWORD kLongestMs = 50;
     const DWORD result = mutex_ == nullptr ? WAIT_FAILED : WaitForSingleObject(mutex_, kLongestMs);
-    // A program that ended while it held the mutex has left the file as it was.
+    // A program that ended while it held the mutex is no reason to wait.
     is_held_ = result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
   }
   ~ChangeLock() {
@@ -51,14 +51,14 @@ bool Replace(const std::wstring& path, const std::wstring& section, const std::w
   const std::wstring copy = path + L".new";
   if (CopyFileW(path.c_str(), copy.c_str(), FALSE) == FALSE) {
     if (GetLastError() != ERROR_FILE_NOT_FOUND) return false;
-    // What a program left that ended in here.
+    // A program that ended in the middle of a change may have left its copy.
     DeleteFileW(copy.c_str());
   }
   if (WriteInto(copy, section, key, value) &&
       MoveFileExW(copy.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING) != FALSE) {
     return true;
   }
-  // It may be the copy of a file that nobody is to write.
+  // A copy of a write-protected file is write-protected, too.
   SetFileAttributesW(copy.c_str(), FILE_ATTRIBUTE_NORMAL);
   DeleteFileW(copy.c_str());
   return false;
@@ -78,8 +78,8 @@ std::wstring SettingsFilesWin::Read(const std::wstring& path, const std::wstring
 bool SettingsFilesWin::Write(const std::wstring& path, const std::wstring& section, const std::wstring& key,
                              const std::wstring& value) {
   if (!NamesFile(path)) return false;
-  // Most objects leave what is there already.
-  if (Read(path, section, key, value + L"?") == value) return true;
+  // Most objects would write what is there already. A key that is absent must not look like that.
+  if (Read(path, section, key, value.empty() ? L"?" : L"") == value) return true;
   const ChangeLock lock;
   return (lock.IsHeld() && Replace(path, section, key, value)) || WriteInto(path, section, key, value);
 }
