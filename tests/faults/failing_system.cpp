@@ -60,6 +60,12 @@ void AddFiles(std::vector<Import>& functions) {
   functions.push_back(Fails<&GetFileType>("GetFileType", {{FILE_TYPE_UNKNOWN, ERROR_INVALID_HANDLE}}));
   functions.push_back(
       Fails<&MoveFileExW>("MoveFileExW", {{0, ERROR_ACCESS_DENIED}, {0, ERROR_FILE_NOT_FOUND}}));
+  functions.push_back(Fails<&CopyFileW>(
+      "CopyFileW", {{0, ERROR_ACCESS_DENIED}, {0, ERROR_SHARING_VIOLATION}, {0, ERROR_DISK_FULL}}));
+  functions.push_back(Fails<&DeleteFileW>("DeleteFileW", {{0, ERROR_ACCESS_DENIED}}));
+  functions.push_back(Fails<&SetFileAttributesW>("SetFileAttributesW", {{0, ERROR_ACCESS_DENIED}}));
+  functions.push_back(
+      Fails<&CreateMutexW>("CreateMutexW", NoMemoryOr({ERROR_ACCESS_DENIED})).Makes(Resource::kFile));
   functions.push_back(Fails<&GetTempPathW>("GetTempPathW", NoMemoryOr({ERROR_ENVVAR_NOT_FOUND})));
   // It returns what it was given as the default; its error tells nothing that a client can use.
   functions.push_back(

@@ -97,7 +97,7 @@ const std::initializer_list<Group> kGroups = {
       "IsWindowVisible",  "EnableWindow",      "GetDlgCtrlID",     "GetWindowLongPtrW", "GetWindowLongW",
       "MonitorFromPoint", "MonitorFromWindow", "PeekMessageW",     "SetCursor",         "ShowWindow",
       "CallWindowProcW",  "DefWindowProcW",    "DispatchMessageW", "IsDialogMessageW",  "SendMessageW"}},
-    {kGivesBack, {"SafeArrayDestroy", "SysFreeString", "VariantClear", "LocalFree"}},
+    {kGivesBack, {"ReleaseMutex", "SafeArrayDestroy", "SysFreeString", "VariantClear", "LocalFree"}},
     {kRuntimeThreads,
      {"AddVectoredExceptionHandler",
       "RemoveVectoredExceptionHandler",
