@@ -19,7 +19,7 @@ TERMS = {"ZPL-2.1": "ZPL 2.1", "MIT": "MIT", "BSD-3-Clause": "BSD", "GPL-3.0-or-
          "Zlib": "zlib", "GCC-exception-3.1": "GCC Runtime Library Exception 3.1", "BSL-1.0": "Boost Software License 1.0",
          "CPL-1.0": "CPL 1.0", "LZMA-exception": "LZMA exception"}
 # Headers of Windows and of Linux, and folders of such; what has no dot in its name is the language's own library.
-SYSTEM = set("""commctrl.h fcntl.h imm.h iphlpapi.h netlistmgr.h objbase.h ocidl.h oleauto.h olectl.h poll.h setupapi.h
+SYSTEM = set("""commctrl.h fcntl.h imm.h iphlpapi.h malloc.h netlistmgr.h objbase.h ocidl.h oleauto.h olectl.h poll.h setupapi.h
     shellapi.h termios.h unistd.h unknwn.h uxtheme.h vssym32.h windows.h winsock2.h winver.h ws2tcpip.h
     asm netinet sys wrl""".split())
 TESTING = {"gtest", "gmock"}
