@@ -19,13 +19,19 @@ struct Notice {
 // A thread may run several fibers; its registration with the driver is one.
 thread_local GpibThread* of_this_thread = nullptr;
 
-// Whether the process is ending. Its other threads are gone by then, some of them perhaps from within the
-// driver, which may wait for them for ever.
-bool ProcessIsEnding() {
-  using ShutdownInProgress = BOOLEAN(NTAPI*)();
-  static const auto in_progress = reinterpret_cast<ShutdownInProgress>(
+// Whether the process is ending. Found before the first thread has anything to give back: a look at a
+// thread's end would wait for the loader, and the process could end there, in the middle of it.
+BOOLEAN(NTAPI* shutdown_in_progress)() = nullptr;
+
+void FindShutdownInProgress() {
+  shutdown_in_progress = reinterpret_cast<decltype(shutdown_in_progress)>(
       reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress")));
-  return in_progress != nullptr && in_progress() != FALSE;
+}
+
+// The other threads of a process that ends are gone by then, some of them perhaps from within the driver,
+// which may wait for them for ever.
+bool ProcessIsEnding() {
+  return shutdown_in_progress != nullptr && shutdown_in_progress() != FALSE;
 }
 
 // Runs at the end of a thread or fiber. A fiber may have moved to another thread or be deleted by one: the
@@ -39,6 +45,7 @@ void WINAPI OnFiberEnd(void* data) {
 
 DWORD NoticeSlot() {
   static const DWORD slot = [] {
+    FindShutdownInProgress();
     // The function stays where it is: the DLL is not unloaded once there was an object (server/module.h).
     const DWORD made = FlsAlloc(&OnFiberEnd);
     if (made == FLS_OUT_OF_INDEXES) throw std::bad_alloc();

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <array>
+#include <atomic>
 #include <functional>
 #include <string>
 #include <thread>
@@ -123,29 +124,65 @@ TEST_F(GpibThreadDataTest, FiberThatBroughtTheDataIsDeletedElsewhere_DataStays) 
   }).join();
 }
 
-// Not a test: what the program does that ProcessEnds_... starts.
+// Runs one of the disabled tests below, none of which is a test, in a process of its own. Returns its exit
+// code; STILL_ACTIVE when it does not end.
+DWORD RunInProcessOfItsOwn(const std::wstring& name) {
+  std::array<wchar_t, 32768> path{};
+  GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+  std::wstring command = L"\"" + std::wstring(path.data()) +
+                         L"\" --gtest_also_run_disabled_tests --gtest_filter=*DISABLED_" + name;
+  STARTUPINFOW startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION process{};
+  EXPECT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                             &process));
+  DWORD code = STILL_ACTIVE;
+  if (WaitForSingleObject(process.hProcess, 30'000) == WAIT_OBJECT_0) {
+    GetExitCodeProcess(process.hProcess, &code);
+  } else {
+    TerminateProcess(process.hProcess, 1);
+  }
+  CloseHandle(process.hThread);
+  CloseHandle(process.hProcess);
+  return code;
+}
+
 TEST_F(GpibThreadDataTest, DISABLED_EndRegistered) {
   MarkAsRegistered(threads_.Current(), &NeverReturn);
 }
 
 TEST_F(GpibThreadDataTest, ProcessEndsOnARegisteredThread_DoesNotWaitForTheDriver) {
-  std::array<wchar_t, 32768> path{};
-  GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-  std::wstring command = L"\"" + std::wstring(path.data()) +
-                         L"\" --gtest_also_run_disabled_tests --gtest_filter=*DISABLED_EndRegistered";
-  STARTUPINFOW startup{};
-  startup.cb = sizeof startup;
-  PROCESS_INFORMATION process{};
-  ASSERT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                             &process));
-  const DWORD waited = WaitForSingleObject(process.hProcess, 30'000);
-  EXPECT_EQ(waited, WAIT_OBJECT_0);
-  if (waited != WAIT_OBJECT_0) TerminateProcess(process.hProcess, 1);
-  DWORD code = 1;
-  GetExitCodeProcess(process.hProcess, &code);
-  EXPECT_EQ(code, 0u);
-  CloseHandle(process.hThread);
-  CloseHandle(process.hProcess);
+  EXPECT_EQ(RunInProcessOfItsOwn(L"EndRegistered"), 0u);
+}
+
+// Holds the loader's lock of this process, which the end of a process takes before it ends the other threads.
+void TakeLoadersLock() {
+  using LockLoader = LONG(NTAPI*)(ULONG, ULONG*, ULONG_PTR*);
+  const auto lock_loader = reinterpret_cast<LockLoader>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "LdrLockLoaderLock")));
+  ULONG_PTR cookie = 0;
+  ASSERT_EQ(lock_loader(0, nullptr, &cookie), 0);
+}
+
+// The other thread is about to end when it finds the lock taken, and goes no further.
+TEST_F(GpibThreadDataTest, DISABLED_EndWhileAnotherThreadEnds) {
+  MarkAsRegistered(threads_.Current());
+  std::atomic<bool> is_registered = false;
+  std::atomic<bool> may_end = false;
+  std::thread([&] {
+    MarkAsRegistered(threads_.Current());
+    is_registered = true;
+    while (!may_end) Sleep(1);
+  }).detach();
+  while (!is_registered) Sleep(1);
+  TakeLoadersLock();
+  may_end = true;
+  Sleep(200);
+  ExitProcess(0);
+}
+
+TEST_F(GpibThreadDataTest, ProcessEndsWhileAnotherRegisteredThreadEnds_WaitsForNothingOfThatThread) {
+  EXPECT_EQ(RunInProcessOfItsOwn(L"EndWhileAnotherThreadEnds"), 0u);
 }
 
 }  // namespace
