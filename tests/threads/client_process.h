@@ -19,6 +19,7 @@ class ClientProcess {
   // Its exit code; STILL_ACTIVE when it has not ended by then.
   DWORD CodeWithin(DWORD milliseconds) const;
   void Terminate(UINT code) const { TerminateProcess(process_, code); }
+  HANDLE handle() const { return process_; }
 
  private:
   HANDLE process_ = nullptr;

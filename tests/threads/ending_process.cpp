@@ -90,6 +90,13 @@ void LeaveComAndLibrary() {
   FreeLibrary(GetModuleHandleW(L"KespCommObj.dll"));
 }
 
+// A client that crashes stays, so that the test tells where it was. Wine would start a debugger, which waits
+// for a user.
+LONG WINAPI StayAfterCrash(EXCEPTION_POINTERS* /*pointers*/) {
+  Sleep(INFINITE);
+  return EXCEPTION_EXECUTE_HANDLER;
+}
+
 void EndFromAside(Way way) {
   if (way == Way::kExitProcess) ExitProcess(kEnded);
   if (way == Way::kTerminateSelf) TerminateProcess(GetCurrentProcess(), kEnded);
@@ -147,6 +154,7 @@ unsigned Run(Way way, DWORD milliseconds, short number) {
 
 int main(int count, char** arguments) {
   if (count != 5) return 2;
+  SetUnhandledExceptionFilter(kesp::threads::StayAfterCrash);
   const std::string folder = arguments[3];
   kesp::threads::folder.assign(folder.begin(), folder.end());
   const auto way = static_cast<kesp::threads::Way>(std::atoi(arguments[1]));

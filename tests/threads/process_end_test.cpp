@@ -4,6 +4,7 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <random>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "tests/threads/figure.h"
 #include "tests/threads/left_files.h"
 #include "tests/threads/lines.h"
+#include "tests/threads/stacks.h"
 #include "tests/threads/together.h"
 
 namespace kesp::threads {
@@ -30,7 +32,8 @@ class ProcessEndTest : public testing::Test {
     for (int port = 1; port <= kSettingsPorts; ++port) file << "[COM" << port << "]\r\nInstrAddr=12\r\n";
   }
 
-  // A client that ends in this way at some moment. Returns its exit code.
+  // A client that ends in this way at some moment. Returns its exit code, and keeps its stacks when it has
+  // not ended.
   DWORD EndOne(Way way, unsigned number) {
     const unsigned life = std::uniform_int_distribution<unsigned>(0, kLongestLifeMs)(random_);
     const std::wstring talking = folder_.File(L"talking");
@@ -38,15 +41,18 @@ class ProcessEndTest : public testing::Test {
     const ClientProcess client(L"ending_process.exe", std::to_wstring(static_cast<int>(way)) + L" " +
                                                           std::to_wstring(life) + L" \"" + folder_.path() +
                                                           L"\" " + std::to_wstring(number));
-    if (way != Way::kTerminated) return client.CodeWithin(kDeadlineMs);
-    const DWORD start = GetTickCount();
-    while (GetFileAttributesW(talking.c_str()) == INVALID_FILE_ATTRIBUTES &&
-           GetTickCount() - start < kDeadlineMs) {
-      Sleep(1);
+    if (way == Way::kTerminated) {
+      const DWORD start = GetTickCount();
+      while (GetFileAttributesW(talking.c_str()) == INVALID_FILE_ATTRIBUTES &&
+             GetTickCount() - start < kDeadlineMs) {
+        Sleep(1);
+      }
+      Sleep(life);
+      client.Terminate(kEnded);
     }
-    Sleep(life);
-    client.Terminate(kEnded);
-    return client.CodeWithin(kDeadlineMs);
+    const DWORD code = client.CodeWithin(kDeadlineMs);
+    if (code == STILL_ACTIVE) stacks_ = StacksOf(client.handle());
+    return code;
   }
 
   void LookAtLogs() {
@@ -91,6 +97,7 @@ class ProcessEndTest : public testing::Test {
   WorkingFolder folder_;
   const std::wstring settings_ = folder_.File(L"RFModem.ini");
   std::mt19937 random_{1};
+  std::vector<Stack> stacks_;
   long log_lines_ = 0;
   long torn_lines_ = 0;
   long settings_looks_ = 0;
@@ -101,6 +108,7 @@ class ProcessEndTest : public testing::Test {
 TEST_F(ProcessEndTest, InTheMiddleOfACall_FilesAreWholeAndTheNextProcessTalks) {
   const int processes = Rounds(static_cast<int>(kWays.size()));
   long assertions = 0;
+  long lost = 0;
   for (int number = 0; number < processes; ++number) {
     const Way way = kWays[static_cast<std::size_t>(number / 2) % kWays.size()];
     SCOPED_TRACE("way " + std::to_string(static_cast<int>(way)) + ", process " + std::to_string(number));
@@ -109,8 +117,12 @@ TEST_F(ProcessEndTest, InTheMiddleOfACall_FilesAreWholeAndTheNextProcessTalks) {
     // Now and then Wine fails an assertion of its own where threads that open files are ended.
     if (code == kAssertionOfWine) {
       ++assertions;
+    } else if (code == STILL_ACTIVE && IsLostByWine(stacks_)) {
+      ++lost;
+      std::cout << "not ended by Wine: way " << static_cast<int>(way) << '\n' << Text(stacks_);
     } else {
-      EXPECT_EQ(code, kEnded) << "a code of 259 is a process that hangs";
+      EXPECT_EQ(code, kEnded) << "a code of 259 is a process that hangs\n"
+                              << (code == STILL_ACTIVE ? Text(stacks_) : "");
     }
     LookAtLogs();
     LookAtSettings();
@@ -118,6 +130,8 @@ TEST_F(ProcessEndTest, InTheMiddleOfACall_FilesAreWholeAndTheNextProcessTalks) {
   }
   Figure("processes ended in the middle of a call", processes);
   Figure("of those by an assertion of Wine", assertions);
+  Figure("of those that Wine did not end", lost);
+  EXPECT_LE(lost, 1 + processes / 100);
   Figure("log lines torn, process ended", std::to_string(torn_lines_) + " of " + std::to_string(log_lines_));
   Figure("settings files torn, process ended",
          std::to_string(torn_settings_) + " of " + std::to_string(settings_looks_));
