@@ -17,6 +17,11 @@ namespace {
 
 constexpr UINT kLook = WM_APP;
 constexpr UINT kDeadlineMs = 20000;
+// Another program that comes to the front between the two halves of a click makes the button forget the
+// first.
+constexpr UINT_PTR kDeadline = 1;
+constexpr UINT_PTR kPressAgain = 2;
+constexpr UINT kPressAgainMs = 2000;
 
 BOOL CALLBACK PrintBox(HWND window, LPARAM) {
   for (const std::wstring& text : ReadBox(window).texts) std::printf("  %ls\n", text.c_str());
@@ -53,8 +58,11 @@ bool KeepsBlocksInGroups() {
 }
 
 LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM first, LPARAM second) {
-  if (message != kLook) return DefWindowProcW(window, message, first, second);
-  auto& press = *reinterpret_cast<Press*>(second);
+  const bool again = message == WM_TIMER && first == kPressAgain;
+  if (message != kLook && !again) return DefWindowProcW(window, message, first, second);
+  auto& press = *reinterpret_cast<Press*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+  if (again) std::printf("pressed once more: the first press had no effect\n");
+  press.labels = 0;
   HWND dialog = FindWindowW(nullptr, press.caption);
   HWND button = GetDlgItem(dialog, press.button);
   press.was_shown = button != nullptr && IsWindowVisible(dialog) != FALSE;
@@ -83,11 +91,14 @@ class Hand {
   template <class Transport>
   void Edit(Transport* transport, ::EEditCommFlags pages, const wchar_t* caption, bool confirms) {
     Press press{.caption = caption, .button = confirms ? ID_OK : ID_CANCEL};
-    SetTimer(window_, 1, kDeadlineMs, &GiveUp);
-    PostMessageW(window_, kLook, 0, reinterpret_cast<LPARAM>(&press));
+    SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&press));
+    SetTimer(window_, kDeadline, kDeadlineMs, &GiveUp);
+    SetTimer(window_, kPressAgain, kPressAgainMs, nullptr);
+    PostMessageW(window_, kLook, 0, 0);
     VARIANT_BOOL confirmed = VARIANT_FALSE;
     CheckResult(transport->Edit(pages, no_help_file_.get(), 0, &confirmed), "Edit");
-    KillTimer(window_, 1);
+    KillTimer(window_, kDeadline);
+    KillTimer(window_, kPressAgain);
     labels_ += press.labels;
     if (!press.was_shown) throw std::runtime_error("the dialog did not come");
     if ((confirmed != VARIANT_FALSE) != confirms) throw std::runtime_error("Edit returned the opposite");
