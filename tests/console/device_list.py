@@ -57,7 +57,10 @@ def write(bits, folder, text):
     file = folder / "entries.reg"
     file.write_text("REGEDIT4\n\n" + text)
     path = "Z:" + str(file).replace("/", "\\")
-    subprocess.run([ROOT / "tools" / "wine-run", "--bits", str(bits), "regedit", path], check=True, capture_output=True)
+    result = subprocess.run([ROOT / "tools" / "wine-test", "--bits", str(bits), "regedit", path], capture_output=True,
+                            text=True, check=False)
+    if result.returncode != 0:
+        raise AssertionError(f"regedit ended with {result.returncode} and said {result.stdout + result.stderr!r}")
 
 
 def plug_in(bits, folder):

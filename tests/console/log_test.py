@@ -131,12 +131,15 @@ class RoundTripTest(LogCase):
 
 
 class ReadingTest(LogCase):
+    def read_trace(self, name, *options):
+        code, output, error = self.kesp("log", self.windows(TRACES / name), *options)
+        self.assertEqual((code, error), (DONE, ""))
+        return output
+
     def test_traces_of_each_transport(self):
         for transport, place in (("tcp", "tcp:127.0.0.1:"), ("com", "com71@9600,N,8,1"), ("gpib", "gpib")):
             with self.subTest(transport=transport):
-                code, output, error = self.kesp("log", self.windows(TRACES / f"{transport}.trace"))
-                self.assertEqual((code, error), (DONE, ""))
-                lines = output.splitlines()
+                lines = self.read_trace(f"{transport}.trace").splitlines()
                 self.assertEqual(lines[0].split(), HEAD)
                 self.assertEqual(len(lines), 10 if transport == "gpib" else 11)
                 self.assertRegex(lines[1], rf"^11/22/2026 \d+:\d\d:\d\d AM +\d+  {place}\d* +"
@@ -144,11 +147,11 @@ class ReadingTest(LogCase):
                 self.assertRegex(lines[8], r"GONE\? +FAILED: ")
 
     def test_errors_only(self):
-        _, output, _ = self.kesp("log", self.windows(TRACES / "com.trace"), "--errors")
+        output = self.read_trace("com.trace", "--errors")
         self.assertEqual(["UNIT?", "GONE?"], [line.split()[5] for line in output.splitlines()[1:]])
 
     def test_csv_can_be_read_again(self):
-        _, output, _ = self.kesp("log", self.windows(TRACES / "tcp.trace"), "--csv")
+        output = self.read_trace("tcp.trace", "--csv")
         rows = list(csv.DictReader(io.StringIO(output)))
         self.assertEqual(len(rows), 10)
         self.assertEqual((rows[0]["kind"], rows[0]["command"], rows[0]["reply"]),
