@@ -25,7 +25,7 @@ TEST(EosCharacterTest, Number_IsDecimal) {
 }
 
 TEST(EosCharacterTest, NumberOutOfRange_IsAnInvalidArgument) {
-  for (const wchar_t* text : {L"256", L"300", L"4294967306", L"99999999999999999999999999999999"}) {
+  for (const wchar_t* text : {L"256", L"300", L"2550", L"4294967306", L"99999999999999999999999999999999"}) {
     EXPECT_EQ(RaisedBy([&] { EosByteOfNumber(text, L"[source]"); }),
               (Raised{5, L"[source]",
                       std::wstring(L"Invalid procedure call or argument (EOSChar is \"") + text +

@@ -155,6 +155,9 @@ TEST_F(GpibDriverTest, HostRegisteredCellsOfItsOwn_ReadWithoutACountFails_NextRe
   bus_.waiting = "de";
   EXPECT_EQ(driver_.ibrd(7, buffer).ibcntl, 2);
   EXPECT_EQ(bus_.registrations, (Calls{"register", "register", "unregister", "register"}));
+  bus_.registrations.clear();
+  threads_.EndThread();
+  EXPECT_EQ(bus_.registrations, (Calls{"unregister"})) << "there is no doubt any more whose cells these are";
 }
 
 TEST_F(GpibDriverTest, HostRegisteredCellsOfItsOwn_TheyAreNotUnregisteredAtTheThreadsEnd) {

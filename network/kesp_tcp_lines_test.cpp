@@ -120,6 +120,13 @@ TEST_F(CKespTCPReadLineTest, ReplyInPieces_CompletesWithThePieceThatBringsTheEos
   EXPECT_EQ(fakes_.pump.count(), pumps + 3);
 }
 
+TEST_F(CKespTCPReadLineTest, ReplyAfterAnotherInLongerPieces_CompletesWithItsOwnEos) {
+  Connect();
+  socket_->ThenReceives("A\r").ThenReceives("BCD").ThenReceives("E\r");
+  EXPECT_EQ(Read(), L"A");
+  EXPECT_EQ(Read(), L"BCDE");
+}
+
 TEST_F(CKespTCPReadLineTest, MultiCharacterEosOverAPieceBorder_Completes) {
   Connect();
   tcp_->SetEOSChar(L"\r\n");
