@@ -157,9 +157,9 @@ class Events : public TcpScenario {
 
   void Run(Verdict& verdict) override {
     if (!Begin(verdict)) return;
-    handler_ = std::make_unique<Handler>(tcp_.Get());
+    handler_ = std::make_unique<Handler>(transport_.Get());
     ComPtr<IConnectionPointContainer> container;
-    if (!verdict.SucceededBarely(tcp_.As(&container), "IConnectionPointContainer")) return;
+    if (!verdict.SucceededBarely(transport_.As(&container), "IConnectionPointContainer")) return;
     const HRESULT found = container->FindConnectionPoint(__uuidof(__CKespTCP), point_.GetAddressOf());
     if (!verdict.SucceededBarely(found, "FindConnectionPoint")) return;
     if (!verdict.SucceededBarely(point_->Advise(handler_.get(), &cookie_), "Advise")) return;

@@ -6,8 +6,6 @@ namespace kesp::faults {
 
 namespace {
 
-constexpr long kTimeOut = 1000;
-
 class SerialQuery : public SerialScenario {
  public:
   void Run(Verdict& verdict) override {
@@ -30,21 +28,8 @@ class SerialBinary : public SerialScenario {
   }
   void WorkAgain(Verdict& verdict) override {
     if (comm_ == nullptr) return;
-    if (port_ != nullptr) verdict.Succeeded(comm_->SetInputMode(imText), "SetInputMode");
+    if (transport_ != nullptr) verdict.Succeeded(comm_->SetInputMode(imText), "SetInputMode");
     SerialScenario::WorkAgain(verdict);
-  }
-};
-
-class SerialDetection : public SerialScenario {
- public:
-  void Run(Verdict& verdict) override {
-    if (!Begin(verdict)) return;
-    Text reply(L"before");
-    VARIANT_BOOL found = VARIANT_FALSE;
-    if (!verdict.Succeeded(comm_->DetectInstrument(reply.in_out(), dlSCPIOnly, &found), "DetectInstrument"))
-      return;
-    verdict.Expect(found != VARIANT_TRUE || reply.str() == kSerialIdentity,
-                   "DetectInstrument gives another answer");
   }
 };
 
@@ -54,10 +39,10 @@ class SerialNobody : public SerialScenario {
   void Run(Verdict& verdict) override {
     if (!Begin(verdict)) return;
     constexpr short kMissingPort = 250;
-    if (!verdict.Succeeded(port_->put_Port(kMissingPort), "Port")) return;
-    if (!verdict.Succeeded(port_->put_CreateLogFile(VARIANT_TRUE), "CreateLogFile")) return;
+    if (!verdict.Succeeded(transport_->put_Port(kMissingPort), "Port")) return;
+    if (!verdict.Succeeded(transport_->put_CreateLogFile(VARIANT_TRUE), "CreateLogFile")) return;
     VARIANT_BOOL is_there = VARIANT_TRUE;
-    verdict.Succeeded(port_->PortExists(kMissingPort, &is_there), "PortExists");
+    verdict.Succeeded(transport_->PortExists(kMissingPort, &is_there), "PortExists");
     Text reply;
     VARIANT_BOOL answer = VARIANT_FALSE;
     verdict.Succeeded(comm_->Query(reply.in_out(), Text(L"*IDN?").get(), nullptr, nullptr, &answer), "Query");
@@ -67,43 +52,6 @@ class SerialNobody : public SerialScenario {
 
 }  // namespace
 
-bool SerialScenario::Point(_CKespCOMPort3* port, Verdict& verdict) {
-  const auto number = static_cast<short>(std::stoi(Setting("KESP_SERIAL_PORT")));
-  return verdict.Succeeded(port->put_Port(number), "Port") &&
-         verdict.Succeeded(port->put_MaxBaudRate(br921600), "MaxBaudRate") &&
-         verdict.Succeeded(port->put_MinBaudRate(br150), "MinBaudRate") &&
-         verdict.Succeeded(port->put_BaudRate(br9600), "BaudRate") &&
-         verdict.Succeeded(port->put_MinBaudRate(br9600), "MinBaudRate") &&
-         verdict.Succeeded(port->put_MaxBaudRate(br9600), "MaxBaudRate") &&
-         verdict.Succeeded(port->put_TimeOut(kTimeOut), "TimeOut");
-}
-
-// What arrived of a reply that was given up is kept for the next reading; a client empties the line so.
-void SerialScenario::EmptyLine(Verdict& verdict) const {
-  VARIANT_BOOL answer = VARIANT_FALSE;
-  if (!verdict.Succeeded(port_->OpenPort(&answer), "OpenPort")) return;
-  constexpr DWORD kLongestReplyMs = 100;
-  Sleep(kLongestReplyMs);
-  verdict.Succeeded(port_->ClearBuffers(), "ClearBuffers");
-  verdict.Succeeded(port_->ClosePort(), "ClosePort");
-}
-
-void SerialScenario::WorkAgain(Verdict& verdict) {
-  if (comm_ == nullptr) return;
-  port_ = Use<_CKespCOMPort3>(comm_.Get(), csRS232, verdict);
-  verdict.Expect(port_ != nullptr, "there is no transport");
-  if (port_ == nullptr || !Point(port_.Get(), verdict)) return;
-  verdict.Succeeded(comm_->put_AutoClose(VARIANT_TRUE), "AutoClose");
-  EmptyLine(verdict);
-  MustQuery(comm_.Get(), L"*IDN?", kSerialIdentity, verdict);
-}
-
-bool SerialScenario::Begin(Verdict& verdict) {
-  comm_ = Make<_CKespCommObj>(__uuidof(CKespCommObj), verdict);
-  if (comm_ != nullptr) port_ = Use<_CKespCOMPort3>(comm_.Get(), csRS232, verdict);
-  return port_ != nullptr && Point(port_.Get(), verdict);
-}
-
 std::unique_ptr<Scenario> MakeSerialQuery() {
   return std::make_unique<SerialQuery>();
 }
@@ -111,7 +59,7 @@ std::unique_ptr<Scenario> MakeSerialBinary() {
   return std::make_unique<SerialBinary>();
 }
 std::unique_ptr<Scenario> MakeSerialDetection() {
-  return std::make_unique<SerialDetection>();
+  return std::make_unique<DetectionScenario<SerialStage>>();
 }
 std::unique_ptr<Scenario> MakeSerialNobody() {
   return std::make_unique<SerialNobody>();

@@ -1,27 +1,26 @@
-// A communication object that talks to the controller at the COM port of the environment.
+// A communication object that talks to the controller at a COM port.
 #pragma once
 
-#include "tests/faults/client.h"
-#include "tests/faults/scenario.h"
+#include "tests/faults/transport_scenario.h"
 
 namespace kesp::faults {
 
 inline constexpr wchar_t kSerialIdentity[] = L"KESP,SC300,SIM30118,1.4";
 
-class SerialScenario : public Scenario {
- public:
-  void WorkAgain(Verdict& verdict) override;
+struct SerialStage {
+  using Transport = _CKespCOMPort3;
+  static constexpr ECommStyle kStyle = csRS232;
+  static constexpr const wchar_t* kIdentity = kSerialIdentity;
+  static constexpr EDetectLevel kDetectedBy = dlSCPIOnly;
+  static constexpr const wchar_t* kDetected = kSerialIdentity;
 
- protected:
-  bool Begin(Verdict& verdict);
   // At the port of the environment, with one rate, so that a search is short.
   static bool Point(_CKespCOMPort3* port, Verdict& verdict);
-
-  ComPtr<_CKespCommObj> comm_;
-  ComPtr<_CKespCOMPort3> port_;
-
- private:
-  void EmptyLine(Verdict& verdict) const;
+  // What arrived of a reply that was given up is kept for the next reading; a client empties the line so.
+  static void Recover(_CKespCommObj* comm, _CKespCOMPort3* port, Verdict& verdict);
+  static void LookAfterwards(Verdict&) {}
 };
+
+using SerialScenario = TransportScenario<SerialStage>;
 
 }  // namespace kesp::faults

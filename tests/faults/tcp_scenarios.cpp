@@ -32,23 +32,23 @@ class TcpLines : public TcpScenario {
   void Run(Verdict& verdict) override {
     if (!Begin(verdict)) return;
     VARIANT_BOOL answer = VARIANT_FALSE;
-    if (!verdict.Succeeded(tcp_->Initialize(&answer), "Initialize")) return;
+    if (!verdict.Succeeded(transport_->Initialize(&answer), "Initialize")) return;
     for (int i = 0; i < 2 && Exchange(verdict); ++i) {
     }
-    verdict.Succeeded(tcp_->Uninitialize(&answer), "Uninitialize");
+    verdict.Succeeded(transport_->Uninitialize(&answer), "Uninitialize");
   }
   void WorkAgain(Verdict& verdict) override {
     VARIANT_BOOL answer = VARIANT_FALSE;
-    if (tcp_ != nullptr) verdict.Succeeded(tcp_->Uninitialize(&answer), "Uninitialize");
+    if (transport_ != nullptr) verdict.Succeeded(transport_->Uninitialize(&answer), "Uninitialize");
     TcpScenario::WorkAgain(verdict);
   }
 
  private:
   bool Exchange(Verdict& verdict) const {
     VARIANT_BOOL answer = VARIANT_FALSE;
-    if (!verdict.Succeeded(tcp_->WriteLine(Text(L"*IDN?").get(), &answer), "WriteLine")) return false;
+    if (!verdict.Succeeded(transport_->WriteLine(Text(L"*IDN?").get(), &answer), "WriteLine")) return false;
     Text reply(L"before");
-    if (!verdict.Succeeded(tcp_->ReadLine(reply.in_out(), &answer), "ReadLine")) return false;
+    if (!verdict.Succeeded(transport_->ReadLine(reply.in_out(), &answer), "ReadLine")) return false;
     verdict.Expect(answer != VARIANT_TRUE || reply.str() == kTcpIdentity, "ReadLine gives another reply");
     return true;
   }
@@ -60,7 +60,7 @@ class TcpNobody : public TcpScenario {
   void Run(Verdict& verdict) override {
     if (!Begin(verdict)) return;
     constexpr short kNobodysPort = 9;
-    if (!verdict.Succeeded(tcp_->put_Port(kNobodysPort), "Port")) return;
+    if (!verdict.Succeeded(transport_->put_Port(kNobodysPort), "Port")) return;
     Text reply;
     VARIANT_BOOL answer = VARIANT_FALSE;
     verdict.Succeeded(comm_->Query(reply.in_out(), Text(L"*IDN?").get(), nullptr, nullptr, &answer), "Query");
@@ -73,22 +73,17 @@ class TcpName : public TcpScenario {
  public:
   void Run(Verdict& verdict) override {
     if (!Begin(verdict)) return;
-    if (!verdict.Succeeded(tcp_->put_IPAddress(Text(L"localhost").get()), "IPAddress")) return;
+    if (!verdict.Succeeded(transport_->put_IPAddress(Text(L"localhost").get()), "IPAddress")) return;
     QueryGives(comm_.Get(), L"*IDN?", kTcpIdentity, verdict);
   }
 };
 
-// The search for a device at the address.
-class TcpDetection : public TcpScenario {
+// The search over the local network, by broadcasts that the instrument answers.
+class TcpDiscovery : public TcpScenario {
  public:
   void Run(Verdict& verdict) override {
     if (!Begin(verdict)) return;
-    Text reply(L"before");
-    VARIANT_BOOL found = VARIANT_FALSE;
-    if (!verdict.Succeeded(comm_->DetectInstrument(reply.in_out(), dlSCPIOnly, &found), "DetectInstrument"))
-      return;
-    verdict.Expect(found != VARIANT_TRUE || reply.str() == kTcpIdentity,
-                   "DetectInstrument gives another answer");
+    if (verdict.Succeeded(transport_->put_Protocol(sckUDPProtocol), "Protocol")) Detect(verdict);
   }
 };
 
@@ -97,10 +92,10 @@ class TcpLogs : public TcpScenario {
  public:
   void Run(Verdict& verdict) override {
     if (!Begin(verdict)) return;
-    if (!verdict.Succeeded(tcp_->put_CreateLogFile(VARIANT_TRUE), "CreateLogFile")) return;
+    if (!verdict.Succeeded(transport_->put_CreateLogFile(VARIANT_TRUE), "CreateLogFile")) return;
     if (!verdict.Succeeded(comm_->put_DebugFilename(Text(LogName(L"trace")).get()), "DebugFilename")) return;
     if (!verdict.Succeeded(comm_->put_Debugging(VARIANT_TRUE), "Debugging")) return;
-    if (!verdict.Succeeded(tcp_->put_LogFilename(Text(LogName(L"log")).get()), "LogFilename")) return;
+    if (!verdict.Succeeded(transport_->put_LogFilename(Text(LogName(L"log")).get()), "LogFilename")) return;
     QueryGives(comm_.Get(), L"*IDN?", kTcpIdentity, verdict);
     Text key;
     if (verdict.Succeeded(comm_->GetKey(key.out()), "GetKey"))
@@ -133,7 +128,10 @@ std::unique_ptr<Scenario> MakeTcpName() {
   return std::make_unique<TcpName>();
 }
 std::unique_ptr<Scenario> MakeTcpDetection() {
-  return std::make_unique<TcpDetection>();
+  return std::make_unique<DetectionScenario<TcpStage>>();
+}
+std::unique_ptr<Scenario> MakeTcpDiscovery() {
+  return std::make_unique<TcpDiscovery>();
 }
 std::unique_ptr<Scenario> MakeTcpLogs() {
   return std::make_unique<TcpLogs>();

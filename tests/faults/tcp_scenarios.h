@@ -13,6 +13,7 @@ std::unique_ptr<Scenario> MakeTcpLines();
 std::unique_ptr<Scenario> MakeTcpNobody();
 std::unique_ptr<Scenario> MakeTcpName();
 std::unique_ptr<Scenario> MakeTcpDetection();
+std::unique_ptr<Scenario> MakeTcpDiscovery();
 std::unique_ptr<Scenario> MakeTcpLogs();
 
 }  // namespace kesp::faults

@@ -1,24 +1,25 @@
 // A communication object that talks to the instrument on the network.
 #pragma once
 
-#include "tests/faults/client.h"
-#include "tests/faults/scenario.h"
+#include "tests/faults/transport_scenario.h"
 
 namespace kesp::faults {
 
 inline constexpr wchar_t kTcpIdentity[] = L"KESP,TORTURE,SIM00666,1.0";
 
-// The base of the scenarios that need one.
-class TcpScenario : public Scenario {
- public:
-  void WorkAgain(Verdict& verdict) override;
+struct TcpStage {
+  using Transport = _CKespTCP;
+  static constexpr ECommStyle kStyle = csTCPIP;
+  static constexpr const wchar_t* kIdentity = kTcpIdentity;
+  static constexpr EDetectLevel kDetectedBy = dlSCPIOnly;
+  static constexpr const wchar_t* kDetected = kTcpIdentity;
 
- protected:
-  // Makes the object and points it at the instrument of the environment.
-  bool Begin(Verdict& verdict);
-
-  ComPtr<_CKespCommObj> comm_;
-  ComPtr<_CKespTCP> tcp_;
+  // At the instrument of the environment.
+  static bool Point(_CKespTCP* tcp, Verdict& verdict);
+  static void Recover(_CKespCommObj*, _CKespTCP*, Verdict&) {}
+  static void LookAfterwards(Verdict&) {}
 };
+
+using TcpScenario = TransportScenario<TcpStage>;
 
 }  // namespace kesp::faults
