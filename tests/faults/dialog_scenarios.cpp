@@ -62,8 +62,8 @@ class ModemDialog : public SerialScenario {
   // What answers at the port is the modem.
   void WorkAgain(Verdict& verdict) override {
     if (comm_ == nullptr) return;
-    port_ = Use<_CKespCOMPort3>(comm_.Get(), csRS232, verdict);
-    if (port_ == nullptr || !Point(port_.Get(), verdict)) return;
+    transport_ = Use<_CKespCOMPort3>(comm_.Get(), csRS232, verdict);
+    if (transport_ == nullptr || !SerialStage::Point(transport_.Get(), verdict)) return;
     ReadModem(verdict);
   }
 
@@ -72,8 +72,8 @@ class ModemDialog : public SerialScenario {
     Text texts[6];
     VARIANT_BOOL answer = VARIANT_FALSE;
     const HRESULT read =
-        port_->RFReadModemSettings(texts[0].in_out(), texts[1].in_out(), texts[2].in_out(), texts[3].in_out(),
-                                   texts[4].in_out(), texts[5].in_out(), &answer);
+        transport_->RFReadModemSettings(texts[0].in_out(), texts[1].in_out(), texts[2].in_out(),
+                                        texts[3].in_out(), texts[4].in_out(), texts[5].in_out(), &answer);
     if (!verdict.Succeeded(read, "RFReadModemSettings")) return;
     verdict.Expect(answer == VARIANT_TRUE && !texts[0].str().empty(), "the modem's settings cannot be read");
   }

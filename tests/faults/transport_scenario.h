@@ -1,5 +1,5 @@
-// What the scenarios of each transport have in common. A Stage says which transport it is, at what it is pointed, and
-// which identity its instrument tells.
+// What the scenarios of each transport have in common. A Stage says which transport it is, at what it is
+// pointed, and which identity its instrument tells.
 #pragma once
 
 #include "tests/faults/client.h"
@@ -24,8 +24,7 @@ class TransportScenario : public Scenario {
  protected:
   bool Begin(Verdict& verdict) {
     comm_ = Make<_CKespCommObj>(__uuidof(CKespCommObj), verdict);
-    if (comm_ != nullptr)
-      transport_ = Use<typename Stage::Transport>(comm_.Get(), Stage::kStyle, verdict);
+    if (comm_ != nullptr) transport_ = Use<typename Stage::Transport>(comm_.Get(), Stage::kStyle, verdict);
     return transport_ != nullptr && Stage::Point(transport_.Get(), verdict);
   }
   // Looks for an instrument; the one that it finds must be that of the stage.
