@@ -19,11 +19,22 @@ std::string NameOf(const HeardInstrument& instrument) {
   return instrument.settings.empty() ? instrument.place : instrument.place + "@" + instrument.settings;
 }
 
-// The bytes of the command without their end; nothing where there is none.
+bool IsOnBus(const Exchange& exchange) {
+  return exchange.place == "gpib";
+}
+
+// Without the ends that the client wrote behind it, for the instrument hears nothing of its own in them. On
+// the bus a carriage return before the end does not count.
+std::string WithoutEnds(const std::string& command, const Exchange& exchange) {
+  const std::size_t text_end = command.find_last_not_of("\r\n") + 1;
+  return command.substr(0, IsOnBus(exchange) ? text_end : command.find('\r', text_end));
+}
+
+// What the instrument hears as the command; nothing where there is none.
 std::optional<std::string> CommandOf(const Exchange& exchange) {
-  if (!exchange.frame) return exchange.command;
-  if (!exchange.frame->ends_with('\r')) return std::nullopt;
-  return exchange.frame->substr(0, exchange.frame->size() - 1);
+  const std::optional<std::string>& sent = exchange.frame ? exchange.frame : exchange.command;
+  if (!sent || (exchange.frame && !sent->ends_with('\r'))) return std::nullopt;
+  return WithoutEnds(*sent, exchange);
 }
 
 }  // namespace
@@ -44,7 +55,7 @@ void DeviceFromTrace::Add(const Exchange& exchange) {
     return;
   }
   // The instrument hears each up to its end, and nobody knows which of them was answered.
-  if (command->find(exchange.place == "gpib" ? '\n' : '\r') != std::string::npos) {
+  if (command->find(IsOnBus(exchange) ? '\n' : '\r') != std::string::npos) {
     ++several_;
     return;
   }
@@ -66,12 +77,7 @@ DeviceFromTrace::Made DeviceFromTrace::Make() const {
   const auto chosen =
       std::max_element(instruments_.begin(), instruments_.end(),
                        [](const auto& a, const auto& b) { return a.second.exchanges < b.second.exchanges; });
-  if (chosen == instruments_.end()) {
-    throw std::runtime_error(behind_omega_ > 0
-                                 ? "the trace is of a controller with block checks; an example of such a "
-                                   "description is what \"kesp-sim example omega-controller\" writes"
-                                 : "no exchange in the trace tells its command, so nothing was written");
-  }
+  if (chosen == instruments_.end()) throw std::runtime_error(WhyNone());
   const HeardInstrument& instrument = chosen->second;
   Made made;
   made.json = DeviceText(instrument, made.remarks);
@@ -99,6 +105,15 @@ DeviceFromTrace::Made DeviceFromTrace::Make() const {
     made.remarks.push_back("left out: " + Counted(too_many_, "exchange") + " with still other commands");
   }
   return made;
+}
+
+std::string DeviceFromTrace::WhyNone() const {
+  if (behind_omega_ > 0) {
+    return "the trace is of a controller with block checks; an example of such a description is what "
+           "\"kesp-sim example omega-controller\" writes";
+  }
+  return several_ > 0 ? "the exchanges in the trace hold several commands in one, so nothing was written"
+                      : "no exchange in the trace tells its command and its end, so nothing was written";
 }
 
 }  // namespace kesp::console

@@ -29,10 +29,12 @@ class DeviceFromTrace {
     std::string summary;               // "3 commands of tcp:127.0.0.1:10001, from 12 exchanges"
     std::vector<std::string> remarks;  // what the trace does not tell, and what was left out
   };
-  // Of the place with the most exchanges. Throws std::runtime_error where no exchange tells its command.
+  // Of the place with the most exchanges. Throws std::runtime_error where none can be played.
   Made Make() const;
 
  private:
+  std::string WhyNone() const;
+
   std::map<std::string, HeardInstrument> instruments_;  // by place and settings
   std::size_t without_command_ = 0;
   std::size_t unfinished_ = 0;
