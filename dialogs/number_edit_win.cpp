@@ -3,22 +3,29 @@
 
 #include <imm.h>
 
+#include <stdexcept>
+
 namespace kesp {
 
 NumberEdit::NumberEdit(Form& form, TextBox& box, HWND edit, HWND dialog)
     : form_(form), box_(box), edit_(edit), dialog_(dialog) {
   const auto self = reinterpret_cast<LONG_PTR>(this);
   SetWindowLongPtrW(edit_, GWLP_USERDATA, self);
-  // The procedure relies on it. Without, the box takes any key, and what it holds is checked at the end.
-  if (GetWindowLongPtrW(edit_, GWLP_USERDATA) != self) return;
+  // The procedure relies on it.
+  if (GetWindowLongPtrW(edit_, GWLP_USERDATA) == self) {
+    original_ = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrW(edit_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&NumberEdit::Procedure)));
+  }
+  // One whose keys pass by the form would hand any text to the transport.
+  if (original_ == nullptr) {
+    throw std::runtime_error("The dialog's window cannot be made: a text box does not ask about its keys");
+  }
   // What an input method composes would pass by the filter, and a number needs none.
   ImmAssociateContext(edit_, nullptr);
-  original_ = reinterpret_cast<WNDPROC>(
-      SetWindowLongPtrW(edit_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&NumberEdit::Procedure)));
 }
 
 NumberEdit::~NumberEdit() {
-  if (original_ == nullptr || IsWindow(edit_) == FALSE) return;
+  if (IsWindow(edit_) == FALSE) return;
   SetWindowLongPtrW(edit_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(original_));
 }
 

@@ -10,6 +10,7 @@ namespace kesp {
 // Stands between Windows and one edit control. It lives as long as the dialog.
 class NumberEdit {
  public:
+  // Throws std::runtime_error when the control's keys cannot be had.
   NumberEdit(Form& form, TextBox& box, HWND edit, HWND dialog);
   ~NumberEdit();
   NumberEdit(const NumberEdit&) = delete;

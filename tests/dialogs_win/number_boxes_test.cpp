@@ -1,6 +1,11 @@
 // Typing into the text boxes of the TCP/IP dialog's window: keys that pass, what a box does when it is left,
 // and the clipboard.
+#include <stdexcept>
+
 #include "dialog_fixture.h"
+#include "dialogs/frm_tcp_settings.h"
+#include "dialogs/number_edit_win.h"
+#include "support/environment_win.h"
 
 namespace kesp {
 namespace {
@@ -91,6 +96,13 @@ TEST_F(NumberBoxesTest, LeftInWhateverWay_HoldsANumberOfItsRange) {
   }));
   EXPECT_EQ(tcp_.IPAddress(), L"255.0.30.40");
   EXPECT_EQ(tcp_.TimeOutmSecs(), 10000);
+}
+
+// Unfiltered, it would hand any text to the transport.
+TEST_F(NumberBoxesTest, KeysThatCannotBeHad_AreRefused) {
+  frmTCPSettings form(SystemEnvironment().user, tcp_, kEverything);
+  HWND no_control = nullptr;
+  EXPECT_THROW(NumberEdit(form, form.txtPort, no_control, GetDesktopWindow()), std::runtime_error);
 }
 
 TEST_F(NumberBoxesTest, EnterPressed_TakesTheTextAsItStands) {
