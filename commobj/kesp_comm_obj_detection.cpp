@@ -14,7 +14,7 @@ constexpr wchar_t kSetInputModeSource[] = L"[CKespCommObj - Update()]";
 
 bool CKespCommObj::DetectInstrument(std::wstring& result, EDetectLevel DetectLevel) {
   RequireTransport(kDetectSource);
-  const auto detect = [&](const std::function<bool()>& detection) {
+  const auto detect = [&](const auto& detection) {
     return RunTrapped(environment_.user, L"attempting to detect instrument", detection);
   };
   switch (comm_style_) {

@@ -6,7 +6,7 @@ namespace kesp {
 
 bool CKespCommObj::Edit(EEditCommFlags Flags, const std::wstring& HelpFile, std::int32_t HCID) {
   RequireTransport(L"[CKespCommObj - Edit()]");
-  const auto edit = [&](const std::function<bool()>& editing) {
+  const auto edit = [&](const auto& editing) {
     return RunTrapped(environment_.user, L"attempting to edit communication settings", editing);
   };
   switch (comm_style_) {

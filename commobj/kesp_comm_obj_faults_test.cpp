@@ -4,6 +4,7 @@
 
 #include "commobj/kesp_comm_obj_fixture.h"
 #include "support/attempt.h"
+#include "support/failing_allocation_fake.h"
 #include "support/fault_sweep_fixture.h"
 
 namespace kesp {
@@ -234,6 +235,23 @@ INSTANTIATE_TEST_SUITE_P(Each, CKespCommObjNetworkSweepTest, testing::ValuesIn(N
                          NameOf<Network>);
 INSTANTIATE_TEST_SUITE_P(Each, CKespCommObjIeeeSweepTest, testing::ValuesIn(CommonCases<Ieee>()),
                          NameOf<Ieee>);
+
+// Nothing is allocated before the trap that turns a failure into an error box.
+template <typename Stage>
+void FailFirstAllocation(void (Stage::*operation)()) {
+  Stage stage;
+  const FailingAllocation failing(1);
+  EXPECT_EQ(RaisedBy([&] { (stage.*operation)(); }), Raised());
+  EXPECT_EQ(failing.failures(), 1);
+}
+
+TEST(CKespCommObjFirstAllocationTest, FailsInTheTrap) {
+  FailFirstAllocation(&Serial::Detect);
+  FailFirstAllocation(&Network::Detect);
+  FailFirstAllocation(&Ieee::Detect);
+  FailFirstAllocation(&Serial::Edit);
+  FailFirstAllocation(&Network::Edit);
+}
 
 }  // namespace
 }  // namespace kesp
