@@ -17,7 +17,7 @@ enum class SerialOpening {
 };
 
 struct Exchange {
-  std::wstring member;          // "Query"; names the operation in sources and trace lines
+  std::wstring member;  // "Query"; names the operation in the trace line of a port that is open already
   std::wstring beginning_line;  // traced first; empty for none
   std::wstring exiting_line;    // traced last; empty for none
   std::wstring cmd;
