@@ -57,10 +57,11 @@ bool CKespCommObj::Query(std::wstring& result, const std::wstring& cmd, const st
 
 bool CKespCommObj::QueryBinary(BinaryValue& result, const std::wstring& cmd, const std::wstring& OmegaAddress,
                                const std::wstring& OmegaValue) {
-  RequireTransport(kQueryBinarySource);
-  BeginOperation();
   // Raised, not trapped as what fails in an operation is.
-  if (comm_style_ == ECommStyle::csIEEE) throw StyleNotSupported(kQueryBinarySource);
+  if (comm_style_ == ECommStyle::csIEEE) {
+    BeginOperation();
+    throw StyleNotSupported(kQueryBinarySource);
+  }
   return Run(kQueryBinarySource, L"attempting to perform query", [&] {
     return Exchange{.member = L"QueryBinary",
                     .beginning_line = {},
