@@ -10,7 +10,7 @@ namespace kesp {
 
 CKespCommObj::CKespCommObj(Environment& environment, const TransportFactory& transports)
     : environment_(environment),
-      log_(environment.clock, environment.files),
+      trace_(environment.clock, environment.files, L"", Rollover::kDaily),
       key_(NewObjectKey(environment.guids)),
       serial_(transports.make_serial()) {
   serial_->SetMaxBaudRate(EKespBaudRate3::br57600);
@@ -30,14 +30,14 @@ CKespCommObj::~CKespCommObj() {
 }
 
 void CKespCommObj::SetDebugFilename(const std::wstring& value) {
-  debug_filename_ = value;
+  trace_.SetFilename(value);
   serial_->SetLogFilename(value);
   ieee_->SetLogFilename(value);
   network_->SetLogFilename(value);
 }
 
 void CKespCommObj::SetDebugging(bool value) {
-  debugging_ = value;
+  trace_.Turn(value);
   serial_->SetCreateLogFile(value);
   ieee_->SetCreateLogFile(value);
   network_->SetCreateLogFile(value);

@@ -9,10 +9,10 @@
 #include "commobj/transports.h"
 #include "support/attempt.h"
 #include "support/binary_value.h"
+#include "support/diagnostic_log.h"
 #include "support/enumerations.h"
 #include "support/environment.h"
 #include "support/failure.h"
-#include "support/log.h"
 
 namespace kesp {
 
@@ -45,12 +45,12 @@ class CKespCommObj {
 
   // Path of the trace file: "commobjout.log" in the library's folder at first. Also becomes LogFilename of
   // the transports: serial, IEEE-488, network.
-  const std::wstring& DebugFilename() const { return debug_filename_; }
+  const std::wstring& DebugFilename() const { return trace_.Filename(); }
   void SetDebugFilename(const std::wstring& value);
 
   // Whether the trace is written. False at first. Also becomes CreateLogFile of the transports: serial,
   // IEEE-488, network.
-  bool Debugging() const { return debugging_; }
+  bool Debugging() const { return trace_.IsOn(); }
   void SetDebugging(bool value);
 
   // The status of the last operation; source and description are empty after a success.
@@ -136,27 +136,11 @@ class CKespCommObj {
   bool Fail(ECommError status, const std::wstring& operation, const Attempt& attempt);
   void TraceErrorInfo(const wchar_t* operation, const Attempt& attempt) noexcept;
 
-  // Traces the text that make_text returns; it is not called while nothing is traced. Never fails: a line for
-  // which there is no memory is lost.
-  template <typename MakeText>
-  void Trace(const MakeText& make_text) noexcept {
-    if (!debugging_) return;
-    try {
-      log_.WriteWithDailyRollover(debug_filename_, make_text());
-    } catch (...) {
-    }
-  }
-  void Trace(const wchar_t* text) noexcept {
-    Trace([text] { return std::wstring(text); });
-  }
-
   Environment& environment_;
-  LogWriter log_;
+  DiagnosticLog trace_;
   ECommError comm_error_ = ECommError::cfrSuccess;
   ECommStyle comm_style_ = ECommStyle::csNone;
   std::wstring key_;
-  bool debugging_ = false;
-  std::wstring debug_filename_;
   bool auto_close_ = true;
   bool serial_port_open_ = false;  // opened by an operation and left open
   std::shared_ptr<CKespCOMPort3> serial_;

@@ -6,7 +6,7 @@ namespace kesp {
 
 bool CKespCommObj::RunOnIeee(const Exchange& exchange) {
   const Attempt attempt = Try([&] { return ExchangeOnIeee(exchange); });
-  Trace(L"IEEE: Uninitialize()");
+  trace_.Write(L"IEEE: Uninitialize()");
   // The exchange is over by now: a device that cannot be closed does not change what it came to.
   Try([&] { return ieee_->Uninitialize(); });
   if (attempt.error) throw Failure(*attempt.error);
@@ -14,24 +14,24 @@ bool CKespCommObj::RunOnIeee(const Exchange& exchange) {
 }
 
 bool CKespCommObj::ExchangeOnIeee(const Exchange& exchange) {
-  Trace(L"IEEE: Initialize()");
+  trace_.Write(L"IEEE: Initialize()");
   const Attempt initialize = Try([&] { return ieee_->Initialize(); });
   if (!initialize.succeeded) {
     return Fail(IeeeInitializeStatus(initialize.number()), L"IEEE: ** Initialize()", initialize);
   }
-  Trace([&] { return L"IEEE: " + exchange.ieee_write_operation + L"(" + exchange.cmd + L")"; });
+  trace_.Write([&] { return L"IEEE: " + exchange.ieee_write_operation + L"(" + exchange.cmd + L")"; });
   const Attempt write = Try([&] { return ieee_->WriteLine(exchange.cmd); });
   if (!write.succeeded) return Fail(ECommError::cfrWriteFailed, L"IEEE: ** WriteLine()", write);
   return exchange.read_ieee ? ReadFromIeee(exchange) : Succeed();
 }
 
 bool CKespCommObj::ReadFromIeee(const Exchange& exchange) {
-  Trace([&] { return L"IEEE: " + exchange.read_operation; });
+  trace_.Write([&] { return L"IEEE: " + exchange.read_operation; });
   const Attempt read = Try(exchange.read_ieee);
   if (!read.succeeded) {
     return Fail(ECommError::cfrReadFailed, L"IEEE: ** " + exchange.read_operation, read);
   }
-  if (exchange.reply_for_trace) Trace([&] { return L"IEEE: result- " + exchange.reply_for_trace(); });
+  if (exchange.reply_for_trace) trace_.Write([&] { return L"IEEE: result- " + exchange.reply_for_trace(); });
   return Succeed();
 }
 

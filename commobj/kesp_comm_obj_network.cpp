@@ -47,7 +47,7 @@ ECommError ReadStatus(std::int32_t number) {
 
 bool CKespCommObj::RunOnNetwork(const Exchange& exchange) {
   const Attempt attempt = Try([&] { return ExchangeOnNetwork(exchange); });
-  Trace(L"TCP: Uninitialize()");
+  trace_.Write(L"TCP: Uninitialize()");
   // The exchange is over by now: a connection that cannot be closed does not change what it came to.
   Try([&] { return network_->Uninitialize(); });
   if (attempt.error) throw Failure(*attempt.error);
@@ -55,33 +55,33 @@ bool CKespCommObj::RunOnNetwork(const Exchange& exchange) {
 }
 
 bool CKespCommObj::ExchangeOnNetwork(const Exchange& exchange) {
-  Trace(L"TCP: Initialize()");
+  trace_.Write(L"TCP: Initialize()");
   const Attempt initialize = Try([&] { return network_->Initialize(); });
   if (!initialize.succeeded) {
     if (exchange.initialize_trace == InitializeTrace::kWithFailedLine) {
-      Trace([&] {
+      trace_.Write([&] {
         return L"TCP: Initialize failed!! (" + std::to_wstring(initialize.number()) + L"-" +
                initialize.description() + L")";
       });
     }
     return Fail(InitializeStatus(initialize.number()), L"TCP: ** Initialize()", initialize);
   }
-  Trace([&] { return L"TCP: WriteLine(" + exchange.cmd + L")"; });
+  trace_.Write([&] { return L"TCP: WriteLine(" + exchange.cmd + L")"; });
   const Attempt write = Try([&] { return network_->WriteLine(exchange.cmd); });
   if (!write.succeeded) return Fail(WriteStatus(write.number()), L"TCP: ** WriteLine()", write);
   return exchange.read_network ? ReadFromNetwork(exchange) : Succeed();
 }
 
 bool CKespCommObj::ReadFromNetwork(const Exchange& exchange) {
-  Trace([&] { return L"TCP: " + exchange.read_operation; });
+  trace_.Write([&] { return L"TCP: " + exchange.read_operation; });
   const Attempt read = Try(exchange.read_network);
   if (read.succeeded) {
-    if (exchange.reply_for_trace) Trace([&] { return L"TCP: result- " + exchange.reply_for_trace(); });
+    if (exchange.reply_for_trace) trace_.Write([&] { return L"TCP: result- " + exchange.reply_for_trace(); });
     return Succeed();
   }
   const std::wstring operation = L"TCP: ** " + exchange.read_operation;
   if (read.number() == tcp_error::ERR_TCP_INVALID_CHARACTERS)
-    Trace([&] { return operation + L" invalid characters **"; });
+    trace_.Write([&] { return operation + L" invalid characters **"; });
   return Fail(ReadStatus(read.number()), operation, read);
 }
 

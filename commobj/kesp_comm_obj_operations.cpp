@@ -29,9 +29,9 @@ bool CKespCommObj::Run(const wchar_t* source, const wchar_t* trap_action, const 
   BeginOperation();
   return RunTrapped(environment_.user, trap_action, [&] {
     const Exchange exchange = describe();
-    if (!exchange.beginning_line.empty()) Trace([&] { return exchange.beginning_line; });
+    if (!exchange.beginning_line.empty()) trace_.Write([&] { return exchange.beginning_line; });
     const bool succeeded = RunOnTransport(exchange);
-    if (!exchange.exiting_line.empty()) Trace([&] { return exchange.exiting_line; });
+    if (!exchange.exiting_line.empty()) trace_.Write([&] { return exchange.exiting_line; });
     return succeeded;
   });
 }
@@ -133,7 +133,7 @@ bool CKespCommObj::Fail(ECommError status, const std::wstring& operation, const 
 }
 
 void CKespCommObj::TraceErrorInfo(const wchar_t* operation, const Attempt& attempt) noexcept {
-  Trace([&] {
+  trace_.Write([&] {
     return operation + (L" Error info: Source- " + attempt.source()) + L"  Description- " +
            attempt.description() + L" **";
   });

@@ -73,7 +73,7 @@ bool CKespCommObj::RunOnSerial(const Exchange& exchange) {
 }
 
 void CKespCommObj::CloseSerialPort() {
-  Trace(L"RS-232: ClosePort()");
+  trace_.Write(L"RS-232: ClosePort()");
   serial_port_open_ = false;
   serial_->ClosePort();
 }
@@ -82,31 +82,31 @@ bool CKespCommObj::OpenSerialPort(const Exchange& exchange) {
   const bool quiet = exchange.serial_opening == SerialOpening::kRetriedQuietly;
   const bool once = exchange.serial_opening == SerialOpening::kOnce;
   if (serial_port_open_ && !once) {
-    if (!quiet) Trace([&] { return exchange.member + L"() - port is already open..."; });
+    if (!quiet) trace_.Write([&] { return exchange.member + L"() - port is already open..."; });
     return true;
   }
   const std::wstring operation = L"RS-232: ** OpenPort()";
   for (int attempt = 1;; ++attempt) {
-    if (!quiet) Trace(L"RS-232: OpenPort()");
+    if (!quiet) trace_.Write(L"RS-232: OpenPort()");
     // What was left open is closed by it, whether or not it can be opened again.
     serial_port_open_ = false;
     const Attempt open = Try([&] { return serial_->OpenPort(); });
     if (open.succeeded) return serial_port_open_ = true;
     if (once || open.number() != kSerialPortInUse) {
-      if (!quiet) Trace([&] { return operation + L" " + OpenLine(open); });
+      if (!quiet) trace_.Write([&] { return operation + L" " + OpenLine(open); });
       return Fail(OpenStatus(open), operation, open);
     }
     if (attempt == kOpenAttempts) {
-      Trace([&] { return operation + L" COM port is already open. Timed out...**"; });
+      trace_.Write([&] { return operation + L" COM port is already open. Timed out...**"; });
       return Fail(ECommError::cfrTimeout, operation, open);
     }
-    Trace([&] { return operation + L" COM port is already open. Retrying...**"; });
+    trace_.Write([&] { return operation + L" COM port is already open. Retrying...**"; });
   }
 }
 
 bool CKespCommObj::ExchangeOnSerial(const Exchange& exchange) {
   if (serial_->UseRFModem() && !serial_->RFWriteModemInstrAddress(serial_->InstrAddr())) return false;
-  Trace([&] {
+  trace_.Write([&] {
     return L"RS-232: WriteLine(" + exchange.cmd + L"," + exchange.OmegaAddress + L"," + exchange.OmegaValue +
            L")";
   });
@@ -115,35 +115,36 @@ bool CKespCommObj::ExchangeOnSerial(const Exchange& exchange) {
   });
   if (!write.succeeded) {
     const std::wstring operation = L"RS-232: ** WriteLine()";
-    if (exchange.read_serial) Trace([&] { return operation + L" " + WriteFailureLine(write); });
+    if (exchange.read_serial) trace_.Write([&] { return operation + L" " + WriteFailureLine(write); });
     return Fail(WriteStatus(write), operation, write);
   }
   return exchange.read_serial ? ReadFromSerial(exchange) : Succeed();
 }
 
 bool CKespCommObj::ReadFromSerial(const Exchange& exchange) {
-  Trace([&] { return L"RS-232: " + exchange.read_operation; });
+  trace_.Write([&] { return L"RS-232: " + exchange.read_operation; });
   const Attempt read = Try(exchange.read_serial);
   if (read.succeeded) {
-    if (exchange.reply_for_trace) Trace([&] { return L"RS-232: result- " + exchange.reply_for_trace(); });
+    if (exchange.reply_for_trace)
+      trace_.Write([&] { return L"RS-232: result- " + exchange.reply_for_trace(); });
     return Succeed();
   }
   const std::wstring operation = L"RS-232: ** " + exchange.read_operation;
   switch (read.number()) {
     case 0:
-      Trace([&] { return operation + L" returned False (no error) **"; });
+      trace_.Write([&] { return operation + L" returned False (no error) **"; });
       return Fail(ECommError::cfrInvalidSetting, operation, read);
     case com_port_error::ERR_READ_TIMEOUT:
-      Trace([&] {
+      trace_.Write([&] {
         return operation + L" timed out **" +
                (exchange.partial_reply_for_trace ? L" result- " + exchange.partial_reply_for_trace() : L"");
       });
       return Fail(ECommError::cfrTimeout, operation, read);
     case com_port_error::ERR_INVALID_CHARACTERS:
-      Trace([&] { return operation + L" invalid characters **"; });
+      trace_.Write([&] { return operation + L" invalid characters **"; });
       return Fail(ECommError::cfrInvalidData, operation, read);
     default:
-      Trace([&] { return operation + L" read failed " + NumberAndDescription(read); });
+      trace_.Write([&] { return operation + L" read failed " + NumberAndDescription(read); });
       return Fail(ECommError::cfrReadFailed, operation, read);
   }
 }

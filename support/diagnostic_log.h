@@ -1,4 +1,5 @@
-// The diagnostic log of one object: its switch, its file, and lines that are made only when they are wanted.
+// The diagnostic log or the trace of one object: its switch, its file, and lines that are made only when they
+// are wanted.
 #pragma once
 
 #include <string>
@@ -10,11 +11,14 @@
 
 namespace kesp {
 
+// Whether the file of an earlier day is put aside (LogWriter::WriteWithDailyRollover).
+enum class Rollover { kNever, kDaily };
+
 // Off at first. Writing never fails: a line that cannot be written, or for which there is no memory, is lost.
 class DiagnosticLog {
  public:
-  DiagnosticLog(Clock& clock, Files& files, std::wstring filename)
-      : writer_(clock, files), filename_(std::move(filename)) {}
+  DiagnosticLog(Clock& clock, Files& files, std::wstring filename, Rollover rollover = Rollover::kNever)
+      : writer_(clock, files), rollover_(rollover), filename_(std::move(filename)) {}
 
   bool IsOn() const { return is_on_; }
   void Turn(bool on) { is_on_ = on; }
@@ -28,7 +32,9 @@ class DiagnosticLog {
   void Write(const MakeText& make_text) noexcept {
     if (!is_on_) return;
     try {
-      writer_.Write(filename_, make_text());
+      const std::wstring text = make_text();
+      if (rollover_ == Rollover::kDaily) return writer_.WriteWithDailyRollover(filename_, text);
+      writer_.Write(filename_, text);
     } catch (...) {
     }
   }
@@ -38,6 +44,7 @@ class DiagnosticLog {
 
  private:
   LogWriter writer_;
+  Rollover rollover_;
   bool is_on_ = false;
   std::wstring filename_;
 };
