@@ -92,27 +92,21 @@ bool CKespCOMPort3::InCommandMode(const std::function<void()>& conversation) {
   const Wait guard(environment_.clock, kGuardMs);
   while (!guard.IsOver()) {
   }
-  const auto leave = [&] { TellModem(L"ATCN"); };
-  try {
-    WriteLine(L"+++");
-  } catch (...) {
-    // The plusses may have gone out before the failure. The modem would then take the next commands for its
-    // own.
-    const Failure failure = CurrentFailure();
-    Try([&] { return AwaitOk() && (leave(), true); });
-    throw failure;
-  }
-  try {
-    // A modem that does not confirm has not understood; "ATCN" would go to the instrument.
+  // The plusses may have gone out before a failure.
+  const Attempt plusses = Try([&] { return WriteLine(L"+++"); });
+  const Attempt talk = Try([&] {
     if (!AwaitOk()) return false;
-    conversation();
-  } catch (...) {
-    const Failure failure = CurrentFailure();
-    Try([&] { return leave(), true; });
-    throw failure;
+    if (!plusses.error) conversation();
+    return true;
+  });
+  // A modem that has heard them would take the next commands for its own. One that does not confirm has not
+  // understood; "ATCN" would go to the instrument.
+  const bool may_listen = talk.succeeded || talk.error;
+  const Attempt leaving = Try([&] { return may_listen && (TellModem(L"ATCN"), true); });
+  for (const Attempt* attempt : {&plusses, &talk, &leaving}) {
+    if (attempt->error) throw Failure(*attempt->error);
   }
-  leave();
-  return true;
+  return talk.succeeded;
 }
 
 // What the modem does not confirm is only logged: the next commands go out all the same.

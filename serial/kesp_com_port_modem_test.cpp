@@ -122,13 +122,21 @@ TEST_F(CKespCOMPort3ModemTest, NoDeadlineLeftOnTheClock_IsFalse) {
 // Nobody knows then whether the modem has heard "+++".
 TEST_F(CKespCOMPort3ModemTest, PortFailsWhileConfirmationIsAwaited_ModemIsToldToLeave) {
   Confirms({"ATCN\r"});
-  ports_.line.on_output = [&](const std::string& written, const std::wstring&) {
-    // The look at the output buffer, then the first one for the confirmation.
-    if (written == "+++") ports_.line.FailCall(2, 8020);
-  };
-  EXPECT_FALSE(port_.RFWriteModemInstrAddress(26));
-  EXPECT_EQ(Outputs(), (Lines{L"+++", L"ATCN<0D>"}));
-  EXPECT_EQ(Remembered(), L"<none>");
+  for (const bool behind_a_failure : {false, true}) {
+    record_.clear();
+    int looks = 2;
+    ports_.line.on_output = [&](const std::string& written, const std::wstring&) {
+      looks = written == "+++" ? 0 : 2;
+    };
+    ports_.line.on_poll = [&] {
+      // The look at the output buffer, then the first one for the confirmation.
+      const bool fails = ++looks == 2 || (looks == 1 && behind_a_failure);
+      if (fails) ports_.line.FailCall(1, 8020);
+    };
+    EXPECT_FALSE(port_.RFWriteModemInstrAddress(26));
+    EXPECT_EQ(Outputs(), (Lines{L"+++", L"ATCN<0D>"}));
+    EXPECT_EQ(Remembered(), L"<none>");
+  }
 }
 
 // The bytes are out by then, and a modem in command mode would swallow what comes next.
