@@ -33,7 +33,7 @@ def proof(name, what, promises, command, quick, widths, minutes):
 PROOFS = (
     proof("hangs", "every blocking member, every way to hang", (1, 2, 3),
           "tools/try-to-hang --bits {bits}",
-          "tools/try-to-hang --bits {bits} --rows gpib", BOTH, 15),
+          "tools/try-to-hang --bits {bits} --rows GPIB", BOTH, 15),
     proof("faults", "every call of the system, every allocation made to fail", (3, 4),
           "tools/sweep-faults --bits {bits}",
           "tools/sweep-faults --bits {bits} --most 1 creation", BOTH, 60),
