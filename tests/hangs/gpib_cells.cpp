@@ -1,6 +1,6 @@
 // The cells of the IEEE-488 transport and of a communication object that uses it, on the simulated driver.
 #include "tests/clients/simulated_driver.h"
-#include "tests/hangs/outcome.h"
+#include "tests/hangs/stage.h"
 #include "tests/hangs/trial.h"
 
 namespace kesp::hangs {
@@ -34,11 +34,9 @@ constexpr char kBus[] = R"({"devices": [
 constexpr short kWellAddress = 5;
 constexpr short kMissingAddress = 9;
 
-class GpibStage {
+class GpibStage : public Stage {
  public:
-  GpibStage() : comm(clients::Create<_CKespCommObj>(__uuidof(CKespCommObj))) {
-    EXPECT_EQ(clients::WriteByReference(comm, &_CKespCommObj::put_CommStyle, csIEEE), S_OK);
-    EXPECT_EQ(clients::ReadObject(comm, &_CKespCommObj::get_CommObject).As(&device), S_OK);
+  GpibStage() : Stage(csIEEE) {
     EXPECT_EQ(clients::Write(device, &_CKespIEEE::put_EOSChar, std::wstring(L"10")), S_OK);
     EXPECT_EQ(clients::Write(device, &_CKespIEEE::put_SetEOS, VARIANT_FALSE), S_OK);
     SetTimeOut(to300ms);
@@ -58,11 +56,11 @@ class GpibStage {
   Outcome Uninitialize() {
     return Answering([&](VARIANT_BOOL* answer) { return device->Uninitialize(answer); });
   }
-  Outcome WriteLine(const std::string& cmd) {
+  Outcome WriteLine(const std::string& cmd) override {
     const clients::Text text(TextOfBytes(cmd));
     return Answering([&](VARIANT_BOOL* answer) { return device->WriteLine(text.get(), answer); });
   }
-  Outcome ReadLine() {
+  Outcome ReadLine() override {
     return Reading([&](BSTR* reply, VARIANT_BOOL* answer) { return device->ReadLine(reply, answer); });
   }
   Outcome AutoDetect(ESearchOption option) {
@@ -70,30 +68,11 @@ class GpibStage {
       return device->AutoDetect(reply, dlSCPIOnly, option, answer);
     });
   }
-  Outcome DetectInstrument() {
-    return Reading(
-        [&](BSTR* reply, VARIANT_BOOL* answer) { return comm->DetectInstrument(reply, dlSCPIOnly, answer); });
-  }
-  Outcome Query(const std::string& cmd) {
-    const clients::Text text(TextOfBytes(cmd));
-    return WithStatus(Reading([&](BSTR* reply, VARIANT_BOOL* answer) {
-                        return comm->Query(reply, text.get(), nullptr, nullptr, answer);
-                      }),
-                      comm);
-  }
-  Outcome Update(const std::string& cmd) {
-    const clients::Text text(TextOfBytes(cmd));
-    return WithStatus(
-        Answering([&](VARIANT_BOOL* answer) { return comm->Update(text.get(), nullptr, nullptr, answer); }),
-        comm);
-  }
-  Outcome Exchange(const std::string& cmd) {
-    const Outcome sent = WriteLine(cmd);
-    return sent.result == "True" ? ReadLine() : sent;
-  }
 
-  clients::ComPtr<_CKespCommObj> comm;
-  clients::ComPtr<_CKespIEEE> device;
+  clients::ComPtr<_CKespIEEE> device = Transport<_CKespIEEE>();
+
+ private:
+  void ReleaseTransport() override { device.Reset(); }
 };
 
 // The bus is loaded once: the library registers each thread with the driver once.
@@ -312,13 +291,7 @@ void AddReleaseCell(Cells& cells) {
                        GpibStage stage;
                        trial.Require("Initialize", stage.Initialize().result == "True");
                        stage.WriteLine("SILENT?");
-                       trial.Call([&] {
-                         return Doing([&] {
-                           stage.device.Reset();
-                           stage.comm.Reset();
-                           return S_OK;
-                         });
-                       });
+                       trial.Call([&] { return stage.ReleaseAll(); });
                      }
                      GpibStage another;
                      JudgeAfterwards(trial, another, true);

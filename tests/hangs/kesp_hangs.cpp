@@ -37,7 +37,7 @@ int PlayAll(const Cells& cells, const std::string& file) {
     report.Add(cell, repeated, true);
   }
   report.PrintFigures();
-  // What the helpers of the tests expect counts, too.
+  // What the stages expect counts, too.
   return report.IsBroken() || testing::UnitTest::GetInstance()->ad_hoc_test_result().Failed() ? 1 : 0;
 }
 

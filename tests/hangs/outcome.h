@@ -78,11 +78,4 @@ Outcome Doing(const Call& call) {
   return outcome;
 }
 
-// An operation of the communication object: its status goes along when it failed.
-inline Outcome WithStatus(Outcome outcome, const clients::ComPtr<_CKespCommObj>& comm) {
-  if (outcome.result == "False")
-    outcome.result = FalseWith(clients::Read(comm, &_CKespCommObj::get_CommError));
-  return outcome;
-}
-
 }  // namespace kesp::hangs

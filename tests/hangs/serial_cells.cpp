@@ -42,18 +42,10 @@ std::vector<LineMember> LineMembers() {
       {"CKespCOMPort3.IsPortAvailable", "False", kJustClosed, kJustClosed,
        [](SerialStage& stage) { return Asked(stage, &_CKespCOMPort3::IsPortAvailable); }},
       {"CKespCommObj.CommStyle", "done", kNone, kNone,
-       [](SerialStage& stage) {
-         ECommStyle style = csRS232;
-         return Doing([&] { return stage.comm->put_CommStyle(&style); });
-       }},
+       [](SerialStage& stage) { return stage.AssignStyle(); }},
       // In the middle of a call the object lives on until that has ended.
       {"release of the CKespCommObj", "done", kNone, kNone,
-       [](SerialStage& stage) {
-         return Doing([&] {
-           stage.ReleaseAll();
-           return S_OK;
-         });
-       }},
+       [](SerialStage& stage) { return stage.ReleaseAll(); }},
   };
 }
 
@@ -84,16 +76,6 @@ std::vector<LineWay> LineWays() {
       {"endless data", false, false, SendWithoutEnd},
       {"port pulled", false, true, PullTheLine},
   };
-}
-
-void JudgeAfterwards(Trial& trial, SerialStage& stage) {
-  stage.peer.Recover();
-  if (stage.port == nullptr) return;
-  stage.ClosePort();
-  stage.UseSwitch(false);
-  trial.Require("OpenPort", stage.OpenPort().result == "True");
-  const std::string token = trial.NewToken();
-  trial.JudgeQuery(stage.Exchange(token), "=" + token);
 }
 
 // In the middle of a WriteLine that is stuck, which ends with the port.

@@ -109,11 +109,7 @@ void AddSerialModemCells(Cells& cells) {
         stage.peer.Behave([&](LineTalk& talk) { way.behave(talk, trial); });
         trial.Call([&] { return member.call(stage); });
         stage.SetTimeOut(kSerialTimeOut);
-        stage.ClosePort();
-        stage.peer.Recover();
-        trial.Require("OpenPort", stage.OpenPort().result == "True");
-        const std::string token = trial.NewToken();
-        trial.JudgeQuery(stage.Exchange(token), "=" + token);
+        JudgeAfterwards(trial, stage);
       };
       cells.push_back(std::move(cell));
     }

@@ -1,4 +1,4 @@
-// The calls of a serial transport and of a communication object that uses it.
+// The calls of a serial transport.
 #include "tests/hangs/serial_stage.h"
 
 #include <optional>
@@ -7,7 +7,6 @@ namespace kesp::hangs {
 
 using clients::Text;
 using clients::Write;
-using clients::WriteByReference;
 
 namespace {
 
@@ -21,10 +20,7 @@ VARIANT_BOOL Boolean(bool value) {
 }  // namespace
 
 SerialStage::SerialStage()
-    : comm(clients::Create<_CKespCommObj>(__uuidof(CKespCommObj))),
-      events(clients::EventRecorder::Make(__uuidof(__CKespCOMPort3))) {
-  EXPECT_EQ(WriteByReference(comm, &_CKespCommObj::put_CommStyle, csRS232), S_OK);
-  EXPECT_EQ(clients::ReadObject(comm, &_CKespCommObj::get_CommObject).As(&port), S_OK);
+    : Stage(csRS232), events(clients::EventRecorder::Make(__uuidof(__CKespCOMPort3))) {
   connection_ = std::make_unique<clients::Connection>(port.Get(), __uuidof(__CKespCOMPort3), events.Get());
   const auto number = static_cast<short>(clients::SerialWire::PortNumber());
   EXPECT_EQ(Write(port, &_CKespCOMPort3::put_Port, number), S_OK);
@@ -68,10 +64,9 @@ void SerialStage::OnFullLine(const std::function<void()>& act) {
   };
 }
 
-void SerialStage::ReleaseAll() {
+void SerialStage::ReleaseTransport() {
   connection_.reset();
   port.Reset();
-  comm.Reset();
 }
 
 Outcome SerialStage::OpenPort() {
@@ -113,37 +108,15 @@ Outcome SerialStage::AutoDetect() {
   });
 }
 
-Outcome SerialStage::Query(const std::string& cmd) {
-  const Text text(TextOfBytes(cmd));
-  return WithStatus(Reading([&](BSTR* reply, VARIANT_BOOL* answer) {
-                      return comm->Query(reply, text.get(), nullptr, nullptr, answer);
-                    }),
-                    comm);
-}
-
-Outcome SerialStage::QueryBinary(const std::string& cmd) {
-  const Text text(TextOfBytes(cmd));
-  return WithStatus(ReadingBytes([&](VARIANT* reply, VARIANT_BOOL* answer) {
-                      return comm->QueryBinary(reply, text.get(), nullptr, nullptr, answer);
-                    }),
-                    comm);
-}
-
-Outcome SerialStage::Update(const std::string& cmd) {
-  const Text text(TextOfBytes(cmd));
-  return WithStatus(
-      Answering([&](VARIANT_BOOL* answer) { return comm->Update(text.get(), nullptr, nullptr, answer); }),
-      comm);
-}
-
-Outcome SerialStage::DetectInstrument() {
-  return Reading(
-      [&](BSTR* reply, VARIANT_BOOL* answer) { return comm->DetectInstrument(reply, dlSCPIOnly, answer); });
-}
-
-Outcome SerialStage::Exchange(const std::string& cmd) {
-  const Outcome sent = WriteLine(cmd);
-  return sent.result == "True" ? ReadLine() : sent;
+void JudgeAfterwards(Trial& trial, SerialStage& stage) {
+  if (stage.port == nullptr) return;
+  // One that was pulled, before it is back.
+  stage.ClosePort();
+  stage.peer.Recover();
+  stage.UseSwitch(false);
+  trial.Require("OpenPort", stage.OpenPort().result == "True");
+  const std::string token = trial.NewToken();
+  trial.JudgeQuery(stage.Exchange(token), "=" + token);
 }
 
 }  // namespace kesp::hangs

@@ -5,10 +5,10 @@
 #include <memory>
 #include <string>
 
-#include "KespCommObj.h"
 #include "tests/clients/event_recorder.h"
-#include "tests/hangs/outcome.h"
 #include "tests/hangs/serial_peer.h"
+#include "tests/hangs/stage.h"
+#include "tests/hangs/trial.h"
 
 namespace kesp::hangs {
 
@@ -28,27 +28,22 @@ inline constexpr Milliseconds kItsTime{std::int64_t{kMoreThanLine} * 10 * 1000 /
 // What ends a text reply.
 enum class ReplyMode { kToLf, kToSilence, kRaw };
 
-class SerialStage {
+class SerialStage : public Stage {
  public:
   SerialStage();
-  // The events stay connected otherwise.
-  ~SerialStage() { connection_.reset(); }
+  // Before the peer; the events stay connected otherwise.
+  ~SerialStage() override { ReleaseAll(); }
 
   Outcome OpenPort();
   Outcome ClosePort();
   Outcome ClearBuffers();
-  Outcome WriteLine(const std::string& cmd, bool cr_before = false);
-  Outcome ReadLine();
+  Outcome WriteLine(const std::string& cmd) override { return WriteLine(cmd, false); }
+  Outcome WriteLine(const std::string& cmd, bool cr_before);
+  Outcome ReadLine() override;
   Outcome ReadLineBinary();
   Outcome Download();
   // At one rate, with *IDN? only.
   Outcome AutoDetect();
-  Outcome Query(const std::string& cmd);
-  Outcome QueryBinary(const std::string& cmd);
-  Outcome Update(const std::string& cmd);
-  Outcome DetectInstrument();
-  // One command and its reply on the open port.
-  Outcome Exchange(const std::string& cmd);
 
   void SetMode(ReplyMode mode);
   void SetTimeOut(Milliseconds time);
@@ -57,16 +52,18 @@ class SerialStage {
   // The peer takes nothing from now on; in a WriteLine that is stuck then, a handler of WriteUpdate does
   // this, once.
   void OnFullLine(const std::function<void()>& act);
-  // The client's references, and its handler's connection.
-  void ReleaseAll();
 
   SerialPeer peer;
-  clients::ComPtr<_CKespCommObj> comm;
-  clients::ComPtr<_CKespCOMPort3> port;
+  clients::ComPtr<_CKespCOMPort3> port = Transport<_CKespCOMPort3>();
   clients::ComPtr<clients::EventRecorder> events;
 
  private:
+  void ReleaseTransport() override;
+
   std::unique_ptr<clients::Connection> connection_;
 };
+
+// The same object, at a port that it opens anew, asks the peer, which is well again.
+void JudgeAfterwards(Trial& trial, SerialStage& stage);
 
 }  // namespace kesp::hangs

@@ -34,14 +34,6 @@ std::vector<Ending> Endings() {
   };
 }
 
-void JudgeAfterwards(Trial& trial, SerialStage& stage) {
-  stage.peer.Recover();
-  stage.ClosePort();
-  trial.Require("OpenPort", stage.OpenPort().result == "True");
-  const std::string token = trial.NewToken();
-  trial.JudgeQuery(stage.Exchange(token), "=" + token);
-}
-
 void AddHandlerCells(Cells& cells) {
   for (const bool cr_before : {false, true}) {
     for (const Ending& ending : Endings()) {
@@ -115,7 +107,6 @@ void PlayWriting(Trial& trial, const Writer& writer, bool pulls) {
   trial.Call([&] { return writer.call(stage, std::string(kMoreThanLine, 'x')); });
   const std::string token = trial.NewToken();
   if (!writer.opens) {
-    stage.ClosePort();
     JudgeAfterwards(trial, stage);
     return;
   }

@@ -214,13 +214,7 @@ void AddPromptCells(Cells& cells) {
       {"CKespTCP.Uninitialize", false, "True",
        [](TcpStage& stage, const std::string&) { return stage.Uninitialize(); }},
       {"release of the CKespCommObj", false, "done",
-       [](TcpStage& stage, const std::string&) {
-         return Doing([&] {
-           stage.tcp.Reset();
-           stage.comm.Reset();
-           return S_OK;
-         });
-       }},
+       [](TcpStage& stage, const std::string&) { return stage.ReleaseAll(); }},
   };
   for (const Prompt& prompt : prompts) {
     for (const TcpWay& way : TcpConnectionWays()) {

@@ -1,16 +1,13 @@
-// The calls of a network transport and of a communication object that uses it.
+// The calls of a network transport.
 #include "tests/hangs/tcp_stage.h"
 
 namespace kesp::hangs {
 
 using clients::Text;
 using clients::Write;
-using clients::WriteByReference;
 
 TcpStage::TcpStage(const std::string& address, int port)
-    : peer(address, port), comm(clients::Create<_CKespCommObj>(__uuidof(CKespCommObj))) {
-  EXPECT_EQ(WriteByReference(comm, &_CKespCommObj::put_CommStyle, csTCPIP), S_OK);
-  EXPECT_EQ(clients::ReadObject(comm, &_CKespCommObj::get_CommObject).As(&tcp), S_OK);
+    : Stage(csTCPIP), peer(address, port) {
   PointAt(peer.address());
   EXPECT_EQ(Write(tcp, &_CKespTCP::put_Port, peer.port()), S_OK);
   EXPECT_EQ(Write(tcp, &_CKespTCP::put_TimeOutmSecs, kTcpTimeOut), S_OK);
@@ -50,39 +47,6 @@ Outcome TcpStage::ReadLineBinary(long gap) {
 Outcome TcpStage::AutoDetect() {
   return Reading(
       [&](BSTR* reply, VARIANT_BOOL* answer) { return tcp->AutoDetect(reply, dlSCPIOnly, answer); });
-}
-
-Outcome TcpStage::Query(const std::string& cmd) {
-  const Text text(TextOfBytes(cmd));
-  return WithStatus(Reading([&](BSTR* reply, VARIANT_BOOL* answer) {
-                      return comm->Query(reply, text.get(), nullptr, nullptr, answer);
-                    }),
-                    comm);
-}
-
-Outcome TcpStage::QueryBinary(const std::string& cmd) {
-  const Text text(TextOfBytes(cmd));
-  return WithStatus(ReadingBytes([&](VARIANT* reply, VARIANT_BOOL* answer) {
-                      return comm->QueryBinary(reply, text.get(), nullptr, nullptr, answer);
-                    }),
-                    comm);
-}
-
-Outcome TcpStage::Update(const std::string& cmd) {
-  const Text text(TextOfBytes(cmd));
-  return WithStatus(
-      Answering([&](VARIANT_BOOL* answer) { return comm->Update(text.get(), nullptr, nullptr, answer); }),
-      comm);
-}
-
-Outcome TcpStage::DetectInstrument() {
-  return Reading(
-      [&](BSTR* reply, VARIANT_BOOL* answer) { return comm->DetectInstrument(reply, dlSCPIOnly, answer); });
-}
-
-Outcome TcpStage::Exchange(const std::string& cmd) {
-  const Outcome sent = WriteLine(cmd);
-  return sent.result == "True" ? ReadLine() : sent;
 }
 
 }  // namespace kesp::hangs

@@ -4,9 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "KespCommObj.h"
 #include "tests/hangs/hanging_peer.h"
-#include "tests/hangs/outcome.h"
+#include "tests/hangs/stage.h"
 
 namespace kesp::hangs {
 
@@ -16,31 +15,28 @@ inline constexpr Milliseconds kTcpWait{2000};
 // Longer than any pause of a peer on a busy machine.
 inline constexpr long kQuietGap = 500;
 
-class TcpStage {
+class TcpStage : public Stage {
  public:
   explicit TcpStage(const std::string& address = "127.0.0.1", int port = 0);
+  // Before the peer.
+  ~TcpStage() override { ReleaseAll(); }
 
   Outcome Initialize();
   Outcome Uninitialize();
-  Outcome WriteLine(const std::string& cmd);
-  Outcome ReadLine();
+  Outcome WriteLine(const std::string& cmd) override;
+  Outcome ReadLine() override;
   Outcome ReadLineBinary(long gap = kQuietGap);
   // Asks with *IDN? only.
   Outcome AutoDetect();
-  Outcome Query(const std::string& cmd);
-  Outcome QueryBinary(const std::string& cmd);
-  Outcome Update(const std::string& cmd);
-  Outcome DetectInstrument();
-
-  // One command and its reply on the open connection.
-  Outcome Exchange(const std::string& cmd);
   // The transport is told to go to this host.
   void PointAt(const std::string& address);
   void EndRepliesByEos(bool by_eos);
 
   HangingPeer peer;
-  clients::ComPtr<_CKespCommObj> comm;
-  clients::ComPtr<_CKespTCP> tcp;
+  clients::ComPtr<_CKespTCP> tcp = Transport<_CKespTCP>();
+
+ private:
+  void ReleaseTransport() override { tcp.Reset(); }
 };
 
 }  // namespace kesp::hangs
