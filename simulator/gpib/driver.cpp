@@ -6,6 +6,8 @@
 #include <set>
 #include <utility>
 
+#include "simulator/gpib/time_out.h"
+
 namespace kesp::simulator::gpib {
 namespace {
 
@@ -24,6 +26,12 @@ void Driver::Load(const BusDescription& description) {
   // Calls that still wait on it have nowhere to report to.
   bus_->threads.ForgetRegistrations();
   bus_.swap(bus);
+  waiting_.WakeAll();
+}
+
+void Driver::Hold(std::optional<CallName> call) {
+  const Locked locked(waiting_);
+  held_ = call;
   waiting_.WakeAll();
 }
 
@@ -65,7 +73,8 @@ std::int32_t Driver::Perform(ThreadId thread, const Call& call, const Work& work
   const Locked locked(waiting_);
   const std::shared_ptr<Bus> bus = bus_;
   CallRecord::Line line = bus->record.Begin(bus->threads.OrdinalOf(thread), call);
-  const std::optional<Report> failure = bus->failures.Next(call.name);
+  std::optional<Report> failure = bus->failures.Next(call.name);
+  if (!failure) failure = AwaitRelease(*bus, call);
   Report report = failure ? *failure : work(*bus);
   if (!failure && call.name != CallName::kDevice && RequestsService(*bus, call.arguments.front())) {
     report.outcome.status |= kServiceRequested;
@@ -76,6 +85,19 @@ std::int32_t Driver::Perform(ThreadId thread, const Call& call, const Work& work
   bus->record.Add(std::move(line), report,
                   call.bytes.substr(0, failure ? 0 : BytesReceived(call.name, report.outcome)));
   return report.result;
+}
+
+std::optional<Report> Driver::AwaitRelease(Bus& bus, const Call& call) {
+  const bool has_time_out = call.name != CallName::kDevice && call.name != CallName::kOnline;
+  const Descriptor* open = has_time_out ? bus.Open(call.arguments.front()) : nullptr;
+  const std::int64_t time_out = open == nullptr ? kNever : open->time_out;
+  const std::int64_t deadline = time_out == kNever ? kNever : waiting_.Microseconds() + time_out;
+  while (held_ == call.name) {
+    const Outcome timed_out{kError | kTimedOut | kComplete, kAborted, 0};
+    if (waiting_.Microseconds() >= deadline) return Report{timed_out, ResultOf(call.name, timed_out)};
+    waiting_.WaitUntil(deadline);
+  }
+  return std::nullopt;
 }
 
 SimulatedDevice* Driver::Present(Bus& bus, const Address& address) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -23,6 +24,10 @@ class Driver {
   // Puts another bus in the place of the present one: all descriptors are closed, the record is empty, all
   // registrations are forgotten. Calls that wait end with "aborted", without a trace in the new record.
   void Load(const BusDescription& description);
+
+  // Calls of that name wait until they are held no more, or until the time of their descriptor is up; then
+  // they fail. Without a name none waits.
+  void Hold(std::optional<CallName> call);
 
   // The record so far, one line for each call.
   std::string Record();
@@ -59,6 +64,8 @@ class Driver {
   // Does the work, unless the call is to fail, and reports what came of it.
   std::int32_t Perform(ThreadId thread, const Call& call, const Work& work);
 
+  // Waits while such calls are held; what this one reports when its time was up before that.
+  std::optional<Report> AwaitRelease(Bus& bus, const Call& call);
   static Report OpenDevice(Bus& bus, const DeviceArguments& arguments);
   // The device at an address as it is now; null when none is there, or when it has left.
   SimulatedDevice* Present(Bus& bus, const Address& address);
@@ -75,6 +82,7 @@ class Driver {
   bool IsStillOpen(Bus& bus, std::int32_t descriptor, std::int64_t opening) const;
 
   Waiting& waiting_;
+  std::optional<CallName> held_;
   // Calls that wait hold on to the bus that they began with.
   std::shared_ptr<Bus> bus_;
 };

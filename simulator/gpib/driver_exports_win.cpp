@@ -1,4 +1,4 @@
-// The DLL's functions: those of the NI-488.2 driver's public interface, and three that steer the simulation.
+// The DLL's functions: those of the NI-488.2 driver's public interface, and four that steer the simulation.
 #include <windows.h>
 
 #include <algorithm>
@@ -85,6 +85,15 @@ int __stdcall KespSimulationLoad(const char* utf8_json, char* message, long size
     CopyText(error.what(), message, size);
     return 1;
   }
+}
+
+// Calls of that name, such as "ibclr", wait from now on, until another one is named or their time is up; a
+// null pointer ends it. Returns 0, or 1 for another name, which changes nothing.
+int __stdcall KespSimulationHold(const char* call) {
+  const auto named = call == nullptr ? std::nullopt : kesp::simulator::gpib::CallNamed(call);
+  if (call != nullptr && !named) return 1;
+  Driver().Hold(named);
+  return 0;
 }
 
 // Copies the record as far as it fits, NUL-terminated, and returns the size that the whole needs.

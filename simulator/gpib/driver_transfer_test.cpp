@@ -175,6 +175,24 @@ TEST_F(TransferTest, Ibclr_DropsCommandReplyAndWhatIsPlannedButNotTheTurn) {
   EXPECT_EQ(Last(), FailedWith(kNoListener)) << "nobody is left";
 }
 
+TEST_F(TransferTest, AHeldCall_WaitsForItsTimeOutOrItsRelease) {
+  Load(Device(R"("commands": {"A?": "one"})"));
+  const std::int32_t device = Open(5, 0, kThreeMilliseconds);
+  driver_.Hold(CallName::kClear);
+  const std::int64_t begin = waiting_.Microseconds();
+  EXPECT_EQ(driver_.Ibclr(kClient, device), kError | kTimedOut | kComplete);
+  EXPECT_EQ(Last(), TimedOut());
+  EXPECT_EQ(waiting_.Microseconds() - begin, 3'000);
+  Write(device, "A?");
+  EXPECT_EQ(Read(device), "one\n") << "calls of other names do not wait";
+  waiting_.Meanwhile([&] { driver_.Hold(std::nullopt); });
+  EXPECT_EQ(driver_.Ibclr(kClient, device), kComplete);
+  driver_.Hold(CallName::kOnline);
+  waiting_.Meanwhile([&] { waiting_.Advance(1'000'000); });
+  waiting_.Meanwhile([&] { driver_.Hold(std::nullopt); });
+  EXPECT_EQ(driver_.Ibonl(kClient, device, 0), kComplete) << "it has no timeout";
+}
+
 TEST_F(TransferTest, Ibrd_EndsAtAFullBufferEndOrTheEndOfString) {
   Load(R"({"devices": [{"gpib": {"primary": 5}, "terminator": "", "reply_terminator": "\u0081",
            "commands": {"A?": "one\u0001", "LONG?": "0123456789"}}]})");
