@@ -15,6 +15,7 @@ constexpr DWORD kPatience = 10000;
 constexpr std::size_t kMostLines = 60;
 
 using Load = int __stdcall(const char* json, char* message, long size);
+using Hold = int __stdcall(const char* call);
 using Record = long __stdcall(char* text, long size);
 using OpenDescriptors = int __stdcall();
 
@@ -57,6 +58,11 @@ void SimulatedDriver::Load(const std::string& description) const {
   EXPECT_EQ(load(description.c_str(), message.data(), static_cast<long>(message.size())), 0)
       << message.data() << "\n"
       << description;
+}
+
+void SimulatedDriver::Hold(const char* call) const {
+  const auto hold = Find<clients::Hold>("KespSimulationHold");
+  EXPECT_TRUE(hold == nullptr || hold(call) == 0);
 }
 
 CallLines SimulatedDriver::Record() const {

@@ -22,6 +22,10 @@ class SimulatedDriver {
   // is gone.
   void Load(const std::string& description) const;
 
+  // Calls of that name, such as "ibclr", do not return from now on, before their time-out is over; none with
+  // a null pointer. From any thread.
+  void Hold(const char* call) const;
+
   // What the driver heard since then: "1 ibclr(1) = 256 sta 0100 err 0 cnt 0".
   CallLines Record() const;
   // Of the calls of the bus only what was asked for: "ibclr(1)".

@@ -104,7 +104,8 @@ INSTANTIATE_TEST_SUITE_P(
         "serial: CKespCOMPort3.ReadLine, raw (half a reply, then silence)",
         "serial: CKespCOMPort3.WriteLine (line that takes nothing, ended by ClosePort in a handler)",
         "serial: CKespCommObj.Query (stale bytes before the command)",
-        "GPIB: CKespIEEE.ReadLine (driver that does not return)", "GPIB: CKespCommObj.Query (late reply)"));
+        "GPIB: CKespIEEE.WriteLine (driver that does not return from ibwrt, without a limit)",
+        "GPIB: CKespCommObj.Query (late reply)"));
 
 }  // namespace
 }  // namespace kesp::hangs

@@ -19,8 +19,7 @@ VARIANT_BOOL Boolean(bool value) {
 
 }  // namespace
 
-SerialStage::SerialStage()
-    : Stage(csRS232), events(clients::EventRecorder::Make(__uuidof(__CKespCOMPort3))) {
+SerialStage::SerialStage() : Stage(csRS232), events(clients::EventRecorder::Make(__uuidof(__CKespCOMPort3))) {
   connection_ = std::make_unique<clients::Connection>(port.Get(), __uuidof(__CKespCOMPort3), events.Get());
   const auto number = static_cast<short>(clients::SerialWire::PortNumber());
   EXPECT_EQ(Write(port, &_CKespCOMPort3::put_Port, number), S_OK);

@@ -28,8 +28,8 @@ class Stage {
   }
   Outcome Update(const std::string& cmd) {
     const clients::Text text(TextOfBytes(cmd));
-    return WithStatus(Answering(
-        [&](VARIANT_BOOL* answer) { return comm->Update(text.get(), nullptr, nullptr, answer); }));
+    return WithStatus(
+        Answering([&](VARIANT_BOOL* answer) { return comm->Update(text.get(), nullptr, nullptr, answer); }));
   }
   // Asks with *IDN? only.
   Outcome DetectInstrument() {

@@ -6,8 +6,7 @@ namespace kesp::hangs {
 using clients::Text;
 using clients::Write;
 
-TcpStage::TcpStage(const std::string& address, int port)
-    : Stage(csTCPIP), peer(address, port) {
+TcpStage::TcpStage(const std::string& address, int port) : Stage(csTCPIP), peer(address, port) {
   PointAt(peer.address());
   EXPECT_EQ(Write(tcp, &_CKespTCP::put_Port, peer.port()), S_OK);
   EXPECT_EQ(Write(tcp, &_CKespTCP::put_TimeOutmSecs, kTcpTimeOut), S_OK);

@@ -104,9 +104,7 @@ std::vector<TcpWay> TcpReadingWays() {
        Answer("=12.", ResetIt),
        {gone, partly_gone, gone, partly_gone},
        false},
-      {"closed behind the reply",
-       Answer("@\r", CloseIt),
-       {complete, complete, complete, complete}},
+      {"closed behind the reply", Answer("@\r", CloseIt), {complete, complete, complete, complete}},
       {"late reply", Late(), {time_out, time_out, time_out, time_out}, true, kLate + Milliseconds(200)},
       {"garbage before the reply", Answer("\x81\xFE\xFF@\r"), {{kInvalid}, {kInvalid}, reply, reply}},
   };
