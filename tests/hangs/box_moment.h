@@ -1,5 +1,5 @@
-// The moment at which a call of this thread shows a message box: its own time is over then, and the user's
-// begins.
+// The moment at which a call of this thread shows a message box or a dialog: its own time is over then, and
+// the user's begins.
 #pragma once
 
 #include <windows.h>
@@ -11,10 +11,12 @@
 
 namespace kesp::hangs {
 
-// For as long as it lives, the first box ends the trial's time, and is closed by its OK. A box must come.
+// For as long as it lives, the first box ends the trial's time, and is closed by that button. A box must
+// come.
 class BoxMoment {
  public:
-  explicit BoxMoment(Trial& trial) : reader_(L"Kesp Communications Error", Press(IDOK)) {
+  explicit BoxMoment(Trial& trial, const wchar_t* title = L"Kesp Communications Error", int button = IDOK)
+      : reader_(title, Press(button)) {
     Current() = &trial;
     hook_ = SetWindowsHookExW(WH_CBT, &OnEvent, nullptr, GetCurrentThreadId());
   }

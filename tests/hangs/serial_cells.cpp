@@ -1,6 +1,7 @@
 // The cells at a COM port that do not read: what opens, closes, looks and writes.
 #include "tests/hangs/serial_cells.h"
 
+#include "tests/hangs/box_moment.h"
 #include "tests/hangs/serial_stage.h"
 #include "tests/hangs/trial.h"
 
@@ -8,11 +9,14 @@ namespace kesp::hangs {
 
 namespace {
 
-// What a driver may take to give back writes, and to release a port that was just closed.
-constexpr Milliseconds kWritesBack{200};
-constexpr Milliseconds kJustClosed{500};
+// Of the infrared adapter, and of each port in the test of a switch.
+constexpr Milliseconds kPulse{20};
+constexpr Milliseconds kLamp{200};
 // Of the library's own clock steps and of opening and closing under Wine, neither of which is a wait.
 constexpr Milliseconds kNone{0};
+constexpr char kEdit[] = "CKespCOMPort3.Edit";
+constexpr char kTest[] = "CKespCOMPort3.TestSmartSwitch";
+constexpr char kStyle[] = "CKespCommObj.CommStyle";
 
 struct LineMember {
   std::string name;
@@ -22,27 +26,50 @@ struct LineMember {
   std::function<Outcome(SerialStage&)> call;
 };
 
-Outcome Asked(SerialStage& stage,
-              HRESULT (STDMETHODCALLTYPE _CKespCOMPort3::*question)(short, VARIANT_BOOL*)) {
-  return Answering([&](VARIANT_BOOL* answer) {
-    return (stage.port.Get()->*question)(static_cast<short>(clients::SerialWire::PortNumber()), answer);
-  });
-}
-
 std::vector<LineMember> LineMembers() {
   return {
       {"CKespCOMPort3.ClosePort", "done", kWritesBack, kNone,
        [](SerialStage& stage) { return stage.ClosePort(); }},
       {"CKespCOMPort3.OpenPort, again", "True", kWritesBack + kJustClosed, kJustClosed,
        [](SerialStage& stage) { return stage.OpenPort(); }},
+      {"CKespCOMPort3.ClosePort, with a switch", "done", kWritesBack + kHeldUp, kNone,
+       [](SerialStage& stage) {
+         stage.UseSwitch(true);
+         return stage.ClosePort();
+       }},
+      {"CKespCOMPort3.OpenPort, with a switch", "True", kWritesBack + kJustClosed + kHeldUp, kJustClosed,
+       [](SerialStage& stage) {
+         stage.UseSwitch(true);
+         return stage.OpenPort();
+       }},
+      // One pulse, and at this rate three more.
+      {"CKespCOMPort3.OpenPort, with an adapter", "True", kWritesBack + kJustClosed + 4 * kPulse,
+       kJustClosed + 4 * kPulse,
+       [](SerialStage& stage) {
+         stage.SetRate(br115200);
+         stage.UseAdapter(true);
+         return stage.OpenPort();
+       }},
+      // Six ports of 200 ms.
+      {kTest, "done", kWritesBack + kJustClosed + kHeldUp + 6 * kLamp, kJustClosed + 6 * kLamp,
+       [](SerialStage& stage) {
+         stage.UseSwitch(true);
+         return stage.TestSmartSwitch();
+       }},
+      // In a handler of another one it clears the line before.
+      {"CKespCOMPort3.WriteLine", "True", kNone, kNone,
+       [](SerialStage& stage) { return stage.WriteLine("T"); }},
       {"CKespCOMPort3.ClearBuffers", "done", kNone, kNone,
        [](SerialStage& stage) { return stage.ClearBuffers(); }},
       {"CKespCOMPort3.PortExists", "True", kJustClosed, kJustClosed,
-       [](SerialStage& stage) { return Asked(stage, &_CKespCOMPort3::PortExists); }},
+       [](SerialStage& stage) { return stage.PortExists(); }},
       {"CKespCOMPort3.IsPortAvailable", "False", kJustClosed, kJustClosed,
-       [](SerialStage& stage) { return Asked(stage, &_CKespCOMPort3::IsPortAvailable); }},
-      {"CKespCommObj.CommStyle", "done", kNone, kNone,
-       [](SerialStage& stage) { return stage.AssignStyle(); }},
+       [](SerialStage& stage) { return stage.IsPortAvailable(); }},
+      // It closes the port that an operation has opened.
+      {kStyle, "done", kWritesBack, kNone, [](SerialStage& stage) { return stage.AssignStyle(); }},
+      // It closes the port and tries all there are, until its dialog can be seen.
+      {kEdit, "False", kWritesBack + kJustClosed, kJustClosed,
+       [](SerialStage& stage) { return stage.Edit(); }},
       // In the middle of a call the object lives on until that has ended.
       {"release of the CKespCommObj", "done", kNone, kNone,
        [](SerialStage& stage) { return stage.ReleaseAll(); }},
@@ -92,7 +119,11 @@ void CallOnFullLine(SerialStage& stage, const std::function<void()>& call) {
 
 // What a member comes to when its port is pulled.
 std::string DoneWithoutPort(const LineMember& member) {
-  if (member.name == "CKespCOMPort3.OpenPort, again") return RaisedControl(8002);
+  if (member.name.starts_with("CKespCOMPort3.OpenPort")) return RaisedControl(8002);
+  // There is something to send.
+  if (member.name == "CKespCOMPort3.ClosePort, with a switch" || member.name == "CKespCOMPort3.WriteLine") {
+    return RaisedControl(8012);
+  }
   if (member.name == "CKespCOMPort3.PortExists") return "False";
   return member.done;
 }
@@ -109,9 +140,15 @@ void AddOpenPortCells(Cells& cells) {
       cell.limit = way.full ? member.when_full : member.otherwise;
       cell.play = [member, way](Trial& trial) {
         SerialStage stage;
-        trial.Require("OpenPort", stage.OpenPort().result == "True");
+        const Outcome opened = member.name == kStyle ? stage.OpenByOperation() : stage.OpenPort();
+        trial.Require("OpenPort", opened.result == "True");
         way.begin(stage);
-        const auto call = [&] { trial.Call([&] { return member.call(stage); }); };
+        const auto call = [&] {
+          std::optional<BoxMoment> box;
+          if (member.name == kEdit) box.emplace(trial, kEditTitle, IDCANCEL);
+          if (member.name == kTest && way.pulled) box.emplace(trial);
+          trial.Call([&] { return member.call(stage); });
+        };
         if (way.full) {
           CallOnFullLine(stage, call);
         } else {
@@ -145,55 +182,11 @@ void AddTransmissionCells(Cells& cells) {
   }
 }
 
-// A port that was just closed, by this object, may be looked at at once.
-void AddJustClosedCells(Cells& cells) {
-  const std::vector<LineMember> members{
-      {"CKespCOMPort3.OpenPort", "True", kNone, kJustClosed,
-       [](SerialStage& stage) { return stage.OpenPort(); }},
-      {"CKespCOMPort3.PortExists", "True", kNone, kJustClosed,
-       [](SerialStage& stage) { return Asked(stage, &_CKespCOMPort3::PortExists); }},
-      {"CKespCOMPort3.IsPortAvailable", "True", kNone, kJustClosed,
-       [](SerialStage& stage) { return Asked(stage, &_CKespCOMPort3::IsPortAvailable); }},
-  };
-  for (const LineMember& member : members) {
-    cells.push_back({.transport = "serial",
-                     .member = member.name,
-                     .way = "port just closed",
-                     .specified = {member.done},
-                     .limit = kJustClosed,
-                     .play = [member](Trial& trial) {
-                       SerialStage stage;
-                       trial.Require("OpenPort", stage.OpenPort().result == "True");
-                       stage.ClosePort();
-                       trial.Call([&] { return member.call(stage); });
-                       JudgeAfterwards(trial, stage);
-                     }});
-  }
-}
-
-void AddSilentSwitchCell(Cells& cells) {
-  cells.push_back({.transport = "serial",
-                   .member = "CKespCOMPort3.TestSmartSwitch",
-                   .way = "silent peer",
-                   .specified = {"done"},
-                   // Six ports of 200 ms.
-                   .limit = Milliseconds(6 * 200) + kJustClosed,
-                   .play = [](Trial& trial) {
-                     SerialStage stage;
-                     stage.peer.Behave([](LineTalk&) {});
-                     stage.UseSwitch(true);
-                     trial.Call([&] { return Doing([&] { return stage.port->TestSmartSwitch(); }); });
-                     JudgeAfterwards(trial, stage);
-                   }});
-}
-
 }  // namespace
 
 void AddSerialLineCells(Cells& cells) {
   AddOpenPortCells(cells);
   AddTransmissionCells(cells);
-  AddJustClosedCells(cells);
-  AddSilentSwitchCell(cells);
 }
 
 Cells SerialCells() {
@@ -202,6 +195,8 @@ Cells SerialCells() {
   AddSerialLineCells(cells);
   AddSerialWritingCells(cells);
   AddSerialModemCells(cells);
+  AddSerialHeldUpCells(cells);
+  AddSerialReleaseCells(cells);
   return cells;
 }
 

@@ -9,5 +9,7 @@ void AddSerialReadingCells(Cells& cells);
 void AddSerialLineCells(Cells& cells);
 void AddSerialWritingCells(Cells& cells);
 void AddSerialModemCells(Cells& cells);
+void AddSerialHeldUpCells(Cells& cells);
+void AddSerialReleaseCells(Cells& cells);
 
 }  // namespace kesp::hangs

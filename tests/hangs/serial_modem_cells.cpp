@@ -17,35 +17,30 @@ struct ModemMember {
   int waits;
   std::string half_deaf;
   // What it comes to when the modem does not answer at all, and when its port fails.
-  std::string deaf;
+  std::string deaf, broken;
   std::function<Outcome(SerialStage&)> call;
+  Milliseconds time_out = kModemTimeOut;
 };
 
 std::vector<ModemMember> ModemMembers() {
+  const std::string refused = FalseWith(cfrOtherError);
   return {
-      {"CKespCOMPort3.RFReadModemSettings", 9, "False", "False",
+      {"CKespCOMPort3.RFReadModemSettings", 9, "False", "False", "False",
+       [](SerialStage& stage) { return stage.ReadModem(); }},
+      {"CKespCOMPort3.RFWriteModemSettings", 7, "True", "True", "False",
+       [](SerialStage& stage) { return stage.WriteModem(); }},
+      {"CKespCOMPort3.RFWriteModemInstrAddress", 5, "True", "False", "False",
+       [](SerialStage& stage) { return stage.PointModem(); }},
+      // The modem's five, and one for the reply.
+      {"CKespCommObj.Query, UseRFModem", 6, FalseWith(cfrTimeout), refused, refused,
+       ThroughModem(&Stage::Query)},
+      {"CKespCommObj.Update, UseRFModem", 5, "True", refused, refused, ThroughModem(&Stage::Update)},
+      {"CKespCOMPort3.AutoDetect, UseRFModem", 6, "False", "False", "False",
        [](SerialStage& stage) {
-         clients::Text texts[6];
-         return Answering([&](VARIANT_BOOL* answer) {
-           return stage.port->RFReadModemSettings(texts[0].in_out(), texts[1].in_out(), texts[2].in_out(),
-                                                  texts[3].in_out(), texts[4].in_out(), texts[5].in_out(),
-                                                  answer);
-         });
-       }},
-      {"CKespCOMPort3.RFWriteModemSettings", 7, "True", "True",
-       [](SerialStage& stage) {
-         return Answering([&](VARIANT_BOOL* answer) {
-           return stage.port->RFWriteModemSettings(13106, 12, 1, 1500, VARIANT_TRUE, answer);
-         });
-       }},
-      {"CKespCOMPort3.RFWriteModemInstrAddress", 5, "True", "False",
-       [](SerialStage& stage) {
-         // Another one each time, because the last one is noted.
-         static short address = 100;
-         ++address;
-         return Answering(
-             [&](VARIANT_BOOL* answer) { return stage.port->RFWriteModemInstrAddress(address, answer); });
-       }},
+         stage.UseModem(true);
+         return stage.AutoDetect();
+       },
+       kDetectionWait},
   };
 }
 
@@ -98,8 +93,8 @@ void AddSerialModemCells(Cells& cells) {
   for (const ModemMember& member : ModemMembers()) {
     for (const ModemWay& way : ModemWays()) {
       Cell cell{.transport = "serial", .member = member.name, .way = way.name};
-      cell.specified = {way.pulled ? "False" : way.confirms ? member.half_deaf : member.deaf};
-      cell.limit = kGuard + (way.confirms ? member.waits : 1) * kModemTimeOut;
+      cell.specified = {way.pulled ? member.broken : way.confirms ? member.half_deaf : member.deaf};
+      cell.limit = kGuard + (way.confirms ? member.waits : 1) * member.time_out;
       if (way.pulled) cell.limit = Milliseconds(0);
       cell.counts_from_event = way.pulled;
       cell.play = [member, way](Trial& trial) {

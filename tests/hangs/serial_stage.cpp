@@ -17,12 +17,21 @@ VARIANT_BOOL Boolean(bool value) {
   return value ? VARIANT_TRUE : VARIANT_FALSE;
 }
 
+short ThisPort() {
+  return static_cast<short>(clients::SerialWire::PortNumber());
+}
+
+// The last one is noted.
+short NewModemAddress() {
+  static short address = 100;
+  return ++address;
+}
+
 }  // namespace
 
 SerialStage::SerialStage() : Stage(csRS232), events(clients::EventRecorder::Make(__uuidof(__CKespCOMPort3))) {
   connection_ = std::make_unique<clients::Connection>(port.Get(), __uuidof(__CKespCOMPort3), events.Get());
-  const auto number = static_cast<short>(clients::SerialWire::PortNumber());
-  EXPECT_EQ(Write(port, &_CKespCOMPort3::put_Port, number), S_OK);
+  EXPECT_EQ(Write(port, &_CKespCOMPort3::put_Port, ThisPort()), S_OK);
   SetRate(br921600);
   SetTimeOut(kSerialTimeOut);
   EXPECT_EQ(Write(port, &_CKespCOMPort3::SetInputMode, imBinary), S_OK);
@@ -52,6 +61,31 @@ void SerialStage::UseSwitch(bool use) {
   EXPECT_EQ(Write(box, &_CKespSmartSwitch3::put_SSPort, std::wstring(use ? L"B" : L"")), S_OK);
 }
 
+void SerialStage::UseAdapter(bool use) {
+  EXPECT_EQ(Write(port, &_CKespCOMPort3::put_UseIRDongle, Boolean(use)), S_OK);
+}
+
+void SerialStage::UseModem(bool use) {
+  EXPECT_EQ(Write(port, &_CKespCOMPort3::put_UseRFModem, Boolean(use)), S_OK);
+  EXPECT_EQ(Write(port, &_CKespCOMPort3::put_InstrAddr, NewModemAddress()), S_OK);
+}
+
+void SerialStage::UseFlowControl(bool use) {
+  const auto set_style = [this](EKespControllerStyle3 style) {
+    EXPECT_EQ(Write(port, &_CKespCOMPort3::put_ControllerStyle, style), S_OK);
+  };
+  if (use) {
+    // One style turns it on, and another leaves it on.
+    set_style(CS_PRECIDIA);
+    EXPECT_EQ(OpenPort().result, "True");
+    ClosePort();
+  }
+  set_style(use ? CS_MAXSTREAM : CS_KESP);
+  SetRate(br921600);
+  SetTimeOut(kSerialTimeOut);
+  SetMode(ReplyMode::kToLf);
+}
+
 void SerialStage::OnFullLine(const std::function<void()>& act) {
   peer.StopTaking();
   const auto stuck_since = std::make_shared<std::optional<Clock::time_point>>();
@@ -70,6 +104,11 @@ void SerialStage::ReleaseTransport() {
 
 Outcome SerialStage::OpenPort() {
   return Answering([&](VARIANT_BOOL* answer) { return port->OpenPort(answer); });
+}
+
+Outcome SerialStage::OpenByOperation() {
+  EXPECT_EQ(Write(comm, &_CKespCommObj::put_AutoClose, VARIANT_FALSE), S_OK);
+  return Update("begin");
 }
 
 Outcome SerialStage::ClosePort() {
@@ -107,12 +146,50 @@ Outcome SerialStage::AutoDetect() {
   });
 }
 
+Outcome SerialStage::TestSmartSwitch() {
+  return Doing([&] { return port->TestSmartSwitch(); });
+}
+
+Outcome SerialStage::PortExists() {
+  return Answering([&](VARIANT_BOOL* answer) { return port->PortExists(ThisPort(), answer); });
+}
+
+Outcome SerialStage::IsPortAvailable() {
+  return Answering([&](VARIANT_BOOL* answer) { return port->IsPortAvailable(ThisPort(), answer); });
+}
+
+Outcome SerialStage::Edit() {
+  return Answering(
+      [&](VARIANT_BOOL* answer) { return port->Edit(static_cast<EEditCommFlags>(0), nullptr, 0, answer); });
+}
+
+Outcome SerialStage::ReadModem() {
+  Text texts[6];
+  return Answering([&](VARIANT_BOOL* answer) {
+    return port->RFReadModemSettings(texts[0].in_out(), texts[1].in_out(), texts[2].in_out(),
+                                     texts[3].in_out(), texts[4].in_out(), texts[5].in_out(), answer);
+  });
+}
+
+Outcome SerialStage::WriteModem() {
+  return Answering([&](VARIANT_BOOL* answer) {
+    return port->RFWriteModemSettings(13106, 12, 1, 1500, VARIANT_TRUE, answer);
+  });
+}
+
+Outcome SerialStage::PointModem() {
+  return Answering(
+      [&](VARIANT_BOOL* answer) { return port->RFWriteModemInstrAddress(NewModemAddress(), answer); });
+}
+
 void JudgeAfterwards(Trial& trial, SerialStage& stage) {
   if (stage.port == nullptr) return;
   // One that was pulled, before it is back.
   stage.ClosePort();
   stage.peer.Recover();
   stage.UseSwitch(false);
+  stage.UseAdapter(false);
+  stage.UseModem(false);
   trial.Require("OpenPort", stage.OpenPort().result == "True");
   const std::string token = trial.NewToken();
   trial.JudgeQuery(stage.Exchange(token), "=" + token);

@@ -26,10 +26,9 @@ std::vector<Ending> Endings() {
        {"True"},
        Milliseconds(0),
        [](SerialStage& stage) { stage.ClearBuffers(); }},
-      // The driver has a fifth of a second to give back its writes.
       {"ClosePort in a handler",
        {RaisedControl(8018)},
-       Milliseconds(200),
+       kWritesBack,
        [](SerialStage& stage) { stage.ClosePort(); }},
   };
 }
