@@ -213,6 +213,9 @@ void AddPromptCells(Cells& cells) {
        [](TcpStage& stage, const std::string& cmd) { return stage.WriteLine(cmd); }},
       {"CKespTCP.Uninitialize", false, "True",
        [](TcpStage& stage, const std::string&) { return stage.Uninitialize(); }},
+      // Which closes nothing here.
+      {"CKespCommObj.CommStyle", false, "done",
+       [](TcpStage& stage, const std::string&) { return stage.AssignStyle(); }},
       {"release of the CKespCommObj", false, "done",
        [](TcpStage& stage, const std::string&) { return stage.ReleaseAll(); }},
   };
@@ -230,19 +233,27 @@ void AddPromptCells(Cells& cells) {
 }
 
 // A connection is there, and the instrument does not take what is sent.
-void AddUpdateCell(Cells& cells) {
-  cells.push_back({.transport = "TCP",
-                   .member = "CKespCommObj.Update",
-                   .way = "peer that never reads",
-                   .specified = {"True"},
-                   .limit = kTcpWait,
-                   .play = [](Trial& trial) {
-                     TcpStage stage;
-                     stage.peer.Behave([](Talk&) {});
-                     trial.Call([&] { return stage.Update(std::string(kMoreThanBuffers, 'x')); });
-                     stage.peer.Recover();
-                     JudgeAfterwards(trial, stage, true);
-                   }});
+void AddFullCells(Cells& cells) {
+  const auto add = [&](const std::string& member, const std::string& result,
+                       Outcome (Stage::*operation)(const std::string&)) {
+    cells.push_back({.transport = "TCP",
+                     .member = member,
+                     .way = "peer that never reads",
+                     .specified = {result},
+                     .limit = kTcpWait,
+                     .play = [=](Trial& trial) {
+                       TcpStage stage;
+                       stage.peer.Behave([](Talk&) {});
+                       const std::string cmd(kMoreThanBuffers, 'x');
+                       trial.AwaitFullSecond();
+                       trial.Call([&] { return (stage.*operation)(cmd); });
+                       stage.peer.Recover();
+                       JudgeAfterwards(trial, stage, true);
+                     }});
+  };
+  add("CKespCommObj.Query", kOperating.time_out, &Stage::Query);
+  add("CKespCommObj.QueryBinary", kOperating.time_out, &Stage::QueryBinary);
+  add("CKespCommObj.Update", "True", &Stage::Update);
 }
 
 // An instrument greets whoever connects: the first read brings the greeting, as the reference says, and a
@@ -291,7 +302,7 @@ Cells TcpCells() {
   AddGreetingCells(cells);
   AddConnectingCells(cells);
   AddPromptCells(cells);
-  AddUpdateCell(cells);
+  AddFullCells(cells);
   AddReadingCells(cells);
   return cells;
 }
