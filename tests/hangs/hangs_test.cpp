@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <regex>
 #include <set>
 
 #include "tests/hangs/does_not_block.h"
+#include "tests/hangs/pairs.h"
 #include "tests/hangs/trial.h"
 
 namespace kesp::hangs {
@@ -80,6 +82,39 @@ TEST(HangsTest, EveryMethodIsInTheMatrix_OrSaidNotToBlock) {
   }
 }
 
+// Whether a member has a cell of that way, with whatever settings.
+bool HasCell(const Cells& cells, const std::string& transport, const std::string& member,
+             const std::string& way) {
+  return std::any_of(cells.begin(), cells.end(), [&](const Cell& cell) {
+    return cell.transport == transport && cell.member.substr(0, cell.member.find(',')) == member &&
+           cell.way.find(way) != std::string::npos;
+  });
+}
+
+TEST(HangsTest, EveryMemberHasEveryWay_OrAReasonWhyItMakesNoSense) {
+  const Cells cells = AllCells();
+  std::set<std::string> members = PublicMethods();
+  for (const auto& [method, reason] : kDoesNotBlock) members.erase(method);
+  members.insert("CKespCommObj.CommStyle");
+  std::set<std::string> used;
+  for (const auto& [transport, own_class, ways] : kWays) {
+    for (const std::string& member : members) {
+      if (!member.starts_with(own_class) && !member.starts_with("CKespCommObj")) continue;
+      for (const std::string& way : ways) {
+        const std::string name = transport + ": " + member + " (" + way + ")";
+        int reasons = 0;
+        for (const auto& [pairs, reason] : kMakesNoSense) {
+          if (!std::regex_search(name, std::regex(pairs))) continue;
+          used.insert(pairs);
+          ++reasons;
+        }
+        EXPECT_EQ(reasons, HasCell(cells, transport, member, way) ? 0 : 1) << name;
+      }
+    }
+  }
+  for (const auto& [pairs, reason] : kMakesNoSense) EXPECT_TRUE(used.contains(pairs)) << pairs;
+}
+
 class HangsCellTest : public testing::TestWithParam<const char*> {
  protected:
   clients::Apartment apartment_;
@@ -103,6 +138,7 @@ INSTANTIATE_TEST_SUITE_P(
         "TCP: CKespCommObj.Query (garbage before the reply)",
         "serial: CKespCOMPort3.ReadLine, raw (half a reply, then silence)",
         "serial: CKespCOMPort3.WriteLine (line that takes nothing, ended by ClosePort in a handler)",
+        "serial: CKespCOMPort3.OpenPort, with a switch (line held up)",
         "serial: CKespCommObj.Query (stale bytes before the command)",
         "GPIB: CKespIEEE.WriteLine (driver that does not return from ibwrt, without a limit)",
         "GPIB: CKespCommObj.Query (late reply)"));
