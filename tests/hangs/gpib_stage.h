@@ -20,7 +20,7 @@ inline constexpr short kFirstToLose = 10;
 // once.
 const clients::SimulatedDriver& TheDriver();
 
-class GpibStage : public Stage {
+class GpibStage final : public Stage {
  public:
   GpibStage() : Stage(csIEEE) {
     TheDriver();

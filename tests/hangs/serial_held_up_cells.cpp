@@ -8,13 +8,10 @@ namespace kesp::hangs {
 
 namespace {
 
-constexpr char kNothingTaken[] =
-    "waits without limit until the port has taken every byte (failures.md, The port takes nothing)";
 constexpr char kXon[] = "\x11";
 constexpr char kXoff[] = "\x13";
 // The time before "+++", and more.
 constexpr Milliseconds kEnd{1700};
-constexpr Milliseconds kModemTimeOut{300};
 
 struct Sender {
   std::string name;

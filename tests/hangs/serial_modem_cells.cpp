@@ -8,7 +8,6 @@ namespace kesp::hangs {
 namespace {
 
 constexpr Milliseconds kGuard{1000};
-constexpr Milliseconds kModemTimeOut{300};
 
 struct ModemMember {
   std::string name;

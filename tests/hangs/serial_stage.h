@@ -14,6 +14,8 @@ namespace kesp::hangs {
 
 // TimeOut of a serial transport on this stage.
 inline constexpr Milliseconds kSerialTimeOut{1200};
+// Where it waits for a modem.
+inline constexpr Milliseconds kModemTimeOut{300};
 // The silence that ends a raw reply, and one of ReadLineBinary; the latter is longer than a pull of the port
 // takes.
 inline constexpr Milliseconds kRawSilence{100};
@@ -27,6 +29,9 @@ inline constexpr Milliseconds kJustClosed{500};
 // What the library gives a line that is held up while it opens or closes.
 inline constexpr Milliseconds kHeldUp{1000};
 
+inline constexpr char kNothingTaken[] =
+    "waits without limit until the port has taken every byte (failures.md, The port takes nothing)";
+
 // More than a line holds that nobody takes from, and the time that it needs at the stage's rate.
 inline constexpr std::size_t kMoreThanLine = std::size_t{1} << 20;
 inline constexpr Milliseconds kItsTime{std::int64_t{kMoreThanLine} * 10 * 1000 / 921600 + 3};
@@ -36,7 +41,7 @@ inline constexpr wchar_t kEditTitle[] = L"RS-232 Communication Settings";
 // What ends a text reply.
 enum class ReplyMode { kToLf, kToSilence, kRaw };
 
-class SerialStage : public Stage {
+class SerialStage final : public Stage {
  public:
   SerialStage();
   // Before the peer; the events stay connected otherwise.

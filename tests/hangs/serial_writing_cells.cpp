@@ -8,8 +8,6 @@ namespace kesp::hangs {
 
 namespace {
 
-constexpr char kNothingTaken[] =
-    "waits without limit until the port has taken every byte (failures.md, The port takes nothing)";
 constexpr Milliseconds kEnd{700};
 
 // How the trial ends a WriteLine on a full line, and what that comes to.

@@ -15,7 +15,7 @@ inline constexpr Milliseconds kTcpWait{2000};
 // Longer than any pause of a peer on a busy machine.
 inline constexpr long kQuietGap = 500;
 
-class TcpStage : public Stage {
+class TcpStage final : public Stage {
  public:
   explicit TcpStage(const std::string& address = "127.0.0.1", int port = 0);
   // Before the peer.
