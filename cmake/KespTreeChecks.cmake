@@ -15,6 +15,7 @@ kesp_tree_check(style.reference_itself style "${CMAKE_SOURCE_DIR}/tools/check_re
 kesp_tree_check(image.help image "${CMAKE_SOURCE_DIR}/tools/check_help.py")
 kesp_tree_check(style.mutations style "${CMAKE_SOURCE_DIR}/tools/mutations_test.py")
 kesp_tree_check(style.promises style "${CMAKE_SOURCE_DIR}/tools/check_promises.py")
+kesp_tree_check(style.fuzz style "${CMAKE_SOURCE_DIR}/tools/fuzz_test.py")
 kesp_tree_check(style.prove style "${CMAKE_SOURCE_DIR}/tools/prove_test.py")
 foreach(bits IN ITEMS 64 32)
   kesp_tree_check(image.win${bits} image

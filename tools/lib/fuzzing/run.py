@@ -14,8 +14,8 @@ TIMEOUT_SECONDS, MEMORY_MEGABYTES = 5, 2048
 LONGEST_BYTES = 1024
 PROGRESS_SECONDS = 5
 SMALLER_SECONDS = 30
-# The exit code of a program that was stopped, because another one found something or the user pressed Ctrl-C.
-INTERRUPTED = 72
+# libFuzzer's exit code after a signal; where the signal came too early, the program ends by it.
+STOPPED = (72, -signal.SIGTERM, -signal.SIGINT)
 STATUS = re.compile(r"^#(\d+)\s+\w+\s+cov: (\d+).*?exec/s: (\d+)", re.M)
 EXECUTED = re.compile(r"^stat::number_of_executed_units:\s*(\d+)", re.M)
 WRITTEN = re.compile(r"Test unit written to (\S+)")
@@ -48,15 +48,18 @@ class Fuzzer:
         self.words = sources / "seeds" / f"{name}.dict"
         self.log = corpus / "logs" / f"{name}.log"
         self.found = corpus / "found"
-        self.process = None
+        self.process, self.is_stopped = None, False
 
     def command(self, *more):
         words = [f"-dict={self.words}"] if self.words.exists() else []
-        return [self.program, f"-timeout={TIMEOUT_SECONDS}", f"-rss_limit_mb={MEMORY_MEGABYTES}", f"-max_len={LONGEST_BYTES}",
-                f"-artifact_prefix={self.found}/{self.name}-", *words, *more]
+        return [self.program, f"-timeout={TIMEOUT_SECONDS}", f"-rss_limit_mb={MEMORY_MEGABYTES}",
+                f"-max_len={LONGEST_BYTES}", f"-artifact_prefix={self.found}/{self.name}-", *words, *more]
 
     def run(self, seconds):
-        """Returns the finding, or None. What it says goes to its log, of which the status is read."""
+        """Returns the finding, or None. Raises RuntimeError where it ended otherwise, or ran no input at all.
+
+        What it says goes to its log, of which the status is read.
+        """
         for folder in (self.corpus, self.log.parent, self.found):
             folder.mkdir(parents=True, exist_ok=True)
         with self.log.open("w") as log:
@@ -64,15 +67,18 @@ class Fuzzer:
                 self.command(f"-max_total_time={max(1, round(seconds))}", "-print_final_stats=1", "-reload=0",
                              self.corpus, *self.given), stdout=log, stderr=subprocess.STDOUT, env=environment())
             while self.process.poll() is None:
+                if self.is_stopped:
+                    self.process.terminate()
                 self.look()
                 time.sleep(0.3)
         self.look()
-        if self.process.returncode in (0, INTERRUPTED) or self.process.returncode < 0:
+        code = self.process.returncode
+        if self.is_stopped and code in STOPPED or code == 0 and self.inputs > 0:
             return None
         text = self.log.read_text(errors="replace")
         written = WRITTEN.findall(text)
         if not written:
-            raise RuntimeError(f"{self.name} ended with {self.process.returncode}; see {self.log}")
+            raise RuntimeError(f"{self.name} ended with {code} after {self.inputs} inputs; see {self.log}")
         reasons = REASON.findall(text)
         return Finding(self.name, reasons[0] if reasons else "it broke", pathlib.Path(written[-1]), self.log)
 
@@ -101,8 +107,7 @@ class Fuzzer:
         return result if result.exists() else file
 
     def stop(self):
-        if self.process and self.process.poll() is None:
-            self.process.terminate()
+        self.is_stopped = True
 
 
 def environment():
@@ -119,8 +124,9 @@ class Queue:
         self.finding, self.failure = None, None
         self.lock = threading.Lock()
 
-    def stop(self):
+    def interrupt(self):
         self.waiting.clear()
+        self.failure = self.failure or RuntimeError("interrupted")
         for fuzzer in list(self.running):
             fuzzer.stop()
 
@@ -134,7 +140,7 @@ class Queue:
             try:
                 finding = fuzzer.run(seconds)
             except (RuntimeError, OSError) as failure:
-                finding, self.failure = None, failure
+                finding, self.failure = None, self.failure or failure
             with self.lock:
                 self.running.remove(fuzzer)
                 is_first = finding and not self.finding
@@ -148,14 +154,18 @@ class Queue:
 
 
 def run_all(fuzzers, seconds, jobs, say):
-    """Runs them, `jobs` at a time, for `seconds` together. Returns the first finding, or None."""
+    """Runs them, `jobs` at a time, for `seconds` together.
+
+    Returns the first finding, or None, and what else has kept them from running for that long, or None.
+    """
     jobs = min(jobs, len(fuzzers))
     queue = Queue(fuzzers, say)
     workers = [threading.Thread(target=queue.work, args=(seconds * jobs / len(fuzzers),)) for _ in range(jobs)]
+    # Ctrl-C ends what runs. What was run until then counts, but it is no success.
+    for number in (signal.SIGINT, signal.SIGTERM):
+        signal.signal(number, lambda *_: queue.interrupt())
     for worker in workers:
         worker.start()
-    # Ctrl-C ends what runs, and what was run until then counts.
-    signal.signal(signal.SIGINT, lambda *_: queue.stop())
     said = time.monotonic()
     while any(worker.is_alive() for worker in workers):
         time.sleep(0.2)
@@ -166,6 +176,4 @@ def run_all(fuzzers, seconds, jobs, say):
                     f"{len(queue.waiting)} to come")
     for worker in workers:
         worker.join()
-    if queue.failure:
-        raise queue.failure
-    return queue.finding
+    return queue.finding, queue.failure
