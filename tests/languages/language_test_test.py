@@ -90,17 +90,21 @@ class LanguageTest(TrialTreeTest):
         self.assertIn("skipped: no compiler", said)
         self.assertNotIn("Wine 8", said)
 
-    def test_figures_count_clients_and_tell_a_failure(self):
-        self.run_client("echo PASS query\necho PASS events\necho DONE")
-        self.run_client("echo no compiler\nexit 77", "--wine", "10")
-        said = self.run_in_tree("tools/client-matrix", "--figures")
-        self.assertEqual(said.returncode, 0)
-        self.assertIn("figure clients that passed = 1 of 1 ", said.stdout)
-        self.assertIn("figure cases that passed = 2\n", said.stdout)
-        self.run_client("echo PASS query\necho FAIL events: silence\necho DONE", "--bits", "32")
-        said = self.run_in_tree("tools/client-matrix", "--figures")
-        self.assertEqual(said.returncode, 1)
-        self.assertIn("figure clients that passed = 1 of 2 ", said.stdout)
+    def test_figures_are_those_of_a_success_only_when_every_row_was_run(self):
+        self.run_client("echo PASS query\necho SKIP events: no\necho DONE", "--way", "late")
+        for row, code in (((), 1), (("--bits", "32"), 1), (("--wine", "10"), 0)):
+            self.run_client("echo PASS query\necho PASS events\necho DONE", *row)
+            said = self.run_in_tree("tools/client-matrix", "--figures")
+            self.assertEqual(said.returncode, code, row)
+        self.assertIn("figure clients that passed = 4 of 4 ", said.stdout)
+        self.assertIn("figure cases that passed = 7\n", said.stdout)
+        for client, code, last in (("echo no compiler\nexit 77", 77, "Trial, 64 bit, Wine 10, not run: no compiler"),
+                                   ("echo PASS query\necho FAIL events: silence\necho DONE", 1, "cannot have = 1")):
+            self.run_client(client, "--wine", "10")
+            said = self.run_in_tree("tools/client-matrix", "--figures", "trial")
+            self.assertEqual(said.returncode, code)
+            self.assertTrue(said.stdout.strip().endswith(last), said.stdout)
+            self.assertIn("figure clients that passed = 3 of 4 ", said.stdout)
 
     def test_page_is_not_written_while_a_row_is_missing(self):
         page = self.tree / "docs" / "clients.md"
