@@ -136,6 +136,16 @@ class ChoiceTest(unittest.TestCase):
 
 
 class ReportTest(unittest.TestCase):
+    def test_share_is_doubted_when_more_than_a_few_were_left_out(self):
+        def doubts(open_ones, failing, all_stages=True):
+            stages = ["not judged"] * open_ones + ["Wine"] * (100 - open_ones)
+            mutations = [{"caught_by": stage} for stage in stages]
+            return list(report.doubts(mutations, {"failing": (failing, 50)}, all_stages))
+
+        self.assertEqual(doubts(2, ["a"]), [])
+        self.assertEqual(doubts(3, ["a"]), ["3 of 100 mutations were not judged"])
+        self.assertEqual(doubts(3, ["a", "b"], all_stages=False), ["2 of 50 failing: a, b"])
+
     def test_comparison_names_what_is_not_caught_any_more(self):
         entry = {"number": 1, "room": "support", "file": "support/a.cpp", "line": 2, "operator": "text", "change": "c"}
         caught = {1: {"number": 1, "caught": True, "program": "unit.support_test", "case": "A.B"}}

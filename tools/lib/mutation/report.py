@@ -4,6 +4,8 @@ import json
 import pathlib
 
 STAGES = ("unit tests", "Wine", "nobody", "not judged")
+# More than that share of mutations without a verdict, or of tests left out, and the share that was caught says little.
+MOST_LEFT_OUT = 0.02
 
 
 def combine(entries, native, wine):
@@ -70,7 +72,17 @@ def missed(mutation):
     return mutation["caught_by"] == "nobody"
 
 
-def lines(mutations, notes):
+def doubts(mutations, left_out, all_stages=True):
+    """Why the share that was caught says little, if it does. `left_out`: by kind the names, and of how many."""
+    open_ones = counts(mutations)[-1]
+    if all_stages and open_ones > MOST_LEFT_OUT * len(mutations):
+        yield f"{open_ones} of {len(mutations)} mutations were not judged"
+    for kind, (names, total) in left_out.items():
+        if len(names) > MOST_LEFT_OUT * total:
+            yield f"{len(names)} of {total} {kind}: {', '.join(names)}"
+
+
+def lines(mutations, notes, left_out):
     yield from table(mutations, "room")
     yield ""
     yield from table(sorted(mutations, key=lambda mutation: mutation["operator"]), "operator")
@@ -81,8 +93,9 @@ def lines(mutations, notes):
             yield f"  {described(mutation)}{'' if mutation['reached'] else ' (no test comes by)'}"
     yield ""
     for name, value in notes.items():
-        if value:
-            yield f"{name}: {', '.join(value) if isinstance(value, list) else value}"
+        yield f"{name}: {value}"
+    for kind, (names, total) in left_out.items():
+        yield f"figure {kind} = {len(names)} of {total}" + (f" ({', '.join(names)})" if names else "")
     by_units, by_wine, _, open_ones = counts(mutations)
     yield f"figure mutations = {len(mutations)}"
     yield f"figure mutations that the unit tests caught = {by_units}"
