@@ -110,8 +110,7 @@ void TcpConversation::Initialize() {
     Require(connected != Known::kYes && connected_ != Known::kNo, "a connection has come about");
     connected_ = Known::kYes;
     Require(socket_->PresentState() == EKespTCPState::sckConnected, "a connection is there");
-    ready_ = false;
-    ready_known_ = true;
+    Forget();
     return;
   }
   Require(connected != Known::kYes && attempt.error.has_value(), "a connected object is left as it is");

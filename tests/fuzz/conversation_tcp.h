@@ -71,6 +71,7 @@ class TcpConversation : private CKespTCPEvents, private SocketWatcher {
   void CheckReadFailure(const Attempt& attempt, const Call& call) const;
   void SettleAfterDetection(const Call& call, bool found, EKespProtocol protocol);
   void Judge();
+  void Forget();
   void DoubtClosed();
   void Begin(const char* event);
   void End(const char* event);

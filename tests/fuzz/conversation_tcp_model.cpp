@@ -110,9 +110,14 @@ void TcpConversation::Closing(bool failed) {
     if (call.member == Member::kAutoDetect) connected_ = Known::kUnknown;
   }
   if (failed) return;
+  Forget();
+  overran_ = false;
+}
+
+// No earlier reply satisfies the next read.
+void TcpConversation::Forget() {
   ready_ = false;
   ready_known_ = true;
-  overran_ = false;
 }
 
 void TcpConversation::Sending(std::string_view bytes, bool /*failed*/) {
@@ -126,9 +131,7 @@ void TcpConversation::Sending(std::string_view bytes, bool /*failed*/) {
   }
   Require(bytes.ends_with('\r'), "a command ends with a carriage return");
   if (call.member == Member::kWriteLine) Require(bytes == command_, "a command is sent as it is");
-  // No earlier reply satisfies the next read.
-  ready_ = false;
-  ready_known_ = true;
+  Forget();
 }
 
 void TcpConversation::Taken(const std::string& bytes) {
@@ -215,6 +218,7 @@ void TcpConversation::AutoDetectEnd() {
 void TcpConversation::AutoDetectUpdate(const std::wstring& cmd, const std::wstring& /*IPAddress*/,
                                        std::int16_t /*Port*/, bool& Abort) {
   Require(cmd == L"*IDN?" || cmd == L"*VER" || cmd == L"t", "a detection tries the commands that it knows");
+  if (cmd == L"*IDN?" && calls_.back()->connects > 0) Forget();
   Answer();
   if (!calm_ && input_.HasMore() && input_.Byte() == 0xFF) Abort = true;
 }
