@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Looks whether docs/promises.md has a block of figures for each proof, and no figures but those of tools/prove."""
+"""Looks whether docs/promises.md has a block of figures for each proof, and in it what tools/prove wrote."""
 
 import pathlib
 import sys
