@@ -79,9 +79,9 @@ void RequireWritten(const frmCOMSettings& form, const CKespCOMPort3& port,
   Require(form.chkStripCRLF.checked() == port.StripCRLF(), "so is what becomes of line ends");
 }
 
-class Session {
+class DialogInUse {
  public:
-  explicit Session(FuzzInput& input)
+  explicit DialogInUse(FuzzInput& input)
       : input_(input),
         options_{.show_extended_page = input.Flag(),
                  .show_smart_switch_page = input.Flag(),
@@ -163,6 +163,6 @@ class Session {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   kesp::FuzzInput input(data, size);
-  kesp::Session(input).Run();
+  kesp::DialogInUse(input).Run();
   return 0;
 }

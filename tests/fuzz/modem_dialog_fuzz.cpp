@@ -27,9 +27,9 @@ bool IsIn(const std::string& hexadecimal, unsigned long lowest, unsigned long hi
   return number >= lowest && number <= highest;
 }
 
-class Session {
+class DialogInUse {
  public:
-  explicit Session(FuzzInput& input) : input_(input) {
+  explicit DialogInUse(FuzzInput& input) : input_(input) {
     environment_.clock.SetStepPerReading(50);
     port_.SetMaxBaudRate(EKespBaudRate3::br115200);
     port_.SetBaudRate(EKespBaudRate3::br9600);
@@ -92,6 +92,6 @@ class Session {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   kesp::FuzzInput input(data, size);
-  kesp::Session(input).Run();
+  kesp::DialogInUse(input).Run();
   return 0;
 }

@@ -13,9 +13,9 @@
 namespace kesp {
 namespace {
 
-class Session {
+class DialogInUse {
  public:
-  explicit Session(FuzzInput& input)
+  explicit DialogInUse(FuzzInput& input)
       : input_(input), options_{.show_extended_page = input.Flag(), .help_context = 0} {
     const std::wstring address = WideText(input.Bytes(input.Below(20)));
     if (!address.empty()) tcp_.SetIPAddress(address);
@@ -86,6 +86,6 @@ class Session {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   kesp::FuzzInput input(data, size);
-  kesp::Session(input).Run();
+  kesp::DialogInUse(input).Run();
   return 0;
 }
