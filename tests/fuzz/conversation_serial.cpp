@@ -77,17 +77,17 @@ void SerialConversation::Act() {
     case 9:
       return UseModem();
     case 10:
-      return ChangeSetting();
     case 11:
-      return ChangeFlags();
     case 12:
-      return ChangeRates();
+      return ChangeSettings(action % 16 - 10);
     case 13:
       return line_.FailCall(1 + action / 16, kFailures[action / 16 % 7]);
     case 14:
       return AskPorts();
     default:
-      world_.clock.Advance(action * 8U);
+      if (action < 0xC0) return world_.clock.Advance(action * 8U);
+      // Somebody else has been at the settings file.
+      world_.settings.values[L"COM" + std::to_wstring(port_->Port())] = WideText(input_.Bytes(action / 16U));
   }
 }
 

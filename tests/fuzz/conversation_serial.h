@@ -69,8 +69,10 @@ class SerialConversation : private CKespCOMPort3Events, private LineWatcher {
   void AutoDetect();
   void UseModem();
   void AskPorts();
+  void ChangeSettings(int which);
   void ChangeRates();
   void ChangeSetting();
+  std::int32_t Change(const std::function<void()>& set);
   void ChangeFlags();
   void QueryAtTheEnd();
   void OnPump();

@@ -1,8 +1,11 @@
 // The client of a conversation with the serial transport: searches, the modem, the ports of the machine, and
 // settings.
 #include <cstddef>
+#include <limits>
 #include <tuple>
 
+#include "serial/baud_rate.h"
+#include "serial/line_settings.h"
 #include "support/error_numbers.h"
 #include "tests/fuzz/conversation_serial.h"
 
@@ -12,7 +15,30 @@ namespace {
 
 using namespace com_port_error;
 
+constexpr std::int64_t kLongestWaitMs = 13'000;
 constexpr std::int32_t kTimeOuts[] = {3000, 0, 1, 250, 2000, 100'000, -1, 2147483647};
+
+auto SettingsOf(const CKespCOMPort3& port) {
+  return std::tuple(port.Port(), port.BaudRate(), port.MinBaudRate(), port.MaxBaudRate(), port.TimeOut(),
+                    port.StripCRLF(), port.TerminateOnLF(), port.CheckNonAscii(), port.DataBits(),
+                    port.StopBits(), port.Parity(), port.ControllerStyle());
+}
+
+// What holds of the settings at any time.
+void RequireRules(const CKespCOMPort3& port) {
+  Require(port.Port() >= 1 && port.Port() <= 256, "the port is one of 256");
+  Require(port.TimeOut() >= 0, "the timeout is not negative");
+  Require(IsBaudRate(port.MinBaudRate()) && IsBaudRate(port.MaxBaudRate()), "the range is of rates");
+  Require(port.MinBaudRate() <= port.MaxBaudRate(), "the range is the right way round");
+  Require(IsBaudRate(port.BaudRate()), "the rate is one");
+  const std::wstring text = port.GetSettings();
+  const std::optional<LineSettings> line = ReadLineSettings(text);
+  Require(line.has_value() == (port.BaudRate() != EKespBaudRate3::brNone), "the control reads the settings");
+  Require(line || text.starts_with(L"<unknown>,"), "without a rate the text says so");
+  if (line) {
+    Require(std::to_wstring(line->bits_per_second) == port.BaudRateName(port.BaudRate()), "the rate is read");
+  }
+}
 
 }  // namespace
 
@@ -23,6 +49,7 @@ void SerialConversation::AutoDetect() {
   const std::int32_t time_out = port_->TimeOut();
   const bool check = port_->CheckNonAscii();
   const EKespControllerStyle3 style = port_->ControllerStyle();
+  const std::int64_t first_tick = world_.clock.Tick() - world_.clock.now_ms();
   std::wstring answer;
   Call call;
   const Attempt attempt = Do(Member::kOther, call, [&] { return port_->AutoDetect(answer, level, address); });
@@ -33,9 +60,11 @@ void SerialConversation::AutoDetect() {
       port_->TimeOut() == time_out && port_->CheckNonAscii() == check && port_->ControllerStyle() == style,
       "a detection leaves the settings");
   Require(world_.user.pointer == MousePointer::kDefault, "a detection gives the pointer back");
-  // Below 150 bit/s, and at no rate at all, opening fails.
-  const bool fails =
-      call.failed || rate == EKespBaudRate3::brNone || port_->MinBaudRate() == EKespBaudRate3::brNone;
+  // No wait may go beyond the end of the tick counter, and at no rate opening fails.
+  const bool is_at_end =
+      first_tick + world_.clock.now_ms() + kLongestWaitMs > std::numeric_limits<std::int32_t>::max();
+  const bool fails = call.failed || is_at_end || rate == EKespBaudRate3::brNone ||
+                     port_->MinBaudRate() == EKespBaudRate3::brNone;
   if (!attempt.succeeded && !fails && !call.aborted && !port_->UseSmartSwitch()) {
     const bool sends = style != EKespControllerStyle3::CS_OMEGA || !address.empty();
     Require(!sends || port_->BaudRate() == rate || port_->UseRFModem(),
@@ -95,60 +124,64 @@ void SerialConversation::AskPorts() {
   }
 }
 
+void SerialConversation::ChangeSettings(int which) {
+  if (which == 0) ChangeSetting();
+  if (which == 1) ChangeFlags();
+  if (which == 2) ChangeRates();
+  RequireRules(*port_);
+}
+
 void SerialConversation::ChangeRates() {
   const std::uint8_t which = input_.Byte();
-  const auto rate = static_cast<EKespBaudRate3>(which / 4 % 18 - 2);
-  const auto rates = [&] {
-    return std::tuple(port_->MinBaudRate(), port_->MaxBaudRate(), port_->BaudRate());
-  };
-  const auto before = rates();
-  const Attempt attempt = Try([&] {
-    if (which % 4 == 0)
-      port_->SetMinBaudRate(rate);
-    else if (which % 4 == 1)
-      port_->SetMaxBaudRate(rate);
-    else
-      port_->SetBaudRate(rate);
-    return true;
+  const auto rate = static_cast<EKespBaudRate3>(which < 0xF0 ? which / 4 % 18 - 2 : input_.Long());
+  const std::int32_t number = Change([&] {
+    if (which % 4 == 0) return port_->SetMinBaudRate(rate);
+    if (which % 4 == 1) return port_->SetMaxBaudRate(rate);
+    port_->SetBaudRate(rate);
   });
-  Require(attempt.number() == 0 || attempt.number() == ERR_BAUD_RATE_NOT_SUPPORTED ||
-              attempt.number() == ERR_INVALID_BAUD_RATE,
+  Require(number == 0 || number == ERR_BAUD_RATE_NOT_SUPPORTED || number == ERR_INVALID_BAUD_RATE,
           "a rate is refused with its number");
-  Require(!attempt.error || rates() == before, "a rate that is refused changes nothing");
-  Require(port_->MinBaudRate() <= port_->MaxBaudRate(), "the range of rates has its ends in order");
 }
 
 void SerialConversation::ChangeSetting() {
   const std::uint8_t setting = input_.Byte();
   const int value = setting / 8;
+  const auto near = [value](int count) { return value % (count + 2) - 1; };
   switch (setting % 8) {
     case 0: {
       const std::int32_t time_out = kTimeOuts[value % 8];
-      const Attempt attempt = Try([&] { return port_->SetTimeOut(time_out), true; });
-      return Require(attempt.number() == (time_out < 0 ? ERR_INVALID_TIMEOUT : 0),
+      return Require(Change([&] { port_->SetTimeOut(time_out); }) == (time_out < 0 ? ERR_INVALID_TIMEOUT : 0),
                      "negative time-outs are refused");
     }
     case 1: {
-      const auto number = static_cast<std::int16_t>(value * 40);
-      const Attempt attempt = Try([&] { return port_->SetPort(number), true; });
-      return Require(attempt.number() == (number < 1 || number > 256 ? ERR_INVALID_COM_PORT : 0),
-                     "ports are 1 to 256");
+      const auto port = static_cast<std::int16_t>(value * 40 - 80);
+      return Require(
+          Change([&] { port_->SetPort(port); }) == (port < 1 || port > 256 ? ERR_INVALID_COM_PORT : 0),
+          "ports are 1 to 256");
     }
     case 2:
-      return port_->SetControllerStyle(static_cast<EKespControllerStyle3>(value % 6));
+      return port_->SetControllerStyle(static_cast<EKespControllerStyle3>(near(5)));
     case 3:
       port_->SmartSwitch()->SetStyle(static_cast<ESmartSwitchStyle3>(value % 4));
       return port_->SmartSwitch()->SetSSPort(WideText(input_.Bytes(static_cast<std::size_t>(value) / 4 % 3)));
     case 4:
       return port_->SetInstrAddr(static_cast<std::int16_t>(value * 8));
     case 5:
-      port_->SetDataBits(static_cast<EKespDataBits3>(value % 7));
-      return port_->SetParity(static_cast<EKespParity3>(value % 6));
+      port_->SetDataBits(static_cast<EKespDataBits3>(near(6)));
+      return port_->SetParity(static_cast<EKespParity3>(near(5)));
     case 6:
       return port_->SetInputMode(static_cast<EInputMode>(value % 3));
     default:
-      return port_->SetStopBits(static_cast<EKespStopBits3>(value % 4));
+      return port_->SetStopBits(static_cast<EKespStopBits3>(near(3)));
   }
+}
+
+// Sets something; returns the number of the failure, 0 without one.
+std::int32_t SerialConversation::Change(const std::function<void()>& set) {
+  const auto before = SettingsOf(*port_);
+  const Attempt attempt = Try([&] { return set(), true; });
+  Require(!attempt.error || SettingsOf(*port_) == before, "what is refused changes nothing");
+  return attempt.number();
 }
 
 void SerialConversation::ChangeFlags() {
