@@ -61,8 +61,7 @@ class CommConversation : private SocketWatcher, private LineWatcher {
   ConversationWorld world_;
   ConversationLine line_{world_.clock, input_};
   ConversationDriver library_{input_};
-  ConversationThread threads_;
-  GpibDriver driver_{library_, threads_};
+  GpibDriver driver_{library_, library_};
   ConversationSocket* socket_ = nullptr;
   std::unique_ptr<CKespCommObj> comm_;
   std::string first_line_;
@@ -292,7 +291,9 @@ void CommConversation::ChangeTransport(std::uint8_t setting) {
       serial.SetCheckNonAscii(value % 4 < 2);
       return serial.SetStripCRLF(value < 8);
     case 5:
-      return serial.SetMinBaudRate(static_cast<EKespBaudRate3>(value % 8));
+      // Above the highest rate it is refused.
+      Try([&] { return serial.SetMinBaudRate(static_cast<EKespBaudRate3>(value % 8)), true; });
+      return;
     case 6:
       network.SetTerminateOnEOS(value % 2 == 0);
       return network.SetCheckNonAscii(value < 8);
@@ -353,6 +354,8 @@ void CommConversation::QueryAtTheEnd() {
             "the object reads the right reply again");
     Require(comm_->CommError() == ECommError::cfrSuccess, "the status tells the success");
   }
+  comm_.reset();
+  library_.EndThreads();
 }
 
 }  // namespace

@@ -91,12 +91,13 @@ ConversationDriver::Outcome ConversationDriver::Decide(std::int32_t count) {
 }
 
 int ConversationDriver::Report(Call call, const Outcome& outcome) {
-  const bool writes = outcome.writes_cells && cells_.status != nullptr;
+  const Cells& cells = threads_[present_].cells;
+  const bool writes = outcome.writes_cells && cells.status != nullptr;
   if (writes) {
-    *cells_.status = outcome.status;
-    *cells_.error = outcome.error;
-    *cells_.count = outcome.count;
-    *cells_.long_count = outcome.count;
+    *cells.status = outcome.status;
+    *cells.error = outcome.error;
+    *cells.count = outcome.count;
+    *cells.long_count = outcome.count;
   }
   const bool is_device = call.name == "ibdev";
   call.failed = !writes && is_device ? call.result < 0 : (outcome.status & kErrorBit) != 0;
@@ -172,15 +173,20 @@ int ConversationDriver::Ibrd(int descriptor, void* buffer, GpibLength length) {
 int ConversationDriver::Register(std::int32_t* status, std::int32_t* error, std::int32_t* count,
                                  std::int32_t* long_count) {
   ConversationDriver& driver = *current_;
+  Thread& thread = driver.threads_[driver.present_];
+  for (const Thread& other : driver.threads_) {
+    Require(&other == &thread || other.cells.status != status, "each thread has cells of its own");
+  }
   int result = 0;
   if (!driver.good_ && driver.input_.HasMore()) {
     const std::uint8_t which = driver.input_.Byte();
     if (which >= 0xC0) result = which % 5;
   }
-  if (result == 0) driver.cells_ = {status, error, count, long_count};
+  thread.is_refused = result != 0;
+  if (result == 0) thread.cells = {status, error, count, long_count};
   // What the second registration comes to is not looked at.
-  const bool is_second = std::exchange(driver.last_registration_, result) == 1;
-  if (is_second) driver.last_registration_ = 0;
+  const bool is_second = std::exchange(thread.last_registration, result) == 1;
+  if (is_second) thread.last_registration = 0;
   if (result > 1 && !is_second) {
     driver.calls_.push_back({.name = "refused", .bytes = {}, .failed = true});
     driver.closing_failed_ = true;
@@ -189,8 +195,21 @@ int ConversationDriver::Register(std::int32_t* status, std::int32_t* error, std:
 }
 
 int ConversationDriver::Unregister() {
-  current_->cells_ = {};
+  current_->threads_[current_->present_].cells = {};
   return 0;
+}
+
+void ConversationDriver::EndThread() {
+  Thread& thread = threads_[present_];
+  thread.binding.emplace();
+  Require(thread.cells.status == nullptr || thread.is_refused, "a thread takes its cells along when it ends");
+  thread.cells = {};
+  thread.last_registration = 0;
+}
+
+void ConversationDriver::EndThreads() {
+  for (present_ = 0; present_ < kThreads; ++present_) EndThread();
+  present_ = 0;
 }
 
 }  // namespace kesp

@@ -1,10 +1,14 @@
 // A GPIB driver whose answers are the bytes of a fuzzer.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "gpib/gpib_driver.h"
@@ -13,11 +17,13 @@
 
 namespace kesp {
 
-// There is one at a time, since entry points know nothing but their arguments; it is used by one thread.
-// Status words, error numbers and counts may be any; cells may be left as they are, registrations refused,
-// entry points missing.
-class ConversationDriver final : public GpibLibrary {
+// There is one at a time, since entry points know nothing but their arguments. It is used by several threads,
+// of which one at a time is the present one; they never run at once. Status words, error numbers and counts
+// may be any; cells may be left as they are, registrations refused, entry points missing.
+class ConversationDriver final : public GpibLibrary, public GpibThreads {
  public:
+  static constexpr std::size_t kThreads = 3;
+
   // One call that the transport has made, and what it can know of its outcome.
   struct Call {
     std::string_view name;  // "refused" where the thread could not be registered
@@ -48,11 +54,20 @@ class ConversationDriver final : public GpibLibrary {
   void Damage(int how) { damage_ = how; }
   bool is_damaged() const { return damage_ != 0; }
 
+  // Makes that thread the present one; returns which was.
+  std::size_t Switch(std::size_t thread) { return std::exchange(present_, thread); }
+  // The present thread ends, and a new one takes its place.
+  void EndThread();
+  void EndThreads();
+
   // GpibLibrary
   std::vector<std::wstring> FileNames() const override { return {L"Gpib-32.dll", L"ni4882.dll"}; }
   std::uint32_t Load(const std::wstring& file_name, GpibPlace place) override;
   void Unload() override;
   GpibEntryPoint Find(const char* name) override;
+
+  // GpibThreads
+  GpibThread& Current() override { return *threads_[present_].binding; }
 
  private:
   struct Cells {
@@ -60,6 +75,13 @@ class ConversationDriver final : public GpibLibrary {
     std::int32_t* error = nullptr;
     std::int32_t* count = nullptr;
     std::int32_t* long_count = nullptr;
+  };
+  // A thread, and what the driver knows of it.
+  struct Thread {
+    std::optional<GpibThread> binding{std::in_place};
+    Cells cells;
+    int last_registration = 0;
+    bool is_refused = false;
   };
   // What the driver says.
   struct Outcome {
@@ -90,21 +112,12 @@ class ConversationDriver final : public GpibLibrary {
   std::string reply_;
   int damage_ = 0;
   bool loaded_ = false;
-  Cells cells_;
+  std::array<Thread, kThreads> threads_;
+  std::size_t present_ = 0;
   std::vector<Call> calls_;
   std::set<int> open_;
   bool closing_failed_ = false;
   int next_descriptor_ = 1;
-  int last_registration_ = 0;
-};
-
-// The one thread's data.
-class ConversationThread final : public GpibThreads {
- public:
-  GpibThread& Current() override { return thread_; }
-
- private:
-  GpibThread thread_;
 };
 
 }  // namespace kesp

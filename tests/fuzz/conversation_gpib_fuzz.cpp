@@ -1,4 +1,5 @@
-// The IEEE-488 transport in conversations of the fuzzer's making: two objects at one driver.
+// The IEEE-488 transport in conversations of the fuzzer's making: two objects at one driver, used by several
+// threads in turn.
 #include <algorithm>
 #include <array>
 #include <functional>
@@ -106,8 +107,7 @@ class GpibConversation : private CKespIEEEEvents {
   FuzzInput& input_;
   ConversationWorld world_;
   ConversationDriver library_{input_};
-  ConversationThread threads_;
-  GpibDriver driver_{library_, threads_};
+  GpibDriver driver_{library_, library_};
   std::array<std::unique_ptr<CKespIEEE>, 2> ieee_;
   std::size_t present_ = 0;
   int actions_ = 0;
@@ -120,6 +120,7 @@ void GpibConversation::Act() {
   const std::uint8_t action = input_.Byte();
   const std::size_t before = present_;
   present_ = action >= 0xC0 ? 1 : 0;
+  const std::size_t thread_before = library_.Switch(action / 16 % ConversationDriver::kThreads);
   switch (action % 8) {
     case 0:
     case 1:
@@ -141,8 +142,13 @@ void GpibConversation::Act() {
       ChangeSetting(input_.Byte());
       break;
     default:
-      library_.Damage(action < 0x40 ? action % 16 : 0);
+      if (action >= 0xE0 && depth_ == 0) {
+        library_.EndThread();
+      } else {
+        library_.Damage(action < 0x40 ? action % 16 : 0);
+      }
   }
+  library_.Switch(thread_before);
   present_ = before;
 }
 
@@ -322,6 +328,7 @@ void GpibConversation::QueryAtTheEnd() {
   const bool closing_failed = library_.closing_failed();
   library_.BeGood("GOOD\n");
   for (present_ = 0; present_ < ieee_.size(); ++present_) {
+    library_.Switch(present_);
     Ieee().SetEOSChar(L"10");
     Ieee().SetPrimaryAddress(7);
     std::optional<Calls> calls;
@@ -332,6 +339,7 @@ void GpibConversation::QueryAtTheEnd() {
             "the object makes a correct query again");
   }
   for (auto& ieee : ieee_) ieee.reset();
+  library_.EndThreads();
   Require(closing_failed || library_.open().empty(), "no device stays open");
 }
 
