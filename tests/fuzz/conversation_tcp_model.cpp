@@ -211,6 +211,8 @@ void TcpConversation::AutoDetectBegin() {
 
 void TcpConversation::AutoDetectEnd() {
   DoubtClosed();
+  // A handler may have read before the connection was complete.
+  if (calls_.back()->interfered) ready_known_ = false;
   if (calls_.back()->discovers) connected_ = Known::kNo;
   End("AutoDetect");
 }
