@@ -64,7 +64,7 @@ class TcpConversation : private CKespTCPEvents, private SocketWatcher {
   Attempt Do(Member member, std::int32_t gap_ms, Call& call, const std::function<bool()>& operation);
   void CheckWait(const Call& call) const;
   bool IsTimeOver(const Call& call) const;
-  bool IsDetecting() const;
+  bool IsDiscovering() const;
   bool IsReplyComplete(const Call& call) const;
   // Whether the read was refused at once; then that was right.
   bool IsRefused(const Attempt& attempt, const Call& call, EKespTCPState state);

@@ -57,21 +57,21 @@ bool TcpConversation::IsReplyComplete(const Call& call) const {
   return world_.clock.now_ms() - last_arrival_ms_ > call.gap_ms;
 }
 
-bool TcpConversation::IsDetecting() const {
-  return std::any_of(calls_.begin(), calls_.end(),
-                     [](const Call* call) { return call->member == Member::kAutoDetect; });
+bool TcpConversation::IsDiscovering() const {
+  return std::any_of(calls_.begin(), calls_.end(), [](const Call* call) { return call->discovers; });
 }
 
 // Whether what is pending now is a complete reply.
 void TcpConversation::Judge() {
+  // A discovery counts its answers without reading them, and so forgets what has come to a handler.
+  const bool forgets = IsDiscovering();
   if (socket_->Protocol() == EKespProtocol::sckUDPProtocol) {
     takes_datagram_ = socket_->Sender().has_value();
     if (socket_->PeekData().find('\xF7') != std::string_view::npos) ready_ = true;
-    // A discovery counts its answers without reading them.
-    if (IsDetecting()) ready_known_ = false;
+    if (forgets) ready_known_ = false;
     return;
   }
-  ready_known_ = true;
+  ready_known_ = !forgets;
   if (!tcp_->TerminateOnEOS()) {
     ready_ = !socket_->pending().empty();
     last_arrival_ms_ = world_.clock.now_ms();

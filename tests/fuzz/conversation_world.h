@@ -54,9 +54,7 @@ class ConversationClock final : public Clock {
   static constexpr int kMostReadings = 8;
 
   // In larger and larger steps, because some waits are long.
-  void IdleReading() {
-    now_ms_ += ++idle_readings_ / kMostReadings;
-  }
+  void IdleReading() { now_ms_ += ++idle_readings_ / kMostReadings; }
 
   std::uint32_t start_ = 0;
   std::int64_t phase_ = 0;
