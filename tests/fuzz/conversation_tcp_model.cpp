@@ -11,6 +11,7 @@ namespace kesp {
 
 Attempt TcpConversation::Do(Member member, std::int32_t gap_ms, Call& call,
                             const std::function<bool()>& operation) {
+  world_.clock.EndIdling();
   call.member = member;
   call.gap_ms = gap_ms;
   call.start_second = world_.clock.Second();
@@ -84,6 +85,7 @@ void TcpConversation::Judge() {
 void TcpConversation::Connecting() {
   if (calls_.empty()) return;
   Call& call = *calls_.back();
+  world_.clock.EndIdling();
   ++call.connects;
   call.pumpings = 0;
   call.start_second = world_.clock.Second();

@@ -2,6 +2,7 @@
 // seams.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -39,8 +40,10 @@ class ConversationClock final : public Clock {
   }
   void Advance(std::uint32_t milliseconds) {
     now_ms_ += milliseconds;
-    idle_readings_ = 0;
+    EndIdling();
   }
+  // The next few readings do not move it.
+  void EndIdling() { idle_readings_ = 0; }
   // What the tick counter shows, without a reading.
   std::int32_t Tick() const {
     return static_cast<std::int32_t>(start_ + static_cast<std::uint32_t>(now_ms_));
@@ -52,9 +55,10 @@ class ConversationClock final : public Clock {
  private:
   static constexpr std::int64_t kLongDayMs = 60'000;
   static constexpr int kMostReadings = 8;
+  static constexpr int kLongestStepMs = 32;
 
   // In larger and larger steps, because some waits are long.
-  void IdleReading() { now_ms_ += ++idle_readings_ / kMostReadings; }
+  void IdleReading() { now_ms_ += std::min(++idle_readings_ / kMostReadings, kLongestStepMs); }
 
   std::uint32_t start_ = 0;
   std::int64_t phase_ = 0;
