@@ -82,9 +82,7 @@ Spy& TheSpy() {
 
 void CountComBlocks() {
   CoRegisterMallocSpy(&TheSpy());
-  constexpr WORD kSetOaNoCache = 170;
-  const HMODULE automation = LoadLibraryW(L"oleaut32.dll");
-  const FARPROC no_cache = GetProcAddress(automation, MAKEINTRESOURCEA(kSetOaNoCache));
+  const FARPROC no_cache = GetProcAddress(LoadLibraryW(L"oleaut32.dll"), "SetOaNoCache");
   if (no_cache != nullptr) reinterpret_cast<void(WINAPI*)()>(reinterpret_cast<void*>(no_cache))();
 }
 
