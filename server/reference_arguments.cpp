@@ -60,8 +60,9 @@ ReferenceArguments::ReferenceArguments(const MemberCall& call, const DISPPARAMS&
   for (const ReferenceArgument& reference : call.references) {
     VARIANT* argument = FindArgument(copies_, original, reference.position, call.arguments);
     if (argument == nullptr) continue;
-    // An argument left out is the automation library's business.
-    if (V_VT(argument) == VT_ERROR) continue;
+    // An argument left out is the automation library's business; but that of Wine calls the member with a
+    // value of any type that is left out, loses what the member stores there, and then refuses the call.
+    if (V_VT(argument) == VT_ERROR && reference.type != VT_VARIANT) continue;
     fit_ = reference.type == VT_VARIANT ? PrepareAnyType(*argument) : Prepare(*argument, reference.type);
     if (SUCCEEDED(fit_)) continue;
     bad_argument_ = static_cast<UINT>(argument - copies_.data());

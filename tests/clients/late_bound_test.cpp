@@ -246,6 +246,17 @@ TEST_F(LateBoundTest, OptionalArguments_HaveTheirDefaults) {
   EXPECT_EQ(BytesOf(*result.get()), "ECHO 1\r");
 }
 
+// As a plain value in its place: the reply is lost, and nothing else.
+TEST_F(LateBoundTest, ResultOfAnyTypeThatIsLeftOut_IsCarriedOut) {
+  UseTheInstrument();
+  Value left_out;
+  V_VT(left_out.get()) = VT_ERROR;
+  V_ERROR(left_out.get()) = DISP_E_PARAMNOTFOUND;
+  const Value cmd(L"ECHO 1");
+  EXPECT_TRUE(comm_.Call(L"QueryBinary", {Plain(left_out), Plain(cmd)}).IsTrue());
+  EXPECT_EQ(left_out.type(), VT_ERROR);
+}
+
 // A variable leaves out only what may be left out.
 TEST_F(LateBoundTest, RequiredArgumentThatAVariableLeavesOut_IsTheMembersToJudge) {
   Value left_out;

@@ -76,8 +76,9 @@ class FittedCall {
     for (UINT i = 0; i < member_.parameters.size(); ++i) {
       if (!member_.parameters[i].is_reference || FAILED(refusal) || is_wrong_variable) continue;
       const int index = IndexOf(i);
-      if (index < 0 || V_VT(&values_[static_cast<UINT>(index)]) == VT_ERROR) continue;
-      Land(static_cast<UINT>(index), member_.parameters[i].type);
+      const VARTYPE type = member_.parameters[i].type;
+      if (index < 0 || (V_VT(&values_[static_cast<UINT>(index)]) == VT_ERROR && type != VT_VARIANT)) continue;
+      Land(static_cast<UINT>(index), type);
     }
     for (UINT i = 0; i < parameters.cArgs; ++i) PassByVariable(i);
   }
