@@ -22,6 +22,7 @@ decltype(&std::malloc) real_malloc;
 decltype(&std::calloc) real_calloc;
 decltype(&std::realloc) real_realloc;
 decltype(&std::free) real_free;
+decltype(&_strdup) real_strdup;
 decltype(&SysAllocStringLen) real_text;
 
 void* __cdecl CountedMalloc(std::size_t size) {
@@ -37,6 +38,11 @@ void* __cdecl CountedCalloc(std::size_t count, std::size_t size) {
 void* __cdecl CountedRealloc(void* block, std::size_t size) {
   if (block == nullptr) ++made;
   return real_realloc(block, size);
+}
+
+char* __cdecl CountedStrdup(const char* text) {
+  ++made;
+  return real_strdup(text);
 }
 
 void __cdecl CountedFree(void* block) {
@@ -85,6 +91,7 @@ void CountAllocationsOf(HMODULE module) {
   Replace(module, "malloc", real_malloc, &CountedMalloc);
   Replace(module, "calloc", real_calloc, &CountedCalloc);
   Replace(module, "realloc", real_realloc, &CountedRealloc);
+  Replace(module, "_strdup", real_strdup, &CountedStrdup);
   Replace(module, "free", real_free, &CountedFree);
   Replace(module, "SysAllocStringLen", real_text, &CountedText);
 }

@@ -8,7 +8,7 @@
 namespace kesp::bench {
 
 struct Allocations {
-  std::int64_t made = 0;   // blocks taken from the C runtime: malloc, calloc, realloc of nothing
+  std::int64_t made = 0;   // blocks taken from the C runtime: malloc, calloc, realloc of nothing, _strdup
   std::int64_t freed = 0;  // blocks given back
   std::int64_t texts = 0;  // texts made for COM: SysAllocStringLen
 };

@@ -41,7 +41,8 @@ CallOutcome::~CallOutcome() {
 
 std::wstring CallOutcome::InWords(HRESULT outcome, const ArgumentList* arguments, const Side& side) const {
   std::wstring words = Hexadecimal(outcome);
-  if (places_.result) words += L", result " + variants::InWords(result_, side);
+  const bool is_port = side.port() != kNoPort && V_VT(&result_) == VT_I2 && V_I2(&result_) == side.port();
+  if (places_.result) words += L", result " + (is_port ? L"the port" : variants::InWords(result_, side));
   if (places_.bad_argument) words += L", bad argument " + std::to_wstring(bad_argument_);
   if (places_.exception) {
     words += L", exception " + std::to_wstring(exception_.wCode) + L" " + Hexadecimal(exception_.scode) +

@@ -37,17 +37,38 @@ void MendNetwork(_CKespTCP* tcp, const Device& device) {
   tcp->put_Protocol(sckTCPProtocol);
 }
 
-void MendSerial(_CKespCOMPort3* port) {
+void MendSerial(_CKespCOMPort3* port, short own) {
   short number = 0;
   port->get_Port(&number);
-  if (number < kPortThatIsNotThere) port->put_Port(kPortThatIsNotThere);
+  if (number < kPortThatIsNotThere && number != own) port->put_Port(kPortThatIsNotThere);
   port->put_TimeOut(kTimeoutMs);
+  if (own == kNoPort) return;
+  // A search tries all rates between the limits, which must enclose the rate at any moment.
+  port->put_MaxBaudRate(br921600);
+  port->put_MinBaudRate(br150);
+  port->put_BaudRate(br9600);
+  port->put_MinBaudRate(br9600);
+  port->put_MaxBaudRate(br9600);
 }
 
 void MendBus(_CKespIEEE* bus) {
   ETimeOutSecs timeout{};
   bus->get_TimeOutSecs(&timeout);
   if (timeout < to10us || timeout > to30ms) bus->put_TimeOutSecs(to10ms);
+}
+
+void Mend(IUnknown* object, const Device& device, short own_port) {
+  if (const auto comm = As<_CKespCommObj>(object)) {
+    long timeout = 0;
+    comm->get_BinaryTimeoutms(&timeout);
+    if (timeout < 0 || timeout > kTimeoutMs) comm->put_BinaryTimeoutms(kTimeoutMs);
+    ComPtr<IDispatch> transport;
+    comm->get_CommObject(&transport);
+    Mend(transport.Get(), device, own_port);
+  }
+  if (const auto tcp = As<_CKespTCP>(object)) MendNetwork(tcp.Get(), device);
+  if (const auto port = As<_CKespCOMPort3>(object)) MendSerial(port.Get(), own_port);
+  if (const auto bus = As<_CKespIEEE>(object)) MendBus(bus.Get());
 }
 
 void FillCollection(_CInstruments* collection, RandomSource& random) {
@@ -60,7 +81,7 @@ void FillCollection(_CInstruments* collection, RandomSource& random) {
   }
 }
 
-void StartTransport(IUnknown* object, RandomSource& random, const Device& device) {
+void StartTransport(IUnknown* object, RandomSource& random, const Device& device, short own_port) {
   if (const auto tcp = As<_CKespTCP>(object)) {
     tcp->put_LogFilename(Text(kLogFile).get());
     if (!random.OneIn(3)) tcp->put_IPAddress(Text(device.host).get());
@@ -69,7 +90,13 @@ void StartTransport(IUnknown* object, RandomSource& random, const Device& device
     tcp->get_Devices(&devices);
     FillCollection(devices.Get(), random);
   }
-  if (const auto port = As<_CKespCOMPort3>(object)) port->put_LogFilename(Text(kLogFile).get());
+  if (const auto port = As<_CKespCOMPort3>(object)) {
+    port->put_LogFilename(Text(kLogFile).get());
+    if (own_port != kNoPort) {
+      port->put_Port(own_port);
+      port->put_UseRedirector(VARIANT_TRUE);
+    }
+  }
   if (const auto bus = As<_CKespIEEE>(object)) {
     bus->put_LogFilename(Text(kLogFile).get());
     bus->put_PrimaryAddress(kDeviceOnBus);
@@ -83,30 +110,21 @@ void MakeReady(const Side& side, RandomSource& random, const Device& device) {
   if (const auto comm = As<_CKespCommObj>(side.object())) {
     comm->put_DebugFilename(Text(kLogFile).get());
     constexpr ECommStyle kStyles[] = {csTCPIP, csTCPIP, csIEEE, csRS232, csNone};
-    for (ECommStyle style : {csTCPIP, csIEEE, random.Pick(kStyles)}) {
+    const ECommStyle chosen = random.Pick(kStyles);
+    for (ECommStyle style : {csTCPIP, csIEEE, side.port() != kNoPort ? csRS232 : chosen}) {
       comm->put_CommStyle(&style);
       ComPtr<IDispatch> transport;
       comm->get_CommObject(&transport);
-      StartTransport(transport.Get(), random, device);
+      StartTransport(transport.Get(), random, device, side.port());
     }
   }
   if (const auto collection = As<_CInstruments>(side.object())) FillCollection(collection.Get(), random);
-  StartTransport(side.object(), random, device);
-  MakeHarmless(side.object(), device);
+  StartTransport(side.object(), random, device, side.port());
+  MakeHarmless(side, device);
 }
 
-void MakeHarmless(IUnknown* object, const Device& device) {
-  if (const auto comm = As<_CKespCommObj>(object)) {
-    long timeout = 0;
-    comm->get_BinaryTimeoutms(&timeout);
-    if (timeout < 0 || timeout > kTimeoutMs) comm->put_BinaryTimeoutms(kTimeoutMs);
-    ComPtr<IDispatch> transport;
-    comm->get_CommObject(&transport);
-    MakeHarmless(transport.Get(), device);
-  }
-  if (const auto tcp = As<_CKespTCP>(object)) MendNetwork(tcp.Get(), device);
-  if (const auto port = As<_CKespCOMPort3>(object)) MendSerial(port.Get());
-  if (const auto bus = As<_CKespIEEE>(object)) MendBus(bus.Get());
+void MakeHarmless(const Side& side, const Device& device) {
+  Mend(side.object(), device, side.port());
 }
 
 void ForgetReplies(IUnknown* object) {
@@ -120,6 +138,27 @@ void ForgetReplies(IUnknown* object) {
   bus->Initialize(&answer);
   bus->Uninitialize(&answer);
   SetErrorInfo(0, nullptr);
+}
+
+void RenewBus() {
+  using Load = int __stdcall(const char* json, char* message, long size);
+  const HMODULE driver = LoadLibraryExW(L"Gpib-32.dll", nullptr, LOAD_LIBRARY_SEARCH_APPLICATION_DIR);
+  const FARPROC load = driver != nullptr ? GetProcAddress(driver, "KespSimulationLoad") : nullptr;
+  char message[200];
+  // Replies of one byte: both worlds talk to this device, and neither may leave the other half of a reply.
+  constexpr char kBus[] =
+      R"({"devices": [{"gpib": {"primary": 5}, "reply_terminator": "", "commands": {}, "default": "R"}]})";
+  if (load == nullptr) return;
+  reinterpret_cast<Load*>(reinterpret_cast<void*>(load))(kBus, message, sizeof message);
+  // It has forgotten this thread, too, and says so to the first call.
+  ComPtr<_CKespIEEE> transport;
+  VARIANT_BOOL answer = VARIANT_FALSE;
+  CoCreateInstance(__uuidof(CKespIEEE), nullptr, CLSCTX_INPROC_SERVER,
+                   IID_PPV_ARGS(transport.GetAddressOf()));
+  if (transport == nullptr) return;
+  transport->put_PrimaryAddress(kDeviceOnBus);
+  for (int i = 0; i < 2; ++i) transport->Initialize(&answer);
+  transport->Uninitialize(&answer);
 }
 
 }  // namespace kesp::variants

@@ -17,11 +17,14 @@ struct Device {
 void MakeReady(const Side& side, RandomSource& random, const Device& device);
 
 // Mends the settings that would let the next operation wait, look for somebody else, or open a port that is
-// there.
-void MakeHarmless(IUnknown* object, const Device& device);
+// not this world's own.
+void MakeHarmless(const Side& side, const Device& device);
 
 // Lets the device of the GPIB forget a reply that nobody has read, before a call of an object that may talk
 // to it: both worlds share it.
 void ForgetReplies(IUnknown* object);
+
+// Lets the simulated driver of the GPIB, where there is one, forget its record of all calls.
+void RenewBus();
 
 }  // namespace kesp::variants

@@ -68,7 +68,7 @@ std::wstring ItemsInWords(IEnumVARIANT* items, const Side& side) {
 
 }  // namespace
 
-Side::Side(const PublicClass& one) : object_(MakeObject(one)) {
+Side::Side(const PublicClass& one, short port) : port_(port), object_(MakeObject(one)) {
   if (FAILED(
           object_->QueryInterface(one.default_interface, reinterpret_cast<void**>(dual_.GetAddressOf())))) {
     throw std::runtime_error("an object without its class's interface");
@@ -101,6 +101,9 @@ std::wstring Side::NameOf(IUnknown* object) const {
 
 std::wstring Side::Neutral(const std::wstring& text) const {
   if (!key_.empty() && text == key_) return L"(the key)";
+  const std::wstring port = L"COM" + std::to_wstring(port_);
+  if (const std::size_t at = text.find(port); port_ != kNoPort && at != std::wstring::npos)
+    return text.substr(0, at) + L"(the port)" + text.substr(at + port.size());
   // The handle that the driver of the bus gave to this world's device.
   const std::size_t handle = text.find(L" on device ");
   const std::size_t end = text.find_first_not_of(L"0123456789", handle + 11);

@@ -9,11 +9,14 @@
 
 namespace kesp::variants {
 
+inline constexpr short kNoPort = 0;
+
 // The object of the library, and those of the client that calls it.
 class Side {
  public:
-  // Throws std::runtime_error when there is no object of that class.
-  explicit Side(const PublicClass& one);
+  // With a COM port of its own that is there, or none. Throws std::runtime_error when there is no object of
+  // that class.
+  Side(const PublicClass& one, short port);
 
   IDispatch* object() const { return object_.Get(); }
   // The class's own interface, as the vtable has it.
@@ -26,6 +29,7 @@ class Side {
 
   // Who that is, in words that are the same in both worlds.
   std::wstring NameOf(IUnknown* object) const;
+  short port() const { return port_; }
   // The text, with what is this world's own taken out.
   std::wstring Neutral(const std::wstring& text) const;
 
@@ -35,6 +39,7 @@ class Side {
   bool ReleaseAll();
 
  private:
+  const short port_;
   ComPtr<IDispatch> object_;
   ComPtr<IDispatch> dual_;
   std::wstring key_;
