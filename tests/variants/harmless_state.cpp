@@ -10,6 +10,8 @@ namespace {
 using clients::Text;
 
 constexpr short kTimeoutMs = 5;
+// Where a reply comes through a COM port that is there, also on a busy machine.
+constexpr short kPortTimeoutMs = 40;
 constexpr short kDeviceOnBus = 5;
 // Nobody has so many ports.
 constexpr short kPortThatIsNotThere = 250;
@@ -37,11 +39,15 @@ void MendNetwork(_CKespTCP* tcp, const Device& device) {
   tcp->put_Protocol(sckTCPProtocol);
 }
 
+short TimeoutAt(short own_port) {
+  return own_port == kNoPort ? kTimeoutMs : kPortTimeoutMs;
+}
+
 void MendSerial(_CKespCOMPort3* port, short own) {
   short number = 0;
   port->get_Port(&number);
   if (number < kPortThatIsNotThere && number != own) port->put_Port(kPortThatIsNotThere);
-  port->put_TimeOut(kTimeoutMs);
+  port->put_TimeOut(TimeoutAt(own));
   if (own == kNoPort) return;
   // A search tries all rates between the limits, which must enclose the rate at any moment.
   port->put_MaxBaudRate(br921600);
@@ -61,7 +67,9 @@ void Mend(IUnknown* object, const Device& device, short own_port) {
   if (const auto comm = As<_CKespCommObj>(object)) {
     long timeout = 0;
     comm->get_BinaryTimeoutms(&timeout);
-    if (timeout < 0 || timeout > kTimeoutMs) comm->put_BinaryTimeoutms(kTimeoutMs);
+    const bool is_short = timeout < TimeoutAt(own_port) && own_port != kNoPort;
+    if (timeout < 0 || is_short || timeout > TimeoutAt(own_port))
+      comm->put_BinaryTimeoutms(TimeoutAt(own_port));
     ComPtr<IDispatch> transport;
     comm->get_CommObject(&transport);
     Mend(transport.Get(), device, own_port);
