@@ -22,11 +22,18 @@ std::string CallsPerSecond(long calls, double seconds) {
   return std::to_string(std::lround(static_cast<double>(calls) / (seconds > 0 ? seconds : 1)));
 }
 
-// "57, 57, 57": after the first, the second and the last tenth.
+// "57 57 58": after each tenth; "57" where all are the same.
 template <class TextOf>
 std::string Course(const std::vector<Tenth>& tenths, const TextOf& text_of) {
-  return text_of(tenths.front().resources) + ", " + text_of(tenths[1].resources) + ", " +
-         text_of(tenths.back().resources);
+  std::string course;
+  bool is_flat = true;
+  const std::string first = text_of(tenths.front().resources);
+  for (const Tenth& tenth : tenths) {
+    const std::string text = text_of(tenth.resources);
+    is_flat = is_flat && text == first;
+    course += (course.empty() ? "" : " ") + text;
+  }
+  return is_flat ? first + " each time" : course;
 }
 
 }  // namespace
@@ -67,25 +74,28 @@ std::vector<std::string> Figures(const std::string& part, long calls, const std:
   double seconds = 0;
   for (const Tenth& tenth : tenths) seconds += tenth.seconds;
   const auto key = [&part](const std::string& what) { return "figure " + part + ", " + what; };
-  const auto handles = [](const Resources& held) { return std::to_string(held.handles); };
-  const auto blocks = [](std::int64_t count, std::int64_t bytes) {
-    return std::to_string(count) + " (" + Kilobytes(bytes) + " KB)";
+  const auto row = [&](const char* what, const auto& text_of) {
+    return key(what) + " after each tenth = " + Course(tenths, text_of);
   };
-  const auto runtime = [&](const Resources& held) { return blocks(held.runtime_blocks, held.runtime_bytes); };
-  const auto system = [&](const Resources& held) { return blocks(held.system_blocks, held.system_bytes); };
-  const auto rest = [](const Resources& held) {
-    return std::to_string(held.gdi_objects) + "/" + std::to_string(held.user_objects) + "/" +
-           std::to_string(held.threads);
+  const auto number = [](std::int64_t Resources::*value) {
+    return [value](const Resources& held) { return std::to_string(held.*value); };
   };
-  const std::string when = " after tenths 1, 2 and 10 = ";
+  const auto kilobytes = [](std::int64_t Resources::*value) {
+    return [value](const Resources& held) { return Kilobytes(held.*value); };
+  };
   std::vector<std::string> lines = {
       "figure " + part + " = " + std::to_string(calls) + " in " + std::to_string(std::lround(seconds)) + " s",
-      key("handles") + when + Course(tenths, handles),
-      key("blocks of the runtime's heap") + when + Course(tenths, runtime),
-      key("blocks of the system's heaps") + when + Course(tenths, system),
-      key("GDI objects/USER objects/threads") + when + Course(tenths, rest)};
+      row("handles", number(&Resources::handles)),
+      row("blocks of the runtime's heap", number(&Resources::runtime_blocks)),
+      row("KB of the runtime's heap", kilobytes(&Resources::runtime_bytes)),
+      row("blocks of the system's heaps", number(&Resources::system_blocks)),
+      row("KB of the system's heaps", kilobytes(&Resources::system_bytes)),
+      row("private KB", kilobytes(&Resources::private_bytes)),
+      row("GDI objects", number(&Resources::gdi_objects)),
+      row("USER objects", number(&Resources::user_objects)),
+      row("threads", number(&Resources::threads))};
   if (const std::int64_t lost = tenths.back().lost_by_system.system_blocks; lost != 0) {
-    lines.push_back(key("blocks that the system may have lost = ") + std::to_string(lost));
+    lines.push_back(key("blocks that the system lost by itself = ") + std::to_string(lost));
   }
   return lines;
 }
