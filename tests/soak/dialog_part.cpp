@@ -1,10 +1,12 @@
 // The TCP/IP and the RS-232 dialog in turn, twice with Cancel and then twice with OK.
+#include <algorithm>
 #include <cstdio>
 #include <stdexcept>
 
 #include "bench/calls.h"
 #include "bench/text.h"
 #include "dialogs/dialog_ids.h"
+#include "tests/soak/bare_dialogs.h"
 #include "tests/soak/part.h"
 #include "tests/win/window_reading.h"
 
@@ -40,33 +42,16 @@ struct Press {
   const wchar_t* caption;
   int button;
   bool was_shown = false;
-  int labels = 0;  // of all pages
 };
-
-BOOL CALLBACK CountLabel(HWND window, LPARAM count) {
-  if (HasClass(window, L"Static") && Ask(window, WM_GETFONT) != 0) ++*reinterpret_cast<int*>(count);
-  return TRUE;
-}
-
-// Whether a lost block keeps a group of others from being given back.
-bool KeepsBlocksInGroups() {
-  ULONG kind = 0;
-  constexpr ULONG kInGroups = 2;
-  return HeapQueryInformation(GetProcessHeap(), HeapCompatibilityInformation, &kind, sizeof(kind), nullptr) !=
-             FALSE &&
-         kind == kInGroups;
-}
 
 LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM first, LPARAM second) {
   const bool again = message == WM_TIMER && first == kPressAgain;
   if (message != kLook && !again) return DefWindowProcW(window, message, first, second);
   auto& press = *reinterpret_cast<Press*>(GetWindowLongPtrW(window, GWLP_USERDATA));
   if (again) std::printf("pressed once more: the first press had no effect\n");
-  press.labels = 0;
   HWND dialog = FindWindowW(nullptr, press.caption);
   HWND button = GetDlgItem(dialog, press.button);
   press.was_shown = button != nullptr && IsWindowVisible(dialog) != FALSE;
-  EnumChildWindows(dialog, &CountLabel, reinterpret_cast<LPARAM>(&press.labels));
   PostMessageW(button, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
   PostMessageW(button, WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
   return 0;
@@ -85,9 +70,6 @@ class Hand {
   Hand(const Hand&) = delete;
   Hand& operator=(const Hand&) = delete;
 
-  // Of all dialogs that it closed.
-  int labels() const { return labels_; }
-
   template <class Transport>
   void Edit(Transport* transport, ::EEditCommFlags pages, const wchar_t* caption, bool confirms) {
     Press press{.caption = caption, .button = confirms ? ID_OK : ID_CANCEL};
@@ -99,7 +81,6 @@ class Hand {
     CheckResult(transport->Edit(pages, no_help_file_.get(), 0, &confirmed), "Edit");
     KillTimer(window_, kDeadline);
     KillTimer(window_, kPressAgain);
-    labels_ += press.labels;
     if (!press.was_shown) throw std::runtime_error("the dialog did not come");
     if ((confirmed != VARIANT_FALSE) != confirms) throw std::runtime_error("Edit returned the opposite");
   }
@@ -107,7 +88,6 @@ class Hand {
  private:
   bench::Text no_help_file_{""};
   HWND window_;
-  int labels_ = 0;
 };
 
 class Dialogs : public Part {
@@ -120,7 +100,8 @@ class Dialogs : public Part {
     CheckResult(bench::SelectTransport(comm_.Get(), ::csRS232).As(&port_), "the serial transport");
   }
 
-  void Do(long number, long, long) override {
+  void Do(long number, long, long calls) override {
+    if (number == 0) MeasureBare(calls);
     ++dialogs_;
     const bool confirms = number / 2 % 2 == 1;
     if (number % 2 == 0) {
@@ -132,21 +113,26 @@ class Dialogs : public Part {
     }
   }
 
-  // Wine's common controls of version 6 lose a block of three pointers with each label that has a font: in
-  // Wine 8 that block, and in Wine 10 up to two groups of blocks with each dialog.
+  // Wine's common controls of version 6 lose memory with each label that has a font. As many bare dialogs
+  // tell how much.
   Resources LostBySystem() const override {
-    constexpr int kBytesOfGroups = 4096;
     Resources lost;
-    lost.system_blocks = in_groups_ ? 2 * dialogs_ : hand_.labels();
-    lost.system_bytes =
-        in_groups_ ? kBytesOfGroups * dialogs_ : static_cast<int>(3 * sizeof(void*)) * hand_.labels();
-    lost.private_bytes = 2 * lost.system_bytes;
+    for (const ResourceKind& kind : kResourceKinds)
+      lost.*kind.value = bare_lost_.*kind.value * dialogs_ / bare_dialogs_;
     return lost;
   }
 
  private:
-  const bool in_groups_ = KeepsBlocksInGroups();
+  // As many as in a tenth of the run.
+  void MeasureBare(long calls) {
+    constexpr long kFewest = 40;
+    bare_dialogs_ = std::max(calls, kFewest);
+    bare_lost_ = BareDialogs().LostBy(bare_dialogs_);
+  }
+
   std::int64_t dialogs_ = 0;
+  long bare_dialogs_ = 1;
+  Resources bare_lost_;
   ComPtr<::_CKespCommObj> comm_ = bench::CreateCommObj();
   ComPtr<::_CKespTCP> tcp_;
   ComPtr<::_CKespCOMPort3> port_;
