@@ -1,9 +1,8 @@
 // Each class made through its factory, and some of its members used.
-#include "tests/faults/creation_scenario.h"
-
 #include <vector>
 
 #include "tests/faults/client.h"
+#include "tests/faults/scenarios.h"
 
 namespace kesp::faults {
 

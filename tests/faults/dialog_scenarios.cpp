@@ -1,8 +1,7 @@
 // Dialogs that are opened, used a little, and closed.
-#include "tests/faults/dialog_scenarios.h"
-
 #include "dialogs/dialog_ids.h"
 #include "tests/faults/dialog_hand.h"
+#include "tests/faults/scenarios.h"
 #include "tests/faults/serial_stage.h"
 #include "tests/faults/tcp_stage.h"
 

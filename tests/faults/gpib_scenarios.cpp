@@ -1,7 +1,7 @@
 // Queries and the search for a device on the simulated bus.
 #include "tests/clients/gpib_fixture.h"
 #include "tests/clients/simulated_driver.h"
-#include "tests/faults/line_scenarios.h"
+#include "tests/faults/scenarios.h"
 #include "tests/faults/transport_scenario.h"
 
 namespace kesp::faults {

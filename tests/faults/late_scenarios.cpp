@@ -1,11 +1,10 @@
 // Calls by name, with references and arrays; and a handler that calls back.
-#include "tests/faults/late_scenarios.h"
-
 #include <ocidl.h>
 
 #include <vector>
 
 #include "tests/clients/late_object.h"
+#include "tests/faults/scenarios.h"
 #include "tests/faults/tcp_stage.h"
 
 namespace kesp::faults {

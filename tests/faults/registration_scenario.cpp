@@ -1,7 +1,6 @@
 // Registered for the present user and taken away again; what is registered for the machine is not touched.
-#include "tests/faults/registration_scenario.h"
-
 #include "tests/clients/library_module.h"
+#include "tests/faults/scenarios.h"
 
 namespace kesp::faults {
 

@@ -1,12 +1,7 @@
 // The list of all scenarios.
 #include "tests/faults/scenario.h"
 
-#include "tests/faults/creation_scenario.h"
-#include "tests/faults/dialog_scenarios.h"
-#include "tests/faults/late_scenarios.h"
-#include "tests/faults/line_scenarios.h"
-#include "tests/faults/registration_scenario.h"
-#include "tests/faults/tcp_scenarios.h"
+#include "tests/faults/scenarios.h"
 
 namespace kesp::faults {
 

@@ -1,5 +1,5 @@
 // Queries and searches at a COM port.
-#include "tests/faults/line_scenarios.h"
+#include "tests/faults/scenarios.h"
 #include "tests/faults/serial_stage.h"
 
 namespace kesp::faults {

@@ -1,6 +1,5 @@
 // Queries over the network, with a connection each and on one that stays open.
-#include "tests/faults/tcp_scenarios.h"
-
+#include "tests/faults/scenarios.h"
 #include "tests/faults/tcp_stage.h"
 
 namespace kesp::faults {
