@@ -46,9 +46,9 @@ void AddFiles(std::vector<Import>& functions) {
                                                           {kInvalid, ERROR_ACCESS_DENIED},
                                                           {kInvalid, ERROR_SHARING_VIOLATION},
                                                           {kInvalid, ERROR_TOO_MANY_OPEN_FILES}})
-                          .Makes(Resource::kFile));
+                          .Makes(Resource::kHandle));
   functions.push_back(
-      Fails<&CloseHandle>("CloseHandle", {{0, ERROR_INVALID_HANDLE}}).TakesBack(Resource::kFile));
+      Fails<&CloseHandle>("CloseHandle", {{0, ERROR_INVALID_HANDLE}}).TakesBack(Resource::kHandle));
   functions.push_back(Fails<&ReadFile>("ReadFile", NoMemoryOr({ERROR_IO_DEVICE, ERROR_OPERATION_ABORTED,
                                                                ERROR_ACCESS_DENIED, ERROR_GEN_FAILURE})));
   functions.push_back(Fails<&WriteFile>(
@@ -65,7 +65,7 @@ void AddFiles(std::vector<Import>& functions) {
   functions.push_back(Fails<&DeleteFileW>("DeleteFileW", {{0, ERROR_ACCESS_DENIED}}));
   functions.push_back(Fails<&SetFileAttributesW>("SetFileAttributesW", {{0, ERROR_ACCESS_DENIED}}));
   functions.push_back(
-      Fails<&CreateMutexW>("CreateMutexW", NoMemoryOr({ERROR_ACCESS_DENIED})).Makes(Resource::kFile));
+      Fails<&CreateMutexW>("CreateMutexW", NoMemoryOr({ERROR_ACCESS_DENIED})).Makes(Resource::kHandle));
   functions.push_back(Fails<&GetTempPathW>("GetTempPathW", NoMemoryOr({ERROR_ENVVAR_NOT_FOUND})));
   // It returns what it was given as the default; its error tells nothing that a client can use.
   functions.push_back(
@@ -135,9 +135,9 @@ void AddThreads(std::vector<Import>& functions) {
   functions.push_back(Fails<&FlsSetValue>("FlsSetValue", NoMemoryOr({})));
   functions.push_back(Fails<&SetThreadErrorMode>("SetThreadErrorMode", {{0, ERROR_INVALID_PARAMETER}}));
   // Used by the runtime that is linked in: its locks and its data for each thread.
-  functions.push_back(Fails<&CreateEventA>("CreateEventA", NoMemoryOr({})));
-  functions.push_back(Fails<&CreateSemaphoreA>("CreateSemaphoreA", NoMemoryOr({})));
-  functions.push_back(Fails<&DuplicateHandle>("DuplicateHandle", NoMemoryOr({})));
+  functions.push_back(Fails<&CreateEventA>("CreateEventA", NoMemoryOr({})).Makes(Resource::kHandle));
+  functions.push_back(Fails<&CreateSemaphoreA>("CreateSemaphoreA", NoMemoryOr({})).Makes(Resource::kHandle));
+  functions.push_back(Fails<&DuplicateHandle>("DuplicateHandle", NoMemoryOr({})).Makes(Resource::kHandle));
   functions.push_back(Fails<&TlsAlloc>(
       "TlsAlloc", {{static_cast<std::intptr_t>(TLS_OUT_OF_INDEXES), ERROR_NOT_ENOUGH_MEMORY}}));
   functions.push_back(Fails<&TlsSetValue>("TlsSetValue", NoMemoryOr({})));

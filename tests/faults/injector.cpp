@@ -6,10 +6,15 @@
 namespace kesp::faults {
 
 const char* NameOf(Resource resource) {
-  constexpr const char* kNames[] = {
-      "nothing",      "files",      "sockets",    "uses of Winsock", "registry keys", "modules",
-      "local memory", "memory DCs", "window DCs", "saved DCs",       "GDI objects",   "image lists",
-      "icons",        "themes",     "contexts",   "active contexts", "window classes"};
+  constexpr const char* kNames[] = {"nothing",       "handles of the library",
+                                    "sockets",       "uses of Winsock",
+                                    "registry keys", "modules",
+                                    "local memory",  "memory DCs",
+                                    "window DCs",    "saved DCs",
+                                    "GDI objects",   "image lists",
+                                    "icons",         "themes",
+                                    "contexts",      "active contexts",
+                                    "window classes"};
   static_assert(std::size(kNames) == static_cast<std::size_t>(Resource::kCount));
   return kNames[static_cast<std::size_t>(resource)];
 }

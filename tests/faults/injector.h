@@ -21,7 +21,7 @@ struct Way {
 // What the system gives out and takes back, counted between the library and the system.
 enum class Resource {
   kNone,
-  kFile,
+  kHandle,
   kSocket,
   kSockets,
   kKey,

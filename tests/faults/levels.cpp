@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include "tests/clients/handle_count.h"
 #include "tests/faults/com_blocks.h"
 #include "tests/faults/failing_memory.h"
 #include "tests/faults/injector.h"
@@ -30,11 +31,9 @@ long CountWindows() {
 }  // namespace
 
 Levels LevelsNow() {
-  DWORD handles = 0;
-  GetProcessHandleCount(GetCurrentProcess(), &handles);
   Levels levels = {{"blocks of the library", static_cast<long>(BlocksHeld())},
                    {"blocks of COM", static_cast<long>(ComBlocksHeld())},
-                   {"handles", static_cast<long>(handles)},
+                   {"handles", clients::CountHandles()},
                    {"windows", CountWindows()}};
   for (int i = 1; i < static_cast<int>(Resource::kCount); ++i) {
     const auto resource = static_cast<Resource>(i);

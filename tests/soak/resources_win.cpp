@@ -7,25 +7,15 @@
 
 #include <cstdlib>
 
+#include "tests/clients/handle_count.h"
+
 namespace kesp::soak {
 
 namespace {
 
 // The system gives the lowest numbers first, so growth is seen long before these.
-constexpr ULONG_PTR kHighestHandle = 4 * 8000;
 constexpr ULONG_PTR kHighestUserObject = 0x4000;
 constexpr ULONG_PTR kHighestGdiObject = 0xFFFF;
-
-std::int64_t CountHandles() {
-  DWORD counted = 0;
-  if (GetProcessHandleCount(GetCurrentProcess(), &counted) != FALSE && counted != 0) return counted;
-  std::int64_t count = 0;
-  for (ULONG_PTR number = 4; number <= kHighestHandle; number += 4) {
-    DWORD flags = 0;
-    if (GetHandleInformation(reinterpret_cast<HANDLE>(number), &flags) != FALSE) ++count;
-  }
-  return count;
-}
 
 std::int64_t CountGdiObjects() {
   if (const DWORD counted = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS); counted != 0) return counted;
@@ -119,7 +109,7 @@ std::int64_t CountThreads() {
 
 Resources ReadResources() {
   Resources now;
-  now.handles = CountHandles();
+  now.handles = clients::CountHandles();
   now.gdi_objects = CountGdiObjects();
   now.user_objects = CountUserObjects();
   now.threads = CountThreads();
