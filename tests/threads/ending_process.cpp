@@ -11,8 +11,8 @@
 #include <string>
 #include <thread>
 
+#include "tests/clients/bare_sink.h"
 #include "tests/threads/bare_client.h"
-#include "tests/threads/bare_sink.h"
 
 namespace kesp::threads {
 namespace {
@@ -75,7 +75,7 @@ void TalkAtSerialLine(const std::wstring& port) {
 // Calls that never end, with a handler of the network's events.
 void Talk(short number) {
   Talkers talkers;
-  BareSink sink([] {});
+  clients::BareSink sink;
   sink.Connect(talkers.network.transport.Get(), __uuidof(__CKespTCP));
   for (short round = 0;; ++round) {
     talkers.network.Ask(round % 2 == 0 ? L"*IDN?" : L"SPLIT?");
@@ -131,7 +131,7 @@ unsigned Run(Way way, DWORD milliseconds, short number) {
       is_due = GetTickCount() - start >= milliseconds;
     }
     if (way == Way::kReturn) return kEnded;
-    BareSink sink([] { LeaveComAndLibrary(); });
+    clients::BareSink sink([] { LeaveComAndLibrary(); });
     sink.Connect(warm_up.network.transport.Get(), __uuidof(__CKespTCP));
     warm_up.network.Ask(L"ECHO 2");
     return kEnded;
