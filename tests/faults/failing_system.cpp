@@ -66,6 +66,10 @@ void AddFiles(std::vector<Import>& functions) {
   functions.push_back(Fails<&SetFileAttributesW>("SetFileAttributesW", {{0, ERROR_ACCESS_DENIED}}));
   functions.push_back(
       Fails<&CreateMutexW>("CreateMutexW", NoMemoryOr({ERROR_ACCESS_DENIED})).Makes(Resource::kHandle));
+  functions.push_back(Fails<&WaitForSingleObject>(
+      "WaitForSingleObject", {{WAIT_TIMEOUT, 0},
+                              {WAIT_ABANDONED, 0},
+                              {static_cast<std::intptr_t>(WAIT_FAILED), ERROR_INVALID_HANDLE}}));
   functions.push_back(Fails<&GetTempPathW>("GetTempPathW", NoMemoryOr({ERROR_ENVVAR_NOT_FOUND})));
   // It returns what it was given as the default; its error tells nothing that a client can use.
   functions.push_back(

@@ -118,7 +118,6 @@ const std::initializer_list<Group> kGroups = {
       "ResumeThread",
       "SuspendThread",
       "WaitForMultipleObjects",
-      "WaitForSingleObject",
       "_beginthreadex",
       "_endthreadex"}},
     {kRuntimeUnwinding,
