@@ -7,23 +7,19 @@ namespace kesp::faults {
 
 namespace {
 
-constexpr VARIANT_BOOL kUnset = 5;
-
 // What an operation's answer and status must be.
 bool Answered(_CKespCommObj* comm, HRESULT result, VARIANT_BOOL answer, const char* step, Verdict& verdict) {
-  if (!verdict.Succeeded(result, step)) return false;
-  verdict.Expect(answer == VARIANT_TRUE || answer == VARIANT_FALSE,
-                 std::string(step) + " left its answer unset");
+  const bool is_done = verdict.Answered(result, answer, step);
+  if (FAILED(result)) return false;
   ECommError status = cfrSuccess;
   const HRESULT told = comm->get_CommError(&status);
   verdict.Expect(told == S_OK, "CommError fails: " + Hexadecimal(told));
-  if (answer == VARIANT_TRUE) {
-    verdict.Expect(status == cfrSuccess,
-                   std::string(step) + " succeeded with the status " + std::to_string(status));
-    return true;
-  }
-  verdict.Expect(status != cfrSuccess, std::string(step) + " failed with the status of a success");
-  return false;
+  verdict.Expect(is_done == (status == cfrSuccess), std::string(step) + (is_done ? " succeeded" : " failed") +
+                                                        " with the status " + std::to_string(status));
+  Text reason;
+  if (!is_done && verdict.is_undisturbed()) comm->get_CommErrorDescr(reason.out());
+  verdict.ExpectUndisturbed(is_done, "the reason is " + Narrow(reason.str()));
+  return is_done;
 }
 
 }  // namespace
@@ -34,8 +30,7 @@ bool QueryGives(_CKespCommObj* comm, const std::wstring& command, const std::wst
   VARIANT_BOOL answer = kUnset;
   const HRESULT result = comm->Query(reply.in_out(), Text(command).get(), nullptr, nullptr, &answer);
   if (!Answered(comm, result, answer, "Query", verdict)) return false;
-  const std::wstring given = reply.str();
-  verdict.Expect(given == expected, "Query gives another reply: " + std::string(given.begin(), given.end()));
+  verdict.Expect(reply.str() == expected, "Query gives another reply: " + Narrow(reply.str()));
   return true;
 }
 
@@ -56,15 +51,6 @@ bool UpdateWorks(_CKespCommObj* comm, const std::wstring& command, Verdict& verd
   return Answered(comm, result, answer, "Update", verdict);
 }
 
-void MustQuery(_CKespCommObj* comm, const std::wstring& command, const std::wstring& expected,
-               Verdict& verdict) {
-  if (QueryGives(comm, command, expected, verdict)) return;
-  Text text;
-  comm->get_CommErrorDescr(text.out());
-  const std::wstring wide = text.str();
-  verdict.Expect(false, "an undisturbed Query fails: " + std::string(wide.begin(), wide.end()));
-}
-
 std::string BytesIn(const VARIANT& value) {
   if (V_VT(&value) != (VT_ARRAY | VT_UI1) || V_ARRAY(&value) == nullptr) return "(no bytes)";
   SAFEARRAY* array = V_ARRAY(&value);
@@ -75,6 +61,21 @@ std::string BytesIn(const VARIANT& value) {
   std::string bytes(static_cast<const char*>(data), static_cast<std::size_t>(upper + 1));
   SafeArrayUnaccessData(array);
   return bytes;
+}
+
+std::string Narrow(const std::wstring& text) {
+  return {text.begin(), text.end()};
+}
+
+std::wstring TemporaryPath(const wchar_t* name) {
+  wchar_t folder[MAX_PATH] = L"";
+  GetTempPathW(MAX_PATH, folder);
+  return std::wstring(folder) + name;
+}
+
+std::wstring NewEcho() {
+  static int number = 0;
+  return L"ECHO " + std::to_wstring(++number);
 }
 
 std::wstring Setting(const char* name) {

@@ -13,6 +13,9 @@ using clients::ComPtr;
 using clients::Text;
 using clients::Value;
 
+// No answer of an operation.
+inline constexpr VARIANT_BOOL kUnset = 5;
+
 // By the class factory of the registered library; null where that fails.
 template <class Interface>
 ComPtr<Interface> Make(REFCLSID clsid, Verdict& verdict) {
@@ -32,10 +35,6 @@ bool QueryBinaryGives(_CKespCommObj* comm, const std::wstring& command, const st
                       Verdict& verdict);
 bool UpdateWorks(_CKespCommObj* comm, const std::wstring& command, Verdict& verdict);
 
-// The same where nothing is disturbed: it must succeed.
-void MustQuery(_CKespCommObj* comm, const std::wstring& command, const std::wstring& expected,
-               Verdict& verdict);
-
 // The transport of a communication object, which is made to use that style.
 template <class Transport>
 ComPtr<Transport> Use(_CKespCommObj* comm, ECommStyle style, Verdict& verdict) {
@@ -49,6 +48,15 @@ ComPtr<Transport> Use(_CKespCommObj* comm, ECommStyle style, Verdict& verdict) {
 
 // The bytes of an array of them; anything else gives a text that is no reply.
 std::string BytesIn(const VARIANT& value);
+
+// A command that no other one in this process is like; the instruments of the scenarios send it back.
+std::wstring NewEcho();
+
+// A file in the folder for such.
+std::wstring TemporaryPath(const wchar_t* name);
+
+// Of characters below 128.
+std::string Narrow(const std::wstring& text);
 
 // Of the environment of this program.
 std::wstring Setting(const char* name);

@@ -15,8 +15,7 @@ class Creation : public Scenario {
     port_ = Make<_CKespCOMPort3>(__uuidof(CKespCOMPort3), verdict);
     tcp_ = Make<_CKespTCP>(__uuidof(CKespTCP), verdict);
     ieee_ = Make<_CKespIEEE>(__uuidof(CKespIEEE), verdict);
-    if (!verdict.all_succeeded()) return;
-    Use(verdict);
+    WorkAgain(verdict);
   }
   void WorkAgain(Verdict& verdict) override {
     if (comm_ == nullptr || port_ == nullptr || tcp_ == nullptr || ieee_ == nullptr) return;
@@ -30,9 +29,7 @@ class Creation : public Scenario {
     verdict.Succeeded(port_->GetKey(key.out()), "CKespCOMPort3.GetKey");
     Text settings;
     if (verdict.Succeeded(port_->GetSettings(settings.out()), "GetSettings")) {
-      const std::wstring given = settings.str();
-      verdict.Expect(given == L"<unknown>,N,8,1",
-                     "GetSettings gives " + std::string(given.begin(), given.end()));
+      verdict.Expect(settings.str() == L"<unknown>,N,8,1", "GetSettings gives " + Narrow(settings.str()));
     }
     verdict.Succeeded(tcp_->GetKey(key.out()), "CKespTCP.GetKey");
     ComPtr<_CInstruments> devices;

@@ -57,14 +57,16 @@ void Settle(HWND dialog) {
   SendMessageTimeoutW(dialog, WM_NULL, 0, 0, SMTO_NORMAL, kPatienceMs, &result);
 }
 
-void Do(HWND dialog, const HandStep& step) {
+// False where a user could not do it.
+bool Do(HWND dialog, const HandStep& step) {
   const HWND control = ControlOf(dialog, step.control);
-  if (control == nullptr) return;
+  if (control == nullptr || IsWindowEnabled(control) == FALSE) return false;
   if (step.page < 0) {
     PostMessageW(control, BM_CLICK, 0, 0);
   } else {
     PostMessageW(control, TCM_SETCURFOCUS, static_cast<WPARAM>(step.page), 0);
   }
+  return true;
 }
 
 }  // namespace
@@ -72,9 +74,10 @@ void Do(HWND dialog, const HandStep& step) {
 DialogHand::DialogHand(std::vector<HandStep> steps)
     : steps_(std::move(steps)), watched_thread_(GetCurrentThreadId()), thread_([this] { Run(); }) {}
 
-DialogHand::~DialogHand() {
+bool DialogHand::Finish() {
   is_over_ = true;
-  thread_.join();
+  if (thread_.joinable()) thread_.join();
+  return all_done_;
 }
 
 void DialogHand::Run() {
@@ -85,12 +88,13 @@ void DialogHand::Run() {
     if (dialog == nullptr) continue;
     Settle(dialog);
     if (next < steps_.size()) {
-      Do(dialog, steps_[next++]);
+      all_done_ = Do(dialog, steps_[next++]) && all_done_;
     } else {
       PostMessageW(dialog, WM_CLOSE, 0, 0);
     }
     Settle(dialog);
   }
+  all_done_ = all_done_ && next == steps_.size();
 }
 
 }  // namespace kesp::faults

@@ -16,18 +16,22 @@ struct HandStep {
   int page = -1;
 };
 
-// Works on a thread of its own until it is destroyed. When its steps are done it closes what is left.
+// Works on a thread of its own until it is finished. When its steps are done it closes what is left.
 class DialogHand {
  public:
   DialogHand(std::vector<HandStep> steps);
-  ~DialogHand();
+  ~DialogHand() { Finish(); }
   DialogHand(const DialogHand&) = delete;
   DialogHand& operator=(const DialogHand&) = delete;
+
+  // Ends the work. Whether every step was done.
+  bool Finish();
 
  private:
   void Run();
 
   std::vector<HandStep> steps_;
+  bool all_done_ = true;
   DWORD watched_thread_;
   std::atomic<bool> is_over_ = false;
   std::thread thread_;

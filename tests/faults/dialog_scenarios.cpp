@@ -9,11 +9,13 @@ namespace kesp::faults {
 
 namespace {
 
-// Shows the dialog of that object while the hand does its steps.
+// Shows the dialog of that object while the hand does its steps, the last of which confirms.
 void Edit(_CKespCommObj* comm, long flags, std::vector<HandStep> steps, Verdict& verdict) {
-  VARIANT_BOOL answer = VARIANT_FALSE;
-  const DialogHand hand(std::move(steps));
-  verdict.Succeeded(comm->Edit(static_cast<EEditCommFlags>(flags), nullptr, 0, &answer), "Edit");
+  VARIANT_BOOL answer = kUnset;
+  DialogHand hand(std::move(steps));
+  const HRESULT result = comm->Edit(static_cast<EEditCommFlags>(flags), nullptr, 0, &answer);
+  verdict.Answered(result, answer, "Edit");
+  verdict.ExpectUndisturbed(hand.Finish(), "the dialog does not take every step");
 }
 
 class TcpDialog : public TcpScenario {
@@ -69,12 +71,12 @@ class ModemDialog : public SerialScenario {
  private:
   void ReadModem(Verdict& verdict) const {
     Text texts[6];
-    VARIANT_BOOL answer = VARIANT_FALSE;
+    VARIANT_BOOL answer = kUnset;
     const HRESULT read =
         transport_->RFReadModemSettings(texts[0].in_out(), texts[1].in_out(), texts[2].in_out(),
                                         texts[3].in_out(), texts[4].in_out(), texts[5].in_out(), &answer);
-    if (!verdict.Succeeded(read, "RFReadModemSettings")) return;
-    verdict.Expect(answer == VARIANT_TRUE && !texts[0].str().empty(), "the modem's settings cannot be read");
+    if (!verdict.Answered(read, answer, "RFReadModemSettings")) return;
+    verdict.Expect(!texts[0].str().empty(), "the modem tells no serial number");
   }
 };
 

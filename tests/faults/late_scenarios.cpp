@@ -1,6 +1,4 @@
 // Calls by name, with references and arrays; and a handler that calls back.
-#include <ocidl.h>
-
 #include <vector>
 
 #include "tests/clients/late_object.h"
@@ -39,8 +37,8 @@ bool Call(IDispatch* object, const wchar_t* name, WORD flags, std::vector<VARIAN
   return verdict.SucceededBarely(called, "Invoke");
 }
 
-bool IsTrue(const Value& value) {
-  return value.type() == VT_BOOL && V_BOOL(value.get()) == VARIANT_TRUE;
+bool IsTrue(const Value& answer, Verdict& verdict) {
+  return verdict.Answered(S_OK, answer.type() == VT_BOOL ? V_BOOL(answer.get()) : kUnset, "a call by name");
 }
 
 class LateCalls : public TcpScenario {
@@ -74,13 +72,14 @@ class LateCalls : public TcpScenario {
     Value answer;
     if (!Call(comm_.Get(), L"Query", DISPATCH_METHOD, {Plain(command), Variable(reply)}, answer, verdict))
       return;
-    verdict.Expect(!IsTrue(answer) || reply.text() == kTcpIdentity, "Query by name gives another reply");
+    verdict.Expect(!IsTrue(answer, verdict) || reply.text() == kTcpIdentity,
+                   "Query by name gives another reply");
     Value bytes;
     if (!Call(comm_.Get(), L"QueryBinary", DISPATCH_METHOD, {Plain(command), Variable(bytes)}, answer,
               verdict)) {
       return;
     }
-    verdict.Expect(!IsTrue(answer) || BytesIn(*bytes.get()) == "KESP,TORTURE,SIM00666,1.0\r",
+    verdict.Expect(!IsTrue(answer, verdict) || BytesIn(*bytes.get()) == "KESP,TORTURE,SIM00666,1.0\r",
                    "QueryBinary by name gives other bytes");
   }
 
@@ -93,7 +92,8 @@ class LateCalls : public TcpScenario {
               verdict)) {
       return;
     }
-    verdict.Expect(!IsTrue(answer) || reply.str() == kTcpIdentity, "Query by name gives another reply");
+    verdict.Expect(!IsTrue(answer, verdict) || reply.str() == kTcpIdentity,
+                   "Query by name gives another reply");
   }
 
   void ReplyInArray(Verdict& verdict) const {
@@ -106,64 +106,20 @@ class LateCalls : public TcpScenario {
               {Plain(command), Reference(&V_ARRAY(bytes.get()))}, answer, verdict)) {
       return;
     }
-    verdict.Expect(!IsTrue(answer) || BytesIn(*bytes.get()) == "ECHO a\r", "QueryBinary gives other bytes");
+    verdict.Expect(!IsTrue(answer, verdict) || BytesIn(*bytes.get()) == "ECHO a\r",
+                   "QueryBinary gives other bytes");
   }
 };
 
 // A handler that asks the object that raised the event for something.
-class Handler final : public IDispatch {
- public:
-  explicit Handler(_CKespTCP* tcp) : tcp_(tcp) {}
-
-  int heard() const { return heard_; }
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-    const bool is_known = iid == IID_IUnknown || iid == IID_IDispatch || iid == __uuidof(__CKespTCP);
-    *object = is_known ? this : nullptr;
-    return is_known ? S_OK : E_NOINTERFACE;
-  }
-  // It lives as long as its scenario.
-  ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-  ULONG STDMETHODCALLTYPE Release() override { return 1; }
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    *count = 0;
-    return S_OK;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-    return E_NOTIMPL;
-  }
-  HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                                   UINT*) override {
-    ++heard_;
-    EKespTCPState state = sckClosed;
-    tcp_->get_State(&state);
-    Text address;
-    tcp_->get_IPAddress(address.out());
-    return S_OK;
-  }
-
- private:
-  _CKespTCP* tcp_;
-  int heard_ = 0;
-};
-
 class Events : public TcpScenario {
  public:
-  ~Events() override {
-    if (point_ != nullptr && cookie_ != 0) point_->Unadvise(cookie_);
-  }
-
   void Run(Verdict& verdict) override {
     if (!Begin(verdict)) return;
-    handler_ = std::make_unique<Handler>(transport_.Get());
-    ComPtr<IConnectionPointContainer> container;
-    if (!verdict.SucceededBarely(transport_.As(&container), "IConnectionPointContainer")) return;
-    const HRESULT found = container->FindConnectionPoint(__uuidof(__CKespTCP), point_.GetAddressOf());
-    if (!verdict.SucceededBarely(found, "FindConnectionPoint")) return;
-    if (!verdict.SucceededBarely(point_->Advise(handler_.get(), &cookie_), "Advise")) return;
+    if (!verdict.SucceededBarely(sink_.Connect(transport_.Get(), __uuidof(__CKespTCP)), "Advise")) return;
     ComPtr<IEnumConnections> connections;
-    if (verdict.SucceededBarely(point_->EnumConnections(connections.GetAddressOf()), "EnumConnections")) {
+    const HRESULT listed = sink_.point()->EnumConnections(connections.GetAddressOf());
+    if (verdict.SucceededBarely(listed, "EnumConnections")) {
       CONNECTDATA connection{};
       ULONG fetched = 0;
       if (connections->Next(1, &connection, &fetched) == S_OK) connection.pUnk->Release();
@@ -172,15 +128,20 @@ class Events : public TcpScenario {
   }
 
   void WorkAgain(Verdict& verdict) override {
-    const int before = handler_ == nullptr ? 0 : handler_->heard();
+    const int before = sink_.heard();
     TcpScenario::WorkAgain(verdict);
-    if (cookie_ != 0) verdict.Expect(handler_->heard() > before, "the handler hears no more events");
+    if (sink_.is_connected()) verdict.Expect(sink_.heard() > before, "the handler hears no more events");
   }
 
  private:
-  std::unique_ptr<Handler> handler_;
-  ComPtr<IConnectionPoint> point_;
-  DWORD cookie_ = 0;
+  void Ask() const {
+    EKespTCPState state = sckClosed;
+    transport_->get_State(&state);
+    Text address;
+    transport_->get_IPAddress(address.out());
+  }
+
+  clients::BareSink sink_{[this] { Ask(); }};
 };
 
 }  // namespace

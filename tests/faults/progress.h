@@ -22,19 +22,25 @@ struct Progress {
   // How often the scenario calls each function, counted by the first child of a cold one.
   LONG calls[256];
 
-  // Calls of functions that can fail in one run of the scenario, and how many of them are tried.
+  // Calls of functions that can fail in one run of the scenario, and how many of them failed in at least one
+  // way.
   LONG calls_seen;
   LONG calls_tried;
+  // The last of those, and a bit for each replayed case that was tried.
+  LONG tried_index;
+  LONG tried_nth;
+  LONG replayed;
 
   LONG faults;
   LONG allocations;
-  LONG not_reached;
   LONG leaks;
   LONG idle_objects;
   LONG wrong_results;
-  LONG excused;
   LONG slowest_ms;
   char slowest[96];
+
+  // The case that runs now did happen.
+  void CountFault(const char* scenario);
 };
 
 // The memory of that name, made by the parent and opened by the child.

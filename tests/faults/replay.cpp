@@ -2,6 +2,9 @@
 #include "tests/faults/replay.h"
 
 #include <algorithm>
+#include <iterator>
+
+#include "tests/faults/injector.h"
 
 namespace kesp::faults {
 
@@ -21,9 +24,8 @@ constexpr ReplayedCase kCases[] = {
     {"tcp-lines", "SysAllocStringLen", 1},
     {"tcp-binary", "SafeArrayAccessData", 1},
     // A connection stayed open when there was no memory for a line of the trace, and the late reply was taken
-    // for that to
-    // the next command.
-    {"late-calls", "malloc", 132, 142},
+    // for that to the next command.
+    {"late-calls", "malloc", 100, 170},
     // A window without its object lost every notification of the socket.
     {"tcp-query", "SetWindowLongPtrW", 1},
     {"tcp-query", "SetWindowLongW", 1},
@@ -44,6 +46,7 @@ constexpr ReplayedCase kCases[] = {
     // A dialog that nobody saw waited for its end.
     {"dialog-tcp", "SetWindowPos", 4},
 };
+static_assert(std::size(kCases) < 32);
 
 }  // namespace
 
@@ -56,11 +59,28 @@ std::vector<std::string> ReplayedScenarios() {
   return names;
 }
 
-bool IsReplayed(const std::string& scenario, const std::string& function, unsigned nth) {
-  return std::any_of(std::begin(kCases), std::end(kCases), [&](const ReplayedCase& replayed) {
-    return scenario == replayed.scenario && function == replayed.function && nth >= replayed.nth &&
-           nth <= std::max(replayed.nth, replayed.last);
-  });
+unsigned ReplayedBits(const std::string& scenario, const std::string& function, unsigned nth) {
+  unsigned bits = 0;
+  for (std::size_t i = 0; i < std::size(kCases); ++i) {
+    const ReplayedCase& replayed = kCases[i];
+    const bool is_it = scenario == replayed.scenario && function == replayed.function &&
+                       nth >= replayed.nth && nth <= std::max(replayed.nth, replayed.last);
+    if (is_it) bits |= 1u << i;
+  }
+  return bits;
+}
+
+std::vector<std::string> MissedCases(const std::string& scenario, unsigned replayed_bits) {
+  const auto& functions = TheInjector().functions();
+  std::vector<std::string> missed;
+  for (std::size_t i = 0; i < std::size(kCases); ++i) {
+    if (scenario != kCases[i].scenario || (replayed_bits & 1u << i) != 0) continue;
+    const std::string name = kCases[i].function;
+    const bool is_imported = std::any_of(functions.begin(), functions.end(),
+                                         [&](const Import& function) { return name == function.name(); });
+    if (is_imported) missed.push_back(name + " " + std::to_string(kCases[i].nth));
+  }
+  return missed;
 }
 
 }  // namespace kesp::faults

@@ -17,8 +17,8 @@ bool SerialStage::Point(_CKespCOMPort3* port, Verdict& verdict) {
 
 void SerialStage::Recover(_CKespCommObj* comm, _CKespCOMPort3* port, Verdict& verdict) {
   verdict.Succeeded(comm->put_AutoClose(VARIANT_TRUE), "AutoClose");
-  VARIANT_BOOL answer = VARIANT_FALSE;
-  if (!verdict.Succeeded(port->OpenPort(&answer), "OpenPort")) return;
+  VARIANT_BOOL answer = kUnset;
+  if (!verdict.Answered(port->OpenPort(&answer), answer, "OpenPort")) return;
   constexpr DWORD kLongestReplyMs = 100;
   Sleep(kLongestReplyMs);
   verdict.Succeeded(port->ClearBuffers(), "ClearBuffers");

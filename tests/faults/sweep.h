@@ -32,6 +32,8 @@ class Sweep {
 
   bool WarmUp();
   void CountCalls(const std::vector<unsigned>& calls);
+  // Those of a function's calls that are tried.
+  std::vector<unsigned> CallsOf(unsigned calls) const;
   // The cases of a function, in their order.
   std::vector<Fault> CasesOf(std::size_t function, unsigned calls) const;
   // The first case of all behind the one that was last.

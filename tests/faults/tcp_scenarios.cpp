@@ -25,34 +25,6 @@ class TcpBinary : public TcpScenario {
   }
 };
 
-// The transport by itself, with one connection for several exchanges.
-class TcpLines : public TcpScenario {
- public:
-  void Run(Verdict& verdict) override {
-    if (!Begin(verdict)) return;
-    VARIANT_BOOL answer = VARIANT_FALSE;
-    if (!verdict.Succeeded(transport_->Initialize(&answer), "Initialize")) return;
-    for (int i = 0; i < 2 && Exchange(verdict); ++i) {
-    }
-    verdict.Succeeded(transport_->Uninitialize(&answer), "Uninitialize");
-  }
-  void WorkAgain(Verdict& verdict) override {
-    VARIANT_BOOL answer = VARIANT_FALSE;
-    if (transport_ != nullptr) verdict.Succeeded(transport_->Uninitialize(&answer), "Uninitialize");
-    TcpScenario::WorkAgain(verdict);
-  }
-
- private:
-  bool Exchange(Verdict& verdict) const {
-    VARIANT_BOOL answer = VARIANT_FALSE;
-    if (!verdict.Succeeded(transport_->WriteLine(Text(L"*IDN?").get(), &answer), "WriteLine")) return false;
-    Text reply(L"before");
-    if (!verdict.Succeeded(transport_->ReadLine(reply.in_out(), &answer), "ReadLine")) return false;
-    verdict.Expect(answer != VARIANT_TRUE || reply.str() == kTcpIdentity, "ReadLine gives another reply");
-    return true;
-  }
-};
-
 // Nobody listens: the port of a socket that is bound and no more.
 class TcpNobody : public TcpScenario {
  public:
@@ -61,7 +33,7 @@ class TcpNobody : public TcpScenario {
     constexpr short kNobodysPort = 9;
     if (!verdict.Succeeded(transport_->put_Port(kNobodysPort), "Port")) return;
     Text reply;
-    VARIANT_BOOL answer = VARIANT_FALSE;
+    VARIANT_BOOL answer = kUnset;
     verdict.Succeeded(comm_->Query(reply.in_out(), Text(L"*IDN?").get(), nullptr, nullptr, &answer), "Query");
     verdict.Expect(answer != VARIANT_TRUE, "Query succeeds where nobody listens");
   }
@@ -82,7 +54,25 @@ class TcpDiscovery : public TcpScenario {
  public:
   void Run(Verdict& verdict) override {
     if (!Begin(verdict)) return;
-    if (verdict.Succeeded(transport_->put_Protocol(sckUDPProtocol), "Protocol")) Detect(verdict);
+    if (!verdict.Succeeded(transport_->put_Protocol(sckUDPProtocol), "Protocol")) return;
+    Detect(L"", verdict);
+    ComPtr<_CInstruments> devices;
+    long count = -1;
+    if (!verdict.Succeeded(transport_->get_Devices(devices.GetAddressOf()), "Devices")) return;
+    if (!verdict.Succeeded(devices->get_Count(&count), "Count")) return;
+    verdict.Expect(count == 0 || count == 1, "there are too many devices: " + std::to_string(count));
+    verdict.ExpectUndisturbed(count == 1, "nobody is found");
+    if (count == 1) Read(devices.Get(), verdict);
+  }
+
+ private:
+  static void Read(_CInstruments* devices, Verdict& verdict) {
+    ComPtr<_CInstrument> device;
+    Text model;
+    if (!verdict.Succeeded(devices->Item(*Value(1).get(), device.GetAddressOf()), "Item")) return;
+    if (!verdict.Succeeded(device->get_Model(model.out()), "Model")) return;
+    verdict.ExpectUndisturbed(model.str() == L"TORTURE",
+                              "the device has another model: " + Narrow(model.str()));
   }
 };
 
@@ -92,20 +82,17 @@ class TcpLogs : public TcpScenario {
   void Run(Verdict& verdict) override {
     if (!Begin(verdict)) return;
     if (!verdict.Succeeded(transport_->put_CreateLogFile(VARIANT_TRUE), "CreateLogFile")) return;
-    if (!verdict.Succeeded(comm_->put_DebugFilename(Text(LogName(L"trace")).get()), "DebugFilename")) return;
+    if (!verdict.Succeeded(comm_->put_DebugFilename(Text(TemporaryPath(L"kesp-faults-trace.txt")).get()),
+                           "DebugFilename"))
+      return;
     if (!verdict.Succeeded(comm_->put_Debugging(VARIANT_TRUE), "Debugging")) return;
-    if (!verdict.Succeeded(transport_->put_LogFilename(Text(LogName(L"log")).get()), "LogFilename")) return;
+    if (!verdict.Succeeded(transport_->put_LogFilename(Text(TemporaryPath(L"kesp-faults-log.txt")).get()),
+                           "LogFilename"))
+      return;
     QueryGives(comm_.Get(), L"*IDN?", kTcpIdentity, verdict);
     Text key;
     if (verdict.Succeeded(comm_->GetKey(key.out()), "GetKey"))
       verdict.Expect(!key.str().empty(), "the key is empty");
-  }
-
- private:
-  static std::wstring LogName(const wchar_t* kind) {
-    wchar_t folder[MAX_PATH] = L"";
-    GetTempPathW(MAX_PATH, folder);
-    return folder + std::wstring(L"kesp-faults-") + kind + L".txt";
   }
 };
 
@@ -118,7 +105,7 @@ std::unique_ptr<Scenario> MakeTcpBinary() {
   return std::make_unique<TcpBinary>();
 }
 std::unique_ptr<Scenario> MakeTcpLines() {
-  return std::make_unique<TcpLines>();
+  return std::make_unique<LinesScenario<TcpStage>>();
 }
 std::unique_ptr<Scenario> MakeTcpNobody() {
   return std::make_unique<TcpNobody>();

@@ -1,11 +1,7 @@
 // Judging results.
 #include "tests/faults/verdict.h"
 
-#include <oleauto.h>
-
 #include <cstdio>
-
-#include "tests/clients/automation.h"
 
 namespace kesp::faults {
 
@@ -26,9 +22,15 @@ bool Verdict::Succeeded(HRESULT result, const char* step) {
 
 bool Verdict::SucceededBarely(HRESULT result, const char* step) {
   if (SUCCEEDED(result)) return true;
-  all_succeeded_ = false;
-  if (again_ != kNever) complaints_.push_back(std::string(step) + " fails: " + Hexadecimal(result));
+  ExpectUndisturbed(false, std::string(step) + " fails: " + Hexadecimal(result));
   return false;
+}
+
+bool Verdict::Answered(HRESULT result, const VARIANT_BOOL& answer, const char* step) {
+  if (!Succeeded(result, step)) return false;
+  Expect(answer == VARIANT_TRUE || answer == VARIANT_FALSE, std::string(step) + " left its answer unset");
+  ExpectUndisturbed(answer == VARIANT_TRUE, std::string(step) + " answers False");
+  return answer == VARIANT_TRUE;
 }
 
 }  // namespace kesp::faults
