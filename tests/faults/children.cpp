@@ -25,6 +25,7 @@ struct Totals {
   LONG leaks = 0;
   LONG idle_objects = 0;
   LONG wrong_results = 0;
+  LONG excused_leaks = 0;
   LONG excused_crashes = 0;
   LONG failed_scenarios = 0;
 
@@ -77,7 +78,7 @@ DWORD Watch(HANDLE child, const char* scenario, const Progress& progress) {
 
 // Tells how the child ended, and gives the figure that this belongs to.
 LONG& CountOfEnd(const char* scenario, DWORD code, const Progress& progress, Totals& totals) {
-  const char* excuse = ExcuseFor(scenario, progress.function);
+  const char* excuse = ExcuseFor(scenario, progress.function, kEndOfProcess);
   std::printf("%s, %s %s %ld way %ld: the child ended with %lu%s%s\n", code == kHung ? "hang" : "crash",
               scenario, progress.function, progress.nth, progress.way, code,
               excuse == nullptr ? "" : "; excused: ", excuse == nullptr ? "" : excuse);
@@ -135,6 +136,7 @@ void SweepScenario(Options options, const char* scenario, Totals& totals) {
   totals.leaks += progress->leaks;
   totals.idle_objects += progress->idle_objects;
   totals.wrong_results += progress->wrong_results;
+  totals.excused_leaks += progress->excused_leaks;
 }
 
 }  // namespace
@@ -154,6 +156,7 @@ bool RunChildren(const Options& options) {
   std::printf("total leaks = %ld\n", totals.leaks);
   std::printf("total objects that did not work again = %ld\n", totals.idle_objects);
   std::printf("total wrong results = %ld\n", totals.wrong_results);
+  std::printf("total leaks excused = %ld\n", totals.excused_leaks);
   std::printf("total crashes excused = %ld\n", totals.excused_crashes);
   std::fflush(stdout);
   return totals.AreClean();

@@ -5,7 +5,10 @@
 
 namespace kesp::faults {
 
-// Why a fault of that function in that scenario may break something; null where it may not.
-const char* ExcuseFor(const std::string& scenario, const std::string& function);
+// Instead of what stays behind: the process ended.
+inline constexpr char kEndOfProcess[] = "end of the process";
+
+// Why a fault of that function in that scenario may leave exactly that behind; null where it may not.
+const char* ExcuseFor(const std::string& scenario, const std::string& function, const std::string& broken);
 
 }  // namespace kesp::faults

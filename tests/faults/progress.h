@@ -36,6 +36,7 @@ struct Progress {
   LONG leaks;
   LONG idle_objects;
   LONG wrong_results;
+  LONG excused_leaks;
   LONG slowest_ms;
   char slowest[96];
 
