@@ -1,11 +1,8 @@
 // The C runtime's memory functions: how they fail, and which blocks the library holds.
-#include "tests/faults/failing_memory.h"
-
 #include <cstdlib>
-#include <mutex>
-#include <unordered_map>
 
 #include "tests/faults/functions.h"
+#include "tests/faults/held_blocks.h"
 
 namespace kesp::faults {
 
@@ -13,31 +10,9 @@ namespace {
 
 HookState malloc_state, calloc_state, realloc_state, free_state, strdup_state;
 
-// The library's blocks, each with who asked for it. This program's own memory, so never the library's.
-struct Blocks {
-  std::mutex mutex;
-  std::unordered_map<void*, std::vector<void*>> held;
-};
-
-Blocks& TheBlocks() {
-  static Blocks blocks;
-  return blocks;
-}
-
 void* Note(void* block) {
-  if (block == nullptr) return nullptr;
-  std::vector<void*> stack;
-  if (TheInjector().keeps_stacks) stack = StackHere();
-  Blocks& blocks = TheBlocks();
-  const std::lock_guard locked(blocks.mutex);
-  blocks.held[block] = std::move(stack);
+  if (block != nullptr) LibraryBlocks().Note(block);
   return block;
-}
-
-void Forget(void* block) {
-  Blocks& blocks = TheBlocks();
-  const std::lock_guard locked(blocks.mutex);
-  blocks.held.erase(block);
 }
 
 bool Refuses(const HookState& state) {
@@ -54,7 +29,7 @@ void* Calloc(std::size_t count, std::size_t size) {
 
 void* Realloc(void* block, std::size_t size) {
   if (Refuses(realloc_state)) return nullptr;
-  Forget(block);
+  LibraryBlocks().Forget(block);
   return Note(std::realloc(block, size));
 }
 
@@ -63,7 +38,7 @@ char* Strdup(const char* text) {
 }
 
 void Free(void* block) {
-  Forget(block);
+  LibraryBlocks().Forget(block);
   std::free(block);
 }
 
@@ -77,18 +52,6 @@ void AddMemoryFunctions(std::vector<Import>& functions) {
   functions.emplace_back("_strdup", reinterpret_cast<void*>(&Strdup), strdup_state, null);
   // It cannot fail, and is here so that blocks are counted.
   functions.emplace_back("free", reinterpret_cast<void*>(&Free), free_state, std::vector<Way>{});
-}
-
-std::size_t BlocksHeld() {
-  Blocks& blocks = TheBlocks();
-  const std::lock_guard locked(blocks.mutex);
-  return blocks.held.size();
-}
-
-std::unordered_map<void*, std::vector<void*>> HeldBlocks() {
-  Blocks& blocks = TheBlocks();
-  const std::lock_guard locked(blocks.mutex);
-  return blocks.held;
 }
 
 }  // namespace kesp::faults

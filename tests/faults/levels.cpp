@@ -4,8 +4,7 @@
 #include <windows.h>
 
 #include "tests/clients/handle_count.h"
-#include "tests/faults/com_blocks.h"
-#include "tests/faults/failing_memory.h"
+#include "tests/faults/held_blocks.h"
 #include "tests/faults/injector.h"
 
 namespace kesp::faults {
@@ -31,8 +30,8 @@ long CountWindows() {
 }  // namespace
 
 Levels LevelsNow() {
-  Levels levels = {{"blocks of the library", static_cast<long>(BlocksHeld())},
-                   {"blocks of COM", static_cast<long>(ComBlocksHeld())},
+  Levels levels = {{"blocks of the library", LibraryBlocks().Count()},
+                   {"blocks of COM", ComBlocks().Count()},
                    {"handles", clients::CountHandles()},
                    {"windows", CountWindows()}};
   for (int i = 1; i < static_cast<int>(Resource::kCount); ++i) {

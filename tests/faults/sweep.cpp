@@ -8,9 +8,8 @@
 #include <numeric>
 #include <tuple>
 
-#include "tests/faults/com_blocks.h"
 #include "tests/faults/excuses.h"
-#include "tests/faults/failing_memory.h"
+#include "tests/faults/held_blocks.h"
 #include "tests/faults/replay.h"
 
 namespace kesp::faults {
@@ -53,9 +52,7 @@ void TellStack(const std::vector<void*>& stack) {
   }
 }
 
-using HeldMap = std::unordered_map<void*, std::vector<void*>>;
-
-void TellNew(const char* kind, const HeldMap& before, const HeldMap& after) {
+void TellNew(const char* kind, const HeldBlocks::Map& before, const HeldBlocks::Map& after) {
   for (const auto& [block, stack] : after) {
     if (before.contains(block)) continue;
     std::printf("  %s, asked for\n", kind);
@@ -261,14 +258,14 @@ std::string Sweep::LeakOf(const Fault& fault) {
 
 void Sweep::TellBlocks(const Fault& fault) const {
   TheInjector().keeps_stacks = true;
-  const HeldMap blocks = HeldBlocks();
-  const HeldMap com_blocks = HeldComBlocks();
+  const HeldBlocks::Map blocks = LibraryBlocks().All();
+  const HeldBlocks::Map com_blocks = ComBlocks().All();
   Once(&fault);
   std::printf("  the call that failed\n");
   TellStack(TheInjector().stack());
   SettledLevels();
-  TellNew("a block", blocks, HeldBlocks());
-  TellNew("a block of COM", com_blocks, HeldComBlocks());
+  TellNew("a block", blocks, LibraryBlocks().All());
+  TellNew("a block of COM", com_blocks, ComBlocks().All());
   TheInjector().keeps_stacks = false;
   std::fflush(stdout);
 }

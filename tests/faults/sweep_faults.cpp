@@ -13,7 +13,7 @@
 
 #include "tests/clients/automation.h"
 #include "tests/faults/children.h"
-#include "tests/faults/com_blocks.h"
+#include "tests/faults/held_blocks.h"
 #include "tests/faults/library.h"
 #include "tests/faults/sweep.h"
 

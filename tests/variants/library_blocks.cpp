@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "bench/allocation_counter.h"
-#include "tests/faults/com_blocks.h"
+#include "tests/faults/held_blocks.h"
 #include "tests/faults/injector.h"
 #include "tests/variants/block_count.h"
 #include "tests/variants/harmless_state.h"
@@ -59,7 +59,7 @@ Held Held::Now() {
   return {.blocks = static_cast<long>(HeapBlocks()), .library_blocks = LibraryBlocks()};
 }
 
-LibraryTexts::LibraryTexts() : before_(faults::HeldComBlocks()) {
+LibraryTexts::LibraryTexts() : before_(faults::ComBlocks().All()) {
   faults::TheInjector().keeps_stacks = true;
 }
 
@@ -69,7 +69,7 @@ LibraryTexts::~LibraryTexts() {
 
 long LibraryTexts::Left() const {
   long left = 0;
-  for (const auto& [block, stack] : faults::HeldComBlocks()) {
+  for (const auto& [block, stack] : faults::ComBlocks().All()) {
     if (!before_.contains(block) && IsMadeByLibrary(stack)) ++left;
   }
   return left;

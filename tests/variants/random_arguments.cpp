@@ -6,7 +6,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "tests/faults/com_blocks.h"
+#include "tests/faults/held_blocks.h"
 #include "tests/variants/box_closer.h"
 #include "tests/variants/case_watch.h"
 #include "tests/variants/library_blocks.h"
@@ -151,14 +151,14 @@ class Trial {
 
   Trace Live(std::uint64_t number, unsigned most_calls = kCallsOfACase) {
     NoteCase(number);
-    const auto before = static_cast<long>(faults::ComBlocksHeld());
+    const auto before = faults::ComBlocks().Count();
     const long library_before = LibraryBlocks();
     Life life = LiveCase(surroundings_, number, most_calls);
     WorkOffMessages();
     SetErrorInfo(0, nullptr);
     return {.findings = std::move(life.findings),
             .last_call = std::move(life.last_call),
-            .grown = static_cast<long>(faults::ComBlocksHeld()) - before,
+            .grown = faults::ComBlocks().Count() - before,
             .library_grown = LibraryBlocks() - library_before,
             .is_holding = life.is_holding};
   }
