@@ -25,7 +25,7 @@ constexpr ReplayedCase kCases[] = {
     {"tcp-binary", "SafeArrayAccessData", 1},
     // A connection stayed open when there was no memory for a line of the trace, and the late reply was taken
     // for that to the next command.
-    {"late-calls", "malloc", 100, 170},
+    {"late-calls", "malloc", 72, 86},
     // A window without its object lost every notification of the socket.
     {"tcp-query", "SetWindowLongPtrW", 1},
     {"tcp-query", "SetWindowLongW", 1},

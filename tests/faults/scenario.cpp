@@ -15,7 +15,7 @@ constexpr ScenarioEntry kScenarios[] = {
     {"tcp-nobody", "a query where nobody listens", &MakeTcpNobody},
     {"tcp-name", "a query of a name that is looked up", &MakeTcpName},
     {"tcp-detection", "the search for a device at an address", &MakeTcpDetection},
-    {"discovery", "the search over the local network", &MakeTcpDiscovery, 2},
+    {"discovery", "the search over the local network", &MakeTcpDiscovery, 5},
     {"tcp-logs", "a query with both logs", &MakeTcpLogs},
     {"late-calls", "calls by name, with replies in variables of each kind", &MakeLateCalls},
     {"late-events", "a query with a handler that calls back", &MakeEvents},
