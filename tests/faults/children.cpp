@@ -43,7 +43,7 @@ HANDLE Start(const std::string& arguments) {
   PROCESS_INFORMATION process{};
   if (CreateProcessA(path, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process) ==
       0) {
-    throw std::runtime_error("a child cannot be started");
+    throw std::runtime_error("a child cannot be started: " + std::to_string(GetLastError()));
   }
   CloseHandle(process.hThread);
   return process.hProcess;
