@@ -12,6 +12,8 @@ namespace {
 constexpr DWORD kPauseMs = 10;
 // How long a dialog may take to do a step.
 constexpr UINT kPatienceMs = 2000;
+// How long a step waits for its dialog.
+constexpr DWORD kLongestWaitMs = 8000;
 
 struct Search {
   HWND found = nullptr;
@@ -57,6 +59,15 @@ void Settle(HWND dialog) {
   SendMessageTimeoutW(dialog, WM_NULL, 0, 0, SMTO_NORMAL, kPatienceMs, &result);
 }
 
+bool IsShown(HWND dialog, int id) {
+  if (id == 0) return true;
+  const HWND control = ControlOf(dialog, id);
+  DWORD_PTR length = 0;
+  return control != nullptr &&
+         SendMessageTimeoutW(control, WM_GETTEXTLENGTH, 0, 0, SMTO_NORMAL, kPatienceMs, &length) != 0 &&
+         length > 0;
+}
+
 // False where a user could not do it.
 bool Do(HWND dialog, const HandStep& step) {
   const HWND control = ControlOf(dialog, step.control);
@@ -82,12 +93,15 @@ bool DialogHand::Finish() {
 
 void DialogHand::Run() {
   std::size_t next = 0;
+  DWORD since = GetTickCount();
   while (!is_over_) {
     Sleep(kPauseMs);
     const HWND dialog = TopDialog(watched_thread_);
     if (dialog == nullptr) continue;
     Settle(dialog);
     if (next < steps_.size()) {
+      if (!IsShown(dialog, steps_[next].shown) && GetTickCount() - since < kLongestWaitMs) continue;
+      since = GetTickCount();
       all_done_ = Do(dialog, steps_[next++]) && all_done_;
     } else {
       PostMessageW(dialog, WM_CLOSE, 0, 0);

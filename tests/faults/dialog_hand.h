@@ -10,10 +10,12 @@
 namespace kesp::faults {
 
 // What the hand does with the dialog that stands on top: a click on the control of that number, or, with a
-// page, a turn of the control's tabs to it.
+// page, a turn of the control's tabs to it. It waits for a dialog in which the control `shown`, if one is
+// given, holds a text.
 struct HandStep {
   int control = 0;
   int page = -1;
+  int shown = 0;
 };
 
 // Works on a thread of its own until it is finished. When its steps are done it closes what is left.

@@ -56,7 +56,10 @@ class ModemDialog : public SerialScenario {
     Edit(comm_.Get(), 0,
          {{.control = ID_CHK_USE_RF_MODEM},
           {.control = ID_CMD_RF_PROPERTIES},
-          {.control = ID_OK},
+          // The last box that is filled with what was read.
+          {.control = ID_OK, .shown = ID_TXT_RF_TIMEOUT},
+          // Without an instrument's address the modem cannot be used.
+          {.control = ID_CHK_USE_RF_MODEM, .shown = ID_CHK_USE_RF_MODEM},
           {.control = ID_OK}},
          verdict);
   }

@@ -35,7 +35,7 @@ constexpr ScenarioEntry kScenarios[] = {
     {"registration", "registered for the user and taken away", &MakeRegistration},
     {"dialog-tcp", "the dialog of the network transport", &MakeTcpDialog},
     {"dialog-serial", "the dialog of the serial transport", &MakeSerialDialog, 8},
-    {"dialog-modem", "the dialog of the serial transport with that of the radio modem", &MakeModemDialog, 3},
+    {"dialog-modem", "the dialog of the serial transport with that of the radio modem", &MakeModemDialog, 1},
 };
 
 }  // namespace
