@@ -44,6 +44,8 @@ class SerialDevicesTest : public testing::Test, protected CommObjClient {
 
 TEST_F(SerialDevicesTest, WrongRate_DetectInstrumentFindsTheRightOneAndTheNextQueryUsesIt) {
   StayAt(L"A");
+  // By then the switch has heard its selection, at the rate at which it was sent.
+  EXPECT_EQ(ReplyTo(L"*IDN?"), kController);
   EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_MinBaudRate, br4800), S_OK);
   EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_BaudRate, br19200), S_OK);
   EXPECT_EQ(Write(port_, &_CKespCOMPort3::put_MaxBaudRate, br19200), S_OK);
