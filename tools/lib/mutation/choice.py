@@ -11,6 +11,8 @@ from .places import Finder
 ROOMS = ("support", "serial", "network", "gpib", "commobj", "dialogs", "server")
 PRODUCT = re.compile(rf"(?:{'|'.join(ROOMS)})/\w+\.(?:cpp|h)")
 OF_TESTS = re.compile(r"_(?:test|fake|fixture)\.")
+# The switch that turns a mutation on needs memory itself, so what hands out memory cannot have one.
+WITHOUT_SWITCH = "support/runtime_memory_win.cpp"
 # How often each operator has its turn; there are many more places for some than for others.
 TURNS = {
     "condition": 5,
@@ -31,7 +33,8 @@ TURNS = {
 
 def product_sources(tracked, root):
     """Path to text of the files of the library, without fakes and tests."""
-    paths = [path for path in tracked if PRODUCT.fullmatch(path) and not OF_TESTS.search(path)]
+    paths = [path for path in tracked
+             if PRODUCT.fullmatch(path) and not OF_TESTS.search(path) and path != WITHOUT_SWITCH]
     return {path: (pathlib.Path(root) / path).read_text(encoding="utf-8") for path in sorted(paths)}
 
 
