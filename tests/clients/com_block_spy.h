@@ -7,7 +7,7 @@
 
 namespace kesp::clients {
 
-// Counts the blocks of COM's allocator in this process: texts and arrays of automation, type information,
+// Tells of the blocks of COM's allocator in this process: texts and arrays of automation, type information,
 // error information, and what else passes between client and library. One at a time, from before the first of
 // them. Texts are given back to COM at once from then on, not kept for the next one.
 class ComBlockSpy final : public IMallocSpy {
@@ -15,14 +15,10 @@ class ComBlockSpy final : public IMallocSpy {
   using Action = std::function<void(void* block)>;
 
   // The actions are for each block that was taken, and for each that is about to be given back.
-  explicit ComBlockSpy(
-      Action taken = [](void*) {}, Action given_back = [](void*) {});
+  ComBlockSpy(Action taken, Action given_back);
   ~ComBlockSpy();
   ComBlockSpy(const ComBlockSpy&) = delete;
   ComBlockSpy& operator=(const ComBlockSpy&) = delete;
-
-  // Blocks taken and not given back.
-  long alive() const { return alive_; }
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
   STDMETHODIMP_(ULONG) AddRef() override { return 2; }
@@ -45,7 +41,6 @@ class ComBlockSpy final : public IMallocSpy {
 
   Action taken_;
   Action given_back_;
-  volatile LONG alive_ = 0;
 };
 
 }  // namespace kesp::clients
